@@ -1,0 +1,13 @@
+#include "reference/fit_reference.h"
+
+#include "support/svd.h"
+
+namespace trelm {
+
+int findSPlain(const FitVectors &vectors, std::array<float, 5> &saupe, std::array<float, 5> &dSaupe)
+{
+    svdPolyFree();
+    return findS(vectors, saupe, dSaupe);
+}
+
+} // namespace trelm

@@ -1,0 +1,317 @@
+// The non-linear engine: rotation, Da and Dr by the method of Levenberg and Marquardt.
+#include "couplings/fit.h"
+
+#include "driver/alloc.h"
+#include "structure/select.h"
+#include "structure/transform.h"
+#include "structure/write.h"
+#include "support/minimise.h"
+#include "support/text.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace trelm {
+namespace {
+
+constexpr float methylFactor = 0.309107f; ///< share of each pair of a group of three in its coupling
+constexpr float amideConstant = 21585.2f; ///< Hz: all couplings are weighted on the scale of an amide pair
+constexpr int maxIterations = 1000;
+
+/// What a fit works on: the minimiser's callback has no room for it.
+struct AlignState {
+    PDBInfo *pdbInfo = nullptr;
+    DTable *dTab = nullptr;
+    DTensor *dTensor = nullptr;
+    int rhFlag = 0, verbose = 0;
+    int atomCount = 0;               ///< atoms in use
+    int dCount = 0;                  ///< couplings in use
+    float dRMS = 0.0f;               ///< of the weighted residuals
+    Block<Coord3D> aCoords, wCoords; ///< their coordinates, as they stand and turned
+    int maxCoords = 0;               ///< room in both
+};
+
+AlignState state;
+
+/// A parameter of the tensor. It is free if its bounds differ.
+struct Parameter {
+    float DTensor::*value;
+    float DTensor::*low;
+    float DTensor::*high;
+};
+
+constexpr std::size_t parameterCount = 5;
+
+/// The parameters in the order in which the minimiser has them.
+std::array<Parameter, parameterCount> parametersOf(int rhFlag)
+{
+    constexpr Parameter rhombicity = {&DTensor::rh, &DTensor::rhMin, &DTensor::rhMax};
+    constexpr Parameter rhombic = {&DTensor::dr, &DTensor::drMin, &DTensor::drMax};
+    return {{{&DTensor::psi, &DTensor::psiMin, &DTensor::psiMax},
+             {&DTensor::theta, &DTensor::thetaMin, &DTensor::thetaMax},
+             {&DTensor::phi, &DTensor::phiMin, &DTensor::phiMax},
+             {&DTensor::da, &DTensor::daMin, &DTensor::daMax},
+             rhFlag != 0 ? rhombicity : rhombic}};
+}
+
+bool isFree(const DTensor &tensor, const Parameter &parameter)
+{
+    return tensor.*parameter.low != tensor.*parameter.high;
+}
+
+/// The free parameters with their bounds.
+struct FreeParameters {
+    std::array<float, parameterCount> cg = {}, cLo = {}, cHi = {};
+    std::size_t count = 0;
+};
+
+FreeParameters collectFree(const DTensor &tensor, int rhFlag)
+{
+    FreeParameters free;
+    for (const Parameter &parameter : parametersOf(rhFlag)) {
+        if (!isFree(tensor, parameter))
+            continue;
+        free.cg[free.count] = tensor.*parameter.value;
+        free.cLo[free.count] = tensor.*parameter.low;
+        free.cHi[free.count] = tensor.*parameter.high;
+        ++free.count;
+    }
+    return free;
+}
+
+void takeFree(DTensor &tensor, int rhFlag, const float *cg)
+{
+    for (const Parameter &parameter : parametersOf(rhFlag))
+        if (isFree(tensor, parameter))
+            tensor.*parameter.value = *cg++;
+    if (rhFlag != 0)
+        tensor.dr = tensor.rh * tensor.da;
+}
+
+bool takesPart(const DInfo &calc)
+{
+    return calc.valid != 0 && calc.w != 0.0f;
+}
+
+/// Calls `visit` for each pair of atoms of a row. Returns how many there are.
+template <class Visit>
+int forEachPair(const DInfo &calc, Visit visit)
+{
+    int pairs = 0;
+    for (int i = 0; i < calc.atomICount; ++i)
+        for (int j = 0; j < calc.atomJCount; ++j) {
+            AtomInfo *atomI = calc.atomI[static_cast<std::size_t>(i)];
+            AtomInfo *atomJ = calc.atomJ[static_cast<std::size_t>(j)];
+            if (atomI == nullptr || atomJ == nullptr)
+                continue;
+            visit(*atomI, *atomJ);
+            ++pairs;
+        }
+    return pairs;
+}
+
+/// Marks the atoms of the couplings in use, and counts both.
+void selectAtoms()
+{
+    pdbClearSelection(state.pdbInfo);
+    pdbClearAuxInfo(state.pdbInfo);
+    for (const DInfo &calc : state.dTab->calculated()) {
+        if (!takesPart(calc))
+            continue;
+        const int pairs =
+            forEachPair(calc, [](AtomInfo &atomI, AtomInfo &atomJ) { atomI.selected = atomJ.selected = 1; });
+        state.dCount += pairs > 0 ? 1 : 0;
+    }
+    for (const AtomInfo &atom : state.pdbInfo->atoms())
+        state.atomCount += atom.selected != 0 ? 1 : 0;
+}
+
+int growCoords()
+{
+    if (state.atomCount <= state.maxCoords)
+        return 0;
+    fitAlignFree();
+    state.aCoords = Block<Coord3D>("align", static_cast<std::size_t>(state.atomCount));
+    state.wCoords = Block<Coord3D>("align", static_cast<std::size_t>(state.atomCount));
+    if (!state.aCoords || !state.wCoords) {
+        fitAlignFree();
+        return complain("GORVAT Error (DC Fit) allocating workspaces.\n");
+    }
+    state.maxCoords = state.atomCount;
+    return 0;
+}
+
+/// Gathers the coordinates of the marked atoms, and points each atom to its turned copy.
+int fitDCAlloc()
+{
+    if (growCoords() != 0)
+        return 1;
+    std::size_t count = 0;
+    for (AtomInfo &atom : state.pdbInfo->atoms()) {
+        if (atom.selected == 0)
+            continue;
+        if (count >= static_cast<std::size_t>(state.maxCoords))
+            return complain("GORVAT Error (DC Fit) workspace overflow.\n");
+        state.aCoords[count] = {atom.x, atom.y, atom.z};
+        atom.auxInfo = &state.wCoords[count];
+        ++count;
+    }
+    pdbCopyCoords(state.wCoords.span().first(count), state.aCoords.span().first(count));
+    return 0;
+}
+
+/// Turns the working coordinates by the angles of the tensor.
+void turnCoords()
+{
+    const auto count = static_cast<std::size_t>(state.atomCount);
+    pdbCopyCoords(state.wCoords.span().first(count), state.aCoords.span().first(count));
+    pdb3dReset();
+    pdb3dAppendRotation0(state.dTensor->psi, state.dTensor->theta, state.dTensor->phi);
+    pdb3dCoordTransform(state.wCoords.span().first(count));
+}
+
+/// The geometry term of a pair in the frame of the tensor.
+float pairTerm(const AtomInfo &atomI, const AtomInfo &atomJ, float da, float dr)
+{
+    const auto &i = *static_cast<const Coord3D *>(atomI.auxInfo);
+    const auto &j = *static_cast<const Coord3D *>(atomJ.auxInfo);
+    const float xIJ = j.x - i.x, yIJ = j.y - i.y, zIJ = j.z - i.z;
+    const float r = std::sqrt(xIJ * xIJ + yIJ * yIJ + zIJ * zIJ);
+    const float rinv = r > 0.0f ? 1.0f / r : 0.0f;
+    const float x = xIJ * rinv, y = yIJ * rinv, z = zIJ * rinv;
+    return da * (3.0f * z * z - 1.0f) + 1.5f * dr * (x * x - y * y);
+}
+
+/// Sets the calculated coupling of a row. Returns false, with no value in it, if the row takes no part.
+bool calculateRow(DInfo &calc)
+{
+    calc.d = noCoupling;
+    if (!takesPart(calc))
+        return false;
+    const float factor = calc.atomICount * calc.atomJCount == 3 ? methylFactor : 1.0f;
+    const float da = state.dTensor->da, dr = state.dTensor->dr;
+    float sum = 0.0f;
+    const int pairs = forEachPair(calc, [&](const AtomInfo &atomI, const AtomInfo &atomJ) {
+        sum += factor * std::fabs(calc.di) * pairTerm(atomI, atomJ, da, dr);
+    });
+    if (pairs > 0)
+        calc.d = sum;
+    return pairs > 0;
+}
+
+float residualWeight(const DInfo &obs, const DInfo &calc)
+{
+    const float scale = calc.di != 0.0f ? amideConstant / std::fabs(calc.di) : 0.0f;
+    const float spread = scale * obs.sigma;
+    return spread != 0.0f ? 1.0f / spread : 1.0f;
+}
+
+void tellState(int n)
+{
+    const DTensor &t = *state.dTensor;
+    const char *name = state.rhFlag != 0 ? "Rh" : "Dr";
+    std::string text;
+    appendf(text, "Rot(%.3f %.3f %.3f) Da %.3e %s ", double{t.psi}, double{t.theta}, double{t.phi},
+            double{t.da}, name);
+    if (state.rhFlag != 0)
+        appendf(text, "%.3f", double{t.rh});
+    else
+        appendf(text, "%.3e", double{t.dr});
+    complain("%s RMS(%d): %.4f\n", text.c_str(), n, double{state.dRMS});
+}
+
+/// The residuals of the couplings in use for the free parameters cg, on the scale of an amide pair. The
+/// calculated couplings, the tensor and the current transform are left as of this call.
+int fitDCTarget(int xCnt, int, float *cg, float *res)
+{
+    takeFree(*state.dTensor, state.rhFlag, cg);
+    turnCoords();
+    float squares = 0.0f;
+    int n = 0;
+    const auto observed = state.dTab->observed(), calculated = state.dTab->calculated();
+    for (std::size_t i = 0; i < calculated.size(); ++i) {
+        if (!calculateRow(calculated[i]))
+            continue;
+        const float difference = observed[i].d - calculated[i].d;
+        const float residual = residualWeight(observed[i], calculated[i]) * difference;
+        if (n < xCnt)
+            res[n] = residual;
+        squares += residual * residual;
+        ++n;
+        if (state.verbose > 2)
+            complain(" DC %3d % 8.3f % 8.3f % 8.3f\n", n, double{observed[i].d}, double{calculated[i].d},
+                     double{difference});
+    }
+    state.dRMS = n > 0 ? std::sqrt(squares / static_cast<float>(n)) : 0.0f;
+    if (n != state.dCount)
+        complain("DC NLin Internal Warning: DC Count Mismatch: %d %d\n", state.dCount, n);
+    if (state.verbose > 1)
+        tellState(n);
+    return 0;
+}
+
+/// Runs the minimiser, or leaves zero angles where the couplings can not determine the parameters.
+void fitParameters()
+{
+    DTensor &tensor = *state.dTensor;
+    FreeParameters free = collectFree(tensor, state.rhFlag);
+    if (state.dCount < static_cast<int>(free.count)) {
+        tensor.psi = tensor.theta = tensor.phi = 0.0f;
+        pdb3dReset(); // the transform that the Euler angles are read from is that of these angles
+        return;
+    }
+    const auto part = [&](std::array<float, parameterCount> &values) {
+        return std::span<float>(values).first(free.count);
+    };
+    nlsOpt(fitDCTarget, state.dCount, part(free.cg), part(free.cLo), part(free.cHi), maxIterations);
+}
+
+/// The Euler solutions of the last evaluation, and the Saupe vector of the first of them.
+void takeSolutions(DTensor &tensor)
+{
+    Matrix4 m = {};
+    pdb3dCopyCurrentMatrix(m);
+    const Matrix3f r = {m[0], m[1], m[2], m[4], m[5], m[6], m[8], m[9], m[10]};
+    RotationLists lists;
+    tensor.eulerCount = rot2euler(r, lists);
+    tensor.psiList = lists.psi;
+    tensor.thetaList = lists.theta;
+    tensor.phiList = lists.phi;
+    euler2saupe(tensor.saupe, lists.psi[0], lists.theta[0], lists.phi[0], tensor.da, tensor.dr);
+}
+
+} // namespace
+
+int fitDCAlign(PDBInfo *pdbPtr, DTable *dTabPtr, int verbFlag)
+{
+    if (pdbPtr == nullptr || dTabPtr == nullptr)
+        return 0;
+    state.pdbInfo = pdbPtr;
+    state.dTab = dTabPtr;
+    state.dTensor = &dTabPtr->dTensor;
+    state.rhFlag = dTabPtr->dTensor.rhFlag;
+    state.verbose = verbFlag;
+    state.atomCount = state.dCount = 0;
+    state.dRMS = 0.0f;
+    selectAtoms();
+    if (state.verbose > 1)
+        complain("%d Couplings, %d Atoms Selected.\n", state.dCount, state.atomCount);
+    if (state.atomCount == 0 || state.dCount == 0)
+        return 0;
+    if (fitDCAlloc() != 0) {
+        complain("GORVAT Error initializing alignment workspaces.\n");
+        return -1;
+    }
+    fitParameters();
+    takeSolutions(*state.dTensor);
+    return state.dCount;
+}
+
+void fitAlignFree()
+{
+    state.aCoords.release();
+    state.wCoords.release();
+    state.maxCoords = 0;
+}
+
+} // namespace trelm

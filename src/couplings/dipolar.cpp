@@ -1,0 +1,463 @@
+#include "couplings/dipolar.h"
+
+#include "couplings/interaction.h"
+#include "structure/backbone.h"
+#include "support/table.h"
+#include "support/text.h"
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <cstdint>
+
+namespace trelm {
+namespace {
+
+constexpr int wildFactor = maxPairAtoms; ///< entries of a wildcard name, for the size of the workspace
+constexpr std::size_t workSlices = 12;   ///< floats of workspace for each atom pair
+
+/// A number column of the file and the field it fills.
+struct NumberColumn {
+    const char *name;
+    float DInfo::*field;
+    float missing; ///< value without the column
+};
+
+constexpr NumberColumn numberColumns[] = {
+    {"D", &DInfo::d, 0.0f}, {"DI", &DInfo::di, 0.0f}, {"DD", &DInfo::sigma, 1.0f},
+    {"S", &DInfo::s, 1.0f}, {"W", &DInfo::w, 1.0f},   {"FC", &DInfo::fc, 1.0f},
+};
+constexpr std::size_t numberCount = std::size(numberColumns);
+
+/// Columns whose cells must be numbers, besides those above.
+constexpr const char *otherNumbers[] = {"RESID_I", "RESID_J", "INDEX", "ABS"};
+
+/// Places of the columns, negative where absent.
+struct ColumnLocs {
+    AtomTabLocs atomI, atomJ;
+    std::array<int, numberCount> number = {};
+    int index = -1, abs = -1;
+};
+
+/// One row of the text table.
+struct TableRow {
+    const TextTable &text;
+    const float *cells;
+    std::size_t number; ///< counted from 1
+};
+
+/// The integer part of a cell, kept within the range of int.
+int truncated(float value)
+{
+    if (value >= 2147483648.0f)
+        return INT_MAX;
+    if (value < -2147483648.0f)
+        return INT_MIN;
+    return value == value ? static_cast<int>(value) : 0;
+}
+
+/// A residue number from outside plus an offset, kept within the range of int.
+int shiftedRes(int resID, int offset)
+{
+    return static_cast<int>(std::clamp<std::int64_t>(std::int64_t{resID} + offset, INT_MIN, INT_MAX));
+}
+
+ColumnLocs findColumns(const TextTable &text)
+{
+    ColumnLocs locs;
+    getAtomTabLocs(text.varInfo, "_I", locs.atomI);
+    getAtomTabLocs(text.varInfo, "_J", locs.atomJ);
+    for (std::size_t i = 0; i < numberCount; ++i)
+        locs.number[i] = getTabVar(text.varInfo, numberColumns[i].name);
+    locs.index = getTabVar(text.varInfo, "INDEX");
+    locs.abs = getTabVar(text.varInfo, "ABS");
+    return locs;
+}
+
+/// A cell of a text column is a place in a list. Taken as a coupling it would be a wrong number that nobody
+/// sees.
+int checkNumberColumn(const TextTable &text, const char *name, const std::string &inDName)
+{
+    constexpr int textType = 1;
+    const int loc = getTabVar(text.varInfo, name);
+    if (loc < 0)
+        return 0;
+    const auto column = static_cast<std::size_t>(loc);
+    if (text.varInfo[column].type == textType)
+        return complain("DC Error: column %s of %s holds text, not numbers.\n", name, inDName.c_str());
+    for (std::size_t row = 0; row < static_cast<std::size_t>(text.entryCount); ++row)
+        if (!std::isfinite(text.matrix[row * static_cast<std::size_t>(text.varCount) + column]))
+            return complain("DC Error: %s is no finite number in row %zu of %s.\n", name, row + 1,
+                            inDName.c_str());
+    return 0;
+}
+
+int checkSigmas(const TextTable &text, const std::string &inDName)
+{
+    const int loc = getTabVar(text.varInfo, "DD");
+    for (std::size_t row = 0; loc >= 0 && row < static_cast<std::size_t>(text.entryCount); ++row) {
+        const float sigma =
+            text.matrix[row * static_cast<std::size_t>(text.varCount) + static_cast<std::size_t>(loc)];
+        if (sigma < 0.0f)
+            return complain("DC Error: DD is negative (%g) in row %zu of %s.\n", static_cast<double>(sigma),
+                            row + 1, inDName.c_str());
+    }
+    return 0;
+}
+
+/// Refuses a table with cells that no row could use.
+int checkNumbers(const TextTable &text, const std::string &inDName)
+{
+    for (const NumberColumn &column : numberColumns)
+        if (checkNumberColumn(text, column.name, inDName) != 0)
+            return 1;
+    for (const char *name : otherNumbers)
+        if (checkNumberColumn(text, name, inDName) != 0)
+            return 1;
+    return checkSigmas(text, inDName);
+}
+
+float cellOr(const TableRow &row, int loc, float missing)
+{
+    return loc >= 0 ? row.cells[loc] : missing;
+}
+
+/// The atom columns of one side.
+AtomTabVals readSide(const TableRow &row, const AtomTabLocs &locs)
+{
+    AtomTabVals side;
+    side.resID = noResID;
+    getAtomTabVals(row.text.varInfo, row.cells, locs, side);
+    return side;
+}
+
+/// Fills an observed record, all but its interaction constant.
+void readRow(const TableRow &row, const ColumnLocs &locs, DInfo &obs)
+{
+    const AtomTabVals sideI = readSide(row, locs.atomI), sideJ = readSide(row, locs.atomJ);
+    obs.resIDI = sideI.resID;
+    obs.resNameI = sideI.resName;
+    obs.atomNameI = sideI.atomName;
+    obs.chainNameI = sideI.chainName;
+    obs.segNameI = sideI.segName;
+    obs.resIDJ = sideJ.resID;
+    obs.resNameJ = sideJ.resName;
+    obs.atomNameJ = sideJ.atomName;
+    obs.chainNameJ = sideJ.chainName;
+    obs.segNameJ = sideJ.segName;
+    for (std::size_t i = 0; i < numberCount; ++i)
+        obs.*numberColumns[i].field = cellOr(row, locs.number[i], numberColumns[i].missing);
+    obs.id = locs.index >= 0 ? truncated(row.cells[locs.index]) : static_cast<int>(row.number);
+    obs.absFlag = locs.abs >= 0 ? truncated(row.cells[locs.abs]) : 0;
+    obs.count = 1;
+    obs.valid = 1;
+}
+
+/// Sets the constant of a pair with a fixed distance; any other keeps what the table says until the structure
+/// is there. Returns what findVariableDI does.
+int setFixedDI(DInfo &obs)
+{
+    float di = 0.0f;
+    int fixed = 0;
+    const int status = findVariableDI(0.0f, {obs.resIDI, obs.resNameI.view(), obs.atomNameI.view()},
+                                      {obs.resIDJ, obs.resNameJ.view(), obs.atomNameJ.view()}, di, fixed, 1);
+    if (fixed != 0) {
+        obs.diFixedFlag = 1;
+        obs.di = di;
+    }
+    return status;
+}
+
+/// The most atom pairs that a row can resolve to.
+std::size_t possiblePairs(const DInfo &obs)
+{
+    std::string format;
+    std::size_t pairs = 1;
+    for (const Name *name : {&obs.atomNameI, &obs.atomNameJ})
+        if (isAtomExpr(name->view(), format) != 0)
+            pairs *= wildFactor;
+    return pairs;
+}
+
+int allocateRows(DTable *dTab, int rowCount)
+{
+    const auto rows = static_cast<std::size_t>(rowCount);
+    dTab->dCount = 0;
+    dTab->dObsList = Block<DInfo>("dc", rows);
+    dTab->dCalcList = Block<DInfo>("dc", rows);
+    if (!dTab->dObsList || !dTab->dCalcList)
+        return complain("DC Error Allocating DC Values.");
+    dTab->dCount = rowCount;
+    dTab->maxCount = 0;
+    dTab->dMinRes = 1000000;
+    dTab->dMaxRes = 0;
+    return 0;
+}
+
+int allocateWork(DTable *dTab, std::size_t pairs)
+{
+    // maxCount is an int, and so is the length of a fit.
+    dTab->work.release();
+    if (pairs <= static_cast<std::size_t>(INT_MAX))
+        dTab->work = Block<float>("dc", pairs * workSlices + workSlices);
+    if (!dTab->work)
+        return complain("DC Error Allocating DC Workspaces.\n");
+    dTab->maxCount = static_cast<int>(pairs);
+    return 0;
+}
+
+/// Fills the table. The result is that of the last row's interaction constant.
+int readRows(const TextTable &text, DTable *dTab)
+{
+    const ColumnLocs locs = findColumns(text);
+    std::size_t pairs = 0;
+    std::size_t number = 0;
+    int status = 0;
+    for (DInfo &obs : dTab->observed()) {
+        const float *cells = text.matrix.data() + number * static_cast<std::size_t>(text.varCount);
+        readRow({text, cells, ++number}, locs, obs);
+        if (!obs.chainNameI.empty() || !obs.chainNameJ.empty())
+            dTab->nullChainName = 0;
+        if (!obs.segNameI.empty() || !obs.segNameJ.empty())
+            dTab->nullSegName = 0;
+        status = setFixedDI(obs);
+        dTab->dMinRes = std::min({dTab->dMinRes, obs.resIDI, obs.resIDJ});
+        dTab->dMaxRes = std::max({dTab->dMaxRes, obs.resIDI, obs.resIDJ});
+        pairs += possiblePairs(obs);
+    }
+    return allocateWork(dTab, pairs) != 0 ? 1 : status;
+}
+
+/// One side of a row while its atoms are looked up.
+struct SideQuery {
+    int resID;
+    const Name &atomName, &chainName, &segName;
+};
+
+SideQuery queryI(const PDBInfo &pdbInfo, const DTable &dTab, const DInfo &obs, int aOff)
+{
+    return {shiftedRes(obs.resIDI, aOff), obs.atomNameI,
+            dTab.nullChainName != 0 ? pdbInfo.defChainName : obs.chainNameI,
+            dTab.nullSegName != 0 ? pdbInfo.defSegName : obs.segNameI};
+}
+
+SideQuery queryJ(const PDBInfo &pdbInfo, const DTable &dTab, const DInfo &obs, int aOff)
+{
+    return {shiftedRes(obs.resIDJ, aOff), obs.atomNameJ,
+            dTab.nullChainName != 0 ? pdbInfo.defChainName : obs.chainNameJ,
+            dTab.nullSegName != 0 ? pdbInfo.defSegName : obs.segNameJ};
+}
+
+/// Resolves one side. Returns how many atoms there are; the record takes maxPairAtoms of them, and `count` is
+/// 0 where there are more: a part of the pairs would be a wrong coupling.
+int findSide(PDBInfo *pdbInfo, const SideQuery &query, std::array<AtomInfo *, maxPairAtoms> &atoms,
+             int &count)
+{
+    std::array<AtomInfo *, maxWildAtoms> found = {};
+    const int all = findAtomList(pdbInfo, query.resID, query.atomName.view(), query.chainName.view(),
+                                 query.segName.view(), found);
+    count = all > maxPairAtoms ? 0 : std::max(all, 0);
+    atoms = {};
+    std::copy_n(found.begin(), count, atoms.begin());
+    return all;
+}
+
+/// The same for a row that a fit will use: an excess of atoms is told, and the row takes no part from then
+/// on, so that it is told once.
+void findSideOrDrop(PDBInfo *pdbInfo, const SideQuery &query, std::array<AtomInfo *, maxPairAtoms> &atoms,
+                    int &count, DInfo &obs)
+{
+    const int all = findSide(pdbInfo, query, atoms, count);
+    if (all <= maxPairAtoms)
+        return;
+    complain("DC Error: %s of residue %d resolves to %d atoms, the limit is %d.\n", query.atomName.c_str(),
+             query.resID, all, maxPairAtoms);
+    obs.valid = 0;
+}
+
+void warnUnmapped(const DInfo &obs, int aOff)
+{
+    complain("GORVAT Warning: No Atom Map for DC, offset %d:\n", aOff);
+    complain("   ResIDI: %4d ResNameI: %4s AtomNameI: %4s SegI: %4s ChainI: %4s\n", obs.resIDI,
+             obs.resNameI.c_str(), obs.atomNameI.c_str(), obs.segNameI.c_str(), obs.chainNameI.c_str());
+    complain("   ResIDJ: %4d ResNameJ: %4s AtomNameJ: %4s SegJ: %4s ChainJ: %4s\n", obs.resIDJ,
+             obs.resNameJ.c_str(), obs.atomNameJ.c_str(), obs.segNameJ.c_str(), obs.chainNameJ.c_str());
+}
+
+std::span<AtomInfo *const> atomsI(const DInfo &row)
+{
+    return {row.atomI.data(), static_cast<std::size_t>(row.atomICount)};
+}
+
+std::span<AtomInfo *const> atomsJ(const DInfo &row)
+{
+    return {row.atomJ.data(), static_cast<std::size_t>(row.atomJCount)};
+}
+
+/// The names that an atom's residue carries.
+void takeNames(const AtomInfo &atom, Name &resName, Name &chainName, Name &segName)
+{
+    if (atom.resInfo == nullptr)
+        return;
+    resName = atom.resInfo->resName;
+    chainName = atom.resInfo->chainID;
+    segName = atom.resInfo->segID;
+}
+
+/// Weights a calculated row by its residue. Weight 0 takes the row out.
+void weightRow(const DInfo &obs, DInfo &calc, int wOff, std::span<const float> wList)
+{
+    const std::int64_t loc = std::int64_t{std::max(obs.resIDI, obs.resIDJ)} - wOff;
+    if (loc < 0 || loc >= static_cast<std::int64_t>(wList.size()))
+        return;
+    const float weight = std::fabs(wList[static_cast<std::size_t>(loc)]);
+    if (weight == 0.0f) {
+        calc.w = 0.0f;
+        calc.sigma = 9999.0f;
+        calc.valid = 0;
+        return;
+    }
+    calc.w *= std::sqrt(weight);
+    calc.sigma /= weight;
+}
+
+/// Sets the interaction constant of a row that has its atoms.
+void setDI(DInfo &obs, DInfo &calc, int allowFixedDI)
+{
+    if (obs.diFixedFlag == 0 || allowFixedDI == 0) {
+        const AtomInfo &atomI = *calc.atomI[0], &atomJ = *calc.atomJ[0];
+        const float rIJ = findAtomListRad(atomsI(calc), atomsJ(calc));
+        findVariableDI(rIJ, {calc.resIDI, calc.resNameI.view(), atomI.atomName.view()},
+                       {calc.resIDJ, calc.resNameJ.view(), atomJ.atomName.view()}, obs.di, obs.diFixedFlag,
+                       allowFixedDI);
+    }
+    calc.di = obs.di;
+    calc.diFixedFlag = obs.diFixedFlag;
+}
+
+/// The atoms, names and values of a calculated row, all but weight and constant. `valid` is 0 without atoms.
+void buildRow(PDBInfo *pdbInfo, const DTable &dTab, int aOff, DInfo &obs, DInfo &calc)
+{
+    calc.valid = 1;
+    calc.id = obs.id;
+    calc.count = obs.count;
+    const SideQuery sideI = queryI(*pdbInfo, dTab, obs, aOff), sideJ = queryJ(*pdbInfo, dTab, obs, aOff);
+    findSideOrDrop(pdbInfo, sideI, calc.atomI, calc.atomICount, obs);
+    findSideOrDrop(pdbInfo, sideJ, calc.atomJ, calc.atomJCount, obs);
+    if (calc.atomICount == 0 || calc.atomJCount == 0) {
+        calc.valid = 0;
+        return;
+    }
+    calc.resIDI = sideI.resID;
+    calc.resIDJ = sideJ.resID;
+    calc.atomNameI = obs.atomNameI;
+    calc.atomNameJ = obs.atomNameJ;
+    takeNames(*calc.atomI[0], calc.resNameI, calc.chainNameI, calc.segNameI);
+    takeNames(*calc.atomJ[0], calc.resNameJ, calc.chainNameJ, calc.segNameJ);
+    calc.sigma = obs.sigma;
+    calc.w = obs.w;
+}
+
+} // namespace
+
+int dTensorNull(DTensor *tInfo)
+{
+    if (tInfo != nullptr)
+        *tInfo = DTensor{};
+    return 0;
+}
+
+int dTabNull(DTable *dTab)
+{
+    if (dTab != nullptr)
+        *dTab = DTable{};
+    return 0;
+}
+
+int dTabFree(DTable *dTab)
+{
+    return dTabNull(dTab); // the blocks of the old record go back with their sizes
+}
+
+int readDC(const std::string &inDName, DTable *dTab)
+{
+    if (dTab == nullptr || inDName.empty() || equalNoCase(inDName, "None"))
+        return 0;
+    TextTable text;
+    if (const int status = rdTable(inDName, text, static_cast<int>(noCoupling)); status != 0)
+        return status;
+    if (checkNumbers(text, inDName) != 0)
+        return 1;
+    if (allocateRows(dTab, text.entryCount) != 0)
+        return 1;
+    return readRows(text, dTab);
+}
+
+int mapDCInfo(PDBInfo *pdbInfo, DTable *dTab, int aOff)
+{
+    if (pdbInfo == nullptr || dTab == nullptr || !dTab->dObsList)
+        return 0;
+    int mapped = 0;
+    for (DInfo &obs : dTab->observed()) {
+        findSide(pdbInfo, queryI(*pdbInfo, *dTab, obs, aOff), obs.atomI, obs.atomICount);
+        findSide(pdbInfo, queryJ(*pdbInfo, *dTab, obs, aOff), obs.atomJ, obs.atomJCount);
+        obs.valid = obs.atomICount > 0 && obs.atomJCount > 0 ? 1 : 0;
+        mapped += obs.valid;
+        if (obs.valid == 0 && getPDBWarn() != 0)
+            warnUnmapped(obs, aOff);
+    }
+    return mapped;
+}
+
+int selectD(std::span<DInfo> dList, int segFirst, int segLast, int excludeMode)
+{
+    const auto inside = [=](int resID) { return resID >= segFirst && resID <= segLast; };
+    int count = 0;
+    for (DInfo &row : dList) {
+        bool keep = inside(std::max(row.resIDI, row.resIDJ));
+        if (excludeMode == 1)
+            keep = inside(row.resIDI) && inside(row.resIDJ);
+        else if (excludeMode == 2)
+            keep = inside(row.resIDI) || inside(row.resIDJ);
+        row.valid = row.d <= maxCoupling && keep ? 1 : 0;
+        count += row.valid;
+    }
+    return count;
+}
+
+int selTypDC(std::span<DInfo> dList, std::string_view atomNameI, std::string_view atomNameJ)
+{
+    constexpr std::string_view any = "All";
+    int count = 0;
+    for (DInfo &row : dList) {
+        const bool keepI = atomNameI == any || row.atomNameI == atomNameI;
+        const bool keepJ = atomNameJ == any || row.atomNameJ == atomNameJ;
+        if (!keepI || !keepJ)
+            row.valid = 0;
+        count += row.valid != 0 ? 1 : 0;
+    }
+    return count;
+}
+
+int buildDC(PDBInfo *pdbInfo, DTable *dTab, int aOff, int wOff, std::span<const float> wList,
+            int allowFixedDI)
+{
+    if (pdbInfo == nullptr || dTab == nullptr || !dTab->dObsList || !dTab->dCalcList || !pdbInfo->atomList)
+        return 0;
+    std::ranges::fill(dTab->calculated(), DInfo{});
+    int count = 0;
+    for (std::size_t i = 0; i < dTab->observed().size(); ++i) {
+        DInfo &obs = dTab->observed()[i], &calc = dTab->calculated()[i];
+        if (obs.valid != 1)
+            continue;
+        buildRow(pdbInfo, *dTab, aOff, obs, calc);
+        if (calc.valid != 0)
+            weightRow(obs, calc, wOff, wList);
+        if (calc.valid != 0)
+            setDI(obs, calc, allowFixedDI);
+        count += calc.valid;
+    }
+    return count;
+}
+
+} // namespace trelm

@@ -1,0 +1,182 @@
+#include "couplings/fit.h"
+
+#include <algorithm>
+
+namespace trelm {
+namespace {
+
+constexpr std::size_t minCouplings = 5; ///< that a fit of five values needs
+
+/// The workspace of a table, cut into arrays of maxCount values each.
+struct Slices {
+    std::span<float> xI, yI, zI, xJ, yJ, zJ;
+    std::span<float> diBack; ///< constants for back-calculation
+    std::span<float> diFit;  ///< constants for the fit
+    std::span<float> d, sigma;
+};
+
+/// The arrays as the fit takes them, up to `count` entries.
+FitVectors firstEntries(const Slices &s, std::span<float> di, std::size_t count)
+{
+    return {s.xI.first(count), s.yI.first(count), s.zI.first(count), s.xJ.first(count),   s.yJ.first(count),
+            s.zJ.first(count), di.first(count),   s.d.first(count),  s.sigma.first(count)};
+}
+
+/// Zeroes the workspace and cuts it. Returns false if the table has none.
+bool cutWork(DTable &dTab, Slices &s)
+{
+    const auto size = static_cast<std::size_t>(dTab.maxCount);
+    std::span<float> rest = dTab.work.span();
+    std::span<float> *const slices[] = {&s.xI, &s.yI,     &s.zI,    &s.xJ, &s.yJ,
+                                        &s.zJ, &s.diBack, &s.diFit, &s.d,  &s.sigma};
+    if (dTab.maxCount < 0 || rest.size() < size * std::size(slices))
+        return false;
+    std::ranges::fill(rest, 0.0f);
+    for (std::span<float> *slice : slices) {
+        *slice = rest.first(size);
+        rest = rest.subspan(size);
+    }
+    return true;
+}
+
+bool takesPart(const DInfo &calc)
+{
+    return calc.valid == 1 && calc.w != 0.0f;
+}
+
+std::span<AtomInfo *const> atomsI(const DInfo &calc)
+{
+    return {calc.atomI.data(), static_cast<std::size_t>(calc.atomICount)};
+}
+
+std::span<AtomInfo *const> atomsJ(const DInfo &calc)
+{
+    return {calc.atomJ.data(), static_cast<std::size_t>(calc.atomJCount)};
+}
+
+/// A single pair and a group of three are one entry; anything else is one entry a pair.
+std::size_t entryCount(const DInfo &calc)
+{
+    const auto pairs = static_cast<std::size_t>(calc.atomICount * calc.atomJCount);
+    return pairs == 3 ? 1 : pairs;
+}
+
+/// Adds a share of a pair's coordinates to entry k.
+void addPair(const Slices &s, std::size_t k, const AtomInfo &atomI, const AtomInfo &atomJ, float divisor)
+{
+    s.xI[k] += atomI.x / divisor;
+    s.yI[k] += atomI.y / divisor;
+    s.zI[k] += atomI.z / divisor;
+    s.xJ[k] += atomJ.x / divisor;
+    s.yJ[k] += atomJ.y / divisor;
+    s.zJ[k] += atomJ.z / divisor;
+}
+
+/// Writes the entries of one row from place k on.
+void putRow(const Slices &s, std::size_t k, const DInfo &obs, const DInfo &calc)
+{
+    const bool single = calc.atomICount * calc.atomJCount == 1;
+    const bool mean = calc.atomICount * calc.atomJCount == 3;
+    const std::size_t entries = entryCount(calc);
+    for (std::size_t i = 0; i < entries; ++i) {
+        s.diBack[k + i] = calc.di;
+        // Rows of several pairs hold no coupling of one vector: constant 0 makes their target 0.
+        s.diFit[k + i] = single || mean ? calc.di : 0.0f;
+        s.d[k + i] = obs.d;
+        s.sigma[k + i] = obs.sigma;
+    }
+    std::size_t place = k;
+    for (const AtomInfo *atomI : atomsI(calc))
+        for (const AtomInfo *atomJ : atomsJ(calc)) {
+            addPair(s, place, *atomI, *atomJ, mean ? 3.0f : 1.0f);
+            place += mean ? 0 : 1;
+        }
+}
+
+/// What the rows of a table hold, in the arrays.
+struct Filled {
+    std::size_t entries = 0;
+    int rows = 0;
+};
+
+Filled putRows(const DTable &dTab, const Slices &s)
+{
+    Filled filled;
+    for (std::size_t i = 0; i < dTab.calculated().size(); ++i) {
+        const DInfo &calc = dTab.calculated()[i];
+        if (!takesPart(calc) || filled.entries + entryCount(calc) > s.d.size())
+            continue;
+        putRow(s, filled.entries, dTab.observed()[i], calc);
+        filled.entries += entryCount(calc);
+        ++filled.rows;
+    }
+    return filled;
+}
+
+/// The couplings back to the rows, in the order in which putRows went.
+void takeRows(DTable &dTab, const Slices &s)
+{
+    std::size_t k = 0;
+    for (DInfo &calc : dTab.calculated()) {
+        calc.d = noCoupling;
+        const std::size_t entries = entryCount(calc);
+        if (!takesPart(calc) || k + entries > s.d.size())
+            continue;
+        calc.d = 0.0f;
+        for (float value : s.d.subspan(k, entries))
+            calc.d += value;
+        k += entries;
+    }
+}
+
+} // namespace
+
+int fitD(PDBInfo *pdbInfo, DTable *dTab, int verbose)
+{
+    if (dTab == nullptr)
+        return 0;
+    switch (dTab->dTensor.tensorMode) {
+    case 1:
+    case 2:
+    case 6:
+    case 7:
+        return fitDSVD(pdbInfo, dTab, verbose);
+    case 3:
+    case 4:
+    case 5:
+    case 8:
+        return fitDCAlign(pdbInfo, dTab, verbose);
+    default:
+        return 0;
+    }
+}
+
+int fitDSVD(PDBInfo *, DTable *dTab, int)
+{
+    if (dTab == nullptr)
+        return 0;
+    DTensor &tensor = dTab->dTensor;
+    const bool fit = tensor.tensorMode == 1;
+    tensor.saupe = fit ? std::array<float, 5>{} : tensor.userSaupe;
+    tensor.dSaupe.fill(1.0f);
+    Slices slices;
+    if (!cutWork(*dTab, slices))
+        return 0;
+    const Filled filled = putRows(*dTab, slices);
+    // Too few couplings leave a zero tensor, and then zero couplings: that is an answer, not a failure.
+    if (fit && findS(firstEntries(slices, slices.diFit, filled.entries), tensor.saupe, tensor.dSaupe) != 0 &&
+        filled.entries >= minCouplings)
+        return -1;
+    findD(firstEntries(slices, slices.diBack, filled.entries), tensor.saupe, tensor.dSaupe);
+    if (tensor.eulerFlag != 0) {
+        RotationLists lists;
+        tensor.eulerCount = saupe2euler(tensor.saupe, lists, tensor.eigVal, tensor.da, tensor.dr);
+        tensor.psiList = lists.psi;
+        tensor.thetaList = lists.theta;
+        tensor.phiList = lists.phi;
+    }
+    takeRows(*dTab, slices);
+    return filled.rows;
+}
+
+} // namespace trelm

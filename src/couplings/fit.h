@@ -1,0 +1,50 @@
+// The fit of an order matrix to couplings, and couplings from an order matrix.
+#pragma once
+
+#include "couplings/dipolar.h"
+#include "couplings/euler.h"
+
+#include <array>
+#include <span>
+
+namespace trelm {
+
+/// The vectors of a fit, one entry each: atoms I and J (angstrom), interaction constant, coupling and error
+/// (Hz).
+struct FitVectors {
+    std::span<const float> xI, yI, zI, xJ, yJ, zJ;
+    std::span<const float> diVal;
+    std::span<float> dVal;
+    std::span<float> dSigma;
+};
+
+/// Fits or back-calculates by the tensor's `tensorMode`: the calculated couplings go to dCalcList, the tensor
+/// to dTensor. `verbose` above 1 tells about the non-linear path. Returns the number of couplings used, or -1
+/// if there is no memory for the fit.
+int fitD(PDBInfo *pdbInfo, DTable *dTab, int verbose);
+
+/// The two engines: linear least squares, and Levenberg-Marquardt over rotation, Da and Dr.
+int fitDSVD(PDBInfo *pdbInfo, DTable *dTab, int verbose);
+int fitDCAlign(PDBInfo *pdbPtr, DTable *dTabPtr, int verbFlag);
+
+/// Least-squares Saupe vector and its standard deviations. Returns 0; 1 with zeros if there are fewer than
+/// five entries, or without memory. Source: Losonczi et al., J. Magn. Reson. 138 (1999) 334.
+int findS(const FitVectors &vectors, std::array<float, 5> &saupe, std::array<float, 5> &dSaupe);
+
+/// Couplings of a Saupe vector into dVal, their standard deviations into dSigma.
+void findD(const FitVectors &vectors, const std::array<float, 5> &saupe, const std::array<float, 5> &dSaupe);
+
+/// Euler solutions about x, y, z of a Saupe vector. Returns their number, 0 if it cannot be diagonalised.
+int saupe2euler(const std::array<float, 5> &saupe, RotationLists &lists, std::array<float, 3> &eigVal,
+                float &da, float &dr);
+
+/// The Saupe vector of a rotation (degrees) and a magnitude.
+void euler2saupe(std::array<float, 5> &saupe, float psi, float theta, float phi, float da, float dr);
+
+/// Workspaces of the fits.
+void dipolarNull();
+int dipolarInit(int size);
+void dipolarFree();
+void fitAlignFree(); ///< the coordinate arrays of the non-linear path
+
+} // namespace trelm

@@ -1,0 +1,336 @@
+#include "couplings/output.h"
+
+#include "couplings/fit.h"
+#include "couplings/run_report.h"
+#include "couplings/statistics.h"
+#include "support/output_file.h"
+#include "support/text.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace trelm {
+namespace {
+
+constexpr double pi = 3.14159265;
+constexpr double halfPi = 1.570796325;
+
+double number(float value)
+{
+    return static_cast<double>(value);
+}
+
+void appendOrderMatrix(const DTensor &tensor, std::string &text)
+{
+    const auto &s = tensor.saupe;
+    text += "REMARK Order matrix.\n\n";
+    appendf(text, "DATA SAUPE_MATRIX     %s       %s      %s      %s      %s\n", "S(zz)", "S(xx-yy)", "S(xy)",
+            "S(xz)", "S(yz)");
+    appendf(text, "DATA SAUPE        % .4e % .4e % .4e % .4e % .4e\n\n", number(s[0]), number(s[1]),
+            number(s[2]), number(s[3]), number(s[4]));
+}
+
+/// Column k of the eigenvectors: 0 the z axis, 1 the y axis, 2 the x axis.
+std::array<double, 3> axisOf(const TensorAnalysis &analysis, std::size_t k)
+{
+    return {analysis.eigVec[k], analysis.eigVec[3 + k], analysis.eigVec[6 + k]};
+}
+
+constexpr std::size_t zAxis = 0, yAxis = 1, xAxis = 2;
+
+void appendIrreducible(const TensorAnalysis &analysis, std::string &text)
+{
+    const auto &a = analysis.irrSaupe;
+    text += "DATA IRREDUCIBLE_REP    A0          A1R          A1I         A2R         A2I  \n";
+    appendf(text, "DATA IRREDUCIBLE    % .4e % .4e % .4e % .4e % .4e\n", a[0], a[1], a[2], a[3], a[4]);
+    appendf(text, "DATA IRREDUCIBLE GENERAL_MAGNITUDE  % .4e\n\n", analysis.gMag);
+}
+
+/// An axis on a sinusoidal map of the sphere: its own place, or that of the opposite direction.
+void appendMapPlace(const std::array<double, 3> &axis, bool inverse, std::string &text)
+{
+    double lat = halfPi - std::acos(std::clamp(axis[2], -1.0, 1.0));
+    double lon = std::atan2(axis[1], axis[0]);
+    const double width = std::cos(lat);
+    if (inverse) {
+        if (lon > 0.0)
+            lon -= pi;
+        else if (lon < 0.0)
+            lon += pi;
+        lat = -lat;
+    }
+    appendf(text, "  % .5f  % .5f", lon * width, lat);
+}
+
+void appendMapping(const TensorAnalysis &analysis, std::string &text)
+{
+    text += "\nREMARK Mapping of coordinates.\n\n";
+    text += "DATA MAPPING_COOR   Szz_d(x)  Szz_d(y)  Syy_d(x)  Syy_d(y)  Sxx_d(x)  Sxx_d(y)\n";
+    for (const bool inverse : {false, true}) {
+        text += inverse ? "DATA MAPPING INV " : "DATA MAPPING     ";
+        for (const std::size_t k : {zAxis, yAxis, xAxis})
+            appendMapPlace(axisOf(analysis, k), inverse, text);
+        text += '\n';
+    }
+}
+
+void appendAxis(const char *label, const std::array<double, 3> &axis, std::string &text)
+{
+    appendf(text, "%s % .4e % .4e % .4e\n", label, axis[0], axis[1], axis[2]);
+}
+
+/// The four solutions about z, y', z''.
+void appendEulerSolutions(const EulerLists &euler, std::string &text)
+{
+    appendf(text, "\nDATA Q_EULER_SOLUTIONS  %7s  %7s  %7s\n", "ALPHA", "BETA", "GAMMA");
+    for (std::size_t i = 0; i < 4; ++i)
+        appendf(text, "DATA Q_EULER_ANGLES %2d  %7.2f  %7.2f  %7.2f\n", static_cast<int>(i) + 1,
+                euler.alpha[i], euler.beta[i], euler.gamma[i]);
+}
+
+void appendEigenvalues(const char *label, const TensorAnalysis &analysis, std::string &text)
+{
+    appendf(text, "%s   % .4e % .4e % .4e\n", label, analysis.eigVal[2], analysis.eigVal[1],
+            analysis.eigVal[0]);
+}
+
+void appendEigensystem(const TensorAnalysis &analysis, std::string &text)
+{
+    text += "\n\nREMARK Eigensystem & Euler angles for clockwise rotation about z, y', z''.\n\n";
+    appendEigenvalues("DATA EIGENVALUES (Sxx_d,Syy_d,Szz_d)", analysis, text);
+    text += "DATA EIGENVECTORS          (x_coor      y_coor      z_coor)\n";
+    appendAxis("DATA EIGENVECTORS X_AXIS", axisOf(analysis, xAxis), text);
+    appendAxis("DATA EIGENVECTORS Y_AXIS", axisOf(analysis, yAxis), text);
+    appendAxis("DATA EIGENVECTORS Z_AXIS", axisOf(analysis, zAxis), text);
+    appendEulerSolutions(analysis.euler, text);
+}
+
+/// The tensor that is reported: of a run without couplings that of its Saupe vector, else that of the
+/// analysis.
+void settleTensor(const TensorAnalysis &analysis, int nD, DTensor &tensor)
+{
+    if (nD <= 0) {
+        RotationLists lists;
+        tensor.eulerCount = saupe2euler(tensor.saupe, lists, tensor.eigVal, tensor.da, tensor.dr);
+        tensor.psiList = lists.psi;
+        tensor.thetaList = lists.theta;
+        tensor.phiList = lists.phi;
+        return;
+    }
+    for (std::size_t k = 0; k < 3; ++k)
+        tensor.eigVal[k] = static_cast<float>(analysis.eigVal[k]);
+    tensor.da = static_cast<float>(analysis.da);
+    tensor.dr = static_cast<float>(analysis.dr);
+}
+
+/// Everything about the tensor, unless it is zero. Returns 0, or 1 after a message.
+int appendTensor(const TrelmInfo &trelmInfo, int nD, DTensor &tensor, std::string &text)
+{
+    if (std::ranges::all_of(tensor.saupe, [](float value) { return value == 0.0f; }))
+        return 0;
+    appendOrderMatrix(tensor, text);
+    Saupe saupe;
+    std::ranges::copy(tensor.saupe, saupe.begin());
+    TensorAnalysis analysis;
+    if (analyzeSaupe(saupe, trelmInfo.yzFlag, trelmInfo.eulerFlag, analysis) != 0)
+        return complain("TRELM: error occured in analyzeSaupe.\n");
+    appendIrreducible(analysis, text);
+    appendMapping(analysis, text);
+    if (trelmInfo.eulerFlag == 0)
+        return 0;
+    appendEigensystem(analysis, text);
+    text += "\n\nREMARK Euler angles (psi/theta/phi) for rotation about x, y, z.\n\n";
+    settleTensor(analysis, nD, tensor);
+    reportEuler(text, tensor);
+    return 0;
+}
+
+void appendStatistics(const DcStatistics &stat, int qFlag, std::string &text)
+{
+    appendf(text, "DATA RMS                  %.3f\n", number(stat.rSumD2));
+    appendf(text, "DATA Chi2                 %.3f\n", number(stat.pSumD));
+    appendf(text, "DATA CORR R               %.3f\n", number(stat.coorR));
+    if (qFlag == 0)
+        appendf(text, "DATA Q RDC_RMS            %.3f\n", number(stat.qD));
+    else if (qFlag == 1)
+        appendf(text, "DATA Q SAUPE              %.3f\n", number(stat.qIsoD));
+    else if (qFlag == 2)
+        appendf(text, "DATA Q STDDEV             %.3f\n", number(stat.stdDevD));
+    appendf(text, "DATA REGRESSION OFFSET    %.3f +/- %.3f [Hz]\n", number(stat.offset),
+            number(stat.errOffset));
+    appendf(text, "DATA REGRESSION SLOPE     %.3f +/- %.3f [Hz]\n", number(stat.slope),
+            number(stat.errSlope));
+    appendf(text, "DATA REGRESSION BAX SLOPE %.3f +/- %.3f [Hz]\n", number(stat.aveSlope),
+            number(stat.errAveSlope));
+}
+
+/// The VARS and FORMAT lines: the groups of side I and J, then the columns of values.
+void appendTableHead(const DTable &dTab, bool verbose, std::string &text)
+{
+    std::string vars = "VARS   ";
+    std::string format = "FORMAT ";
+    for (const char *side : {"_I", "_J"}) {
+        vars.append(" RESID").append(side).append(" RESNAME").append(side).append(" ATOMNAME").append(side);
+        format += " %4d %4s %4s";
+        if (dTab.nullChainName == 0) {
+            vars.append(" CHAINNAME").append(side);
+            format += " %4s";
+        }
+        if (dTab.nullSegName == 0) {
+            vars.append(" SEGNAME").append(side);
+            format += " %4s";
+        }
+    }
+    vars += verbose ? " DI D_OBS D D_DIFF DD W\n" : " D DD W\n";
+    format += verbose ? " %9.2f %9.3f %9.3f %9.3f %.2f %.2f\n\n" : " %9.3f %9.3f %.2f\n\n";
+    text += vars + format;
+}
+
+/// One side of a row, as the table names it.
+struct RowSide {
+    int resID;
+    const Name &resName, &atomName, &chainName, &segName;
+};
+
+const char *orNone(const Name &name)
+{
+    return name.empty() ? "None" : name.c_str();
+}
+
+void appendSide(const RowSide &side, const DTable &dTab, std::string &text)
+{
+    appendf(text, " %4d %4s %4s", side.resID, side.resName.c_str(), side.atomName.c_str());
+    if (dTab.nullChainName == 0)
+        appendf(text, " %4s", orNone(side.chainName));
+    if (dTab.nullSegName == 0)
+        appendf(text, " %4s", orNone(side.segName));
+}
+
+void appendRow(const DInfo &o, const DInfo &c, const DTable &dTab, bool verbose, std::string &text)
+{
+    constexpr float missing = 999.0f;
+    appendSide({o.resIDI, o.resNameI, o.atomNameI, o.chainNameI, o.segNameI}, dTab, text);
+    appendSide({o.resIDJ, o.resNameJ, o.atomNameJ, o.chainNameJ, o.segNameJ}, dTab, text);
+    if (verbose) {
+        const float diff = o.d >= missing || c.d >= missing ? noCoupling : o.d - c.d;
+        appendf(text, " % 9.2f % 9.4f % 9.4f % 9.4f %7.4f %.2f\n", number(c.di), number(o.d), number(c.d),
+                number(diff), number(o.sigma), number(o.w));
+    } else {
+        appendf(text, " % 9.4f %7.4f %.2f\n", number(c.d), number(o.sigma), number(o.w));
+    }
+}
+
+void appendTable(const DTable &dTab, bool verbose, std::string &text)
+{
+    text += '\n';
+    appendTableHead(dTab, verbose, text);
+    for (int i = 0; i < dTab.dCount; ++i) {
+        const DInfo &o = dTab.dObsList[static_cast<std::size_t>(i)];
+        const DInfo &c = dTab.dCalcList[static_cast<std::size_t>(i)];
+        if (o.valid != 0 && c.valid != 0)
+            appendRow(o, c, dTab, verbose, text);
+    }
+}
+
+/// Statistics, parameters and tensor. Returns 0, or 1 after a message; `isWhole` is false if the report ends
+/// there.
+int appendReport(DTable &dTab, const TrelmInfo &trelmInfo, std::string_view remark, DcStatistics &stat,
+                 bool &isWhole, std::string &text)
+{
+    const int status = getStatDCmod(dTab, stat);
+    text += "REMARK Molecular Alignment Simulation.\n\n";
+    text += remark;
+    text += "REMARK Simulation parameters.\n";
+    appendModeBlock(trelmInfo, dTab.dTensor, text);
+    isWhole = appendTensor(trelmInfo, stat.nD, dTab.dTensor, text) == 0;
+    if (!isWhole)
+        return 1;
+    appendf(text, "\nREMARK Dipolar couplings.\n\nDATA N                    %d\n", stat.nD);
+    return status;
+}
+
+} // namespace
+
+int writeDCmod(const std::string &outDName, const char *access, DTable *dTab, TrelmInfo *trelmInfo,
+               std::string_view remark)
+{
+    const bool verbose = trelmInfo->verbFlag != 0;
+    std::string text;
+    DcStatistics stat;
+    stat.nD = dTab->dCount; // of the short form: a head comes even without a valid row
+    bool isWhole = true;
+    int status = verbose ? appendReport(*dTab, *trelmInfo, remark, stat, isWhole, text) : 0;
+    if (isWhole) {
+        text += "DATA SEQUENCE \n";
+        if (stat.nD != 0) {
+            if (verbose)
+                appendStatistics(stat, trelmInfo->qFlag, text);
+            appendTable(*dTab, verbose, text);
+        }
+    }
+    OutFile out;
+    if (openOut(out, outDName, access) != 0)
+        complain("DC Error opening output file %s\n", outDName.c_str());
+    writeOut(out, text);
+    if (closeOut(out) != 0)
+        status = 1;
+    return status;
+}
+
+void dTensorCopy(DTensor &tInfoA, const DTensor &tInfoB)
+{
+    const DTensor kept = tInfoA;
+    tInfoA = tInfoB;
+    tInfoA.rh = kept.rh;
+    tInfoA.rhMin = kept.rhMin;
+    tInfoA.rhMax = kept.rhMax;
+    tInfoA.rhFlag = kept.rhFlag;
+}
+
+AtomInfo *modifyAtomCoor(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
+                         std::string_view segName, float /*xI*/, float /*yI*/, float /*zI*/)
+{
+    return findAtom(pdbInfo, resID, atomName, chainName, segName);
+}
+
+int modifyAtomCoorList(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
+                       std::string_view segName, std::span<AtomInfo *> atomList, float xI, float yI, float zI)
+{
+    std::string format;
+    const bool isWild = isAtomExpr(atomName, format) != 0;
+    std::size_t count = 0;
+    for (const char digit : {'1', '2', '3'}) {
+        // Each wildcard takes the digit; a second text slot stays empty.
+        std::string name;
+        for (const char c : atomName)
+            name += c == '#' || c == '*' ? digit : c;
+        AtomInfo *atom =
+            modifyAtomCoor(pdbInfo, resID, isWild ? name : atomName, chainName, segName, xI, yI, zI);
+        if (atom != nullptr && count < atomList.size())
+            atomList[count++] = atom;
+        if (!isWild)
+            break;
+    }
+    return static_cast<int>(count);
+}
+
+int writeEulerInfo(const TensorAnalysis &analysis, std::string &result, int verbose)
+{
+    result.clear();
+    if (verbose == 0)
+        return 0;
+    const auto &a = analysis.irrSaupe;
+    result += "\n\nDATA IRREDUCIBLE REPRESENTATION (A0,A1R,A1I,A2R,A2I)";
+    appendf(result, "   % .4e % .4e % .4e % .4e % .4e\n", a[0], a[1], a[2], a[3], a[4]);
+    appendf(result, "DATA IRREDUCIBLE GENERAL_MAGNITUDE  % .4e\n", analysis.gMag);
+    result += "\nREMARK Eigensystem & Euler angles for clockwise rotation about z, y', z''.\n\n";
+    appendEigenvalues("DATA EIGENVALUES (Axx,Ayy,Azz)", analysis, result);
+    result += "DATA EIGENVECTORS\n";
+    appendAxis("DATA EIGENVECTORS XAXIS", axisOf(analysis, xAxis), result);
+    appendAxis("DATA EIGENVECTORS YAXIS", axisOf(analysis, yAxis), result);
+    appendAxis("DATA EIGENVECTORS ZAXIS", axisOf(analysis, zAxis), result);
+    appendEulerSolutions(analysis.euler, result);
+    return 0;
+}
+
+} // namespace trelm

@@ -1,0 +1,268 @@
+#include "couplings/run_report.h"
+
+#include "couplings/dipolar.h"
+#include "support/text.h"
+
+#include <algorithm>
+#include <span>
+
+namespace trelm {
+namespace {
+
+/// Appends one or more lines about a run.
+using Line = void (*)(const TrelmInfo &info, std::string &text);
+
+double number(float value)
+{
+    return static_cast<double>(value);
+}
+
+void lcType(const TrelmInfo &info, std::string &text)
+{
+    if (info.lcType == 1)
+        text += "DATA TRELM LC_TYPE             wall\n";
+    else if (info.lcType == 2)
+        text += "DATA TRELM LC_TYPE              rod\n";
+}
+void concentration(const TrelmInfo &info, std::string &text)
+{
+    appendf(text, "DATA TRELM LC_CONCENTRATION    %.3f\n", number(info.concentration));
+}
+void orientations(const TrelmInfo &info, std::string &text)
+{
+    appendf(text, "DATA TRELM ORIENT_SPHERE       %d\n", info.densityNSC);
+    appendf(text, "DATA TRELM ORIENT_PSI          %d\n", info.digPsiNSC);
+}
+void gridSpacing(const TrelmInfo &info, std::string &text)
+{
+    appendf(text, "DATA TRELM GRID_SPACING       % .3f\n", number(info.gridSpacing));
+}
+void modelRadius(const TrelmInfo &info, std::string &text)
+{
+    appendf(text, "DATA TRELM MODEL_RADIUS       % .3f\n", number(info.radiusModel));
+}
+void lcOrder(const TrelmInfo &info, std::string &text)
+{
+    appendf(text, "DATA TRELM LC_ORDER           % .3f\n", number(info.lcOrder));
+}
+void atomRadius(const TrelmInfo &info, std::string &text)
+{
+    appendf(text, "DATA TRELM ATOM_RADIUS        % .3f\n", number(info.radiusAtom));
+}
+void selection(const TrelmInfo &info, std::string &text)
+{
+    appendf(text, "DATA TRELM SEL_SIMPLE_FLAG     %d\n", info.Hflag);
+    appendf(text, "DATA TRELM SURF_FLAG           %d\n", info.surfFlag);
+}
+void pH(const TrelmInfo &info, std::string &text)
+{
+    appendf(text, "DATA TRELM EL PH              % .3f\n", number(info.elInfo.pH));
+}
+void salt(const TrelmInfo &info, std::string &text)
+{
+    appendf(text, "DATA TRELM EL NACL            % .3f\n", number(info.elInfo.concNaCl));
+}
+void surfaceCharge(const TrelmInfo &info, std::string &text)
+{
+    appendf(text, "DATA TRELM EL SURF_CH         % .3f\n", number(info.elInfo.chDensSurf));
+}
+const char *onOff(int flag)
+{
+    return flag != 0 ? "on" : "off";
+}
+
+/// The electrostatic flags as the parameter block has them, and as the head of a table has them.
+void blockFlags(const TrelmInfo &info, std::string &text)
+{
+    appendf(text, "DATA TRELM EL PKA_DEFAULT         %s\n", onOff(info.elInfo.pkaFlag));
+    appendf(text, "DATA TRELM EL CH_TERM             %s\n", onOff(info.elInfo.chTerminiFlag));
+    appendf(text, "DATA TRELM EL CUTOFF         % e\n", info.elInfo.cutoffPot);
+}
+void tableFlags(const TrelmInfo &info, std::string &text)
+{
+    appendf(text, "DATA TRELM EL DIPOLE           %s\n", onOff(info.elInfo.dipoleFlag));
+    appendf(text, "DATA TRELM EL PKA_DEFAULT      %s\n", onOff(info.elInfo.pkaFlag));
+    appendf(text, "DATA TRELM EL CH_TERM          %s\n", onOff(info.elInfo.chTerminiFlag));
+    appendf(text, "DATA TRELM EL CUTOFF           %e\n", info.elInfo.cutoffPot);
+}
+
+void action(const TrelmInfo &info, std::string &text)
+{
+    constexpr const char *names[] = {"add", "sub", "mul", "div", "max"};
+    if (info.opCode >= 1 && info.opCode <= 5)
+        appendf(text, "DATA TRELM ACTION    %s\n", names[info.opCode - 1]);
+    appendf(text, "DATA TRELM C1     % .3f\n", number(info.c1));
+    appendf(text, "DATA TRELM C2     % .3f\n", number(info.c2));
+}
+
+void histogram(const TrelmInfo &info, std::string &text)
+{
+    const HistInfo &hist = info.histInfo;
+    appendf(text, "DATA DC MIN_MAX    % .3f % .3f\n", number(hist.dcMin), number(hist.dcMax));
+    appendf(text, "DATA FIT_PAR       % d\n", hist.modeFit);
+    text += hist.optExtrem == 1 ? "DATA AVE_EXTREM     YES\n" : "DATA AVE_EXTREM     NO\n";
+    appendf(text, "DATA SDEVDZZ        %.3f\n", number(hist.sdevDzz));
+    appendf(text, "DATA SDEVDYY        %.3f\n", number(hist.sdevDyy));
+    appendf(text, "DATA nBINS          %d\n", hist.nBins);
+    appendf(text, "DATA BINWIDTH       %.3f\n", number(hist.binWidth));
+    text += "\n\nREMARK Solving the linear equation system.\n\n";
+    appendf(text, "DATA EQ Da         % .3f\n", number(hist.Da2Par));
+    appendf(text, "DATA EQ R          % .3f\n", number(hist.R2Par));
+    text += "\n\nREMARK Nonlinear least-square opimization.\n\n";
+    appendf(text, "DATA Dzz_Dyy_Dxx   % .3f % .3f % .3f\n", number(hist.Dzz), number(hist.Dyy),
+            number(hist.Dxx));
+    appendf(text, "DATA Da            % .3f\n", number(hist.DaFit));
+    appendf(text, "DATA Da_ERR        % .3f\n", number(hist.DaErrFit));
+    appendf(text, "DATA R             % .3f\n", number(hist.RFit));
+    appendf(text, "DATA R_ERR         % .3f\n", number(hist.RErrFit));
+}
+
+void likelihood(const TrelmInfo &info, std::string &text)
+{
+    const HistInfo &hist = info.histInfo;
+    appendf(text, "DATA TRELM DA LOW_GRID     % .3f\n", number(hist.lDaMl));
+    appendf(text, "DATA TRELM DA HIGH_GRID    % .3f\n", number(hist.hDaMl));
+    appendf(text, "DATA TRELM DA INCREMENT    % .3f\n", number(hist.incDaMl));
+    appendf(text, "DATA TRELM R  LOW_GRID     % .3f\n", number(hist.lRMl));
+    appendf(text, "DATA TRELM R  HIGH_GRID    % .3f\n", number(hist.hRMl));
+    appendf(text, "DATA TRELM R  INCREMENT    % .3f\n", number(hist.incRMl));
+    text += "\n\nREMARK Solving the linear equation system.\n\n";
+    appendf(text, "DATA EQ Da         % .3f\n", number(hist.Da2Par));
+    appendf(text, "DATA EQ R          % .3f\n", number(hist.R2Par));
+    text += "\n\nREMARK Maximum Likelihood determination.\n\n";
+    appendf(text, "DATA ML Da            % .3f\n", number(hist.DaMl));
+    appendf(text, "DATA ML Da Err        % .3f\n", number(hist.DaErrMl));
+    appendf(text, "DATA ML R             % .3f\n", number(hist.RMl));
+    appendf(text, "DATA ML R Err         % .3f\n", number(hist.RErrMl));
+}
+
+void conversion(const TrelmInfo &info, std::string &text)
+{
+    text += info.normDc != 0 ? "DATA DCs are normalized.\n" : "DATA DCs are not normalized.\n";
+    if (info.dcNoise != 0)
+        text += "DATA Gaussian noise according to DD has been added.\n";
+}
+
+void rim(const TrelmInfo &info, std::string &text)
+{
+    if (info.includeRim == 0.0f)
+        return;
+    text += "DATA TRELM INCLUDE_RIM      on\n";
+    appendf(text, "DATA TRELM MOLAR_RATIO      % .3f\n", number(info.molarRatio));
+    appendf(text, "DATA TRELM MODEL_LENGTH     % .3f\n", number(info.lengthModel));
+    appendf(text, "DATA TRELM S_DISC_RIM       % .3f\n", number(info.orderDiscRim));
+}
+
+constexpr Line blockSteric[] = {lcType,      concentration, orientations, gridSpacing,
+                                modelRadius, lcOrder,       atomRadius,   selection};
+constexpr Line blockElectrostatic[] = {lcType,      concentration, orientations,  gridSpacing,
+                                       modelRadius, lcOrder,       atomRadius,    selection,
+                                       pH,          salt,          surfaceCharge, blockFlags};
+constexpr Line blockHistogram[] = {histogram};
+constexpr Line actionLines[] = {action};
+
+constexpr Line tableSteric[] = {lcType,      concentration, orientations, modelRadius,
+                                gridSpacing, atomRadius,    lcOrder,      selection};
+constexpr Line tableElectrostatic[] = {lcType,        concentration, orientations, modelRadius, gridSpacing,
+                                       atomRadius,    lcOrder,       selection,    salt,        pH,
+                                       surfaceCharge, tableFlags};
+constexpr Line tableLikelihood[] = {likelihood};
+constexpr Line tableConversion[] = {conversion};
+
+/// The name of a mode and the lines that follow it: in the parameter block, and at the head of a table. A
+/// null name has no line there.
+struct ModeRow {
+    int trelmMode;
+    const char *blockName;
+    std::span<const Line> blockLines;
+    const char *tableName;
+    std::span<const Line> tableLines;
+};
+
+constexpr ModeRow modeRows[] = {
+    {1, "STERIC", blockSteric, "STERIC", tableSteric},
+    {2, "STERIC_FREE", blockSteric, "STERIC_FREE", tableSteric},
+    {3, "STERIC_GRID", blockSteric, "STERIC_GRID", tableSteric},
+    {4, "ELECTROSTATIC", blockElectrostatic, "ELECTROSTATIC", tableElectrostatic},
+    {5, "ELECTROSTATIC_FREE", blockSteric, "ELECTROSTATIC_FREE", tableSteric},
+    {6, "ELECTROSTATIC_GRID", blockSteric, "ELECTROSTATIC_GRID", tableSteric},
+    {7, "DC", {}, "DC", {}},
+    {8, "CS", {}, "CS", {}},
+    {9, "DA_HIST", blockHistogram, nullptr, {}},
+    {10, nullptr, {}, "DA_ML", tableLikelihood},
+    {12, nullptr, {}, "HIST", {}},
+    {13, "DC_CP", actionLines, "DC_CP", actionLines},
+    {14, "SAUPE_CP", actionLines, "SAUPE_CP", actionLines},
+    {15, "PDB", {}, nullptr, {}},
+    {17, nullptr, {}, "CONV", tableConversion},
+};
+
+void appendMode(const char *name, std::span<const Line> lines, const TrelmInfo &info, std::string &text)
+{
+    if (name == nullptr)
+        return;
+    appendf(text, "\nDATA TRELM_MODE %s\n\n", name);
+    for (const Line line : lines)
+        line(info, text);
+}
+
+void appendAngleRanges(const DTensor &tensor, std::string &text)
+{
+    appendf(text, "DATA PSI_RANGE   % 8.2f % 8.2f\n", number(tensor.psiMin), number(tensor.psiMax));
+    appendf(text, "DATA THETA_RANGE % 8.2f % 8.2f\n", number(tensor.thetaMin), number(tensor.thetaMax));
+    appendf(text, "DATA PHI_RANGE   % 8.2f % 8.2f\n", number(tensor.phiMin), number(tensor.phiMax));
+}
+
+/// How the tensor of a best-fit was found.
+void appendTensorMode(const DTensor &tensor, std::string &text)
+{
+    switch (tensor.tensorMode) {
+    case 1:
+        text += "DATA TENSOR_MODE SVD (Order Matrix Method)\n";
+        break;
+    case 2:
+        text += "DATA TENSOR_MODE SAUPE (Fixed Saupe Values)\n";
+        break;
+    case 3:
+        text += "DATA TENSOR_MODE NOFIXED (Variable Da and Dr, Variable Rotations)\n\n";
+        appendf(text, "DATA DA_RANGE    % .4e % .4e\n", number(tensor.daMin), number(tensor.daMax));
+        appendf(text, "DATA DR_RANGE    % .4e % .4e\n", number(tensor.drMin), number(tensor.drMax));
+        appendAngleRanges(tensor, text);
+        break;
+    case 4:
+        text += "DATA TENSOR_MODE DADR (Fixed Da and Dr, Variable Rotations)\n\n";
+        appendAngleRanges(tensor, text);
+        break;
+    case 5:
+        text += "DATA TENSOR_MODE FIXED (Fixed Da and Dr, Fixed Rotations)\n";
+        break;
+    default:
+        break;
+    }
+}
+
+constexpr int modeBestFit = 7;
+
+} // namespace
+
+int writeTrelm(const TrelmInfo &trelmInfo, std::string &result)
+{
+    const auto *row = std::ranges::find(modeRows, trelmInfo.trelmMode, &ModeRow::trelmMode);
+    if (row != std::end(modeRows))
+        appendMode(row->blockName, row->blockLines, trelmInfo, result);
+    rim(trelmInfo, result);
+    return 0;
+}
+
+void appendModeBlock(const TrelmInfo &trelmInfo, const DTensor &dTensor, std::string &text)
+{
+    const auto *row = std::ranges::find(modeRows, trelmInfo.trelmMode, &ModeRow::trelmMode);
+    if (row != std::end(modeRows))
+        appendMode(row->tableName, row->tableLines, trelmInfo, text);
+    if (trelmInfo.trelmMode == modeBestFit)
+        appendTensorMode(dTensor, text);
+    rim(trelmInfo, text);
+    text += "\n\n";
+}
+
+} // namespace trelm

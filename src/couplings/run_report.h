@@ -1,0 +1,19 @@
+// The parameters of a run as DATA lines.
+#pragma once
+
+#include "driver/trelm.h"
+
+#include <string>
+
+namespace trelm {
+
+struct DTensor;
+
+/// Appends the mode of a run and every simulation parameter that matters for it. Returns 0.
+int writeTrelm(const TrelmInfo &trelmInfo, std::string &result);
+
+/// The same at the head of a coupling table, whose blocks and orders differ: the mode block and the rim
+/// block.
+void appendModeBlock(const TrelmInfo &trelmInfo, const DTensor &dTensor, std::string &text);
+
+} // namespace trelm

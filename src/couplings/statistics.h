@@ -1,0 +1,32 @@
+// Statistics of measured against calculated couplings.
+#pragma once
+
+#include "couplings/dipolar.h"
+
+#include <span>
+
+namespace trelm {
+
+/// Quick statistics: rSumD the root of the mean of weighted squared differences (Hz), pSumD the sum of
+/// squared differences over errors, nD the pairs behind both. Returns the number of measured couplings.
+int getStatDC(std::span<const DInfo> dObsList, std::span<const DInfo> dCalcList, float &rSumD, float &pSumD,
+              int &nD);
+
+/// The statistics of the report.
+struct DcStatistics {
+    float rSumD2 = 0.0f;                   ///< RMS, Hz
+    float pSumD = 0.0f;                    ///< chi-square
+    float stdDevD = 0.0f;                  ///< standard deviation of the differences, Hz
+    float qD = 0.0f;                       ///< Q from rms
+    float qIsoD = 0.0f;                    ///< Q from the order matrix
+    float coorR = 0.0f;                    ///< correlation
+    float offset = 0.0f, errOffset = 0.0f; ///< regression of calculated on measured
+    float slope = 0.0f, errSlope = 0.0f;
+    float aveSlope = 0.0f, errAveSlope = 0.0f; ///< mean of both regressions
+    int nD = 0;
+};
+
+/// Returns 0, or 1 after a message if there is no memory; the statistics then stay 0.
+int getStatDCmod(const DTable &dTab, DcStatistics &stat);
+
+} // namespace trelm

@@ -1,0 +1,139 @@
+#include "couplings/tensor.h"
+
+#include "support/text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace trelm {
+namespace {
+
+constexpr double magnitudeNorm = 1.67551608; ///< 8 pi / 15
+constexpr float hertzOfAmide = 21585.2f;     ///< of reports: Da on the scale of an amide pair
+
+/// Diagonalises and sorts.
+void solveEigensystem(const Matrix3d &matrix, int yzFlag, TensorAnalysis &analysis)
+{
+    int nrot = 0;
+    jacobimz(matrix, analysis.eigVal, analysis.eigVec, nrot);
+    sort_eigensystem(yzFlag, analysis.eigVal, analysis.eigVec);
+    pca_tensor(yzFlag, analysis.eigVal, analysis.da, analysis.dr);
+}
+
+void exchange(std::size_t i, std::size_t j, std::array<double, 3> &eigVal, Matrix3d &eigVec)
+{
+    std::swap(eigVal[i], eigVal[j]);
+    for (std::size_t row = 0; row < 3; ++row)
+        std::swap(eigVec[row * 3 + i], eigVec[row * 3 + j]);
+}
+
+/// The six elements of a symmetric matrix, single precision.
+struct Symmetric {
+    explicit Symmetric(const std::array<float, 5> &s)
+        : xx(-0.5f * (s[0] - s[1])), yy(-0.5f * (s[0] + s[1])), zz(s[0]), xy(s[2]), xz(s[3]), yz(s[4])
+    {
+    }
+    float xx, yy, zz, xy, xz, yz;
+};
+
+float inner(const Symmetric &a, const Symmetric &b)
+{
+    return a.xx * b.xx + a.yy * b.yy + a.zz * b.zz + 2.0f * a.xy * b.xy + 2.0f * a.xz * b.xz +
+           2.0f * a.yz * b.yz;
+}
+
+} // namespace
+
+Matrix3d saupeMatrix(const Saupe &saupe)
+{
+    const double sxx = -0.5 * (saupe[0] - saupe[1]);
+    const double syy = -0.5 * (saupe[0] + saupe[1]);
+    return {sxx, saupe[2], saupe[3], saupe[2], syy, saupe[4], saupe[3], saupe[4], saupe[0]};
+}
+
+int analyzeSaupe(const Saupe &saupe, int yzFlag, int verbose, TensorAnalysis &analysis)
+{
+    analysis = TensorAnalysis{};
+    solveEigensystem(saupeMatrix(saupe), yzFlag, analysis);
+    if (verbose != 0)
+        eigVec2euler(analysis.eigVec, analysis.euler);
+    return irreducRepres(saupe, analysis.gMag, analysis.irrSaupe);
+}
+
+int analyzeMatrix3D(const Matrix3d &matrix, int yzFlag, TensorAnalysis &analysis)
+{
+    analysis = TensorAnalysis{};
+    solveEigensystem(matrix, yzFlag, analysis);
+    eigVec2euler(analysis.eigVec, analysis.euler);
+    return 0;
+}
+
+void sort_eigensystem(int yzFlag, std::array<double, 3> &eigVal, Matrix3d &eigVec)
+{
+    for (const auto &[i, j] : {std::pair<std::size_t, std::size_t>{0, 1}, {0, 2}, {1, 2}})
+        if (std::abs(eigVal[j]) > std::abs(eigVal[i]))
+            exchange(i, j, eigVal, eigVec);
+    if (yzFlag != 0)
+        exchange(0, 1, eigVal, eigVec);
+}
+
+int pca_tensor(int yzFlag, const std::array<double, 3> &eigVal, double &da, double &dr)
+{
+    double big = eigVal[0], mid = eigVal[1], small = eigVal[2];
+    if (std::abs(mid) > std::abs(big))
+        std::swap(big, mid);
+    if (std::abs(small) > std::abs(big))
+        std::swap(big, small);
+    if (std::abs(small) > std::abs(mid))
+        std::swap(mid, small);
+    if (yzFlag != 0)
+        std::swap(big, mid);
+    da = (big - (mid + small) / 2.0) / 3.0;
+    dr = (small - mid) / 3.0;
+    return 0;
+}
+
+int irreducRepres(const Saupe &saupe, double &genMagnitude, std::array<double, 5> &irrSaupe)
+{
+    const double sxx = -0.5 * (saupe[0] - saupe[1]);
+    const double syy = -0.5 * (saupe[0] + saupe[1]);
+    const double szz = saupe[0], sxy = saupe[2], sxz = saupe[3], syz = saupe[4];
+    genMagnitude =
+        std::sqrt((sxx * sxx + syy * syy + szz * szz + 2.0 * sxy * sxy + 2.0 * sxz * sxz + 2.0 * syz * syz) *
+                  magnitudeNorm);
+    irrSaupe = {1.585330918136652 * szz, -1.2944172742975892 * sxz, 1.2944172742975892 * syz,
+                1.2944172742975892 * (sxx + szz / 2.0), -1.2944172742975892 * sxy};
+    return 0;
+}
+
+int irrCollinarity(const std::array<float, 5> &saupe1, const std::array<float, 5> &saupe2, float &dcos,
+                   float &angle)
+{
+    const Symmetric a(saupe1), b(saupe2);
+    const float norms = std::sqrt(inner(a, a)) * std::sqrt(inner(b, b));
+    dcos = norms != 0.0f ? inner(a, b) / norms : 0.0f;
+    angle = 0.0f;
+    if (dcos > -1.0f && dcos < 1.0f)
+        angle = static_cast<float>(
+            90.0 - std::atan2(static_cast<double>(dcos), std::sqrt(1.0 - static_cast<double>(dcos) * dcos)) *
+                       57.29577957855229);
+    return 0;
+}
+
+void reportEuler(std::string &text, const DTensor &dTensor)
+{
+    const auto number = [](float value) { return static_cast<double>(value); };
+    appendf(text, "DATA EULER_SOLUTIONS %d\n", dTensor.eulerCount);
+    const auto count = static_cast<std::size_t>(std::clamp(dTensor.eulerCount, 0, 8));
+    for (std::size_t i = 0; i < count; ++i)
+        appendf(text, "DATA EULER_ANGLES % 7.2f % 7.2f % 7.2f\n", number(dTensor.psiList[i]),
+                number(dTensor.thetaList[i]), number(dTensor.phiList[i]));
+    const float rhombicity = dTensor.da != 0.0f ? dTensor.dr / dTensor.da : 0.0f;
+    appendf(text, "\nDATA Da % e\nDATA Dr % e\n\n\n", number(dTensor.da), number(dTensor.dr));
+    appendf(text, "DATA Aa % e\nDATA Ar % e\n\n\n", number(2.0f * dTensor.da), number(2.0f * dTensor.dr));
+    appendf(text, "DATA Da_HN      % 8.6e\nDATA Rhombicity % 8.6e\n\n", number(hertzOfAmide * dTensor.da),
+            number(rhombicity));
+}
+
+} // namespace trelm

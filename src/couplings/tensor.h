@@ -1,0 +1,59 @@
+// What an order matrix says: eigenvalues, axes, Da and Dr, the irreducible representation, Euler angles.
+//
+// The Saupe vector has five values, always in this order: Szz, Sxx - Syy, Sxy, Sxz, Syz.
+// Of the eigenvalues |Azz| >= |Ayy| >= |Axx|:  Da = (Azz - (Axx + Ayy) / 2) / 3,  Dr = (Axx - Ayy) / 3,  R =
+// Dr / Da.
+#pragma once
+
+#include "couplings/dipolar.h"
+#include "couplings/euler.h"
+
+#include <array>
+#include <span>
+#include <string>
+
+namespace trelm {
+
+using Saupe = std::array<double, 5>;
+
+constexpr double amideScale = 21585.19634913479; ///< Hz: a tensor's Da on the scale of an amide N-H pair
+
+/// The analysis of a tensor. eigVal holds Azz, Ayy, Axx; column k of eigVec is the axis of eigVal[k].
+struct TensorAnalysis {
+    std::array<double, 5> irrSaupe = {}; ///< A0, A1R, A1I, A2R, A2I
+    double gMag = 0.0;                   ///< general magnitude
+    std::array<double, 3> eigVal = {};
+    Matrix3d eigVec = {};
+    double da = 0.0, dr = 0.0;
+    EulerLists euler; ///< zero unless asked for
+};
+
+/// The whole analysis of a Saupe vector. yzFlag exchanges the order of the two main axes; Euler angles are
+/// solved for if `verbose` is not 0. Returns 0.
+int analyzeSaupe(const Saupe &saupe, int yzFlag, int verbose, TensorAnalysis &analysis);
+
+/// The same for any symmetric matrix, such as an inertia tensor, Euler angles always. irrSaupe and gMag stay
+/// 0.
+int analyzeMatrix3D(const Matrix3d &matrix, int yzFlag, TensorAnalysis &analysis);
+
+/// Sorts eigenvalues and columns so that magnitudes fall; ties keep their order. yzFlag exchanges the first
+/// two.
+void sort_eigensystem(int yzFlag, std::array<double, 3> &eigVal, Matrix3d &eigVec);
+
+/// Da and Dr of three eigenvalues in any order.
+int pca_tensor(int yzFlag, const std::array<double, 3> &eigVal, double &da, double &dr);
+
+/// The irreducible representation and the general magnitude.
+int irreducRepres(const Saupe &saupe, double &genMagnitude, std::array<double, 5> &irrSaupe);
+
+/// Normalised inner product of two Saupe vectors and the angle between them, degrees: 0 where |dcos| is 1.
+int irrCollinarity(const std::array<float, 5> &saupe1, const std::array<float, 5> &saupe2, float &dcos,
+                   float &angle);
+
+/// The matrix of a Saupe vector.
+Matrix3d saupeMatrix(const Saupe &saupe);
+
+/// Appends the Euler solutions about x, y, z, Da, Dr and what follows from them.
+void reportEuler(std::string &text, const DTensor &dTensor);
+
+} // namespace trelm

@@ -1,0 +1,199 @@
+#include "driver/alloc.h"
+
+#include <cinttypes>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+
+namespace trelm {
+namespace {
+
+std::int64_t bytesUsed = 0;
+std::int64_t bytesReused = 0;
+int verboseAlloc = 0;
+
+#ifdef TRELM_ALLOC_FAULTS
+/// In the test build the request with this number fails; 0 lets all pass.
+bool requestMayPass()
+{
+    static const char *setting = std::getenv("TRELM_FAIL_ALLOC");
+    static const long failing = setting == nullptr ? 0 : std::strtol(setting, nullptr, 10);
+    static long requests = 0;
+    ++requests;
+    return requests != failing;
+}
+#else
+constexpr bool requestMayPass()
+{
+    return true;
+}
+#endif
+
+/// True if length elements of this size can be named at all.
+bool isPossible(std::size_t length, std::size_t size)
+{
+    return length <= static_cast<std::size_t>(std::numeric_limits<std::ptrdiff_t>::max()) / size;
+}
+
+void *request(const char *kind, const char *caller, std::size_t length, std::size_t size)
+{
+    const auto add = static_cast<std::int64_t>(length * size);
+    bytesUsed += add;
+    void *block = isPossible(length, size) && requestMayPass() ? std::malloc(length * size) : nullptr;
+    if (verboseAlloc != 0)
+        std::fprintf(stderr, "\n_MEM %s Name: %s Alloc: %p Add: %" PRId64 " Now: %" PRId64 "\n", kind, caller,
+                     block, add, bytesUsed);
+    if (block == nullptr)
+        std::fprintf(stderr, "Memory allocation failure.\n");
+    return block;
+}
+
+} // namespace
+
+void setAlloc(int verboseFlag)
+{
+    verboseAlloc = verboseFlag;
+}
+
+int showAlloc()
+{
+    std::fprintf(stderr, "REMARK Memory Allocation Status. Reused: %" PRId64 " In Use: %" PRId64 "\n",
+                 bytesReused, bytesUsed);
+    return 0;
+}
+
+std::int64_t allocBytesUsed()
+{
+    return bytesUsed;
+}
+std::int64_t allocBytesReused()
+{
+    return bytesReused;
+}
+
+float *fltAlloc(const char *caller, std::size_t length)
+{
+    return static_cast<float *>(request("FLT_ALLOC", caller, length, sizeof(float)));
+}
+
+int *intAlloc(const char *caller, std::size_t length)
+{
+    return static_cast<int *>(request("INT_ALLOC", caller, length, sizeof(int)));
+}
+
+double *dFltAlloc(const char *caller, std::size_t length)
+{
+    return static_cast<double *>(request("DBL_ALLOC", caller, length, sizeof(double)));
+}
+
+long *dIntAlloc(const char *caller, std::size_t length)
+{
+    return static_cast<long *>(request("INT_ALLOC", caller, length, sizeof(long)));
+}
+
+char *charMalloc(const char *caller, std::size_t length)
+{
+    return static_cast<char *>(request("CHR_ALLOC", caller, length, sizeof(char)));
+}
+
+void *voidMalloc(const char *caller, std::size_t length)
+{
+    return request("VOI_ALLOC", caller, length, 1);
+}
+
+char *strDup(const char *string)
+{
+    return strDup2("strDup", string);
+}
+
+char *strDup2(const char *caller, const char *string)
+{
+    const std::size_t size = std::strlen(string) + 1;
+    char *copy = charMalloc(caller, size);
+    if (copy == nullptr) {
+        std::fprintf(stderr, "Memory allocation failure.\n"); // the second of two: the request printed one
+        return nullptr;
+    }
+    std::memcpy(copy, string, size);
+    return copy;
+}
+
+int strFree(char *string)
+{
+    if (string != nullptr)
+        unAlloc("strDup", string, std::strlen(string) + 1);
+    return 0;
+}
+
+void *voidReMalloc(const char *caller, void *ptr, std::size_t newLength, std::size_t oldLength)
+{
+    const std::size_t known = ptr == nullptr ? 0 : oldLength;
+    bytesReused += static_cast<std::int64_t>(known);
+    bytesUsed += static_cast<std::int64_t>(newLength) - static_cast<std::int64_t>(known);
+    const auto *oldBlock = static_cast<const unsigned char *>(ptr); // only its address is printed below
+    const bool possible = isPossible(newLength, 1) && requestMayPass();
+    if (verboseAlloc != 0)
+        std::fprintf(stderr, "\n_MEM CHR_RE_AL Name: %s Free: %p", caller,
+                     static_cast<const void *>(oldBlock));
+    void *block = possible ? std::realloc(ptr, newLength) : nullptr;
+    if (verboseAlloc != 0)
+        std::fprintf(stderr, " Alloc: %p Add: %zu Delete: %zu Now: %" PRId64 "\n", block, newLength, known,
+                     bytesUsed);
+    if (block == nullptr)
+        std::fprintf(stderr, "Memory allocation failure.\n");
+    return block;
+}
+
+char *charReMalloc(const char *caller, char *ptr, std::size_t newLength, std::size_t oldLength)
+{
+    return static_cast<char *>(voidReMalloc(caller, ptr, newLength, oldLength));
+}
+
+float **mat2Ptr(float *matrix, std::size_t xSize, std::size_t ySize)
+{
+    auto **rows = static_cast<float **>(voidMalloc("mat2ptr", ySize * sizeof(float *)));
+    // The account of row pointers is told in floats.
+    bytesUsed +=
+        static_cast<std::int64_t>(ySize * sizeof(float)) - static_cast<std::int64_t>(ySize * sizeof(float *));
+    if (rows == nullptr)
+        return nullptr;
+    for (std::size_t y = 0; y < ySize; ++y)
+        rows[y] = matrix + y * xSize;
+    return rows;
+}
+
+float **matAlloc(const char *caller, std::size_t xLength, std::size_t yLength)
+{
+    // Counted here and once more by the two requests below: the balance stays high on purpose.
+    bytesUsed += static_cast<std::int64_t>((xLength * yLength + yLength) * sizeof(float));
+    float *data = fltAlloc(caller, xLength * yLength);
+    if (data == nullptr)
+        return nullptr;
+    float **rows = mat2Ptr(data, xLength, yLength);
+    if (rows == nullptr)
+        unAlloc(caller, data, xLength * yLength * sizeof(float));
+    return rows;
+}
+
+int matFree(float **matrixPtr, std::size_t xSize, std::size_t ySize)
+{
+    if (matrixPtr == nullptr)
+        return 0;
+    if (ySize > 0)
+        unAlloc("matFree", matrixPtr[0], xSize * ySize * sizeof(float));
+    unAlloc("matFree", matrixPtr, ySize * sizeof(float));
+    return 0;
+}
+
+void unAlloc(const char *caller, void *ptr, std::size_t length)
+{
+    if (ptr != nullptr)
+        bytesUsed -= static_cast<std::int64_t>(length);
+    if (verboseAlloc != 0)
+        std::fprintf(stderr, "\n_MEM %s Name: %s Free: %p Delete: %zu Now: %" PRId64 " Reused: %" PRId64 "\n",
+                     ptr != nullptr ? "DEALLOC" : "NOOP_AL", caller, ptr, length, bytesUsed, bytesReused);
+    std::free(ptr);
+}
+
+} // namespace trelm

@@ -1,0 +1,170 @@
+// The allocation layer: every block of bulk data is asked for here, under a tag, and given back with its
+// size.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <new>
+#include <span>
+#include <type_traits>
+#include <utility>
+
+namespace trelm {
+
+/// Turns the trace of every request and release on the standard error stream on (non-zero) or off.
+void setAlloc(int verboseFlag);
+
+/// Prints the balance on the standard error stream. Returns 0.
+int showAlloc();
+
+/// Bytes in use by the account of the callers, and the sum of old sizes handed to the reallocating calls.
+std::int64_t allocBytesUsed();
+std::int64_t allocBytesReused();
+
+// Requests. `length` counts elements; the block is not initialised. Each returns null, after the line
+// "Memory allocation failure.", when the system has no memory; the request is on the account all the same.
+float *fltAlloc(const char *caller, std::size_t length);
+int *intAlloc(const char *caller, std::size_t length);
+double *dFltAlloc(const char *caller, std::size_t length);
+long *dIntAlloc(const char *caller, std::size_t length);
+char *charMalloc(const char *caller, std::size_t length);
+void *voidMalloc(const char *caller, std::size_t length);
+
+/// A copy of a text, under the tag "strDup" or the caller's own; null if there is no memory.
+char *strDup(const char *string);
+char *strDup2(const char *caller, const char *string);
+
+/// Releases such a copy by its length plus 1; null is allowed. Returns 0.
+int strFree(char *string);
+
+/// A block of `newLength` bytes with the old contents; a new one if `ptr` is null. On failure null comes back
+/// and the old block stays as it was.
+char *charReMalloc(const char *caller, char *ptr, std::size_t newLength, std::size_t oldLength);
+void *voidReMalloc(const char *caller, void *ptr, std::size_t newLength, std::size_t oldLength);
+
+/// Row pointers into a flat matrix: `ySize` rows of `xSize` floats.
+float **mat2Ptr(float *matrix, std::size_t xSize, std::size_t ySize);
+
+/// A flat block of xLength * yLength floats with row pointers; element x of row y is matrix[y][x].
+/// Its account is out of balance on purpose: it adds more than matFree takes off.
+float **matAlloc(const char *caller, std::size_t xLength, std::size_t yLength);
+
+/// Releases both parts of such a matrix. Returns 0.
+int matFree(float **matrixPtr, std::size_t xSize, std::size_t ySize);
+
+/// Releases a block; `length` is its size in bytes. Null is a no-op.
+void unAlloc(const char *caller, void *ptr, std::size_t length);
+
+/// An owning array of the layer. Elements start as T{}. It can be empty because there was no memory: the
+/// constructor does not throw, and the owner asks with `if (!block)`.
+template <class T>
+class Block {
+  public:
+    Block() = default;
+    Block(const char *tag, std::size_t length) : tag_(tag)
+    {
+        data_ = static_cast<T *>(request(tag, length));
+        if (data_ != nullptr) {
+            length_ = length;
+            std::uninitialized_value_construct_n(data_, length);
+        }
+    }
+    Block(Block &&other) noexcept
+        : tag_(other.tag_), data_(std::exchange(other.data_, nullptr)),
+          length_(std::exchange(other.length_, 0))
+    {
+    }
+    Block &operator=(Block &&other) noexcept
+    {
+        if (this != &other) {
+            release();
+            tag_ = other.tag_;
+            data_ = std::exchange(other.data_, nullptr);
+            length_ = std::exchange(other.length_, 0);
+        }
+        return *this;
+    }
+    Block(const Block &) = delete;
+    Block &operator=(const Block &) = delete;
+    ~Block() { release(); }
+
+    /// Makes the block longer; the old elements keep their places, the new ones start as T{}.
+    /// Returns false, with the block as it was, when there is no memory. Pointers into it are void
+    /// afterwards.
+    [[nodiscard]] bool grow(const char *tag, std::size_t newLength)
+    {
+        if (newLength <= length_)
+            return true;
+        T *larger = nullptr;
+        if constexpr (std::is_trivially_copyable_v<T>) {
+            larger = static_cast<T *>(voidReMalloc(tag, data_, newLength * sizeof(T), length_ * sizeof(T)));
+            if (larger == nullptr)
+                return false;
+        } else {
+            larger = static_cast<T *>(request(tag, newLength));
+            if (larger == nullptr)
+                return false;
+            std::uninitialized_move_n(data_, length_, larger);
+            std::destroy_n(data_, length_);
+            unAlloc(tag_, data_, length_ * sizeof(T));
+        }
+        std::uninitialized_value_construct_n(larger + length_, newLength - length_);
+        tag_ = tag;
+        data_ = larger;
+        length_ = newLength;
+        return true;
+    }
+
+    /// Gives the block back; it is empty afterwards.
+    void release()
+    {
+        if (data_ == nullptr)
+            return;
+        std::destroy_n(data_, length_);
+        unAlloc(tag_, data_, length_ * sizeof(T));
+        data_ = nullptr;
+        length_ = 0;
+    }
+
+    explicit operator bool() const { return data_ != nullptr; }
+    [[nodiscard]] std::size_t length() const { return length_; }
+    [[nodiscard]] T *data() { return data_; }
+    [[nodiscard]] const T *data() const { return data_; }
+    T &operator[](std::size_t i) { return data_[i]; }
+    const T &operator[](std::size_t i) const { return data_[i]; }
+    [[nodiscard]] std::span<T> span() { return {data_, length_}; }
+    [[nodiscard]] std::span<const T> span() const { return {data_, length_}; }
+
+  private:
+    static void *request(const char *tag, std::size_t length)
+    {
+        if constexpr (std::is_same_v<T, float>)
+            return fltAlloc(tag, length);
+        else if constexpr (std::is_same_v<T, int>)
+            return intAlloc(tag, length);
+        else if constexpr (std::is_same_v<T, double>)
+            return dFltAlloc(tag, length);
+        else if constexpr (std::is_same_v<T, char>)
+            return charMalloc(tag, length);
+        else
+            return voidMalloc(tag, length <= SIZE_MAX / sizeof(T) ? length * sizeof(T) : SIZE_MAX);
+    }
+
+    const char *tag_ = "";
+    T *data_ = nullptr;
+    std::size_t length_ = 0;
+};
+
+/// Room for one more element behind `count`: `first` elements at the start, `step` more each time it is full.
+/// Returns false when there is no memory.
+template <class T>
+[[nodiscard]] bool makeRoom(Block<T> &block, const char *tag, std::size_t count, std::size_t first,
+                            std::size_t step)
+{
+    if (count < block.length())
+        return true;
+    return block.grow(tag, block.length() == 0 ? first : block.length() + step);
+}
+
+} // namespace trelm

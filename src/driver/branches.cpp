@@ -1,0 +1,81 @@
+#include "driver/inputs.h"
+#include "errors/fit_statistics.h"
+#include "support/text.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace trelm {
+namespace {
+
+/// A mode and what it does with a run. Without a function the mode is not built yet.
+struct ModeRow {
+    int trelmMode;
+    const char *flag;
+    bool commonInput; ///< the common input phase comes first
+    int (*branch)(Run &run);
+};
+
+/// A kind of best-fit, likewise.
+struct SpreadRow {
+    int spreadMode;
+    const char *flag;
+    int (*branch)(Run &run);
+};
+
+int bestFitSingle(Run &run)
+{
+    const RunOptions &options = run.options;
+    const int status = simDC(&run.pdbInfo[0], &run.sInfo, &run.dTab[0], &run.trelmInfo[0], options.remark,
+                             options.outDName, options.pRotName, run.trelmInfo[0].verbFlag);
+    if (status != 0)
+        complain("trelm: error in best-fit of data.\n");
+    return status;
+}
+
+constexpr SpreadRow spreadRows[] = {
+    {0, "-single", bestFitSingle}, {1, "-jack", nullptr}, {2, "-mcDc", nullptr},
+    {3, "-mcStruc", nullptr},      {4, "-rand", nullptr}, {5, "-exhaust", nullptr},
+    {6, "-exhaustSel", nullptr},
+};
+
+const SpreadRow &spreadRow(int spreadMode)
+{
+    const auto *row = std::ranges::find(spreadRows, spreadMode, &SpreadRow::spreadMode);
+    return row != std::end(spreadRows) ? *row : spreadRows[0];
+}
+
+int bestFit(Run &run)
+{
+    return spreadRow(run.trelmInfo[0].spreadMode).branch(run);
+}
+
+constexpr ModeRow modeRows[] = {
+    {1, "-stTrelm", true, nullptr}, {2, "-stTrelmFree", false, nullptr}, {3, "-stTrelmGrid", true, nullptr},
+    {4, "-elTrelm", true, nullptr}, {5, "-elTrelmFree", true, nullptr},  {6, "-elTrelmGrid", true, nullptr},
+    {7, "-bestFit", true, bestFit}, {8, "-csSim", true, nullptr},        {9, "-daHist", false, nullptr},
+    {10, "-daMl", false, nullptr},  {11, "-daFlex", false, nullptr},     {12, "-asRan", true, nullptr},
+    {13, "-anDc", false, nullptr},  {14, "-anA", false, nullptr},        {15, "-anPdb", true, nullptr},
+    {16, "-struc", true, nullptr},  {17, "-conv", false, nullptr},
+};
+
+int notBuilt(const char *flag)
+{
+    return complain("trelm: the mode %s is not built yet.\n", flag);
+}
+
+} // namespace
+
+int runMode(Run &run)
+{
+    const TrelmInfo &trelmInfo = run.trelmInfo[0];
+    const ModeRow &mode = *std::ranges::find(modeRows, trelmInfo.trelmMode, &ModeRow::trelmMode);
+    if (mode.branch == nullptr)
+        return notBuilt(mode.flag);
+    if (mode.branch == bestFit && spreadRow(trelmInfo.spreadMode).branch == nullptr)
+        return notBuilt(spreadRow(trelmInfo.spreadMode).flag);
+    const int status = mode.commonInput ? readInputs(run) : 0;
+    return status != 0 ? status : mode.branch(run);
+}
+
+} // namespace trelm

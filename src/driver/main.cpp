@@ -1,0 +1,21 @@
+#include "driver/run.h"
+
+#include <cstdio>
+#include <new>
+
+int main(int argc, char **argv)
+{
+    trelm::Run run;
+    int status = 1;
+    try {
+        status = trelm::startRun(run);
+        if (status == 0)
+            status = trelm::readOptions(argc, argv, run);
+        if (status == 0)
+            status = trelm::runMode(run);
+    } catch (const std::bad_alloc &) {
+        std::fprintf(stderr, "Memory allocation failure.\n");
+        status = 1;
+    }
+    return trelm::endRun(run, status);
+}

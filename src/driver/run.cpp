@@ -1,0 +1,75 @@
+#include "driver/run.h"
+
+#include "couplings/fit.h"
+#include "driver/cmndargs.h"
+#include "driver/params.h"
+#include "structure/transform.h"
+#include "support/text.h"
+
+#include <cstdio>
+
+namespace trelm {
+namespace {
+
+/// The mode of initArgs in which the environment decides.
+constexpr int checkByEnvironment = 4;
+
+void legalNotice()
+{
+    std::fputs("\n\n"
+               "*--------------------------------------------------*\n"
+               "|                      TRELM                       |\n"
+               "*--------------------------------------------------*\n"
+               "\n\n",
+               stderr);
+}
+
+} // namespace
+
+int startRun(Run &run)
+{
+    dipolarNull();
+    pdb3dReset();
+    legalNotice();
+    run.dTab = Block<DTable>("matrix", 1);
+    run.pdbInfo = Block<PDBInfo>("matrix", 1);
+    run.trelmInfo = Block<TrelmInfo>("matrix", 1);
+    run.dcInfo = Block<DcInfo>("matrix", 1);
+    if (!run.dTab || !run.pdbInfo || !run.trelmInfo || !run.dcInfo)
+        return complain("Error allocating DC/PDB/TRELM structures.\n");
+    return 0;
+}
+
+int readOptions(int argc, char **argv, Run &run)
+{
+    initArgs(argc, argv, checkByEnvironment);
+    const int status =
+        getparams(argc, argv, run.options, run.trelmInfo[0], run.dcInfo[0], run.sInfo, run.dTab[0].dTensor);
+    if (status != 0) {
+        complain("TRELM Error extracting command-line arguments.\n");
+        return status;
+    }
+    checkArgs(argc, argv);
+    if (run.options.dbgFlag > 1)
+        setAlloc(1);
+    return 0;
+}
+
+int endRun(Run &run, int status)
+{
+    if (run.dTab)
+        dTabFree(&run.dTab[0]);
+    fitAlignFree();
+    dipolarFree();
+    run.options.wList.release();
+    // The balance is taken here: it shows what the records and buffers of the run still hold.
+    showAlloc();
+    run = Run{};
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+        complain("Error writing %s.\n", "(stdout)");
+        return status != 0 ? status : 1;
+    }
+    return status;
+}
+
+} // namespace trelm

@@ -1,0 +1,40 @@
+// What one run owns, and its stages.
+#pragma once
+
+#include "couplings/dipolar.h"
+#include "driver/alloc.h"
+#include "driver/run_options.h"
+#include "driver/trelm.h"
+#include "structure/pdb.h"
+#include "structure/select.h"
+
+namespace trelm {
+
+/// The records and buffers of a run. The large arrays have their fixed capacity from the start.
+struct Run {
+    RunOptions options;
+    PDBSelectInfo sInfo;
+    Block<DTable> dTab;
+    Block<PDBInfo> pdbInfo;
+    Block<TrelmInfo> trelmInfo;
+    Block<DcInfo> dcInfo;
+    Block<double> xI, yI, zI;                  ///< atoms chosen for simulation, counted from 1
+    Block<int> chargeAtomID, chargeAtomIDOrig; ///< atom of each charge, counted from 1
+    Block<float> charges, chargesOrig;         ///< value of each charge, counted from 1
+    Block<double> ddots;                       ///< orientation points on the unit sphere, three values each
+};
+
+/// Prints the banner and asks for the records. Returns 0, or 1 after a message.
+int startRun(Run &run);
+
+/// Reads the command line into the records and checks its words. Returns 0, or 1 after a message.
+int readOptions(int argc, char **argv, Run &run);
+
+/// Does what the run's mode asks for. Returns 0, or the status of the failing step after its messages.
+int runMode(Run &run);
+
+/// The one tear-down: releases the records and prints the memory balance. Returns the status, or 1 if
+/// standard output could not be written to its end.
+int endRun(Run &run, int status);
+
+} // namespace trelm

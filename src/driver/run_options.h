@@ -1,0 +1,65 @@
+// What a command line sets beside the run record: file names, lists, and a few numbers.
+#pragma once
+
+#include "driver/alloc.h"
+#include "driver/trelm.h"
+
+#include <array>
+#include <string>
+
+namespace trelm {
+
+/// Entries of the list of fixed residues that name no residue.
+constexpr auto noFixedResidues = [] {
+    std::array<int, maxFixResList> list = {};
+    list.fill(-999999);
+    return list;
+}();
+
+/// The options that belong to no other record. An empty name means that there is no such file; of an output
+/// it means standard output.
+struct RunOptions {
+    std::string inDName;               ///< couplings: input
+    std::string outDName;              ///< couplings: result
+    std::string inD1Name, inD2Name;    ///< the two coupling tables of a comparison
+    std::string pdbName;               ///< structure
+    std::string pdbFName;              ///< free-format coordinates
+    std::string pRotName;              ///< structure turned into the frame of the tensor
+    std::string inpName;               ///< configuration
+    std::string pkaName, outPkaName;   ///< charges: input, output
+    std::string potName, pot3DName;    ///< potential along one axis, in space
+    std::string outAName, outPName;    ///< result of an analysis, structure with charges
+    std::string outDaName, outMapName; ///< mapping: Da and Dr, orientation of the axes
+    std::string outAngName;            ///< mapping: Euler angles
+    std::string outDFailName;          ///< mapping: couplings that the fits fail to reproduce
+    std::string outScName, outColName; ///< scores, columns of the scores
+    std::string inEName, outEName;     ///< ensemble: input, output
+    std::string outEAxName, oDcEName;  ///< ensemble: axes, couplings
+    std::string flexName, aveName;
+    std::string atomNameS1 = "All"; ///< atoms of the couplings to use; "All": any
+    std::string atomNameS2 = "All";
+    const char *remark = nullptr; ///< remark for the results; lives as long as the arguments
+
+    // Read and kept for scripts that pass them; no mode looks at them.
+    std::string inCSName, outCSName, outSName, refName;
+    std::string pdbPath, pdbList = "pdb.list", surfPath;
+    std::string atomNames = "All", resNames = "None";
+    std::string rcName = "rc.tab", homoName = "homo.tab";
+    float csThresh = 2.0f;
+    float validThresh = 0.95f;
+    int fitFlag = 0; ///< 1 with a structure
+
+    int mapCount = 0; ///< samples of an error mapping
+    int dbgFlag = 0;  ///< debug level; above 1 every request for memory is traced
+
+    Block<float> wList; ///< weights by residue, tag "listArg"; empty: none
+    int wCount = 0;     ///< their number
+
+    std::array<int, maxFixResList> fixResList = noFixedResidues; ///< residues whose assignment is fixed
+    int nFixAa = 0; ///< the counter that the assignment search is given; without -fixRes it is above 0, too
+
+    std::array<double, 5> userSaupe1 = {}, userSaupe2 = {}; ///< order matrices to compare
+    std::array<float, 3> hingeAxis = {}, twistAxis = {};
+};
+
+} // namespace trelm

@@ -1,0 +1,47 @@
+#include "driver/trelm.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+namespace trelm {
+
+int trelmInfoNull(TrelmInfo *trelmInfo)
+{
+    *trelmInfo = TrelmInfo{};
+    return 0;
+}
+
+int dcInfoNull(DcInfo *dcInfo)
+{
+    *dcInfo = DcInfo{};
+    return 0;
+}
+
+void initializeGlobal(SearchState &search)
+{
+    std::fill_n(search.aGlobal.begin(), search.nGlobal, 0);
+    search.idGlobal = -1;
+    search.cGlobal = 0;
+    search.Pmax = 1.0e8f;
+}
+
+void printoutput(const SearchState &search)
+{
+    std::fprintf(stderr, "REMARK Sampled %d\r", search.cGlobal);
+    std::fflush(stderr);
+}
+
+int chkFixAa(int nFixAa, const int *fixResList, int resIDI, int resIDJ)
+{
+    const int *last = fixResList + nFixAa;
+    return std::find(fixResList, last, std::max(resIDI, resIDJ)) != last ? 1 : 0;
+}
+
+void mzerror(const char *text)
+{
+    std::fprintf(stderr, "Numerical Recipes run-time error...\n%s\n...now exiting to system...\n", text);
+    std::exit(1);
+}
+
+} // namespace trelm

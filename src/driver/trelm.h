@@ -1,0 +1,225 @@
+// The run record: every parameter of a run, with its default at the field.
+#pragma once
+
+#include <array>
+#include <string>
+
+namespace trelm {
+
+constexpr int maxCharges = 1200;       ///< charges of a simulation
+constexpr int maxOrientations = 40001; ///< orientation points on the sphere
+constexpr int maxFixResList = 800;     ///< values of -fixRes
+constexpr int maxFixAaList = 25;       ///< values of -fixAa
+constexpr int maxMedia = 3;            ///< values of -dcID
+
+/// Domains and ensembles. Most of it comes from the configuration file.
+struct GridInfo {
+    int outEflag = 0;                 ///< ensemble output; 2 ends the run after the ensemble is set up
+    int densE = 200;                  ///< ensemble density
+    int angleDomFlag = 0;             ///< domain angle variation on
+    float angleDom[2] = {0.0f, 0.0f}; ///< domain angles, degrees
+    int resDom1Origin = 0;            ///< origin residue of each domain
+    int resDom2Origin = 0;
+    int startResDom2 = 0; ///< residue ranges of the domains
+    int startResDom1 = 0;
+    int endResDom1 = 0;
+    int endResDom2 = 0;
+    int digPsiE = 1;        ///< third angle steps in the ensemble
+    float lBetaCone = 0.0f; ///< low and high limit of the beta cone, degrees
+    float hBetaCone = 30.0f;
+    float cAlphaCone = 0.0f; ///< centre and half width of the alpha cone, degrees
+    float errAlphaCone = 180.0f;
+    int startResPart1 = 0; ///< residues of the angle definition
+    int endResPart1 = 0;
+    int startResPart2 = 0;
+    int endResPart2 = 0;
+    int clashFlag = 1;      ///< steric clash check of ensemble states
+    float clashDist = 3.6f; ///< clash distance, angstrom
+    int initOrientFlag = 1; ///< align along z before ensemble set-up
+    int pivotCenter = 1;    ///< pivot at the centre
+    int fixRotDomain = 0;   ///< keep the first domain in position
+};
+
+/// Electrostatics.
+struct ElInfo {
+    float pow = 1.0f;   ///< power of the potential term
+    float kAtt = 0.0f;  ///< attraction term
+    int elFlag = 0;     ///< electrostatic run
+    int pkaFlag = 1;    ///< use pKa defaults
+    int charmm = 0;     ///< partial charges: 0 none, 1 CHARMM19, 2 CHARMM22
+    int dipoleFlag = 0; ///< consider the molecule as a dipole
+    int chSelFlag = 0;  ///< use charged atoms only
+    float pH = 7.0f;
+    float concNaCl = 0.2f;     ///< NaCl concentration, molar
+    float chDensSurf = -0.47f; ///< surface charge density, e per square nanometre
+    int chTerminiFlag = 1;     ///< put charges at the termini
+    float kEnergy = 1.0f;      ///< scale of energy and of potential
+    float kPot = 1.0f;
+    float kMonoCh = 1.0f; ///< scale of monopole, dipole and quadrupole charges
+    float kDipoCh = 1.0f;
+    float kQuadCh = 1.0f;
+    double cutoffPot = 6e-6; ///< cutoff for electrostatics
+    float maxPot = 5.0f;     ///< maximum (plus or minus) used potential, kT/e
+    int z1 = 0;              ///< first and last z position in the 3D grid
+    int zN = 0;
+    float temperaturePot = 298.15f; ///< Boltzmann temperature, kelvin
+    int chFlag = 0;                 ///< report electrostatic information
+    float iFace = 50.0f;            ///< surface distance of the interaction face, angstrom
+    float kNegCh = 1.0f;            ///< scale of negative and of positive charges, set with the charges
+    float kPosCh = 1.0f;
+};
+
+/// Magnitude estimation.
+struct HistInfo {
+    int binCount = 20;
+    float dcMin = 0.0f; ///< range of the data, Hz
+    float dcMax = 0.0f;
+    float Da2Par = 0.0f; ///< Da and R of the two-parameter result
+    float R2Par = 0.0f;
+    float daLo = -1000.0f; ///< limits of Da in the histogram fit, Hz
+    float daHi = 1000.0f;
+    float rhLo = 0.0f; ///< limits of R in the histogram fit
+    float rhHi = 0.667f;
+    int optExtrem = 1;    ///< average minimum and maximum coupling
+    int nBinIn = 0;       ///< number of bins; 0 is automatic
+    int modeFit = 3;      ///< degree of the nonlinear fit
+    float sdevDzz = 0.4f; ///< scaling of the Dzz and Dyy errors
+    float sdevDyy = 0.9f;
+    float Dzz = 0.0f; ///< principal couplings, Hz
+    float Dyy = 0.0f;
+    float Dxx = 0.0f;
+    int nBins = 0;         ///< bins used
+    float binWidth = 0.0f; ///< width of a bin, Hz
+    float DaFit = 0.0f;    ///< histogram fit result
+    float DaErrFit = 0.0f;
+    float RFit = 0.0f;
+    float RErrFit = 0.0f;
+    int mlMap = 0;        ///< transform couplings in the likelihood search
+    float lDaMl = -25.0f; ///< Da grid: low, high, increment, Hz
+    float hDaMl = -3.0f;
+    float incDaMl = 0.1f;
+    float lRMl = 0.0f; ///< R grid: low, high, increment
+    float hRMl = 0.7f;
+    float incRMl = 0.01f;
+    float DaMl = 0.0f; ///< likelihood result
+    float DaErrMl = 0.0f;
+    float RMl = 0.0f;
+    float RErrMl = 0.0f;
+};
+
+/// Every parameter of a run. Option names stand in the table of driver/params.
+struct TrelmInfo {
+    int validCountD = 0;  ///< couplings that survive selection and mapping
+    int idum = -1;        ///< seed of the random generators
+    int trelmMode = 1;    ///< the mode, 1 to 17
+    int allowFixedDI = 1; ///< use fixed interaction constants when possible, else those of PDB distances
+    int yzFlag = 0;       ///< exchange the ordering of the y and z axes in tensor analysis
+    int lcType = 1;       ///< liquid crystal model: 1 wall, 2 rod, 3 general 3D potential
+    float concentration = 0.05f; ///< liquid crystal concentration
+    float volSample = 515.0f;    ///< sample volume, microlitres
+    float mwLC = 268000.0f;      ///< liquid crystal molecular weight, g/mol
+    float massLC = 0.05f;        ///< liquid crystal mass, g
+    float unitLengthLC = 1.574f; ///< liquid crystal unit height, angstrom
+    float polymerDeg = 1707.0f;  ///< polymerisation degree
+    int densityNSC = 100;        ///< density of orientations on the sphere
+    int digPsiNSC = 18;          ///< number of steps of the third angle
+    float radiusModel = 20.0f;   ///< half model thickness, angstrom
+    float gridSpacing = 0.2f;    ///< angstrom
+    int grid3DnX = 1;            ///< grid positions along each axis of a 3D potential
+    int grid3DnY = 1;
+    int grid3DnZ = 1;
+    float grid3DdeltaX = 0.2f; ///< 3D grid spacing along each axis, angstrom
+    float grid3DdeltaY = 0.2f;
+    float grid3DdeltaZ = 0.2f;
+    float includeRim = 0.0f;    ///< rim inclusion of the wall model
+    float molarRatio = 3.0f;    ///< ratio of the bicelle lipids
+    float lengthModel = 200.0f; ///< length of the model, angstrom
+    float orderDiscRim = 0.25f; ///< disc-to-rim fraction
+    float lcOrder = 0.8f;       ///< liquid crystal order, 0 to 1
+    int Hflag = 0;              ///< 0 drops hydrogens from the simple PDB selection
+    int surfFlag = 1;           ///< select surface accessible atoms
+    float radiusAtom = 0.0f;    ///< angstrom
+    float rSingleCell = 0.0f;   ///< single-cell radius of the wall model, angstrom
+    int opCode = 2;             ///< comparison: 1 add, 2 sub, 3 mul, 4 div, 5 max
+    float c1 = 1.0f;            ///< scale factors of the two operands
+    float c2 = 1.0f;
+    int eulerFlag = 1;    ///< solve for Euler angles
+    int verbFlag = 1;     ///< coupling output in extended format
+    int mapMode = 1;      ///< use only best-fit predictions within experimental errors
+    int spreadMode = 0;   ///< best-fit: 0 single, 1 jack, 2 mcDc, 3 mcStruc, 4 rand, 5 exhaust, 6 exhaustSel
+    int noiseMode = 1;    ///< structural noise on internuclear vectors (1) or dihedral angles (0)
+    float mapFrac = 0.2f; ///< fraction of the coupling data in jackknifing
+    int mapFixCount = 0;  ///< fixed number of couplings in jackknifing
+    int coneFix = 0;      ///< fix the size of the noise cone
+    int coneDig = 360;    ///< digitisation of the cone
+    double coneWidth = 5.0;    ///< standard deviation of the cone angle, degrees
+    int nConeFlag = 1;         ///< adjust structural noise automatically
+    int nConeAdjust = 100;     ///< steps in structural noise determination
+    float nConeStart = 0.0f;   ///< starting structural noise, degrees
+    float nConeInc = 0.25f;    ///< structural noise increment, degrees
+    int mcAdjustFlag = 1;      ///< adjust the scaling of coupling errors automatically
+    int nAdjustMc = 100;       ///< steps in the determination of the error scaling
+    float mcAdjustFrac = 0.7f; ///< required fraction of self-consistent best-fits
+    float kSigma = 1.0f;       ///< scaling factor of the experimental coupling errors
+    float kLSigma = 1.0f;      ///< starting scaling factor
+    float incSigma = 0.2f;     ///< increment of the scaling factor
+    int dcProton = 0;          ///< include proton-proton couplings in conversion
+    int dcID = 500;            ///< tensor molecule id of conversion output
+    int normDc = 0;            ///< normalise couplings in conversion
+    int outFormat = 2;         ///< conversion: 0 xplor, 1 cns, 2 tbl, 3 dyana, 4 trelm, 5 rosetta
+    int dcNoise = 0;           ///< add noise to couplings in conversion
+    int elPdbFlag = 0;         ///< structure analysis treats the PDB as: 0 steric, 1 electrostatic, 2 user
+    int qFlag = 1;             ///< 0 Q from rms, 1 Q from the order matrix, 2 a standard deviation
+    int rotN = 0;              ///< index of the rotation of the PDB, or of a hinge axis
+    int sCount = 30;           ///< selection count, one of the two fields of -nSel
+    int histRan = 1000;        ///< number of random runs of the magnitude analyses
+    int nAaCheck = 1;          ///< used entries of exCheckList
+    std::array<int, maxFixAaList> exCheckList = {}; ///< number of peaks of each amino acid type
+    int nSel = 0;                                   ///< peaks to select for -exhaustSel
+    int dcSelOpt = 1;                               ///< optimise the peak selection
+    int nChainDc = 1;                               ///< used entries of chainDc
+    std::array<std::string, maxMedia> chainDc;      ///< alignment media ids, the segment names in the PDB
+    GridInfo gridInfo;                              ///< domains and ensembles
+    ElInfo elInfo;                                  ///< electrostatics
+    HistInfo histInfo;                              ///< magnitude estimation
+};
+
+/// A field of DcInfo below this counts as unset.
+constexpr int unsetResID = -99999;
+
+/// The window of couplings.
+struct DcInfo {
+    int segFirst = -999999; ///< first residue of the coupling segment
+    int segLast = -999999;  ///< last residue of the segment
+    int segID = 1;          ///< segment id
+    int segStep = 0;        ///< segment step
+    int aFirst = -999999;   ///< first residue in the PDB that corresponds to segFirst
+    int excludeMode = 3;    ///< 1 exclusive, 2 inclusive, 3 inclusive with the maximum range
+};
+
+/// State of an assignment search that its parts share.
+struct SearchState {
+    float Pmax = 0.0f;                 ///< the best score so far
+    int cGlobal = 0;                   ///< assignments seen
+    int idGlobal = 0;                  ///< index of the best
+    int nGlobal = 0;                   ///< used entries of aGlobal
+    std::array<int, 500> aGlobal = {}; ///< the best assignment
+};
+
+/// Restores the defaults. Return 0.
+int trelmInfoNull(TrelmInfo *trelmInfo);
+int dcInfoNull(DcInfo *dcInfo);
+
+/// Before a search: the used entries of aGlobal 0, idGlobal -1, cGlobal 0, Pmax 1.0e8.
+void initializeGlobal(SearchState &search);
+
+/// The progress line of the assignment search, with cGlobal, on the standard error stream.
+void printoutput(const SearchState &search);
+
+/// 1 if the larger of the two residue ids stands among the first nFixAa entries of the list, else 0.
+int chkFixAa(int nFixAa, const int *fixResList, int resIDI, int resIDJ);
+
+/// The fatal exit of the numerical code: three lines on the standard error stream, status 1, no tear-down.
+[[noreturn]] void mzerror(const char *text);
+
+} // namespace trelm

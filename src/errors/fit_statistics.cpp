@@ -1,0 +1,213 @@
+#include "errors/fit_statistics.h"
+
+#include "couplings/fit.h"
+#include "couplings/output.h"
+#include "couplings/tensor.h"
+#include "structure/write.h"
+#include "support/random.h"
+#include "support/statistics.h"
+#include "support/text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <new>
+
+namespace trelm {
+namespace {
+
+constexpr float missing = 999.0f; ///< couplings from here on have no value
+
+/// The weighted pairs of a statistics block and their sums.
+struct Pairs {
+    explicit Pairs(std::size_t rows) : dcNorm("statDC", rows + 1), dcMatrixNorm("statDC", rows + 1) {}
+    Block<float> dcNorm, dcMatrixNorm; ///< measured and calculated, times the calculated entry's weight
+    int nD = 0;
+    double rSumD = 0.0, rSumD2 = 0.0, sumD2 = 0.0;
+};
+
+struct FitBlock {
+    float stdDevD = 0.0f, q = 0.0f, r_stat = 0.0f;
+    float offset = 0.0f, siga = 0.0f, slope = 0.0f, sigb = 0.0f, slopeAve = 0.0f, errSlopeAve = 0.0f;
+};
+
+bool takesPart(const DInfo &observed, const DInfo &calculated)
+{
+    return observed.valid != 0 && calculated.valid != 0 && observed.d < missing && calculated.d < missing;
+}
+
+void collectPairs(const DTable &dTab, Pairs &pairs)
+{
+    for (std::size_t i = 0; i < static_cast<std::size_t>(dTab.dCount); ++i) {
+        const DInfo &o = dTab.dObsList[i];
+        const DInfo &c = dTab.dCalcList[i];
+        if (!takesPart(o, c))
+            continue;
+        const auto pair = static_cast<std::size_t>(pairs.nD++);
+        pairs.dcNorm[pair] = o.d * c.w;
+        pairs.dcMatrixNorm[pair] = c.d * c.w;
+        const double measured = static_cast<double>(pairs.dcNorm[pair]);
+        const double diff = measured - static_cast<double>(pairs.dcMatrixNorm[pair]);
+        pairs.rSumD += diff;
+        pairs.rSumD2 += diff * diff;
+        pairs.sumD2 += measured * measured;
+    }
+}
+
+/// The regressions of a block. The offset is that of the exchanged one, measured on calculated.
+void regress(const Pairs &pairs, FitBlock &block)
+{
+    const auto n = static_cast<std::size_t>(pairs.nD);
+    const auto measured = pairs.dcNorm.span().first(n);
+    const auto calculated = pairs.dcMatrixNorm.span().first(n);
+    block.r_stat = pearsn(measured, calculated).r;
+    const LineFit line = fit(measured, calculated, {}, 0);
+    const LineFit exchanged = fit(calculated, measured, {}, 0);
+    block.slope = line.b;
+    block.sigb = line.sigb;
+    block.offset = exchanged.a;
+    block.siga = exchanged.siga;
+    if (exchanged.b == 0.0f)
+        return;
+    const float error2 = exchanged.sigb / (exchanged.b * exchanged.b);
+    block.slopeAve = (1.0f / exchanged.b + line.b) * 0.5f;
+    block.errSlopeAve = 0.5f * block.slopeAve * std::sqrt(line.sigb * line.sigb + error2 * error2);
+}
+
+void appendBlock(const FitBlock &block, std::string &result)
+{
+    const auto number = [](float value) { return static_cast<double>(value); };
+    result += "\nDATA STATISTICS DC\n";
+    appendf(result, "DATA STATISTICS DC STDDEV_DIFF  %.3f [Hz]\n", number(block.stdDevD));
+    appendf(result, "DATA STATISTICS DC CORR R       %.3f\n", number(block.r_stat));
+    appendf(result, "DATA STATISTICS DC CORNILESCU Q %.3f\n", number(block.q));
+    appendf(result, "DATA STATISTICS DC REGRESSION OFFSET    %.3f +/- %.3f [Hz]\n", number(block.offset),
+            number(block.siga));
+    appendf(result, "DATA STATISTICS DC REGRESSION SLOPE     %.3f +/- %.3f [Hz]\n", number(block.slope),
+            number(block.sigb));
+    appendf(result, "DATA STATISTICS DC REGRESSION BAX SLOPE %.3f +/- %.3f [Hz]\n", number(block.slopeAve),
+            number(block.errSlopeAve));
+    result += "\n";
+}
+
+void listCouplings(const DTable &dTab)
+{
+    std::fputs("resid  [DC type]    predicted    measured     pred. - meas.\n"
+               "-----  ---------    ---------    --------     -------------\n",
+               stderr);
+    for (std::size_t i = 0; i < static_cast<std::size_t>(dTab.dCount); ++i) {
+        const DInfo &o = dTab.dObsList[i];
+        const DInfo &c = dTab.dCalcList[i];
+        if (o.valid != 0)
+            std::fprintf(stderr, "%d        %s        p: %8.2f   m:%8.2f     diff:%7.2f\n", o.resIDI,
+                         o.atomNameI.c_str(), static_cast<double>(c.d), static_cast<double>(o.d),
+                         static_cast<double>(c.d - o.d));
+    }
+}
+
+/// A random place in a list of n. The deviate can round to 1.0, so the place is bounded.
+std::size_t drawPlace(int *idum, std::size_t n)
+{
+    const auto place = static_cast<std::size_t>(ran3(idum) * static_cast<float>(n));
+    return std::min(place, n - 1);
+}
+
+} // namespace
+
+int simDC(PDBInfo *pdbInfo, const PDBSelectInfo *sInfo, DTable *dTab, TrelmInfo *trelmInfo,
+          const char *remark, const std::string &outDName, const std::string &pdbRotName, int verbose)
+{
+    if (fitD(pdbInfo, dTab, verbose) < 0)
+        return 1;
+    Saupe saupe;
+    std::ranges::copy(dTab->dTensor.saupe, saupe.begin());
+    TensorAnalysis analysis;
+    if (analyzeSaupe(saupe, trelmInfo->yzFlag, trelmInfo->eulerFlag, analysis) != 0)
+        return complain("trelm: error in analyzeSaupe.\n");
+    const int written = writeDCmod(outDName, "w", dTab, trelmInfo, "");
+    const EulerLists &euler = analysis.euler;
+    const int turned = writePDBRot(euler.gamma, euler.beta, euler.alpha, trelmInfo->rotN, pdbInfo, sInfo,
+                                   pdbRotName, remark);
+    if (turned != 0)
+        complain("trelm: error in writePDBRot.\n");
+    return written != 0 ? written : turned;
+}
+
+int statDC(const DTable &dTab, std::string &result, int verbose)
+{
+    result.clear();
+    Pairs pairs(static_cast<std::size_t>(dTab.dCount));
+    if (!pairs.dcNorm || !pairs.dcMatrixNorm)
+        return complain("Error allocating temporary buffers.\n");
+    collectPairs(dTab, pairs);
+    FitBlock block;
+    if (pairs.nD != 0) {
+        const double n = pairs.nD;
+        block.stdDevD =
+            static_cast<float>(std::sqrt(std::max(0.0, (pairs.rSumD2 - pairs.rSumD * pairs.rSumD / n) / n)));
+        regress(pairs, block);
+    }
+    if (pairs.sumD2 != 0.0)
+        block.q = static_cast<float>(std::sqrt(pairs.rSumD2 / pairs.sumD2));
+    if (verbose != 0)
+        appendBlock(block, result);
+    if (verbose == 2)
+        listCouplings(dTab);
+    return 0;
+}
+
+int selectDcFrac(int *idum, DTable *dTab, float frac, int fixed)
+{
+    std::vector<std::size_t> indexTab;
+    try {
+        indexTab.reserve(static_cast<std::size_t>(dTab->dCount));
+    } catch (const std::bad_alloc &) {
+        mzerror("allocation failure for indexTab");
+    }
+    for (std::size_t i = 0; i < static_cast<std::size_t>(dTab->dCount); ++i) {
+        if (dTab->dCalcList[i].valid == 0)
+            continue;
+        dTab->dCalcList[i].valid = 0;
+        indexTab.push_back(i);
+    }
+    const float wanted = fixed != 0 ? frac : static_cast<float>(indexTab.size()) * frac;
+    if (!(wanted >= 1.0f) || indexTab.empty())
+        return 0;
+    const std::size_t target =
+        wanted >= static_cast<float>(indexTab.size()) ? indexTab.size() : static_cast<std::size_t>(wanted);
+    for (std::size_t count = 0; count < target;) {
+        int &valid = dTab->dCalcList[indexTab[drawPlace(idum, indexTab.size())]].valid;
+        if (valid != 0)
+            continue; // drawn before
+        valid = 1;
+        ++count;
+    }
+    return static_cast<int>(target);
+}
+
+int selectDcResidue(int *idum, const ResidueCouplings &residues, int sCount, std::vector<float> &coupList,
+                    std::vector<float> &sigmaList, float &rAveDD)
+{
+    const std::size_t nRes = residues.dcMat.size();
+    // More draws than residues would never end.
+    const std::size_t draws = std::min(nRes, static_cast<std::size_t>(std::max(sCount, 0)));
+    std::vector<bool> drawn(nRes, false);
+    float sum = 0.0f;
+    int copied = 0;
+    for (std::size_t count = 0; count < draws;) {
+        const std::size_t k = drawPlace(idum, nRes);
+        if (drawn[k])
+            continue;
+        drawn[k] = true;
+        ++count;
+        coupList.insert(coupList.end(), residues.dcMat[k].begin(), residues.dcMat[k].end());
+        sigmaList.insert(sigmaList.end(), residues.sigMat[k].begin(), residues.sigMat[k].end());
+        for (const float sigma : residues.sigMat[k])
+            sum += sigma;
+        copied += static_cast<int>(residues.dcMat[k].size());
+    }
+    rAveDD = copied > 0 ? sum / static_cast<float>(copied) : 0.0f;
+    return copied;
+}
+
+} // namespace trelm

@@ -1,0 +1,40 @@
+// The plain best-fit, its statistics block, and the selections that error analysis and histograms share.
+#pragma once
+
+#include "couplings/dipolar.h"
+#include "driver/trelm.h"
+#include "structure/select.h"
+
+#include <span>
+#include <string>
+#include <vector>
+
+namespace trelm {
+
+/// One best-fit: fit, coupling table, turned structures. Returns 0, or the status of the failing step after a
+/// message.
+int simDC(PDBInfo *pdbInfo, const PDBSelectInfo *sInfo, DTable *dTab, TrelmInfo *trelmInfo,
+          const char *remark, const std::string &outDName, const std::string &pdbRotName, int verbose);
+
+/// Statistics of measured against calculated couplings as DATA lines. `result` is cleared, and filled if
+/// `verbose` is not 0; verbose 2 also lists the couplings on the standard error stream. Returns 0, or 1 after
+/// a message if there is no memory.
+int statDC(const DTable &dTab, std::string &result, int verbose);
+
+/// Keeps a random part of the valid calculated couplings: the fraction `frac`, or with `fixed` the number
+/// `frac`. Returns how many were kept.
+int selectDcFrac(int *idum, DTable *dTab, float frac, int fixed);
+
+/// Couplings by residue for random selection.
+struct ResidueCouplings {
+    std::vector<std::vector<float>> dcMat;  ///< couplings of each residue, Hz
+    std::vector<std::vector<float>> sigMat; ///< their errors, Hz
+};
+
+/// Draws sCount different residues and appends all their couplings. rAveDD becomes the mean of the copied
+/// errors, 0 without any. sCount must not exceed the number of residues. Returns the number of couplings
+/// copied.
+int selectDcResidue(int *idum, const ResidueCouplings &residues, int sCount, std::vector<float> &coupList,
+                    std::vector<float> &sigmaList, float &rAveDD);
+
+} // namespace trelm

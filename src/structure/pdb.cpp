@@ -1,0 +1,223 @@
+#include "structure/pdb.h"
+
+#include "structure/select.h"
+#include "support/text.h"
+#include "support/text_input.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace trelm {
+namespace {
+
+constexpr std::size_t firstAtoms = 4096; ///< room for atoms at the start, and how it grows
+constexpr std::size_t stepAtoms = 1024;
+
+constexpr int atomChains = 4111; ///< hash chains of the atom table
+
+/// One column range of an ATOM line, counted from 1, inclusive.
+struct pdbFieldInfo {
+    int loc1;
+    int locn;
+};
+
+constexpr pdbFieldInfo fieldAtomID = {7, 11};
+constexpr pdbFieldInfo fieldAtomName = {13, 16};
+constexpr pdbFieldInfo fieldLocID = {17, 17};
+constexpr pdbFieldInfo fieldResName = {18, 21};
+constexpr pdbFieldInfo fieldChainID = {22, 22};
+constexpr pdbFieldInfo fieldResID = {23, 26};
+constexpr pdbFieldInfo fieldIcode = {27, 27};
+constexpr pdbFieldInfo fieldX = {31, 38};
+constexpr pdbFieldInfo fieldY = {39, 46};
+constexpr pdbFieldInfo fieldZ = {47, 54};
+constexpr pdbFieldInfo fieldOccupancy = {55, 60};
+constexpr pdbFieldInfo fieldTempFactor = {61, 66};
+constexpr pdbFieldInfo fieldSegID = {73, 76};
+constexpr pdbFieldInfo fieldElement = {77, 78};
+constexpr pdbFieldInfo fieldCharge = {79, 80};
+
+/// The characters of a column that are not white space; a name so does not depend on how it was justified. A
+/// line that ends before the column gives the empty text. No column is wider than a name.
+Name column(std::string_view line, const pdbFieldInfo &field)
+{
+    Name text;
+    std::size_t length = 0;
+    const std::size_t end = std::min(line.size(), static_cast<std::size_t>(field.locn));
+    for (std::size_t i = static_cast<std::size_t>(field.loc1) - 1; i < end; ++i)
+        if (!isSpace(line[i]))
+            text.text[length++] = line[i];
+    return text;
+}
+
+float number(std::string_view line, const pdbFieldInfo &field)
+{
+    return static_cast<float>(toDouble(column(line, field).view()));
+}
+
+std::string_view firstWord(std::string_view line)
+{
+    const auto *start = std::find_if_not(line.begin(), line.end(), isSpace);
+    return {start, std::find_if(start, line.end(), isSpace)};
+}
+
+bool isAtomLine(std::string_view line, int hetatmFlag)
+{
+    const std::string_view word = firstWord(line);
+    return equalNoCase(word, "ATOM") || (hetatmFlag != 0 && equalNoCase(word, "HETATM"));
+}
+
+/// The fields that a selection looks at, so that a line can be passed over before the rest is read.
+void readNames(std::string_view line, AtomInfo &atom)
+{
+    atom.resID = toInt(column(line, fieldResID).view());
+    atom.atomName = column(line, fieldAtomName);
+    atom.resName = column(line, fieldResName);
+    atom.locID = column(line, fieldLocID);
+    atom.chainID = column(line, fieldChainID);
+    atom.segID = column(line, fieldSegID);
+    atom.icode = column(line, fieldIcode);
+}
+
+int readNumbers(std::string_view line, AtomInfo &atom)
+{
+    atom.atomID = toInt(column(line, fieldAtomID).view());
+    atom.x = number(line, fieldX);
+    atom.y = number(line, fieldY);
+    atom.z = number(line, fieldZ);
+    atom.occupancy = number(line, fieldOccupancy);
+    atom.tempFactor = number(line, fieldTempFactor);
+    atom.element = column(line, fieldElement);
+    atom.chargeStr = column(line, fieldCharge);
+    if (!std::isfinite(atom.x) || !std::isfinite(atom.y) || !std::isfinite(atom.z))
+        return complain("PDB Error: the coordinates of atom %d are no finite numbers.\n", atom.atomID);
+    return 0;
+}
+
+int appendAtom(const AtomInfo &atom, PDBInfo &pdbInfo)
+{
+    const auto count = static_cast<std::size_t>(pdbInfo.atomCount);
+    if (!makeRoom(pdbInfo.atomList, "pdb", count, firstAtoms, stepAtoms))
+        return complain("PDB Error Allocating Atom memory.\n");
+    pdbInfo.atomList[count] = atom;
+    pdbInfo.minResID = count == 0 ? atom.resID : std::min(pdbInfo.minResID, atom.resID);
+    pdbInfo.maxResID = count == 0 ? atom.resID : std::max(pdbInfo.maxResID, atom.resID);
+    ++pdbInfo.atomCount;
+    return 0;
+}
+
+int readAtoms(TextInput &input, PDBInfo &pdbInfo, const PDBSelectInfo *sInfo)
+{
+    const int hetatmFlag = sInfo != nullptr ? sInfo->hetatmFlag : 0;
+    for (std::string_view line; fgetsAlloc(input, line);) {
+        if (!isAtomLine(line, hetatmFlag))
+            continue;
+        AtomInfo atom;
+        readNames(line, atom);
+        if (pdbSelectTest(sInfo, &atom) == 0)
+            continue;
+        if (readNumbers(line, atom) != 0 || appendAtom(atom, pdbInfo) != 0)
+            return 1;
+    }
+    return 0;
+}
+
+int makeTables(PDBInfo &pdbInfo)
+{
+    if (hSymTabAlloc(pdbInfo.atomTab, atomChains) != 0 || hSymTabAlloc(pdbInfo.resTab, 0) != 0 ||
+        hSymTabAlloc(pdbInfo.chainTab, 0) != 0 || hSymTabAlloc(pdbInfo.segTab, 0) != 0)
+        return complain("PDB Error creating object tables.\n");
+    return 0;
+}
+
+constexpr ResTypeInfo residueRows[] = {
+    {"ALA", 'A', 1, 1},    {"ARG", 'R', 2, 1},    {"ASN", 'N', 3, 1},    {"ASP", 'D', 4, 1},
+    {"CYS", 'C', 5, 1},    {"GLN", 'Q', 6, 1},    {"GLU", 'E', 7, 1},    {"GLY", 'G', 8, 1},
+    {"HIS", 'H', 9, 1},    {"ILE", 'I', 10, 1},   {"LEU", 'L', 11, 1},   {"LYS", 'K', 12, 1},
+    {"MET", 'M', 13, 1},   {"PHE", 'F', 14, 1},   {"PRO", 'P', 15, 1},   {"SER", 'S', 16, 1},
+    {"THR", 'T', 17, 1},   {"TRP", 'W', 18, 1},   {"TYR", 'Y', 19, 1},   {"VAL", 'V', 20, 1},
+    {"ADE", 'A', 101, 2},  {"CYT", 'C', 102, 2},  {"GUA", 'G', 103, 2},  {"THY", 'T', 104, 2},
+    {"URI", 'U', 105, 2},  {"dADE", 'A', 101, 3}, {"dCYT", 'C', 102, 3}, {"dGUA", 'G', 103, 3},
+    {"dTHY", 'T', 104, 3}, {"rADE", 'A', 301, 4}, {"rCYT", 'C', 302, 4}, {"rGUA", 'G', 303, 4},
+    {"rURI", 'T', 304, 4}, // the letter of rURI stands as it is
+    {"None", '\0', 0, 0},
+};
+
+} // namespace
+
+const std::span<const ResTypeInfo> CanonicalResList = residueRows;
+
+int pdbNull(PDBInfo *pdbInfo)
+{
+    *pdbInfo = PDBInfo{};
+    return 0;
+}
+
+int readPDB(const std::string &pdbName, PDBInfo *pdbInfo, const PDBSelectInfo *sInfo)
+{
+    pdbNull(pdbInfo);
+    if (makeTables(*pdbInfo) != 0)
+        return 1;
+    TextInput input;
+    const TextStatus status = readText(input, pdbName);
+    if (status == TextStatus::noFile)
+        return complain("PDB Error opening PDB file %s\n", pdbName.c_str());
+    if (status != TextStatus::read || readAtoms(input, *pdbInfo, sInfo) != 0)
+        return 1;
+    if (indexPDB(pdbInfo) != 0)
+        return complain("PDB Error Indexing PDB File %s\n", pdbName.empty() ? "(stdin)" : pdbName.c_str());
+    return 0;
+}
+
+std::size_t pdbStrCpy(Name &dest, std::string_view src)
+{
+    const std::string_view kept = src.substr(0, Name::capacity);
+    dest = Name{};
+    std::copy(kept.begin(), kept.end(), dest.text);
+    if (kept.size() < src.size())
+        complain("PDB Error: string item too long: %s\n", std::string(src.substr(kept.size())).c_str());
+    return kept.size();
+}
+
+namespace {
+
+int blankName(Name &name)
+{
+    if (name.empty())
+        return 0;
+    if (!(name == "{}") && !equalNoCase(name.view(), "none") && !equalNoCase(name.view(), "(Null)"))
+        return 0;
+    name = Name{};
+    return 1;
+}
+
+} // namespace
+
+int fixAtomName(Name &name)
+{
+    return blankName(name);
+}
+int fixResName(Name &name)
+{
+    return blankName(name);
+}
+int fixChainName(Name &name)
+{
+    return blankName(name);
+}
+int fixSegName(Name &name)
+{
+    return blankName(name);
+}
+
+int getPDBWarn()
+{
+    return 0;
+}
+int getPDBVerb()
+{
+    return 0;
+}
+
+} // namespace trelm

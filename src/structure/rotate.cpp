@@ -1,0 +1,64 @@
+#include "structure/rotate.h"
+
+#include "support/text.h"
+
+#include <cmath>
+
+namespace trelm {
+
+void rotate_coorsystem(double theta, double phi, double psi, Axis &x_axis_tensor, Axis &y_axis_tensor,
+                       Axis &z_axis_tensor)
+{
+    const double cosPhi = std::cos(phi), sinPhi = std::sin(phi);
+    const double cosTheta = std::cos(theta), sinTheta = std::sin(theta);
+    const double cosPsi = std::cos(psi), sinPsi = std::sin(psi);
+    x_axis_tensor = {cosPhi * cosTheta * cosPsi - sinPhi * sinPsi,
+                     -cosPhi * cosTheta * sinPsi - sinPhi * cosPsi, cosPhi * sinTheta};
+    y_axis_tensor = {sinPhi * cosTheta * cosPsi + cosPhi * sinPsi,
+                     -sinPhi * cosTheta * sinPsi + cosPhi * cosPsi, sinPhi * sinTheta};
+    z_axis_tensor = {-sinTheta * cosPsi, sinTheta * sinPsi, cosTheta};
+}
+
+int rotateDomain(const std::array<double, 3> &angle, PDBInfo *pdbInfo, int resN, int resC)
+{
+    constexpr double radian = 3.14159265 / 180.0;
+    Axis x, y, z;
+    // The columns of the turn by the negated angles are the rows of the turn itself.
+    rotate_coorsystem(-angle[1] * radian, -angle[2] * radian, -angle[0] * radian, x, y, z);
+    for (AtomInfo &atom : pdbInfo->atoms()) {
+        if (atom.resID > resC)
+            break;
+        if (atom.resID < resN)
+            continue;
+        const Axis old = {static_cast<double>(atom.x), static_cast<double>(atom.y),
+                          static_cast<double>(atom.z)};
+        atom.x = static_cast<float>(old[0] * x[0] + old[1] * x[1] + old[2] * x[2]);
+        atom.y = static_cast<float>(old[0] * y[0] + old[1] * y[1] + old[2] * y[2]);
+        atom.z = static_cast<float>(old[0] * z[0] + old[1] * z[1] + old[2] * z[2]);
+    }
+    return 0;
+}
+
+int shiftMol2Domain(PDBInfo *pdbInfo, int resN, int resC)
+{
+    DCoord3D mean;
+    int count = 0;
+    for (const AtomInfo &atom : pdbInfo->atoms()) {
+        if (atom.resID < resN || atom.resID > resC)
+            continue;
+        mean.x += static_cast<double>(atom.x);
+        mean.y += static_cast<double>(atom.y);
+        mean.z += static_cast<double>(atom.z);
+        ++count;
+    }
+    if (count == 0)
+        return complain("Error in positionDomain: zero atoms selected.");
+    for (AtomInfo &atom : pdbInfo->atoms()) {
+        atom.x = static_cast<float>(static_cast<double>(atom.x) - mean.x / count);
+        atom.y = static_cast<float>(static_cast<double>(atom.y) - mean.y / count);
+        atom.z = static_cast<float>(static_cast<double>(atom.z) - mean.z / count);
+    }
+    return 0;
+}
+
+} // namespace trelm

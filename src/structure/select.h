@@ -1,0 +1,49 @@
+// Atom selection: criteria in a record, applied by writing an ID into each atom.
+#pragma once
+
+#include "structure/pdb.h"
+
+#include <string>
+#include <string_view>
+
+namespace trelm {
+
+/// The criteria of a selection. Match modes: 0 no test, 1 exact, 2 regular expression, 3 glob.
+struct PDBSelectInfo {
+    int res1 = 0, resN = 0; ///< residue range
+    std::string resNameList = "*", atomNameList = "*", chainNameList = "*",
+                segNameList = "*"; ///< blank-separated
+    int resNameCount = 1, atomNameCount = 1, chainNameCount = 1, segNameCount = 1;
+    int resIDMode = 0; ///< 1 tests res1..resN
+    int resNameMode = 0, atomNameMode = 1, chainNameMode = 0, segNameMode = 0;
+    int selectID = 1;    ///< value written to marked atoms
+    int selectMode = 1;  ///< 0 clear all, 1 set all, 2 select by the criteria, -1 with inverted sense
+    int selectClass = 1; ///< 1 all residues, 4 canonical amino acids only
+    int hetatmFlag = 0;
+    int dbgFlag = 0;
+};
+
+/// Restores the defaults. Returns 0.
+int pdbSelectNull(PDBSelectInfo *sInfo);
+
+/// Puts res1 and resN in order, counts the lists, and switches off the test of a list that is exactly "*".
+void pdbSelectAdjust(PDBSelectInfo &sInfo);
+
+/// Applies the record to the molecule. The selecting modes only add marks. Returns the number of atoms
+/// marked.
+int pdbSelect(PDBInfo *pdbInfo, PDBSelectInfo *sInfo);
+
+/// One-shot selection of atoms by name. The range is honoured on a molecule of one chain only. Returns as
+/// pdbSelect.
+int pdbSelect1(PDBInfo *pdbInfo, int res1, int resN, std::string_view atomNameList, int selectID,
+               int matchMode);
+
+/// 1 if the atom is in, 0 if not; a null record takes every atom.
+int pdbSelectTest(const PDBSelectInfo *sInfo, const AtomInfo *atomInfo);
+
+/// Write a mark, 0 or a null pointer to every atom. Return the atom count.
+int pdbSetSelection(PDBInfo *pdbInfo, int selectID);
+int pdbClearSelection(PDBInfo *pdbInfo);
+int pdbClearAuxInfo(PDBInfo *pdbInfo);
+
+} // namespace trelm

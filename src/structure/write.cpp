@@ -1,0 +1,135 @@
+#include "structure/write.h"
+
+#include "structure/rotate.h"
+#include "structure/select.h"
+#include "support/output_file.h"
+#include "support/text.h"
+
+#include <algorithm>
+
+namespace trelm {
+namespace {
+
+enum class Written { whole, notOpened, cut };
+
+/// The first character of a name, a blank for an empty one.
+char firstOf(const Name &name)
+{
+    return name.empty() ? ' ' : name.text[0];
+}
+
+void appendAtom(std::string &text, const AtomInfo &atom)
+{
+    // A name of up to three characters stands one column to the right.
+    const bool isLong = atom.atomName.view().size() > 3;
+    appendf(text, isLong ? "%s%5d %-4s" : "%s%5d  %-3s", "ATOM  ", atom.atomID, atom.atomName.c_str());
+    appendf(text, "%1c%-4s%1c%4d%1c   % 8.3f% 8.3f% 8.3f%6.2f%6.2f      %4s%2s%2s\n", firstOf(atom.locID),
+            atom.resName.c_str(), firstOf(atom.chainID), atom.resID, firstOf(atom.icode),
+            static_cast<double>(atom.x), static_cast<double>(atom.y), static_cast<double>(atom.z),
+            static_cast<double>(atom.occupancy), static_cast<double>(atom.tempFactor), atom.segID.c_str(),
+            atom.element.c_str(), atom.chargeStr.c_str());
+}
+
+Written writeFile(const std::string &pdbName, PDBInfo &pdbInfo, const PDBSelectInfo *sInfo,
+                  const char *remark)
+{
+    OutFile out;
+    if (openOut(out, pdbName, "w") != 0) {
+        complain("PDB Error opening PDB file %s\n", pdbName.c_str());
+        return Written::notOpened;
+    }
+    std::string text;
+    if (remark != nullptr)
+        appendf(text, "REMARK %s\n\n", remark);
+    for (const AtomInfo &atom : pdbInfo.atoms())
+        if (pdbSelectTest(sInfo, &atom) != 0)
+            appendAtom(text, atom);
+    text += "END\n";
+    writeOut(out, text);
+    return closeOut(out) == 0 ? Written::whole : Written::cut;
+}
+
+/// Turns the molecule and puts its mean at the origin.
+int turnMolecule(const std::array<double, 3> &angle, PDBInfo *pdbInfo)
+{
+    if (rotateDomain(angle, pdbInfo, pdbInfo->minResID, pdbInfo->maxResID) != 0)
+        return complain("trelm: error in rotateDomain.");
+    if (shiftMol2Domain(pdbInfo, pdbInfo->minResID, pdbInfo->maxResID) != 0)
+        return complain("trelm: error in shiftMol2Domain.\n");
+    return 0;
+}
+
+/// The files of one solution: the plain name if it is the chosen one, and the numbered name. A numbered file
+/// that cannot be opened is told and passed over, one that could not be written to its end is a failure.
+int writeSolution(int i, int rotID, PDBInfo *pdbInfo, const PDBSelectInfo *sInfo, const std::string &outName,
+                  const char *remark)
+{
+    int status = 0;
+    if (i == rotID && !outName.empty())
+        status = writePDB(outName, pdbInfo, sInfo, remark);
+    const std::string numbered = outName + "." + std::to_string(i);
+    if (writeFile(numbered, *pdbInfo, sInfo, remark) == Written::cut)
+        status = 1;
+    return status;
+}
+
+} // namespace
+
+int storePDBCoords(PDBInfo *pdbInfo)
+{
+    if (pdbInfo == nullptr || !pdbInfo->coordList)
+        return 0;
+    std::ranges::transform(pdbInfo->atoms(), pdbInfo->coordList.data(), [](const AtomInfo &atom) {
+        return Coord3D{atom.x, atom.y, atom.z};
+    });
+    return 0;
+}
+
+int restorePDBCoords(PDBInfo *pdbInfo)
+{
+    if (pdbInfo == nullptr || !pdbInfo->coordList)
+        return 0;
+    const Coord3D *saved = pdbInfo->coordList.data();
+    for (AtomInfo &atom : pdbInfo->atoms()) {
+        atom.x = saved->x;
+        atom.y = saved->y;
+        atom.z = saved->z;
+        ++saved;
+    }
+    return 0;
+}
+
+void pdbCopyCoords(std::span<Coord3D> dest, std::span<const Coord3D> src)
+{
+    std::ranges::copy(src, dest.begin());
+}
+
+int writePDB(const std::string &pdbName, PDBInfo *pdbInfo, const PDBSelectInfo *sInfo, const char *remark)
+{
+    if (pdbInfo == nullptr)
+        return 0;
+    return writeFile(pdbName, *pdbInfo, sInfo, remark) == Written::whole ? 0 : 1;
+}
+
+int writePDBRot(std::span<const double, 4> angleList1, std::span<const double, 4> angleList2,
+                std::span<const double, 4> angleList3, int rotID, PDBInfo *pdbInfo,
+                const PDBSelectInfo *sInfo, const std::string &outName, const char *remark)
+{
+    int status = 0;
+    for (std::size_t i = 0; i < 4; ++i) {
+        if (storePDBCoords(pdbInfo) != 0)
+            return complain("trelm: error in storePDBCoords.\n");
+        const int turned = turnMolecule({-angleList1[i], -angleList2[i], -angleList3[i]}, pdbInfo);
+        if (turned == 0) {
+            const int written = writeSolution(static_cast<int>(i), rotID, pdbInfo, sInfo, outName, remark);
+            status = status != 0 ? status : written;
+        }
+        if (restorePDBCoords(pdbInfo) != 0)
+            return complain("trelm: error in storePDBCoords.\n");
+        if (turned != 0)
+            return turned;
+    }
+    return status;
+}
+
+} // namespace trelm

@@ -1,0 +1,23 @@
+// Eigenvalues of symmetric 3 by 3 matrices by cyclic Jacobi rotations.
+#pragma once
+
+#include <array>
+
+namespace trelm {
+
+using Matrix3f = std::array<float, 9>;  ///< row-major
+using Matrix3d = std::array<double, 9>; ///< row-major
+
+/// Eigenvalues dd and eigenvectors (columns of vv), single precision, not sorted. Returns 0, or 1 after 50
+/// sweeps.
+int diag3By3(const Matrix3f &aOrig, std::array<float, 3> &dd, Matrix3f &vv);
+
+/// Sorts so that magnitudes rise, ties exchanged too, each exchange negating a column so that the frame keeps
+/// its handedness; then transposes the vectors: rows of vOrig.
+void eigsrt3By3NegRevTP(std::array<float, 3> &dOrig, Matrix3f &vOrig);
+
+/// Eigenvalues d and eigenvectors (columns of v), double precision, not sorted; nrot counts rotations. After
+/// 50 sweeps it reports "Too many iterations in routine jacobi" and returns.
+void jacobimz(const Matrix3d &a, std::array<double, 3> &d, Matrix3d &v, int &nrot);
+
+} // namespace trelm

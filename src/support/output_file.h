@@ -1,0 +1,32 @@
+// A result file that is written to its end, or the user hears of it.
+#pragma once
+
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+namespace trelm {
+
+/// A result file. Owns its stream, unless the name was empty: then it is standard output, never closed.
+struct OutFile {
+    std::FILE *fp = stdout;
+    std::string name;
+
+    OutFile() = default;
+    OutFile(const OutFile &) = delete;
+    OutFile &operator=(const OutFile &) = delete;
+    ~OutFile(); // a road of failure: closed, not judged
+};
+
+/// Opens a file with an fopen mode; an empty name is standard output. Returns 0, or 1 if it cannot be opened:
+/// the message is the caller's, and `out` is then standard output.
+[[nodiscard]] int openOut(OutFile &out, const std::string &name, const char *access);
+
+/// Writes a text. What the stream says is asked at the close.
+void writeOut(OutFile &out, std::string_view text);
+
+/// Ends the road of success: flushes, closes what is owned, and returns 0. If anything could not be written
+/// to its end it prints "Error writing %s.\n" on the standard error stream and returns 1.
+[[nodiscard]] int closeOut(OutFile &out);
+
+} // namespace trelm

@@ -1,0 +1,73 @@
+// A chained symbol table: names to values, hashed. Of equal names the latest is found first.
+#pragma once
+
+#include "driver/alloc.h"
+
+#include <cstddef>
+#include <string_view>
+
+namespace trelm {
+
+constexpr int symInt = 1; ///< value types
+constexpr int symFloat = 2;
+constexpr int symIndex = 3; ///< the place of a record in its list
+
+/// A value.
+struct HValInfo {
+    int type = 0;
+    long length = 0;
+    union {
+        double d = 0.0;
+        float f;
+        int i;
+    };
+};
+
+/// A symbol. Links are places in the table's symbol list, -1 for none.
+struct HSymInfo {
+    std::size_t nameStart = 0; ///< in the table's text store
+    std::size_t nameLength = 0;
+    int id = 0; ///< serial number, unique in the whole run
+    HValInfo val;
+    int next = -1;
+    int prev = -1;
+};
+
+/// A table. It owns its symbols and gives them back at its end. The number of chains grows with the number of
+/// symbols, so that a look-up costs the same in a table of any size.
+struct HTabInfo {
+    int hashLength = 0; ///< chains; 0: the table is not made yet
+    int symbolCount = 0;
+    Block<int> base; ///< head of each chain, -1 for an empty one
+    Block<HSymInfo> symbols;
+    Block<char> names;
+    std::size_t namesUsed = 0;
+};
+
+/// Makes a table of `length` chains, or 253 if length is below 1. Returns 0, or 1 after a message.
+int hSymTabAlloc(HTabInfo &hTab, int length);
+
+/// The symbol of a name, or null. Pointers to symbols hold until the next one is added.
+HSymInfo *hFindSym(std::string_view name, HTabInfo &hTab);
+
+/// Adds a symbol, even if the name is there. Null after a message if there is no memory.
+HSymInfo *hAddSym(std::string_view name, int type, HTabInfo &hTab);
+
+/// Finds or adds. A symbol of another type comes back as it is, after a notice.
+HSymInfo *hFindOrAddSym(std::string_view name, int type, HTabInfo &hTab);
+
+/// Stores a float under a name. Returns 0 or 1.
+int hSetSymFlt(std::string_view name, float val, HTabInfo &hTab);
+
+/// The name of a symbol; its place behind the head of its chain; the greatest such place in the table.
+std::string_view hSymName(const HSymInfo &symbol, const HTabInfo &hTab);
+int hSymDepth(const HSymInfo &symbol, const HTabInfo &hTab);
+int hMaxDepth(const HTabInfo &hTab);
+
+/// Releases everything the table owns.
+void hSymTabFree(HTabInfo &hTab);
+
+/// The PJW hash of a name, before it is taken modulo the number of chains.
+unsigned hashName(std::string_view name);
+
+} // namespace trelm

@@ -1,0 +1,43 @@
+// Text under construction, messages, and the small string helpers.
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace trelm {
+
+/// Appends printf-style to a text.
+[[gnu::format(printf, 2, 3)]] void appendf(std::string &text, const char *format, ...);
+
+/// Prints one message on the standard error stream. Returns 1, so that a check reads `return complain(...)`.
+[[gnu::format(printf, 1, 2), gnu::cold]] int complain(const char *format, ...);
+
+/// Reports an error of the numerical code on the standard error stream, in two lines, and returns: the run
+/// goes on.
+void nrerror(const char *message);
+
+/// True if the texts are equal, capitals or not (letters a to z only).
+bool equalNoCase(std::string_view a, std::string_view b);
+
+/// White space as the C locale has it: blank, tab, newline, carriage return, vertical tab, form feed.
+constexpr bool isSpace(char c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+/// Raises "a" to "z" to capitals in place.
+void raiseStr(std::string &text);
+
+/// The number at the start of a text, in the manner of atoi and atof: 0 where there is none, and what follows
+/// the number is ignored. An integer beyond the range of int becomes its nearest limit.
+int toInt(std::string_view text);
+double toDouble(std::string_view text);
+
+/// The decimal form of a value with its terminator, in at most text.size() characters. Returns the number of
+/// characters without the terminator. A size below 1 writes nothing and returns 0; a size of 1, or more
+/// digits than size - 1 (63 at the most), leaves an empty text and returns 0. The minus sign is not counted
+/// in that test, but a text it has no room in is left empty too.
+int intToStr(int value, std::span<char> text);
+
+} // namespace trelm

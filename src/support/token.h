@@ -1,0 +1,34 @@
+// Words of a line. Words are separated by white space and counted from 1.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+namespace trelm {
+
+/// 1 after a token call that failed, else 0.
+extern int badToken;
+
+/// The number of words of a text.
+int cntToken(std::string_view text);
+
+/// Word number n; the empty text, with badToken set, if there is none. It is a view into `text`.
+std::string_view getToken(int n, std::string_view text);
+
+/// Word number n as an integer or a number, by "%d" and "%f"; 0, with badToken set, if there is none.
+int getTokenI(int n, std::string_view text);
+float getTokenR(int n, std::string_view text);
+
+/// All words of a text at once, for readers of long rows: one pass over the line.
+void splitTokens(std::string_view text, std::vector<std::string_view> &words);
+
+/// A whole word as "%d", "%f" or "%lf" read it: the number at its start. Returns false, with 0, if there is
+/// none. An integer beyond the range of int becomes its nearest limit, a real one infinite or 0. As with the
+/// conversions named, the words "inf" and "nan" are numbers: a caller that turns a value into an int tests
+/// it.
+bool wordToInt(std::string_view word, int &value);
+bool wordToFloat(std::string_view word, float &value);
+bool wordToDouble(std::string_view word, double &value);
+
+} // namespace trelm

@@ -1,0 +1,305 @@
+#include "couplings/dipolar.h"
+#include "couplings/interaction.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <fstream>
+
+#include <unistd.h>
+
+namespace trelm {
+namespace {
+
+using ::testing::HasSubstr;
+
+const std::string ubiquitin = std::string(TRELM_EXAMPLES) + "/ubiquitin/";
+
+constexpr const char *shortHead =
+    "VARS RESID_I ATOMNAME_I RESID_J ATOMNAME_J D DD\nFORMAT %d %s %d %s %f %f\n";
+
+/// A file with this text in the folder for temporary files.
+std::string fileOf(const std::string &text)
+{
+    const std::string name = ::testing::TempDir() + "dipolar_test_" + std::to_string(::getpid()) + ".txt";
+    std::ofstream(name, std::ios::binary) << text;
+    return name;
+}
+
+/// Reads a table from its text; `err` gets what was said.
+int readText(const std::string &text, DTable &table, std::string &err)
+{
+    ::testing::internal::CaptureStderr();
+    const int status = readDC(fileOf(text), &table);
+    err = ::testing::internal::GetCapturedStderr();
+    return status;
+}
+
+PDBInfo readUbiquitin()
+{
+    PDBInfo pdb;
+    EXPECT_EQ(readPDB(ubiquitin + "1d3z_model1.pdb", &pdb, nullptr), 0);
+    return pdb;
+}
+
+TEST(FindVariableDI, TakesTheDistanceThatThePairAndTheOptionSay)
+{
+    struct {
+        const char *why;
+        int resI;
+        const char *atomI;
+        int resJ;
+        const char *atomJ;
+        int allowFixed;
+        float rIJ; ///< expected distance; the one handed in is 2.0
+        int fixedFlag;
+    } constexpr rows[] = {
+        {"proton first", 7, "H", 7, "N", 1, 1.041f, 1},
+        {"nitrogen first, old name", 7, "N", 7, "HN", 1, 1.041f, 1},
+        {"nitrogen first, new name", 7, "N", 7, "H", 1, 2.0f, 0},
+        {"option off", 7, "H", 7, "N", 0, 2.0f, 0},
+        {"other residue", 7, "H", 8, "N", 1, 2.0f, 0},
+        {"second alpha proton", 7, "CA", 7, "HA2", 1, 1.107f, 1},
+        {"third one has no value", 7, "CA", 7, "HA3", 1, 2.0f, 0},
+        {"across the peptide bond", 5, "H", 4, "C", 1, 2.085f, 1},
+        {"carbonyl first", 4, "C", 5, "HN", 1, 2.085f, 1},
+        {"the wrong way round", 4, "HN", 5, "C", 1, 2.0f, 0},
+        {"peptide bond", 5, "N", 4, "C", 1, 1.329f, 1},
+        {"numbers at the limits do not wrap", INT_MIN, "C", INT_MAX, "N", 1, 2.0f, 0},
+    };
+    const auto ratio = [](char letter) {
+        return letter == 'H' ? 2.675198e8 : letter == 'N' ? -2.7116e7 : 6.7283e7;
+    };
+    for (const auto &row : rows) {
+        float di = 1.0f;
+        int flag = -1;
+        EXPECT_EQ(findVariableDI(2.0f, {row.resI, "ALA", row.atomI}, {row.resJ, "ALA", row.atomJ}, di, flag,
+                                 row.allowFixed),
+                  0);
+        const double r = row.rIJ;
+        const double expected = ratio(row.atomI[0]) * ratio(row.atomJ[0]) * 3.356809e-12 / (r * r * r);
+        EXPECT_NEAR(di, expected, 1.0e-6 * std::fabs(expected)) << row.why;
+        EXPECT_EQ(flag, row.fixedFlag) << row.why;
+    }
+}
+
+TEST(FindVariableDI, TellsOfAnAtomItDoesNotKnow)
+{
+    struct {
+        const char *atom;
+        int status;
+    } constexpr rows[] = {{"1HB", 0}, {"2D", 0}, {"ZN", 1}, {"ca", 1}, {"", 1}, {"1", 1}};
+    for (const auto &row : rows) {
+        float di = 0.0f;
+        int flag = 0;
+        ::testing::internal::CaptureStderr();
+        EXPECT_EQ(findVariableDI(1.0f, {1, "X", row.atom}, {1, "X", "C"}, di, flag, 1), row.status)
+            << row.atom;
+        const std::string told = ::testing::internal::GetCapturedStderr();
+        EXPECT_EQ(told.empty(), row.status == 0) << row.atom;
+        EXPECT_TRUE(std::isfinite(di));
+    }
+}
+
+TEST(ReadDC, LeavesTheTableAloneWithoutAFile)
+{
+    DTable table;
+    table.dMinRes = 3;
+    EXPECT_EQ(readDC("", &table), 0);
+    EXPECT_EQ(readDC("nOnE", &table), 0);
+    EXPECT_EQ(table.dCount, 0);
+    EXPECT_EQ(table.dMinRes, 3);
+}
+
+TEST(ReadDC, FillsRowsFromColumnsAndDefaults)
+{
+    DTable table;
+    std::string err;
+    const std::string text =
+        "VARS RESID_I ATOMNAME_I RESID_J ATOMNAME_J CHAINNAME_J D DI INDEX\n"
+        "FORMAT %d %s %d %s %s %f %f %d\nNULLVALUE -999\n"
+        "5 H 5 N none 1.5 7.0 12\n 6 HB# 9 N {} -999 7.0 13\n 7 HB* 7 HG* A 900.0 7.0 14\n";
+    ASSERT_EQ(readText(text, table, err), 0) << err;
+    ASSERT_EQ(table.dCount, 3);
+    const auto rows = table.observed();
+    EXPECT_NEAR(rows[0].di, -21585.196f, 0.01f); // the column does not count for a pair of fixed distance
+    EXPECT_EQ(rows[0].diFixedFlag, 1);
+    EXPECT_EQ(rows[1].di, 7.0f);
+    EXPECT_EQ(rows[1].d, noCoupling);
+    EXPECT_EQ(rows[1].id, 13);
+    EXPECT_EQ(rows[1].sigma, 1.0f);
+    EXPECT_EQ(rows[1].w, 1.0f);
+    EXPECT_TRUE(rows[0].chainNameJ.empty());
+    EXPECT_EQ(table.nullChainName, 0); // for the sake of the last row
+    EXPECT_EQ(table.nullSegName, 1);
+    EXPECT_EQ(table.dMinRes, 5);
+    EXPECT_EQ(table.dMaxRes, 9);
+    EXPECT_EQ(table.maxCount, 1 + 9 + 81);
+    EXPECT_EQ(table.work.length(), 91u * 12u + 12u);
+    EXPECT_EQ(selectD(rows, -100, 100, 1), 2); // the row without a value is never valid, 900.0 is
+    EXPECT_EQ(rows[1].valid, 0);
+}
+
+TEST(ReadDC, RefusesWhatIsNoTableOfNumbers)
+{
+    const std::string head = shortHead;
+    struct {
+        const char *why;
+        std::string text;
+        const char *message;
+    } const rows[] = {
+        {"no number", head + "5 H 5 N 1 1\n6 H 6 N nan 1\n", "D is no finite number in row 2 of"},
+        {"infinite", head + "5 H 5 N 1e60 1\n", "D is no finite number in row 1 of"},
+        {"infinite error", head + "5 H 5 N 1 inf\n", "DD is no finite number in row 1 of"},
+        {"negative error", head + "5 H 5 N 1 1\n5 H 5 N 1 -0.5\n", "DD is negative (-0.5) in row 2 of"},
+        {"text column", "VARS RESID_I D\nFORMAT %d %s\n5 1.5\n", "column D of"},
+        {"no rows", head, "RdTable Error: no entries in"},
+        {"last atom unknown", head + "5 H 5 N 1 1\n5 H 5 ZN 1 1\n",
+         "Dipolar Interaction - Unknown atom ZN.\n"},
+    };
+    for (const auto &row : rows) {
+        DTable table;
+        std::string err;
+        EXPECT_NE(readText(row.text, table, err), 0) << row.why;
+        EXPECT_THAT(err, HasSubstr(row.message)) << row.why;
+    }
+    DTable table;
+    std::string err; // an unknown atom in any other row is told, and the run goes on
+    EXPECT_EQ(readText(head + "5 H 5 ZN 1 1\n5 H 5 N 1 1\n", table, err), 0);
+    EXPECT_EQ(err, "Dipolar Interaction - Unknown atom ZN.\n");
+}
+
+TEST(ReadDC, KeepsResidueNumbersInRange)
+{
+    DTable table;
+    std::string err;
+    const std::string text =
+        std::string(shortHead) + "99999999999 C 1 N 1 1\n-99999999999 C 2147483647 N 1 1\n";
+    EXPECT_EQ(readText(text, table, err), 0) << err;
+    PDBInfo pdb = readUbiquitin();
+    EXPECT_EQ(mapDCInfo(&pdb, &table, INT_MAX), 0);
+    EXPECT_EQ(mapDCInfo(&pdb, &table, INT_MIN), 0);
+}
+
+TEST(SelectD, KeepsRowsByTheWindow)
+{
+    struct {
+        int mode;
+        std::array<int, 5> valid;
+    } constexpr rows[] = {{1, {1, 0, 0, 0, 0}}, {2, {1, 1, 1, 0, 0}}, {3, {1, 1, 0, 0, 0}}};
+    for (const auto &row : rows) {
+        std::array<DInfo, 5> list;
+        constexpr int residues[5][2] = {{5, 6}, {6, 4}, {9, 10}, {4, 11}, {5, 6}};
+        for (std::size_t i = 0; i < 5; ++i) {
+            list[i].resIDI = residues[i][0];
+            list[i].resIDJ = residues[i][1];
+            list[i].d = i == 4 ? 900.1f : 900.0f;
+        }
+        int expected = 0;
+        for (int valid : row.valid)
+            expected += valid;
+        EXPECT_EQ(selectD(list, 5, 9, row.mode), expected);
+        for (std::size_t i = 0; i < 5; ++i)
+            EXPECT_EQ(list[i].valid, row.valid[i]) << "mode " << row.mode << " row " << i;
+    }
+}
+
+TEST(SelTypDC, ComparesNamesByPositionAndNeverRevives)
+{
+    struct {
+        const char *atomI, *atomJ;
+        int count;
+    } constexpr rows[] = {{"All", "All", 1}, {"All", "N", 1}, {"N", "H", 0}, {"all", "N", 0}, {"H", "N", 1}};
+    for (const auto &row : rows) {
+        std::array<DInfo, 2> list;
+        for (DInfo &d : list) {
+            pdbStrCpy(d.atomNameI, "H");
+            pdbStrCpy(d.atomNameJ, "N");
+        }
+        list[0].valid = 1;
+        EXPECT_EQ(selTypDC(list, row.atomI, row.atomJ), row.count) << row.atomI << ' ' << row.atomJ;
+        EXPECT_EQ(list[1].valid, 0);
+    }
+}
+
+/// A table with these rows on ubiquitin, ready for buildDC.
+struct Built {
+    PDBInfo pdb = readUbiquitin();
+    DTable table;
+    std::string err;
+    explicit Built(const std::string &rows)
+    {
+        EXPECT_EQ(readText(shortHead + rows, table, err), 0) << err;
+        selectD(table.observed(), -1000, 1000, 1);
+    }
+};
+
+TEST(BuildDC, TakesTheDistanceOfTheStructureWhereNoneIsFixed)
+{
+    Built b("5 N 5 H 1 1\n5 H 5 N 1 1\n");
+    EXPECT_EQ(buildDC(&b.pdb, &b.table, 0, 0, {}, 1), 2);
+    const DInfo &row = b.table.calculated()[0];
+    const double r = std::hypot(row.atomI[0]->x - row.atomJ[0]->x, row.atomI[0]->y - row.atomJ[0]->y,
+                                row.atomI[0]->z - row.atomJ[0]->z);
+    const double ratio = std::pow(1.041 / r, 3.0);
+    EXPECT_NEAR(row.di, -21585.196 * ratio, 0.05);
+    EXPECT_NEAR(r, 0.98, 0.01);
+    EXPECT_EQ(b.table.observed()[0].di, b.table.calculated()[0].di);
+    EXPECT_NEAR(b.table.calculated()[1].di, -21585.196, 0.01);
+    EXPECT_EQ(b.table.calculated()[1].diFixedFlag, 1);
+    EXPECT_TRUE(b.table.calculated()[1].resNameI == "VAL");
+    EXPECT_EQ(buildDC(&b.pdb, &b.table, 0, 0, {}, 0), 2);
+    EXPECT_NEAR(b.table.calculated()[1].di, -21585.196 * ratio, 0.05);
+    EXPECT_EQ(b.table.calculated()[1].diFixedFlag, 0);
+}
+
+TEST(BuildDC, AppliesOffsetAndWeightsByResidue)
+{
+    Built b("15 H 15 N 1 2\n16 H 16 N 1 2\n17 H 16 C 1 2\n900 H 900 N 1 2\n");
+    const std::array<float, 2> weights = {0.0f, -4.0f}; // residues 16 and 17 of the table
+    EXPECT_EQ(buildDC(&b.pdb, &b.table, -10, 16, weights, 1), 2);
+    const auto rows = b.table.calculated();
+    EXPECT_EQ(rows[0].w, 1.0f);
+    EXPECT_EQ(rows[0].resIDI, 5);
+    EXPECT_TRUE(rows[0].resNameI == "VAL");
+    EXPECT_EQ(rows[1].valid, 0);
+    EXPECT_EQ(rows[1].w, 0.0f);
+    EXPECT_EQ(rows[1].sigma, 9999.0f);
+    EXPECT_EQ(rows[2].w, 2.0f);
+    EXPECT_EQ(rows[2].sigma, 0.5f);
+    EXPECT_EQ(rows[3].valid, 0);
+    EXPECT_EQ(b.table.observed()[3].valid, 1);
+}
+
+TEST(BuildDC, TellsOnceAndDropsARowWithMoreAtomsThanItHolds)
+{
+    std::string atoms;
+    for (const char *name : {"N ", "HD ", "HD1", "HD2", "HD3", "HE1", "HE2"}) {
+        char line[96];
+        const auto number = static_cast<double>(atoms.size()) / 81.0;
+        std::snprintf(line, sizeof line,
+                      "ATOM  %5.0f  %-3s LEU A   1    %8.3f%8.3f%8.3f  1.00  0.00           X  \n",
+                      number + 1.0, name, number, number * number, 1.0);
+        atoms += line;
+    }
+    for (int i = 11; i <= 13; ++i)
+        atoms +=
+            "ATOM     99 HD" + std::to_string(i) + " LEU A   1       1.000   2.000   3.000  1.00  0.00\n";
+    Built b("1 HD* 1 N 1 1\n1 HE* 1 N 1 1\n");
+    b.pdb = PDBInfo{};
+    ASSERT_EQ(readPDB(fileOf(atoms), &b.pdb, nullptr), 0);
+    ::testing::internal::CaptureStderr();
+    EXPECT_EQ(mapDCInfo(&b.pdb, &b.table, 0), 1);
+    selectD(b.table.observed(), -1000, 1000, 1);
+    EXPECT_EQ(buildDC(&b.pdb, &b.table, 0, 0, {}, 1), 1);
+    EXPECT_EQ(buildDC(&b.pdb, &b.table, 0, 0, {}, 1), 1);
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+              "DC Error: HD* of residue 1 resolves to 10 atoms, the limit is 9.\n");
+    EXPECT_EQ(b.table.calculated()[0].valid, 0);
+    EXPECT_EQ(b.table.calculated()[1].atomICount, 4);
+}
+
+} // namespace
+} // namespace trelm

@@ -1,0 +1,285 @@
+#include "couplings/fit.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+#include <vector>
+
+namespace trelm {
+namespace {
+
+const std::string ubiquitin = std::string(TRELM_EXAMPLES) + "/ubiquitin/";
+constexpr double amide = 21585.19634913479;
+
+/// A coupling table on the structure of ubiquitin, ready for a fit.
+struct Prepared {
+    PDBInfo pdb;
+    DTable table;
+    explicit Prepared(const std::string &name)
+    {
+        EXPECT_EQ(readPDB(ubiquitin + "1d3z_model1.pdb", &pdb, nullptr), 0);
+        EXPECT_EQ(readDC(ubiquitin + name, &table), 0);
+        mapDCInfo(&pdb, &table, 0);
+        selectD(table.observed(), -10000, 10000, 1);
+        EXPECT_EQ(buildDC(&pdb, &table, 0, 0, {}, 1), table.dCount);
+    }
+};
+
+double rmsOf(const DTable &table)
+{
+    double sum = 0.0;
+    for (std::size_t i = 0; i < table.observed().size(); ++i)
+        sum += std::pow(double{table.observed()[i].d} - table.calculated()[i].d, 2.0);
+    return std::sqrt(sum / table.dCount);
+}
+
+/// The largest difference of two Saupe vectors.
+double apart(const std::array<float, 5> &a, const std::array<float, 5> &b)
+{
+    double largest = 0.0;
+    for (std::size_t i = 0; i < 5; ++i)
+        largest = std::max(largest, std::fabs(double{a[i]} - b[i]));
+    return largest;
+}
+
+// Fits of the same data with another program, in double precision.
+TEST(FitD, ReproducesReferenceFitsOfUbiquitin)
+{
+    struct {
+        const char *table;
+        int count;
+        double daHN, rhombicity, rms;
+        std::array<double, 5> saupe; ///< in 1e-4
+    } constexpr rows[] = {
+        {"bicelle_hn.tab", 63, -9.398, 0.156, 0.375, {-5.6368, 0.8665, 0.2927, -1.4116, 5.6394}},
+        {"bicelle_backbone.tab", 301, -9.351, 0.166, 0.453, {-5.6237, 0.7177, 0.2748, -1.3829, 5.6242}},
+        {"bicelle2_hn.tab", 60, -15.450, 0.503, 1.171, {-10.2016, 5.0346, -4.9577, -2.1155, 8.3330}},
+        {"bicelle2_backbone.tab", 298, -15.799, 0.508, 1.050, {-10.4941, 5.1898, -5.0508, -2.3027, 8.4644}},
+        {"bicelle_hn_nfirst.tab", 63, -7.837, 0.156, 0.349, {-4.6983, 0.7212, 0.2432, -1.1869, 4.7023}},
+        {"bicelle_cacb.tab", 39, -8.333, 0.159, 0.201, {-5.0853, 0.6928, 0.1935, -1.4272, 4.8956}},
+        {"bicelle_hn_all.tab", 68, -9.018, 0.177, 1.495, {-5.2374, 0.5997, 0.4108, -1.4693, 5.5319}},
+        {"bicelle2_hn_all.tab", 69, -14.402, 0.503, 3.153, {-9.2427, 4.7697, -4.4933, -2.2378, 7.9936}},
+        {"synthetic_backbone.tab", 305, -8.031, 0.235, 0.0, {-5.0, 3.0, -2.0, 1.5, 4.0}},
+    };
+    for (const auto &row : rows) {
+        Prepared p(row.table);
+        EXPECT_EQ(fitD(&p.pdb, &p.table, 0), row.count) << row.table;
+        const DTensor &tensor = p.table.dTensor;
+        EXPECT_NEAR(tensor.da * amide, row.daHN, 0.002) << row.table;
+        EXPECT_NEAR(tensor.dr / tensor.da, row.rhombicity, 0.001) << row.table;
+        EXPECT_NEAR(rmsOf(p.table), row.rms, 0.001) << row.table;
+        for (std::size_t i = 0; i < 5; ++i)
+            EXPECT_NEAR(tensor.saupe[i] * 1.0e4, row.saupe[i], 0.0004) << row.table << " element " << i;
+        EXPECT_GE(tensor.eulerCount, 1);
+    }
+}
+
+TEST(FitD, NonlinearFitFindsTheTensorOfTheLinearOne)
+{
+    Prepared p("bicelle_hn.tab");
+    fitD(&p.pdb, &p.table, 0);
+    const DTensor linear = p.table.dTensor;
+    const double linearRms = rmsOf(p.table);
+    const float original = p.pdb.atoms()[0].x;
+    for (int mode : {3, 4}) {
+        p.table.dTensor = DTensor{};
+        DTensor &tensor = p.table.dTensor;
+        tensor.tensorMode = mode;
+        if (mode == 4) {
+            tensor.da = tensor.daMin = tensor.daMax = linear.da;
+            tensor.dr = tensor.drMin = tensor.drMax = linear.dr;
+        }
+        EXPECT_EQ(fitD(&p.pdb, &p.table, 0), 63);
+        EXPECT_NEAR(rmsOf(p.table), linearRms, 1.0e-4) << "mode " << mode;
+        EXPECT_LT(apart(tensor.saupe, linear.saupe), 1.0e-7) << "mode " << mode;
+        EXPECT_EQ(p.pdb.atoms()[0].x, original);
+    }
+}
+
+// The two engines weight couplings of several types differently: here this one has equal weights in Hz.
+TEST(FitD, NonlinearFitOfAllTypesIsBetterInHertz)
+{
+    Prepared p("bicelle_backbone.tab");
+    fitD(&p.pdb, &p.table, 0);
+    const double linearRms = rmsOf(p.table);
+    p.table.dTensor = DTensor{};
+    p.table.dTensor.tensorMode = 3;
+    EXPECT_EQ(fitD(&p.pdb, &p.table, 0), 301);
+    EXPECT_LE(rmsOf(p.table), linearRms);
+    EXPECT_GT(rmsOf(p.table), linearRms - 0.05);
+}
+
+TEST(FitD, EvaluatesOnceWhereAllIsFixed)
+{
+    Prepared p("bicelle_hn.tab");
+    DTensor &tensor = p.table.dTensor;
+    tensor = DTensor{};
+    tensor.tensorMode = 5;
+    tensor.rhFlag = 1;
+    tensor.rh = tensor.rhMin = tensor.rhMax = 0.25f;
+    tensor.da = tensor.daMin = tensor.daMax = -4.0e-4f;
+    tensor.psi = tensor.psiMin = tensor.psiMax = 30.0f;
+    tensor.theta = tensor.thetaMin = tensor.thetaMax = -20.0f;
+    tensor.phi = tensor.phiMin = tensor.phiMax = 110.0f;
+    EXPECT_EQ(fitD(&p.pdb, &p.table, 0), 63);
+    EXPECT_EQ(tensor.dr, 0.25f * -4.0e-4f);
+    EXPECT_EQ(tensor.psi, 30.0f);
+    std::vector<float> nonlinear;
+    for (const DInfo &row : p.table.calculated())
+        nonlinear.push_back(row.d);
+    // Both engines have one convention: the vector that this one leaves gives the same couplings.
+    tensor.userSaupe = tensor.saupe;
+    tensor.tensorMode = 2;
+    fitD(&p.pdb, &p.table, 0);
+    for (std::size_t i = 0; i < nonlinear.size(); ++i)
+        EXPECT_NEAR(p.table.calculated()[i].d, nonlinear[i], 0.002);
+    EXPECT_NEAR(tensor.da, -4.0e-4f, 1.0e-9f);
+    EXPECT_NEAR(tensor.dr, -1.0e-4f, 1.0e-8f);
+}
+
+TEST(FitD, LeavesZeroAnglesWithFewerCouplingsThanParameters)
+{
+    Prepared p("bicelle_hn.tab");
+    for (DInfo &row : p.table.calculated().subspan(3))
+        row.w = 0.0f;
+    p.table.dTensor.tensorMode = 3;
+    EXPECT_EQ(fitD(&p.pdb, &p.table, 0), 3);
+    EXPECT_EQ(p.table.dTensor.psi, 0.0f);
+    EXPECT_EQ(p.table.dTensor.psiList[0], 0.0f);
+    EXPECT_EQ(p.table.dTensor.da, 0.001f);
+    p.table.dTensor = DTensor{};
+    EXPECT_EQ(fitD(&p.pdb, &p.table, 0), 3); // the linear fit: a zero tensor
+    EXPECT_EQ(p.table.dTensor.saupe, (std::array<float, 5>{}));
+    EXPECT_EQ(p.table.dTensor.dSaupe, (std::array<float, 5>{}));
+    EXPECT_EQ(p.table.calculated()[0].d, 0.0f);
+    EXPECT_EQ(p.table.calculated()[3].d, noCoupling);
+}
+
+/// One row on four atoms by hand, the tensor Szz = 1: a coupling is |di| (3 z^2 - 1) / 2.
+struct HandMade {
+    std::array<AtomInfo, 4> atoms;
+    DTable table;
+    HandMade(int countI, int countJ)
+    {
+        constexpr float xyz[4][3] = {{0, 0, 0}, {0, 0, 1}, {1, 0, 0}, {0, 1, 2}};
+        for (std::size_t i = 0; i < 4; ++i) {
+            atoms[i].x = xyz[i][0];
+            atoms[i].y = xyz[i][1];
+            atoms[i].z = xyz[i][2];
+        }
+        table.dObsList = Block<DInfo>("dc", 1);
+        table.dCalcList = Block<DInfo>("dc", 1);
+        table.dCount = 1;
+        table.maxCount = countI * countJ;
+        table.work = Block<float>("dc", static_cast<std::size_t>(table.maxCount) * 12 + 12);
+        DInfo &calc = table.dCalcList[0];
+        calc.valid = 1;
+        calc.di = -10.0f;
+        calc.atomICount = countI;
+        calc.atomJCount = countJ;
+        calc.atomI[0] = &atoms[0];
+        for (std::size_t j = 0; j < static_cast<std::size_t>(countJ); ++j)
+            calc.atomJ[j] = &atoms[j + 1];
+        table.dTensor.tensorMode = 2;
+        table.dTensor.userSaupe = {1.0f, 0.0f, 0.0f, 0.0f, 0.0f};
+    }
+};
+
+TEST(FitDSVD, TreatsGroupsOfAtomsByTheirNumberOfPairs)
+{
+    HandMade one(1, 1), two(1, 2), three(1, 3);
+    for (HandMade *made : {&one, &two, &three})
+        EXPECT_EQ(fitD(nullptr, &made->table, 0), 1);
+    EXPECT_NEAR(one.table.dCalcList[0].d, 10.0, 1e-5);       // along z
+    EXPECT_NEAR(two.table.dCalcList[0].d, 10.0 - 5.0, 1e-5); // along z and along x, summed
+    // One vector to the mean (1/3, 1/3, 1): cos^2 = 9/11.
+    EXPECT_NEAR(three.table.dCalcList[0].d, 10.0 * (27.0 / 11.0 - 1.0) / 2.0, 1e-5);
+}
+
+/// Random vectors for findS, with couplings of a known tensor.
+struct Sample {
+    std::array<std::vector<float>, 6> xyz;
+    std::vector<float> di, d, sigma;
+    explicit Sample(std::size_t count)
+    {
+        std::mt19937 random(7);
+        std::uniform_real_distribution<float> uniform(-10.0f, 10.0f);
+        for (auto &column : xyz)
+            for (std::size_t i = 0; i < count; ++i)
+                column.push_back(uniform(random));
+        di.assign(count, -5000.0f);
+        d.assign(count, 0.0f);
+        sigma.assign(count, 0.5f);
+    }
+    FitVectors vectors() { return {xyz[0], xyz[1], xyz[2], xyz[3], xyz[4], xyz[5], di, d, sigma}; }
+};
+
+TEST(FindS, SurvivesRowsThatSayNothing)
+{
+    const std::array<float, 5> truth = {4e-4f, -3e-4f, 2e-4f, 1e-4f, -2e-4f};
+    Sample sample(30);
+    findD(sample.vectors(), truth, {});
+    std::ranges::fill(sample.sigma, 0.5f);
+    for (std::size_t k = 0; k < 6; ++k)
+        sample.xyz[k].push_back(1.0f); // both atoms at one place
+    sample.di.push_back(0.0f);         // no constant
+    sample.d.push_back(3.0f);
+    sample.sigma.push_back(0.0f);
+    std::array<float, 5> saupe = {}, dSaupe = {};
+    EXPECT_EQ(findS(sample.vectors(), saupe, dSaupe), 0);
+    // The row has weight 1 and target 0 beside weights of 10000.
+    EXPECT_LT(apart(saupe, truth), 2.0e-9);
+    findD(sample.vectors(), saupe, dSaupe);
+    EXPECT_EQ(sample.d.back(), 0.0f);
+}
+
+TEST(FindS, StandardDeviationsAreThoseOfTheErrors)
+{
+    Sample sample(2000);
+    std::array<float, 5> saupe = {}, dSaupe = {};
+    EXPECT_EQ(findS(sample.vectors(), saupe, dSaupe), 0);
+    // For vectors all over the sphere the mean square of the first term is 1/5, of the second 1/15, of the
+    // others 4/15.
+    constexpr double meanSquares[5] = {1.0 / 5, 1.0 / 15, 4.0 / 15, 4.0 / 15, 4.0 / 15};
+    for (std::size_t j = 0; j < 5; ++j) {
+        const double expected = 0.5 / 5000.0 / std::sqrt(2000.0 * meanSquares[j]);
+        EXPECT_NEAR(dSaupe[j], expected, 0.1 * expected) << j;
+    }
+}
+
+TEST(FindS, AsksForNoMemoryAgain)
+{
+    Sample large(50), small(20);
+    std::array<float, 5> saupe = {}, dSaupe = {};
+    setAlloc(0);
+    findS(large.vectors(), saupe, dSaupe);
+    ::testing::internal::CaptureStderr();
+    setAlloc(1);
+    findS(large.vectors(), saupe, dSaupe);
+    findS(large.vectors(), saupe, dSaupe);
+    setAlloc(0);
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(findS(small.vectors(), saupe, dSaupe), 0);
+    dipolarFree();
+}
+
+TEST(Saupe2Euler, EverySolutionGivesTheVectorBack)
+{
+    const std::array<float, 5> saupe = {-5e-4f, 3e-4f, -2e-4f, 1.5e-4f, 4e-4f};
+    RotationLists lists;
+    std::array<float, 3> eigVal = {};
+    float da = 0.0f, dr = 0.0f;
+    const int count = saupe2euler(saupe, lists, eigVal, da, dr);
+    ASSERT_GE(count, 1);
+    ASSERT_LE(count, 8);
+    for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
+        std::array<float, 5> back = {};
+        euler2saupe(back, lists.psi[i], lists.theta[i], lists.phi[i], da, dr);
+        EXPECT_LT(apart(back, saupe), 1.0e-9) << "solution " << i;
+    }
+}
+
+} // namespace
+} // namespace trelm

@@ -1,0 +1,203 @@
+#include "support/minimise.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <vector>
+
+#include "support/random.h"
+
+namespace trelm {
+namespace {
+
+int calls = 0;
+std::vector<float> lastCoefs;
+
+/// Couplings of bond vectors for a tensor with three angles (degrees), Da of order 1e-3, and R: badly scaled,
+/// as the fit that users run.
+struct Bond {
+    float x, y, z;
+};
+
+std::vector<Bond> bonds;
+std::vector<float> observed;
+
+float coupling(const Bond &bond, const float *cg)
+{
+    constexpr float degree = 0.0174532925f;
+    const float c0 = std::cos(cg[0] * degree), s0 = std::sin(cg[0] * degree);
+    const float c1 = std::cos(cg[1] * degree), s1 = std::sin(cg[1] * degree);
+    const float c2 = std::cos(cg[2] * degree), s2 = std::sin(cg[2] * degree);
+    const float x1 = c0 * bond.x - s0 * bond.y, y1 = s0 * bond.x + c0 * bond.y;
+    const float y2 = c1 * y1 - s1 * bond.z, z2 = s1 * y1 + c1 * bond.z;
+    const float x3 = c2 * x1 - s2 * y2, y3 = s2 * x1 + c2 * y2;
+    return 21585.2f * cg[3] * ((3.0f * z2 * z2 - 1.0f) + 1.5f * cg[4] * (x3 * x3 - y3 * y3));
+}
+
+int tensorResiduals(int pointCount, int coefCount, float *coefs, float *res)
+{
+    ++calls;
+    lastCoefs.assign(coefs, coefs + coefCount);
+    for (int i = 0; i < pointCount; ++i)
+        res[i] = observed[static_cast<std::size_t>(i)] - coupling(bonds[static_cast<std::size_t>(i)], coefs);
+    return 0;
+}
+
+double tensorRms(const std::vector<float> &coefs)
+{
+    double sum = 0.0;
+    for (std::size_t i = 0; i < bonds.size(); ++i)
+        sum += std::pow(observed[i] - coupling(bonds[i], coefs.data()), 2);
+    return std::sqrt(sum / static_cast<double>(bonds.size()));
+}
+
+using Five = std::array<float, 5>;
+
+void makeCouplings(const Five &truth, float noise)
+{
+    bonds.clear();
+    observed.clear();
+    int seed = -11;
+    for (int i = 0; i < 60; ++i) {
+        const float z = 2.0f * ran1(&seed) - 1.0f, angle = 6.2831853f * ran1(&seed);
+        const float r = std::sqrt(1.0f - z * z);
+        bonds.push_back({r * std::cos(angle), r * std::sin(angle), z});
+        observed.push_back(coupling(bonds.back(), truth.data()) + noise * (ran1(&seed) - 0.5f));
+    }
+}
+
+struct Bounds {
+    std::vector<float> lower = {-360, -360, -360, -0.01f, 0}, upper = {360, 360, 360, 0.01f, 0.6666667f};
+};
+
+TEST(Minimise, BadlyScaledTensorFitFindsPerfectData)
+{
+    const Five truths[] = {
+        {60, 40, 20, 0.0011f, 0.3f}, {10, 80, 100, 0.0004f, 0.1f}, {30, 30, 60, 0.002f, 0.6f}};
+    for (const Five &truth : truths) {
+        makeCouplings(truth, 0.0f);
+        std::vector<float> guess = {45, 45, 45, 0.001f, 0.5f};
+        Bounds bounds;
+        nlsOpt(tensorResiduals, 60, guess, bounds.lower, bounds.upper, 1000);
+        EXPECT_LT(tensorRms(guess), 2.0e-4 * 21585.2 * truth[3]);
+        EXPECT_NEAR(guess[3], truth[3], 1.0e-4 * truth[3]);
+        EXPECT_NEAR(guess[4], truth[4], 1.0e-3);
+        EXPECT_EQ(lastCoefs, guess); // the caller's state is that of the answer
+    }
+}
+
+TEST(Minimise, NoisyFitIsAMinimumInEveryDirection)
+{
+    makeCouplings({60, 40, 20, 0.0011f, 0.3f}, 4.0f);
+    std::vector<float> guess = {45, 45, 45, 0.001f, 0.5f};
+    Bounds bounds;
+    nlsOpt(tensorResiduals, 60, guess, bounds.lower, bounds.upper, 1000);
+    const double best = tensorRms(guess);
+    for (std::size_t j = 0; j < 5; ++j)
+        for (float side : {-1.0f, 1.0f}) {
+            std::vector<float> moved = guess;
+            moved[j] += side * (j < 3 ? 0.2f : j == 3 ? 2.0e-6f : 0.003f);
+            EXPECT_GT(tensorRms(moved), best) << "parameter " << j;
+        }
+}
+
+TEST(Minimise, ActiveBoundHoldsAndTheOthersAreFitted)
+{
+    makeCouplings({60, 40, 20, 0.0011f, 0.3f}, 0.0f);
+    // Da may not reach its value; R is then to be found with Da at the bound, from any start.
+    std::vector<float> answers[3];
+    const float starts[] = {0.0005f, 0.0009f, 0.0f}; // inside, at this bound, at the other
+    for (int i = 0; i < 3; ++i) {
+        Bounds bounds;
+        bounds.lower[3] = 0.0f;
+        bounds.upper[3] = 0.0009f;
+        std::vector<float> guess = {45, 45, 45, starts[i], 0.5f};
+        nlsOpt(tensorResiduals, 60, guess, bounds.lower, bounds.upper, 1000);
+        EXPECT_EQ(guess[3], 0.0009f);
+        answers[i] = guess;
+    }
+    Bounds fixed;
+    std::vector<float> guess = {45, 45, 45, 0.0009f, 0.5f};
+    fixed.lower[3] = fixed.upper[3] = 0.0009f;
+    nlsOpt(tensorResiduals, 60, guess, fixed.lower, fixed.upper, 1000);
+    for (const auto &answer : answers)
+        EXPECT_NEAR(tensorRms(answer), tensorRms(guess), 1.0e-4 * tensorRms(guess));
+}
+
+TEST(Minimise, StartAtABoundLeavesIt)
+{
+    makeCouplings({60, 40, 20, 0.0011f, 0.3f}, 0.0f);
+    std::vector<float> guess = {45, 45, 45, 0.01f, 0.0f};
+    Bounds bounds;
+    nlsOpt(tensorResiduals, 60, guess, bounds.lower, bounds.upper, 1000);
+    EXPECT_LT(tensorRms(guess), 0.005);
+}
+
+/// A valley: (1 - a)^2 + 100 (b - a^2)^2 with b in thousandths.
+int valley(int, int coefCount, float *coefs, float *res)
+{
+    ++calls;
+    lastCoefs.assign(coefs, coefs + coefCount);
+    res[0] = 1.0f - coefs[0];
+    res[1] = 10.0f * (1000.0f * coefs[1] - coefs[0] * coefs[0]);
+    return 0;
+}
+
+TEST(Minimise, ValleyWithAndWithoutABound)
+{
+    const struct {
+        const char *why;
+        std::array<float, 2> start, upper;
+        double a;
+    } rows[] = {{"free", {-1.2f, 0.001f}, {10.0f, 10.0f}, 1.0},
+                {"a stops at 0.5", {-1.2f, 0.001f}, {0.5f, 10.0f}, 0.5},
+                {"bounds exchanged", {-1.2f, 0.001f}, {-10.0f, 10.0f}, 1.0},
+                {"start far off, b from 1", {5.0f, 1.0f}, {10.0f, 10.0f}, 1.0}};
+    for (const auto &row : rows) {
+        std::vector<float> guess(row.start.begin(), row.start.end()),
+            upper(row.upper.begin(), row.upper.end());
+        std::vector<float> lower = {upper[0] < 0.0f ? 10.0f : -10.0f, -10.0f};
+        nlsOpt(valley, 2, guess, lower, upper, 1000);
+        EXPECT_NEAR(guess[0], row.a, 1.0e-4) << row.why;
+        EXPECT_NEAR(guess[1], 0.001 * row.a * row.a, 2.0e-7) << row.why;
+        EXPECT_LT(lower[0], upper[0]) << row.why;
+    }
+}
+
+TEST(Minimise, NothingFreeEvaluatesOnce)
+{
+    for (int itMax : {1000, 0}) {
+        std::vector<float> guess = {3.0f, 4.0f}, lower = {1.0f, 1.0f}, upper = lower;
+        if (itMax == 0)
+            upper = {9.0f, 9.0f};
+        calls = 0;
+        nlsOpt(valley, 2, guess, lower, upper, itMax);
+        EXPECT_EQ(calls, 1);
+        EXPECT_EQ(lastCoefs, (std::vector<float>{3.0f, 4.0f}));
+        EXPECT_EQ(guess, lastCoefs);
+    }
+}
+
+std::vector<float> firstCoefs;
+
+int flat(int pointCount, int coefCount, float *coefs, float *res)
+{
+    if (firstCoefs.empty())
+        firstCoefs.assign(coefs, coefs + coefCount);
+    std::fill_n(res, pointCount, NAN);
+    return 0;
+}
+
+TEST(Minimise, StartOutsideTheBoundsIsTheirMeanAndNoNumbersEnd)
+{
+    std::vector<float> guess = {5.0f, 0.5f}, lower = {1.0f, 0.0f}, upper = {3.0f, 1.0f};
+    firstCoefs.clear();
+    nlsOpt(flat, 2, guess, lower, upper, 1000);
+    EXPECT_EQ(firstCoefs, (std::vector<float>{2.0f, 0.5f}));
+    EXPECT_EQ(guess, firstCoefs);
+}
+
+} // namespace
+} // namespace trelm

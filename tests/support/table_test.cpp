@@ -1,0 +1,196 @@
+#include "support/table.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+
+using namespace trelm;
+using testing::HasSubstr;
+using testing::internal::CaptureStderr;
+using testing::internal::GetCapturedStderr;
+
+namespace {
+
+/// A file of this test alone, removed at its end.
+struct TestFile {
+    std::string name = testing::TempDir() + "trelm_" +
+                       testing::UnitTest::GetInstance()->current_test_info()->name() + ".tab";
+    explicit TestFile(const std::string &text) { std::ofstream(name, std::ios::binary) << text; }
+    TestFile(const TestFile &) = delete;
+    TestFile &operator=(const TestFile &) = delete;
+    ~TestFile() { std::filesystem::remove(name); }
+};
+
+struct Read {
+    int status = 0;
+    std::string messages;
+    TextTable table;
+};
+
+Read readTable(const std::string &text, int defNullValue = 9999)
+{
+    const TestFile file(text);
+    Read read;
+    CaptureStderr();
+    read.status = rdTable(file.name, read.table, defNullValue);
+    read.messages = GetCapturedStderr();
+    return read;
+}
+
+std::vector<float> cells(const Read &read)
+{
+    const auto span = read.table.matrix.span();
+    return {span.begin(), span.end()};
+}
+
+} // namespace
+
+TEST(Table, ReadsRealCouplings)
+{
+    TextTable table;
+    ASSERT_EQ(rdTable(TRELM_EXAMPLES "/ubiquitin/bicelle_hn.tab", table, 9999), 0);
+    const int atom = getTabVar(table.varInfo, "atomname_i"), d = getTabVar(table.varInfo, "d");
+    ASSERT_GE(atom, 0);
+    ASSERT_GE(d, 0);
+    EXPECT_EQ(getTabVar(table.varInfo, "NONE"), -1);
+    for (int row = 0; row < table.entryCount; ++row) {
+        const float *cell = &table.matrix[static_cast<std::size_t>(row * table.varCount)];
+        EXPECT_THAT(std::string(tabText(table.varInfo[static_cast<std::size_t>(atom)], cell[atom])),
+                    testing::AnyOf("N", "H", "HN"));
+        EXPECT_LT(std::abs(cell[d]), 50.0f);
+    }
+}
+
+TEST(Table, CellsFollowTheGrammar)
+{
+    const std::string vars = "VARS A B\nFORMAT %s %4d\n";
+    const struct {
+        const char *why;
+        std::string text;
+        std::vector<float> expected;
+        const char *message; ///< part of it, empty: none at all
+    } cases[] = {
+        {"declarations may follow the rows", "x 1\n\ny 2\nx 3\n" + vars, {0, 1, 1, 2, 0, 3}, ""},
+        {"texts by column", "VARS A B\nFORMAT %s %s\nx y\nx x\n", {0, 0, 0, 1}, ""},
+        {"line ends of other systems", "VARS A B\r\nFORMAT %s %d\r\nx 1\r\ny +2\r\n", {0, 1, 1, 2}, ""},
+        {"only the first declaration counts", vars + "VARS C\nFORMAT %f\nx 1\n", {0, 1}, ""},
+        {"lower-case keywords: no rows, no effect", vars + "nullvalue 1\nend\ndata x\n#c\nx 1\n", {0, 1}, ""},
+        {"null value in a number", vars + "NULLVALUE -999\nx -999\n", {0, 9999}, ""},
+        {"null string", vars + "NULLSTRING -\n- 1\nx 2\n", {nullTextCell, 1, 0, 2}, ""},
+        {"last null declaration wins", vars + "NULLVALUE 1\nNULLVALUE 2\nx 1\nx 2\n", {0, 1, 0, 9999}, ""},
+        {"null value without a number", vars + "NULLVALUE x\nx 0\n", {0, 0}, "Bad NULLVALUE:\nNULLVALUE x\n"},
+        {"missing cell", vars + "x\n", {0, 0}, "RdTable Warning: Bad I-Item 2:\nx\n"},
+        {"no number", vars + "x y\n", {0, 0}, "RdTable Warning: Bad I-Item 2:\nx y\n"},
+        {"partial number", vars + "x 12abc\n", {0, 12}, ""},
+        {"beyond int", vars + "x 99999999999\nx -99999999999\n", {0, 2147483648.0f, 0, -2147483648.0f}, ""},
+        {"surplus words", vars + "x 1 2 3\n", {0, 1}, ""},
+        {"no format: all real",
+         "VARS A B\nx -1.5e1\n",
+         {0, -15},
+         "RdTable Warning: Bad F-Item 1:\nx -1.5e1\n"},
+        {"missing text", "VARS A B\nFORMAT %d %s\n1\n", {1, 0}, "RdTable Warning: Bad T-Item 2:\n1\n"},
+    };
+    for (const auto &test : cases) {
+        const Read read = readTable(test.text);
+        EXPECT_EQ(read.status, 0) << test.why;
+        EXPECT_EQ(cells(read), test.expected) << test.why;
+        EXPECT_THAT(read.messages, HasSubstr(test.message)) << test.why;
+        EXPECT_EQ(read.messages.empty(), *test.message == '\0') << test.why << read.messages;
+    }
+}
+
+TEST(Table, NullStringCellHasNoText)
+{
+    const Read read = readTable("VARS A\nFORMAT %-4s\nNULLSTRING -\n-\nx\n");
+    ASSERT_EQ(read.table.entryCount, 2);
+    EXPECT_EQ(tabText(read.table.varInfo[0], read.table.matrix[0]), "");
+    EXPECT_EQ(tabText(read.table.varInfo[0], read.table.matrix[1]), "x");
+}
+
+TEST(Table, FaultsAreOneMessageAndFail)
+{
+    const struct {
+        std::string text;
+        const char *message;
+    } cases[] = {
+        {"", "RdTable Error: no entries in "},
+        {"REMARK only\n", "RdTable Error: no entries in "},
+        {"x 1\n", "RdTable Error: no variables found.\n"},
+        {"VARS\nx 1\n", "RdTable Error: no variables found.\n"},
+        {"VARS A B\nFORMAT %s\nx 1\n", "RdTable Error: VARS/FORMAT mismatch:\nVARS A B\nFORMAT %s\n"},
+        {"VARS A\nTOLERANCE 1 2\n1\n", "RdTable Error: VARS/TOLERANCE mismatch:\nVARS A\nTOLERANCE 1 2\n"},
+        {"VARS A\nFORMAT %8.3z\n1\n", "RdTable Error: bad format FORMAT %8.3z\n"},
+        {std::string("VARS A\n1\n\0\n", 11), "Error reading "},
+        {std::string(1 << 20, 'x'), "RdTable Error: no variables found.\n"},
+    };
+    for (const auto &test : cases) {
+        const Read read = readTable(test.text);
+        EXPECT_EQ(read.status, 1) << test.message;
+        EXPECT_THAT(read.messages, testing::StartsWith(test.message));
+    }
+}
+
+TEST(Table, FewWordsCannotAskForAllMemory)
+{
+    std::string text = "VARS";
+    for (int i = 0; i < 20000; ++i)
+        text += " A";
+    text += '\n';
+    for (int i = 0; i < 20000; ++i)
+        text += "1\n";
+    EXPECT_EQ(readTable(text).messages, "RdTable error allocating data matrix.\n");
+}
+
+TEST(Table, WhatIsNoFileFails)
+{
+    const struct {
+        std::string name, message;
+    } cases[] = {
+        {"none.tab", "RdTable File open error: none.tab.\n"},
+        {"", "RdTable File open error: .\n"},
+        {std::string(5000, 'n'), "RdTable File open error: " + std::string(5000, 'n') + ".\n"},
+        {"/", "Error reading /: Is a directory.\n"},
+        {"/dev/zero", "Error reading /dev/zero: it holds binary data.\n"},
+    };
+    for (const auto &test : cases) {
+        TextTable table;
+        CaptureStderr();
+        EXPECT_EQ(rdTable(test.name, table, 0), 1);
+        EXPECT_EQ(GetCapturedStderr(), test.message);
+    }
+}
+
+TEST(Table, DeclarationsAloneAndHeader)
+{
+    const TestFile file("#1\nREMARK 2\nVARS A\nDATA 3\ndata 4\nFORMAT %_5s\n5\n");
+    TextTable table;
+    ASSERT_EQ(rdTable2(file.name, table, true, 0, 0, 0), 0);
+    EXPECT_EQ(table.header, (std::vector<std::string>{"#1", "REMARK 2", "DATA 3", "data 4"}));
+    EXPECT_EQ(table.varInfo.at(0).fmt, "% 5s");
+    EXPECT_FALSE(table.matrix);
+
+    const TestFile empty("VARS A\n");
+    EXPECT_EQ(rdTable2(empty.name, table, false, 0, 1, 1), 0);
+    EXPECT_EQ(table.varCount, 0);
+}
+
+// A scan of the known texts for each cell would take minutes here, and so would a scan of the line for each
+// word.
+TEST(Table, ManyTextsAndManyColumnsStayFast)
+{
+    std::string text = "VARS A\nFORMAT %s\n", wide = "VARS", row = "\n";
+    for (int i = 0; i < 200000; ++i)
+        text += "t" + std::to_string(i) + "\n";
+    for (int i = 0; i < 100000; ++i) {
+        wide += " A";
+        row += " 1";
+    }
+    const auto start = std::chrono::steady_clock::now();
+    const Read tall = readTable(text);
+    EXPECT_EQ(readTable(wide + row + "\n").table.matrix[99999], 1.0f);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+    EXPECT_EQ(tabText(tall.table.varInfo[0], tall.table.matrix[199999]), "t199999");
+}

@@ -1,0 +1,127 @@
+#include "support/output_file.h"
+#include "support/text.h"
+#include "support/text_input.h"
+#include "support/token.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <climits>
+#include <cmath>
+#include <cstdlib>
+
+using namespace trelm;
+using testing::internal::CaptureStderr;
+using testing::internal::GetCapturedStderr;
+
+TEST(Token, WordsAreCountedFromOne)
+{
+    const char *text = "\t one  2x\r\n";
+    EXPECT_EQ(cntToken(text), 2);
+    EXPECT_EQ(getToken(1, text), "one");
+    EXPECT_EQ(badToken, 0);
+    EXPECT_EQ(getTokenI(2, text), 2);
+    EXPECT_EQ(badToken, 0);
+    for (int n : {-1, 0, 3}) {
+        EXPECT_EQ(getToken(n, text), "");
+        EXPECT_EQ(badToken, 1) << n;
+    }
+    EXPECT_EQ(getTokenR(1, text), 0.0f);
+    EXPECT_EQ(badToken, 1);
+}
+
+// The numbers of users' files come out as the scanning functions of the C library have them.
+TEST(Token, NumbersAreThoseOfTheScanningFunctions)
+{
+    const char *words[] = {"1",   "+7",       "-12abc", "1e3",   "1E-3",
+                           "1e",  ".5",       "5.",     "-.5e1", "0x1f",
+                           "abc", "+",        "-",      "+-5",   "--5",
+                           "++5", "",         ".",      "1e400", "1e-50",
+                           "0.1", "16777217", "inf",    "-1e39", "1.00000017881393432617187499"};
+    for (const char *word : words) {
+        float f = -1.0f;
+        double d = -1.0;
+        int i = -1;
+        char *end = nullptr;
+        const float expected = std::strtof(word, &end);
+        EXPECT_EQ(wordToFloat(word, f), end != word) << word;
+        EXPECT_EQ(f, expected) << word;
+        EXPECT_EQ(toDouble(word), std::strtod(word, nullptr)) << word;
+        EXPECT_EQ(wordToDouble(word, d), end != word) << word;
+        const long whole = std::strtol(word, &end, 10);
+        EXPECT_EQ(wordToInt(word, i), end != word) << word;
+        EXPECT_EQ(i, whole) << word;
+    }
+    EXPECT_EQ(toInt(" \t-99999999999999999999"), INT_MIN);
+    EXPECT_EQ(toInt("2147483648"), INT_MAX);
+    EXPECT_EQ(toDouble("  +1.25A"), 1.25);
+}
+
+TEST(Text, IntToStrKeepsItsBounds)
+{
+    const struct {
+        int value;
+        std::size_t size;
+        const char *text;
+        int count;
+    } cases[] = {{123, 3, "", 0},
+                 {12, 3, "12", 2},
+                 {0, 2, "0", 1},
+                 {7, 1, "", 0},
+                 {-12, 3, "", 0},
+                 {-12, 4, "-12", 3},
+                 {INT_MIN, 12, "-2147483648", 11}};
+    for (const auto &test : cases) {
+        std::array<char, 16> room;
+        room.fill('#');
+        EXPECT_EQ(intToStr(test.value, std::span(room).first(test.size)), test.count) << test.value;
+        EXPECT_STREQ(room.data(), test.text);
+        EXPECT_EQ(room[test.size], '#') << test.value;
+    }
+    EXPECT_EQ(intToStr(1, {}), 0);
+}
+
+TEST(Text, AppendedTextOfAnyLengthIsWhole)
+{
+    const std::string name(100000, 'n');
+    std::string text = "a";
+    appendf(text, "%s%3d", name.c_str(), 7);
+    appendf(text, "%s", "");
+    EXPECT_EQ(text, "a" + name + "  7");
+}
+
+TEST(TextInput, LinesWithAndWithoutTheLastNewline)
+{
+    TextInput input{.text = "a\r\n\nb"};
+    std::string_view line;
+    std::string all;
+    for (int round = 0; round < 2; ++round, rewindText(input))
+        while (fgetsAlloc(input, line))
+            (all += line) += '|';
+    EXPECT_EQ(all, "a||b|a||b|");
+}
+
+TEST(OutputFile, AFullDeviceIsOneLineAndFails)
+{
+    OutFile out;
+    CaptureStderr(); // it flushes all streams: behind the write it would make the fault an early one
+    ASSERT_EQ(openOut(out, "/dev/full", "w"), 0);
+    writeOut(out, "lost");
+    EXPECT_EQ(closeOut(out), 1);
+    EXPECT_EQ(GetCapturedStderr(), "Error writing /dev/full.\n");
+    EXPECT_EQ(openOut(out, "/none/such/file", "w"), 1);
+    EXPECT_EQ(out.fp, stdout);
+}
+
+TEST(OutputFile, WhatIsWrittenCanBeRead)
+{
+    const std::string name = testing::TempDir() + "trelm_WhatIsWrittenCanBeRead.txt";
+    OutFile out;
+    ASSERT_EQ(openOut(out, name, "w"), 0);
+    writeOut(out, "one\n");
+    EXPECT_EQ(closeOut(out), 0);
+    TextInput input;
+    EXPECT_EQ(readText(input, name), TextStatus::read);
+    EXPECT_EQ(input.text, "one\n");
+    std::remove(name.c_str());
+}

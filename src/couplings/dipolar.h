@@ -88,7 +88,8 @@ int dTabNull(DTable *dTab);
 int dTabFree(DTable *dTab);
 
 /// Reads a coupling file. An empty name or "None" leaves the table alone. Returns 0, or non-zero after a
-/// message.
+/// message: for a table that cannot be read, a number column that holds text or a value that is not finite,
+/// a negative DD, no memory, or an unknown nucleus in the last row (the table is complete then).
 int readDC(const std::string &inDName, DTable *dTab);
 
 /// Resolves the atoms of the observed rows, with aOff added to their residue numbers. Returns the number
@@ -104,7 +105,8 @@ int selectD(std::span<DInfo> dList, int segFirst, int segLast, int excludeMode);
 int selTypDC(std::span<DInfo> dList, std::string_view atomNameI, std::string_view atomNameJ);
 
 /// Fills the calculated rows of the valid observed ones: atoms, names, weights by residue (wList, entry 0 is
-/// residue wOff; empty: none), interaction constants. Returns the number of valid rows.
+/// residue wOff; empty: none), interaction constants. A name that resolves to more than maxPairAtoms atoms is
+/// told, and its observed row too becomes invalid. Returns the number of valid rows.
 int buildDC(PDBInfo *pdbInfo, DTable *dTab, int aOff, int wOff, std::span<const float> wList,
             int allowFixedDI);
 

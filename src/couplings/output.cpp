@@ -192,18 +192,35 @@ struct RowSide {
     const Name &resName, &atomName, &chainName, &segName;
 };
 
-const char *orNone(const Name &name)
+std::string_view orNone(const Name &name)
 {
-    return name.empty() ? "None" : name.c_str();
+    return name.empty() ? "None" : name.view();
+}
+
+/// Appends " %4s" of a name.
+void appendName(std::string &text, std::string_view name)
+{
+    text += ' ';
+    appendRight(text, name, 4);
 }
 
 void appendSide(const RowSide &side, const DTable &dTab, std::string &text)
 {
-    appendf(text, " %4d %4s %4s", side.resID, side.resName.c_str(), side.atomName.c_str());
+    text += ' ';
+    appendInt(text, side.resID, 4);
+    appendName(text, side.resName.view());
+    appendName(text, side.atomName.view());
     if (dTab.nullChainName == 0)
-        appendf(text, " %4s", orNone(side.chainName));
+        appendName(text, orNone(side.chainName));
     if (dTab.nullSegName == 0)
-        appendf(text, " %4s", orNone(side.segName));
+        appendName(text, orNone(side.segName));
+}
+
+/// Appends " % 9.2f" of a number, or with 4 decimals " % 9.4f".
+void appendValue(std::string &text, float value, int decimals)
+{
+    text += ' ';
+    appendFixed(text, value, 9, decimals, SignPlace::blank);
 }
 
 void appendRow(const DInfo &o, const DInfo &c, const DTable &dTab, bool verbose, std::string &text)
@@ -212,12 +229,17 @@ void appendRow(const DInfo &o, const DInfo &c, const DTable &dTab, bool verbose,
     appendSide({o.resIDI, o.resNameI, o.atomNameI, o.chainNameI, o.segNameI}, dTab, text);
     appendSide({o.resIDJ, o.resNameJ, o.atomNameJ, o.chainNameJ, o.segNameJ}, dTab, text);
     if (verbose) {
-        const float diff = o.d >= missing || c.d >= missing ? noCoupling : o.d - c.d;
-        appendf(text, " % 9.2f % 9.4f % 9.4f % 9.4f %7.4f %.2f\n", number(c.di), number(o.d), number(c.d),
-                number(diff), number(o.sigma), number(o.w));
-    } else {
-        appendf(text, " % 9.4f %7.4f %.2f\n", number(c.d), number(o.sigma), number(o.w));
+        appendValue(text, c.di, 2);
+        appendValue(text, o.d, 4);
     }
+    appendValue(text, c.d, 4);
+    if (verbose)
+        appendValue(text, o.d >= missing || c.d >= missing ? noCoupling : o.d - c.d, 4);
+    text += ' ';
+    appendFixed(text, o.sigma, 7, 4, SignPlace::none);
+    text += ' ';
+    appendFixed(text, o.w, 0, 2, SignPlace::none);
+    text += '\n';
 }
 
 void appendTable(const DTable &dTab, bool verbose, std::string &text)

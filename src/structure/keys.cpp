@@ -1,31 +1,14 @@
 #include "structure/keys.h"
 
-#include <array>
-#include <charconv>
+#include "support/text.h"
 
 namespace trelm {
 namespace {
 
-// Keys are built for every atom of a molecule and every look-up: no printf here.
-
-void appendNumber(std::string &text, int number)
-{
-    std::array<char, 16> digits;
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
-    text.append(digits.data(), end);
-}
-
-void appendLeft(std::string &text, std::string_view word, std::size_t width)
-{
-    text.append(word);
-    if (word.size() < width)
-        text.append(width - word.size(), ' ');
-}
-
 void startAtomText(int resID, std::string_view atomName, std::string &text)
 {
     text.clear();
-    appendNumber(text, resID);
+    appendInt(text, resID, 0);
     text.push_back(' ');
     appendLeft(text, atomName, 4);
     text.push_back(' ');
@@ -61,7 +44,7 @@ void buildLookupText(int resID, std::string_view atomName, std::string_view chai
 void buildResText(int resID, std::string_view chainName, std::string_view segName, std::string &text)
 {
     text.clear();
-    appendNumber(text, resID);
+    appendInt(text, resID, 0);
     text.push_back(' ');
     appendLeft(text, chainName, 2);
     text.push_back(' ');

@@ -18,33 +18,53 @@ char firstOf(const Name &name)
     return name.empty() ? ' ' : name.text[0];
 }
 
+/// One ATOM line: "%s%5d %-4s%1c%-4s%1c%4d%1c   % 8.3f% 8.3f% 8.3f%6.2f%6.2f      %4s%2s%2s\n". A name of up
+/// to three characters stands one column to the right.
 void appendAtom(std::string &text, const AtomInfo &atom)
 {
-    // A name of up to three characters stands one column to the right.
     const bool isLong = atom.atomName.view().size() > 3;
-    appendf(text, isLong ? "%s%5d %-4s" : "%s%5d  %-3s", "ATOM  ", atom.atomID, atom.atomName.c_str());
-    appendf(text, "%1c%-4s%1c%4d%1c   % 8.3f% 8.3f% 8.3f%6.2f%6.2f      %4s%2s%2s\n", firstOf(atom.locID),
-            atom.resName.c_str(), firstOf(atom.chainID), atom.resID, firstOf(atom.icode),
-            static_cast<double>(atom.x), static_cast<double>(atom.y), static_cast<double>(atom.z),
-            static_cast<double>(atom.occupancy), static_cast<double>(atom.tempFactor), atom.segID.c_str(),
-            atom.element.c_str(), atom.chargeStr.c_str());
+    text += "ATOM  ";
+    appendInt(text, atom.atomID, 5);
+    text += isLong ? " " : "  ";
+    appendLeft(text, atom.atomName.view(), isLong ? 4 : 3);
+    text += firstOf(atom.locID);
+    appendLeft(text, atom.resName.view(), 4);
+    text += firstOf(atom.chainID);
+    appendInt(text, atom.resID, 4);
+    text += firstOf(atom.icode);
+    text += "   ";
+    for (const float coordinate : {atom.x, atom.y, atom.z})
+        appendFixed(text, coordinate, 8, 3, SignPlace::blank);
+    appendFixed(text, atom.occupancy, 6, 2, SignPlace::none);
+    appendFixed(text, atom.tempFactor, 6, 2, SignPlace::none);
+    text += "      ";
+    appendRight(text, atom.segID.view(), 4);
+    appendRight(text, atom.element.view(), 2);
+    appendRight(text, atom.chargeStr.view(), 2);
+    text += '\n';
 }
 
-Written writeFile(const std::string &pdbName, PDBInfo &pdbInfo, const PDBSelectInfo *sInfo,
-                  const char *remark)
+std::string fileText(const PDBInfo &pdbInfo, const PDBSelectInfo *sInfo, const char *remark)
+{
+    constexpr std::size_t lineLength = 82;
+    std::string text;
+    text.reserve(static_cast<std::size_t>(pdbInfo.atomCount) * lineLength);
+    if (remark != nullptr)
+        text.append("REMARK ").append(remark).append("\n\n");
+    for (const AtomInfo &atom : pdbInfo.atoms())
+        if (pdbSelectTest(sInfo, &atom) != 0)
+            appendAtom(text, atom);
+    text += "END\n";
+    return text;
+}
+
+Written writeFile(const std::string &pdbName, std::string_view text)
 {
     OutFile out;
     if (openOut(out, pdbName, "w") != 0) {
         complain("PDB Error opening PDB file %s\n", pdbName.c_str());
         return Written::notOpened;
     }
-    std::string text;
-    if (remark != nullptr)
-        appendf(text, "REMARK %s\n\n", remark);
-    for (const AtomInfo &atom : pdbInfo.atoms())
-        if (pdbSelectTest(sInfo, &atom) != 0)
-            appendAtom(text, atom);
-    text += "END\n";
     writeOut(out, text);
     return closeOut(out) == 0 ? Written::whole : Written::cut;
 }
@@ -65,10 +85,10 @@ int writeSolution(int i, int rotID, PDBInfo *pdbInfo, const PDBSelectInfo *sInfo
                   const char *remark)
 {
     int status = 0;
-    if (i == rotID && !outName.empty())
-        status = writePDB(outName, pdbInfo, sInfo, remark);
-    const std::string numbered = outName + "." + std::to_string(i);
-    if (writeFile(numbered, *pdbInfo, sInfo, remark) == Written::cut)
+    const std::string text = fileText(*pdbInfo, sInfo, remark);
+    if (i == rotID && !outName.empty() && writeFile(outName, text) != Written::whole)
+        status = 1;
+    if (writeFile(outName + "." + std::to_string(i), text) == Written::cut)
         status = 1;
     return status;
 }
@@ -108,7 +128,7 @@ int writePDB(const std::string &pdbName, PDBInfo *pdbInfo, const PDBSelectInfo *
 {
     if (pdbInfo == nullptr)
         return 0;
-    return writeFile(pdbName, *pdbInfo, sInfo, remark) == Written::whole ? 0 : 1;
+    return writeFile(pdbName, fileText(*pdbInfo, sInfo, remark)) == Written::whole ? 0 : 1;
 }
 
 int writePDBRot(std::span<const double, 4> angleList1, std::span<const double, 4> angleList2,

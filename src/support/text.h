@@ -1,6 +1,7 @@
 // Text under construction, messages, and the small string helpers.
 #pragma once
 
+#include <cstddef>
 #include <span>
 #include <string>
 #include <string_view>
@@ -9,6 +10,19 @@ namespace trelm {
 
 /// Appends printf-style to a text.
 [[gnu::format(printf, 2, 3)]] void appendf(std::string &text, const char *format, ...);
+
+/// Append a word, left- or right-justified: "%-*s" and "%*s", without printf, which result files of thousands
+/// of lines would notice.
+void appendLeft(std::string &text, std::string_view word, std::size_t width);
+void appendRight(std::string &text, std::string_view word, std::size_t width);
+
+/// Appends an integer as "%*d".
+void appendInt(std::string &text, int value, std::size_t width);
+
+/// Appends a number to the byte as "%*.*f" prints it, or as "% *.*f" with a blank where a minus sign would
+/// be.
+enum class SignPlace { none, blank };
+void appendFixed(std::string &text, float value, std::size_t width, int decimals, SignPlace sign);
 
 /// Prints one message on the standard error stream. Returns 1, so that a check reads `return complain(...)`.
 [[gnu::format(printf, 1, 2), gnu::cold]] int complain(const char *format, ...);

@@ -191,7 +191,7 @@ TEST(SelectD, KeepsRowsByTheWindow)
     } constexpr rows[] = {{1, {1, 0, 0, 0, 0}}, {2, {1, 1, 1, 0, 0}}, {3, {1, 1, 0, 0, 0}}};
     for (const auto &row : rows) {
         std::array<DInfo, 5> list;
-        constexpr int residues[5][2] = {{5, 6}, {6, 4}, {9, 10}, {4, 11}, {5, 6}};
+        constexpr int residues[5][2] = {{5, 6}, {6, 4}, {10, 9}, {4, 11}, {5, 6}};
         for (std::size_t i = 0; i < 5; ++i) {
             list[i].resIDI = residues[i][0];
             list[i].resIDJ = residues[i][1];

@@ -4,6 +4,10 @@
 #include "support/token.h"
 
 #include <gtest/gtest.h>
+#include <limits>
+#include <random>
+#include <utility>
+#include <vector>
 
 #include <array>
 #include <climits>
@@ -111,6 +115,47 @@ TEST(OutputFile, AFullDeviceIsOneLineAndFails)
     EXPECT_EQ(GetCapturedStderr(), "Error writing /dev/full.\n");
     EXPECT_EQ(openOut(out, "/none/such/file", "w"), 1);
     EXPECT_EQ(out.fp, stdout);
+}
+
+TEST(Text, FixedNumbersAreThoseOfPrintf)
+{
+    std::mt19937 engine(11);
+    std::vector<float> values = {0.0f,
+                                 -0.0f,
+                                 -0.0004f,
+                                 0.0005f,
+                                 0.0625f,
+                                 0.125f,
+                                 2.5f,
+                                 999.9995f,
+                                 1e9f,
+                                 -3e30f,
+                                 std::numeric_limits<float>::infinity(),
+                                 -std::nanf("")};
+    std::uniform_real_distribution<float> exponent(-6.0f, 10.0f);
+    for (int i = 0; i < 20000; ++i)
+        values.push_back((i % 2 == 0 ? 1.0f : -1.0f) * std::pow(10.0f, exponent(engine)));
+    for (int i = 0; i < 20000; ++i)
+        values.push_back(static_cast<float>(i) / 1024.0f); // many of them half-way between two prints
+    for (const float value : values) {
+        for (const auto &[width, decimals] : {std::pair{8, 3}, {6, 2}, {0, 2}, {9, 4}, {5, 0}}) {
+            std::string plain, fast;
+            trelm::appendf(plain, "%*.*f % *.*f", width, decimals, static_cast<double>(value), width,
+                           decimals, static_cast<double>(value));
+            trelm::appendFixed(fast, value, static_cast<std::size_t>(width), decimals,
+                               trelm::SignPlace::none);
+            fast += ' ';
+            trelm::appendFixed(fast, value, static_cast<std::size_t>(width), decimals,
+                               trelm::SignPlace::blank);
+            ASSERT_EQ(fast, plain);
+        }
+    }
+    for (const int value : {0, 7, -7, 123456, 2147483647, -2147483647 - 1}) {
+        std::string plain, fast;
+        trelm::appendf(plain, "%5d", value);
+        trelm::appendInt(fast, value, 5);
+        EXPECT_EQ(fast, plain);
+    }
 }
 
 TEST(OutputFile, WhatIsWrittenCanBeRead)

@@ -1,0 +1,158 @@
+// Laws of the tensor analysis.
+#include "couplings/fit.h"
+#include "couplings/tensor.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+namespace trelm {
+namespace {
+
+constexpr Saupe example = {-5.6e-4, 0.9e-4, 0.3e-4, -1.4e-4, 5.6e-4};
+
+/// M = Rz(gamma) Ry(beta) Rz(alpha), passive, from angles in degrees.
+Matrix3d frameOf(double alpha, double beta, double gamma)
+{
+    const double degree = 3.14159265 / 180.0;
+    const double ca = std::cos(alpha * degree), sa = std::sin(alpha * degree);
+    const double cb = std::cos(beta * degree), sb = std::sin(beta * degree);
+    const double cg = std::cos(gamma * degree), sg = std::sin(gamma * degree);
+    return {ca * cb * cg - sa * sg,
+            sa * cb * cg + ca * sg,
+            -sb * cg,
+            -ca * cb * sg - sa * cg,
+            -sa * cb * sg + ca * cg,
+            sb * sg,
+            ca * sb,
+            sa * sb,
+            cb};
+}
+
+Matrix3d product(const Matrix3d &a, const Matrix3d &b)
+{
+    Matrix3d m{};
+    for (std::size_t i = 0; i < 3; ++i)
+        for (std::size_t j = 0; j < 3; ++j)
+            for (std::size_t k = 0; k < 3; ++k)
+                m[i * 3 + j] += a[i * 3 + k] * b[k * 3 + j];
+    return m;
+}
+
+Matrix3d transposed(const Matrix3d &a)
+{
+    return {a[0], a[3], a[6], a[1], a[4], a[7], a[2], a[5], a[8]};
+}
+
+Saupe vectorOf(const Matrix3d &m)
+{
+    return {m[8], m[0] - m[4], m[1], m[2], m[5]};
+}
+
+TEST(Tensor, EverySolutionDiagonalisesTheMatrix)
+{
+    TensorAnalysis analysis;
+    ASSERT_EQ(analyzeSaupe(example, 0, 1, analysis), 0);
+    EXPECT_GE(std::abs(analysis.eigVal[0]), std::abs(analysis.eigVal[1]));
+    EXPECT_GE(std::abs(analysis.eigVal[1]), std::abs(analysis.eigVal[2]));
+    for (std::size_t i = 0; i < 4; ++i) {
+        const Matrix3d turn =
+            frameOf(-analysis.euler.gamma[i], -analysis.euler.beta[i], -analysis.euler.alpha[i]);
+        const Matrix3d diagonal = product(product(turn, saupeMatrix(example)), transposed(turn));
+        EXPECT_NEAR(diagonal[0], analysis.eigVal[2], 1e-10) << i;
+        EXPECT_NEAR(diagonal[4], analysis.eigVal[1], 1e-10) << i;
+        EXPECT_NEAR(diagonal[8], analysis.eigVal[0], 1e-10) << i;
+        EXPECT_NEAR(diagonal[1], 0.0, 1e-10) << i;
+        EXPECT_NEAR(diagonal[5], 0.0, 1e-10) << i;
+    }
+}
+
+TEST(Tensor, TurningTheMoleculeLeavesMagnitudesAlone)
+{
+    TensorAnalysis before, after;
+    analyzeSaupe(example, 0, 0, before);
+    for (int angle = 0; angle < 360; angle += 37) {
+        const Matrix3d turn = frameOf(angle, 0.5 * angle, 11.0 + angle);
+        const Saupe turned = vectorOf(product(product(turn, saupeMatrix(example)), transposed(turn)));
+        analyzeSaupe(turned, 0, 0, after);
+        EXPECT_NEAR(after.da, before.da, 1e-12);
+        EXPECT_NEAR(after.dr, before.dr, 1e-12);
+        EXPECT_NEAR(after.gMag, before.gMag, 1e-12);
+    }
+}
+
+TEST(Tensor, MagnitudesOfKnownTensors)
+{
+    struct Case {
+        const char *why;
+        Saupe saupe;
+        int yzFlag;
+        double da, dr;
+    };
+    // Along the axes: Szz, Syy, Sxx = -6, 4, 2.
+    const Case cases[] = {
+        {"axes in order", {-6, -2, 0, 0, 0}, 0, -3.0, -2.0 / 3.0},
+        {"y for z", {-6, -2, 0, 0, 0}, 1, 2.0, 8.0 / 3.0},
+        {"axial", {6, 0, 0, 0, 0}, 0, 3.0, 0.0},
+        {"nothing", {0, 0, 0, 0, 0}, 0, 0.0, 0.0},
+    };
+    for (const Case &known : cases) {
+        TensorAnalysis analysis;
+        analyzeSaupe(known.saupe, known.yzFlag, 1, analysis);
+        EXPECT_NEAR(analysis.da, known.da, 1e-12) << known.why;
+        EXPECT_NEAR(analysis.dr, known.dr, 1e-12) << known.why;
+        for (const double angle : analysis.euler.beta)
+            EXPECT_TRUE(std::isfinite(angle)) << known.why;
+    }
+}
+
+TEST(Tensor, CollinearityAtItsEnds)
+{
+    const std::array<float, 5> a = {-5.6f, 0.9f, 0.3f, -1.4f, 5.6f}, none = {};
+    std::array<float, 5> opposite = a;
+    for (float &value : opposite)
+        value = -value;
+    float dcos = 9.0f, angle = 9.0f;
+    irrCollinarity(a, opposite, dcos, angle);
+    EXPECT_NEAR(dcos, -1.0f, 1e-6f);
+    irrCollinarity(a, none, dcos, angle);
+    EXPECT_EQ(dcos, 0.0f);
+    irrCollinarity({2, 0, 0, 0, 0}, {0, 0, 1, 0, 0}, dcos, angle);
+    EXPECT_NEAR(angle, 90.0f, 1e-4f);
+}
+
+TEST(Tensor, RotationsAboutXYZAreFoundAgain)
+{
+    std::mt19937 engine(5);
+    std::uniform_real_distribution<float> draw(-179.0f, 179.0f);
+    for (int i = 0; i < 200; ++i) {
+        const float psi = draw(engine), theta = draw(engine) / 2.1f, phi = draw(engine);
+        std::array<float, 5> saupe{}, again{};
+        std::array<float, 3> eigVal{};
+        euler2saupe(saupe, psi, theta, phi, 4e-4f, 1e-4f);
+        RotationLists lists;
+        float da = 0.0f, dr = 0.0f;
+        const int count = saupe2euler(saupe, lists, eigVal, da, dr);
+        ASSERT_GE(count, 1);
+        EXPECT_NEAR(da, 4e-4f, 2e-9f);
+        for (int k = 0; k < count; ++k) {
+            const auto n = static_cast<std::size_t>(k);
+            euler2saupe(again, lists.psi[n], lists.theta[n], lists.phi[n], da, dr);
+            for (std::size_t j = 0; j < 5; ++j)
+                EXPECT_NEAR(again[j], saupe[j], 2e-7f) << psi << ' ' << theta << ' ' << phi;
+        }
+    }
+}
+
+TEST(Tensor, RotationOfNothingIsZero)
+{
+    RotationLists lists;
+    ASSERT_GE(rot2euler({1, 0, 0, 0, 1, 0, 0, 0, 1}, lists), 1);
+    EXPECT_EQ(lists.psi[0], 0.0f);
+    EXPECT_EQ(lists.theta[0], 0.0f);
+    EXPECT_EQ(lists.phi[0], 0.0f);
+}
+
+} // namespace
+} // namespace trelm

@@ -1,0 +1,132 @@
+// Torsion angles, transformations, turns.
+#include "structure/backbone.h"
+#include "structure/rotate.h"
+#include "structure/transform.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+
+namespace trelm {
+namespace {
+
+const std::string ubiquitin = TRELM_EXAMPLES "/ubiquitin/1d3z_model1.pdb";
+
+float distance(const AtomInfo &a, const AtomInfo &b)
+{
+    return std::hypot(a.x - b.x, a.y - b.y, a.z - b.z);
+}
+
+TEST(Backbone, AnglesOfUbiquitin)
+{
+    PDBInfo pdb;
+    ASSERT_EQ(readPDB(ubiquitin, &pdb, nullptr), 0);
+    updatePDBAngles(&pdb, 1, 76);
+    float phi = 0.0f, psi = 0.0f;
+    EXPECT_EQ(getPDBPhiPsi(&pdb, 1, "A", "", phi, psi), 2);
+    EXPECT_EQ(phi, noAngle);
+    EXPECT_EQ(getPDBPhiPsi(&pdb, 76, "A", "", phi, psi), 1);
+    EXPECT_EQ(psi, noAngle);
+    // Residues 23 to 33 are the helix.
+    for (int resID = 24; resID <= 32; ++resID) {
+        const ResInfo *residue = findRes(&pdb, resID, "A", "");
+        EXPECT_NEAR(residue->phi, -63.0f, 12.0f) << resID;
+        EXPECT_NEAR(residue->psi, -41.0f, 15.0f) << resID;
+    }
+}
+
+TEST(Backbone, SetAnglesAreFoundAgainAndBondsStay)
+{
+    for (const int resID : {10, 60}) { // one in each half: another side moves
+        PDBInfo pdb;
+        ASSERT_EQ(readPDB(ubiquitin, &pdb, nullptr), 0);
+        const AtomInfo first = pdb.atomList[0], last = pdb.atomList[1230];
+        const AtomInfo &ca = *findAtom(&pdb, resID, "CA", "A", ""), &c = *findAtom(&pdb, resID, "C", "A", "");
+        const float bond = distance(ca, c);
+        EXPECT_EQ(setPDBPhiPsi(&pdb, resID, "A", "", -120.0f, 140.0f), 3);
+        float phi = 0.0f, psi = 0.0f;
+        getPDBPhiPsi(&pdb, resID, "A", "", phi, psi);
+        EXPECT_NEAR(phi, -120.0f, 0.01f);
+        EXPECT_NEAR(psi, 140.0f, 0.01f);
+        EXPECT_NEAR(distance(ca, c), bond, 1e-4f);
+        EXPECT_EQ(distance(pdb.atomList[0], first) > 0.1f, resID == 10);
+        EXPECT_EQ(distance(pdb.atomList[1230], last) > 0.1f, resID == 60);
+    }
+}
+
+TEST(Backbone, DihedralOfKnownPoints)
+{
+    const Coord3D a = {1, 0, 0}, b = {0, 0, 0}, c = {0, 0, 1};
+    for (const float angle : {-150.0f, -90.0f, -10.0f, 0.0f, 45.0f, 179.0f}) {
+        const float radian = angle * 3.14159265f / 180.0f;
+        float phi = 1.0f;
+        EXPECT_EQ(getDihedralAngle(a, b, c, {std::cos(radian), std::sin(radian), 1}, phi), 0);
+        EXPECT_NEAR(phi, angle, 0.05f);
+    }
+    float phi = 1.0f;
+    EXPECT_EQ(getDihedralAngle({0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0}, phi), 0); // on a line
+    EXPECT_EQ(phi, 0.0f);
+}
+
+TEST(Transform, OrderAndSense)
+{
+    Coord3D r = {1, 0, 0};
+    pdb3dReset();
+    pdb3dAppendTranslation(0, 1, 0);
+    pdb3dAppendRotation0(0, 0, 90); // a quarter turn about z, after the translation
+    pdb3dCoordTransform({&r, 1});
+    EXPECT_NEAR(r.x, -1.0f, 1e-6f);
+    EXPECT_NEAR(r.y, 1.0f, 1e-6f);
+
+    Coord3D s = {2, 1, 0};
+    pdb3dReset();
+    pdb3dAppendRotation2(1, 1, 0, 1, 1, 5, 90); // about a line parallel to z through (1, 1)
+    pdb3dCoordTransform({&s, 1});
+    EXPECT_NEAR(s.x, 1.0f, 1e-6f);
+    EXPECT_NEAR(s.y, 2.0f, 1e-6f);
+
+    Matrix4 before, after;
+    pdb3dCopyCurrentMatrix(before);
+    pdb3dAppendRotation2(1, 2, 3, 1, 2, 3, 50);
+    pdb3dCopyCurrentMatrix(after);
+    EXPECT_EQ(before, after);
+}
+
+TEST(Rotate, TurnsBringAnAxisWhereItsAnglesSay)
+{
+    // phi and theta of a direction, as polar angles, turn it onto z.
+    const double phi = 35.0, theta = 70.0;
+    const double degree = 3.14159265 / 180.0;
+    PDBInfo pdb;
+    ASSERT_EQ(readPDB(ubiquitin, &pdb, nullptr), 0);
+    AtomInfo &atom = pdb.atomList[0];
+    atom.x = static_cast<float>(std::sin(theta * degree) * std::cos(phi * degree));
+    atom.y = static_cast<float>(std::sin(theta * degree) * std::sin(phi * degree));
+    atom.z = static_cast<float>(std::cos(theta * degree));
+    const float untouched = pdb.atomList[1230].x;
+    rotateDomain({phi, theta, 20.0}, &pdb, 1, 10);
+    EXPECT_NEAR(atom.x, 0.0f, 1e-6f);
+    EXPECT_NEAR(atom.y, 0.0f, 1e-6f);
+    EXPECT_NEAR(atom.z, 1.0f, 1e-6f);
+    EXPECT_EQ(pdb.atomList[1230].x, untouched);
+    rotateDomain({-20.0, -theta, -phi}, &pdb, 1, 10); // and back
+    EXPECT_NEAR(atom.z, static_cast<float>(std::cos(theta * degree)), 1e-6f);
+}
+
+TEST(Rotate, ShiftNeedsAtoms)
+{
+    PDBInfo pdb;
+    ASSERT_EQ(readPDB(ubiquitin, &pdb, nullptr), 0);
+    EXPECT_EQ(shiftMol2Domain(&pdb, 1, 76), 0);
+    double sum = 0.0;
+    for (const AtomInfo &atom : pdb.atoms())
+        sum += static_cast<double>(atom.x);
+    EXPECT_NEAR(sum / 1231, 0.0, 1e-5);
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(shiftMol2Domain(&pdb, 100, 200), 1);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "Error in positionDomain: zero atoms selected.");
+}
+
+} // namespace
+} // namespace trelm

@@ -34,7 +34,7 @@ format-check: setup
 	clang-format --dry-run -Werror $(sources)
 
 tidy: release
-	clang-tidy -p build/release --quiet $(filter src/%.cpp,$(sources))
+	clang-tidy -p build/release --quiet --extra-arg=-Wno-unknown-warning-option $(filter src/%.cpp,$(sources))
 
 setup:
 	@scripts/setup.sh

@@ -1,6 +1,5 @@
 #include "couplings/statistics.h"
 
-#include "support/statistics.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -63,24 +62,22 @@ float qOfTensor(const DTensor &tensor, const Sums &sums, float rms)
     return safeRatio(rms, norm);
 }
 
-/// Both regressions and their mean slope.
-void regress(std::span<const float> obs, std::span<const float> calc, DcStatistics &stat)
-{
-    stat.coorR = pearsn(obs, calc).r;
-    const LineFit calcOnObs = fit(obs, calc, {}, 0);
-    const LineFit obsOnCalc = fit(calc, obs, {}, 0);
-    stat.offset = calcOnObs.a;
-    stat.errOffset = calcOnObs.siga;
-    stat.slope = calcOnObs.b;
-    stat.errSlope = calcOnObs.sigb;
-    if (obsOnCalc.b == 0.0f)
-        return;
-    stat.aveSlope = (1.0f / obsOnCalc.b + calcOnObs.b) / 2.0f;
-    stat.errAveSlope = stat.aveSlope / 2.0f *
-                       std::sqrt(squared(calcOnObs.sigb) + squared(obsOnCalc.sigb / squared(obsOnCalc.b)));
-}
-
 } // namespace
+
+Regression regress(std::span<const float> x, std::span<const float> y)
+{
+    Regression result;
+    result.r = pearsn(x, y).r;
+    result.yOnX = fit(x, y, {}, 0);
+    result.xOnY = fit(y, x, {}, 0);
+    if (result.xOnY.b == 0.0f)
+        return result;
+    result.aveSlope = (1.0f / result.xOnY.b + result.yOnX.b) / 2.0f;
+    result.errAveSlope =
+        result.aveSlope / 2.0f *
+        std::sqrt(squared(result.yOnX.sigb) + squared(result.xOnY.sigb / squared(result.xOnY.b)));
+    return result;
+}
 
 int getStatDC(std::span<const DInfo> dObsList, std::span<const DInfo> dCalcList, float &rSumD, float &pSumD,
               int &nD)
@@ -123,7 +120,14 @@ int getStatDCmod(const DTable &dTab, DcStatistics &stat)
     stat.rSumD2 = std::sqrt(stat.rSumD2 / n);
     stat.qIsoD = qOfTensor(dTab.dTensor, sums, stat.rSumD2);
     const auto pairs = static_cast<std::size_t>(stat.nD);
-    regress(obs.span().first(pairs), calc.span().first(pairs), stat);
+    const Regression line = regress(obs.span().first(pairs), calc.span().first(pairs));
+    stat.coorR = line.r;
+    stat.offset = line.yOnX.a;
+    stat.errOffset = line.yOnX.siga;
+    stat.slope = line.yOnX.b;
+    stat.errSlope = line.yOnX.sigb;
+    stat.aveSlope = line.aveSlope;
+    stat.errAveSlope = line.errAveSlope;
     return 0;
 }
 

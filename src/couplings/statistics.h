@@ -2,6 +2,7 @@
 #pragma once
 
 #include "couplings/dipolar.h"
+#include "support/statistics.h"
 
 #include <span>
 
@@ -11,6 +12,15 @@ namespace trelm {
 /// squared differences over errors, nD the pairs behind both. Returns the number of measured couplings.
 int getStatDC(std::span<const DInfo> dObsList, std::span<const DInfo> dCalcList, float &rSumD, float &pSumD,
               int &nD);
+
+/// Correlation and regressions of two equally long lists, without errors. What has no value is 0.
+struct Regression {
+    float r = 0.0f; ///< correlation
+    LineFit yOnX, xOnY;
+    float aveSlope = 0.0f; ///< mean of the slope of y on x and the inverse of that of x on y
+    float errAveSlope = 0.0f;
+};
+Regression regress(std::span<const float> x, std::span<const float> y);
 
 /// The statistics of the report.
 struct DcStatistics {

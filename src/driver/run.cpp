@@ -43,8 +43,10 @@ int startRun(Run &run)
 int readOptions(int argc, char **argv, Run &run)
 {
     initArgs(argc, argv, checkByEnvironment);
-    const int status =
+    int status =
         getparams(argc, argv, run.options, run.trelmInfo[0], run.dcInfo[0], run.sInfo, run.dTab[0].dTensor);
+    if (run.options.wCount < 0) // no memory for the weights
+        status = 1;
     if (status != 0) {
         complain("TRELM Error extracting command-line arguments.\n");
         return status;

@@ -2,10 +2,11 @@
 
 #include "couplings/fit.h"
 #include "couplings/output.h"
+#include "couplings/statistics.h"
 #include "couplings/tensor.h"
 #include "structure/write.h"
 #include "support/random.h"
-#include "support/statistics.h"
+
 #include "support/text.h"
 
 #include <algorithm>
@@ -24,11 +25,6 @@ struct Pairs {
     Block<float> dcNorm, dcMatrixNorm; ///< measured and calculated, times the calculated entry's weight
     int nD = 0;
     double rSumD = 0.0, rSumD2 = 0.0, sumD2 = 0.0;
-};
-
-struct FitBlock {
-    float stdDevD = 0.0f, q = 0.0f, r_stat = 0.0f;
-    float offset = 0.0f, siga = 0.0f, slope = 0.0f, sigb = 0.0f, slopeAve = 0.0f, errSlopeAve = 0.0f;
 };
 
 bool takesPart(const DInfo &observed, const DInfo &calculated)
@@ -54,39 +50,20 @@ void collectPairs(const DTable &dTab, Pairs &pairs)
     }
 }
 
-/// The regressions of a block. The offset is that of the exchanged one, measured on calculated.
-void regress(const Pairs &pairs, FitBlock &block)
-{
-    const auto n = static_cast<std::size_t>(pairs.nD);
-    const auto measured = pairs.dcNorm.span().first(n);
-    const auto calculated = pairs.dcMatrixNorm.span().first(n);
-    block.r_stat = pearsn(measured, calculated).r;
-    const LineFit line = fit(measured, calculated, {}, 0);
-    const LineFit exchanged = fit(calculated, measured, {}, 0);
-    block.slope = line.b;
-    block.sigb = line.sigb;
-    block.offset = exchanged.a;
-    block.siga = exchanged.siga;
-    if (exchanged.b == 0.0f)
-        return;
-    const float error2 = exchanged.sigb / (exchanged.b * exchanged.b);
-    block.slopeAve = (1.0f / exchanged.b + line.b) * 0.5f;
-    block.errSlopeAve = 0.5f * block.slopeAve * std::sqrt(line.sigb * line.sigb + error2 * error2);
-}
-
-void appendBlock(const FitBlock &block, std::string &result)
+/// The lines of a block. The offset is that of the exchanged regression, measured on calculated.
+void appendBlock(float stdDevD, float q, const Regression &line, std::string &result)
 {
     const auto number = [](float value) { return static_cast<double>(value); };
     result += "\nDATA STATISTICS DC\n";
-    appendf(result, "DATA STATISTICS DC STDDEV_DIFF  %.3f [Hz]\n", number(block.stdDevD));
-    appendf(result, "DATA STATISTICS DC CORR R       %.3f\n", number(block.r_stat));
-    appendf(result, "DATA STATISTICS DC CORNILESCU Q %.3f\n", number(block.q));
-    appendf(result, "DATA STATISTICS DC REGRESSION OFFSET    %.3f +/- %.3f [Hz]\n", number(block.offset),
-            number(block.siga));
-    appendf(result, "DATA STATISTICS DC REGRESSION SLOPE     %.3f +/- %.3f [Hz]\n", number(block.slope),
-            number(block.sigb));
-    appendf(result, "DATA STATISTICS DC REGRESSION BAX SLOPE %.3f +/- %.3f [Hz]\n", number(block.slopeAve),
-            number(block.errSlopeAve));
+    appendf(result, "DATA STATISTICS DC STDDEV_DIFF  %.3f [Hz]\n", number(stdDevD));
+    appendf(result, "DATA STATISTICS DC CORR R       %.3f\n", number(line.r));
+    appendf(result, "DATA STATISTICS DC CORNILESCU Q %.3f\n", number(q));
+    appendf(result, "DATA STATISTICS DC REGRESSION OFFSET    %.3f +/- %.3f [Hz]\n", number(line.xOnY.a),
+            number(line.xOnY.siga));
+    appendf(result, "DATA STATISTICS DC REGRESSION SLOPE     %.3f +/- %.3f [Hz]\n", number(line.yOnX.b),
+            number(line.yOnX.sigb));
+    appendf(result, "DATA STATISTICS DC REGRESSION BAX SLOPE %.3f +/- %.3f [Hz]\n", number(line.aveSlope),
+            number(line.errAveSlope));
     result += "\n";
 }
 
@@ -140,17 +117,19 @@ int statDC(const DTable &dTab, std::string &result, int verbose)
     if (!pairs.dcNorm || !pairs.dcMatrixNorm)
         return complain("Error allocating temporary buffers.\n");
     collectPairs(dTab, pairs);
-    FitBlock block;
+    float stdDevD = 0.0f, q = 0.0f;
+    Regression line;
     if (pairs.nD != 0) {
         const double n = pairs.nD;
-        block.stdDevD =
+        stdDevD =
             static_cast<float>(std::sqrt(std::max(0.0, (pairs.rSumD2 - pairs.rSumD * pairs.rSumD / n) / n)));
-        regress(pairs, block);
+        const auto count = static_cast<std::size_t>(pairs.nD);
+        line = regress(pairs.dcNorm.span().first(count), pairs.dcMatrixNorm.span().first(count));
     }
     if (pairs.sumD2 != 0.0)
-        block.q = static_cast<float>(std::sqrt(pairs.rSumD2 / pairs.sumD2));
+        q = static_cast<float>(std::sqrt(pairs.rSumD2 / pairs.sumD2));
     if (verbose != 0)
-        appendBlock(block, result);
+        appendBlock(stdDevD, q, line, result);
     if (verbose == 2)
         listCouplings(dTab);
     return 0;

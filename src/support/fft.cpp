@@ -106,7 +106,8 @@ void padResponse(std::span<const float> respns, std::size_t n)
 /// Product or quotient of the two spectra, from frequency 0 to the highest, into `ans`.
 int combine(int isign, std::span<float> ans, std::size_t n)
 {
-    const float half = static_cast<float>(n / 2);
+    const std::size_t points = n / 2;
+    const auto half = static_cast<float>(points);
     for (std::size_t k = 0; k <= n / 2; ++k) {
         const float *d = &spectrum[2 * k];
         float *r = &ans[2 * k];

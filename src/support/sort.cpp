@@ -16,8 +16,8 @@ void iSort(std::span<int> values)
 void rSort(std::span<float> values)
 {
     // A sort by < alone has no order for a NaN and could run out of the array.
-    const auto numbers = std::ranges::partition(values, [](float v) { return !std::isnan(v); });
-    std::sort(values.begin(), numbers.begin());
+    const auto end = std::partition(values.begin(), values.end(), [](float v) { return !std::isnan(v); });
+    std::sort(values.begin(), end);
 }
 
 void iSort2(std::span<int> keys, std::span<int> companions)

@@ -3,6 +3,8 @@
 #include "couplings/run_report.h"
 #include "couplings/statistics.h"
 
+#include "couplings/dc_table.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -13,31 +15,6 @@
 
 namespace trelm {
 namespace {
-
-/// A table of measured and calculated couplings, N-H, all weights and errors 1.
-DTable makeTable(const std::vector<std::pair<float, float>> &couplings)
-{
-    DTable table;
-    table.dCount = static_cast<int>(couplings.size());
-    table.dObsList = Block<DInfo>("dc", couplings.size());
-    table.dCalcList = Block<DInfo>("dc", couplings.size());
-    for (std::size_t i = 0; i < couplings.size(); ++i) {
-        DInfo row;
-        row.valid = 1;
-        row.resIDI = row.resIDJ = static_cast<int>(i) + 2;
-        pdbStrCpy(row.resNameI, "GLN");
-        pdbStrCpy(row.atomNameI, "H");
-        pdbStrCpy(row.resNameJ, "GLN");
-        pdbStrCpy(row.atomNameJ, "N");
-        row.di = -21585.2f;
-        row.sigma = 1.0f;
-        row.d = couplings[i].first;
-        table.dObsList[i] = row;
-        row.d = couplings[i].second;
-        table.dCalcList[i] = row;
-    }
-    return table;
-}
 
 std::string written(DTable &table, TrelmInfo &info)
 {

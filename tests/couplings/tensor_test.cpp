@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <random>
 
 namespace trelm {
 namespace {
@@ -120,29 +119,6 @@ TEST(Tensor, CollinearityAtItsEnds)
     EXPECT_EQ(dcos, 0.0f);
     irrCollinarity({2, 0, 0, 0, 0}, {0, 0, 1, 0, 0}, dcos, angle);
     EXPECT_NEAR(angle, 90.0f, 1e-4f);
-}
-
-TEST(Tensor, RotationsAboutXYZAreFoundAgain)
-{
-    std::mt19937 engine(5);
-    std::uniform_real_distribution<float> draw(-179.0f, 179.0f);
-    for (int i = 0; i < 200; ++i) {
-        const float psi = draw(engine), theta = draw(engine) / 2.1f, phi = draw(engine);
-        std::array<float, 5> saupe{}, again{};
-        std::array<float, 3> eigVal{};
-        euler2saupe(saupe, psi, theta, phi, 4e-4f, 1e-4f);
-        RotationLists lists;
-        float da = 0.0f, dr = 0.0f;
-        const int count = saupe2euler(saupe, lists, eigVal, da, dr);
-        ASSERT_GE(count, 1);
-        EXPECT_NEAR(da, 4e-4f, 2e-9f);
-        for (int k = 0; k < count; ++k) {
-            const auto n = static_cast<std::size_t>(k);
-            euler2saupe(again, lists.psi[n], lists.theta[n], lists.phi[n], da, dr);
-            for (std::size_t j = 0; j < 5; ++j)
-                EXPECT_NEAR(again[j], saupe[j], 2e-7f) << psi << ' ' << theta << ' ' << phi;
-        }
-    }
 }
 
 TEST(Tensor, RotationOfNothingIsZero)

@@ -3,24 +3,12 @@
 
 #include "support/random.h"
 
+#include "couplings/dc_table.h"
+
 #include <gtest/gtest.h>
 
 namespace trelm {
 namespace {
-
-DTable makeTable(const std::vector<std::pair<float, float>> &couplings)
-{
-    DTable table;
-    table.dCount = static_cast<int>(couplings.size());
-    table.dObsList = Block<DInfo>("dc", couplings.size());
-    table.dCalcList = Block<DInfo>("dc", couplings.size());
-    for (std::size_t i = 0; i < couplings.size(); ++i) {
-        table.dObsList[i].valid = table.dCalcList[i].valid = 1;
-        table.dObsList[i].d = couplings[i].first;
-        table.dCalcList[i].d = couplings[i].second;
-    }
-    return table;
-}
 
 TEST(StatDC, OffsetIsThatOfTheExchangedRegression)
 {

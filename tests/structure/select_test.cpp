@@ -11,109 +11,35 @@ namespace {
 
 const std::string ubiquitin = TRELM_EXAMPLES "/ubiquitin/1d3z_model1.pdb";
 
+/// What a case changes in the defaults.
 struct SelectCase {
     const char *why;
-    void (*change)(PDBSelectInfo &s);
+    int selectMode, resIDMode, res1, resN;
+    const char *atoms;
+    int atomMode;
+    const char *residues;
+    int residueMode, chainMode;
     int marked;
 };
 
-// Ubiquitin: 1231 atoms, 602 of them heavy, 76 residues, 7 lysines, residues 1 to 76.
+constexpr int largest = 2147483647;
+
+// Ubiquitin: 1231 atoms, 602 of them heavy, 7 lysines, residues 1 to 76.
 constexpr SelectCase cases[] = {
-    {"the defaults take all", [](PDBSelectInfo &) {}, 1231},
-    {"clear marks nobody, and tells how many", [](PDBSelectInfo &s) { s.selectMode = 0; }, 1231},
-    {"two names, case counts",
-     [](PDBSelectInfo &s) {
-         s.selectMode = 2;
-         s.resN = 76;
-         s.atomNameList = "CA N ca";
-     },
-     152},
-    {"a star switches the test off",
-     [](PDBSelectInfo &s) {
-         s.selectMode = 2;
-         s.resIDMode = 1;
-         s.res1 = 76;
-         s.resN = 76;
-     },
-     8},
-    {"a range the wrong way round",
-     [](PDBSelectInfo &s) {
-         s.selectMode = 2;
-         s.resIDMode = 1;
-         s.res1 = 3;
-         s.resN = 2;
-         s.atomNameList = "CA";
-     },
-     2},
-    {"a range beyond the molecule ends",
-     [](PDBSelectInfo &s) {
-         s.selectMode = 2;
-         s.resIDMode = 1;
-         s.res1 = 75;
-         s.resN = 2147483647;
-         s.atomNameList = "CA";
-     },
-     2},
-    {"heavy atoms by glob",
-     [](PDBSelectInfo &s) {
-         s.selectMode = 2;
-         s.resN = 76;
-         s.atomNameMode = 3;
-         s.atomNameList = "[CNOS]*";
-     },
-     602},
-    {"residue names only with a match mode",
-     [](PDBSelectInfo &s) {
-         s.selectMode = 2;
-         s.resN = 76;
-         s.resNameList = "LYS";
-         s.atomNameList = "CA";
-     },
-     76},
-    {"residue names with a match mode",
-     [](PDBSelectInfo &s) {
-         s.selectMode = 2;
-         s.resN = 76;
-         s.resNameList = "LYS";
-         s.resNameMode = 1;
-         s.atomNameList = "CA";
-     },
-     7},
-    {"a chain test takes the road over all atoms",
-     [](PDBSelectInfo &s) {
-         s.selectMode = 2;
-         s.chainNameList = "B";
-         s.chainNameMode = 1;
-     },
-     0},
-    {"inverted without a test misses all",
-     [](PDBSelectInfo &s) {
-         s.selectMode = -1;
-         s.resN = 76;
-     },
-     0},
-    {"inverted takes what fails",
-     [](PDBSelectInfo &s) {
-         s.selectMode = -1;
-         s.resN = 76;
-         s.atomNameList = "CA";
-     },
-     1155},
-    {"an empty list matches nobody",
-     [](PDBSelectInfo &s) {
-         s.selectMode = 2;
-         s.resN = 76;
-         s.atomNameList = "";
-     },
-     0},
-    {"a pattern that cannot be compiled selects nothing",
-     [](PDBSelectInfo &s) {
-         s.selectMode = 2;
-         s.resN = 76;
-         s.atomNameMode = 2;
-         s.atomNameList = "a**";
-     },
-     0},
+    {"the defaults take all", 1, 0, 0, 0, "*", 1, "*", 0, 0, 1231},
+    {"clear marks nobody, and tells how many", 0, 0, 0, 0, "*", 1, "*", 0, 0, 1231},
+    {"two names, case counts", 2, 0, 0, 76, "CA N ca", 1, "*", 0, 0, 152},
+    {"a star switches the test off", 2, 1, 76, 76, "*", 1, "*", 0, 0, 8},
+    {"a range the wrong way round", 2, 1, 3, 2, "CA", 1, "*", 0, 0, 2},
+    {"a range beyond the molecule ends", 2, 1, 75, largest, "CA", 1, "*", 0, 0, 2},
+    {"heavy atoms by glob", 2, 0, 0, 76, "[CNOS]*", 3, "*", 0, 0, 602},
+    {"residue names without a match mode", 2, 0, 0, 76, "CA", 1, "LYS", 0, 0, 76},
+    {"residue names with a match mode", 2, 0, 0, 76, "CA", 1, "LYS", 1, 0, 7},
+    {"a chain test takes the road over all atoms", 2, 0, 0, 0, "CA", 1, "*", 0, 1, 0},
+    {"inverted without a test misses all", -1, 0, 0, 76, "*", 1, "*", 0, 0, 0},
+    {"inverted takes what fails", -1, 0, 0, 76, "CA", 1, "*", 0, 0, 1155},
+    {"an empty list matches nobody", 2, 0, 0, 76, "", 1, "*", 0, 0, 0},
+    {"a pattern that cannot be compiled", 2, 0, 0, 76, "a**", 2, "*", 0, 0, 0},
 };
 
 TEST(Select, MarksByTheCriteria)
@@ -123,7 +49,16 @@ TEST(Select, MarksByTheCriteria)
     for (const SelectCase &choice : cases) {
         pdbClearSelection(&pdb);
         PDBSelectInfo sInfo;
-        choice.change(sInfo);
+        sInfo.selectMode = choice.selectMode;
+        sInfo.resIDMode = choice.resIDMode;
+        sInfo.res1 = choice.res1;
+        sInfo.resN = choice.resN;
+        sInfo.atomNameList = choice.atoms;
+        sInfo.atomNameMode = choice.atomMode;
+        sInfo.resNameList = choice.residues;
+        sInfo.resNameMode = choice.residueMode;
+        sInfo.chainNameList = "B";
+        sInfo.chainNameMode = choice.chainMode;
         EXPECT_EQ(pdbSelect(&pdb, &sInfo), choice.marked) << choice.why;
     }
 }

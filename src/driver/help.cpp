@@ -14,7 +14,7 @@ constexpr HelpEntry stericInput[] = {
     {"-pdb",     "pdbName", "None",   "PDB Input Structure."},
     {"-inD",     "inName",  "None",   "Dipolar Coupling Table Input."},
     {"-outD",    "outName", "stdout", "Report and Dipolar Coupling Table Output."},
-    {"-pdbRot",  "pdbName", "stdout", "PDB Output, in the Frame of the Alignment Tensor."},
+    {"-pdbRot",  "pdbName", "None", "PDB Output, in the Frame of the Alignment Tensor."},
     {"-rem",     "text",    "None",   "Remark for the Output."},
 };
 
@@ -99,7 +99,7 @@ constexpr HelpEntry elInput[] = {
     {"-pdb",     "pdbName", "None",   "PDB Input Structure."},
     {"-inD",     "inName",  "None",   "Dipolar Coupling Table Input."},
     {"-outD",    "outName", "stdout", "Report and Dipolar Coupling Table Output."},
-    {"-pdbRot",  "pdbName", "stdout", "PDB Output, in the Frame of the Alignment Tensor."},
+    {"-pdbRot",  "pdbName", "None", "PDB Output, in the Frame of the Alignment Tensor."},
     {"-pka",     "pkaName", "None",   "Charge Input."},
     {"-outPka",  "pkaName", "None",   "Charge Output."},
     {"-pot",     "potName", "None",   "1D Potential Input, for -bic and -pf1."},
@@ -163,7 +163,7 @@ constexpr HelpEntry fitInput[] = {
     {"-pdb",     "pdbName", "None",   "PDB Input Structure."},
     {"-inD",     "inName",  "None",   "Dipolar Coupling Table Input."},
     {"-outD",    "outName", "stdout", "Report and Dipolar Coupling Table Output."},
-    {"-pdbRot",  "pdbName", "stdout", "PDB Output, One File for each Euler Solution."},
+    {"-pdbRot",  "pdbName", "None", "PDB Output, One File for each Euler Solution."},
     {"-rotID",   "id",      "0",      "Euler Solution for -pdbRot Itself, 0 to 3."},
     {"-rem",     "text",    "None",   "Remark for the Output."},
 };
@@ -266,7 +266,7 @@ constexpr HelpEntry exhaustInput[] = {
     {"-pdb",        "pdbName", "None",   "PDB Input Structure."},
     {"-inD",        "inName",  "None",   "Dipolar Coupling Table Input, One Row a Peak."},
     {"-outD",       "outName", "stdout", "Report and Dipolar Coupling Table Output."},
-    {"-pdbRot",     "pdbName", "stdout", "PDB Output, in the Frame of the Alignment Tensor."},
+    {"-pdbRot",     "pdbName", "None", "PDB Output, in the Frame of the Alignment Tensor."},
     {"-rem",        "text",    "None",   "Remark for the Output."},
 };
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace trelm {
 namespace {
@@ -26,6 +27,14 @@ float safeRatio(float a, float b)
 float squared(float a)
 {
     return a * a;
+}
+
+/// A result in single precision. Squares of extreme couplings or magnitudes leave that range, so they are
+/// formed in double precision; what is no number even then has no value, which is 0.
+float valueOf(double result)
+{
+    constexpr double largest = std::numeric_limits<float>::max();
+    return std::isnan(result) ? 0.0f : static_cast<float>(std::clamp(result, -largest, largest));
 }
 
 /// Weighted pairs of the rows that count, and their sums.
@@ -57,9 +66,11 @@ float qOfTensor(const DTensor &tensor, const Sums &sums, float rms)
 {
     const float a = sums.diMax * tensor.da * sums.wMax;
     const float b = sums.diMax * tensor.dr * sums.wMax;
-    const float norm =
-        a != 0.0f ? std::sqrt(2.0f * squared(a) * (4.0f + 3.0f * squared(b / a)) / 5.0f) : 0.0f;
-    return safeRatio(rms, norm);
+    if (a == 0.0f)
+        return 0.0f;
+    const double aSquared = double{a} * a;
+    const double ratio = double{b} / a;
+    return valueOf(rms / std::sqrt(2.0 * aSquared * (4.0 + 3.0 * ratio * ratio) / 5.0));
 }
 
 } // namespace
@@ -70,12 +81,16 @@ Regression regress(std::span<const float> x, std::span<const float> y)
     result.r = pearsn(x, y).r;
     result.yOnX = fit(x, y, {}, 0);
     result.xOnY = fit(y, x, {}, 0);
+    for (LineFit *line : {&result.yOnX, &result.xOnY})
+        for (float *value : {&line->a, &line->b, &line->siga, &line->sigb})
+            *value = valueOf(*value);
     if (result.xOnY.b == 0.0f)
         return result;
-    result.aveSlope = (1.0f / result.xOnY.b + result.yOnX.b) / 2.0f;
-    result.errAveSlope =
-        result.aveSlope / 2.0f *
-        std::sqrt(squared(result.yOnX.sigb) + squared(result.xOnY.sigb / squared(result.xOnY.b)));
+    const double b1 = result.yOnX.b, sigb1 = result.yOnX.sigb;
+    const double b2 = result.xOnY.b, sigb2 = result.xOnY.sigb / (b2 * b2);
+    const double aveSlope = (1.0 / b2 + b1) / 2.0;
+    result.aveSlope = valueOf(aveSlope);
+    result.errAveSlope = valueOf(aveSlope / 2.0 * std::sqrt(sigb1 * sigb1 + sigb2 * sigb2));
     return result;
 }
 
@@ -106,6 +121,7 @@ int getStatDCmod(const DTable &dTab, DcStatistics &stat)
 {
     stat = DcStatistics{};
     const auto rows = static_cast<std::size_t>(dTab.dCount);
+    // Both regressions run over the pairs themselves: a copy with room behind them gives the same numbers.
     Block<float> obs("statDC", rows + 1);
     Block<float> calc("statDC", rows + 1);
     if (!obs || !calc)
@@ -116,7 +132,7 @@ int getStatDCmod(const DTable &dTab, DcStatistics &stat)
         return 0;
     const auto n = static_cast<float>(stat.nD);
     stat.stdDevD = std::sqrt(std::max(0.0f, (stat.rSumD2 - squared(sums.diff) / n) / n));
-    stat.qD = std::sqrt(safeRatio(stat.rSumD2, sums.obs2));
+    stat.qD = valueOf(std::sqrt(safeRatio(stat.rSumD2, sums.obs2)));
     stat.rSumD2 = std::sqrt(stat.rSumD2 / n);
     stat.qIsoD = qOfTensor(dTab.dTensor, sums, stat.rSumD2);
     const auto pairs = static_cast<std::size_t>(stat.nD);

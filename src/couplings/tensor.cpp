@@ -10,7 +10,7 @@ namespace trelm {
 namespace {
 
 constexpr double magnitudeNorm = 1.67551608; ///< 8 pi / 15
-constexpr float hertzOfAmide = 21585.2f;     ///< of reports: Da on the scale of an amide pair
+constexpr double hertzOfAmide = 21585.2;     ///< of reports: Da on the scale of an amide pair
 
 /// Diagonalises and sorts.
 void solveEigensystem(const Matrix3d &matrix, int yzFlag, TensorAnalysis &analysis)
@@ -132,7 +132,7 @@ void reportEuler(std::string &text, const DTensor &dTensor)
     const float rhombicity = dTensor.da != 0.0f ? dTensor.dr / dTensor.da : 0.0f;
     appendf(text, "\nDATA Da % e\nDATA Dr % e\n\n\n", number(dTensor.da), number(dTensor.dr));
     appendf(text, "DATA Aa % e\nDATA Ar % e\n\n\n", number(2.0f * dTensor.da), number(2.0f * dTensor.dr));
-    appendf(text, "DATA Da_HN      % 8.6e\nDATA Rhombicity % 8.6e\n\n", number(hertzOfAmide * dTensor.da),
+    appendf(text, "DATA Da_HN      % 8.6e\nDATA Rhombicity % 8.6e\n\n", hertzOfAmide * number(dTensor.da),
             number(rhombicity));
 }
 

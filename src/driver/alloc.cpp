@@ -38,9 +38,10 @@ bool isPossible(std::size_t length, std::size_t size)
 
 void *request(const char *kind, const char *caller, std::size_t length, std::size_t size)
 {
-    const auto add = static_cast<std::int64_t>(length * size);
+    const bool possible = isPossible(length, size); // a size beyond all numbers has no place in the account
+    const std::int64_t add = possible ? static_cast<std::int64_t>(length * size) : 0;
     bytesUsed += add;
-    void *block = isPossible(length, size) && requestMayPass() ? std::malloc(length * size) : nullptr;
+    void *block = possible && requestMayPass() ? std::malloc(length * size) : nullptr;
     if (verboseAlloc != 0)
         std::fprintf(stderr, "\n_MEM %s Name: %s Alloc: %p Add: %" PRId64 " Now: %" PRId64 "\n", kind, caller,
                      block, add, bytesUsed);

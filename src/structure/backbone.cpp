@@ -81,8 +81,8 @@ constexpr int lowSide = 0;
 constexpr int highSide = 1;
 constexpr int otherSegment = 2;
 
-/// Marks the two sides of a residue; within it `lowNames` tells which atoms belong to the low side, or to the
-/// high side if `namesAreHigh`.
+/// Marks the two sides of a residue; within it the atoms of these names belong to `sideOfNames`, all others
+/// to the other side.
 void markSides(SegInfo &segment, int resID, std::initializer_list<std::string_view> names, int sideOfNames)
 {
     for (int i = 0; i < segment.atomCount; ++i) {

@@ -59,6 +59,7 @@ int findOrAdd(const KeyedList<T> &keyed, const std::string &key)
     symbol->val.i = keyed.count;
     return keyed.count++;
 }
+
 /// Enters an atom under its key. An atom whose key is taken stays in the lists, and the key stays with the
 /// first.
 int insertAtom(PDBInfo &pdbInfo, int place, std::string &key)

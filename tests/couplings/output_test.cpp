@@ -86,6 +86,86 @@ TEST(Output, StatisticsWithoutSpreadAreZero)
     EXPECT_EQ(stat.errAveSlope, 0.0f);
 }
 
+TEST(Output, StatisticsBeyondSinglePrecisionAreNumbers)
+{
+    struct Case {
+        const char *why;
+        std::vector<std::pair<float, float>> couplings;
+        float da;
+    };
+    const Case cases[] = {
+        {"tiny measured values", {{1e-23f, 5.0f}, {2e-23f, -7.0f}, {3e-23f, 1.0f}}, 1e-3f},
+        {"huge values", {{-3e19f, -3.1e19f}, {-2e19f, 2.5f}, {3.0f, -1e19f}}, 1e-3f},
+        {"a tiny Da beside Dr", {{1.0f, 2.0f}, {2.0f, 2.5f}, {3.0f, 1.0f}}, 1e-28f},
+    };
+    for (const Case &extreme : cases) {
+        DTable table = makeTable(extreme.couplings);
+        table.dTensor.da = extreme.da;
+        TrelmInfo info;
+        EXPECT_EQ(written(table, info).find("nan"), std::string::npos) << extreme.why;
+    }
+}
+
+// Azz along x, Ayy along y, Axx along z, so that an exchange of axes shows.
+TEST(Output, SectionsOfTheTensor)
+{
+    DTable table = makeTable({{1.0f, 1.0f}});
+    table.dTensor.saupe = {2e-4f, -10e-4f, 0.0f, 0.0f, 0.0f};
+    TrelmInfo info;
+    std::string text = written(table, info);
+    text.erase(0, text.find("REMARK Order matrix."));
+    text.erase(text.find("REMARK Dipolar couplings."));
+    EXPECT_EQ(text, R"(REMARK Order matrix.
+
+DATA SAUPE_MATRIX     S(zz)       S(xx-yy)      S(xy)      S(xz)      S(yz)
+DATA SAUPE         2.0000e-04 -1.0000e-03  0.0000e+00  0.0000e+00  0.0000e+00
+
+DATA IRREDUCIBLE_REP    A0          A1R          A1I         A2R         A2I  
+DATA IRREDUCIBLE     3.1707e-04 -0.0000e+00  0.0000e+00 -6.4721e-04 -0.0000e+00
+DATA IRREDUCIBLE GENERAL_MAGNITUDE   9.6865e-04
+
+
+REMARK Mapping of coordinates.
+
+DATA MAPPING_COOR   Szz_d(x)  Szz_d(y)  Syy_d(x)  Syy_d(y)  Sxx_d(x)  Sxx_d(y)
+DATA MAPPING        0.00000  -0.00000   1.57080  -0.00000   0.00000   1.57080
+DATA MAPPING INV    0.00000   0.00000  -1.57080   0.00000   0.00000  -1.57080
+
+
+REMARK Eigensystem & Euler angles for clockwise rotation about z, y', z''.
+
+DATA EIGENVALUES (Sxx_d,Syy_d,Szz_d)    2.0000e-04  4.0000e-04 -6.0000e-04
+DATA EIGENVECTORS          (x_coor      y_coor      z_coor)
+DATA EIGENVECTORS X_AXIS  0.0000e+00  0.0000e+00  1.0000e+00
+DATA EIGENVECTORS Y_AXIS  0.0000e+00  1.0000e+00  0.0000e+00
+DATA EIGENVECTORS Z_AXIS  1.0000e+00  0.0000e+00  0.0000e+00
+
+DATA Q_EULER_SOLUTIONS    ALPHA     BETA    GAMMA
+DATA Q_EULER_ANGLES  1   180.00    90.00   180.00
+DATA Q_EULER_ANGLES  2     0.00    90.00   180.00
+DATA Q_EULER_ANGLES  3     0.00    90.00     0.00
+DATA Q_EULER_ANGLES  4   180.00    90.00     0.00
+
+
+REMARK Euler angles (psi/theta/phi) for rotation about x, y, z.
+
+DATA EULER_SOLUTIONS 0
+
+DATA Da -3.000000e-04
+DATA Dr -6.666667e-05
+
+
+DATA Aa -6.000000e-04
+DATA Ar -1.333333e-04
+
+
+DATA Da_HN      -6.475560e+00
+DATA Rhombicity  2.222222e-01
+
+
+)");
+}
+
 TEST(RunReport, OrdersOfTheTwoBlocks)
 {
     TrelmInfo info;

@@ -121,6 +121,33 @@ TEST(Tensor, CollinearityAtItsEnds)
     EXPECT_NEAR(angle, 90.0f, 1e-4f);
 }
 
+TEST(Tensor, RotationGivesItsOwnAnglesBack)
+{
+    const float degree = 3.14159265f / 180.0f;
+    for (const auto &[psi, theta, phi] : {std::array{20.0f, 30.0f, 40.0f},
+                                          {-75.0f, -50.0f, 10.0f},
+                                          {5.0f, 80.0f, -88.0f},
+                                          {33.0f, 90.0f, 0.0f}}) {
+        const float cx = std::cos(psi * degree), sx = std::sin(psi * degree);
+        const float cy = std::cos(theta * degree), sy = std::sin(theta * degree);
+        const float cz = std::cos(phi * degree), sz = std::sin(phi * degree);
+        const Matrix3f r = {cy * cz,
+                            sx * sy * cz - cx * sz,
+                            cx * sy * cz + sx * sz,
+                            cy * sz,
+                            sx * sy * sz + cx * cz,
+                            cx * sy * sz - sx * cz,
+                            -sy,
+                            sx * cy,
+                            cx * cy};
+        RotationLists lists;
+        EXPECT_EQ(rot2euler(r, lists), 2) << theta;
+        EXPECT_NEAR(lists.psi[0], psi, 0.05f) << theta;
+        EXPECT_NEAR(lists.theta[0], theta, 0.05f) << theta;
+        EXPECT_NEAR(lists.phi[0], phi, 0.05f) << theta;
+    }
+}
+
 TEST(Tensor, RotationOfNothingIsZero)
 {
     RotationLists lists;

@@ -44,12 +44,19 @@ TEST(Backbone, SetAnglesAreFoundAgainAndBondsStay)
         const AtomInfo first = pdb.atomList[0], last = pdb.atomList[1230];
         const AtomInfo &ca = *findAtom(&pdb, resID, "CA", "A", ""), &c = *findAtom(&pdb, resID, "C", "A", "");
         const float bond = distance(ca, c);
+        // The peptide planes are stiff: H stays with the residue before, O with the one behind.
+        const AtomInfo &h = *findAtom(&pdb, resID, "H", "A", ""), &o = *findAtom(&pdb, resID, "O", "A", "");
+        const AtomInfo &before = *findAtom(&pdb, resID - 1, "O", "A", "");
+        const AtomInfo &behind = *findAtom(&pdb, resID + 1, "H", "A", "");
+        const float planeBefore = distance(before, h), planeBehind = distance(o, behind);
         EXPECT_EQ(setPDBPhiPsi(&pdb, resID, "A", "", -120.0f, 140.0f), 3);
         float phi = 0.0f, psi = 0.0f;
         getPDBPhiPsi(&pdb, resID, "A", "", phi, psi);
         EXPECT_NEAR(phi, -120.0f, 0.01f);
         EXPECT_NEAR(psi, 140.0f, 0.01f);
         EXPECT_NEAR(distance(ca, c), bond, 1e-4f);
+        EXPECT_NEAR(distance(before, h), planeBefore, 1e-4f);
+        EXPECT_NEAR(distance(o, behind), planeBehind, 1e-4f);
         EXPECT_EQ(distance(pdb.atomList[0], first) > 0.1f, resID == 10);
         EXPECT_EQ(distance(pdb.atomList[1230], last) > 0.1f, resID == 60);
     }
@@ -78,6 +85,12 @@ TEST(Transform, OrderAndSense)
     pdb3dCoordTransform({&r, 1});
     EXPECT_NEAR(r.x, -1.0f, 1e-6f);
     EXPECT_NEAR(r.y, 1.0f, 1e-6f);
+
+    Coord3D y = {0, 1, 0};
+    pdb3dReset();
+    pdb3dAppendRotation0(90, 90, 0); // about x, which brings y to z; then about y, which brings z to x
+    pdb3dCoordTransform({&y, 1});
+    EXPECT_NEAR(y.x, 1.0f, 1e-6f);
 
     Coord3D s = {2, 1, 0};
     pdb3dReset();

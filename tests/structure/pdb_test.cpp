@@ -131,6 +131,29 @@ TEST(Pdb, ColumnsDropBlanksWhereverTheyStand)
     EXPECT_EQ(pdb.atomList[0].x, 0.0f);
 }
 
+TEST(Pdb, EveryColumnIsReadWhereNoBlankPartsThem)
+{
+    const std::string line =
+        "ATOM  12345?HG11LVALXC1234I???1234.5672345.6783456.789123.45234.56??????SEGWFE2+";
+    for (std::size_t cut = 4; cut < line.size(); ++cut) { // a line may end anywhere
+        PDBInfo pdb;
+        ASSERT_EQ(readLines(line.substr(0, cut), pdb), 0) << cut;
+        ASSERT_EQ(pdb.atomCount, 1) << cut;
+    }
+    PDBInfo pdb;
+    ASSERT_EQ(readLines(line, pdb), 0);
+    const AtomInfo &atom = pdb.atomList[0];
+    EXPECT_EQ(atom.atomID, 12345);
+    EXPECT_EQ(atom.resID, 1234);
+    std::string names;
+    for (const Name &name : {atom.atomName, atom.locID, atom.resName, atom.chainID, atom.icode, atom.segID,
+                             atom.element, atom.chargeStr})
+        names.append(name.view()).append(" ");
+    EXPECT_EQ(names, "HG11 L VALX C I SEGW FE 2+ ");
+    const std::array<float, 5> numbers = {atom.x, atom.y, atom.z, atom.occupancy, atom.tempFactor};
+    EXPECT_EQ(numbers, (std::array<float, 5>{1234.567f, 2345.678f, 3456.789f, 123.45f, 234.56f}));
+}
+
 TEST(Pdb, ASecondModelStaysAsExtraAtoms)
 {
     PDBInfo pdb;
@@ -249,6 +272,30 @@ TEST(Write, RotatedFilesLeaveTheMoleculeAsItWas)
     EXPECT_EQ(pdb.atomList[100].x, before);
     for (const char *end : {".0", ".1", ".2", ".3"})
         EXPECT_TRUE(std::filesystem::remove(file.name.string() + end)) << end;
+}
+
+TEST(Write, ANumberedFileMayBeRefusedButNotBeCut)
+{
+    namespace fs = std::filesystem;
+    PDBInfo pdb;
+    ASSERT_EQ(readPDB(ubiquitin, &pdb, nullptr), 0);
+    const std::array<double, 4> angles = {10, 20, 30, 40};
+    const float before = pdb.atomList[100].x;
+    for (const bool cut : {false, true}) {
+        const TempFile file("");
+        const std::string name = file.name, second = name + ".1";
+        if (cut)
+            fs::create_symlink("/dev/full", second);
+        else
+            fs::create_directory(second);
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(writePDBRot(angles, angles, angles, 7, &pdb, nullptr, name, nullptr), cut ? 1 : 0);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(),
+                  cut ? "Error writing " + second + ".\n" : "PDB Error opening PDB file " + second + "\n");
+        EXPECT_EQ(pdb.atomList[100].x, before);
+        for (const char *end : {".0", ".1", ".2", ".3"}) // the solutions behind it are written all the same
+            EXPECT_TRUE(fs::remove(name + end)) << end;
+    }
 }
 
 } // namespace

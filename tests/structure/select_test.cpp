@@ -78,12 +78,14 @@ TEST(Select, SelectingOnlyAddsMarks)
 TEST(Select, TheClassIsAskedInEveryMode)
 {
     AtomInfo atom;
-    pdbStrCpy(atom.resName, "HOH");
-    for (const int mode : {-1, 0, 1, 2}) {
-        PDBSelectInfo sInfo;
-        sInfo.selectClass = 4;
-        sInfo.selectMode = mode;
-        EXPECT_EQ(pdbSelectTest(&sInfo, &atom), 0) << mode;
+    for (const char *other : {"HOH", "ADE"}) { // in no list of residues, and in it as a nucleotide
+        pdbStrCpy(atom.resName, other);
+        for (const int mode : {-1, 0, 1, 2}) {
+            PDBSelectInfo sInfo;
+            sInfo.selectClass = 4;
+            sInfo.selectMode = mode;
+            EXPECT_EQ(pdbSelectTest(&sInfo, &atom), 0) << other << " " << mode;
+        }
     }
     pdbStrCpy(atom.resName, "lys");
     PDBSelectInfo sInfo;

@@ -111,7 +111,8 @@ int irrCollinarity(const std::array<float, 5> &saupe1, const std::array<float, 5
                    float &angle)
 {
     const Symmetric a(saupe1), b(saupe2);
-    const float norms = std::sqrt(inner(a, a)) * std::sqrt(inner(b, b));
+    // Rounded once, so that a vector and itself are collinear to the bit.
+    const auto norms = static_cast<float>(std::sqrt(double{inner(a, a)}) * std::sqrt(double{inner(b, b)}));
     dcos = norms != 0.0f ? inner(a, b) / norms : 0.0f;
     angle = 0.0f;
     if (dcos > -1.0f && dcos < 1.0f)

@@ -108,14 +108,20 @@ TEST(Tensor, MagnitudesOfKnownTensors)
 
 TEST(Tensor, CollinearityAtItsEnds)
 {
-    const std::array<float, 5> a = {-5.6f, 0.9f, 0.3f, -1.4f, 5.6f}, none = {};
-    std::array<float, 5> opposite = a;
-    for (float &value : opposite)
-        value = -value;
     float dcos = 9.0f, angle = 9.0f;
-    irrCollinarity(a, opposite, dcos, angle);
-    EXPECT_NEAR(dcos, -1.0f, 1e-6f);
-    irrCollinarity(a, none, dcos, angle);
+    for (int step = 1; step <= 50; ++step) {
+        const float size = 1e-4f * static_cast<float>(step);
+        std::array<float, 5> a = {-5.6f * size, 0.9f, 0.3f * size, -1.4f, 5.6f}, opposite = a;
+        for (float &value : opposite)
+            value = -value;
+        irrCollinarity(a, a, dcos, angle);
+        EXPECT_EQ(dcos, 1.0f) << step;
+        EXPECT_EQ(angle, 0.0f) << step;
+        irrCollinarity(a, opposite, dcos, angle);
+        EXPECT_EQ(dcos, -1.0f) << step;
+        EXPECT_EQ(angle, 0.0f) << step; // by convention: the arc is not taken
+    }
+    irrCollinarity({2, 0, 0, 0, 0}, {}, dcos, angle);
     EXPECT_EQ(dcos, 0.0f);
     irrCollinarity({2, 0, 0, 0, 0}, {0, 0, 1, 0, 0}, dcos, angle);
     EXPECT_NEAR(angle, 90.0f, 1e-4f);

@@ -1,5 +1,6 @@
 #include "driver/alloc.h"
 
+#include <algorithm>
 #include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
@@ -36,10 +37,12 @@ bool isPossible(std::size_t length, std::size_t size)
     return length <= static_cast<std::size_t>(std::numeric_limits<std::ptrdiff_t>::max()) / size;
 }
 
-void *request(const char *kind, const char *caller, std::size_t length, std::size_t size)
+/// Asks for `length` elements of `size` bytes, which count as `accountSize` bytes each.
+void *request(const char *kind, const char *caller, std::size_t length, std::size_t size,
+              std::size_t accountSize)
 {
     const bool possible = isPossible(length, size); // a size beyond all numbers has no place in the account
-    const std::int64_t add = possible ? static_cast<std::int64_t>(length * size) : 0;
+    const std::int64_t add = possible ? static_cast<std::int64_t>(length * accountSize) : 0;
     bytesUsed += add;
     void *block = possible && requestMayPass() ? std::malloc(length * size) : nullptr;
     if (verboseAlloc != 0)
@@ -75,32 +78,32 @@ std::int64_t allocBytesReused()
 
 float *fltAlloc(const char *caller, std::size_t length)
 {
-    return static_cast<float *>(request("FLT_ALLOC", caller, length, sizeof(float)));
+    return static_cast<float *>(request("FLT_ALLOC", caller, length, sizeof(float), sizeof(float)));
 }
 
 int *intAlloc(const char *caller, std::size_t length)
 {
-    return static_cast<int *>(request("INT_ALLOC", caller, length, sizeof(int)));
+    return static_cast<int *>(request("INT_ALLOC", caller, length, sizeof(int), sizeof(int)));
 }
 
 double *dFltAlloc(const char *caller, std::size_t length)
 {
-    return static_cast<double *>(request("DBL_ALLOC", caller, length, sizeof(double)));
+    return static_cast<double *>(request("DBL_ALLOC", caller, length, sizeof(double), sizeof(double)));
 }
 
 long *dIntAlloc(const char *caller, std::size_t length)
 {
-    return static_cast<long *>(request("INT_ALLOC", caller, length, sizeof(long)));
+    return static_cast<long *>(request("INT_ALLOC", caller, length, sizeof(long), sizeof(long)));
 }
 
 char *charMalloc(const char *caller, std::size_t length)
 {
-    return static_cast<char *>(request("CHR_ALLOC", caller, length, sizeof(char)));
+    return static_cast<char *>(request("CHR_ALLOC", caller, length, sizeof(char), sizeof(char)));
 }
 
 void *voidMalloc(const char *caller, std::size_t length)
 {
-    return request("VOI_ALLOC", caller, length, 1);
+    return request("VOI_ALLOC", caller, length, 1, 1);
 }
 
 char *strDup(const char *string)
@@ -137,7 +140,8 @@ void *voidReMalloc(const char *caller, void *ptr, std::size_t newLength, std::si
     if (verboseAlloc != 0)
         std::fprintf(stderr, "\n_MEM CHR_RE_AL Name: %s Free: %p", caller,
                      static_cast<const void *>(oldBlock));
-    void *block = possible ? std::realloc(ptr, newLength) : nullptr;
+    // At least one byte: a length of 0 would release the old block and look like a failure.
+    void *block = possible ? std::realloc(ptr, std::max<std::size_t>(newLength, 1)) : nullptr;
     if (verboseAlloc != 0)
         std::fprintf(stderr, " Alloc: %p Add: %zu Delete: %zu Now: %" PRId64 "\n", block, newLength, known,
                      bytesUsed);
@@ -153,10 +157,9 @@ char *charReMalloc(const char *caller, char *ptr, std::size_t newLength, std::si
 
 float **mat2Ptr(float *matrix, std::size_t xSize, std::size_t ySize)
 {
-    auto **rows = static_cast<float **>(voidMalloc("mat2ptr", ySize * sizeof(float *)));
     // The account of row pointers is told in floats.
-    bytesUsed +=
-        static_cast<std::int64_t>(ySize * sizeof(float)) - static_cast<std::int64_t>(ySize * sizeof(float *));
+    auto **rows =
+        static_cast<float **>(request("VOI_ALLOC", "mat2ptr", ySize, sizeof(float *), sizeof(float)));
     if (rows == nullptr)
         return nullptr;
     for (std::size_t y = 0; y < ySize; ++y)
@@ -166,6 +169,8 @@ float **mat2Ptr(float *matrix, std::size_t xSize, std::size_t ySize)
 
 float **matAlloc(const char *caller, std::size_t xLength, std::size_t yLength)
 {
+    if (yLength != 0 && !isPossible(xLength, yLength * sizeof(float)))
+        return nullptr;
     // Counted here and once more by the two requests below: the balance stays high on purpose.
     bytesUsed += static_cast<std::int64_t>((xLength * yLength + yLength) * sizeof(float));
     float *data = fltAlloc(caller, xLength * yLength);

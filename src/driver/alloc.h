@@ -107,7 +107,8 @@ class Block {
                 return false;
             std::uninitialized_move_n(data_, length_, larger);
             std::destroy_n(data_, length_);
-            unAlloc(tag_, data_, length_ * sizeof(T));
+            if (data_ != nullptr)
+                unAlloc(tag_, data_, length_ * sizeof(T));
         }
         std::uninitialized_value_construct_n(larger + length_, newLength - length_);
         tag_ = tag;

@@ -26,6 +26,8 @@ struct SpreadRow {
 int bestFitSingle(Run &run)
 {
     const RunOptions &options = run.options;
+    if (run.trelmInfo[0].validCountD == 0)
+        complain("trelm: no coupling is left to fit.\n");
     const int status = simDC(&run.pdbInfo[0], &run.sInfo, &run.dTab[0], &run.trelmInfo[0], options.remark,
                              options.outDName, options.pRotName, run.trelmInfo[0].verbFlag);
     if (status != 0)

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <new>
+#include <stdexcept>
 
 int main(int argc, char **argv)
 {
@@ -14,6 +15,9 @@ int main(int argc, char **argv)
         if (status == 0)
             status = trelm::runMode(run);
     } catch (const std::bad_alloc &) {
+        std::fprintf(stderr, "Memory allocation failure.\n");
+        status = 1;
+    } catch (const std::length_error &) {
         std::fprintf(stderr, "Memory allocation failure.\n");
         status = 1;
     }

@@ -31,6 +31,7 @@ int startRun(Run &run)
     dipolarNull();
     pdb3dReset();
     legalNotice();
+    initializeGlobal(run.search);
     run.dTab = Block<DTable>("matrix", 1);
     run.pdbInfo = Block<PDBInfo>("matrix", 1);
     run.trelmInfo = Block<TrelmInfo>("matrix", 1);
@@ -67,11 +68,9 @@ int endRun(Run &run, int status)
     // The balance is taken here: it shows what the records and buffers of the run still hold.
     showAlloc();
     run = Run{};
-    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-        complain("Error writing %s.\n", "(stdout)");
-        return status != 0 ? status : 1;
-    }
-    return status;
+    const bool isCut = std::fflush(stdout) != 0 || std::ferror(stdout) != 0;
+    // A run that failed has told why already, perhaps just this.
+    return isCut && status == 0 ? complain("Error writing %s.\n", "(stdout)") : status;
 }
 
 } // namespace trelm

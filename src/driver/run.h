@@ -10,18 +10,22 @@
 
 namespace trelm {
 
-/// The records and buffers of a run. The large arrays have their fixed capacity from the start.
+/// The records and buffers of a run, in the order in which the tear-down gives them back. The large arrays
+/// have their fixed capacity from the start.
 struct Run {
     RunOptions options;
     PDBSelectInfo sInfo;
-    Block<DTable> dTab;
+    SearchState search;
     Block<PDBInfo> pdbInfo;
+    Block<DTable> dTab;
     Block<TrelmInfo> trelmInfo;
     Block<DcInfo> dcInfo;
-    Block<double> xI, yI, zI;                  ///< atoms chosen for simulation, counted from 1
-    Block<int> chargeAtomID, chargeAtomIDOrig; ///< atom of each charge, counted from 1
-    Block<float> charges, chargesOrig;         ///< value of each charge, counted from 1
-    Block<double> ddots;                       ///< orientation points on the unit sphere, three values each
+    Block<double> xI, yI, zI;    ///< atoms chosen for simulation, counted from 1
+    Block<int> chargeAtomID;     ///< atom of each charge, counted from 1
+    Block<float> charges;        ///< value of each charge, counted from 1
+    Block<int> chargeAtomIDOrig; ///< the same, before a simulation renumbers them
+    Block<float> chargesOrig;
+    Block<double> ddots; ///< orientation points on the unit sphere, three values each
 };
 
 /// Prints the banner and asks for the records. Returns 0, or 1 after a message.

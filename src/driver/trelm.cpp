@@ -20,7 +20,8 @@ int dcInfoNull(DcInfo *dcInfo)
 
 void initializeGlobal(SearchState &search)
 {
-    std::fill_n(search.aGlobal.begin(), search.nGlobal, 0);
+    std::fill_n(search.aGlobal.begin(),
+                std::clamp<int>(search.nGlobal, 0, static_cast<int>(search.aGlobal.size())), 0);
     search.idGlobal = -1;
     search.cGlobal = 0;
     search.Pmax = 1.0e8f;
@@ -34,7 +35,7 @@ void printoutput(const SearchState &search)
 
 int chkFixAa(int nFixAa, const int *fixResList, int resIDI, int resIDJ)
 {
-    const int *last = fixResList + nFixAa;
+    const int *last = fixResList + std::max(nFixAa, 0);
     return std::find(fixResList, last, std::max(resIDI, resIDJ)) != last ? 1 : 0;
 }
 

@@ -6,6 +6,7 @@
 
 #include <climits>
 #include <cmath>
+#include <cstdio>
 #include <fstream>
 
 #include <unistd.h>
@@ -31,9 +32,11 @@ std::string fileOf(const std::string &text)
 /// Reads a table from its text; `err` gets what was said.
 int readText(const std::string &text, DTable &table, std::string &err)
 {
+    const std::string name = fileOf(text);
     ::testing::internal::CaptureStderr();
-    const int status = readDC(fileOf(text), &table);
+    const int status = readDC(name, &table);
     err = ::testing::internal::GetCapturedStderr();
+    std::remove(name.c_str());
     return status;
 }
 
@@ -289,7 +292,10 @@ TEST(BuildDC, TellsOnceAndDropsARowWithMoreAtomsThanItHolds)
             "ATOM     99 HD" + std::to_string(i) + " LEU A   1       1.000   2.000   3.000  1.00  0.00\n";
     Built b("1 HD* 1 N 1 1\n1 HE* 1 N 1 1\n");
     b.pdb = PDBInfo{};
-    ASSERT_EQ(readPDB(fileOf(atoms), &b.pdb, nullptr), 0);
+    const std::string name = fileOf(atoms);
+    const int read = readPDB(name, &b.pdb, nullptr);
+    std::remove(name.c_str());
+    ASSERT_EQ(read, 0);
     ::testing::internal::CaptureStderr();
     EXPECT_EQ(mapDCInfo(&b.pdb, &b.table, 0), 1);
     selectD(b.table.observed(), -1000, 1000, 1);

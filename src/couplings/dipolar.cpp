@@ -46,16 +46,6 @@ struct TableRow {
     std::size_t number; ///< counted from 1
 };
 
-/// The integer part of a cell, kept within the range of int.
-int truncated(float value)
-{
-    if (value >= 2147483648.0f)
-        return INT_MAX;
-    if (value < -2147483648.0f)
-        return INT_MIN;
-    return value == value ? static_cast<int>(value) : 0;
-}
-
 /// A residue number from outside plus an offset, kept within the range of int.
 int shiftedRes(int resID, int offset)
 {
@@ -284,16 +274,6 @@ void warnUnmapped(const DInfo &obs, int aOff)
              obs.resNameJ.c_str(), obs.atomNameJ.c_str(), obs.segNameJ.c_str(), obs.chainNameJ.c_str());
 }
 
-std::span<AtomInfo *const> atomsI(const DInfo &row)
-{
-    return {row.atomI.data(), static_cast<std::size_t>(row.atomICount)};
-}
-
-std::span<AtomInfo *const> atomsJ(const DInfo &row)
-{
-    return {row.atomJ.data(), static_cast<std::size_t>(row.atomJCount)};
-}
-
 /// The names that an atom's residue carries.
 void takeNames(const AtomInfo &atom, Name &resName, Name &chainName, Name &segName)
 {
@@ -326,7 +306,7 @@ void setDI(DInfo &obs, DInfo &calc, int allowFixedDI)
 {
     if (obs.diFixedFlag == 0 || allowFixedDI == 0) {
         const AtomInfo &atomI = *calc.atomI[0], &atomJ = *calc.atomJ[0];
-        const float rIJ = findAtomListRad(atomsI(calc), atomsJ(calc));
+        const float rIJ = findAtomListRad(calc.atomsI(), calc.atomsJ());
         findVariableDI(rIJ, {calc.resIDI, calc.resNameI.view(), atomI.atomName.view()},
                        {calc.resIDJ, calc.resNameJ.view(), atomJ.atomName.view()}, obs.di, obs.diFixedFlag,
                        allowFixedDI);

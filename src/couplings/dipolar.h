@@ -33,6 +33,15 @@ struct DInfo {
     float sigma = 0.0f;   ///< error of the coupling, Hz
     std::array<AtomInfo *, maxPairAtoms> atomI = {}, atomJ = {}; ///< the atoms that the row resolves to
     int atomICount = 0, atomJCount = 0;
+
+    [[nodiscard]] std::span<AtomInfo *const> atomsI() const
+    {
+        return {atomI.data(), static_cast<std::size_t>(atomICount)};
+    }
+    [[nodiscard]] std::span<AtomInfo *const> atomsJ() const
+    {
+        return {atomJ.data(), static_cast<std::size_t>(atomJCount)};
+    }
 };
 
 /// The alignment tensor with its bounds and Euler solutions. Angles in degrees, da and dr without unit.

@@ -44,16 +44,6 @@ bool takesPart(const DInfo &calc)
     return calc.valid == 1 && calc.w != 0.0f;
 }
 
-std::span<AtomInfo *const> atomsI(const DInfo &calc)
-{
-    return {calc.atomI.data(), static_cast<std::size_t>(calc.atomICount)};
-}
-
-std::span<AtomInfo *const> atomsJ(const DInfo &calc)
-{
-    return {calc.atomJ.data(), static_cast<std::size_t>(calc.atomJCount)};
-}
-
 /// A single pair and a group of three are one entry; anything else is one entry a pair.
 std::size_t entryCount(const DInfo &calc)
 {
@@ -86,8 +76,8 @@ void putRow(const Slices &s, std::size_t k, const DInfo &obs, const DInfo &calc)
         s.sigma[k + i] = obs.sigma;
     }
     std::size_t place = k;
-    for (const AtomInfo *atomI : atomsI(calc))
-        for (const AtomInfo *atomJ : atomsJ(calc)) {
+    for (const AtomInfo *atomI : calc.atomsI())
+        for (const AtomInfo *atomJ : calc.atomsJ()) {
             addPair(s, place, *atomI, *atomJ, mean ? 3.0f : 1.0f);
             place += mean ? 0 : 1;
         }

@@ -211,15 +211,6 @@ namespace {
 
 constexpr int maskResID = 1, maskAtomName = 2, maskResName = 4, maskChainName = 8, maskSegName = 16;
 
-/// A number of a table truncated to int; one beyond its range becomes its limit, and one that is none 0.
-int truncated(float cell)
-{
-    constexpr float limit = 2147483648.0f;
-    if (!(cell > -limit))
-        return std::isnan(cell) ? 0 : std::numeric_limits<int>::min();
-    return cell < limit ? static_cast<int>(cell) : std::numeric_limits<int>::max();
-}
-
 /// Reads a name column. Returns the mask if there is one.
 int readName(const std::vector<tabVar> &varInfo, const float *rPtr, int loc, int (*fix)(Name &), int mask,
              Name &name)

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <limits>
 
 namespace trelm {
 namespace {
@@ -161,6 +162,16 @@ double toDouble(std::string_view text)
     double value = 0.0;
     wordToDouble(withoutLeadingSpace(text), value);
     return value;
+}
+
+int truncated(float value)
+{
+    constexpr float limit = 2147483648.0f;
+    if (value >= limit)
+        return std::numeric_limits<int>::max();
+    if (value < -limit)
+        return std::numeric_limits<int>::min();
+    return std::isnan(value) ? 0 : static_cast<int>(value);
 }
 
 int intToStr(int value, std::span<char> text)

@@ -177,7 +177,7 @@ float **matAlloc(const char *caller, std::size_t xLength, std::size_t yLength)
     if (data == nullptr)
         return nullptr;
     float **rows = mat2Ptr(data, xLength, yLength);
-    if (rows == nullptr)
+    if (rows == nullptr || yLength == 0) // without a row nothing points to the data
         unAlloc(caller, data, xLength * yLength * sizeof(float));
     return rows;
 }

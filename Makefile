@@ -1,4 +1,4 @@
-# make demo   best-fit of the example, built in release mode
+# make demo   best-fit and prediction of the example, built in release mode
 # make check  all tests
 # make bench  benchmarks, fast forms against plain forms
 # Each first installs what scripts/packages.txt names and the machine lacks.

@@ -1,4 +1,5 @@
 #include "driver/inputs.h"
+#include "driver/simulate.h"
 #include "errors/fit_statistics.h"
 #include "support/text.h"
 
@@ -53,12 +54,15 @@ int bestFit(Run &run)
 }
 
 constexpr ModeRow modeRows[] = {
-    {1, "-stTrelm", true, nullptr}, {2, "-stTrelmFree", false, nullptr}, {3, "-stTrelmGrid", true, nullptr},
-    {4, "-elTrelm", true, nullptr}, {5, "-elTrelmFree", true, nullptr},  {6, "-elTrelmGrid", true, nullptr},
-    {7, "-bestFit", true, bestFit}, {8, "-csSim", true, nullptr},        {9, "-daHist", false, nullptr},
-    {10, "-daMl", false, nullptr},  {11, "-daFlex", false, nullptr},     {12, "-asRan", true, nullptr},
-    {13, "-anDc", false, nullptr},  {14, "-anA", false, nullptr},        {15, "-anPdb", true, nullptr},
-    {16, "-struc", true, nullptr},  {17, "-conv", false, nullptr},
+    {1, "-stTrelm", true, simulateSteric},   {2, "-stTrelmFree", false, simulateFree},
+    {3, "-stTrelmGrid", true, nullptr},      {4, "-elTrelm", true, nullptr},
+    {5, "-elTrelmFree", true, setUpCharges}, {6, "-elTrelmGrid", true, setUpCharges},
+    {7, "-bestFit", true, bestFit},          {8, "-csSim", true, setUpCharges},
+    {9, "-daHist", false, nullptr},          {10, "-daMl", false, nullptr},
+    {11, "-daFlex", false, nullptr},         {12, "-asRan", true, setUpCharges},
+    {13, "-anDc", false, nullptr},           {14, "-anA", false, nullptr},
+    {15, "-anPdb", true, nullptr},           {16, "-struc", true, nullptr},
+    {17, "-conv", false, nullptr},
 };
 
 int notBuilt(const char *flag)

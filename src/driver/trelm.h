@@ -14,11 +14,11 @@ constexpr int maxMedia = 3;            ///< values of -dcID
 
 /// Domains and ensembles. Most of it comes from the configuration file.
 struct GridInfo {
-    int outEflag = 0;                 ///< ensemble output; 2 ends the run after the ensemble is set up
-    int densE = 200;                  ///< ensemble density
-    int angleDomFlag = 0;             ///< domain angle variation on
-    float angleDom[2] = {0.0f, 0.0f}; ///< domain angles, degrees
-    int resDom1Origin = 0;            ///< origin residue of each domain
+    int outEflag = 0;       ///< ensemble output; 2 ends the run after the ensemble is set up
+    int densE = 200;        ///< ensemble density
+    int angleDomFlag = 0;   ///< domain angle variation on
+    float angleDom[3] = {}; ///< domain angles alpha, beta, gamma, degrees
+    int resDom1Origin = 0;  ///< origin residue of each domain
     int resDom2Origin = 0;
     int startResDom2 = 0; ///< residue ranges of the domains
     int startResDom1 = 0;

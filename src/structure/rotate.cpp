@@ -6,17 +6,15 @@
 
 namespace trelm {
 
+SinCos sinCos(double angle)
+{
+    return {std::sin(angle), std::cos(angle)};
+}
+
 void rotate_coorsystem(double theta, double phi, double psi, Axis &x_axis_tensor, Axis &y_axis_tensor,
                        Axis &z_axis_tensor)
 {
-    const double cosPhi = std::cos(phi), sinPhi = std::sin(phi);
-    const double cosTheta = std::cos(theta), sinTheta = std::sin(theta);
-    const double cosPsi = std::cos(psi), sinPsi = std::sin(psi);
-    x_axis_tensor = {cosPhi * cosTheta * cosPsi - sinPhi * sinPsi,
-                     -cosPhi * cosTheta * sinPsi - sinPhi * cosPsi, cosPhi * sinTheta};
-    y_axis_tensor = {sinPhi * cosTheta * cosPsi + cosPhi * sinPsi,
-                     -sinPhi * cosTheta * sinPsi + cosPhi * cosPsi, sinPhi * sinTheta};
-    z_axis_tensor = {-sinTheta * cosPsi, sinTheta * sinPsi, cosTheta};
+    rotate_coorsystem(sinCos(theta), sinCos(phi), sinCos(psi), x_axis_tensor, y_axis_tensor, z_axis_tensor);
 }
 
 int rotateDomain(const std::array<double, 3> &angle, PDBInfo *pdbInfo, int resN, int resC)

@@ -160,9 +160,8 @@ TEST(Failures, EveryRequestForMemoryMayFail)
 
 TEST(Failures, ModesThatAreNotBuiltSaySo)
 {
-    for (const char *flag :
-         {"-stTrelm", "-stTrelmFree", "-stTrelmGrid", "-elTrelm", "-elTrelmFree", "-elTrelmGrid", "-csSim",
-          "-daHist", "-daFlex", "-daMl", "-asRan", "-anA", "-anDc", "-anPdb", "-conv", "-struc"}) {
+    for (const char *flag : {"-stTrelmGrid", "-elTrelm", "-daHist", "-daFlex", "-daMl", "-anA", "-anDc",
+                             "-anPdb", "-conv", "-struc"}) {
         const Ran ran = runProgram({flag});
         EXPECT_EQ(ran.status, 1);
         EXPECT_EQ(countOf(ran.err, std::string("trelm: the mode ") + flag + " is not built yet.\n"), 1)

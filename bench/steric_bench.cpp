@@ -1,0 +1,156 @@
+// The steric kernels and the surface, fast forms against plain forms, on ubiquitin and on copies of it.
+#include "reference/steric_reference.h"
+#include "reference/surface_reference.h"
+#include "simulation/sphere.h"
+#include "simulation/steric.h"
+#include "simulation/surface.h"
+#include "structure/pdb.h"
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace trelm;
+
+/// The heavy atoms of ubiquitin, copied on a lattice, about their centre.
+struct Assembly {
+    std::vector<double> x, y, z, co, radius, dots;
+    double size = 0.0;
+
+    explicit Assembly(int copies, int densit = 100)
+    {
+        PDBInfo pdb;
+        if (readPDB(std::string(TRELM_EXAMPLES) + "/ubiquitin/1d3z_model1.pdb", &pdb, nullptr) != 0)
+            return;
+        constexpr double spacing = 45.0;
+        for (int copy = 0; copy < copies; ++copy)
+            for (const AtomInfo &atom : pdb.atoms())
+                if (atom.atomName.text[0] != 'H') {
+                    x.push_back(static_cast<double>(atom.x) + spacing * (copy % 3));
+                    y.push_back(static_cast<double>(atom.y) + spacing * (copy / 3 % 3));
+                    z.push_back(static_cast<double>(atom.z) + spacing * (copy / 9));
+                }
+        for (std::vector<double> *column : {&x, &y, &z}) {
+            double sum = 0.0;
+            for (const double value : *column)
+                sum += value;
+            for (double &value : *column)
+                value -= sum / static_cast<double>(column->size());
+        }
+        for (std::size_t i = 0; i < x.size(); ++i) {
+            size = std::max(size, std::hypot(x[i], y[i], z[i]));
+            co.insert(co.end(), {x[i], y[i], z[i]});
+            radius.push_back(3.2);
+        }
+        std::span<const double> generated;
+        do_unsp(densit, generated);
+        dots.assign(generated.begin(), generated.end());
+    }
+
+    [[nodiscard]] Coordinates view() const { return {x, y, z}; }
+    [[nodiscard]] StericSetup setup(int lcType, double gridSpacing) const
+    {
+        StericSetup made;
+        made.lcType = lcType;
+        made.stepOutLength = 440.0;
+        made.max_obstruction = 20.0;
+        made.gridSpacing = gridSpacing;
+        made.wvAmount = 0.05;
+        made.max_protein_length = size;
+        made.digit_psi = 18;
+        return made;
+    }
+};
+
+/// Progress lines go to /dev/null while a benchmark runs: their making is part of the kernel, a terminal is
+/// not.
+struct QuietProgress {
+    QuietProgress() { isQuiet = std::freopen("/dev/null", "w", stderr) != nullptr; }
+    bool isQuiet;
+};
+
+/// Range: model, copies of ubiquitin, grid step in hundredths of an angstrom.
+void steric(benchmark::State &state, bool plain)
+{
+    static const QuietProgress quiet;
+    const Assembly assembly(static_cast<int>(state.range(1)));
+    const StericSetup setup =
+        assembly.setup(static_cast<int>(state.range(0)), 0.01 * static_cast<double>(state.range(2)));
+    Saupe saupe = {};
+    std::vector<double> allowedCount;
+    for (auto step : state) {
+        if (plain)
+            stericAlignmentPlain(setup, assembly.view(), assembly.dots, saupe, allowedCount);
+        else
+            stericAlignment(setup, assembly.view(), assembly.dots, saupe);
+        benchmark::DoNotOptimize(saupe);
+    }
+}
+
+void stericFast(benchmark::State &state)
+{
+    steric(state, false);
+}
+void stericPlain(benchmark::State &state)
+{
+    steric(state, true);
+}
+BENCHMARK(stericFast)
+    ->ArgNames({"model", "copies", "step"})
+    ->Args({lcWall, 1, 20})
+    ->Args({lcWall, 1, 2})
+    ->Args({lcWall, 33, 20})
+    ->Args({lcRod, 1, 20})
+    ->Args({lcRod, 1, 2})
+    ->Args({lcRod, 33, 20})
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(stericPlain)
+    ->ArgNames({"model", "copies", "step"})
+    ->Args({lcWall, 1, 20})
+    ->Args({lcWall, 33, 20})
+    ->Args({lcRod, 1, 20})
+    ->Unit(benchmark::kMillisecond);
+
+/// Twice the orientations: twice the time.
+void stericOrientations(benchmark::State &state)
+{
+    const Assembly assembly(1, static_cast<int>(state.range(1)));
+    const StericSetup setup = assembly.setup(static_cast<int>(state.range(0)), 0.2);
+    Saupe saupe = {};
+    for (auto step : state)
+        stericAlignment(setup, assembly.view(), assembly.dots, saupe);
+    state.counters["orientations"] = static_cast<double>(assembly.dots.size() / 3 * 18);
+}
+BENCHMARK(stericOrientations)
+    ->ArgNames({"model", "dots"})
+    ->Args({lcWall, 1000})
+    ->Args({lcWall, 4000})
+    ->Args({lcRod, 1000})
+    ->Args({lcRod, 4000})
+    ->Unit(benchmark::kMillisecond);
+
+void surfaceFast(benchmark::State &state)
+{
+    const Assembly assembly(static_cast<int>(state.range(0)));
+    Surface surface;
+    for (auto step : state)
+        nsc_dclm(assembly.co, assembly.radius, 700, surfaceAtomAreas, surface);
+    state.counters["atoms"] = static_cast<double>(assembly.radius.size());
+}
+BENCHMARK(surfaceFast)->ArgName("copies")->Arg(1)->Arg(33)->Arg(166)->Unit(benchmark::kMillisecond);
+
+void surfacePlain(benchmark::State &state)
+{
+    const Assembly assembly(1, 700);
+    for (auto step : state)
+        benchmark::DoNotOptimize(exposedDotsPlain(assembly.co, assembly.radius, assembly.dots));
+}
+BENCHMARK(surfacePlain)->Unit(benchmark::kMillisecond);
+
+} // namespace

@@ -1,0 +1,153 @@
+#include "simulation/alignment.h"
+
+#include "simulation/sphere.h"
+#include "support/text.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+
+namespace trelm {
+namespace {
+
+constexpr double mw_DMPC = 677.94; ///< molecular weights of the two lipids, g/mol
+constexpr double mw_DHPC = 453.51;
+constexpr double freeLipid = 0.005; ///< mol/l of the short lipid that stays outside the bicelles
+
+int refuse(const char *option, double value, const char *rule)
+{
+    return complain("trelm: %s %g: %s.\n", option, value, rule);
+}
+
+/// One block of the order matrix. The three blocks show the same magnitude, that of the sum.
+void printSaupe(const char *name, double gMag, const Saupe &saupe, const char *gap)
+{
+    std::printf("%s  gMag %e\n", name, gMag);
+    for (const double element : saupe)
+        std::printf("%e%s", element, gap);
+    std::printf("\n");
+}
+
+int printBlocks(const TrelmInfo &trelmInfo, const Saupe &saupeSteric, const Saupe &saupeEl,
+                const Saupe &saupe)
+{
+    TensorAnalysis analysis;
+    for (const Saupe *part : {&saupeSteric, &saupeEl, &saupe})
+        if (analyzeSaupe(*part, trelmInfo.yzFlag, trelmInfo.verbFlag, analysis) != 0)
+            return complain("Matrix: error in analyzeSaupe.\n");
+    printSaupe("SaupeSteric", analysis.gMag, saupeSteric, "  ");
+    printSaupe("SaupeEl", analysis.gMag, saupeEl, " ");
+    printSaupe("SaupeSum", analysis.gMag, saupe, "  ");
+    return 0;
+}
+
+} // namespace
+
+int refine_bicelle(TrelmInfo *trelmInfo)
+{
+    constexpr double pi = 3.14159265, piSquare = 9.869604378534024;
+    const auto q = static_cast<double>(trelmInfo->molarRatio);
+    const auto c = static_cast<double>(trelmInfo->concentration);
+    const auto R = static_cast<double>(trelmInfo->radiusModel);
+    const double mol_DHPC = c * 1000.0 / (q * mw_DMPC + mw_DHPC);
+    const double molar_ratio_eff = q * mol_DHPC / (mol_DHPC - freeLipid);
+    const double mol_DHPC_free = c >= 0.01 ? freeLipid : 0.0;
+    const double wv_bic = (mw_DHPC * (mol_DHPC - mol_DHPC_free) + q * mol_DHPC * mw_DMPC) / 1000.0;
+    trelmInfo->rSingleCell = static_cast<float>(R / wv_bic);
+    trelmInfo->lengthModel =
+        static_cast<float>((std::sqrt(8.0 / molar_ratio_eff + piSquare) + pi) * 0.5 * R * molar_ratio_eff);
+    const double length = static_cast<double>(trelmInfo->lengthModel);
+    trelmInfo->orderDiscRim = static_cast<float>(pi * length / ((2.0 * R + pi * length) * 4.0));
+    trelmInfo->molarRatio = static_cast<float>(molar_ratio_eff);
+    return 0;
+}
+
+int checkSimulation(const TrelmInfo &trelmInfo)
+{
+    const auto isPositive = [](float value) { return value > 0.0f && std::isfinite(value); };
+    if (trelmInfo.densityNSC < 1)
+        return refuse("-dot", trelmInfo.densityNSC, "the number of orientation points must be positive");
+    const int dots = dotCount(trelmInfo.densityNSC);
+    if (dots > maxOrientations)
+        return complain("trelm: -dot %d gives %d orientation points, the limit is %d.\n",
+                        trelmInfo.densityNSC, dots, maxOrientations);
+    if (trelmInfo.digPsiNSC < 1)
+        return refuse("-digPsi", trelmInfo.digPsiNSC, "the number of angle steps must be positive");
+    if (trelmInfo.digPsiNSC > std::numeric_limits<int>::max() / dots)
+        return complain("trelm: -digPsi %d with %d orientation points gives more than %d orientations.\n",
+                        trelmInfo.digPsiNSC, dots, std::numeric_limits<int>::max());
+    if (!isPositive(trelmInfo.gridSpacing))
+        return refuse("-dGrid", static_cast<double>(trelmInfo.gridSpacing), "the step must be positive");
+    if (!isPositive(trelmInfo.concentration) || trelmInfo.concentration > 1.0f)
+        return refuse("-wv", static_cast<double>(trelmInfo.concentration),
+                      "the concentration is a fraction, above 0 and at most 1");
+    if (!isPositive(trelmInfo.radiusModel))
+        return refuse("-rM", static_cast<double>(trelmInfo.radiusModel), "the radius must be positive");
+    if (!(trelmInfo.radiusAtom >= 0.0f) || !std::isfinite(trelmInfo.radiusAtom))
+        return refuse("-rA", static_cast<double>(trelmInfo.radiusAtom), "the radius must not be negative");
+    if (!std::isfinite(trelmInfo.lcOrder))
+        return refuse("-lcS", static_cast<double>(trelmInfo.lcOrder), "the order is no number");
+    return 0;
+}
+
+float centreAtoms(const CoordinateBuffers &atoms)
+{
+    const std::array<std::span<double>, 3> columns = {atoms.x, atoms.y, atoms.z};
+    for (const std::span<double> column : columns) {
+        float sum = 0.0f;
+        for (const double value : column)
+            sum = static_cast<float>(static_cast<double>(sum) + value);
+        const float mean = sum / static_cast<float>(column.size());
+        for (double &value : column)
+            value -= static_cast<double>(mean);
+    }
+    float largest = 0.0f;
+    for (std::size_t i = 0; i < atoms.x.size(); ++i)
+        largest = std::max(largest, static_cast<float>(atoms.x[i] * atoms.x[i] + atoms.y[i] * atoms.y[i] +
+                                                       atoms.z[i] * atoms.z[i]));
+    return std::sqrt(largest);
+}
+
+int runSteric(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, float distance,
+              std::span<const double> ddots, Saupe &saupe)
+{
+    StericSetup setup;
+    setup.lcType = trelmInfo.lcType;
+    setup.stepOutLength = static_cast<double>(trelmInfo.rSingleCell);
+    setup.max_obstruction = static_cast<double>(trelmInfo.radiusModel);
+    setup.radius = static_cast<double>(trelmInfo.radiusAtom);
+    setup.gridSpacing = static_cast<double>(trelmInfo.gridSpacing);
+    setup.wvAmount = static_cast<double>(trelmInfo.concentration);
+    // The grid starts with the solute's centre on the obstacle's surface, however far its nearest atom is.
+    setup.max_protein_length = static_cast<double>(distance) + setup.radius;
+    setup.min_protein_length = setup.radius;
+    setup.digit_psi = trelmInfo.digPsiNSC;
+    return stericAlignment(setup, {atoms.x, atoms.y, atoms.z}, ddots, saupe);
+}
+
+int simulateAlignment(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms,
+                      std::span<const double> ddots, Saupe &saupe)
+{
+    if (atoms.x.empty())
+        return complain("simulateAlignment: no atoms selected.\n");
+    Saupe saupeSteric = {}, saupeEl = {};
+    const float distance = centreAtoms(atoms);
+    std::printf("REMARK Molecule shifted to geometric center.\n");
+    if (trelmInfo.elInfo.elFlag == 0 && (trelmInfo.lcType == lcWall || trelmInfo.lcType == lcRod)) {
+        const int status = runSteric(trelmInfo, atoms, distance, ddots, saupeSteric);
+        if (status != 0) {
+            complain("simulateAlignment: error in stericAlignment.");
+            return status;
+        }
+    }
+    for (std::size_t k = 0; k < saupe.size(); ++k) {
+        saupeSteric[k] *= static_cast<double>(trelmInfo.lcOrder);
+        saupeEl[k] *= static_cast<double>(trelmInfo.lcOrder);
+        saupe[k] = saupeEl[k] + saupeSteric[k];
+    }
+    return printBlocks(trelmInfo, saupeSteric, saupeEl, saupe);
+}
+
+} // namespace trelm

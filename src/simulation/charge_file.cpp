@@ -1,0 +1,170 @@
+#include "simulation/charge_file.h"
+
+#include "simulation/charge_tables.h"
+#include "support/text.h"
+#include "support/text_input.h"
+#include "support/token.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+namespace trelm {
+namespace {
+
+constexpr int chargeLimit = maxCharges - 1; ///< a count that reaches it is refused
+constexpr std::string_view pkaWord = "pKa";
+constexpr std::string_view chargeWord = "charge";
+
+int refuseCount()
+{
+    return complain("Too many pKa values were supplied ...\n");
+}
+
+/// One line of the file.
+struct PkaLine {
+    int resno = 0;
+    std::string_view dataName, atomName;
+    float value = 0.0f;
+};
+
+/// The selected atoms, by residue number and in the order of the structure within a number.
+struct SelectedAtoms {
+    struct Entry {
+        int resID;
+        std::size_t atom;
+    };
+    std::vector<Entry> entries;
+
+    explicit SelectedAtoms(const PDBInfo &pdbInfo)
+    {
+        const auto atoms = pdbInfo.atoms();
+        for (std::size_t i = 0; i < atoms.size(); ++i)
+            if (atoms[i].selected != 0)
+                entries.push_back({atoms[i].resID, i});
+        std::ranges::stable_sort(entries, {}, &Entry::resID);
+    }
+    [[nodiscard]] auto ofResidue(int resID) const
+    {
+        return std::ranges::equal_range(entries, resID, {}, &Entry::resID);
+    }
+};
+
+/// Takes a word as a number only if all of it is one: "4,5" is no pKa of 4.
+template <class T>
+bool wholeNumber(std::string_view word, T &value)
+{
+    if (word.starts_with('+') && !word.starts_with("+-"))
+        word.remove_prefix(1);
+    const auto [end, status] = std::from_chars(word.data(), word.data() + word.size(), value);
+    return status == std::errc{} && end == word.data() + word.size();
+}
+
+bool isDataName(std::string_view word)
+{
+    return word == pkaWord || word == chargeWord;
+}
+
+bool parseLine(std::string_view text, std::vector<std::string_view> &words, PkaLine &line)
+{
+    splitTokens(text, words);
+    if (words.size() != 4 || !wholeNumber(words[0], line.resno) || !wholeNumber(words[3], line.value) ||
+        !std::isfinite(line.value))
+        return false;
+    line.dataName = words[1];
+    line.atomName = words[2];
+    // The order of the lines that this program writes. No atom has one of those two names.
+    if (isDataName(line.atomName) && !isDataName(line.dataName))
+        std::swap(line.dataName, line.atomName);
+    return true;
+}
+
+/// An atom that a line names itself takes its charge whole, and by the rule of a base.
+constexpr TitrationGroup namedAtom{{}, 0.0f, GroupKind::base, 1.0f};
+
+/// The rule by which an atom takes a charge from a line, or null.
+const TitrationGroup *ruleFor(const PkaLine &line, const AtomInfo &atom, const PDBInfo &pdbInfo)
+{
+    const std::string_view name = atom.atomName.view();
+    if (line.atomName == defaultWord) {
+        const TitrationGroup *group = findGroup(atom.resName.view());
+        return group != nullptr && group->holds(name) ? group : nullptr;
+    }
+    if (line.atomName == terminusWord) {
+        if (atom.resID == pdbInfo.minResID && startGroup.holds(name))
+            return &startGroup;
+        return atom.resID == pdbInfo.maxResID && endGroup.holds(name) ? &endGroup : nullptr;
+    }
+    return name == line.atomName ? &namedAtom : nullptr;
+}
+
+int placeLine(const PkaLine &line, const SelectedAtoms &selected, const PDBInfo &pdbInfo, float pH,
+              ChargeSet &set, ChargeLines &lines)
+{
+    const float fraction = titratedFraction(pH, line.value);
+    const int before = set.chCount;
+    lines.known.clear(); // two lines that charge an atom are two charges
+    for (const auto &entry : selected.ofResidue(line.resno)) {
+        const AtomInfo &atom = pdbInfo.atoms()[entry.atom];
+        const TitrationGroup *rule = ruleFor(line, atom, pdbInfo);
+        if (rule == nullptr)
+            continue;
+        const float charge = line.dataName == pkaWord ? rule->atomCharge(fraction) : rule->share * line.value;
+        addLine(lines, atom.resID, atom.atomName.view(), charge);
+        if (addCharge(set, entry.atom, charge) != 0)
+            return 1;
+    }
+    if (set.chCount == before)
+        complain("WARNING:   There is no residue %d or the proper atom in the given PDB file!\n", line.resno);
+    return 0;
+}
+
+} // namespace
+
+int addCharge(ChargeSet &set, std::size_t atom, float charge)
+{
+    const auto place = static_cast<std::size_t>(set.chCount++);
+    set.chargeAtomID[place] = static_cast<int>(atom);
+    set.charges[place] = charge;
+    return set.chCount >= chargeLimit ? refuseCount() : 0;
+}
+
+void addLine(ChargeLines &lines, int resID, std::string_view name, float charge)
+{
+    std::string line;
+    appendf(line, "%d\t%s\t%s\t%.3f\n", resID, std::string(name).c_str(), std::string(chargeWord).c_str(),
+            static_cast<double>(charge));
+    if (lines.known.insert(line).second)
+        lines.text += line;
+}
+
+int readChargeFile(const std::string &name, const PDBInfo &pdbInfo, float pH, ChargeSet &set,
+                   ChargeLines &lines, ResidueRange &range)
+{
+    TextInput input;
+    const TextStatus status = readText(input, name);
+    if (status == TextStatus::noFile)
+        return complain("chargeSetup File open error: %s.\n", name.c_str());
+    if (status == TextStatus::bad)
+        return 1;
+    const SelectedAtoms selected(pdbInfo);
+    std::vector<std::string_view> words;
+    int lineCount = 0;
+    for (std::string_view text; fgetsAlloc(input, text);) {
+        PkaLine line;
+        if (!parseLine(text, words, line))
+            return complain("Error: wrong format of pka file.\nLine:%s\n", std::string(text).c_str());
+        range.first = std::min(range.first, line.resno);
+        range.last = std::max(range.last, line.resno);
+        if (placeLine(line, selected, pdbInfo, pH, set, lines) != 0)
+            return 1;
+        if (++lineCount >= chargeLimit)
+            return refuseCount();
+    }
+    return 0;
+}
+
+} // namespace trelm

@@ -1,0 +1,17 @@
+// The configuration file: the domains of a molecule and the settings of the ensemble.
+#pragma once
+
+#include "driver/trelm.h"
+
+#include <string>
+
+namespace trelm {
+
+/// Reads a configuration file: lines of a key with its colon and a number. It fills gridInfo of the run
+/// record (angles in degrees, distances in angstrom) and Pmax of the search; what no line names stays as it
+/// is. An empty name does nothing. An unknown key is told and skipped. Returns 0; 1 after a message for a
+/// file that cannot be read, a line without a key and a number, or a number that is not finite. The lines
+/// before that one have been applied then.
+int readConfig(const std::string &inName, TrelmInfo &trelmInfo, SearchState &search);
+
+} // namespace trelm

@@ -1,0 +1,28 @@
+// Which distances between a solute and a wall an orientation leaves free.
+#pragma once
+
+#include "simulation/columns.h"
+#include "structure/rotate.h"
+
+#include <span>
+#include <vector>
+
+namespace trelm {
+
+/// The solute beside a wall, with the work space of the kernel.
+struct WallKernel {
+    AtomColumns hull;                 ///< the atoms that can be the nearest to the wall
+    QuickColumns quick;               ///< the same in single precision
+    std::span<const float> wallLimit; ///< an atom touches the wall at or below it; the limits fall
+    float limitsPerLength = 0.0f;     ///< how fast they fall, 1/angstrom
+    std::vector<float> turnedX;
+};
+
+/// The limits must outlive the kernel.
+WallKernel makeWallKernel(const Coordinates &atoms, std::span<const float> wallLimit);
+
+/// The first position at which an orientation is free of the wall; the number of limits if there is none.
+/// `normal`: the direction from the wall to the solute's centre, in the frame of the solute.
+int firstFreeOfWall(WallKernel &kernel, const Axis &normal);
+
+} // namespace trelm

@@ -1,0 +1,30 @@
+// Progress lines that cost next to nothing.
+#pragma once
+
+#include <chrono>
+#include <string>
+#include <string_view>
+
+namespace trelm {
+
+/// Lines that overwrite each other on the standard error stream: "<text>N of T\r". On a terminal about
+/// twenty a second and the last one are shown; elsewhere all of them are written, in large pieces. Nothing
+/// else may be written to the stream between the first line and endProgress.
+struct Progress {
+    std::string text; ///< before the number
+    std::string tail; ///< behind it
+    int total = 0;
+    bool isTerminal = false;
+    std::string pending; ///< what is not written yet
+    std::chrono::steady_clock::time_point lastShown = {};
+};
+
+Progress startProgress(std::string_view text, int total);
+
+/// Line number n, 1 to total.
+void showProgress(Progress &progress, int n);
+
+/// Ends the lines with a newline and flushes.
+void endProgress(Progress &progress);
+
+} // namespace trelm

@@ -1,0 +1,109 @@
+#include "simulation/surface.h"
+
+#include "reference/surface_reference.h"
+#include "simulation/atom_selection.h"
+#include "simulation/sphere.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+#include <vector>
+
+namespace trelm {
+namespace {
+
+constexpr int allOfIt = surfaceDotList | surfaceVolume | surfaceAtomAreas;
+
+TEST(Surface, ExposedDotsAreThoseOfThePlainForm)
+{
+    std::mt19937 engine(3);
+    for (int round = 0; round < 30; ++round) {
+        const int atoms = 1 + round * 12;
+        std::uniform_real_distribution<double> place(0.0, 3.0 * std::cbrt(atoms)), size(1.4, 3.5);
+        std::vector<double> co, radius;
+        for (int i = 0; i < atoms; ++i) {
+            co.insert(co.end(), {place(engine), place(engine), place(engine)});
+            radius.push_back(round % 4 == 0 ? 3.1 : size(engine));
+        }
+        if (round % 5 == 0) // two atoms in one place
+            std::copy_n(co.begin(), 3, co.end() - 3);
+        Surface surface;
+        ASSERT_EQ(nsc_dclm(co, radius, 200, allOfIt, surface), 0);
+        std::span<const double> dots;
+        ASSERT_EQ(do_unsp(200, dots), 0);
+        const std::vector<int> plain = exposedDotsPlain(co, radius, dots);
+        std::size_t total = 0;
+        for (std::size_t i = 0; i < radius.size(); ++i) {
+            const double dotArea = radius[i] * radius[i] * (12.566370614359172 / 252.0);
+            EXPECT_EQ(surface.at_area[i], dotArea * plain[i]) << "round " << round << " atom " << i;
+            total += static_cast<std::size_t>(plain[i]);
+        }
+        EXPECT_EQ(surface.lidots.size(), 3 * total);
+    }
+}
+
+TEST(Surface, SphereHasItsAreaAndVolume)
+{
+    const double r = 3.3;
+    Surface surface;
+    ASSERT_EQ(nsc_dclm(std::vector{1e3, -2.0, 5.0}, std::vector{r}, 700, allOfIt, surface), 0);
+    EXPECT_NEAR(surface.value_of_area, 4.0 * M_PI * r * r, 1e-9);
+    EXPECT_NEAR(surface.value_of_vol / (4.0 / 3.0 * M_PI * r * r * r), 1.0, 1e-6);
+    // Atoms very far apart ask for no memory in between.
+    ASSERT_EQ(nsc_dclm(std::vector{-1e9, 0.0, 0.0, 1e9, 1e9, 1e9}, std::vector{r, r}, 700, allOfIt, surface),
+              0);
+    EXPECT_NEAR(surface.value_of_area, 8.0 * M_PI * r * r, 1e-9);
+}
+
+TEST(Surface, AreaOfUbiquitinIsThatOfAnotherProgram)
+{
+    PDBInfo pdb;
+    ASSERT_EQ(readPDB(std::string(TRELM_EXAMPLES) + "/ubiquitin/1d3z_model1.pdb", &pdb, nullptr), 0);
+    std::vector<double> co, radius;
+    for (const AtomInfo &atom : pdb.atoms()) {
+        const char letter = atom.atomName.text[0];
+        if (letter == 'H')
+            continue;
+        co.insert(co.end(),
+                  {static_cast<double>(atom.x), static_cast<double>(atom.y), static_cast<double>(atom.z)});
+        radius.push_back(1.4 + (letter == 'C' ? 1.9 : letter == 'O' ? 1.4 : 1.8));
+    }
+    Surface surface;
+    ASSERT_EQ(nsc_dclm(co, radius, 700, surfaceAtomAreas, surface), 0);
+    // freesasa 2.1.2, Shrake-Rupley, the same heavy atoms and radii, with 20,000 points on each.
+    EXPECT_NEAR(surface.value_of_area / 4978.96, 1.0, 0.002);
+}
+
+TEST(AtomSelection, ExposedAtomsAreMarked)
+{
+    // Without hydrogens in the way the marks are exact; with hydrogens that the selection left out they go to
+    // the first atoms of the molecule.
+    for (const bool withHydrogens : {false, true}) {
+        PDBInfo pdb;
+        ASSERT_EQ(readPDB(std::string(TRELM_EXAMPLES) + "/ubiquitin/1d3z_model1.pdb", &pdb, nullptr), 0);
+        for (AtomInfo &atom : pdb.atoms())
+            atom.selected = withHydrogens || atom.atomName.text[0] != 'H' ? 1 : 0;
+        ASSERT_EQ(callNSC(&pdb), 0);
+        int selected = 0, beyond = 0;
+        for (int i = 0; i < pdb.atomCount; ++i) {
+            const int mark = pdb.atomList[static_cast<std::size_t>(i)].selected;
+            selected += mark;
+            beyond += i >= 602 ? mark : 0;
+        }
+        EXPECT_GT(selected, 50);
+        EXPECT_LT(selected, 300);
+        EXPECT_EQ(beyond > 0, withHydrogens);
+    }
+}
+
+TEST(AtomSelection, NothingSelectedIsTold)
+{
+    PDBInfo pdb;
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(callNSC(&pdb), 1);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "nsc_dclm: no surface atoms selected\nNSC: error.\n");
+}
+
+} // namespace
+} // namespace trelm

@@ -304,6 +304,10 @@ int fitDCAlign(PDBInfo *pdbPtr, DTable *dTabPtr, int verbFlag)
     }
     fitParameters();
     takeSolutions(*state.dTensor);
+    if (!std::isfinite(state.dRMS)) {
+        complain("DC Error: the differences of the couplings are no finite numbers: look at D and DD.\n");
+        return -1;
+    }
     return state.dCount;
 }
 

@@ -1,6 +1,9 @@
 #include "couplings/fit.h"
 
+#include "support/text.h"
+
 #include <algorithm>
+#include <cmath>
 
 namespace trelm {
 namespace {
@@ -125,20 +128,31 @@ int fitD(PDBInfo *pdbInfo, DTable *dTab, int verbose)
 {
     if (dTab == nullptr)
         return 0;
+    int used = 0;
     switch (dTab->dTensor.tensorMode) {
     case 1:
     case 2:
     case 6:
     case 7:
-        return fitDSVD(pdbInfo, dTab, verbose);
+        used = fitDSVD(pdbInfo, dTab, verbose);
+        break;
     case 3:
     case 4:
     case 5:
     case 8:
-        return fitDCAlign(pdbInfo, dTab, verbose);
+        used = fitDCAlign(pdbInfo, dTab, verbose);
+        break;
     default:
-        return 0;
+        break;
     }
+    // Couplings, errors or a tensor near the end of the range of single precision: no result is worth
+    // writing.
+    if (!std::ranges::all_of(dTab->dTensor.saupe, [](float element) { return std::isfinite(element); })) {
+        complain(
+            "DC Error: the order matrix is no finite number: look at D, DD, W and the tensor options.\n");
+        return -1;
+    }
+    return used;
 }
 
 int fitDSVD(PDBInfo *, DTable *dTab, int)

@@ -20,7 +20,7 @@ struct FitVectors {
 
 /// Fits or back-calculates by the tensor's `tensorMode`: the calculated couplings go to dCalcList, the tensor
 /// to dTensor. `verbose` above 1 tells about the non-linear path. Returns the number of couplings used, or -1
-/// if there is no memory for the fit.
+/// if there is no memory for the fit, or, after a message, if its result is no finite number.
 int fitD(PDBInfo *pdbInfo, DTable *dTab, int verbose);
 
 /// The two engines: linear least squares, and Levenberg-Marquardt over rotation, Da and Dr.

@@ -141,6 +141,8 @@ enum class Spelling { number, outOfRange, noInteger, noNumber };
 template <class Value>
 Spelling spellingOf(std::string_view word)
 {
+    while (!word.empty() && isSpace(word.front()))
+        word.remove_prefix(1); // blanks in front are no fault: the conversion skips them
     if (word.starts_with('+') && !word.starts_with("+-"))
         word.remove_prefix(1); // from_chars knows no plus sign
     Value value = 0;
@@ -305,6 +307,7 @@ int checkArgs(int argc, char **argv)
         warnings = reportUnused(argc, argv);
     }
     state = ArgState{};
+    badFlag = 0;
     return warnings;
 }
 

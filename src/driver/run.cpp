@@ -11,9 +11,6 @@
 namespace trelm {
 namespace {
 
-/// The mode of initArgs in which the environment decides.
-constexpr int checkByEnvironment = 4;
-
 void legalNotice()
 {
     std::fputs("\n\n"
@@ -43,7 +40,7 @@ int startRun(Run &run)
 
 int readOptions(int argc, char **argv, Run &run)
 {
-    initArgs(argc, argv, checkByEnvironment);
+    initArgs(argc, argv, checkFromEnvironment);
     int status =
         getparams(argc, argv, run.options, run.trelmInfo[0], run.dcInfo[0], run.sInfo, run.dTab[0].dTensor);
     if (run.options.wCount < 0) // no memory for the weights

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <span>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -47,9 +48,10 @@ struct SelectedAtoms {
                 entries.push_back({atoms[i].resID, i});
         std::ranges::stable_sort(entries, {}, &Entry::resID);
     }
-    [[nodiscard]] auto ofResidue(int resID) const
+    [[nodiscard]] std::span<const Entry> ofResidue(int resID) const
     {
-        return std::ranges::equal_range(entries, resID, {}, &Entry::resID);
+        return {std::ranges::lower_bound(entries, resID, {}, &Entry::resID),
+                std::ranges::upper_bound(entries, resID, {}, &Entry::resID)};
     }
 };
 

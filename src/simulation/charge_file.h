@@ -32,7 +32,7 @@ struct ResidueRange {
     int first = 999, last = -1;
 };
 
-/// Reads a pKa file, text that is `name`'s: on each line a residue number, "pKa" (else the value is a
+/// Reads a pKa file: on each line a residue number, "pKa" (else the value is a
 /// charge), an atom name, "default" or "terminus", and the value; the second and third field may be
 /// exchanged, as they are in the lines that are written. Places the charges at `pH` and appends them to
 /// `lines`, atom by atom. A line that finds no atom warns. Returns 0, or 1 after a message for a file or line

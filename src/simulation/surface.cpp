@@ -200,11 +200,18 @@ void exposeGroup(Exposure &exposure, const DotGroup &group, std::span<const Cap>
         if (middle + spread > cap.limit)
             exposure.partial.push_back(&cap);
     }
+    // The cap that covered the last dot mostly covers the next one, too.
+    const Cap *last = exposure.partial.empty() ? nullptr : exposure.partial.front();
     for (int i = group.first; i < group.first + group.count; ++i) {
         const Vec u = dotAt(exposure.dots, i);
-        if (std::ranges::none_of(exposure.partial,
-                                 [&u](const Cap *cap) { return dot(u, cap->v) > cap->limit; }))
+        const auto covers = [&u](const Cap *cap) { return dot(u, cap->v) > cap->limit; };
+        if (last != nullptr && covers(last))
+            continue;
+        const auto found = std::ranges::find_if(exposure.partial, covers);
+        if (found == exposure.partial.end())
             exposure.exposed.push_back(i);
+        else
+            last = *found;
     }
 }
 

@@ -73,7 +73,11 @@ bool roomForSymbol(HTabInfo &hTab, std::size_t nameLength)
         complain("NameAlloc Error allocating name.\n");
         return false;
     }
-    return hTab.symbolCount < 2 * static_cast<long>(hTab.hashLength) || rehash(hTab);
+    if (hTab.symbolCount >= 2 * static_cast<long>(hTab.hashLength) && !rehash(hTab)) {
+        complain("SymAlloc Error allocating memory.\n");
+        return false;
+    }
+    return true;
 }
 
 } // namespace

@@ -97,6 +97,37 @@ TEST(Failures, TablesWithFaults)
     }
 }
 
+TEST(Failures, ResultsThatAreNoNumbersAreNotWritten)
+{
+    const std::string table =
+        "VARS RESID_I ATOMNAME_I RESID_J ATOMNAME_J D DD\nFORMAT %5d %6s %5d %6s %9.3f %9.3e\n";
+    std::string rows;
+    for (int residue = 2; residue < 19; ++residue)
+        rows += std::to_string(residue) + " H " + std::to_string(residue) + " N -8.0 " +
+                (residue == 3 ? "1e-16\n" : "1.0\n");
+    const std::vector<FailureCase> cases = {
+        {"an error that is none",
+         fitOf(example("1d3z_model1.pdb"), "in.tab"),
+         {"DC Error: the order matrix is no finite number: look at D, DD, W and the tensor options.\n"}},
+        {"the same by least squares",
+         fitOf(example("1d3z_model1.pdb"), "in.tab"),
+         {"DC Error: the differences of the couplings are no finite numbers: look at D and DD.\n"}},
+    };
+    for (const FailureCase &failure : cases) {
+        std::vector<std::string> args = failure.args;
+        std::string text = table + rows;
+        if (&failure != &cases.front()) {
+            args.emplace_back("-nofixed");
+            text = table + "2 H 2 N -8.0 1e-38\n" + rows;
+        }
+        const Ran ran = runProgram(args, {.files = {{"in.tab", text}}});
+        EXPECT_EQ(ran.status, 1) << failure.why << ran.err;
+        EXPECT_EQ(countOf(ran.err, failure.lines[0]), 1) << failure.why << ran.err;
+        EXPECT_FALSE(ran.exists("fit.tab")) << failure.why;
+        EXPECT_FALSE(ran.exists("t.pdb.0")) << failure.why;
+    }
+}
+
 TEST(Failures, AStructureCutAnywhereNeverCrashes)
 {
     const std::string atom =

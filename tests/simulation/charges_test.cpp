@@ -11,6 +11,7 @@
 #include <fstream>
 #include <set>
 #include <sstream>
+#include <unistd.h>
 
 using namespace trelm;
 using testing::HasSubstr;
@@ -19,22 +20,30 @@ using testing::internal::GetCapturedStderr;
 
 namespace {
 
-std::string tempName(const char *extension)
+const std::filesystem::path folder = testing::TempDir() + "trelm_charges_" + std::to_string(getpid());
+
+/// A file in a folder of this run, which goes when the program ends.
+std::string tempName(const char *name)
 {
-    return testing::TempDir() + "trelm_" + testing::UnitTest::GetInstance()->current_test_info()->name() +
-           extension;
+    static const struct Folder {
+        Folder() { std::filesystem::create_directory(folder); }
+        ~Folder() { std::filesystem::remove_all(folder); }
+    } made;
+    return folder / name;
 }
 
 /// A molecule of which every atom is selected.
-void readMolecule(const std::string &name, PDBInfo &pdbInfo)
+PDBInfo readMolecule(const std::string &name)
 {
-    ASSERT_EQ(readPDB(name, &pdbInfo, nullptr), 0);
+    PDBInfo pdbInfo;
+    EXPECT_EQ(readPDB(name, &pdbInfo, nullptr), 0);
     for (AtomInfo &atom : pdbInfo.atoms())
         atom.selected = 1;
+    return pdbInfo;
 }
 
 /// One from residues such as "A GLY 1 N CA", a line for each.
-void makeMolecule(const std::string &residues, PDBInfo &pdbInfo)
+PDBInfo makeMolecule(const std::string &residues)
 {
     std::string text, line, chain, resName, resID;
     for (std::istringstream lines(residues); std::getline(lines, line);) {
@@ -44,9 +53,8 @@ void makeMolecule(const std::string &residues, PDBInfo &pdbInfo)
             appendf(text, "ATOM      1  %-3s %-4s%s%4s       1.000   0.000   0.000  1.00  0.00\n",
                     name.c_str(), resName.c_str(), chain.c_str(), resID.c_str());
     }
-    std::ofstream(tempName(".pdb")) << text;
-    readMolecule(tempName(".pdb"), pdbInfo);
-    std::filesystem::remove(tempName(".pdb"));
+    std::ofstream(tempName("pdb")) << text;
+    return readMolecule(tempName("pdb"));
 }
 
 struct Placed {
@@ -76,10 +84,8 @@ Placed place(PDBInfo &pdbInfo, const ElInfo &elInfo, const std::string &inName =
 
 Placed placeLines(PDBInfo &pdbInfo, const ElInfo &elInfo, const std::string &lines)
 {
-    std::ofstream(tempName(".pka"), std::ios::binary) << lines;
-    const Placed placed = place(pdbInfo, elInfo, tempName(".pka"));
-    std::filesystem::remove(tempName(".pka"));
-    return placed;
+    std::ofstream(tempName("pka"), std::ios::binary) << lines;
+    return place(pdbInfo, elInfo, tempName("pka"));
 }
 
 MATCHER(SameCharge, "")
@@ -92,10 +98,9 @@ MATCHER(SameCharge, "")
 /// was written.
 std::string expectRoundTrip(PDBInfo &pdbInfo, const ElInfo &elInfo, const std::string &inName = "")
 {
-    Placed first = place(pdbInfo, elInfo, inName, tempName(".out"));
-    const std::string written(std::istreambuf_iterator(std::ifstream(tempName(".out")).rdbuf()), {});
-    Placed again = place(pdbInfo, elInfo, tempName(".out"));
-    std::filesystem::remove(tempName(".out"));
+    Placed first = place(pdbInfo, elInfo, inName, tempName("out"));
+    const std::string written(std::istreambuf_iterator(std::ifstream(tempName("out")).rdbuf()), {});
+    Placed again = place(pdbInfo, elInfo, tempName("out"));
     EXPECT_EQ(again.status, 0) << again.messages;
     std::ranges::sort(first.charges);
     std::ranges::sort(again.charges);
@@ -127,8 +132,7 @@ TEST(Charges, FractionHasItsLimits)
 
 TEST(Charges, DefaultsTitrateGroupsAndWriteThem)
 {
-    PDBInfo pdbInfo;
-    makeMolecule(peptide, pdbInfo);
+    PDBInfo pdbInfo = makeMolecule(peptide);
     ElInfo elInfo = electrostatics(0, 50.0f); // acids have lost their protons, bases too
     const Placed basic = place(pdbInfo, elInfo);
     EXPECT_FLOAT_EQ(basic.sum, -4.0f); // -1, -1 for each phosphate oxygen, -1 for the end
@@ -150,21 +154,18 @@ TEST(Charges, DefaultsTitrateGroupsAndWriteThem)
 
 TEST(Charges, WrittenFileGivesTheSameCharges)
 {
-    PDBInfo ubiquitin, odd, single;
-    readMolecule(TRELM_EXAMPLES "/ubiquitin/1d3z_model1.pdb", ubiquitin);
+    PDBInfo ubiquitin = readMolecule(TRELM_EXAMPLES "/ubiquitin/1d3z_model1.pdb");
     for (const float pH : {3.0f, 7.0f, 9.5f})
         EXPECT_NE(expectRoundTrip(ubiquitin, electrostatics(0, pH)), "");
     EXPECT_NE(expectRoundTrip(ubiquitin, electrostatics(1, 7.0f)), "");
     EXPECT_NE(expectRoundTrip(ubiquitin, electrostatics(2, 4.0f)), "");
     // Two equal chains, an end with one oxygen, half an aspartate, and a residue that is both ends.
-    makeMolecule("A GLY 1 N\nA ASP 2 OD1\nA LYS 3 NZ\nA GLY 4 O\n"
-                 "B GLY 1 N\nB ASP 2 OD1\nB LYS 3 NZ\nB GLY 4 O",
-                 odd);
+    PDBInfo odd = makeMolecule("A GLY 1 N\nA ASP 2 OD1\nA LYS 3 NZ\nA GLY 4 O\n"
+                               "B GLY 1 N\nB ASP 2 OD1\nB LYS 3 NZ\nB GLY 4 O");
     EXPECT_NE(expectRoundTrip(odd, electrostatics()), "");
-    std::ofstream(tempName(".pka")) << "1 pKa N 7\n1 pKa N 7\n2 pKa default 4\n"; // charges add
-    EXPECT_NE(expectRoundTrip(odd, electrostatics(), tempName(".pka")), "");
-    std::filesystem::remove(tempName(".pka"));
-    makeMolecule("A GLY 1 N O OXT", single);
+    std::ofstream(tempName("pka")) << "1 pKa N 7\n1 pKa N 7\n2 pKa default 4\n"; // charges add
+    EXPECT_NE(expectRoundTrip(odd, electrostatics(), tempName("pka")), "");
+    PDBInfo single = makeMolecule("A GLY 1 N O OXT");
     EXPECT_NE(expectRoundTrip(single, electrostatics()), "");
 }
 
@@ -197,11 +198,9 @@ TEST(Charges, PartialChargesSumToTheFormalOnes)
     } cases[] = {{1, 7.0f, -1.0f, -0.57f, 23},   {2, 6.0f, -1.0f, -0.67f, 32}, {2, 7.0f, -1.0f, -0.67f, 32},
                  {2, 4.0f, 1.0f, -0.17f, 33},    {2, 5.0f, 0.0f, 0.0f, 0},     {2, 7.1f, 0.0f, 0.0f, 0},
                  {2, 7.0f, -0.49f, 0.51f, 28, 0}};
-    PDBInfo pdbInfo;
-    makeMolecule("A GLY 1 N HT1 HT2 HT3 HN CA HA1 HA2 C O\n"
-                 "A ASP 2 N HN CA HA CB HB1 HB2 CG OD1 OD2 HD2 C O\n"
-                 "A ALA 3 N H CA HA CB HB1 HB2 HB3 C OT1 OXT",
-                 pdbInfo);
+    PDBInfo pdbInfo = makeMolecule("A GLY 1 N HT1 HT2 HT3 HN CA HA1 HA2 C O\n"
+                                   "A ASP 2 N HN CA HA CB HB1 HB2 CG OD1 OD2 HD2 C O\n"
+                                   "A ALA 3 N H CA HA CB HB1 HB2 HB3 C OT1 OXT");
     for (const auto &c : cases) {
         SCOPED_TRACE(testing::Message()
                      << "charmm " << c.charmm << " pH " << c.pH << " termini " << c.termini);
@@ -210,9 +209,7 @@ TEST(Charges, PartialChargesSumToTheFormalOnes)
         const Placed placed = place(pdbInfo, elInfo);
         EXPECT_NEAR(placed.sum, c.sum, 1e-5f);
         EXPECT_EQ(placed.charges.size(), c.count);
-        if (!placed.charges.empty()) {
-            EXPECT_EQ(placed.charges.back().second, c.oxygen);
-        }
+        EXPECT_EQ(placed.charges.empty() ? 0.0f : placed.charges.back().second, c.oxygen);
         EXPECT_EQ(placed.messages.empty(), placed.charges.empty());
     }
 }
@@ -246,8 +243,7 @@ TEST(Charges, FileLinesAreReadOrRefused)
         {"1 pKa NZ nan", wrong + "1 pKa NZ nan\n", {}},
         {"1 x NZ 3e38\n1 x NZ 3e38", "Error: The net charge is not a finite number.\n", {}},
     };
-    PDBInfo pdbInfo;
-    makeMolecule(peptide, pdbInfo);
+    PDBInfo pdbInfo = makeMolecule(peptide);
     for (const auto &c : cases) {
         SCOPED_TRACE(c.lines);
         const Placed placed = placeLines(pdbInfo, electrostatics(), c.lines);
@@ -259,8 +255,7 @@ TEST(Charges, FileLinesAreReadOrRefused)
 
 TEST(Charges, TooManyAreRefused)
 {
-    PDBInfo pdbInfo;
-    makeMolecule(peptide, pdbInfo);
+    PDBInfo pdbInfo = makeMolecule(peptide);
     std::string lines;
     for (int i = 0; i < 1198; ++i)
         lines += "1 charge NZ 1\n";
@@ -273,7 +268,7 @@ TEST(Charges, TooManyAreRefused)
     std::string many;
     for (int i = 1; i <= 1199; ++i)
         appendf(many, "A LYS %d NZ\n", i);
-    makeMolecule(many, pdbInfo);
+    pdbInfo = makeMolecule(many);
     for (const int charmm : {0, 1})
         EXPECT_EQ(place(pdbInfo, electrostatics(charmm, 7.0f)).messages,
                   "Too many pKa values were supplied ...\n");
@@ -281,8 +276,7 @@ TEST(Charges, TooManyAreRefused)
 
 TEST(Charges, ScalesApplyToPlacesOfTheList)
 {
-    PDBInfo pdbInfo;
-    makeMolecule(peptide, pdbInfo);
+    PDBInfo pdbInfo = makeMolecule(peptide);
     ElInfo elInfo = electrostatics();
     elInfo.kMonoCh = 2.0f, elInfo.kQuadCh = 3.0f, elInfo.kDipoCh = 5.0f;
     std::string lines;
@@ -299,8 +293,7 @@ TEST(Charges, ScalesApplyToPlacesOfTheList)
 
 TEST(Charges, FilesThatFailAreTold)
 {
-    PDBInfo pdbInfo;
-    makeMolecule(peptide, pdbInfo);
+    PDBInfo pdbInfo = makeMolecule(peptide);
     const struct {
         std::string inName, outName, message;
     } cases[] = {{"none.pka", "", "chargeSetup File open error: none.pka.\n"},

@@ -40,6 +40,8 @@ int setUp(Run &run, ChargeSet &charges)
 {
     TrelmInfo &trelmInfo = run.trelmInfo[0];
     const RunOptions &options = run.options;
+    if (checkSample(trelmInfo) != 0)
+        return 1;
     if (readConfig(options.inpName, trelmInfo, run.search) != 0)
         return complain("Error reading configuration file %s\n", options.inpName.c_str());
     charges.chargeAtomID = run.chargeAtomID.span();
@@ -140,7 +142,7 @@ int simulateFree(Run &run)
     TrelmInfo &trelmInfo = run.trelmInfo[0];
     if (trelmInfo.lcType != lcWall && trelmInfo.lcType != lcRod)
         return complain("trelm: -stTrelmFree knows the models -bic and -pf1 only.\n");
-    if (checkSimulation(trelmInfo) != 0)
+    if (checkSample(trelmInfo) != 0 || checkSimulation(trelmInfo) != 0)
         return 1;
     const int status = ssiaFree(&trelmInfo, run.options.pdbFName, run.options.outAName, &run.dTab[0]);
     if (status != 0)

@@ -21,6 +21,11 @@ int refuse(const char *option, double value, const char *rule)
     return complain("trelm: %s %g: %s.\n", option, value, rule);
 }
 
+bool isPositive(float value)
+{
+    return value > 0.0f && std::isfinite(value);
+}
+
 /// One block of the order matrix. The three blocks show the same magnitude, that of the sum.
 void printSaupe(const char *name, double gMag, const Saupe &saupe, const char *gap)
 {
@@ -64,9 +69,16 @@ int refine_bicelle(TrelmInfo *trelmInfo)
     return 0;
 }
 
+int checkSample(const TrelmInfo &trelmInfo)
+{
+    if (!isPositive(trelmInfo.concentration) || trelmInfo.concentration > 1.0f)
+        return refuse("-wv", static_cast<double>(trelmInfo.concentration),
+                      "the concentration is a fraction, above 0 and at most 1");
+    return 0;
+}
+
 int checkSimulation(const TrelmInfo &trelmInfo)
 {
-    const auto isPositive = [](float value) { return value > 0.0f && std::isfinite(value); };
     if (trelmInfo.densityNSC < 1)
         return refuse("-dot", trelmInfo.densityNSC, "the number of orientation points must be positive");
     const int dots = dotCount(trelmInfo.densityNSC);
@@ -80,9 +92,6 @@ int checkSimulation(const TrelmInfo &trelmInfo)
                         trelmInfo.digPsiNSC, dots, std::numeric_limits<int>::max());
     if (!isPositive(trelmInfo.gridSpacing))
         return refuse("-dGrid", static_cast<double>(trelmInfo.gridSpacing), "the step must be positive");
-    if (!isPositive(trelmInfo.concentration) || trelmInfo.concentration > 1.0f)
-        return refuse("-wv", static_cast<double>(trelmInfo.concentration),
-                      "the concentration is a fraction, above 0 and at most 1");
     if (!isPositive(trelmInfo.radiusModel))
         return refuse("-rM", static_cast<double>(trelmInfo.radiusModel), "the radius must be positive");
     if (!(trelmInfo.radiusAtom >= 0.0f) || !std::isfinite(trelmInfo.radiusAtom))

@@ -14,8 +14,11 @@ namespace trelm {
 /// orderDiscRim. Once a run: it starts from the molar ratio that it replaces. Returns 0.
 int refine_bicelle(TrelmInfo *trelmInfo);
 
-/// Refuses parameters that no simulation can work with: densities and steps that are not positive, too many
-/// orientation points, a concentration outside 0 to 1. Returns 0, or 1 after one line that names the option.
+/// Refuses a concentration outside 0 to 1, which refine_bicelle divides by. Returns 0, or 1 after one line.
+int checkSample(const TrelmInfo &trelmInfo);
+
+/// Refuses parameters that no simulation can work with: densities, steps and radii that are not positive, too
+/// many orientation points. Returns 0, or 1 after one line that names the option.
 int checkSimulation(const TrelmInfo &trelmInfo);
 
 /// Moves coordinates to their geometric centre, which is summed in single precision. Returns the largest

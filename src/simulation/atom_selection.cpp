@@ -22,7 +22,7 @@ struct RadiusRow {
 
 constexpr RadiusRow radiusRows[] = {{'C', 1.9f}, {'F', 1.9f}, {'N', 1.8f}, {'P', 1.8f}, {'S', 1.8f}};
 constexpr float otherRadius = 1.4f;
-constexpr double freeRadius = 1.7; ///< of an atom without a name
+constexpr double freeRadius = 3.1; ///< of an atom without a name, probe included
 
 float atomRadius(const AtomInfo &atom)
 {
@@ -36,12 +36,12 @@ struct Spheres {
     std::size_t count = 0;
 
     Spheres(const char *tag, std::size_t capacity) : co(tag, 3 * capacity), radius(tag, capacity) {}
-    void append(double x, double y, double z, double bareRadius)
+    void append(double x, double y, double z, double withProbe)
     {
         co[3 * count] = x;
         co[3 * count + 1] = y;
         co[3 * count + 2] = z;
-        radius[count++] = bareRadius + probeRadius;
+        radius[count++] = withProbe;
     }
 };
 
@@ -55,7 +55,7 @@ int findExposed(const Spheres &spheres, std::vector<bool> &isExposed)
     isExposed.resize(spheres.count);
     for (std::size_t k = 0; k < spheres.count; ++k) {
         const double bare = spheres.radius[k] - probeRadius;
-        isExposed[k] = surface.at_area[k] / (12.5663706 * bare * bare) > exposedRatio;
+        isExposed[k] = surface.at_area[k] / (12.5663706 * (bare * bare)) > exposedRatio;
     }
     return 0;
 }
@@ -107,7 +107,7 @@ int callNSC(PDBInfo *pdbInfo)
     for (const AtomInfo &atom : pdbInfo->atoms())
         if (atom.selected != 0)
             spheres.append(static_cast<double>(atom.x), static_cast<double>(atom.y),
-                           static_cast<double>(atom.z), static_cast<double>(atomRadius(atom)));
+                           static_cast<double>(atom.z), static_cast<double>(atomRadius(atom)) + probeRadius);
     std::vector<bool> isExposed;
     if (findExposed(spheres, isExposed) != 0)
         return 1;

@@ -25,8 +25,9 @@ int callNSC(PDBInfo *pdbInfo);
 int surfSel(int atomCount, const CoordinateBuffers &atoms, int &atomSelCount);
 
 /// Fills the coordinates of a simulation: the charges first (in an electrostatic run; chargeAtomID then
-/// numbers these places), then the selected atoms, exposed ones only with surfFlag. The buffers need room for
-/// both. Returns 0, or 1 after a message.
+/// numbers these places, and the atoms that carry the charges are known to the caller's copy alone), then the
+/// selected atoms, exposed ones only with surfFlag. The buffers need room for both. Returns 0, or 1 after a
+/// message.
 int chCoorSelect(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms,
                  ChargeSet &charges, int verb, int &chAtomSelCount);
 

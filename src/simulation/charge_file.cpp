@@ -81,6 +81,9 @@ bool parseLine(std::string_view text, std::vector<std::string_view> &words, PkaL
     // The order of the lines that this program writes. No atom has one of those two names.
     if (isDataName(line.atomName) && !isDataName(line.dataName))
         std::swap(line.dataName, line.atomName);
+    if (!isDataName(line.dataName))
+        complain("Warning: %s in a line of the pka file is neither pKa nor charge: its value is a charge.\n",
+                 std::string(line.dataName).c_str());
     return true;
 }
 
@@ -138,7 +141,7 @@ void addLine(ChargeLines &lines, int resID, std::string_view name, float charge)
 {
     std::string line;
     appendf(line, "%d\t%s\t%s\t%.3f\n", resID, std::string(name).c_str(), std::string(chargeWord).c_str(),
-            static_cast<double>(charge));
+            static_cast<double>(charge) + 0.0); // no minus sign at a zero
     if (lines.known.insert(line).second)
         lines.text += line;
 }
@@ -152,6 +155,9 @@ int readChargeFile(const std::string &name, const PDBInfo &pdbInfo, float pH, Ch
         return complain("chargeSetup File open error: %s.\n", name.c_str());
     if (status == TextStatus::bad)
         return 1;
+    trimEnd(input);
+    if (input.text.empty())
+        complain("Warning: the pka file %s holds no lines.\n", name.c_str());
     const SelectedAtoms selected(pdbInfo);
     std::vector<std::string_view> words;
     int lineCount = 0;

@@ -47,7 +47,7 @@ using ChargeTable = std::vector<std::span<const ChargeRow>>;
 ChargeTable chargeTable(ChargeTableID id);
 
 /// The rows of a residue; none if the table does not know it. The chain ends are the residues NTER and CTER,
-/// for glycine and proline at the start NTER_GLY and NTER_PRO.
+/// for glycine at the start NTER_GLY; NTER_PRO is there as published, and nothing asks for it.
 std::span<const ChargeRow> findRows(const ChargeTable &table, std::string_view residue);
 
 /// The row of an atom, or null.

@@ -8,6 +8,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <filesystem>
+#include <system_error>
+#include <unordered_map>
 #include <vector>
 
 namespace trelm {
@@ -52,8 +55,7 @@ int chargeFromFile(const std::string &inName, const PDBInfo &pdbInfo, const ElIn
     return 0;
 }
 
-/// A group whose atoms come one by one. Its line is due when their shares add up to a whole: only then does a
-/// reader, who gives each atom its share, come to the same charges.
+/// A group whose atoms come one by one. Its lines are due at the end of the residue.
 struct OpenGroup {
     struct Member {
         std::string_view name;
@@ -65,47 +67,66 @@ struct OpenGroup {
     float share = 0.0f, sum = 0.0f;
 };
 
-void emptyGroup(OpenGroup &open)
+/// True if a reader who gives each atom of the group its share comes to the same charges: the group is there
+/// whole, and each of its atoms once.
+bool isWhole(const OpenGroup &open)
 {
+    for (std::size_t i = 0; i < open.members.size(); ++i)
+        for (std::size_t j = 0; j < i; ++j)
+            if (open.members[i].name == open.members[j].name)
+                return false;
+    return open.share == 1.0f && !open.word.empty();
+}
+
+/// Writes one line for a whole group, else one for each atom.
+void closeGroup(OpenGroup &open, ChargeLines &lines)
+{
+    if (isWhole(open)) {
+        const bool single = open.word == defaultWord && open.members.size() == 1;
+        addLine(lines, open.resID, single ? open.members.front().name : open.word, open.sum);
+    } else {
+        for (const auto &[name, charge] : open.members)
+            addLine(lines, open.resID, name, charge);
+    }
     open.members.clear();
     open.share = open.sum = 0.0f;
 }
 
-/// What is left of a group is written atom by atom.
-void closeGroup(OpenGroup &open, ChargeLines &lines)
-{
-    for (const auto &[name, charge] : open.members)
-        addLine(lines, open.resID, name, charge);
-    emptyGroup(open);
-}
-
-void addMember(OpenGroup &open, const TitrationGroup &group, std::string_view name, float charge,
-               ChargeLines &lines)
+void addMember(OpenGroup &open, const TitrationGroup &group, std::string_view name, float charge)
 {
     open.members.push_back({name, charge});
     open.share += group.share;
     open.sum += charge;
-    if (open.share < 1.0f || open.word.empty())
-        return;
-    const bool single = open.word == defaultWord && open.members.size() == 1;
-    addLine(lines, open.resID, single ? name : open.word, open.sum);
-    emptyGroup(open);
+}
+
+/// The residue that a walk over the atoms is in. Insertion codes and names part what one number holds.
+bool isSameResidue(const AtomInfo &a, const AtomInfo *b)
+{
+    return b != nullptr && a.resInfo == b->resInfo && a.resName == b->resName && a.icode == b->icode;
 }
 
 /// The groups of the residue that a walk over the atoms is in.
 struct ResidueGroups {
-    const ResInfo *residue = nullptr;
+    const AtomInfo *first = nullptr;        ///< its first selected atom
     const TitrationGroup *terminal[2] = {}; ///< chain start and end, if this is one
     const TitrationGroup *own = nullptr;
     OpenGroup openTerminus, openOwn;
 };
 
+/// Writes the groups of a residue: the chain start before what the residue has of itself, the chain end
+/// after.
+void leaveResidue(ResidueGroups &groups, ChargeLines &lines)
+{
+    const bool startFirst = groups.terminal[0] != nullptr;
+    closeGroup(startFirst ? groups.openTerminus : groups.openOwn, lines);
+    closeGroup(startFirst ? groups.openOwn : groups.openTerminus, lines);
+}
+
 void enterResidue(ResidueGroups &groups, const AtomInfo &atom, const PDBInfo &pdbInfo, bool terminiCharged,
                   ChargeLines &lines)
 {
-    closeGroup(groups.openTerminus, lines);
-    closeGroup(groups.openOwn, lines);
-    groups.residue = atom.resInfo;
+    leaveResidue(groups, lines);
+    groups.first = &atom;
     groups.terminal[0] = terminiCharged && atom.resID == pdbInfo.minResID ? &startGroup : nullptr;
     groups.terminal[1] = terminiCharged && atom.resID == pdbInfo.maxResID ? &endGroup : nullptr;
     groups.own = findGroup(atom.resName.view());
@@ -115,14 +136,13 @@ void enterResidue(ResidueGroups &groups, const AtomInfo &atom, const PDBInfo &pd
     groups.openOwn.word = defaultWord;
 }
 
-int titrateAtom(ResidueGroups &groups, std::size_t place, std::string_view name, float pH, ChargeSet &set,
-                ChargeLines &lines)
+int titrateAtom(ResidueGroups &groups, std::size_t place, std::string_view name, float pH, ChargeSet &set)
 {
     for (const TitrationGroup *group : {groups.terminal[0], groups.terminal[1], groups.own}) {
         if (group == nullptr || !group->holds(name))
             continue;
         const float charge = group->atomCharge(titratedFraction(pH, group->pKa));
-        addMember(group == groups.own ? groups.openOwn : groups.openTerminus, *group, name, charge, lines);
+        addMember(group == groups.own ? groups.openOwn : groups.openTerminus, *group, name, charge);
         if (addCharge(set, place, charge) != 0)
             return 1;
     }
@@ -136,13 +156,12 @@ int titrateDefaults(const PDBInfo &pdbInfo, const ElInfo &elInfo, ChargeSet &set
     for (std::size_t i = 0; i < atoms.size(); ++i) {
         if (atoms[i].selected == 0)
             continue;
-        if (atoms[i].resInfo != groups.residue)
+        if (!isSameResidue(atoms[i], groups.first))
             enterResidue(groups, atoms[i], pdbInfo, elInfo.chTerminiFlag != 0, lines);
-        if (titrateAtom(groups, i, atoms[i].atomName.view(), elInfo.pH, set, lines) != 0)
+        if (titrateAtom(groups, i, atoms[i].atomName.view(), elInfo.pH, set) != 0)
             return 1;
     }
-    closeGroup(groups.openTerminus, lines);
-    closeGroup(groups.openOwn, lines);
+    leaveResidue(groups, lines);
     if (settle(elInfo, set) != 0)
         return 1;
     std::fprintf(stderr, "pka Default Values, %d Charges/pka Values, Net charge %.3f   Residues %d to %d.\n",
@@ -152,7 +171,7 @@ int titrateDefaults(const PDBInfo &pdbInfo, const ElInfo &elInfo, ChargeSet &set
 
 /// The rows of the residue that a walk over the atoms is in.
 struct ResidueRows {
-    const ResInfo *residue = nullptr;
+    const AtomInfo *first = nullptr;       ///< its first selected atom
     std::span<const ChargeRow> start, end; ///< rows of the chain ends, empty elsewhere
     std::span<const ChargeRow> own;
 };
@@ -161,7 +180,7 @@ ResidueRows residueRows(const ChargeTable &table, const AtomInfo &atom, const PD
                         bool terminiCharged)
 {
     ResidueRows rows;
-    rows.residue = atom.resInfo;
+    rows.first = &atom;
     rows.own = findRows(table, atom.resName.view());
     // A known residue without backbone, such as a cap, an ion or a nucleotide, is no end of a protein chain.
     if (!terminiCharged || (!rows.own.empty() && findRow(rows.own, "N") == nullptr))
@@ -194,7 +213,7 @@ int placePartialCharges(ChargeTableID id, const PDBInfo &pdbInfo, const ElInfo &
     for (std::size_t i = 0; i < atoms.size(); ++i) {
         if (atoms[i].selected == 0)
             continue;
-        if (atoms[i].resInfo != rows.residue)
+        if (!isSameResidue(atoms[i], rows.first))
             rows = residueRows(table, atoms[i], pdbInfo, elInfo.chTerminiFlag != 0);
         const std::string_view name = atoms[i].atomName.view();
         const ChargeRow *row = rowOf(rows, name);
@@ -229,6 +248,30 @@ int placeCharges(const std::string &inName, const PDBInfo &pdbInfo, const ElInfo
     return 0; // the tables know no charges between
 }
 
+bool isSameFile(const std::string &a, const std::string &b)
+{
+    std::error_code error;
+    return a == b || std::filesystem::equivalent(a, b, error);
+}
+
+/// The lines of a charge file have no chain and no insertion code: where one number stands for residues of
+/// different names they can not be read back as they were.
+void warnMixedNumbers(const PDBInfo &pdbInfo)
+{
+    std::unordered_map<int, const AtomInfo *> firstOf;
+    for (const AtomInfo &atom : pdbInfo.atoms()) {
+        if (atom.selected == 0)
+            continue;
+        const AtomInfo *first = firstOf.try_emplace(atom.resID, &atom).first->second;
+        if (first->resName == atom.resName)
+            continue;
+        complain("Warning: residue number %d stands for %s and %s: the charges written can not be read back "
+                 "as they are.\n",
+                 atom.resID, first->resName.c_str(), atom.resName.c_str());
+        return;
+    }
+}
+
 } // namespace
 
 int chargeSetup(const std::string &inName, PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, ChargeSet &set,
@@ -237,7 +280,7 @@ int chargeSetup(const std::string &inName, PDBInfo *pdbInfo, const TrelmInfo &tr
     const ElInfo &elInfo = trelmInfo.elInfo;
     set.chCount = 0;
     set.chSum = 0.0f;
-    if (elInfo.elFlag != 0 && !inName.empty() && inName == outName)
+    if (!inName.empty() && !outName.empty() && isSameFile(inName, outName))
         return complain("Error: %s is the pka input and the pka output file.\n", inName.c_str());
     OutFile out;
     if (!outName.empty() && openOut(out, outName, "w") != 0)
@@ -250,6 +293,7 @@ int chargeSetup(const std::string &inName, PDBInfo *pdbInfo, const TrelmInfo &tr
     }
     if (outName.empty())
         return 0;
+    warnMixedNumbers(*pdbInfo);
     writeOut(out, lines.text);
     return closeOut(out);
 }

@@ -92,14 +92,6 @@ int readLine(std::string_view line, TrelmInfo &trelmInfo, SearchState &search)
     return 0;
 }
 
-/// Drops what no reader of the file sees: blank lines behind the last one. Blank lines further up count as
-/// lines without a key.
-void trimEnd(TextInput &input)
-{
-    while (!input.text.empty() && isSpace(input.text.back()))
-        input.text.pop_back();
-}
-
 } // namespace
 
 int readConfig(const std::string &inName, TrelmInfo &trelmInfo, SearchState &search)

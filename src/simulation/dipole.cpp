@@ -16,9 +16,9 @@ std::array<float, 3> weightedCentre(const ChargePlaces &places, Weight weight)
     for (std::size_t c = 0; c < places.charges.size(); ++c) {
         const auto atom = static_cast<std::size_t>(places.chargeAtomID[c]);
         const auto share = static_cast<double>(weight(places.charges[c]));
-        centre[0] += static_cast<float>(share * places.x[atom]);
-        centre[1] += static_cast<float>(share * places.y[atom]);
-        centre[2] += static_cast<float>(share * places.z[atom]);
+        const double terms[3] = {share * places.x[atom], share * places.y[atom], share * places.z[atom]};
+        for (std::size_t i = 0; i < 3; ++i)
+            centre[i] = static_cast<float>(static_cast<double>(centre[i]) + terms[i]);
     }
     return centre;
 }

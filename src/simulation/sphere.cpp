@@ -348,6 +348,7 @@ int make_unsp(int densit, int mode, int &num_dot, int cubus)
 {
     xpunsp.reset();
     ico_wk.reset();
+    last_unsp = 0;
     const int type = std::abs(mode);
     if (type == typeIcosahedron)
         num_dot = ico_dot_arc(densit);
@@ -367,7 +368,7 @@ int make_unsp(int densit, int mode, int &num_dot, int cubus)
 int do_unsp(int densit, std::span<const double> &dots)
 {
     int count = 0;
-    if (make_unsp(densit, -unsp_type(densit), count, cubeEdge) != 0)
+    if (dotCount(densit) > maxOrientations || make_unsp(densit, -unsp_type(densit), count, cubeEdge) != 0)
         return 1;
     dots = {xpunsp.get(), std::size_t{3} * static_cast<std::size_t>(count)};
     return 0;

@@ -118,9 +118,9 @@ Cells sortIntoCells(std::span<const double> co, std::span<const double> radius)
     for (std::size_t c = 1; c < cells.first.size(); ++c)
         cells.first[c] += cells.first[c - 1];
     cells.balls.resize(radius.size());
-    std::vector<int> next(cells.first.begin(), cells.first.end() - 1);
+    std::vector<int> end(cells.first.begin() + 1, cells.first.end()); // each cube is filled from its end
     for (std::size_t i = 0; i < radius.size(); ++i)
-        cells.balls[static_cast<std::size_t>(next[static_cast<std::size_t>(cellOf[i])]++)] = {
+        cells.balls[static_cast<std::size_t>(--end[static_cast<std::size_t>(cellOf[i])])] = {
             {co[3 * i], co[3 * i + 1], co[3 * i + 2]}, radius[i], static_cast<int>(i)};
     return cells;
 }
@@ -291,9 +291,9 @@ int nsc_dclm(std::span<const double> co, std::span<const double> radius, int den
                 }
             }
     if ((mode & surfaceVolume) != 0) {
-        const auto dotTotal = static_cast<float>(exposure.dots.size() / 3);
+        const auto dotTotal = static_cast<double>(exposure.dots.size() / 3);
         surface.value_of_vol =
-            static_cast<double>(static_cast<float>(volume * fullSphere) / (dotTotal * 3.0f));
+            static_cast<double>(static_cast<float>(volume * fullSphere)) / (dotTotal * 3.0);
     }
     return 0;
 }

@@ -68,6 +68,12 @@ bool fgetsAlloc(TextInput &input, std::string_view &line)
     return true;
 }
 
+void trimEnd(TextInput &input)
+{
+    while (!input.text.empty() && isSpace(input.text.back()))
+        input.text.pop_back();
+}
+
 void rewindText(TextInput &input)
 {
     input.place = 0;

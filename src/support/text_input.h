@@ -28,6 +28,9 @@ enum class TextStatus { read, noFile, bad };
 /// at the end of the text. The view holds as long as `input.text` is left alone.
 bool fgetsAlloc(TextInput &input, std::string_view &line);
 
+/// Drops blank lines behind the last line that says something.
+void trimEnd(TextInput &input);
+
 /// Back to the first line.
 void rewindText(TextInput &input);
 

@@ -97,6 +97,48 @@ TEST(AtomSelection, ExposedAtomsAreMarked)
     }
 }
 
+TEST(AtomSelection, ChargesComeFirstAndADipoleReplacesThem)
+{
+    PDBInfo pdb;
+    ASSERT_EQ(readPDB(std::string(TRELM_EXAMPLES) + "/ubiquitin/1d3z_model1.pdb", &pdb, nullptr), 0);
+    std::vector<double> x(2000), y(2000), z(2000);
+    std::vector<int> places(1201);
+    std::vector<float> values(1201);
+    TrelmInfo info;
+    info.surfFlag = 0;
+    struct Row {
+        int elFlag, chSelFlag, dipoleFlag, charges, atoms;
+    };
+    for (const Row &row : std::initializer_list<Row>{
+             {0, 0, 0, 0, 602}, {1, 0, 0, 3, 605}, {1, 1, 0, 3, 3}, {1, 0, 1, 2, 2}, {0, 1, 0, 0, 0}}) {
+        for (AtomInfo &atom : pdb.atoms())
+            atom.selected = atom.atomName.text[0] != 'H' ? 1 : 0;
+        places = {100, 200, 300};
+        values = {1.0f, -0.5f, -1.5f};
+        ChargeSet charges{places, values, 3, -1.0f};
+        info.elInfo.elFlag = row.elFlag;
+        info.elInfo.chSelFlag = row.chSelFlag;
+        info.elInfo.dipoleFlag = row.dipoleFlag;
+        int count = 0;
+        ASSERT_EQ(chCoorSelect(&pdb, info, {x, y, z}, charges, 0, count), 0);
+        EXPECT_EQ(count, row.atoms);
+        EXPECT_EQ(charges.chCount, row.charges);
+        if (row.charges == 3) {
+            EXPECT_EQ(places[2], 2);
+            EXPECT_FLOAT_EQ(static_cast<float>(y[1]), pdb.atomList[200].y);
+        }
+        if (row.dipoleFlag != 0) { // the negative centre: a quarter of the way from atom 300 to atom 200
+            EXPECT_FLOAT_EQ(values[0], 1.0f);
+            EXPECT_FLOAT_EQ(values[1], -2.0f);
+            EXPECT_NEAR(x[0], static_cast<double>(pdb.atomList[100].x), 1e-4);
+            EXPECT_NEAR(z[1],
+                        0.25 * static_cast<double>(pdb.atomList[200].z) +
+                            0.75 * static_cast<double>(pdb.atomList[300].z),
+                        1e-4);
+        }
+    }
+}
+
 TEST(AtomSelection, NothingSelectedIsTold)
 {
     PDBInfo pdb;

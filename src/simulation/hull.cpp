@@ -152,8 +152,7 @@ std::vector<double> someOfHull(const Coordinates &atoms, const std::vector<Clust
                                   {ring * std::cos(goldenAngle * i), ring * std::sin(goldenAngle * i), z}));
     }
     std::ranges::sort(found);
-    const auto repeated = std::ranges::unique(found);
-    found.erase(repeated.begin(), repeated.end());
+    found.erase(std::unique(found.begin(), found.end()), found.end());
     std::vector<double> points;
     for (const std::size_t i : found) {
         const Axis p = placeOf(atoms, i);

@@ -144,8 +144,8 @@ void averagePositions(const StericSetup &setup, const PositionGrid &grid, int or
                 saupe[k] += weight * (running[k] / allowed - sums.all[k] / orientations) * ring;
         }
     }
-    total =
-        setup.lcType == lcRod ? grid.total : static_cast<double>(total_bic / orientations) + grid.end_dist;
+    const std::int64_t wholePositions = total_bic / orientations; // what is left of one is not counted
+    total = setup.lcType == lcRod ? grid.total : static_cast<double>(wholePositions) + grid.end_dist;
 }
 
 } // namespace

@@ -182,6 +182,7 @@ std::vector<DotGroup> groupDots(std::span<const double> dots, const DotCells &ce
 /// The dots of one ball that no cap covers, and the work space to find them.
 struct Exposure {
     std::span<const double> dots;
+    std::size_t dotTotal = 0;
     std::vector<DotGroup> groups;
     std::vector<const Cap *> partial; ///< caps that cover a group in part
     std::vector<int> exposed;         ///< numbers of the exposed dots, in the order of the set
@@ -226,7 +227,7 @@ void findExposed(Exposure &exposure, std::span<const Cap> caps)
 void addBall(const Ball &ball, const Exposure &exposure, int mode, const Vec &centroid, Surface &surface,
              double &volume)
 {
-    const auto dotTotal = static_cast<double>(exposure.dots.size() / 3);
+    const auto dotTotal = static_cast<double>(exposure.dotTotal);
     const auto count = static_cast<double>(exposure.exposed.size());
     const double square = ball.radius * ball.radius;
     const double area = square * (fullSphere / dotTotal) * count;
@@ -249,11 +250,12 @@ void addBall(const Ball &ball, const Exposure &exposure, int mode, const Vec &ce
 
 Vec centroidOf(std::span<const double> co)
 {
+    const std::size_t atoms = co.size() / 3;
     Vec sum = {};
     for (std::size_t i = 0; i < co.size(); ++i)
         sum[i % 3] += co[i];
     for (double &value : sum)
-        value /= static_cast<double>(co.size() / 3);
+        value /= static_cast<double>(atoms);
     return sum;
 }
 
@@ -266,6 +268,7 @@ int nsc_dclm(std::span<const double> co, std::span<const double> radius, int den
     Exposure exposure;
     DotCells dotCells;
     surfaceDots(densit, exposure.dots, dotCells);
+    exposure.dotTotal = exposure.dots.size() / 3;
     exposure.groups = groupDots(exposure.dots, dotCells);
     if (radius.empty())
         return complain("nsc_dclm: no surface atoms selected\n");
@@ -291,7 +294,7 @@ int nsc_dclm(std::span<const double> co, std::span<const double> radius, int den
                 }
             }
     if ((mode & surfaceVolume) != 0) {
-        const auto dotTotal = static_cast<double>(exposure.dots.size() / 3);
+        const auto dotTotal = static_cast<double>(exposure.dotTotal);
         surface.value_of_vol =
             static_cast<double>(static_cast<float>(volume * fullSphere)) / (dotTotal * 3.0);
     }

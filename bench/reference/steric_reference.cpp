@@ -6,22 +6,6 @@
 namespace trelm {
 namespace {
 
-/// Axes of one orientation, each turn with its own trigonometry.
-Turn turnPlain(const double *dot, int step, int digit_psi)
-{
-    const float inc_psi = static_cast<float>(360.0 / digit_psi);
-    const double phi = std::atan2(dot[1], dot[0]);
-    const double lat = std::atan2(dot[2], std::sqrt(dot[1] * dot[1] + dot[0] * dot[0]));
-    const double theta = 1.570796325 - lat;
-    const double psi = static_cast<double>(static_cast<float>(step) * inc_psi) * 3.14159265 / 180.0 + 0.0;
-    Turn turn;
-    Axis x, y, z, column3;
-    rotate_coorsystem(theta, phi, psi, x, y, z);
-    turn.saupe = {Szz(z), Sxx(x) - Syy(y), Sxy(x, y), Sxz(x, z), Syz(y, z)};
-    rotate_coorsystem(-theta, -psi, -phi, turn.column1, turn.column2, column3);
-    return turn;
-}
-
 bool isObstructed(const StericSetup &setup, const PositionGrid &grid, const TurnedAtoms &turnedAtoms,
                   std::size_t i)
 {
@@ -34,6 +18,21 @@ bool isObstructed(const StericSetup &setup, const PositionGrid &grid, const Turn
 }
 
 } // namespace
+
+Turn turnPlain(const double *dot, int step, int digit_psi)
+{
+    const float inc_psi = static_cast<float>(360.0 / digit_psi);
+    const double phi = std::atan2(dot[1], dot[0]);
+    const double lat = std::atan2(dot[2], std::sqrt(dot[1] * dot[1] + dot[0] * dot[0]));
+    const double theta = 1.570796325 - lat;
+    const double psi = static_cast<double>(static_cast<float>(step) * inc_psi) * 3.14159265 / 180.0 + 0.0;
+    Turn turn;
+    Axis x, y, z;
+    rotate_coorsystem(theta, phi, psi, x, y, z);
+    turn.saupe = {Szz(z), Sxx(x) - Syy(y), Sxy(x, y), Sxz(x, z), Syz(y, z)};
+    rotate_coorsystem(-theta, -psi, -phi, turn.column1, turn.column2, turn.column3);
+    return turn;
+}
 
 void turnAtomsPlain(const Coordinates &atoms, const Axis &column1, const Axis &column2, bool withSide,
                     TurnedAtoms &turnedAtoms)

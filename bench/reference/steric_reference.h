@@ -8,6 +8,9 @@
 
 namespace trelm {
 
+/// The axes of one orientation, each with its own trigonometry. Step: of the third angle, from 0.
+Turn turnPlain(const double *dot, int step, int digit_psi);
+
 /// The atoms of one orientation as the plain form turns them.
 struct TurnedAtoms {
     std::vector<float> xJ, yJ;

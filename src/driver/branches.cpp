@@ -1,5 +1,6 @@
 #include "driver/inputs.h"
 #include "driver/simulate.h"
+#include "driver/simulate_ensemble.h"
 #include "errors/fit_statistics.h"
 #include "support/text.h"
 
@@ -54,14 +55,22 @@ int bestFit(Run &run)
 }
 
 constexpr ModeRow modeRows[] = {
-    {1, "-stTrelm", true, simulateSteric},   {2, "-stTrelmFree", false, simulateFree},
-    {3, "-stTrelmGrid", true, nullptr},      {4, "-elTrelm", true, nullptr},
-    {5, "-elTrelmFree", true, setUpCharges}, {6, "-elTrelmGrid", true, setUpCharges},
-    {7, "-bestFit", true, bestFit},          {8, "-csSim", true, setUpCharges},
-    {9, "-daHist", false, nullptr},          {10, "-daMl", false, nullptr},
-    {11, "-daFlex", false, nullptr},         {12, "-asRan", true, setUpCharges},
-    {13, "-anDc", false, nullptr},           {14, "-anA", false, nullptr},
-    {15, "-anPdb", true, nullptr},           {16, "-struc", true, nullptr},
+    {1, "-stTrelm", true, simulateSteric},
+    {2, "-stTrelmFree", false, simulateFree},
+    {3, "-stTrelmGrid", true, simulateEnsemble},
+    {4, "-elTrelm", true, simulateElectrostatic},
+    {5, "-elTrelmFree", true, setUpCharges},
+    {6, "-elTrelmGrid", true, setUpCharges},
+    {7, "-bestFit", true, bestFit},
+    {8, "-csSim", true, setUpCharges},
+    {9, "-daHist", false, nullptr},
+    {10, "-daMl", false, nullptr},
+    {11, "-daFlex", false, nullptr},
+    {12, "-asRan", true, setUpCharges},
+    {13, "-anDc", false, nullptr},
+    {14, "-anA", false, nullptr},
+    {15, "-anPdb", true, analyzeStructure},
+    {16, "-struc", true, nullptr},
     {17, "-conv", false, nullptr},
 };
 
@@ -80,6 +89,8 @@ int runMode(Run &run)
         return notBuilt(mode.flag);
     if (mode.branch == bestFit && spreadRow(trelmInfo.spreadMode).branch == nullptr)
         return notBuilt(spreadRow(trelmInfo.spreadMode).flag);
+    if (trelmInfo.rotN < 0 || trelmInfo.rotN > 3)
+        return complain("trelm: -rotID %d: the four frames have the numbers 0 to 3.\n", trelmInfo.rotN);
     const int status = mode.commonInput ? readInputs(run) : 0;
     return status != 0 ? status : mode.branch(run);
 }

@@ -1,18 +1,22 @@
 #include "driver/simulate.h"
 
+#include "compare/structure_analysis.h"
 #include "couplings/fit.h"
 #include "couplings/output.h"
 #include "couplings/tensor.h"
 #include "simulation/alignment.h"
 #include "simulation/charges.h"
 #include "simulation/config.h"
+#include "simulation/face.h"
 #include "simulation/free_format.h"
 #include "simulation/sphere.h"
+#include "structure/select.h"
 #include "structure/write.h"
 #include "support/text.h"
 
 #include <algorithm>
 #include <cstdio>
+#include <vector>
 
 namespace trelm {
 namespace {
@@ -35,7 +39,136 @@ void listCharges(const PDBInfo &pdbInfo, const ChargeSet &charges)
     std::fputs("\n\n", stderr);
 }
 
-/// Configuration, charges and geometry of the sample, for every road of this file.
+/// From the simulated order matrix to couplings and report. `analysis` gets the tensor with its own sign.
+int finishAlignment(Run &run, Saupe saupe, TensorAnalysis &analysis)
+{
+    TrelmInfo &trelmInfo = run.trelmInfo[0];
+    DTable &dTab = run.dTab[0];
+    // What survives beside the obstacle averages to the opposite sign.
+    for (double &element : saupe)
+        element = -element;
+    if (analyzeSaupe(saupe, trelmInfo.yzFlag, trelmInfo.eulerFlag, analysis) != 0)
+        return complain("Matrix: error in analyzeSaupe.\n");
+    DTensor &tensor = dTab.dTensor;
+    tensor.tensorMode = tensorSimulated;
+    auto &target = trelmInfo.validCountD != 0 ? tensor.userSaupe : tensor.saupe;
+    std::ranges::transform(saupe, target.begin(), [](double element) { return static_cast<float>(element); });
+    if (trelmInfo.validCountD != 0 && fitD(&run.pdbInfo[0], &dTab, trelmInfo.verbFlag) < 0)
+        return 1;
+    return writeDCmod(run.options.outDName, "w", &dTab, &trelmInfo, "");
+}
+
+/// What is simulated.
+struct Solute {
+    ChargeSet charges; ///< by their places in `atoms`
+    CoordinateBuffers atoms;
+    std::span<const double> ddots;
+    std::vector<int> marks; ///< the selection of the run, which a surface uses up
+};
+
+/// The charges by their atoms in the molecule, as many as the simulation had.
+ChargeSet originalCharges(Run &run, ChargeSet charges)
+{
+    charges.chargeAtomID = run.chargeAtomIDOrig.span();
+    charges.charges = run.chargesOrig.span();
+    return charges;
+}
+
+/// Everything before the simulation itself. `complaint` is said if there is no selection of atoms.
+int chooseSolute(Run &run, const char *complaint, Solute &solute)
+{
+    int status = setUp(run, solute.charges);
+    if (status == 0)
+        status = makeDots(run, solute.ddots);
+    if (status != 0)
+        return status;
+    solute.marks = selectionMarks(run.pdbInfo[0]);
+    const CoordinateBuffers places = {run.xI.span(), run.yI.span(), run.zI.span()};
+    int atomSelCount = 0;
+    status = chCoorSelect(&run.pdbInfo[0], run.trelmInfo[0], places, solute.charges, 1, atomSelCount);
+    if (status != 0) {
+        std::fputs(complaint, stderr);
+        return status;
+    }
+    std::printf("REMARK %d atoms selected for simulation.\n", atomSelCount);
+    std::printf("REMARK %d charges selected for simulation.\n", solute.charges.chCount);
+    const auto count = static_cast<std::size_t>(atomSelCount);
+    solute.atoms = {places.x.first(count), places.y.first(count), places.z.first(count)};
+    return 0;
+}
+
+/// Simulates, and finishes what the modes share.
+int alignSolute(Run &run, const Solute &solute, AlignmentFields &fields, TensorAnalysis &analysis)
+{
+    Saupe saupe = {};
+    const int status =
+        simulateAlignment(run.trelmInfo[0], solute.atoms, solute.ddots, solute.charges, fields, saupe);
+    if (status != 0) {
+        complain("Matrix: Error simulating alignment.\n");
+        return status;
+    }
+    return finishAlignment(run, saupe, analysis);
+}
+
+void reportGridFile(const Run &run, int digPotential)
+{
+    const TrelmInfo &info = run.trelmInfo[0];
+    if (!run.options.pot3DName.empty())
+        complain("REMARK 3D Potential %s, Total # of gridpositions %d (x: %d, y: %d, z: %d).\n",
+                 run.options.pot3DName.c_str(), digPotential, info.grid3DnX, info.grid3DnY, info.grid3DnZ);
+}
+
+int turnStructure(Run &run, const EulerLists &euler)
+{
+    const int status = writePDBRot(euler.gamma, euler.beta, euler.alpha, run.trelmInfo[0].rotN,
+                                   &run.pdbInfo[0], &run.sInfo, run.options.pRotName, run.options.remark);
+    if (status != 0)
+        complain("matrix: error in writePDBRot.\n");
+    return status;
+}
+
+/// The molecule beside a charged wall or rod, and which of its faces that prefers.
+int alignBesideParticle(Run &run, const Solute &solute)
+{
+    const RunOptions &options = run.options;
+    AlignmentFields fields;
+    Potential &potential = fields.potential;
+    int status = readPotential(options.potName, potential);
+    if (status != 0) {
+        complain("ERROR Reading of 1D potential not successful.\n");
+        return status;
+    }
+    if (!options.potName.empty())
+        complain("REMARK 1D Potential %s, Digitization %d, Offset %.1f, Stepsize %.1f [A].\n",
+                 options.potName.c_str(), potential.count, potential.offset, potential.stepsize);
+    TensorAnalysis analysis;
+    status = alignSolute(run, solute, fields, analysis);
+    if (status != 0)
+        return status;
+    restoreMarks(&run.pdbInfo[0], solute.marks);
+    status = iFacePDB(analysis.euler, &run.pdbInfo[0], run.trelmInfo[0], {options.pRotName, options.remark},
+                      potential, originalCharges(run, solute.charges));
+    if (status != 0)
+        complain("trelm: error in iFacePDB.\n");
+    return status;
+}
+
+int alignInGrid(Run &run, const Solute &solute)
+{
+    AlignmentFields fields;
+    int digPotential = 0;
+    const int status = read3DPotential(run.options.pot3DName, run.trelmInfo[0], fields.pot3D, digPotential);
+    if (status != 0) {
+        complain("ERROR: Reading of 3D potential not successful.\n");
+        return status;
+    }
+    reportGridFile(run, digPotential);
+    TensorAnalysis analysis;
+    return alignSolute(run, solute, fields, analysis);
+}
+
+} // namespace
+
 int setUp(Run &run, ChargeSet &charges)
 {
     TrelmInfo &trelmInfo = run.trelmInfo[0];
@@ -60,7 +193,6 @@ int setUp(Run &run, ChargeSet &charges)
     return refine_bicelle(&trelmInfo);
 }
 
-/// The orientation points of a run, in its own buffer: the generator makes other sets later.
 int makeDots(Run &run, std::span<const double> &ddots)
 {
     std::span<const double> dots;
@@ -71,70 +203,42 @@ int makeDots(Run &run, std::span<const double> &ddots)
     return 0;
 }
 
-/// From the simulated order matrix to couplings and report. `analysis` gets the tensor with its own sign.
-int finishAlignment(Run &run, Saupe saupe, TensorAnalysis &analysis)
-{
-    TrelmInfo &trelmInfo = run.trelmInfo[0];
-    DTable &dTab = run.dTab[0];
-    // What survives beside the obstacle averages to the opposite sign.
-    for (double &element : saupe)
-        element = -element;
-    if (analyzeSaupe(saupe, trelmInfo.yzFlag, trelmInfo.eulerFlag, analysis) != 0)
-        return complain("Matrix: error in analyzeSaupe.\n");
-    DTensor &tensor = dTab.dTensor;
-    tensor.tensorMode = tensorSimulated;
-    auto &target = trelmInfo.validCountD != 0 ? tensor.userSaupe : tensor.saupe;
-    std::ranges::transform(saupe, target.begin(), [](double element) { return static_cast<float>(element); });
-    if (trelmInfo.validCountD != 0 && fitD(&run.pdbInfo[0], &dTab, trelmInfo.verbFlag) < 0)
-        return 1;
-    return writeDCmod(run.options.outDName, "w", &dTab, &trelmInfo, "");
-}
-
-} // namespace
-
 int simulateSteric(Run &run)
 {
-    const TrelmInfo &trelmInfo = run.trelmInfo[0];
-    ChargeSet charges;
-    if (trelmInfo.lcType != lcWall && trelmInfo.lcType != lcRod)
-        return complain("trelm: the model -3D is not built yet.\n");
-    if (trelmInfo.elInfo.elFlag != 0)
-        return complain("trelm: -el in a steric simulation is not built yet.\n");
+    TrelmInfo &trelmInfo = run.trelmInfo[0];
+    const bool inGrid = trelmInfo.lcType == lcGrid;
+    if (inGrid && trelmInfo.elInfo.elFlag != 0)
+        return complain("trelm: -stTrelm -3D knows no charges: see -elTrelm.\n");
     if (checkSimulation(trelmInfo) != 0)
         return 1;
-    int status = setUp(run, charges);
+    Solute solute;
+    int status = chooseSolute(run, "trelm: error reading selection of atoms.\n", solute);
     if (status != 0)
         return status;
-    std::span<const double> ddots;
-    if (makeDots(run, ddots) != 0)
-        return 1;
-    PDBInfo &pdbInfo = run.pdbInfo[0];
-    const CoordinateBuffers places = {run.xI.span(), run.yI.span(), run.zI.span()};
-    int atomSelCount = 0;
-    status = chCoorSelect(&pdbInfo, trelmInfo, places, charges, 1, atomSelCount);
-    if (status != 0) {
-        complain("trelm: error reading selection of atoms.\n");
-        return status;
-    }
-    std::printf("REMARK %d atoms selected for simulation.\n", atomSelCount);
-    std::printf("REMARK %d charges selected for simulation.\n", charges.chCount);
-
-    const auto count = static_cast<std::size_t>(atomSelCount);
-    const CoordinateBuffers atoms = {places.x.first(count), places.y.first(count), places.z.first(count)};
-    Saupe saupe = {};
-    status = simulateAlignment(trelmInfo, atoms, ddots, saupe);
-    if (status != 0) {
-        complain("Matrix: Error simulating alignment.\n");
-        return status;
+    AlignmentFields fields;
+    int digPotential = 0;
+    if (inGrid) {
+        status = read3DPotSteric(run.options.pot3DName, trelmInfo, fields.pot3Dst, digPotential);
+        if (status != 0) {
+            complain("ERROR: Reading of 3D potential not successful.\n");
+            return status;
+        }
+        reportGridFile(run, digPotential);
     }
     TensorAnalysis analysis;
-    const int written = finishAlignment(run, saupe, analysis);
-    const int turned =
-        writePDBRot(analysis.euler.gamma, analysis.euler.beta, analysis.euler.alpha, trelmInfo.rotN, &pdbInfo,
-                    &run.sInfo, run.options.pRotName, run.options.remark);
-    if (turned != 0)
-        complain("matrix: error in writePDBRot.\n");
-    return written != 0 ? written : turned;
+    status = alignSolute(run, solute, fields, analysis);
+    return status != 0 ? status : turnStructure(run, analysis.euler);
+}
+
+int simulateElectrostatic(Run &run)
+{
+    if (checkSimulation(run.trelmInfo[0]) != 0)
+        return 1;
+    Solute solute;
+    const int status = chooseSolute(run, "Matrix: Error reading selection of atoms.\n", solute);
+    if (status != 0)
+        return status;
+    return run.trelmInfo[0].lcType == lcGrid ? alignInGrid(run, solute) : alignBesideParticle(run, solute);
 }
 
 int simulateFree(Run &run)
@@ -154,6 +258,20 @@ int setUpCharges(Run &run)
 {
     ChargeSet charges;
     return setUp(run, charges);
+}
+
+int analyzeStructure(Run &run)
+{
+    ChargeSet charges;
+    int status = setUp(run, charges);
+    if (status != 0)
+        return status;
+    const RunOptions &options = run.options;
+    status = analyzePDB(&run.pdbInfo[0], &run.sInfo, run.trelmInfo[0], charges, options.userSaupe1,
+                        {options.pRotName, options.outPName, options.remark});
+    if (status != 0)
+        complain("trelm: error in analysis of PDB.\n");
+    return status;
 }
 
 } // namespace trelm

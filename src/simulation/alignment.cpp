@@ -1,5 +1,7 @@
 #include "simulation/alignment.h"
 
+#include "simulation/electrostatic.h"
+#include "simulation/grid3d.h"
 #include "simulation/sphere.h"
 #include "support/text.h"
 
@@ -64,7 +66,8 @@ int refine_bicelle(TrelmInfo *trelmInfo)
     trelmInfo->lengthModel =
         static_cast<float>((std::sqrt(8.0 / molar_ratio_eff + piSquare) + pi) * 0.5 * R * molar_ratio_eff);
     const double length = static_cast<double>(trelmInfo->lengthModel);
-    trelmInfo->orderDiscRim = static_cast<float>(pi * length / ((2.0 * R + pi * length) * 4.0));
+    const double rim = 2.0 * R + pi * length; // 0 without a model, in a grid
+    trelmInfo->orderDiscRim = rim != 0.0 ? static_cast<float>(pi * length / (rim * 4.0)) : 0.0f;
     trelmInfo->molarRatio = static_cast<float>(molar_ratio_eff);
     return 0;
 }
@@ -92,7 +95,7 @@ int checkSimulation(const TrelmInfo &trelmInfo)
                         trelmInfo.digPsiNSC, dots, std::numeric_limits<int>::max());
     if (!isPositive(trelmInfo.gridSpacing))
         return refuse("-dGrid", static_cast<double>(trelmInfo.gridSpacing), "the step must be positive");
-    if (!isPositive(trelmInfo.radiusModel))
+    if (trelmInfo.lcType != lcGrid && !isPositive(trelmInfo.radiusModel))
         return refuse("-rM", static_cast<double>(trelmInfo.radiusModel), "the radius must be positive");
     if (!(trelmInfo.radiusAtom >= 0.0f) || !std::isfinite(trelmInfo.radiusAtom))
         return refuse("-rA", static_cast<double>(trelmInfo.radiusAtom), "the radius must not be negative");
@@ -136,21 +139,34 @@ int runSteric(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, float 
     return stericAlignment(setup, {atoms.x, atoms.y, atoms.z}, ddots, saupe);
 }
 
-int simulateAlignment(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms,
-                      std::span<const double> ddots, Saupe &saupe)
+int runCharged(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, float distance,
+               std::span<const double> ddots, const ChargeSet &charges, Potential &potential, Saupe &saupe)
+{
+    const auto radius = static_cast<double>(trelmInfo.radiusAtom);
+    return sma(trelmInfo, {atoms.x, atoms.y, atoms.z}, ddots,
+               {static_cast<double>(distance) + radius, radius}, charges, potential, saupe);
+}
+
+int simulateAlignment(TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, std::span<const double> ddots,
+                      const ChargeSet &charges, AlignmentFields &fields, Saupe &saupe)
 {
     if (atoms.x.empty())
         return complain("simulateAlignment: no atoms selected.\n");
     Saupe saupeSteric = {}, saupeEl = {};
     const float distance = centreAtoms(atoms);
     std::printf("REMARK Molecule shifted to geometric center.\n");
-    if (trelmInfo.elInfo.elFlag == 0 && (trelmInfo.lcType == lcWall || trelmInfo.lcType == lcRod)) {
-        const int status = runSteric(trelmInfo, atoms, distance, ddots, saupeSteric);
-        if (status != 0) {
-            complain("simulateAlignment: error in stericAlignment.");
-            return status;
-        }
-    }
+    const bool inGrid = trelmInfo.lcType == lcGrid;
+    const Coordinates view = {atoms.x, atoms.y, atoms.z};
+    int status = 0;
+    if (trelmInfo.elInfo.elFlag != 0)
+        status = inGrid ? sma3D(trelmInfo, view, ddots, charges, fields.pot3D.span(), saupeEl)
+                        : runCharged(trelmInfo, atoms, distance, ddots, charges, fields.potential, saupeEl);
+    else if (inGrid)
+        status = ssia3D(trelmInfo, view, ddots, fields.pot3Dst.span(), saupeSteric);
+    else if ((status = runSteric(trelmInfo, atoms, distance, ddots, saupeSteric)) != 0)
+        complain("simulateAlignment: error in stericAlignment.");
+    if (status != 0)
+        return status;
     for (std::size_t k = 0; k < saupe.size(); ++k) {
         saupeSteric[k] *= static_cast<double>(trelmInfo.lcOrder);
         saupeEl[k] *= static_cast<double>(trelmInfo.lcOrder);

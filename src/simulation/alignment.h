@@ -4,6 +4,8 @@
 #include "couplings/tensor.h"
 #include "driver/trelm.h"
 #include "simulation/atom_selection.h"
+#include "simulation/charges.h"
+#include "simulation/potential.h"
 #include "simulation/steric.h"
 
 #include <span>
@@ -29,10 +31,22 @@ float centreAtoms(const CoordinateBuffers &atoms);
 int runSteric(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, float distance,
               std::span<const double> ddots, Saupe &saupe);
 
+/// The weighted simulation beside a wall or a rod, likewise. As sma.
+int runCharged(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, float distance,
+               std::span<const double> ddots, const ChargeSet &charges, Potential &potential, Saupe &saupe);
+
+/// The potentials of a run; it has one of them at most.
+struct AlignmentFields {
+    Potential potential;  ///< table of a rod
+    Block<double> pot3D;  ///< grid, kT/e
+    Block<float> pot3Dst; ///< grid of where atoms may be
+};
+
 /// Simulates the alignment of the atoms, which are moved to their geometric centre, and prints the three
-/// "Saupe" blocks on standard output. `saupe`: the sum of steric and electrostatic order, with the sign of
-/// the surviving orientations. Returns 0, or non-zero after a message.
-int simulateAlignment(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms,
-                      std::span<const double> ddots, Saupe &saupe);
+/// "Saupe" blocks on standard output. In a grid rSingleCell of the record changes; the table of a rod is
+/// divided by kPot. `saupe`: the sum of steric and electrostatic order, with the sign of the surviving
+/// orientations. Returns 0, or non-zero after a message. A steric grid ends the process: see ssia3D.
+int simulateAlignment(TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, std::span<const double> ddots,
+                      const ChargeSet &charges, AlignmentFields &fields, Saupe &saupe);
 
 } // namespace trelm

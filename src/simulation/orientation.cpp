@@ -67,9 +67,8 @@ Turn makeTurn(const DotTurn &dot, const SinCos &psi)
 {
     Turn turn;
     turn.saupe = dot.saupe;
-    Axis column3;
     rotate_coorsystem(negated(dot.theta), negated(psi), negated(dot.phi), turn.column1, turn.column2,
-                      column3);
+                      turn.column3);
     return turn;
 }
 

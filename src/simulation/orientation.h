@@ -23,6 +23,7 @@ struct Turn {
     Saupe saupe;  ///< its elements: Szz, Sxx - Syy, Sxy, Sxz, Syz
     Axis column1; ///< the obstacle's normal (laboratory x) in the frame of the molecule
     Axis column2; ///< the direction at right angles to normal and director, likewise
+    Axis column3; ///< the director, likewise
 };
 
 /// A set of orientations: dots outermost, then steps of the third angle.

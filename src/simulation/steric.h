@@ -18,6 +18,7 @@ namespace trelm {
 
 constexpr int lcWall = 1;
 constexpr int lcRod = 2;
+constexpr int lcGrid = 3;              ///< a potential in space instead of a particle
 constexpr int maxGridPositions = 5000; ///< distances between solute and particle
 
 /// What a steric simulation needs beside the atoms. Lengths in angstrom.

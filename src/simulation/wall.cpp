@@ -22,8 +22,18 @@ float lowestOf(std::span<const float> values)
     return std::min(std::min(lowest[0], lowest[1]), std::min(lowest[2], lowest[3]));
 }
 
-/// The deciding coordinate of the atom nearest to the wall: of those that the quick one does not rule out.
-float nearestToWall(WallKernel &kernel, const Axis &normal)
+} // namespace
+
+NearestKernel makeNearestKernel(const Coordinates &atoms)
+{
+    NearestKernel kernel;
+    kernel.hull = hullAtoms(atoms);
+    kernel.quick = makeQuickColumns(kernel.hull.view());
+    kernel.turnedX.resize(kernel.quick.paddedCount());
+    return kernel;
+}
+
+float nearestToWall(NearestKernel &kernel, const Axis &normal)
 {
     const QuickDirection direction(normal);
     float *const x = kernel.turnedX.data();
@@ -33,22 +43,18 @@ float nearestToWall(WallKernel &kernel, const Axis &normal)
     float nearest = HUGE_VALF;
     const Coordinates hull = kernel.hull.view();
     for (std::size_t j = 0; j < hull.count(); ++j)
-        if (x[j] <= bound)
+        if (x[j] <= bound) // the quick coordinate does not rule it out
             nearest = std::min(nearest, turned(hull, j, normal));
     return nearest;
 }
 
-} // namespace
-
 WallKernel makeWallKernel(const Coordinates &atoms, std::span<const float> wallLimit)
 {
     WallKernel kernel;
-    kernel.hull = hullAtoms(atoms);
+    kernel.nearest = makeNearestKernel(atoms);
     kernel.wallLimit = wallLimit;
     const float fall = wallLimit.front() - wallLimit.back();
     kernel.limitsPerLength = fall > 0.0f ? static_cast<float>(wallLimit.size() - 1) / fall : 0.0f;
-    kernel.quick = makeQuickColumns(kernel.hull.view());
-    kernel.turnedX.resize(kernel.quick.paddedCount());
     return kernel;
 }
 
@@ -56,7 +62,7 @@ int firstFreeOfWall(WallKernel &kernel, const Axis &normal)
 {
     // One minimum instead of positions times atoms: the limits fall, so the nearest atom alone decides. They
     // fall evenly but for rounding: the first free position is computed, and settled by the very comparison.
-    const float nearest = nearestToWall(kernel, normal);
+    const float nearest = nearestToWall(kernel.nearest, normal);
     const std::span<const float> limits = kernel.wallLimit;
     const float guess = (limits.front() - nearest) * kernel.limitsPerLength;
     auto first = static_cast<std::size_t>(std::clamp(guess, 0.0f, static_cast<float>(limits.size())));

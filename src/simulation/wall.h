@@ -9,13 +9,23 @@
 
 namespace trelm {
 
-/// The solute beside a wall, with the work space of the kernel.
+/// The atoms of which one is the nearest to a wall, with the work space to find it.
+struct NearestKernel {
+    AtomColumns hull;   ///< the atoms that can be the outermost
+    QuickColumns quick; ///< the same in single precision
+    std::vector<float> turnedX;
+};
+
+NearestKernel makeNearestKernel(const Coordinates &atoms);
+
+/// The coordinate along `normal` of the atom nearest to the wall: the least of the deciding coordinates.
+float nearestToWall(NearestKernel &kernel, const Axis &normal);
+
+/// The solute beside a wall.
 struct WallKernel {
-    AtomColumns hull;                 ///< the atoms that can be the nearest to the wall
-    QuickColumns quick;               ///< the same in single precision
+    NearestKernel nearest;
     std::span<const float> wallLimit; ///< an atom touches the wall at or below it; the limits fall
     float limitsPerLength = 0.0f;     ///< how fast they fall, 1/angstrom
-    std::vector<float> turnedX;
 };
 
 /// The limits must outlive the kernel.

@@ -170,4 +170,18 @@ int pdbClearAuxInfo(PDBInfo *pdbInfo)
     return pdbInfo->atomCount;
 }
 
+std::vector<int> selectionMarks(const PDBInfo &pdbInfo)
+{
+    std::vector<int> marks;
+    for (const AtomInfo &atom : pdbInfo.atoms())
+        marks.push_back(atom.selected);
+    return marks;
+}
+
+void restoreMarks(PDBInfo *pdbInfo, std::span<const int> marks)
+{
+    for (std::size_t i = 0; i < marks.size(); ++i)
+        pdbInfo->atomList[i].selected = marks[i];
+}
+
 } // namespace trelm

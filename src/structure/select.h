@@ -3,8 +3,10 @@
 
 #include "structure/pdb.h"
 
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace trelm {
 
@@ -45,5 +47,9 @@ int pdbSelectTest(const PDBSelectInfo *sInfo, const AtomInfo *atomInfo);
 int pdbSetSelection(PDBInfo *pdbInfo, int selectID);
 int pdbClearSelection(PDBInfo *pdbInfo);
 int pdbClearAuxInfo(PDBInfo *pdbInfo);
+
+/// The marks of all atoms, to put them back when a later selection has used them up.
+std::vector<int> selectionMarks(const PDBInfo &pdbInfo);
+void restoreMarks(PDBInfo *pdbInfo, std::span<const int> marks);
 
 } // namespace trelm

@@ -53,6 +53,11 @@ void showProgress(Progress &progress, int n)
     flush(progress);
 }
 
+void pauseProgress(Progress &progress)
+{
+    flush(progress);
+}
+
 void endProgress(Progress &progress)
 {
     progress.pending += '\n';

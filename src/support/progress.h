@@ -8,8 +8,8 @@
 namespace trelm {
 
 /// Lines that overwrite each other on the standard error stream: "<text>N of T\r". On a terminal about
-/// twenty a second and the last one are shown; elsewhere all of them are written, in large pieces. Nothing
-/// else may be written to the stream between the first line and endProgress.
+/// twenty a second and the last one are shown; elsewhere all of them are written, in large pieces. What else
+/// is written to the stream between the first line and endProgress comes after pauseProgress.
 struct Progress {
     std::string text; ///< before the number
     std::string tail; ///< behind it
@@ -23,6 +23,9 @@ Progress startProgress(std::string_view text, int total);
 
 /// Line number n, 1 to total.
 void showProgress(Progress &progress, int n);
+
+/// Writes what waits to be written.
+void pauseProgress(Progress &progress);
 
 /// Ends the lines with a newline and flushes.
 void endProgress(Progress &progress);

@@ -197,12 +197,17 @@ TEST(Failures, EveryRequestForMemoryMayFail)
     args.insert(args.end(), {"-dot", "12"});
     walkRequests(args);
     walkRequests({"-stTrelmFree", "-pdbF", example("heavy_atoms.txt"), "-outA", "fit.tab", "-dot", "12"});
+    args[0] = "-elTrelm";
+    walkRequests(args);
+    args.insert(args.end(), {"-pf1", "-pot", example("rod_potential.txt")});
+    walkRequests(args);
+    args[0] = "-anPdb";
+    walkRequests(args);
 }
 
 TEST(Failures, ModesThatAreNotBuiltSaySo)
 {
-    for (const char *flag : {"-stTrelmGrid", "-elTrelm", "-daHist", "-daFlex", "-daMl", "-anA", "-anDc",
-                             "-anPdb", "-conv", "-struc"}) {
+    for (const char *flag : {"-daHist", "-daFlex", "-daMl", "-anA", "-anDc", "-conv", "-struc"}) {
         const Ran ran = runProgram({flag});
         EXPECT_EQ(ran.status, 1);
         EXPECT_EQ(countOf(ran.err, std::string("trelm: the mode ") + flag + " is not built yet.\n"), 1)

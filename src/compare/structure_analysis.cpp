@@ -1,0 +1,194 @@
+#include "compare/structure_analysis.h"
+
+#include "couplings/output.h"
+#include "couplings/run_report.h"
+#include "simulation/atom_selection.h"
+#include "simulation/charge_labels.h"
+#include "simulation/dipole.h"
+#include "simulation/inertia.h"
+#include "simulation/rotation.h"
+#include "structure/write.h"
+#include "support/output_file.h"
+#include "support/text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <vector>
+
+namespace trelm {
+namespace {
+
+// elPdbFlag
+constexpr int asCharged = 1;
+constexpr int asUserFrame = 2;
+
+constexpr Matrix3d ownFrame = {0.0, 0.0, 1.0, 0.0, 1.0, 0.0, 1.0, 0.0, 0.0}; ///< columns z, y, x
+
+/// What the report tells.
+struct Findings {
+    TensorAnalysis structure; ///< of the structure
+    TensorAnalysis input;     ///< of the order matrix
+    Dipole dipole;
+};
+
+/// What chCoorSelect is given to fill.
+struct Buffers {
+    Block<double> xI, yI, zI;
+    std::vector<int> chargeAtomID;
+    std::vector<float> charges;
+};
+
+bool isFinite(const Matrix3d &matrix)
+{
+    return std::ranges::all_of(matrix, [](double element) { return std::isfinite(element); });
+}
+
+/// The dipole's axes as the dipole has them: its direction first, the others not at unit length. Without a
+/// direction the structure keeps its frame.
+int dipoleFrame(const Matrix3d &dipoleVec, Matrix3d &eigVec)
+{
+    eigVec = dipoleVec;
+    if (isFinite(eigVec))
+        return 0;
+    const double x = dipoleVec[0], y = dipoleVec[3];
+    if (x == 0.0 && y == 0.0) {
+        eigVec = ownFrame;
+        return complain("eigVec2euler: error occured!\n");
+    }
+    // At right angles to z, where the rule for the third axis divides by zero and tends to z.
+    eigVec = {x, y, 0.0, y, -x, 0.0, 0.0, 0.0, 1.0};
+    return 0;
+}
+
+/// The charges as numbered by the places in the coordinate arrays, and their dipole.
+void analyzeCharges(const Buffers &buffers, const ChargeSet &placed, Findings &findings)
+{
+    std::printf("REMARK %d charges selected for simulation.\n", placed.chCount);
+    const auto count = static_cast<std::size_t>(placed.chCount);
+    findings.dipole = dipoleMoment({buffers.xI.span(), buffers.yI.span(), buffers.zI.span(),
+                                    placed.chargeAtomID.first(count), placed.charges.first(count)},
+                                   0);
+    TensorAnalysis &structure = findings.structure;
+    if (dipoleFrame(findings.dipole.dipoleVec, structure.eigVec) == 0)
+        eigVec2euler(structure.eigVec, structure.euler);
+}
+
+int analyzeShape(const PDBInfo &pdbInfo, int yzFlag, Findings &findings)
+{
+    Matrix3d inertiaTensor;
+    if (calcInertia(pdbInfo, inertiaTensor) != 0 || !isFinite(inertiaTensor))
+        return complain("trelm: error in calcInertia.");
+    if (analyzeMatrix3D(inertiaTensor, yzFlag, findings.structure) != 0)
+        return complain("trelm: error in analyzeMatrix3D.");
+    return 0;
+}
+
+/// The frames of structure and order matrix.
+int findFrames(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, ChargeSet &charges, const Saupe &saupe,
+               Findings &findings)
+{
+    constexpr const char *tag = "analyzePDB";
+    const std::size_t coords = static_cast<std::size_t>(pdbInfo->atomCount) + maxCharges + 1;
+    Buffers buffers = {Block<double>(tag, coords),
+                       Block<double>(tag, coords),
+                       Block<double>(tag, coords),
+                       {charges.chargeAtomID.begin(), charges.chargeAtomID.end()},
+                       {charges.charges.begin(), charges.charges.end()}};
+    if (!buffers.xI || !buffers.yI || !buffers.zI)
+        return complain("Error in analyzePDB: allocating coord buffers.\n");
+    ChargeSet placed = charges;
+    placed.chargeAtomID = buffers.chargeAtomID;
+    placed.charges = buffers.charges;
+    int atomSelCount = 0;
+    if (chCoorSelect(pdbInfo, trelmInfo, {buffers.xI.span(), buffers.yI.span(), buffers.zI.span()}, placed, 1,
+                     atomSelCount) != 0)
+        return complain("trelm: error reading selection of atoms.\n");
+    std::printf("REMARK %d atoms selected for simulation.\n", atomSelCount);
+    if (trelmInfo.elPdbFlag == asCharged) {
+        analyzeCharges(buffers, placed, findings);
+        charges.chSum = findings.dipole.chSum;
+    } else if (analyzeShape(*pdbInfo, trelmInfo.yzFlag, findings) != 0) {
+        return 1;
+    }
+    if (analyzeSaupe(saupe, trelmInfo.yzFlag, trelmInfo.eulerFlag, findings.input) != 0 ||
+        !std::isfinite(findings.input.gMag))
+        return complain("trelm: error in analyzeSaupe.\n");
+    return 0;
+}
+
+void appendDipole(const Dipole &dipole, std::string &text)
+{
+    const auto number = [](float value) { return static_cast<double>(value); };
+    const auto place = [&](const char *name, const std::array<float, 3> &at) {
+        appendf(text, "DATA PDB_EL %s  % e   % e   % e\n", name, number(at[0]), number(at[1]), number(at[2]));
+    };
+    appendf(text, "\nDATA PDB_EL MONOPOL  % e\n", number(dipole.chargeDipol[0] + dipole.chargeDipol[1]));
+    appendf(text, "DATA PDB_EL SUM_POS  % e\n", number(dipole.chargeDipol[0]));
+    appendf(text, "DATA PDB_EL SUM_NEG  % e\n", number(dipole.chargeDipol[1]));
+    text += "DATA PDB_EL LOC (x,y,z)\n";
+    place("LOC_NEG", dipole.aveNeg);
+    place("LOC_POS", dipole.avePos);
+    appendf(text, "DATA PDB_EL DIPOL    % e\n", number(dipole.magnitude));
+}
+
+void appendInput(const TensorAnalysis &input, const Saupe &saupe, int eulerFlag, std::string &text)
+{
+    std::string block;
+    writeEulerInfo(input, block, eulerFlag);
+    text.append("\n\nREMARK Input tensor.").append(block);
+    appendf(text, "\nDATA SAUPE  % .4e % .4e % .4e % .4e % .4e\n\n", saupe[0], saupe[1], saupe[2], saupe[3],
+            saupe[4]);
+    const double R = input.da != 0.0 ? input.dr / input.da : 0.0;
+    appendf(text, "DATA Da(NH) = %.1f    R = Dr/Da = %.3f\n", input.da * amideScale, R);
+}
+
+int appendReport(const TrelmInfo &trelmInfo, const Findings &findings, const Saupe &saupe, std::string &text)
+{
+    text += "REMARK Molecular Alignment Simulation.\n\nREMARK Simulation parameters.\n";
+    if (writeTrelm(trelmInfo, text) != 0)
+        return complain("trelm: error in writeTrelm.\n");
+    const bool hasDipole = trelmInfo.elPdbFlag != 0;
+    std::string block;
+    writeEulerInfo(findings.structure, block, trelmInfo.eulerFlag);
+    text.append(hasDipole ? "\n\nREMARK Dipole tensor." : "\n\nREMARK Inertia tensor.").append(block);
+    if (hasDipole)
+        appendDipole(findings.dipole, text);
+    appendInput(findings.input, saupe, trelmInfo.eulerFlag, text);
+    text += "\n\nREMARK Relative orientation of two coordinate systems.\n\n";
+    constexpr double degrees = 180.0 / 3.14159265;
+    const auto dcos = calcDcos(findings.structure.eigVec, findings.input.eigVec);
+    appendf(text, "DATA DCOS_DEG (x/y/z)    %.3f  %.3f  %.3f\n", dcos[0] * degrees, dcos[1] * degrees,
+            dcos[2] * degrees);
+    return 0;
+}
+
+} // namespace
+
+int analyzePDB(PDBInfo *pdbInfo, const PDBSelectInfo *sInfo, const TrelmInfo &trelmInfo, ChargeSet &charges,
+               const Saupe &saupe, const AnalysisFiles &files)
+{
+    OutFile report;
+    if (openOut(report, files.outPName, "w") != 0)
+        return complain("TRELM Error opening output file %s\n", files.outPName.c_str());
+    Findings findings;
+    if (findFrames(pdbInfo, trelmInfo, charges, saupe, findings) != 0)
+        return 1;
+    if (trelmInfo.elPdbFlag == asCharged)
+        labelCharges(pdbInfo, charges);
+    const EulerLists &euler =
+        trelmInfo.elPdbFlag == asUserFrame ? findings.input.euler : findings.structure.euler;
+    const int status = writePDBRot(euler.gamma, euler.beta, euler.alpha, trelmInfo.rotN, pdbInfo, sInfo,
+                                   files.outName, files.remark);
+    if (status != 0) {
+        complain("matrix: error in writePDBRot.\n");
+        return status;
+    }
+    std::string text;
+    if (appendReport(trelmInfo, findings, saupe, text) != 0)
+        return 1;
+    writeOut(report, text);
+    return closeOut(report);
+}
+
+} // namespace trelm

@@ -1,0 +1,371 @@
+#include "simulation/electrostatic.h"
+
+#include "simulation/field_energy.h"
+#include "simulation/rod.h"
+#include "simulation/steric.h"
+#include "simulation/wall.h"
+#include "support/progress.h"
+#include "support/text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <vector>
+
+namespace trelm {
+namespace {
+
+constexpr double rodDensity = 1.46; ///< of the rods' material, g/ml
+
+double number(float value)
+{
+    return static_cast<double>(value);
+}
+
+void warnShortGrid()
+{
+    std::fputs("WARNING: concentration too low - magnitude of alignment tensor incorrect\n", stderr);
+}
+
+/// The distances of the solute's centre from the obstacle's middle plane or axis.
+struct Grid {
+    std::vector<float> grid_el;
+    int t_pts = 0; ///< last position at which the obstacle can be touched
+
+    [[nodiscard]] int lengthGrid() const { return static_cast<int>(grid_el.size()) - 1; }
+    [[nodiscard]] double last() const { return static_cast<double>(grid_el.back()); }
+};
+
+Grid clashGrid(const TrelmInfo &trelmInfo, const SmaSetup &setup)
+{
+    Grid grid;
+    const double spacing = number(trelmInfo.gridSpacing);
+    const double offset = setup.min_protein_length + number(trelmInfo.radiusModel);
+    const double steps = std::trunc((setup.max_protein_length - setup.min_protein_length) / spacing);
+    if (steps > maxGridPositions - 1)
+        warnShortGrid();
+    grid.t_pts = static_cast<int>(std::min(steps, maxGridPositions - 1.0));
+    for (int i = 0; i <= grid.t_pts; ++i)
+        grid.grid_el.push_back(static_cast<float>(i * spacing + offset));
+    return grid;
+}
+
+/// Adds positions behind the last that the obstacle reaches, while more(distance) says so. Returns false,
+/// after the warning, where the table is full.
+template <class More>
+bool extendGrid(Grid &grid, double spacing, More more)
+{
+    const double start = static_cast<double>(grid.grid_el[static_cast<std::size_t>(grid.t_pts)]);
+    for (int j = 1; more(grid.last(), start + j * spacing); ++j) {
+        if (grid.t_pts + j >= maxGridPositions) {
+            warnShortGrid();
+            return false;
+        }
+        grid.grid_el.push_back(static_cast<float>(start + j * spacing));
+    }
+    return true;
+}
+
+void scalePotential(const ElInfo &elInfo, Potential &potential)
+{
+    std::printf("trelmInfo->elInfo.kPot: %.1f \n", number(elInfo.kPot));
+    for (int i = 0; i < potential.count; ++i) {
+        double &value = potential.values[static_cast<std::size_t>(i)];
+        value = number(static_cast<float>(value)) / number(elInfo.kPot);
+    }
+}
+
+void reportGrid(const TrelmInfo &trelmInfo, const SmaSetup &setup, const Grid &grid)
+{
+    std::printf("REMARK Minimum molecule dimension %.3f [A].\n", setup.min_protein_length);
+    std::printf("REMARK Maximum molecule dimension %.3f [A].\n", setup.max_protein_length);
+    if (trelmInfo.elInfo.kAtt != 0.0f)
+        std::printf("REMARK trelmInfo->elInfo.kAtt = %.3f [A].\n", number(trelmInfo.elInfo.kAtt));
+    std::printf("@@@ offset_grid = %.3f [A]  t_pts = %d.\n",
+                setup.min_protein_length + number(trelmInfo.radiusModel), grid.t_pts);
+    std::printf("@@@ REMARK grid_el[0] = %.3f [A].\n", number(grid.grid_el.front()));
+    std::printf("@@@ REMARK grid_el[%d] = %.3f [A].\n", grid.t_pts, grid.last());
+}
+
+/// Calls visit(turn) for each orientation, with progress lines.
+template <class Visit>
+void forEachTurnShown(const OrientationSet &set, Visit visit)
+{
+    Progress progress = startProgress("REMARK Orientation ", set.count());
+    int done = 0;
+    forEachTurn(set, [&](const Turn &turn) {
+        showProgress(progress, ++done);
+        visit(turn);
+    });
+    endProgress(progress);
+}
+
+void addWeighted(Saupe &sum, const Saupe &saupe, double weight)
+{
+    for (std::size_t k = 0; k < sum.size(); ++k)
+        sum[k] += saupe[k] * weight;
+}
+
+/// From sums to averages. Returns 0, or 1 after a message if the weights have no sum to divide by.
+int divideByWeights(Saupe &saupe, double total)
+{
+    if (!(total > 0.0) || !std::isfinite(total))
+        return complain("sma: the sum of the weights, %g, is no positive number.\n", total);
+    for (double &element : saupe)
+        element /= total;
+    return 0;
+}
+
+/// What all roads of a charged molecule share.
+struct Charged {
+    const TrelmInfo &trelmInfo;
+    PlacedCharges placed;
+    FieldConstants field;
+    OrientationSet set;
+};
+
+int simulateWall(const Charged &charged, Grid &grid, Saupe &saupe)
+{
+    const TrelmInfo &info = charged.trelmInfo;
+    const double spacing = number(info.gridSpacing), cell = number(info.rSingleCell);
+    const double limit = std::min(cell, info.elInfo.cutoffPot);
+    extendGrid(grid, spacing, [limit](double last, double) { return last <= limit; });
+    if (info.elInfo.chFlag != 0)
+        reportField(charged.field);
+
+    NearestKernel kernel = makeNearestKernel(charged.placed.atoms);
+    WallEnergy energy;
+    energy.field = charged.field;
+    energy.radiusModel = number(info.radiusModel);
+    const float reach = info.radiusModel + info.radiusAtom;
+    const auto touchable = grid.grid_el.begin() + grid.t_pts + 1;
+    double total = 0.0;
+    forEachTurnShown(charged.set, [&](const Turn &turn) {
+        const float nearest = nearestToWall(kernel, turn.column1);
+        const auto free = std::partition_point(grid.grid_el.begin(), touchable,
+                                               [&](float distance) { return nearest + distance <= reach; });
+        turnCharges(energy, charged.placed, turn.column1);
+        double weight = 0.0;
+        for (auto position = free; position != grid.grid_el.end(); ++position)
+            weight += std::exp(-energyAt(energy, *position));
+        addWeighted(saupe, turn.saupe, weight);
+        total += weight;
+    });
+    if (cell - info.elInfo.cutoffPot > 0.0)
+        total += (cell - info.elInfo.cutoffPot) * charged.set.count() / spacing;
+    return divideByWeights(saupe, total);
+}
+
+/// Sums over the orientations at each position of a rod.
+struct RodSums {
+    std::vector<Saupe> saupe_dis;
+    std::vector<double> total, totalNew;
+    std::vector<int> pCount;
+
+    explicit RodSums(std::size_t positions)
+        : saupe_dis(positions), total(positions), totalNew(positions), pCount(positions)
+    {
+    }
+};
+
+/// Extends the grid as far as the potential reaches, and tells how far that is.
+void extendRodGrid(const Charged &charged, double beta, Grid &grid)
+{
+    const TrelmInfo &info = charged.trelmInfo;
+    const double radius = number(info.radiusModel), cutoff = info.elInfo.cutoffPot;
+    const auto isBelow = [&](double distance) {
+        return std::fabs(surfacePotential(charged.field, distance - radius)) < cutoff;
+    };
+    if (isBelow(grid.last()))
+        std::fprintf(stderr,
+                     "Warning: Potential drops within clash region to below %e!\n"
+                     "         ---> Magnitude of alignment tensor wrong!\n",
+                     cutoff);
+    bool isFound = false;
+    extendGrid(grid, number(info.gridSpacing), [&](double last, double next) {
+        isFound = last <= beta && isBelow(next);
+        return last <= beta && !isFound;
+    });
+    std::fprintf(stderr, "REMARK Value of potential at cutoff: %e\n",
+                 surfacePotential(charged.field, grid.last() - radius));
+    std::fprintf(stderr, "REMARK # of translational points for EL: %d\n", grid.lengthGrid());
+    std::fprintf(stderr, "REMARK Maximum distance: %e\n", grid.last());
+    if (!isFound)
+        std::fprintf(stderr,
+                     "Warning: Potentials between neighbouring cells overlapping, cutoff %e!\n"
+                     "         ---> Magnitude of alignment tensor wrong!\n",
+                     cutoff);
+}
+
+void reportRod(const Charged &charged, double end_dist, double beta, const Grid &grid)
+{
+    const TrelmInfo &info = charged.trelmInfo;
+    std::printf("@@ trelmInfo->elInfo.cutoffPot: %e\n", info.elInfo.cutoffPot);
+    std::printf("@@ trelmInfo->radiusModel: %f\n", number(info.radiusModel));
+    std::printf("@@ trelmInfo->concentration: %f\n", number(info.concentration));
+    std::printf("@@ density: %f\n", rodDensity);
+    std::printf("@@ end_dist: %f\n", end_dist);
+    std::printf("@@ beta: %f\n", beta);
+    std::printf("@@ no_pt_ph: %d\n", grid.t_pts);
+    std::printf("@@ lengthGrid: %d\n", grid.lengthGrid());
+    std::printf("digPsi = %d    dots = %d   inc_psi = %.1f\n", info.digPsiNSC,
+                static_cast<int>(charged.set.dots.size() / 3), 360.0 / info.digPsiNSC);
+}
+
+void sumBesideRod(const Charged &charged, const Grid &grid, RodEnergy &energy, RodSums &sums)
+{
+    const TrelmInfo &info = charged.trelmInfo;
+    RodKernel kernel = makeRodKernel(charged.placed.atoms,
+                                     std::span(grid.grid_el).first(static_cast<std::size_t>(grid.t_pts) + 1),
+                                     number(info.radiusModel), number(info.radiusAtom));
+    std::vector<Interval> blocked;
+    const auto addPositions = [&](const Turn &turn, int from, int to) {
+        const auto first = static_cast<std::size_t>(from), beyond = static_cast<std::size_t>(to);
+        if (first >= beyond)
+            return;
+        const std::span<const double> energies = energiesAt(energy, first, beyond);
+        for (std::size_t i = first; i < beyond; ++i) {
+            const double weight = std::exp(-energies[i - first]);
+            addWeighted(sums.saupe_dis[i], turn.saupe, weight);
+            sums.total[i] += weight;
+            sums.totalNew[i] += weight - 1.0;
+            ++sums.pCount[i];
+        }
+    };
+    forEachTurnShown(charged.set, [&](const Turn &turn) {
+        turnCharges(energy, charged.placed, turn);
+        blockedByRod(kernel, turn.column1, turn.column2, blocked);
+        int free = 0;
+        for (const Interval &interval : blocked) {
+            addPositions(turn, free, interval.first);
+            free = interval.last + 1;
+        }
+        addPositions(turn, free, grid.lengthGrid() + 1);
+    });
+}
+
+/// Distances in bins of at least 5 angstrom, each from `first` up to the next one's first.
+std::vector<std::size_t> binStarts(const Grid &grid)
+{
+    constexpr float width = 5.0f;
+    std::vector<std::size_t> starts = {0};
+    for (std::size_t i = 1; i < grid.grid_el.size(); ++i)
+        if (grid.grid_el[i] - grid.grid_el[starts.back()] >= width)
+            starts.push_back(i);
+    return starts;
+}
+
+/// What each range of distances adds to the weights and to the order.
+void reportBins(const Grid &grid, const RodSums &sums, double radius, float total_ph, const Saupe &saupe)
+{
+    const std::vector<std::size_t> starts = binStarts(grid);
+    struct Bin {
+        double from, to, share;
+        Saupe sum;
+    };
+    std::vector<Bin> bins;
+    for (std::size_t b = 0; b < starts.size(); ++b) {
+        const std::size_t beyond = b + 1 < starts.size() ? starts[b + 1] : grid.grid_el.size();
+        Bin bin{number(grid.grid_el[starts[b]]),
+                number(grid.grid_el[std::min(beyond, grid.grid_el.size() - 1)]),
+                0.0,
+                {}};
+        for (std::size_t i = starts[b]; i < beyond; ++i) {
+            const double ring = number(grid.grid_el[i]) / radius;
+            bin.share += sums.total[i] * ring / number(total_ph);
+            addWeighted(bin.sum, sums.saupe_dis[i], ring);
+        }
+        bins.push_back(bin);
+    }
+    for (const Bin &bin : bins)
+        std::printf("%6.1f %6.1f  %e\n", bin.from, bin.to, bin.share);
+    double whole = 0.0;
+    Saupe irreducible;
+    irreducRepres(saupe, whole, irreducible);
+    for (const Bin &bin : bins) {
+        double magnitude = 0.0;
+        irreducRepres(bin.sum, magnitude, irreducible);
+        std::printf("%6.1f %6.1f  %e  %e\n", bin.from, bin.to, whole > 0.0 ? magnitude / whole : 0.0,
+                    magnitude);
+    }
+}
+
+/// The weights of the grid with the growth of the rings; prints how they spread over the distances.
+float reportWeights(const Grid &grid, const RodSums &sums, double radius, const Saupe &saupe)
+{
+    float total_ph = 0.0f;
+    double test = 0.0, p = 0.0;
+    for (std::size_t i = 0; i < grid.grid_el.size(); ++i) {
+        total_ph = static_cast<float>(number(total_ph) + sums.total[i] * number(grid.grid_el[i]) / radius);
+        if (sums.pCount[i] == 0)
+            continue;
+        test += sums.total[i] / sums.pCount[i];
+        p += sums.totalNew[i] / sums.pCount[i];
+    }
+    std::printf("total_ph: %e    test: %e    p: %e  ln(p): %e\n", number(total_ph), test, p,
+                p < 0.0 ? std::nan("") : std::log(p));
+    std::printf("grid_el[0] = %.1f   grid_el[lengthGrid %d] = %.1f   d = %.1f\n",
+                number(grid.grid_el.front()), grid.lengthGrid(), grid.last(),
+                grid.last() - number(grid.grid_el.front()));
+    reportBins(grid, sums, radius, total_ph, saupe);
+    return total_ph;
+}
+
+int simulateRod(const Charged &charged, Grid &grid, const Potential &potential, Saupe &saupe)
+{
+    const TrelmInfo &info = charged.trelmInfo;
+    const double radius = number(info.radiusModel), spacing = number(info.gridSpacing);
+    reportField(charged.field);
+    const double end_dist = radius / std::sqrt(number(info.concentration) / rodDensity) - radius;
+    const double beta = end_dist + radius;
+    extendRodGrid(charged, beta, grid);
+    reportRod(charged, end_dist, beta, grid);
+
+    RodSums sums(grid.grid_el.size());
+    RodEnergy energy = makeRodEnergy(potential, radius, grid.grid_el);
+    sumBesideRod(charged, grid, energy, sums);
+    if (energy.isBeyond)
+        complain("REMARK Charges beyond the distances of the potential table feel no potential.\n");
+    for (std::size_t i = 0; i < grid.grid_el.size(); ++i)
+        addWeighted(saupe, sums.saupe_dis[i], number(grid.grid_el[i]) / radius);
+    float total_ph = reportWeights(grid, sums, radius, saupe);
+    for (double v = grid.last() + spacing; v <= beta; v += spacing)
+        total_ph = static_cast<float>(number(total_ph) + v / radius * charged.set.count());
+    return divideByWeights(saupe, number(total_ph));
+}
+
+} // namespace
+
+void reportSetBias(const OrientationSet &set, const char *prefix)
+{
+    Saupe saupe_dev = {};
+    forEachTurn(set, [&](const Turn &turn) { addWeighted(saupe_dev, turn.saupe, 1.0); });
+    for (std::size_t k = 0; k < saupe_dev.size(); ++k) {
+        saupe_dev[k] /= set.count();
+        std::printf("%so_pts: %d    saupe_dev[%zu]: %e\n", prefix, set.count(), k, saupe_dev[k]);
+    }
+    double gMag = 0.0;
+    Saupe irreducible;
+    irreducRepres(saupe_dev, gMag, irreducible);
+    std::printf("%sdeviation from uniform distribution:  %e   %e\n", prefix, gMag, 50.0 * gMag);
+}
+
+int sma(const TrelmInfo &trelmInfo, const Coordinates &atoms, std::span<const double> dots,
+        const SmaSetup &setup, const ChargeSet &charges, Potential &potential, Saupe &saupe)
+{
+    saupe = {};
+    if (checkField(trelmInfo.elInfo) != 0)
+        return 1;
+    const Charged charged{trelmInfo,
+                          {atoms, &charges},
+                          fieldConstants(trelmInfo.elInfo),
+                          makeOrientationSet(dots, trelmInfo.digPsiNSC)};
+    reportSetBias(charged.set, "");
+    scalePotential(trelmInfo.elInfo, potential);
+    Grid grid = clashGrid(trelmInfo, setup);
+    reportGrid(trelmInfo, setup, grid);
+    return trelmInfo.lcType == lcWall ? simulateWall(charged, grid, saupe)
+                                      : simulateRod(charged, grid, potential, saupe);
+}
+
+} // namespace trelm

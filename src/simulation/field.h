@@ -1,0 +1,30 @@
+// The field of a charged flat surface in salt.
+//
+// Source: Gouy, J. Phys. (Paris) 9 (1910) 457; Chapman, Philos. Mag. 25 (1913) 475.
+#pragma once
+
+#include "driver/trelm.h"
+
+namespace trelm {
+
+struct FieldConstants {
+    float rho = 0.0f;            ///< ion pairs per cubic nanometre
+    double kappa = 0.0, u = 0.0; ///< inverse Debye length, 1/nm; reduced surface charge
+    float y0 = 0.0f;             ///< potential at the surface, kT/e
+    float gamma = 0.0f;          ///< tanh(y0 / 4)
+};
+
+/// concNaCl and temperaturePot must be above 0.
+FieldConstants fieldConstants(const ElInfo &elInfo);
+
+/// The potential, kT/e, at a distance from the surface, angstrom.
+double surfacePotential(const FieldConstants &field, double distance);
+
+/// Density, Debye length and surface potential as REMARK lines on standard output.
+void reportField(const FieldConstants &field);
+
+/// Refuses salt, temperature and scale that the field can not be computed with. Returns 0, or 1 after one
+/// line that names the option.
+int checkField(const ElInfo &elInfo);
+
+} // namespace trelm

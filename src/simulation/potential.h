@@ -1,0 +1,37 @@
+// Potential files: a table along one axis, and a grid in space.
+#pragma once
+
+#include "driver/alloc.h"
+#include "driver/trelm.h"
+
+#include <cstddef>
+#include <string>
+
+namespace trelm {
+
+constexpr int maxPotentialLines = 9999; ///< a table that reaches this number of lines is refused
+
+/// The table of a rod: the potential, kT/e, at equal steps of the distance from its surface.
+struct Potential {
+    Block<double> values;                ///< entry i is taken to lie at the distance i * stepsize
+    int count = 0;                       ///< entries in use
+    double offset = 0.0, stepsize = 0.0; ///< distance of the first line and between two, angstrom
+};
+
+/// Reads lines of a distance in nanometres and a potential. An empty name reads nothing: a table without
+/// entries. Returns 0, or 1 after a message: no memory, no file, fewer than two lines, a line that is no pair
+/// of numbers, a step larger than the first one, too many lines.
+int readPotential(const std::string &inName, Potential &potential);
+
+/// The number of points of the grid of a run, or 0 after a message if its counts or spacings are not
+/// positive, its z planes lie outside it or there are more points than an index can have.
+std::size_t gridPoints(const TrelmInfo &trelmInfo);
+
+/// Read a grid, z fastest, then y, then x, behind a header of eleven lines: its values, kT/e, or for each 1
+/// if an atom may be there (its magnitude is below maxPot), else 0. An empty name reads nothing: all zero.
+/// `read` gets the number of values. Return 0, or 1 after a message if the file can not be read or does not
+/// hold just the points of the grid.
+int read3DPotential(const std::string &inName, const TrelmInfo &trelmInfo, Block<double> &pot3D, int &read);
+int read3DPotSteric(const std::string &inName, const TrelmInfo &trelmInfo, Block<float> &pot3Dst, int &read);
+
+} // namespace trelm

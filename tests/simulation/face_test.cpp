@@ -1,0 +1,275 @@
+// The face of a molecule beside a charged particle, and the dipole and second moments that describe it.
+#include "simulation/face.h"
+
+#include "simulation/charge_labels.h"
+#include "simulation/dipole.h"
+#include "simulation/field.h"
+#include "simulation/inertia.h"
+#include "simulation/steric.h"
+#include "support/text.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <vector>
+
+namespace trelm {
+namespace {
+
+using testing::internal::CaptureStderr;
+using testing::internal::CaptureStdout;
+using testing::internal::GetCapturedStderr;
+using testing::internal::GetCapturedStdout;
+
+/// A file that goes with this record.
+struct TestFile {
+    std::string name;
+    explicit TestFile(const std::string &label)
+        : name(testing::TempDir() + "trelm_face_" + std::to_string(getpid()) + "_" + label)
+    {
+    }
+    TestFile(const TestFile &) = delete;
+    TestFile &operator=(const TestFile &) = delete;
+    ~TestFile() { std::filesystem::remove(name); }
+};
+
+/// A molecule of one selected atom a residue, each read with the charge "2+".
+void makeMolecule(const std::vector<Axis> &places, PDBInfo &pdbInfo)
+{
+    const TestFile file("in.pdb");
+    std::string text;
+    int resID = 0;
+    for (const Axis &at : places)
+        appendf(text, "ATOM      1  CA  GLY A%4d    %8.3f%8.3f%8.3f  1.00  7.00           C2+\n", ++resID,
+                at[0], at[1], at[2]);
+    std::ofstream(file.name) << text << "END\n";
+    ASSERT_EQ(readPDB(file.name, &pdbInfo, nullptr), 0);
+    ASSERT_EQ(pdbInfo.atomCount, resID);
+    for (AtomInfo &atom : pdbInfo.atoms())
+        atom.selected = 1;
+}
+
+/// Charges by the places of their atoms.
+struct Charges {
+    std::vector<int> atoms;
+    std::vector<float> values;
+    ChargeSet set()
+    {
+        ChargeSet charges;
+        charges.chargeAtomID = atoms;
+        charges.charges = values;
+        charges.chCount = static_cast<int>(values.size());
+        return charges;
+    }
+};
+
+TrelmInfo sample(int lcType)
+{
+    TrelmInfo info;
+    info.lcType = lcType;
+    info.surfFlag = 0;
+    info.elInfo.elFlag = 1;
+    info.elInfo.iFace = 30.0f;
+    info.elInfo.kEnergy = 0.5f;
+    return info;
+}
+
+/// The weight of a charge 5 angstrom off the centre of two atoms, in the direction of `sign` along z.
+double weightOf(const TrelmInfo &info, double sign)
+{
+    std::vector<double> x = {0.0, 0.0}, y = {6.0, -6.0}, z = {5.0 * sign, -5.0 * sign};
+    Charges charges = {{0}, {1.0f}};
+    Potential none;
+    double prob = -1.0;
+    CaptureStdout();
+    EXPECT_EQ(iFace(info, {x, y, z}, charges.set(), none, prob), 0);
+    GetCapturedStdout();
+    return prob;
+}
+
+TEST(Face, WeighsTheChargeInTheFieldAtItsPlace)
+{
+    const struct {
+        int lcType;
+        double sign, distance;
+    } rows[] = {{lcWall, 1.0, 35.0},
+                {lcWall, -1.0, 25.0},
+                {lcRod, 1.0, std::hypot(55.0, 6.0) - 20.0},
+                {lcRod, -1.0, std::hypot(45.0, 6.0) - 20.0}};
+    for (const auto &row : rows) {
+        TrelmInfo info = sample(row.lcType);
+        info.elInfo.concNaCl = 0.001f; // the field must reach as far
+        const FieldConstants field = fieldConstants(info.elInfo);
+        const double y =
+            4.0 * std::atanh(static_cast<double>(field.gamma) * std::exp(-field.kappa * row.distance / 10.0));
+        const double expected = std::exp(-0.5 * y);
+        ASSERT_GT(expected, 1.05); // negative surface, positive charge
+        EXPECT_NEAR(weightOf(info, row.sign), expected, 1e-6 * expected) << row.lcType << " " << row.sign;
+    }
+}
+
+TEST(Face, OtherModelsKeepTheWeight)
+{
+    EXPECT_EQ(weightOf(sample(3), 1.0), -1.0);
+}
+
+TEST(Face, AMoleculeThatTouchesTheParticleHasNoWeight)
+{
+    TrelmInfo info = sample(lcWall);
+    info.elInfo.iFace = 5.0f; // the lower atom lies on the surface exactly
+    CaptureStderr();
+    EXPECT_EQ(weightOf(info, 1.0), 0.0);
+    EXPECT_EQ(GetCapturedStderr(), "WARNING: Molecule too close to LC particel ...\n"
+                                   "         Interaction face cannot be determined!\n");
+    info.elInfo.iFace = 5.001f;
+    EXPECT_GT(weightOf(info, 1.0), 0.0);
+}
+
+TEST(Face, EachCallMultipliesTheTableByItsScale)
+{
+    TrelmInfo info = sample(lcRod);
+    info.elInfo.kPot = 3.0f;
+    std::vector<double> zero = {0.0};
+    Charges none;
+    Potential potential;
+    potential.values = Block<double>("test", 3);
+    for (std::size_t i = 0; i < 3; ++i)
+        potential.values[i] = 2.0;
+    potential.count = 2;
+    double prob = 0.0;
+    CaptureStdout();
+    iFace(info, {zero, zero, zero}, none.set(), potential, prob);
+    iFace(info, {zero, zero, zero}, none.set(), potential, prob);
+    GetCapturedStdout();
+    EXPECT_EQ(potential.values[0], 18.0);
+    EXPECT_EQ(potential.values[1], 18.0);
+    EXPECT_EQ(potential.values[2], 2.0); // not in use
+    EXPECT_EQ(prob, 1.0);                // no charges
+}
+
+/// A run over two atoms with these charges; `written` gets the molecule of the result file.
+std::string runFace(const std::vector<float> &values, const TrelmInfo &info, PDBInfo &written)
+{
+    PDBInfo pdbInfo;
+    makeMolecule({{1.0, 2.0, 5.0}, {1.0, 2.0, -3.0}}, pdbInfo);
+    Charges charges = {{0, 1}, values};
+    const TestFile file("out.pdb");
+    Potential none;
+    EulerLists euler;
+    CaptureStdout();
+    EXPECT_EQ(iFacePDB(euler, &pdbInfo, info, {file.name, nullptr}, none, charges.set()), 0);
+    const std::string said = GetCapturedStdout();
+    EXPECT_EQ(readPDB(file.name, &written, nullptr), 0);
+    EXPECT_EQ(pdbInfo.atomList[0].z, 5.0f); // the molecule itself stays
+    EXPECT_EQ(charges.atoms, (std::vector<int>{0, 1}));
+    return said;
+}
+
+TEST(FacePDB, WritesTheOrientationOfTheLowerWeight)
+{
+    const struct {
+        const char *why;
+        std::vector<float> values;
+        std::array<float, 2> z; ///< of the two atoms; a flip centres the molecule first
+    } rows[] = {{"positive charge away from the negative wall: stays", {1.0f, 0.0f}, {5.0f, -3.0f}},
+                {"negative charge away from it: flipped", {-1.0f, 0.0f}, {-4.0f, 4.0f}},
+                {"equal weights: stays", {1.0f, 1.0f}, {5.0f, -3.0f}}};
+    for (const auto &row : rows) {
+        PDBInfo written;
+        const std::string said = runFace(row.values, sample(lcWall), written);
+        EXPECT_NE(said.find("REMARK Probability of initial orientation "), std::string::npos) << said;
+        EXPECT_NE(said.find("REMARK Probability of 180 deg. rotated orientation "), std::string::npos);
+        ASSERT_EQ(written.atomCount, 2);
+        for (std::size_t i = 0; i < 2; ++i)
+            EXPECT_NEAR(written.atomList[i].z, row.z[i], 0.0011f) << row.why;
+    }
+}
+
+TEST(FacePDB, AMoleculeWithinTheParticleIsNotFlipped)
+{
+    TrelmInfo info = sample(lcRod);
+    info.elInfo.iFace = -10.0f;
+    PDBInfo written;
+    CaptureStderr();
+    const std::string said = runFace({-1.0f, 0.0f}, info, written);
+    const std::string warned = GetCapturedStderr();
+    EXPECT_NE(said.find("REMARK Probability of initial orientation 0.000000e+00.\n"), std::string::npos);
+    EXPECT_NE(warned.find("WARNING"), warned.rfind("WARNING")); // one for each face
+    EXPECT_EQ(written.atomList[0].z, 5.0f);
+}
+
+TEST(ChargeLabels, MarkTheAtomsOfTheCharges)
+{
+    const struct {
+        float charge;
+        const char *label;
+    } rows[] = {{1.0f, "1+"},   {0.4f, "1+"},  {0.3999f, "1-"}, {0.0f, "1-"},
+                {-0.39f, "1-"}, {-0.4f, "0+"}, {-1.0f, "0+"}};
+    PDBInfo pdbInfo;
+    Charges charges;
+    std::vector<Axis> places = {{0.0, 0.0, 0.0}}; // the first atom has no charge
+    for (const auto &row : rows) {
+        charges.atoms.push_back(static_cast<int>(places.size()));
+        charges.values.push_back(row.charge);
+        places.push_back({1.0, 2.0, 3.0});
+    }
+    makeMolecule(places, pdbInfo);
+    labelCharges(&pdbInfo, charges.set());
+    EXPECT_EQ(pdbInfo.atomList[0].chargeStr.view(), "2+");
+    EXPECT_EQ(pdbInfo.atomList[0].tempFactor, 0.0f);
+    for (std::size_t i = 0; i < std::size(rows); ++i) {
+        const AtomInfo &atom = pdbInfo.atomList[i + 1];
+        EXPECT_EQ(atom.chargeStr.view(), rows[i].label) << rows[i].charge;
+        EXPECT_EQ(atom.tempFactor, rows[i].charge);
+    }
+}
+
+TEST(DipoleMoment, OfAFewChargesKnownByHand)
+{
+    const std::vector<double> x = {3.0, 3.0, 3.0}, y = {1.0, 1.0, 5.0}, z = {2.0, -2.0, -2.0};
+    const struct {
+        std::vector<float> charges;
+        float magnitude, chSum;
+        std::array<double, 3> direction;
+    } rows[] = {
+        {{1.0f, -1.0f}, 4.0f, 0.0f, {0.0, 0.0, 1.0}},
+        {{-1.0f, 1.0f}, 4.0f, 0.0f, {0.0, 0.0, -1.0}},
+        {{2.0f, -1.0f}, 4.0f, 1.0f, {0.0, 0.0, 1.0}}, // the smaller charge takes part
+        {{0.5f, -2.0f}, 2.0f, -1.5f, {0.0, 0.0, 1.0}},
+        {{1.0f, -0.5f, -0.5f}, std::sqrt(20.0f), 0.0f, {0.0, -1.0 / std::sqrt(5.0), 2.0 / std::sqrt(5.0)}}};
+    for (const auto &row : rows) {
+        const std::vector<int> atoms = {0, 1, 2};
+        const auto used = std::span<const int>(atoms).first(row.charges.size());
+        const Dipole dipole = dipoleMoment({x, y, z, used, row.charges}, 0);
+        EXPECT_NEAR(dipole.magnitude, row.magnitude, 1e-5f);
+        EXPECT_FLOAT_EQ(dipole.chSum, row.chSum);
+        for (std::size_t k = 0; k < 3; ++k)
+            EXPECT_NEAR(dipole.dipoleVec[3 * k], row.direction[k], 1e-6);
+    }
+}
+
+TEST(Inertia, IsTheSecondMomentOfTheSelectedAtoms)
+{
+    PDBInfo pdbInfo;
+    makeMolecule(
+        {{11.0, 2.0, 0.0}, {9.0, -2.0, 0.0}, {50.0, 50.0, 50.0}, {10.0, 0.0, 3.0}, {10.0, 0.0, -3.0}},
+        pdbInfo);
+    pdbInfo.atomList[2].selected = 0;
+    Matrix3d inertiaTensor;
+    ASSERT_EQ(calcInertia(pdbInfo, inertiaTensor), 0);
+    const Matrix3d expected = {0.5, 1.0, 0.0, 1.0, 2.0, 0.0, 0.0, 0.0, 4.5};
+    for (std::size_t i = 0; i < expected.size(); ++i)
+        EXPECT_DOUBLE_EQ(inertiaTensor[i], expected[i]) << i;
+
+    for (AtomInfo &atom : pdbInfo.atoms())
+        atom.selected = 0;
+    CaptureStderr();
+    EXPECT_EQ(calcInertia(pdbInfo, inertiaTensor), 1);
+    EXPECT_EQ(GetCapturedStderr(), "WARNING: Zero atoms for inertia tensor selected.");
+}
+
+} // namespace
+} // namespace trelm

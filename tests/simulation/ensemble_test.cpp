@@ -1,0 +1,339 @@
+// The states of an ensemble, and the domains that they put in place.
+#include "simulation/ensemble.h"
+
+#include "simulation/domains.h"
+#include "simulation/rotation.h"
+#include "simulation/two_domains.h"
+#include "support/text.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <sstream>
+
+namespace trelm {
+namespace {
+
+using testing::internal::CaptureStderr;
+using testing::internal::CaptureStdout;
+using testing::internal::GetCapturedStderr;
+using testing::internal::GetCapturedStdout;
+
+std::string path(const std::string &name)
+{
+    return testing::TempDir() + "trelm_ensemble_" + std::to_string(getpid()) + "_" + name;
+}
+
+/// A file of a test, removed with this record.
+struct TestFile {
+    std::string name;
+    TestFile(const std::string &label, const std::string &text) : name(path(label))
+    {
+        std::ofstream(name, std::ios::binary) << text;
+    }
+    TestFile(const TestFile &) = delete;
+    TestFile &operator=(const TestFile &) = delete;
+    ~TestFile() { std::filesystem::remove(name); }
+};
+
+std::vector<std::string> linesOf(const std::string &name)
+{
+    std::ifstream in(name);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+Ensemble emptyEnsemble()
+{
+    Ensemble ensemble;
+    ensemble.states = Block<EnsembleState>("test", maxEnsembleStates);
+    return ensemble;
+}
+
+std::string repeated(const char *line, int count)
+{
+    std::string text;
+    for (int i = 0; i < count; ++i)
+        text += line;
+    return text;
+}
+
+struct FileCase {
+    std::string text;
+    int status, count;
+    const char *message;
+};
+
+TEST(EnsembleFile, LinesAreStatesOrRefused)
+{
+    const char *const format =
+        "Error: Input data in file with measured dipolar couplings have wrong format\nLine:";
+    const std::vector<FileCase> cases = {
+        {"1 2.5 -3e1\n \t4 5 6 words behind\r\n", 0, 2, ""},
+        {"", 0, 0, ""},
+        {"1 2 3\n\n \n", 0, 1, ""},
+        {repeated("1 2 3\n", 39998), 0, 39998, ""},
+        {repeated("1 2 3\n", 39999), 1, 0, "error in readEnsemble: digitization of ensemble too high.\n"},
+        {"1 2 3\n\n4 5 6\n", 1, 0, format},
+        {"1 2\n", 1, 0, format},
+        {"1 2 x\n", 1, 0, format},
+        {"1,2,3\n", 1, 0, format},
+        {"1 2 nan\n", 1, 0, format},
+        {"1 inf 2\n", 1, 0, format},
+    };
+    for (const FileCase &one : cases) {
+        const TestFile file("states", one.text);
+        Ensemble ensemble = emptyEnsemble();
+        CaptureStderr();
+        EXPECT_EQ(readEnsemble(file.name, ensemble), one.status);
+        const std::string said = GetCapturedStderr();
+        EXPECT_TRUE(said.starts_with(one.message)) << said;
+        EXPECT_EQ(said.empty(), one.status == 0) << said;
+        EXPECT_EQ(ensemble.count, one.count) << one.text.substr(0, 40);
+        if (one.count == 2) {
+            EXPECT_EQ(ensemble.states[0].gamma, -30.0);
+            EXPECT_EQ(ensemble.states[1].alpha, 4.0);
+        }
+    }
+    Ensemble ensemble = emptyEnsemble();
+    CaptureStderr();
+    EXPECT_EQ(readEnsemble("/none/e", ensemble), 1);
+    EXPECT_EQ(GetCapturedStderr(), "RdTable File open error: /none/e.\n");
+    EXPECT_EQ(readEnsemble("", ensemble), 0);
+}
+
+TEST(EnsembleSphere, StatesLieWithinTheLimits)
+{
+    TrelmInfo info;
+    GridInfo &grid = info.gridInfo;
+    grid.densE = 162; // 162 dots
+    grid.lBetaCone = 10.0f;
+    grid.hBetaCone = 60.0f;
+    grid.digPsiE = 4;
+    const EnsembleFiles files = {.outEName = path("e"), .outEAxName = path("ax"), .inEName = ""};
+    Ensemble ensemble = emptyEnsemble();
+    ASSERT_EQ(setupEnsemble(info, files, ensemble), 0);
+    const int all = ensemble.count;
+    // A cap between 10 and 60 degrees has (cos 10 - cos 60) / 2 of the sphere: 39 of 162 dots.
+    EXPECT_NEAR(all / 4, 39, 6);
+    const auto axes = linesOf(files.outEAxName), angles = linesOf(files.outEName);
+    ASSERT_EQ(axes.size(), static_cast<std::size_t>(all));
+    ASSERT_EQ(angles.size(), axes.size());
+    for (std::size_t i = 0; i < axes.size(); ++i) {
+        const EnsembleState &state = ensemble.states[i];
+        EXPECT_GE(state.beta, 9.999);
+        EXPECT_LE(state.beta, 60.001);
+        EXPECT_DOUBLE_EQ(state.gamma, 90.0 * static_cast<double>(i % 4)); // third angle fastest
+        // The z axis leans by beta towards minus x, and gamma takes it round: alpha does not move it.
+        double x = 0.0, y = 0.0, z = 0.0, written = 0.0;
+        std::istringstream(axes[i]) >> x >> y >> z;
+        const double b = state.beta * M_PI / 180.0, g = state.gamma * M_PI / 180.0;
+        EXPECT_NEAR(x, -std::sin(b) * std::cos(g), 6e-4);
+        EXPECT_NEAR(y, std::sin(b) * std::sin(g), 6e-4);
+        EXPECT_NEAR(z, std::cos(b), 6e-4);
+        std::istringstream(angles[i]) >> written;
+        EXPECT_NEAR(written, state.alpha, 1e-2);
+    }
+
+    grid.errAlphaCone = 0.1f; // the sideways turns of 90 and 270 degrees lean too far
+    ASSERT_EQ(setupEnsemble(info, {}, ensemble), 0);
+    EXPECT_EQ(ensemble.count, all / 2);
+    for (const EnsembleState &state : ensemble.used())
+        EXPECT_NEAR(std::sin(state.gamma * M_PI / 180.0), 0.0, 1e-6);
+    grid.digPsiE = 1;
+    ASSERT_EQ(setupEnsemble(info, {}, ensemble), 0);
+    EXPECT_TRUE(std::ranges::all_of(ensemble.used(), [](const EnsembleState &s) { return s.gamma == 0.0; }));
+
+    const TestFile two("two", "1 2 3\n4 5 6\n"), none("none", "\n");
+    Ensemble read = emptyEnsemble();
+    ASSERT_EQ(setupEnsemble(info, {.outEName = "", .outEAxName = "", .inEName = two.name}, read), 0);
+    EXPECT_EQ(read.count, 2);
+    EXPECT_EQ(read.states[1].beta, 5.0);
+    ASSERT_EQ(setupEnsemble(info, {.outEName = "", .outEAxName = "", .inEName = none.name}, read), 0);
+    EXPECT_EQ(read.count, ensemble.count); // a file without states replaces nothing
+    std::filesystem::remove(files.outEName);
+    std::filesystem::remove(files.outEAxName);
+}
+
+struct GridCase {
+    const char *why;
+    void (*change)(GridInfo &);
+    EnsembleFiles files;
+    const char *message; ///< empty: no failure, and no states
+};
+
+TEST(EnsembleSphere, FailuresAreTold)
+{
+    const std::vector<GridCase> cases = {
+        {"no dots", [](GridInfo &g) { g.densE = 0; }, {}, "setupEnsemble: unsp error occured.\n"},
+        {"too many dots", [](GridInfo &g) { g.densE = 2000000; }, {}, "setupEnsemble: unsp error occured.\n"},
+        {"too many turns",
+         [](GridInfo &g) { g.digPsiE = 2147483647; },
+         {},
+         "setupEnsemble: ensemble too big.\n"},
+        {"too many states", [](GridInfo &g) { g.digPsiE = 39998; }, {}, "setupEnsemble: ensemble too big.\n"},
+        {"no turns", [](GridInfo &g) { g.digPsiE = -1; }, {}, ""},
+        {"no cone", [](GridInfo &g) { g.lBetaCone = 181.0f, g.hBetaCone = 190.0f; }, {}, ""},
+        {"angles", [](GridInfo &) {}, {"/none/e", "", ""}, "TRELM Error opening ensemble monitoring file "},
+        {"axes", [](GridInfo &) {}, {"", "/none/a", ""}, "TRELM Error opening ensemble monitoring file "},
+        {"states", [](GridInfo &) {}, {"", "", "/none/i"}, "RdTable File open error: /none/i.\nerror in "},
+    };
+    for (const GridCase &one : cases) {
+        SCOPED_TRACE(one.why);
+        TrelmInfo info;
+        one.change(info.gridInfo);
+        Ensemble ensemble = emptyEnsemble();
+        CaptureStderr();
+        const int status = setupEnsemble(info, one.files, ensemble);
+        const std::string said = GetCapturedStderr();
+        EXPECT_TRUE(said.find(one.message) != std::string::npos) << said;
+        EXPECT_EQ(status, *one.message == '\0' ? 0 : 1);
+        if (status == 0) {
+            EXPECT_EQ(ensemble.count, 0);
+        }
+    }
+}
+
+/// The first 20 residues twice.
+PDBInfo smallMolecule(double shift)
+{
+    const TestFile file("small.pdb", twoDomains(20, shift));
+    PDBInfo pdb;
+    EXPECT_EQ(readPDB(file.name, &pdb, nullptr), 0);
+    return pdb;
+}
+
+TrelmInfo smallInfo()
+{
+    TrelmInfo info;
+    GridInfo &g = info.gridInfo;
+    g.startResDom1 = g.startResPart1 = 1;
+    g.endResDom1 = g.endResPart1 = 20;
+    g.startResDom2 = g.startResPart2 = 101;
+    g.endResDom2 = g.endResPart2 = 120;
+    g.resDom1Origin = 10;
+    g.resDom2Origin = 110;
+    return info;
+}
+
+Axis alphaCarbon(const PDBInfo &pdb, int resID)
+{
+    for (const AtomInfo &atom : pdb.atoms())
+        if (atom.resID == resID && atom.atomName == "CA")
+            return {static_cast<double>(atom.x), static_cast<double>(atom.y), static_cast<double>(atom.z)};
+    return {};
+}
+
+double distanceOf(const Axis &a, const Axis &b)
+{
+    return std::hypot(a[0] - b[0], a[1] - b[1], a[2] - b[2]);
+}
+
+TEST(Domains, StartOnTheirAxesWithThePivotAtTheOrigin)
+{
+    PDBInfo pdb = smallMolecule(30.0);
+    TrelmInfo info = smallInfo();
+    ASSERT_EQ(initOrient(&pdb, info), 0);
+    Matrix3d moments;
+    ASSERT_EQ(calcInertiaSel(pdb, 1, 20, moments), 0);
+    EXPECT_NEAR(distanceOf(alphaCarbon(pdb, 10), {}), 0.0, 1e-5);
+    EXPECT_GT(moments[8], moments[4]); // longest along z
+    EXPECT_GT(moments[4], moments[0]);
+    for (const std::size_t k : {1U, 2U, 5U})
+        EXPECT_NEAR(moments[k], 0.0, 1e-3);
+    Matrix3d turned;
+    ASSERT_EQ(calcInertiaSel(pdb, 20, 1, turned), 0); // in either order
+    EXPECT_EQ(turned, moments);
+
+    // Not turned onto the axes: moved only.
+    PDBInfo moved = smallMolecule(30.0);
+    const PDBInfo fresh = smallMolecule(30.0);
+    info.gridInfo.initOrientFlag = 0;
+    ASSERT_EQ(initOrient(&moved, info), 0);
+    const Axis a = alphaCarbon(fresh, 10), b = alphaCarbon(fresh, 115), c = alphaCarbon(moved, 115);
+    for (std::size_t k = 0; k < 3; ++k)
+        EXPECT_NEAR(c[k], b[k] - a[k], 1e-4);
+}
+
+TEST(Domains, SecondOneTurnsAboutItsPivot)
+{
+    TrelmInfo info = smallInfo();
+    info.gridInfo.initOrientFlag = 0;
+    PDBInfo straight = smallMolecule(30.0), turned = smallMolecule(30.0);
+    ASSERT_EQ(initOrient(&straight, info), 0);
+    info.gridInfo.angleDomFlag = 1;
+    info.gridInfo.angleDom[0] = 90.0f; // x' = y, y' = -x
+    ASSERT_EQ(initOrient(&turned, info), 0);
+    const Axis pivot = alphaCarbon(straight, 110), before = alphaCarbon(straight, 117),
+               after = alphaCarbon(turned, 117);
+    EXPECT_NEAR(distanceOf(alphaCarbon(turned, 110), pivot), 0.0, 1e-4);
+    EXPECT_NEAR(distanceOf(alphaCarbon(turned, 3), alphaCarbon(straight, 3)), 0.0, 1e-4);
+    EXPECT_NEAR(after[0] - pivot[0], before[1] - pivot[1], 1e-4);
+    EXPECT_NEAR(after[1] - pivot[1], pivot[0] - before[0], 1e-4);
+    EXPECT_NEAR(after[2], before[2], 1e-4);
+}
+
+TEST(Domains, SecondMomentsOfTwoAtoms)
+{
+    const TestFile file("two.pdb", "ATOM      1  N   ALA A   1       1.000   2.000   0.000\n"
+                                   "ATOM      2  CA  ALA A   1       5.000  -4.000   2.000\n"
+                                   "ATOM      3  H   ALA A   1      50.000   0.000   0.000\n"
+                                   "ATOM      4  N   ALA A   2      90.000   0.000   0.000\n");
+    PDBInfo pdb;
+    ASSERT_EQ(readPDB(file.name, &pdb, nullptr), 0);
+    Matrix3d moments;
+    ASSERT_EQ(calcInertiaSel(pdb, 1, 1, moments), 0);
+    const Matrix3d expected = {4, -6, 2, -6, 9, -3, 2, -3, 1};
+    for (std::size_t k = 0; k < expected.size(); ++k)
+        EXPECT_NEAR(moments[k], expected[k], 1e-12);
+}
+
+TEST(Domains, ClashIsTheFirstPairBelowTheDistance)
+{
+    PDBInfo pdb = smallMolecule(12.0);
+    TrelmInfo info = smallInfo();
+    for (AtomInfo &atom : pdb.atoms())
+        atom.selected = 7;
+    std::vector<std::size_t> indI, indJ;
+    ASSERT_EQ(selectSurfDom(&pdb, 1, 20, indI, indJ), 0);
+    EXPECT_TRUE(std::ranges::all_of(pdb.atoms(), [](const AtomInfo &atom) { return atom.selected == 7; }));
+    ASSERT_FALSE(indI.empty());
+    EXPECT_EQ(indI.size(), indJ.size()); // the copies are alike, each measured alone
+    for (std::size_t k = 0; k < indI.size(); ++k) {
+        const AtomInfo &a = pdb.atomList[indI[k]], &b = pdb.atomList[indJ[k]];
+        EXPECT_EQ(a.resID + 100, b.resID);
+        EXPECT_EQ(a.atomName, b.atomName);
+        EXPECT_TRUE(a.atomName == "C" || a.atomName == "CA" || a.atomName == "N");
+    }
+    const auto apart = [&](std::size_t i, std::size_t j) {
+        const AtomInfo &a = pdb.atomList[i], &b = pdb.atomList[j];
+        return calcNorm(a.x - b.x, a.y - b.y, a.z - b.z);
+    };
+    float smallest = 1e9f;
+    for (const std::size_t i : indI)
+        for (const std::size_t j : indJ)
+            smallest = std::min(smallest, apart(i, j));
+    info.gridInfo.clashDist = smallest; // not below it
+    EXPECT_EQ(chkClashDom(pdb, info, indI, indJ), 0);
+    info.gridInfo.clashDist = smallest + 3.0f;
+    std::string expected;
+    for (const std::size_t i : indI)
+        for (const std::size_t j : indJ)
+            if (expected.empty() && apart(i, j) < info.gridInfo.clashDist) {
+                const AtomInfo &a = pdb.atomList[i], &b = pdb.atomList[j];
+                appendf(expected, "\nREMARK steric clash of %5d %6s %6s   and  %5d %6s %6s : %6.2f A\n",
+                        a.resID, a.resName.c_str(), a.atomName.c_str(), b.resID, b.resName.c_str(),
+                        b.atomName.c_str(), static_cast<double>(apart(i, j)));
+            }
+    CaptureStdout();
+    EXPECT_EQ(chkClashDom(pdb, info, indI, indJ), 1);
+    EXPECT_EQ(GetCapturedStdout(), expected);
+}
+
+} // namespace
+} // namespace trelm

@@ -15,6 +15,7 @@
 namespace trelm {
 namespace {
 
+constexpr double mostSteps = 1e8;   ///< from one rod to the next
 constexpr double rodDensity = 1.46; ///< of the rods' material, g/ml
 
 double number(float value)
@@ -30,7 +31,8 @@ void warnShortGrid()
 /// The distances of the solute's centre from the obstacle's middle plane or axis.
 struct Grid {
     std::vector<float> grid_el;
-    int t_pts = 0; ///< last position at which the obstacle can be touched
+    int t_pts = 0;        ///< last position at which the obstacle can be touched
+    bool isShort = false; ///< the table ended before the molecule did, and that was told
 
     [[nodiscard]] int lengthGrid() const { return static_cast<int>(grid_el.size()) - 1; }
     [[nodiscard]] double last() const { return static_cast<double>(grid_el.back()); }
@@ -42,7 +44,8 @@ Grid clashGrid(const TrelmInfo &trelmInfo, const SmaSetup &setup)
     const double spacing = number(trelmInfo.gridSpacing);
     const double offset = setup.min_protein_length + number(trelmInfo.radiusModel);
     const double steps = std::trunc((setup.max_protein_length - setup.min_protein_length) / spacing);
-    if (steps > maxGridPositions - 1)
+    grid.isShort = steps > maxGridPositions - 1;
+    if (grid.isShort)
         warnShortGrid();
     grid.t_pts = static_cast<int>(std::min(steps, maxGridPositions - 1.0));
     for (int i = 0; i <= grid.t_pts; ++i)
@@ -58,7 +61,8 @@ bool extendGrid(Grid &grid, double spacing, More more)
     const double start = static_cast<double>(grid.grid_el[static_cast<std::size_t>(grid.t_pts)]);
     for (int j = 1; more(grid.last(), start + j * spacing); ++j) {
         if (grid.t_pts + j >= maxGridPositions) {
-            warnShortGrid();
+            if (!grid.isShort)
+                warnShortGrid();
             return false;
         }
         grid.grid_el.push_back(static_cast<float>(start + j * spacing));
@@ -311,21 +315,34 @@ float reportWeights(const Grid &grid, const RodSums &sums, double radius, const 
     return total_ph;
 }
 
-int simulateRod(const Charged &charged, Grid &grid, const Potential &potential, Saupe &saupe)
+/// Once a run: charges that feel nothing.
+void tellBeyond(bool isBeyond, Potential &potential)
+{
+    if (!isBeyond || potential.isTold)
+        return;
+    potential.isTold = true;
+    complain(potential.count == 0
+                 ? "REMARK Without a potential table charges beside a rod feel no potential.\n"
+                 : "REMARK Charges beyond the distances of the potential table feel no potential.\n");
+}
+
+int simulateRod(const Charged &charged, Grid &grid, Potential &potential, Saupe &saupe)
 {
     const TrelmInfo &info = charged.trelmInfo;
     const double radius = number(info.radiusModel), spacing = number(info.gridSpacing);
     reportField(charged.field);
     const double end_dist = radius / std::sqrt(number(info.concentration) / rodDensity) - radius;
     const double beta = end_dist + radius;
+    if (!(beta / spacing <= mostSteps))
+        return complain("trelm: -wv %g, -dGrid %g: more than %g steps to the next rod.\n",
+                        number(info.concentration), spacing, mostSteps);
     extendRodGrid(charged, beta, grid);
     reportRod(charged, end_dist, beta, grid);
 
     RodSums sums(grid.grid_el.size());
     RodEnergy energy = makeRodEnergy(potential, radius, grid.grid_el);
     sumBesideRod(charged, grid, energy, sums);
-    if (energy.isBeyond)
-        complain("REMARK Charges beyond the distances of the potential table feel no potential.\n");
+    tellBeyond(energy.isBeyond, potential);
     for (std::size_t i = 0; i < grid.grid_el.size(); ++i)
         addWeighted(saupe, sums.saupe_dis[i], number(grid.grid_el[i]) / radius);
     float total_ph = reportWeights(grid, sums, radius, saupe);

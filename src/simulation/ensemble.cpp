@@ -163,6 +163,7 @@ struct EnsembleRun {
     Saupe &saupeAve;
     Buffers buffers;
     OutFile log;
+    Potential none; ///< the table of a rod where there is none
     double stateCount = 0.0;
     double R = 0.0; ///< of the last state that has one
 };
@@ -312,8 +313,7 @@ int simulateState(EnsembleRun &run, StateAtWork &state)
     const auto count = static_cast<std::size_t>(atomSelCount);
     const CoordinateBuffers atoms = {buffers.x.span().first(count), buffers.y.span().first(count),
                                      buffers.z.span().first(count)};
-    Potential none;
-    Potential &potential = run.setup.potential != nullptr ? *run.setup.potential : none;
+    Potential &potential = run.setup.potential != nullptr ? *run.setup.potential : run.none;
     status = simEnsAlignment(*run.trelmInfo, atoms, charges, run.setup.dots, potential, state.saupe);
     if (status != 0)
         complain("Matrix: Error simulating alignment.\n");
@@ -446,7 +446,8 @@ int ensembleAlignment(PDBInfo *pdbInfo, DTable *dTab, TrelmInfo *trelmInfo, cons
                        .setup = setup,
                        .saupeAve = saupeAve,
                        .buffers = {},
-                       .log = {}};
+                       .log = {},
+                       .none = {}};
     if (startEnsemble(run) != 0)
         return 1;
     StateAtWork state;

@@ -129,7 +129,7 @@ int weighFace(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const ChargeSet &ori
     iFace(trelmInfo, {places.x.first(used), places.y.first(used), places.z.first(used)}, charges, potential,
           prob);
     // Two weights that are no numbers could not be compared.
-    return std::isfinite(prob) ? 0 : complain("trelm: error determining interaction face.\n");
+    return !std::isnan(prob) ? 0 : complain("trelm: error determining interaction face.\n");
 }
 
 /// Weighs both faces. `isFlipped` tells whether the flipped one is written.

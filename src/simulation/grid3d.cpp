@@ -60,18 +60,22 @@ void reportGrid(const TrelmInfo &info, const Grid3D &grid, const OrientationSet 
     std::printf("REMARK startGrid (x,y,z): %f  %f  %f\n", grid.start[0], grid.start[1], grid.start[2]);
 }
 
-/// What both forms do before they look at a position.
-Grid3D startGrid(TrelmInfo &info, const OrientationSet &set)
+/// What both forms do before they look at a position. Returns 0, or 1 after a message.
+int startGrid(TrelmInfo &info, const OrientationSet &set, Grid3D &grid)
 {
+    const float cell = cellSize(info);
+    if (!(cell > 0.0f) || !std::isfinite(cell))
+        return complain("trelm: -vol, -mwLC, -massLC, -unitLC, -polyLC give no size of the cell (%g).\n",
+                        number(cell));
     reportSetBias(set, prefix);
-    info.rSingleCell = cellSize(info);
+    info.rSingleCell = cell;
     if (isNarrow(info))
         std::fputs("WARNING: Potentials between neighbouring cells overlapping!\n"
                    "         ---> Magnitude of alignment tensor might be wrong!\n",
                    stderr);
-    const Grid3D grid = makeGrid3D(info);
+    grid = makeGrid3D(info);
     reportGrid(info, grid, set);
-    return grid;
+    return 0;
 }
 
 /// The orientations at the free positions of the cell beyond the grid.
@@ -107,7 +111,10 @@ int pointAlong(const Grid3D &grid, std::size_t axis, double shift, float coordin
 /// Where an atom comes to lie along z, where the planes in use repeat, one period to each side.
 int pointAlongZ(const Grid3D &grid, double shift, float coordinate)
 {
-    const int point = getGridPoint(inSteps(shift, coordinate, grid.spacing[2])) + grid.half[2] + 1;
+    const float steps = inSteps(shift, coordinate, grid.spacing[2]);
+    if (!(std::fabs(steps) <= static_cast<float>(grid.count[2]) + static_cast<float>(grid.planes())))
+        return GridPlaces::off;
+    const int point = getGridPoint(steps) + grid.half[2] + 1;
     const int wrapped = point > grid.zN   ? point - grid.planes()
                         : point < grid.z1 ? point + grid.planes()
                                           : point;
@@ -311,7 +318,9 @@ int sma3D(TrelmInfo &trelmInfo, const Coordinates &atoms, std::span<const double
 {
     saupe = {};
     const OrientationSet set = makeOrientationSet(dots, trelmInfo.digPsiNSC);
-    const Grid3D grid = startGrid(trelmInfo, set);
+    Grid3D grid;
+    if (startGrid(trelmInfo, set, grid) != 0)
+        return 1;
     const GridRows rows = makeGridRows(grid, pot3D);
     GridPlaces places;
     RowSearch search;
@@ -342,7 +351,9 @@ int ssia3D(TrelmInfo &trelmInfo, const Coordinates &atoms, std::span<const doubl
 {
     saupe = {};
     const OrientationSet set = makeOrientationSet(dots, trelmInfo.digPsiNSC);
-    const Grid3D grid = startGrid(trelmInfo, set);
+    Grid3D grid;
+    if (startGrid(trelmInfo, set, grid) != 0)
+        return 1;
     // What the atoms would meet at the first position changes nothing that is seen.
     if (set.count() > 0 && !pot3Dst.empty() && atoms.count() > 0)
         endQuietly();

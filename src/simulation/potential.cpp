@@ -37,7 +37,7 @@ bool readPair(std::string_view line, double &distance, double &value)
     std::vector<std::string_view> words;
     splitTokens(line, words);
     return words.size() >= 2 && wordToDouble(words[0], distance) && wordToDouble(words[1], value) &&
-           std::isfinite(distance) && std::isfinite(value);
+           std::isfinite(static_cast<float>(distance)) && std::isfinite(static_cast<float>(value));
 }
 
 /// The lines of a table as they come in.
@@ -65,7 +65,7 @@ int takeLine(std::string_view line, TableLines &lines, Potential &potential)
     lines.last = distance;
     potential.values[static_cast<std::size_t>(potential.count++)] = value;
     if (potential.count >= maxPotentialLines)
-        return complain("Error in readPotential: digitization of potential too high.\n");
+        return complain("Error in readPotential: digitization of potential too high.");
     return 0;
 }
 
@@ -93,12 +93,12 @@ int readGrid(const std::string &name, std::size_t points, int &read, Take take)
                 take(count, value);
             ++count;
         }
-        showProgress(progress, static_cast<int>(std::min(count, points + 1)));
         if (taken < 3) {
             pauseProgress(progress);
             complain("WARNING: File with 3D Potential may contain line with wrong input format!\nLine:%s\n",
                      std::string(line).c_str());
         }
+        showProgress(progress, static_cast<int>(std::min(count, points + 1)));
     }
     endProgress(progress);
     if (count != points)

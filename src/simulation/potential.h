@@ -16,6 +16,7 @@ struct Potential {
     Block<double> values;                ///< entry i is taken to lie at the distance i * stepsize
     int count = 0;                       ///< entries in use
     double offset = 0.0, stepsize = 0.0; ///< distance of the first line and between two, angstrom
+    bool isTold = false;                 ///< the user knows that charges were out of its reach
 };
 
 /// Reads lines of a distance in nanometres and a potential. An empty name reads nothing: a table without

@@ -133,9 +133,8 @@ TEST(ElectrostaticRun, Rod)
 
     const Ran bare = runProgram(charged({"-pf1"}));
     EXPECT_EQ(bare.status, 0);
-    EXPECT_EQ(
-        countOf(bare.err, "REMARK Charges beyond the distances of the potential table feel no potential.\n"),
-        1);
+    EXPECT_EQ(countOf(bare.err, "REMARK Without a potential table charges beside a rod feel no potential.\n"),
+              1);
     const Ran near = runProgram(charged({"-bic", "-dIFace", "5"}));
     EXPECT_EQ(near.status, 0);
     EXPECT_EQ(countOf(near.err, "WARNING: Molecule too close to LC particel ...\n"
@@ -216,13 +215,17 @@ TEST(ElectrostaticFailures, OneLineAndStatusOne)
         {"no planes", charged({"-3D"}), "trelm: the 3D grid has z planes out of order or out of range"},
         {"no salt", charged({"-nacl", "0"}), "trelm: -nacl 0: "},
         {"no scale", charged({"-pf1", "-kPot", "0"}), "trelm: -kPot 0: "},
+        {"no way to end", charged({"-pf1", "-wv", "1e-20"}), "steps to the next rod.\n"},
+        {"no cell", inGrid(charged({"-massLC", "-1"})), "give no size of the cell"},
+        {"no limit", charged({"-cut", "-100"}), "trelm: -cut -100: "},
         {"no such frame", charged({"-rotID", "4"}), "trelm: -rotID 4: "},
         {"no room for a face", charged({"-pdbRot", "/none/face.pdb"}), "trelm: error in iFacePDB.\n"},
         {"nothing to simulate", charged({"-chSel", "-nopkaDef"}), "simulateAlignment: no atoms selected.\n"},
     };
     for (const RefusedCase &refused : cases) {
         SCOPED_TRACE(refused.why);
-        const Ran ran = runProgram(refused.args, {.files = {{"broken.txt", "0.0 1\n0.1 x\n"}}});
+        const Ran ran =
+            runProgram(refused.args, {.files = {{"broken.txt", "0.0 1\n0.1 x\n"}, {"grid.txt", gridFile()}}});
         EXPECT_EQ(ran.status, 1);
         EXPECT_EQ(countOf(ran.err, refused.line), 1) << ran.err.substr(0, 2000);
     }

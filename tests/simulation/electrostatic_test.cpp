@@ -429,10 +429,10 @@ TEST(PotentialFile, GridBehindItsHeader)
     EXPECT_DOUBLE_EQ(pot3D[1], -7.0);
     EXPECT_DOUBLE_EQ(pot3D[5], 6.0);
     EXPECT_EQ(err, "REMARK Reading values of 3D potential 3 of 6\r"
-                   "REMARK Reading values of 3D potential 5 of 6\r"
                    "WARNING: File with 3D Potential may contain line with wrong input format!\nLine:4 5\n"
-                   "REMARK Reading values of 3D potential 6 of 6\r"
-                   "WARNING: File with 3D Potential may contain line with wrong input format!\nLine:6\n\n");
+                   "REMARK Reading values of 3D potential 5 of 6\r"
+                   "WARNING: File with 3D Potential may contain line with wrong input format!\nLine:6\n"
+                   "REMARK Reading values of 3D potential 6 of 6\r\n");
     CaptureStderr();
     ASSERT_EQ(read3DPotSteric(file.name, info, pot3Dst, read), 0);
     GetCapturedStderr();

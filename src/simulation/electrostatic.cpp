@@ -346,8 +346,11 @@ int simulateRod(const Charged &charged, Grid &grid, Potential &potential, Saupe 
     for (std::size_t i = 0; i < grid.grid_el.size(); ++i)
         addWeighted(saupe, sums.saupe_dis[i], number(grid.grid_el[i]) / radius);
     float total_ph = reportWeights(grid, sums, radius, saupe);
-    for (double v = grid.last() + spacing; v <= beta; v += spacing)
+    double v = grid.last() + spacing; // the free rest, up to the next rod
+    while (v <= beta) {
         total_ph = static_cast<float>(number(total_ph) + v / radius * charged.set.count());
+        v += spacing;
+    }
     return divideByWeights(saupe, number(total_ph));
 }
 

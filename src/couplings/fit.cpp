@@ -1,5 +1,7 @@
 #include "couplings/fit.h"
 
+#include "couplings/design.h"
+#include "support/svd.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -122,6 +124,46 @@ void takeRows(DTable &dTab, const Slices &s)
     }
 }
 
+/// The Euler solutions of the table's Saupe vector, if they are asked for.
+void solveEuler(DTensor &tensor)
+{
+    if (tensor.eulerFlag == 0)
+        return;
+    RotationLists lists;
+    tensor.eulerCount = saupe2euler(tensor.saupe, lists, tensor.eigVal, tensor.da, tensor.dr);
+    tensor.psiList = lists.psi;
+    tensor.thetaList = lists.theta;
+    tensor.phiList = lists.phi;
+}
+
+/// The couplings of a tensor into the rows, as findD and takeRows.
+void calculateRows(const RepeatedFit &fit, const std::array<float, 5> &saupe, DTable &dTab)
+{
+    std::size_t k = 0;
+    for (std::size_t row = 0; row < dTab.calculated().size(); ++row) {
+        DInfo &calc = dTab.dCalcList[row];
+        calc.d = noCoupling;
+        if (k == fit.rows.size() || fit.rows[k] != static_cast<int>(row))
+            continue;
+        calc.d = 0.0f;
+        for (; k < fit.rows.size() && fit.rows[k] == static_cast<int>(row); ++k) {
+            float sum = 0.0f;
+            for (std::size_t j = 0; j < saupe.size(); ++j)
+                sum += fit.entries[k].terms[j] * saupe[j];
+            calc.d += sum * fit.entries[k].scale;
+        }
+    }
+}
+
+/// Couplings, errors or a tensor near the end of the range of single precision: no result is worth writing.
+int checkTensor(const DTensor &tensor, int used)
+{
+    if (std::ranges::all_of(tensor.saupe, [](float element) { return std::isfinite(element); }))
+        return used;
+    complain("DC Error: the order matrix is no finite number: look at D, DD, W and the tensor options.\n");
+    return -1;
+}
+
 } // namespace
 
 int fitD(PDBInfo *pdbInfo, DTable *dTab, int verbose)
@@ -145,14 +187,7 @@ int fitD(PDBInfo *pdbInfo, DTable *dTab, int verbose)
     default:
         break;
     }
-    // Couplings, errors or a tensor near the end of the range of single precision: no result is worth
-    // writing.
-    if (!std::ranges::all_of(dTab->dTensor.saupe, [](float element) { return std::isfinite(element); })) {
-        complain(
-            "DC Error: the order matrix is no finite number: look at D, DD, W and the tensor options.\n");
-        return -1;
-    }
-    return used;
+    return checkTensor(dTab->dTensor, used);
 }
 
 int fitDSVD(PDBInfo *, DTable *dTab, int)
@@ -172,15 +207,52 @@ int fitDSVD(PDBInfo *, DTable *dTab, int)
         filled.entries >= minCouplings)
         return -1;
     findD(firstEntries(slices, slices.diBack, filled.entries), tensor.saupe, tensor.dSaupe);
-    if (tensor.eulerFlag != 0) {
-        RotationLists lists;
-        tensor.eulerCount = saupe2euler(tensor.saupe, lists, tensor.eigVal, tensor.da, tensor.dr);
-        tensor.psiList = lists.psi;
-        tensor.thetaList = lists.theta;
-        tensor.phiList = lists.phi;
-    }
+    solveEuler(tensor);
     takeRows(*dTab, slices);
     return filled.rows;
+}
+
+void prepareRepeatedFit(DTable &dTab, RepeatedFit &fit)
+{
+    fit = RepeatedFit{};
+    Slices slices;
+    if (dTab.dTensor.tensorMode != 1 || !cutWork(dTab, slices))
+        return;
+    const Filled filled = putRows(dTab, slices);
+    const std::size_t count = filled.entries;
+    fit.used = filled.rows;
+    const FitVectors vectors = firstEntries(slices, slices.diFit, count);
+    for (std::size_t k = 0; k < count; ++k) {
+        const RowScale scale = rowScale(vectors, k);
+        const SaupeValues terms = geometryTerms(vectors, k);
+        fit.entries.push_back({terms, scale.coupling, std::fabs(slices.diBack[k])});
+        for (const float term : terms)
+            fit.x.push_back(scale.design * term);
+    }
+    for (int row = 0; row < dTab.dCount; ++row) {
+        const DInfo &calc = dTab.dCalcList[static_cast<std::size_t>(row)];
+        if (takesPart(calc) && fit.rows.size() + entryCount(calc) <= slices.d.size())
+            fit.rows.insert(fit.rows.end(), entryCount(calc), row);
+    }
+    fit.y.resize(count);
+    fit.dSaupe = dTab.dTensor.dSaupe;
+    fit.isUsable = count >= minCouplings;
+}
+
+int refitD(RepeatedFit &fit, PDBInfo *pdbInfo, DTable *dTab, int verbose)
+{
+    if (!fit.isUsable)
+        return fitD(pdbInfo, dTab, verbose);
+    DTensor &tensor = dTab->dTensor;
+    for (std::size_t k = 0; k < fit.entries.size(); ++k)
+        fit.y[k] = fit.entries[k].toFit * dTab->dObsList[static_cast<std::size_t>(fit.rows[k])].d;
+    if (svdLSMat(fit.x, fit.y, static_cast<int>(fit.y.size()), static_cast<int>(saupeCount), tensor.saupe, {},
+                 1) != 0)
+        return -1;
+    tensor.dSaupe = fit.dSaupe;
+    solveEuler(tensor);
+    calculateRows(fit, tensor.saupe, *dTab);
+    return checkTensor(tensor, fit.used);
 }
 
 } // namespace trelm

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <span>
+#include <vector>
 
 namespace trelm {
 
@@ -40,6 +41,28 @@ int saupe2euler(const std::array<float, 5> &saupe, RotationLists &lists, std::ar
 
 /// The Saupe vector of a rotation (degrees) and a magnitude.
 void euler2saupe(std::array<float, 5> &saupe, float psi, float theta, float phi, float da, float dr);
+
+/// Linear fits of one table whose measured couplings change and nothing else: what atoms, errors and weights
+/// give is kept from the first fit on.
+struct RepeatedFit {
+    struct Entry {
+        std::array<float, 5> terms; ///< coupling of the vector per interaction constant, by Saupe element
+        float toFit;                ///< what the measured coupling is multiplied by
+        float scale;                ///< size of the interaction constant, Hz
+    };
+    std::vector<Entry> entries;
+    std::vector<int> rows;       ///< row of the table of each entry; rows rise
+    std::vector<float> x, y;     ///< weighted design matrix and right-hand side
+    std::array<float, 5> dSaupe; ///< of the first fit; couplings do not change it
+    int used = 0;                ///< rows that take part
+    bool isUsable = false;       ///< the table is one for linear fits
+};
+
+/// Takes over from a table that fitD has just fitted.
+void prepareRepeatedFit(DTable &dTab, RepeatedFit &fit);
+
+/// As fitD, to the bit.
+int refitD(RepeatedFit &fit, PDBInfo *pdbInfo, DTable *dTab, int verbose);
 
 /// Workspaces of the fits.
 void dipolarNull();

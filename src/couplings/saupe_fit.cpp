@@ -1,4 +1,5 @@
 // The linear engine: a Saupe vector from couplings, couplings from a Saupe vector, and its Euler angles.
+#include "couplings/design.h"
 #include "couplings/fit.h"
 
 #include "driver/alloc.h"
@@ -12,8 +13,6 @@
 namespace trelm {
 namespace {
 
-constexpr std::size_t saupeCount = 5;
-
 /// The arrays of a fit; they stay from fit to fit.
 struct Workspace {
     Block<float> xWork, yWork; ///< design matrix and right-hand side
@@ -22,10 +21,18 @@ struct Workspace {
 
 Workspace workspace;
 
-using SaupeValues = std::array<float, saupeCount>;
+/// Writes row k of the weighted design matrix and right-hand side.
+void designRow(const FitVectors &vectors, std::size_t k)
+{
+    const RowScale scale = rowScale(vectors, k);
+    const SaupeValues terms = geometryTerms(vectors, k);
+    for (std::size_t j = 0; j < saupeCount; ++j)
+        workspace.xWork[k * saupeCount + j] = scale.design * terms[j];
+    workspace.yWork[k] = scale.coupling * vectors.dVal[k];
+}
 
-/// The coefficients of the Saupe vector in the coupling of entry k, per interaction constant. Two atoms at
-/// one place have (-1/2, 0, 0, 0, 0).
+} // namespace
+
 SaupeValues geometryTerms(const FitVectors &vectors, std::size_t k)
 {
     const float xIJ = vectors.xJ[k] - vectors.xI[k];
@@ -37,21 +44,14 @@ SaupeValues geometryTerms(const FitVectors &vectors, std::size_t k)
     return {(3.0f * z * z - 1.0f) / 2.0f, (x * x - y * y) / 2.0f, 2.0f * x * y, 2.0f * x * z, 2.0f * y * z};
 }
 
-/// Writes row k of the weighted design matrix and right-hand side. The weight makes the errors of all rows
-/// equal on the scale of the order matrix.
-void designRow(const FitVectors &vectors, std::size_t k)
+RowScale rowScale(const FitVectors &vectors, std::size_t k)
 {
     const float di = vectors.diVal[k];
     const float a = di != 0.0f ? 1.0f / std::fabs(di) : 0.0f;
     const float spread = a * vectors.dSigma[k];
     const float wgt = spread != 0.0f ? 1.0f / spread : 1.0f;
-    const SaupeValues terms = geometryTerms(vectors, k);
-    for (std::size_t j = 0; j < saupeCount; ++j)
-        workspace.xWork[k * saupeCount + j] = wgt * terms[j];
-    workspace.yWork[k] = wgt * a * vectors.dVal[k];
+    return {wgt, wgt * a};
 }
-
-} // namespace
 
 void dipolarNull()
 {

@@ -1,6 +1,8 @@
 #include "driver/inputs.h"
+#include "driver/mappings.h"
 #include "driver/simulate.h"
 #include "driver/simulate_ensemble.h"
+#include "driver/simulate_noise.h"
 #include "errors/fit_statistics.h"
 #include "support/text.h"
 
@@ -38,8 +40,8 @@ int bestFitSingle(Run &run)
 }
 
 constexpr SpreadRow spreadRows[] = {
-    {0, "-single", bestFitSingle}, {1, "-jack", nullptr}, {2, "-mcDc", nullptr},
-    {3, "-mcStruc", nullptr},      {4, "-rand", nullptr}, {5, "-exhaust", nullptr},
+    {0, "-single", bestFitSingle},       {1, "-jack", mapJackknife}, {2, "-mcDc", mapCouplingNoise},
+    {3, "-mcStruc", mapStructuralNoise}, {4, "-rand", nullptr},      {5, "-exhaust", nullptr},
     {6, "-exhaustSel", nullptr},
 };
 
@@ -70,7 +72,7 @@ constexpr ModeRow modeRows[] = {
     {13, "-anDc", false, nullptr},
     {14, "-anA", false, nullptr},
     {15, "-anPdb", true, analyzeStructure},
-    {16, "-struc", true, nullptr},
+    {16, "-struc", true, addStructureNoise},
     {17, "-conv", false, nullptr},
 };
 

@@ -49,7 +49,7 @@ T tangent(T element, T difference, T g)
 
 /// Clears the element (p, q) by a rotation; r is the third axis.
 template <class T>
-void rotate(Rotating<T> &m, std::size_t p, std::size_t q, T g)
+inline void rotate(Rotating<T> &m, std::size_t p, std::size_t q, T g)
 {
     T &element = m.a[at(p, q)];
     const T t = tangent<T>(element, m.d[q] - m.d[p], g);
@@ -74,8 +74,7 @@ void rotate(Rotating<T> &m, std::size_t p, std::size_t q, T g)
 template <class T>
 void sweepOnce(Rotating<T> &m, int sweep, T threshold)
 {
-    constexpr std::pair<std::size_t, std::size_t> pairs[] = {{0, 1}, {0, 2}, {1, 2}};
-    for (const auto &[p, q] : pairs) {
+    const auto visit = [&](std::size_t p, std::size_t q) {
         const T size = std::fabs(m.a[at(p, q)]);
         const T g = T{100} * size;
         const auto hides = [g](T value) { return std::fabs(value) + g == std::fabs(value); };
@@ -83,7 +82,10 @@ void sweepOnce(Rotating<T> &m, int sweep, T threshold)
             m.a[at(p, q)] = T{0};
         else if (size > threshold)
             rotate(m, p, q, g);
-    }
+    };
+    visit(0, 1); // one by one: with places that are known the matrix stays in registers
+    visit(0, 2);
+    visit(1, 2);
 }
 
 /// Cyclic Jacobi rotations. Source: Rutishauser, Numer. Math. 9 (1966) 1. Returns 1 after 50 sweeps.

@@ -10,7 +10,7 @@ namespace trelm {
 
 namespace {
 
-/// TT800: the state words and the place of the next one to be read.
+/// TT800: the state words, the deviates they give, and the place of the next one to be read.
 struct Tt800 {
     static constexpr std::size_t words = 25, offset = 7;
     std::array<std::uint32_t, words> x = {0x95f24dabU, 0x0b685215U, 0xe76ccae7U, 0xaf3ec239U, 0x715fad23U,
@@ -18,7 +18,9 @@ struct Tt800 {
                                           0xc1de75b7U, 0x8858a9c9U, 0x2da87693U, 0xb657f9ddU, 0xffdc8a9fU,
                                           0x8121da71U, 0x8b823ecbU, 0x885d05f5U, 0x4e20cd47U, 0x5a9ad5d9U,
                                           0x512c0c03U, 0xea857ccdU, 0x4cc1d30fU, 0x8891a8a1U, 0xa6b7aadbU};
-    std::size_t next = 0;
+    std::array<double, words> deviate = {};
+    std::size_t next = words;
+    bool isFirst = true; ///< the words that the process starts with are read before they are renewed
 };
 
 /// The second deviate of the last pair.
@@ -56,11 +58,40 @@ Generators state;
 void renew(Tt800 &g)
 {
     constexpr std::uint32_t twist = 0x8ebfd028U;
-    for (std::size_t i = 0; i < Tt800::words; ++i) {
+    const auto renewed = [&g](std::size_t i, std::size_t other) {
         const std::uint32_t word = g.x[i];
-        g.x[i] = g.x[(i + Tt800::offset) % Tt800::words] ^ (word >> 1) ^ ((word & 1U) != 0 ? twist : 0U);
+        return g.x[other] ^ (word >> 1) ^
+               ((0U - (word & 1U)) & twist); // a branch would be missed half the time
+    };
+    constexpr std::size_t wrap = Tt800::words - Tt800::offset;
+    for (std::size_t i = 0; i < wrap; ++i)
+        g.x[i] = renewed(i, i + Tt800::offset);
+    for (std::size_t i = wrap; i < Tt800::words; ++i)
+        g.x[i] = renewed(i, i - wrap);
+}
+
+/// The deviates of all words at once, which go in vectors.
+void temper(Tt800 &g)
+{
+    for (std::size_t i = 0; i < Tt800::words; ++i) {
+        std::uint32_t y = g.x[i];
+        y ^= (y << 7) & 0x2b5b2500U;
+        y ^= (y << 15) & 0xdb8b0000U;
+        y ^= y >> 16;
+        g.deviate[i] = y / 4294967295.0;
     }
     g.next = 0;
+}
+
+inline double nextDeviate(Tt800 &g)
+{
+    if (g.next == Tt800::words) {
+        if (!g.isFirst)
+            renew(g);
+        g.isFirst = false;
+        temper(g);
+    }
+    return g.deviate[g.next++];
 }
 
 constexpr int parkMillerModulus = 2147483647;
@@ -121,14 +152,7 @@ void fillSubtractive(SubtractiveTable &table, int seed)
 
 double genrand()
 {
-    Tt800 &g = state.tt800;
-    if (g.next == Tt800::words)
-        renew(g);
-    std::uint32_t y = g.x[g.next++];
-    y ^= (y << 7) & 0x2b5b2500U;
-    y ^= (y << 15) & 0xdb8b0000U;
-    y ^= y >> 16;
-    return y / 4294967295.0;
+    return nextDeviate(state.tt800);
 }
 
 double gauss()
@@ -140,8 +164,8 @@ double gauss()
     }
     double v1 = 0.0, v2 = 0.0, r = 0.0;
     do {
-        v1 = 2.0 * genrand() - 1.0;
-        v2 = 2.0 * genrand() - 1.0;
+        v1 = 2.0 * nextDeviate(state.tt800) - 1.0;
+        v2 = 2.0 * nextDeviate(state.tt800) - 1.0;
         r = v1 * v1 + v2 * v2;
     } while (r >= 1.0 || r == 0.0);
     const double f = std::sqrt(-2.0 * std::log(r) / r);

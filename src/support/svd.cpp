@@ -1,6 +1,7 @@
 #include "support/svd.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstring>
@@ -325,25 +326,44 @@ void covariance(std::span<float> covar)
         }
 }
 
+/// tmp = u^T rhs. The sums of all columns go side by side, so that they do not wait for each other; a fixed
+/// number of columns stays in registers.
+template <int columns>
+void projectFixed(const float *u, std::span<const float> rhs, float *tmp)
+{
+    std::array<float, columns> sums = {};
+    for (const float value : rhs) {
+        for (int j = 0; j < columns; ++j)
+            sums[static_cast<std::size_t>(j)] += u[j] * value;
+        u += columns;
+    }
+    std::ranges::copy(sums, tmp);
+}
+
+void project(const View &u, std::span<const float> rhs, float *tmp)
+{
+    if (u.columns == 5) // a Saupe vector
+        return projectFixed<5>(u.data, rhs, tmp);
+    std::fill_n(tmp, u.columns, 0.0f);
+    for (int i = 0; i < u.rows; ++i)
+        for (int j = 0; j < u.columns; ++j)
+            tmp[j] += u(i, j) * rhs[static_cast<std::size_t>(i)];
+}
+
 void backSubstitute(std::span<float> coef)
 {
     const int n = cache.lastOrder;
     const View u{cache.u.data(), cache.lastLength, n}, v{cache.v.data(), n, n};
-    const float *rhs = cache.rhs.data(), *w = cache.w.data();
+    const float *w = cache.w.data();
     float *tmp = cache.tmp.data();
-    for (int j = 0; j < n; ++j) {
-        tmp[j] = 0.0f;
-        if (w[j] == 0.0f)
-            continue;
-        for (int i = 0; i < u.rows; ++i)
-            tmp[j] += u(i, j) * rhs[i];
-        tmp[j] /= w[j];
-    }
+    project(u, cache.rhs.span(), tmp);
+    for (int j = 0; j < n; ++j)
+        tmp[j] = w[j] != 0.0f ? tmp[j] / w[j] : 0.0f;
     for (int i = 0; i < n; ++i) {
         float sum = 0.0f;
         for (int j = 0; j < n; ++j)
             sum += v(i, j) * tmp[j];
-        coef[i] = sum;
+        coef[static_cast<std::size_t>(i)] = sum;
     }
 }
 

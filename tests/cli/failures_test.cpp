@@ -193,6 +193,11 @@ TEST(Failures, EveryRequestForMemoryMayFail)
 {
     std::vector<std::string> args = fitOf(example("1d3z_model1.pdb"), example("bicelle_hn.tab"));
     walkRequests(args);
+    for (const char *kind : {"-mcDc", "-mcStruc", "-jack"}) {
+        args.insert(args.end(), {kind, "-map", "3", "-nAdjustMc", "5", "-nCone", "2"});
+        walkRequests(args);
+        args.resize(args.size() - 7);
+    }
     args[0] = "-stTrelm";
     args.insert(args.end(), {"-dot", "12"});
     walkRequests(args);
@@ -207,13 +212,13 @@ TEST(Failures, EveryRequestForMemoryMayFail)
 
 TEST(Failures, ModesThatAreNotBuiltSaySo)
 {
-    for (const char *flag : {"-daHist", "-daFlex", "-daMl", "-anA", "-anDc", "-conv", "-struc"}) {
+    for (const char *flag : {"-daHist", "-daFlex", "-daMl", "-anA", "-anDc", "-conv"}) {
         const Ran ran = runProgram({flag});
         EXPECT_EQ(ran.status, 1);
         EXPECT_EQ(countOf(ran.err, std::string("trelm: the mode ") + flag + " is not built yet.\n"), 1)
             << ran.err;
     }
-    for (const char *kind : {"-jack", "-mcDc", "-mcStruc", "-rand", "-exhaust", "-exhaustSel"}) {
+    for (const char *kind : {"-rand", "-exhaust", "-exhaustSel"}) {
         const Ran ran = runProgram({"-bestFit", kind});
         EXPECT_EQ(ran.status, 1);
         EXPECT_EQ(countOf(ran.err, std::string("trelm: the mode ") + kind + " is not built yet.\n"), 1);

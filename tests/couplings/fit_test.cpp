@@ -64,6 +64,45 @@ TEST(FitD, EvaluatesOnceWhereAllIsFixed)
     EXPECT_NEAR(tensor.dr, -1.0e-4f, 1.0e-8f);
 }
 
+TEST(FitD, RepeatedFitsHaveTheSameBits)
+{
+    // Rows of one, two, three and six pairs, of weight 0, and out of use.
+    Prepared kept("bicelle_backbone.tab"), plain("bicelle_backbone.tab");
+    for (Prepared *p : {&kept, &plain})
+        for (std::size_t i = 0; i < 40; ++i) {
+            DInfo &row = p->table.dCalcList[i];
+            const auto atomsI = static_cast<int>(i % 4);
+            for (int a = 1; a < atomsI; ++a)
+                row.atomI[static_cast<std::size_t>(a)] = p->table.dCalcList[i + 50].atomI[0];
+            row.atomICount = std::max(1, atomsI);
+            if (i % 8 == 0) {
+                row.atomJ[1] = p->table.dCalcList[i + 60].atomJ[0];
+                row.atomJCount = 2;
+            }
+            row.w = i % 11 == 0 ? 0.0f : row.w;
+            row.valid = i % 13 == 0 ? 0 : 1;
+        }
+    ASSERT_GT(fitD(&kept.pdb, &kept.table, 0), 200);
+    RepeatedFit fit;
+    prepareRepeatedFit(kept.table, fit);
+    ASSERT_TRUE(fit.isUsable);
+    std::mt19937 engine(3);
+    std::normal_distribution<float> noise;
+    for (int sample = 0; sample < 5; ++sample) {
+        for (std::size_t i = 0; i < static_cast<std::size_t>(kept.table.dCount); ++i)
+            kept.table.dObsList[i].d = plain.table.dObsList[i].d += noise(engine);
+        EXPECT_EQ(refitD(fit, &kept.pdb, &kept.table, 0), fitD(&plain.pdb, &plain.table, 0));
+        EXPECT_EQ(kept.table.dTensor.saupe, plain.table.dTensor.saupe);
+        EXPECT_EQ(kept.table.dTensor.dSaupe, plain.table.dTensor.dSaupe);
+        EXPECT_EQ(kept.table.dTensor.phiList, plain.table.dTensor.phiList);
+        for (std::size_t i = 0; i < static_cast<std::size_t>(kept.table.dCount); ++i)
+            EXPECT_EQ(kept.table.dCalcList[i].d, plain.table.dCalcList[i].d) << i;
+    }
+    kept.table.dTensor.tensorMode = 3; // not a linear fit: fitD itself
+    prepareRepeatedFit(kept.table, fit);
+    EXPECT_FALSE(fit.isUsable);
+}
+
 TEST(FitD, LeavesZeroAnglesWithFewerCouplingsThanParameters)
 {
     Prepared p("bicelle_hn.tab");

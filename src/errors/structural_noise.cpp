@@ -1,0 +1,258 @@
+#include "errors/structural_noise.h"
+
+#include "couplings/fit.h"
+#include "couplings/output.h"
+#include "couplings/statistics.h"
+#include "structure/write.h"
+#include "support/progress.h"
+#include "support/text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <vector>
+
+namespace trelm {
+namespace {
+
+constexpr int fewestCouplings = 5;
+constexpr float widestCone = 90.0f; ///< degrees: the search ends there
+
+double number(float value)
+{
+    return static_cast<double>(value);
+}
+
+/// An atom of a coupling, and where it was.
+struct SavedAtom {
+    AtomInfo *atom;
+    Coord3D place;
+};
+
+struct NoiseRun {
+    MappingSetup setup;
+    const ResidueOffset &offset;
+    DTensor tInfo;                           ///< the tensor before the fits
+    float rSumOrig = 0.0f;                   ///< misfit of the measured couplings, Hz
+    int nD = 0;                              ///< couplings behind it
+    int idum = -1;                           ///< the draws do not follow the seed of the run
+    std::vector<DInfo> observed, calculated; ///< the rows before the sampling
+    std::vector<int> dCalcValid;
+    std::vector<SavedAtom> atoms;
+    TensorSamples samples;
+    SampleOutputs outputs;
+
+    [[nodiscard]] DTable &dTab() const { return *setup.dTab; }
+    [[nodiscard]] TrelmInfo &info() const { return *setup.trelmInfo; }
+};
+
+void saveAtoms(NoiseRun &run, std::span<AtomInfo *const> atoms)
+{
+    for (AtomInfo *atom : atoms)
+        run.atoms.push_back({atom, {atom->x, atom->y, atom->z}});
+}
+
+/// Keeps rows and atoms; from here on the calculated couplings stand for the measured ones.
+void keepState(NoiseRun &run)
+{
+    run.observed.assign(run.dTab().observed().begin(), run.dTab().observed().end());
+    run.calculated.assign(run.dTab().calculated().begin(), run.dTab().calculated().end());
+    for (const DInfo &row : run.calculated) {
+        run.dCalcValid.push_back(row.valid);
+        saveAtoms(run, row.atomsI());
+        saveAtoms(run, row.atomsJ());
+    }
+    for (std::size_t i = 0; i < run.observed.size(); ++i) {
+        run.dTab().dObsList[i].d = run.calculated[i].d;
+        run.dTab().dObsList[i].valid = run.calculated[i].valid;
+    }
+}
+
+/// Structure and calculated rows as they were. Internuclear vectors move the atoms of the couplings alone.
+int restoreStructure(NoiseRun &run)
+{
+    if (run.info().noiseMode == 0 && restorePDBCoords(run.setup.pdbInfo) != 0)
+        return complain("trelm: error in storePDBCoords.\n");
+    for (const SavedAtom &saved : run.atoms) {
+        saved.atom->x = saved.place.x;
+        saved.atom->y = saved.place.y;
+        saved.atom->z = saved.place.z;
+    }
+    // A row whose atoms were not found again is missing from that one copy alone.
+    std::ranges::copy(run.calculated, run.dTab().dCalcList.data());
+    return 0;
+}
+
+void addNoise(NoiseRun &run)
+{
+    const ConeSetup cone = coneOf(run.info());
+    if (run.info().noiseMode != 0)
+        addPdbNoise(run.setup.pdbInfo, run.setup.dTab, cone, offsetOf(run.offset), run.dCalcValid, &run.idum);
+    else
+        addPhiPsiNoise(&run.idum, run.setup.pdbInfo, run.setup.dTab, cone, run.offset,
+                       run.info().allowFixedDI);
+}
+
+/// A fit to a fresh copy of the structure with noise of the width in use. Returns 0, or 1 after a message.
+int fitNoisy(NoiseRun &run)
+{
+    dTensorCopy(run.dTab().dTensor, run.tInfo);
+    if (restoreStructure(run) != 0)
+        return 1;
+    if (run.info().coneWidth > 0.0)
+        addNoise(run);
+    return fitD(run.setup.pdbInfo, run.setup.dTab, run.setup.verbose) < 0 ? 1 : 0;
+}
+
+/// The mean misfit of fits with the width in use; stays as it was without one. Returns 0, or 1 after a
+/// message.
+int meanMisfit(NoiseRun &run, double &rSumAve)
+{
+    double rSumDsum = 0.0;
+    int count = 0;
+    for (int n = 0; n < run.info().nConeAdjust; ++n) {
+        if (fitNoisy(run) != 0)
+            return 1;
+        if (isWithoutTensor(run.dTab()))
+            continue;
+        float rSum = 0.0f, pSum = 0.0f;
+        int nD = 0;
+        getStatDC(run.dTab().observed(), run.dTab().calculated(), rSum, pSum, nD);
+        rSumDsum += number(rSum);
+        ++count;
+    }
+    if (count != 0)
+        rSumAve = rSumDsum / count;
+    return 0;
+}
+
+/// Finds the widest noise that does not misfit more than the measured couplings do.
+int adjustCone(NoiseRun &run)
+{
+    TrelmInfo &info = run.info();
+    const double step = number(info.nConeInc), target = number(run.rSumOrig);
+    std::printf("REMARK Adjusting amount of structural noise ...\n");
+    info.coneWidth = number(info.nConeStart);
+    double rSumAve = 0.0, rSumAveOld = 0.0;
+    while (info.coneWidth < number(widestCone)) {
+        rSumAveOld = rSumAve;
+        if (meanMisfit(run, rSumAve) != 0)
+            return 1;
+        info.coneWidth += step;
+        if (rSumAve > target)
+            break;
+    }
+    info.coneWidth -= rSumAve > target ? 2.0 * step : step;
+    std::printf("REMARK Amount of structural noise automatically determined.\n");
+    std::printf("REMARK Width of Gaussian cone %.2f degree and %.3f Hz DC Rms.\n", info.coneWidth,
+                rSumAveOld);
+    return 0;
+}
+
+/// Whether the search can end. Returns 0, or 1 after one line that names the option.
+int checkSearch(const TrelmInfo &info)
+{
+    if (!(info.nConeInc > 0.0f) || !std::isfinite(info.nConeInc))
+        return complain("trelm: -incCone %g: the step of the cone must be positive.\n",
+                        number(info.nConeInc));
+    if (!(info.nConeStart >= 0.0f))
+        return complain("trelm: -lCone %g: the first cone must not be negative.\n", number(info.nConeStart));
+    const bool isNarrow = info.nConeStart > 0.0f && number(info.nConeStart) < minConeWidth;
+    if (info.coneFix == 0 && (isNarrow || number(info.nConeInc) < minConeWidth))
+        return complain("trelm: -lCone %g, -incCone %g: a cone is %g degrees wide at least.\n",
+                        number(info.nConeStart), number(info.nConeInc), minConeWidth);
+    return 0;
+}
+
+int setCone(NoiseRun &run)
+{
+    TrelmInfo &info = run.info();
+    if (info.nConeFlag == 0 || info.validCountD < fewestCouplings || run.nD < fewestCouplings) {
+        std::printf("REMARK Amount of structural noise by user specified.\n");
+        std::printf("REMARK Width of Gaussian cone %.2f degree.\n", info.coneWidth);
+    } else if (checkSearch(info) != 0 || adjustCone(run) != 0) {
+        return 1;
+    }
+    if (info.validCountD < fewestCouplings || run.nD < fewestCouplings)
+        return complain("TRELM Error: Only %d couplings available. Exiting ....\n", run.nD);
+    if (info.coneWidth <= 0.0) {
+        run.setup.mapCount = 1; // without noise one sample says all
+        info.coneWidth = 0.0;
+    }
+    return 0;
+}
+
+int sampleStructures(NoiseRun &run)
+{
+    writeOut(run.outputs.da, "# SVD_ID    Aa         R\n\n");
+    Progress progress = startProgress("REMARK Sampled ", run.setup.mapCount);
+    for (int n = 1; n <= run.setup.mapCount; ++n) {
+        showProgress(progress, n);
+        if (fitNoisy(run) != 0)
+            return 1;
+        if (!isWithoutTensor(run.dTab()) && takeSample(run.samples, run.setup, n, run.outputs) != 0)
+            return 1;
+    }
+    endProgress(progress);
+    std::printf("REMARK %d SVD runs of %d succesful.\n", run.samples.count, run.setup.mapCount);
+    return 0;
+}
+
+int restoreState(NoiseRun &run)
+{
+    std::ranges::copy(run.observed, run.dTab().dObsList.data());
+    return restoreStructure(run);
+}
+
+/// The fit that is mapped.
+int fitMeasured(NoiseRun &run)
+{
+    dTensorNull(&run.tInfo);
+    dTensorCopy(run.tInfo, run.dTab().dTensor);
+    if (fitD(run.setup.pdbInfo, run.setup.dTab, run.setup.verbose) < 0)
+        return 1;
+    run.samples.orig = eulerSolution(run.dTab().dTensor, 0);
+    float pSumOrig = 0.0f;
+    getStatDC(run.dTab().observed(), run.dTab().calculated(), run.rSumOrig, pSumOrig, run.nD);
+    return 0;
+}
+
+/// The mapping, once there are couplings to map.
+int mapNoise(NoiseRun &run)
+{
+    if (storePDBCoords(run.setup.pdbInfo) != 0)
+        return complain("trelm: error in storePDBCoords.\n");
+    keepState(run);
+    std::printf("REMARK Experimental DC and structure have %.3f Hz DC Rms.\n", number(run.rSumOrig));
+    if (setCone(run) != 0 || sampleStructures(run) != 0)
+        return 1;
+    averageSamples(run.samples);
+    if (restoreState(run) != 0 || comparePass(run.samples, run.setup, mappingWords, run.outputs) != 0)
+        return 1;
+    const int status = reportMeanTensor(run.samples, run.setup);
+    const int closed = closeOutputs(run.outputs);
+    return status != 0 ? status : closed;
+}
+
+} // namespace
+
+int noiseStrucSimDC(const MappingSetup &setup, const ResidueOffset &offset)
+{
+    if (checkCone(*setup.trelmInfo) != 0)
+        return 1;
+    NoiseRun run = {.setup = setup,
+                    .offset = offset,
+                    .tInfo = {},
+                    .observed = {},
+                    .calculated = {},
+                    .dCalcValid = {},
+                    .atoms = {},
+                    .samples = {},
+                    .outputs = {}};
+    if (makeSamples(run.samples) != 0 || openOutputs(setup.files, mappingWords, run.outputs) != 0 ||
+        fitMeasured(run) != 0)
+        return 1;
+    return run.nD == 0 ? 0 : mapNoise(run);
+}
+
+} // namespace trelm

@@ -1,0 +1,274 @@
+#include "errors/structure_noise.h"
+
+#include "couplings/output.h"
+#include "structure/backbone.h"
+#include "support/random.h"
+#include "support/text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <string_view>
+
+namespace trelm {
+namespace {
+
+// The digits decide the last places of every noisy coordinate.
+constexpr double pi = 3.14159265;
+constexpr double halfPi = 1.570796325;
+
+using Vector = std::array<float, 3>;
+
+int clampToInt(std::int64_t value)
+{
+    return static_cast<int>(
+        std::clamp<std::int64_t>(value, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
+}
+
+/// An angle of the cone, radians; below 0 on the other side of the axis. The draws are thinned by the sine:
+/// a ring around the axis holds places in proportion to it.
+double drawAngle(int *idum, const ConeSetup &cone)
+{
+    if (cone.coneFix != 0)
+        return cone.coneWidth * pi / 180.0;
+    double gamma = 0.0, u = 0.0;
+    do {
+        gamma = gauss() * cone.coneWidth * pi / 180.0;
+        u = static_cast<double>(ran1(idum));
+    } while (std::sin(std::fabs(gamma)) <= u);
+    return gamma;
+}
+
+/// One side of a coupling: how its atoms are looked up, and those that were found.
+struct RowSide {
+    std::int64_t resID;
+    std::string_view atomName, chainName, segName;
+    std::array<AtomInfo *, maxPairAtoms> &atoms;
+    int &count;
+
+    [[nodiscard]] std::span<AtomInfo *const> found() const
+    {
+        return {atoms.data(), static_cast<std::size_t>(count)};
+    }
+};
+
+/// Both sides of a row. The names and numbers are those of the table: the calculated row has its number
+/// shifted already.
+struct RowSides {
+    RowSide i, j;
+};
+
+RowSides sidesOf(const PDBInfo &pdbInfo, DTable &dTab, std::size_t row, int aOff)
+{
+    const DInfo &obs = dTab.dObsList[row];
+    DInfo &calc = dTab.dCalcList[row];
+    const auto chain = [&](const Name &own) {
+        return (dTab.nullChainName != 0 ? pdbInfo.defChainName : own).view();
+    };
+    const auto segment = [&](const Name &own) {
+        return (dTab.nullSegName != 0 ? pdbInfo.defSegName : own).view();
+    };
+    return {{std::int64_t{obs.resIDI} + aOff, obs.atomNameI.view(), chain(obs.chainNameI),
+             segment(obs.segNameI), calc.atomI, calc.atomICount},
+            {std::int64_t{obs.resIDJ} + aOff, obs.atomNameJ.view(), chain(obs.chainNameJ),
+             segment(obs.segNameJ), calc.atomJ, calc.atomJCount}};
+}
+
+Axis place(const AtomInfo &atom)
+{
+    return {static_cast<double>(atom.x), static_cast<double>(atom.y), static_cast<double>(atom.z)};
+}
+
+Axis mean(std::span<AtomInfo *const> atoms)
+{
+    Axis sum = {};
+    for (const AtomInfo *atom : atoms)
+        for (std::size_t k = 0; k < 3; ++k)
+            sum[k] += place(*atom)[k];
+    for (double &value : sum)
+        value /= static_cast<double>(atoms.size());
+    return sum;
+}
+
+Vector difference(const Axis &to, const Axis &from)
+{
+    return {static_cast<float>(to[0] - from[0]), static_cast<float>(to[1] - from[1]),
+            static_cast<float>(to[2] - from[2])};
+}
+
+/// Puts an atom to `from` plus the vector.
+void moveTo(AtomInfo &atom, const Axis &from, const Vector &vector)
+{
+    atom.x = static_cast<float>(from[0] + static_cast<double>(vector[0]));
+    atom.y = static_cast<float>(from[1] + static_cast<double>(vector[1]));
+    atom.z = static_cast<float>(from[2] + static_cast<double>(vector[2]));
+}
+
+/// Looks the moved side up again. Returns whether it has atoms.
+bool findAgain(PDBInfo *pdbInfo, const RowSide &side)
+{
+    side.count = 0;
+    if (side.resID == clampToInt(side.resID)) {
+        const AtomInfo &moved = *side.atoms[0];
+        side.count = modifyAtomCoorList(pdbInfo, static_cast<int>(side.resID), side.atomName, side.chainName,
+                                        side.segName, side.atoms, moved.x, moved.y, moved.z);
+    }
+    return side.count != 0;
+}
+
+/// Three equivalent atoms and a single one: all three go to one place.
+bool moveGroup(PDBInfo *pdbInfo, const RowSides &sides, const ConeSetup &cone, int *idum)
+{
+    const bool groupIsI = sides.i.count >= sides.j.count;
+    const RowSide &group = groupIsI ? sides.i : sides.j, &single = groupIsI ? sides.j : sides.i;
+    const Axis from = place(*single.atoms[0]);
+    // With the group on the first side the vector points away from it, and the group lands opposite: the
+    // coupling does not see the sign.
+    Vector vector = groupIsI ? difference(from, mean(group.found())) : difference(mean(group.found()), from);
+    addVecNoise(idum, vector, cone);
+    for (AtomInfo *atom : group.found())
+        moveTo(*atom, from, vector);
+    return findAgain(pdbInfo, group);
+}
+
+/// Every pair for itself. The list that is walked is the one found last.
+bool movePairs(PDBInfo *pdbInfo, const RowSides &sides, const ConeSetup &cone, int *idum)
+{
+    for (std::size_t k = 0; k < sides.i.found().size(); ++k)
+        for (std::size_t l = 0; l < sides.j.found().size(); ++l) {
+            const Axis from = place(*sides.i.atoms[k]);
+            AtomInfo &moved = *sides.j.atoms[l];
+            Vector vector = difference(place(moved), from);
+            addVecNoise(idum, vector, cone);
+            moveTo(moved, from, vector);
+            if (!findAgain(pdbInfo, sides.j))
+                return false;
+        }
+    return sides.i.count != 0 && sides.j.count != 0;
+}
+
+/// Draws and sets the two angles of a residue.
+void turnResidue(int *idum, PDBInfo *pdbInfo, const ResInfo &residue, const ConeSetup &cone)
+{
+    const double phiInc = drawAngle(idum, cone);
+    const double psiInc = drawAngle(idum, cone);
+    float phi = 0.0f, psi = 0.0f;
+    getPDBPhiPsi(pdbInfo, residue.resID, residue.chainID.view(), residue.segID.view(), phi, psi);
+    const auto turned = [](float angle, double inc) {
+        return static_cast<float>(static_cast<double>(angle) + inc * 180.0 / pi);
+    };
+    setPDBPhiPsi(pdbInfo, residue.resID, residue.chainID.view(), residue.segID.view(), turned(phi, phiInc),
+                 turned(psi, psiInc));
+}
+
+} // namespace
+
+int offsetOf(const ResidueOffset &offset)
+{
+    return clampToInt(std::int64_t{offset.aFirst} - offset.segFirst);
+}
+
+ConeSetup coneOf(const TrelmInfo &trelmInfo)
+{
+    return {trelmInfo.coneWidth, trelmInfo.coneDig, trelmInfo.coneFix,
+            360.0 / static_cast<double>(trelmInfo.coneDig)};
+}
+
+int checkCone(const TrelmInfo &trelmInfo)
+{
+    const double width = trelmInfo.coneWidth;
+    if (trelmInfo.coneDig < 1)
+        return complain("trelm: -digCone %d: a cone needs at least one position.\n", trelmInfo.coneDig);
+    if (!std::isfinite(width) || width >= 180.0)
+        return complain("trelm: -stdCone %g: an angle below 180 degrees is needed.\n", width);
+    if (width > 0.0 && width < minConeWidth && trelmInfo.coneFix == 0)
+        return complain("trelm: -stdCone %g: a Gaussian cone of less than %g degrees moves no atom.\n", width,
+                        minConeWidth);
+    return 0;
+}
+
+int rotCone(const Axis &A, double w, double Gamma, Axis &r)
+{
+    const double c = std::cos(Gamma), s = std::sin(Gamma);
+    Axis u = {r[0] - c * A[0], r[1] - c * A[1], r[2] - c * A[2]};
+    const auto length = static_cast<float>(std::sqrt(u[0] * u[0] + u[1] * u[1] + u[2] * u[2]));
+    if (length == 0.0f)
+        return 0;
+    for (double &value : u)
+        value /= static_cast<double>(length);
+    const Axis v = {A[1] * u[2] - A[2] * u[1], A[2] * u[0] - A[0] * u[2], A[0] * u[1] - A[1] * u[0]};
+    const double cosW = std::cos(w * pi / 180.0), sinW = std::sin(w * pi / 180.0);
+    for (std::size_t k = 0; k < 3; ++k)
+        r[k] = c * A[k] + s * (cosW * u[k] + sinW * v[k]);
+    return 0;
+}
+
+float addVecNoise(int *idum, Vector &coor, const ConeSetup &cone)
+{
+    const Axis vector = {static_cast<double>(coor[0]), static_cast<double>(coor[1]),
+                         static_cast<double>(coor[2])};
+    const auto length =
+        static_cast<float>(std::sqrt(vector[0] * vector[0] + vector[1] * vector[1] + vector[2] * vector[2]));
+    if (cone.coneWidth <= 0.0)
+        return length;
+    Axis unit = {};
+    if (length != 0.0f)
+        for (std::size_t k = 0; k < 3; ++k)
+            unit[k] =
+                static_cast<double>(static_cast<float>(vector[k] * (1.0 / static_cast<double>(length))));
+    const double phi = std::atan2(unit[1], unit[0]);
+    const double theta = halfPi - std::atan2(unit[2], std::sqrt(unit[0] * unit[0] + unit[1] * unit[1]));
+    const double gamma = drawAngle(idum, cone);
+    const double sine = std::sin(theta - gamma);
+    Axis r = {sine * std::cos(phi), sine * std::sin(phi), std::cos(theta - gamma)};
+    const int k = truncated(ran3(idum) * static_cast<float>(cone.coneDig));
+    rotCone(unit, k * cone.rotInc, gamma, r);
+    for (std::size_t i = 0; i < 3; ++i)
+        coor[i] = static_cast<float>(r[i] * static_cast<double>(length));
+    return length;
+}
+
+int addPhiPsiNoise(int *idum, PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone,
+                   const ResidueOffset &offset, int verbose)
+{
+    if (pdbInfo == nullptr || dTab == nullptr || cone.coneWidth <= 0.0)
+        return 0;
+    const std::int64_t first = std::int64_t{pdbInfo->minResID} - 1;
+    const std::int64_t last = std::int64_t{pdbInfo->maxResID} + 1;
+    for (const ResInfo &residue : pdbInfo->residues())
+        if (residue.resID >= first && residue.resID <= last)
+            turnResidue(idum, pdbInfo, residue, cone);
+    // An empty residue of number 0 closes the list. It has no angles to turn, but its draws are in the
+    // sequence.
+    if (first <= 0 && last >= 0) {
+        drawAngle(idum, cone);
+        drawAngle(idum, cone);
+    }
+    constexpr int inclusiveMax = 3;
+    selectD(dTab->observed(), offset.segFirst, offset.segLast, inclusiveMax);
+    buildDC(pdbInfo, dTab, offsetOf(offset), offset.segFirst, {}, verbose);
+    return 0;
+}
+
+int addPdbNoise(PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone, int aOff,
+                std::span<const int> dCalcValid, int *idum)
+{
+    int moved = 0;
+    for (std::size_t row = 0; row < dTab->calculated().size(); ++row) {
+        if (dCalcValid[row] == 0)
+            continue;
+        constexpr int groupSize = 3;
+        const RowSides sides = sidesOf(*pdbInfo, *dTab, row, aOff);
+        const bool isGroup = sides.i.count * sides.j.count == groupSize;
+        const bool found =
+            isGroup ? moveGroup(pdbInfo, sides, cone, idum) : movePairs(pdbInfo, sides, cone, idum);
+        if (found)
+            ++moved;
+        else
+            dTab->dCalcList[row].valid = 0;
+    }
+    return moved;
+}
+
+} // namespace trelm

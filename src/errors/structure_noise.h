@@ -1,0 +1,65 @@
+// Noise on a structure: on the vectors between coupled atoms, or on the backbone angles.
+//
+// All draws come from the generators of support/random.h, in the order told at each function: the same run
+// gives the same structure. One seed serves ran1 and ran3 in turns.
+#pragma once
+
+#include "couplings/dipolar.h"
+#include "driver/trelm.h"
+#include "structure/pdb.h"
+#include "structure/rotate.h"
+
+#include <array>
+#include <span>
+
+namespace trelm {
+
+/// The narrowest Gaussian cone, degrees. It moves an atom 1 angstrom away by 2e-6 angstrom, less than single
+/// precision tells apart at 32 angstrom from the origin; and the narrower the cone, the more angles are drawn
+/// in vain, about 72 / width of them for each that is taken.
+constexpr double minConeWidth = 0.0001;
+
+/// The cone on which a noisy vector lies around the true one.
+struct ConeSetup {
+    double coneWidth = 5.0; ///< standard deviation of the half angle, degrees; 0 or below: no noise
+    int coneDig = 360;      ///< positions around the cone
+    int coneFix = 0;        ///< 1: coneWidth is the half angle itself
+    double rotInc = 1.0;    ///< degrees from one position to the next
+};
+
+/// Which residue of the structure belongs to the first of the couplings.
+struct ResidueOffset {
+    int aFirst = 0;                ///< number in the structure
+    int segFirst = 0, segLast = 0; ///< numbers in the couplings
+};
+
+/// What has to be added to a coupling's residue number; a sum beyond int becomes its limit.
+int offsetOf(const ResidueOffset &offset);
+
+/// The cone of a run.
+ConeSetup coneOf(const TrelmInfo &trelmInfo);
+
+/// Returns 0, or 1 after a message if no noise can be drawn on the cone of a run.
+int checkCone(const TrelmInfo &trelmInfo);
+
+/// Turns r around the unit vector A, on the cone of half angle Gamma (radians), by w degrees. A vector on the
+/// axis stays as it is. Returns 0.
+int rotCone(const Axis &A, double w, double Gamma, Axis &r);
+
+/// Moves a vector, angstrom, to a random place on its cone; its length is kept. Draws gauss and ran1 in pairs
+/// until an angle is taken (none of them with a fixed cone), then ran3. Returns the length.
+float addVecNoise(int *idum, std::array<float, 3> &coor, const ConeSetup &cone);
+
+/// Turns phi and psi of every residue by random angles, phi drawn first, and builds the calculated rows anew
+/// (`verbose` is their allowFixedDI). Residue after residue along the list: a turn moves all atoms on the
+/// shorter side. Uses up the selection marks. Returns 0.
+int addPhiPsiNoise(int *idum, PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone,
+                   const ResidueOffset &offset, int verbose);
+
+/// Moves the vectors of the rows with a mark in dCalcValid (one for each row). Of a pair the second atom
+/// moves. Three equivalent atoms are moved to one place: their mean stands for them. A row whose atoms are
+/// found no more becomes invalid. Rows that share an atom move it in turns. Returns the number of rows moved.
+int addPdbNoise(PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone, int aOff,
+                std::span<const int> dCalcValid, int *idum);
+
+} // namespace trelm

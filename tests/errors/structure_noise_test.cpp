@@ -1,0 +1,250 @@
+// Noise on a structure: laws, and the order of the draws.
+#include "errors/structure_noise.h"
+
+#include "structure/backbone.h"
+#include "structure/select.h"
+#include "structure/write.h"
+#include "support/random.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <functional>
+#include <limits>
+#include <numeric>
+#include <set>
+#include <vector>
+
+#include <unistd.h>
+
+namespace trelm {
+namespace {
+
+using Vector = std::array<float, 3>;
+constexpr double degree = 3.14159265358979 / 180.0;
+constexpr ConeSetup fixedCone = {10.0, 4, 1, 90.0};
+constexpr ConeSetup gaussCone = {20.0, 360, 0, 1.0};
+
+/// A cone angle as gaussCone has it.
+double takenAngle(int *seed)
+{
+    for (;;) {
+        const double g = gauss() * gaussCone.coneWidth * degree;
+        if (std::sin(std::fabs(g)) > static_cast<double>(ran1(seed)))
+            return g;
+    }
+}
+
+/// Ubiquitin from residue res1 on and a table of these couplings. Generators fresh.
+struct Molecule {
+    PDBInfo pdb;
+    DTable table;
+
+    explicit Molecule(const std::string &rows, int aOff = 0, int res1 = 1)
+    {
+        resetRandom();
+        PDBSelectInfo range;
+        range.selectMode = 2;
+        range.resIDMode = 1;
+        range.res1 = res1;
+        range.resN = 76;
+        pdbSelectAdjust(range);
+        EXPECT_EQ(readPDB(TRELM_EXAMPLES "/ubiquitin/1d3z_model1.pdb", &pdb, &range), 0);
+        const std::string name = ::testing::TempDir() + "structure_noise_" + std::to_string(::getpid());
+        std::ofstream(name) << "VARS RESID_I ATOMNAME_I RESID_J ATOMNAME_J D DD\nFORMAT %d %s %d %s %f %f\n"
+                            << rows;
+        EXPECT_EQ(readDC(name, &table), 0);
+        std::remove(name.c_str());
+        selectD(table.observed(), 1, 200, 3);
+        buildDC(&pdb, &table, aOff, 0, {}, 1);
+    }
+    int move(const ConeSetup &cone, int aOff = 0)
+    {
+        int idum = -1;
+        return addPdbNoise(&pdb, &table, cone, aOff, std::vector(table.observed().size(), 1), &idum);
+    }
+    Vector at(int resID, const char *name)
+    {
+        const AtomInfo *atom = findAtom(&pdb, resID, name, pdb.defChainName.view(), pdb.defSegName.view());
+        return atom != nullptr ? Vector{atom->x, atom->y, atom->z} : Vector{};
+    }
+    double distance(int resID, const char *nameI, const char *nameJ)
+    {
+        const Vector a = at(resID, nameI), b = at(resID, nameJ);
+        return static_cast<double>(std::hypot(a[0] - b[0], a[1] - b[1], a[2] - b[2]));
+    }
+    std::vector<Vector> all()
+    {
+        std::vector<Vector> places;
+        for (const AtomInfo &atom : pdb.atoms())
+            places.push_back({atom.x, atom.y, atom.z});
+        return places;
+    }
+};
+
+TEST(AddVecNoise, FixedConeKeepsLengthAndAngleAndTakesEveryPosition)
+{
+    resetRandom();
+    int idum = -1;
+    for (const Vector &from : {Vector{1.02f, 0, 0}, {0, 0, -1.5f}, {0.3f, -0.7f, 0.6f}, {0, 0, 0}}) {
+        const float length = std::hypot(from[0], from[1], from[2]);
+        std::set<std::array<long, 3>> positions;
+        for (int n = 0; n < 100; ++n) {
+            Vector v = from;
+            EXPECT_FLOAT_EQ(addVecNoise(&idum, v, fixedCone), length);
+            EXPECT_NEAR(std::hypot(v[0], v[1], v[2]), length, 1e-6);
+            EXPECT_NEAR(v[0] * from[0] + v[1] * from[1] + v[2] * from[2],
+                        length * length * std::cos(10.0 * degree), 2e-6);
+            positions.insert({std::lround(1e4f * v[0]), std::lround(1e4f * v[1]), std::lround(1e4f * v[2])});
+        }
+        EXPECT_EQ(positions.size(), length > 0.0f ? 4U : 1U);
+    }
+    Axis onAxis = {0.0, 0.0, 1.0}; // no ring to turn on
+    rotCone({0.0, 0.0, 1.0}, 90.0, 0.0, onAxis);
+    EXPECT_EQ(onAxis[2], 1.0);
+}
+
+TEST(AddVecNoise, GaussianConeIsWeightedByTheAreaOfItsRings)
+{
+    resetRandom();
+    double norm = 0.0, cosine = 0.0, square = 0.0;
+    for (double g = 0.0005; g < 180.0 * degree; g += 0.001) {
+        const double p = std::exp(-0.5 * std::pow(g / (gaussCone.coneWidth * degree), 2)) * std::sin(g);
+        norm += p;
+        cosine += p * std::cos(g);
+        square += p * std::cos(g) * std::cos(g);
+    }
+    constexpr int count = 20000;
+    int idum = -1;
+    std::array<double, 3> mean = {};
+    for (int n = 0; n < count; ++n) {
+        Vector v = {0, 0, 1};
+        addVecNoise(&idum, v, gaussCone);
+        for (std::size_t k = 0; k < 3; ++k)
+            mean[k] += static_cast<double>(v[k]) / count;
+    }
+    const double side = 4.0 * std::sqrt((1.0 - square / norm) / 2.0 / count); // four standard errors
+    EXPECT_NEAR(mean[0], 0.0, side);
+    EXPECT_NEAR(mean[1], 0.0, side);
+    EXPECT_NEAR(mean[2], cosine / norm,
+                4.0 * std::sqrt((square / norm - std::pow(cosine / norm, 2)) / count));
+}
+
+// Along x the result is a closed formula of the draws; an angle below 0 ends on the same side as one above.
+TEST(AddVecNoise, DrawsInOrderFromOneSeed)
+{
+    std::vector<Vector> expected;
+    resetRandom();
+    int seed = -1, idum = -1;
+    for (int n = 0; n < 50; ++n) {
+        const auto g = static_cast<float>(takenAngle(&seed));
+        const float w = std::floor(ran3(&seed) * 360.0f) * static_cast<float>(degree);
+        const float s = std::fabs(std::sin(g));
+        expected.push_back({std::cos(g), -s * std::sin(w), s * std::cos(w)});
+    }
+    resetRandom();
+    for (const Vector &e : expected) {
+        Vector v = {1, 0, 0};
+        addVecNoise(&idum, v, gaussCone);
+        EXPECT_LT(std::hypot(v[0] - e[0], v[1] - e[1], v[2] - e[2]), 1e-6f);
+    }
+    EXPECT_EQ(idum, seed);
+}
+
+TEST(AddPdbNoise, MovesTheSecondAtomAloneAndTheSameWayFromTheSavedCopy)
+{
+    Molecule m("10 N 10 H 1 1\n");
+    const double length = m.distance(10, "N", "H");
+    const std::vector<Vector> before = m.all();
+    EXPECT_EQ(m.move(gaussCone), 1);
+    const std::vector<Vector> after = m.all();
+    EXPECT_NEAR(m.distance(10, "N", "H"), length, 1e-5);
+    EXPECT_EQ(std::ranges::mismatch(before, after).in1 - before.begin(),
+              findAtom(&m.pdb, 10, "H", "A", m.pdb.defSegName.view()) - m.pdb.atoms().data());
+    EXPECT_EQ(
+        std::inner_product(before.begin(), before.end(), after.begin(), 0, std::plus(), std::not_equal_to()),
+        1);
+    restorePDBCoords(&m.pdb);
+    resetRandom();
+    m.move(gaussCone);
+    EXPECT_EQ(m.all(), after);
+}
+
+// The mean of three methyl protons lies a third of the bond from CB, away from CA; with the protons first
+// they land on the side of CA, 1.53 angstrom from CB.
+TEST(AddPdbNoise, ThreeEquivalentAtomsCollapse)
+{
+    for (const auto &[row, toCA] : {std::pair{"28 CB 28 HB# 1 1\n", 1.9}, {"28 HB# 28 CB 1 1\n", 1.2}}) {
+        Molecule m(row);
+        EXPECT_EQ(m.move(fixedCone), 1);
+        EXPECT_EQ(m.at(28, "HB1"), m.at(28, "HB2"));
+        EXPECT_EQ(m.at(28, "HB1"), m.at(28, "HB3"));
+        EXPECT_NEAR(m.distance(28, "CB", "HB1"), 0.36, 0.05);
+        EXPECT_NEAR(m.distance(28, "CA", "HB1"), toCA, 0.1);
+    }
+}
+
+TEST(AddPdbNoise, CountsTheOffsetOnceAndDropsARowWhoseAtomIsGone)
+{
+    Molecule m("110 N 110 H 1 1\n111 N 111 H 1 1\n", -100);
+    pdbStrCpy(m.table.dObsList[1].atomNameJ, "XX");
+    EXPECT_EQ(m.move(fixedCone, -100), 1);
+    EXPECT_EQ(m.table.dCalcList[0].valid, 1);
+    EXPECT_EQ(m.table.dCalcList[1].valid, 0);
+}
+
+TEST(AddPhiPsiNoise, TurnsEveryAngleByTheFixedWidth)
+{
+    Molecule m("10 N 10 H 1 1\n");
+    updatePDBAngles(&m.pdb, 1, 76);
+    int idum = -1;
+    addPhiPsiNoise(&idum, &m.pdb, &m.table, fixedCone, {1, 1, 76}, 1);
+    for (const ResInfo &residue : m.pdb.residues()) {
+        float phi = 0.0f, psi = 0.0f;
+        const int known = getPDBPhiPsi(&m.pdb, residue.resID, "A", m.pdb.defSegName.view(), phi, psi);
+        const float phiTurn = (known & 1) != 0 ? phi - residue.phi : 10.0f;
+        const float psiTurn = (known & 2) != 0 ? psi - residue.psi : 10.0f;
+        EXPECT_NEAR(std::remainder(phiTurn - 10.0f, 360.0f), 0.0f, 0.05f) << residue.resID;
+        EXPECT_NEAR(std::remainder(psiTurn - 10.0f, 360.0f), 0.0f, 0.05f) << residue.resID;
+    }
+}
+
+// A list of residues that begins at 1 draws two angles more than it has; one that begins at 10 does not.
+TEST(AddPhiPsiNoise, ResidueZeroBehindTheListDraws)
+{
+    for (const auto &[res1, angles] : {std::pair{1, 2 * 77}, {10, 2 * 67}}) {
+        Molecule m("20 N 20 H 1 1\n", 0, res1);
+        int idum = -1, seed = -1;
+        addPhiPsiNoise(&idum, &m.pdb, &m.table, gaussCone, {1, 1, 76}, 1);
+        resetRandom();
+        for (int n = 0; n < angles; ++n)
+            takenAngle(&seed);
+        EXPECT_EQ(idum, seed) << res1;
+    }
+}
+
+TEST(CheckCone, RefusesWhatHasNoNoise)
+{
+    struct {
+        double width;
+        int dig, fix, status;
+    } const rows[] = {
+        {5.0, 360, 0, 0},  {0.0, 1, 0, 0},
+        {-5.0, 360, 0, 0}, {179.9, 360, 1, 0},
+        {1e-9, 360, 1, 0}, {1e-9, 360, 0, 1},
+        {5.0, 0, 0, 1},    {180.0, 360, 1, 1},
+        {5.0, -360, 0, 1}, {std::numeric_limits<double>::quiet_NaN(), 360, 0, 1},
+    };
+    for (const auto &row : rows) {
+        TrelmInfo info;
+        info.coneWidth = row.width;
+        info.coneDig = row.dig;
+        info.coneFix = row.fix;
+        EXPECT_EQ(checkCone(info), row.status) << row.width << " " << row.dig;
+    }
+}
+
+} // namespace
+} // namespace trelm

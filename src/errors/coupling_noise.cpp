@@ -12,8 +12,9 @@
 namespace trelm {
 namespace {
 
-constexpr int fewestCouplings = 5; ///< as many as the tensor has elements
-constexpr int mostScales = 10000;  ///< trial scales of the errors before the search gives up
+constexpr float widestScale = 1e9f; ///< of the errors
+constexpr int fewestCouplings = 5;  ///< as many as the tensor has elements
+constexpr int mostScales = 200000;  ///< trial scales of the errors before the search gives up
 
 double number(float value)
 {
@@ -101,6 +102,8 @@ bool isWithinErrors(NoiseRun &run)
 /// Whether the search can ever end. Returns 0, or 1 after one line that names the option.
 int checkSearch(const TrelmInfo &info, int nAdjust)
 {
+    if (info.nAdjustMc < 1)
+        return complain("trelm: -nAdjustMc %d: the search needs one fit at least.\n", info.nAdjustMc);
     if (info.nAdjustMc <= nAdjust)
         return complain("trelm: -fracAdjustMc %g of -nAdjustMc %d: more fits than there are can not pass.\n",
                         number(info.mcAdjustFrac), info.nAdjustMc);
@@ -130,7 +133,7 @@ int countGood(NoiseRun &run, int &good)
 int searchScale(NoiseRun &run)
 {
     TrelmInfo &info = *run.setup.trelmInfo;
-    const int nAdjust = static_cast<int>(static_cast<float>(info.nAdjustMc) * info.mcAdjustFrac);
+    const int nAdjust = truncated(static_cast<float>(info.nAdjustMc) * info.mcAdjustFrac);
     if (checkSearch(info, nAdjust) != 0)
         return 1;
     std::printf("REMARK Adjusting DC error bars ...\n");
@@ -159,6 +162,8 @@ int setErrors(NoiseRun &run)
         std::printf("REMARK DC error bars scaled by user supplied factor of %.1f.\n", number(info.kSigma));
     else if (searchScale(run) != 0)
         return 1;
+    if (!(std::fabs(info.kSigma) <= widestScale))
+        return complain("trelm: -kAdjustMc %g: no couplings have such errors.\n", number(info.kSigma));
     scaleErrors(run, info.kSigma);
     for (int &fails : run.lists.countFail.span())
         fails = 0; // those of the search do not count
@@ -187,13 +192,13 @@ int sampleTensors(NoiseRun &run)
     for (int n = 1; n <= setup.mapCount; ++n) {
         showProgress(progress, n);
         if (fitNoisy(run) != 0)
-            return 1;
+            return failed(progress);
         if (setup.trelmInfo->mapMode != 0 && !isAccepted(run))
             continue;
         if (takeSample(run.samples, setup, n, run.outputs) != 0)
-            return 1;
+            return failed(progress);
         for (std::size_t i = 0; i < run.rows(); ++i) {
-            if (!run.isValid(i))
+            if (!run.isValid(i) || run.dTab().dCalcList[i].w == 0.0f)
                 continue;
             const float d = run.dTab().dCalcList[i].d;
             run.lists.dcSum[i] += d;
@@ -216,7 +221,8 @@ void putBack(NoiseRun &run, std::size_t i)
     }
     run.dTab().dObsList[i].d = run.lists.dVal[i];
     run.dTab().dObsList[i].sigma = deviation;
-    run.dTab().dCalcList[i].d = average;
+    if (run.dTab().dCalcList[i].w != 0.0f) // others are never calculated
+        run.dTab().dCalcList[i].d = average;
 }
 
 /// The table as measured, with the mean tensor and what it says of the couplings.
@@ -242,10 +248,12 @@ int writeFails(NoiseRun &run)
 int report(NoiseRun &run)
 {
     const MappingSetup &setup = run.setup;
-    if (writeDCmod(setup.files.outDName, "w", setup.dTab, setup.trelmInfo, mappingReport(run.samples)) != 0 ||
-        writeFails(run) != 0)
-        return 1;
-    return run.samples.count == 0 ? 0 : writeMeanFrame(run.samples, setup, "matrix: error in writePDBRot.\n");
+    int status =
+        writeDCmod(setup.files.outDName, "w", setup.dTab, setup.trelmInfo, mappingReport(run.samples));
+    status |= writeFails(run);
+    if (run.samples.count != 0)
+        status |= writeMeanFrame(run.samples, setup, "matrix: error in writePDBRot.\n");
+    return status;
 }
 
 /// The fit that is mapped. Returns 0, or 1 after a message.

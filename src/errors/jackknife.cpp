@@ -13,6 +13,8 @@
 namespace trelm {
 namespace {
 
+constexpr int fewestCouplings = 5;
+
 int checkFraction(const TrelmInfo &info)
 {
     const auto frac = static_cast<double>(info.mapFrac);
@@ -63,9 +65,12 @@ int sampleParts(JackknifeRun &run)
     for (int n = 1; n <= run.setup.mapCount; ++n) {
         showProgress(progress, n);
         if (samplePart(run, n, &idum) != 0)
-            return 1;
+            return failed(progress);
     }
     endProgress(progress);
+    if (run.setup.mapCount > 0 && run.nDSel < fewestCouplings)
+        complain("trelm: -dFrac %g picks %d couplings: a tensor has five unknowns.\n",
+                 static_cast<double>(run.setup.trelmInfo->mapFrac), run.nDSel);
     std::printf("REMARK %d DC of %d picked.\n", run.nDSel, run.setup.dTab->dCount);
     std::printf("REMARK %d SVD runs of %d succesful.\n", run.samples.count, run.setup.mapCount);
     return 0;

@@ -16,6 +16,7 @@ namespace trelm {
 namespace {
 
 constexpr int fewestCouplings = 5;
+constexpr double mostWidths = 1e4;  ///< of the search
 constexpr float widestCone = 90.0f; ///< degrees: the search ends there
 
 double number(float value)
@@ -94,12 +95,12 @@ void addNoise(NoiseRun &run)
 }
 
 /// A fit to a fresh copy of the structure with noise of the width in use. Returns 0, or 1 after a message.
-int fitNoisy(NoiseRun &run)
+int fitNoisy(NoiseRun &run, bool withNoise)
 {
     dTensorCopy(run.dTab().dTensor, run.tInfo);
     if (restoreStructure(run) != 0)
         return 1;
-    if (run.info().coneWidth > 0.0)
+    if (withNoise)
         addNoise(run);
     return fitD(run.setup.pdbInfo, run.setup.dTab, run.setup.verbose) < 0 ? 1 : 0;
 }
@@ -111,7 +112,7 @@ int meanMisfit(NoiseRun &run, double &rSumAve)
     double rSumDsum = 0.0;
     int count = 0;
     for (int n = 0; n < run.info().nConeAdjust; ++n) {
-        if (fitNoisy(run) != 0)
+        if (fitNoisy(run, true) != 0)
             return 1;
         if (isWithoutTensor(run.dTab()))
             continue;
@@ -157,6 +158,11 @@ int checkSearch(const TrelmInfo &info)
                         number(info.nConeInc));
     if (!(info.nConeStart >= 0.0f))
         return complain("trelm: -lCone %g: the first cone must not be negative.\n", number(info.nConeStart));
+    if (!(info.nConeStart < 180.0f))
+        return complain("trelm: -lCone %g: a cone is narrower than 180 degrees.\n", number(info.nConeStart));
+    if (number(widestCone - info.nConeStart) / number(info.nConeInc) > mostWidths)
+        return complain("trelm: -incCone %g: more than %g widths to try.\n", number(info.nConeInc),
+                        mostWidths);
     const bool isNarrow = info.nConeStart > 0.0f && number(info.nConeStart) < minConeWidth;
     if (info.coneFix == 0 && (isNarrow || number(info.nConeInc) < minConeWidth))
         return complain("trelm: -lCone %g, -incCone %g: a cone is %g degrees wide at least.\n",
@@ -188,10 +194,10 @@ int sampleStructures(NoiseRun &run)
     Progress progress = startProgress("REMARK Sampled ", run.setup.mapCount);
     for (int n = 1; n <= run.setup.mapCount; ++n) {
         showProgress(progress, n);
-        if (fitNoisy(run) != 0)
-            return 1;
+        if (fitNoisy(run, run.info().coneWidth > 0.0) != 0)
+            return failed(progress);
         if (!isWithoutTensor(run.dTab()) && takeSample(run.samples, run.setup, n, run.outputs) != 0)
-            return 1;
+            return failed(progress);
     }
     endProgress(progress);
     std::printf("REMARK %d SVD runs of %d succesful.\n", run.samples.count, run.setup.mapCount);
@@ -252,7 +258,11 @@ int noiseStrucSimDC(const MappingSetup &setup, const ResidueOffset &offset)
     if (makeSamples(run.samples) != 0 || openOutputs(setup.files, mappingWords, run.outputs) != 0 ||
         fitMeasured(run) != 0)
         return 1;
-    return run.nD == 0 ? 0 : mapNoise(run);
+    if (run.nD == 0) {
+        complain("trelm: no coupling is left to fit.\n");
+        return 0;
+    }
+    return mapNoise(run);
 }
 
 } // namespace trelm

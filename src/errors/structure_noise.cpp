@@ -182,7 +182,7 @@ int checkCone(const TrelmInfo &trelmInfo)
         return complain("trelm: -digCone %d: a cone needs at least one position.\n", trelmInfo.coneDig);
     if (!std::isfinite(width) || width >= 180.0)
         return complain("trelm: -stdCone %g: an angle below 180 degrees is needed.\n", width);
-    if (width > 0.0 && width < minConeWidth && trelmInfo.coneFix == 0)
+    if (width > 0.0 && width < minConeWidth * (1.0 - 1e-6) && trelmInfo.coneFix == 0)
         return complain("trelm: -stdCone %g: a Gaussian cone of less than %g degrees moves no atom.\n", width,
                         minConeWidth);
     return 0;

@@ -14,10 +14,9 @@
 
 namespace trelm {
 
-/// The narrowest Gaussian cone, degrees. It moves an atom 1 angstrom away by 2e-6 angstrom, less than single
-/// precision tells apart at 32 angstrom from the origin; and the narrower the cone, the more angles are drawn
-/// in vain, about 72 / width of them for each that is taken.
-constexpr double minConeWidth = 0.0001;
+/// The narrowest Gaussian cone, degrees: the narrower it is, the more angles are drawn in vain, about 72 /
+/// width of them for each that is taken.
+constexpr double minConeWidth = 0.01;
 
 /// The cone on which a noisy vector lies around the true one.
 struct ConeSetup {

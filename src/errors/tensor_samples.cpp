@@ -122,9 +122,9 @@ MapPoint mapPoint(const Matrix3d &eigVec, std::size_t column)
     return {std::cos(lambda) * phi, lambda, std::cos(lambda) * opposite};
 }
 
-void writeAxes(const Matrix3d &eigVec, OutFile &out)
+void writeAxes(const Matrix3d &eigVec, std::string &text, OutFile &out)
 {
-    std::string text;
+    text.clear();
     for (std::size_t k = 0; k < 3; ++k) {
         const MapPoint point = mapPoint(eigVec, k);
         appendf(text, "  %f       %f%s", point.x, point.y, k < 2 ? "  " : "\n");
@@ -136,12 +136,13 @@ void writeAxes(const Matrix3d &eigVec, OutFile &out)
     writeOut(out, text);
 }
 
-void writeMagnitude(const DTable &dTab, const TensorAnalysis &analysis, int n, OutFile &out)
+void writeMagnitude(const DTable &dTab, const TensorAnalysis &analysis, int n, std::string &text,
+                    OutFile &out)
 {
     float rSum = 0.0f, pSum = 0.0f;
     int nD = 0;
     getStatDC(dTab.observed(), dTab.calculated(), rSum, pSum, nD);
-    std::string text;
+    text.clear();
     appendf(text, "%6d  %e  %.3f   %9.3f   %9.3f\n", n - 1, analysis.da * amide,
             analysis.da != 0.0 ? analysis.dr / analysis.da : 0.0, number(rSum), number(pSum));
     writeOut(out, text);
@@ -176,7 +177,7 @@ void noteAngle(TensorSamples &samples, double angle)
 
 /// One stored sample against the mean tensor.
 int compareSample(TensorSamples &samples, int i, const TensorAnalysis &mean, const MappingSetup &setup,
-                  MagnitudeRange &range, OutFile &out)
+                  MagnitudeRange &range, std::string &text, OutFile &out)
 {
     const Saupe &saupe = samples.store[static_cast<std::size_t>(i)];
     TensorAnalysis analysis;
@@ -192,7 +193,7 @@ int compareSample(TensorSamples &samples, int i, const TensorAnalysis &mean, con
     if (irrCollinarity(average, sample, dcos5d, angle) != 0)
         return complain("trelm: error in compareSaupe.\n");
     noteAngle(samples, number(angle));
-    std::string text;
+    text.clear();
     appendf(text, "%5d   %8.3f %8.3f %8.3f       %8.3f       %e\n", i, dcos[0] * 180.0 / pi,
             dcos[1] * 180.0 / pi, dcos[2] * 180.0 / pi, number(angle), number(dcos5d));
     writeOut(out, text);
@@ -271,8 +272,8 @@ int takeSample(TensorSamples &samples, const MappingSetup &setup, int n, SampleO
     if (analyzeSaupe(saupe, setup.trelmInfo->yzFlag, setup.trelmInfo->eulerFlag, analysis) != 0)
         return complain("Matrix: error in analyzeSaupe.\n");
     countSample(samples, saupe, analysis, dTensor);
-    writeMagnitude(*setup.dTab, analysis, n, outputs.da);
-    writeAxes(analysis.eigVec, outputs.map);
+    writeMagnitude(*setup.dTab, analysis, n, outputs.text, outputs.da);
+    writeAxes(analysis.eigVec, outputs.text, outputs.map);
     return 0;
 }
 
@@ -304,14 +305,14 @@ int comparePass(TensorSamples &samples, const MappingSetup &setup, const Mapping
         return complain("trelm: error in analyzeSaupe.\n");
     samples.euler = mean.euler;
     MagnitudeRange range;
-    std::string text;
+    std::string &text = outputs.text;
     for (int i = 0; i < samples.count; ++i) {
         const Saupe &saupe = samples.store[static_cast<std::size_t>(i)];
         text.clear();
         appendf(text, "%5d%s%e  %e  %e  %e  %e\n", i, words.saupeGap, saupe[0], saupe[1], saupe[2], saupe[3],
                 saupe[4]);
         writeOut(outputs.saupe, text);
-        if (compareSample(samples, i, mean, setup, range, outputs.angles) != 0)
+        if (compareSample(samples, i, mean, setup, range, text, outputs.angles) != 0)
             return 1;
     }
     return 0;

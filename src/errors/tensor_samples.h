@@ -44,6 +44,7 @@ struct MappingSetup {
 /// The files that are written sample by sample.
 struct SampleOutputs {
     OutFile map, da, angles, saupe;
+    std::string text; ///< work space
 };
 
 /// Words of a mapping that differ from branch to branch.

@@ -58,6 +58,12 @@ void pauseProgress(Progress &progress)
     flush(progress);
 }
 
+int failed(Progress &progress)
+{
+    pauseProgress(progress);
+    return 1;
+}
+
 void endProgress(Progress &progress)
 {
     progress.pending += '\n';

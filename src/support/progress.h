@@ -27,6 +27,9 @@ void showProgress(Progress &progress, int n);
 /// Writes what waits to be written.
 void pauseProgress(Progress &progress);
 
+/// On the road of a failure: writes what waits to be written. Returns 1.
+int failed(Progress &progress);
+
 /// Ends the lines with a newline and flushes.
 void endProgress(Progress &progress);
 

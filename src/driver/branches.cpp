@@ -1,3 +1,4 @@
+#include "driver/assign_road.h"
 #include "driver/inputs.h"
 #include "driver/mappings.h"
 #include "driver/simulate.h"
@@ -40,9 +41,9 @@ int bestFitSingle(Run &run)
 }
 
 constexpr SpreadRow spreadRows[] = {
-    {0, "-single", bestFitSingle},       {1, "-jack", mapJackknife}, {2, "-mcDc", mapCouplingNoise},
-    {3, "-mcStruc", mapStructuralNoise}, {4, "-rand", nullptr},      {5, "-exhaust", nullptr},
-    {6, "-exhaustSel", nullptr},
+    {0, "-single", bestFitSingle},        {1, "-jack", mapJackknife},     {2, "-mcDc", mapCouplingNoise},
+    {3, "-mcStruc", mapStructuralNoise},  {4, "-rand", searchAssignment}, {5, "-exhaust", searchAssignment},
+    {6, "-exhaustSel", searchAssignment},
 };
 
 const SpreadRow &spreadRow(int spreadMode)

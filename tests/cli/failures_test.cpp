@@ -218,11 +218,6 @@ TEST(Failures, ModesThatAreNotBuiltSaySo)
         EXPECT_EQ(countOf(ran.err, std::string("trelm: the mode ") + flag + " is not built yet.\n"), 1)
             << ran.err;
     }
-    for (const char *kind : {"-rand", "-exhaust", "-exhaustSel"}) {
-        const Ran ran = runProgram({"-bestFit", kind});
-        EXPECT_EQ(ran.status, 1);
-        EXPECT_EQ(countOf(ran.err, std::string("trelm: the mode ") + kind + " is not built yet.\n"), 1);
-    }
 }
 
 TEST(CommandLine, HelpEndsWithTheFailureLine)

@@ -1,0 +1,224 @@
+#include "assignment/assignment.h"
+
+#include "assignment/problem.h"
+#include "assignment/score.h"
+#include "assignment/search.h"
+#include "assignment/selection.h"
+#include "couplings/fit.h"
+#include "couplings/output.h"
+#include "couplings/tensor.h"
+#include "structure/write.h"
+#include "support/progress.h"
+#include "support/random.h"
+#include "support/text.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+namespace trelm {
+namespace {
+
+constexpr int randomSearch = 4, fullSearch = 5, selectedSearch = 6; ///< values of spreadMode
+
+/// What a coupling is left with when its residue has no peak.
+constexpr float noPeakSigma = 100000.0f, noPeakWeight = 1e-6f;
+
+/// A random permutation. A deviate can round to 1.0, which is no place in the list.
+void drawPermutation(int *idum, std::vector<int> &rowIdList)
+{
+    std::vector<bool> drawn(rowIdList.size(), false);
+    for (std::size_t k = 0; k < rowIdList.size();) {
+        const auto row = static_cast<std::size_t>(ran3(idum) * static_cast<float>(rowIdList.size()));
+        if (row >= rowIdList.size() || drawn[row])
+            continue;
+        drawn[row] = true;
+        rowIdList[k++] = static_cast<int>(row);
+    }
+}
+
+int searchRandomly(const AssignmentProblem &problem, int mapCount, BestAssignment &best)
+{
+    int idum = -1; // the draws do not follow the seed of the run
+    ScoreWork work;
+    std::vector<int> rowIdList(static_cast<std::size_t>(problem.peakCount));
+    Progress progress = startProgress("REMARK Sampled ", mapCount);
+    for (int n = 1; n <= mapCount; ++n) {
+        showProgress(progress, n);
+        drawPermutation(&idum, rowIdList);
+        const float score = getSvdChi2Exh(problem, rowIdList, work);
+        if (best.pSumDMin > score) {
+            best.pSumDMin = score;
+            best.bestIdList = rowIdList;
+        }
+    }
+    endProgress(progress);
+    return 0;
+}
+
+int searchAll(const AssignmentProblem &problem, const TrelmInfo &info, BestAssignment &best)
+{
+    if (info.nAaCheck < 2)
+        return visitExh(problem, best);
+    const auto classes = std::span(info.exCheckList).first(static_cast<std::size_t>(info.nAaCheck));
+    return visitAa(problem, classes, best) == 0 ? 0 : complain("Matrix: error in analyzeSaupe.\n");
+}
+
+/// A selection that cannot be made leaves all residues without a peak; the run tells so and goes on.
+int searchSelected(const AssignmentProblem &problem, const TrelmInfo &info, BestAssignment &best)
+{
+    std::vector<int> selected;
+    if (selectPeaks(problem, info.nSel, info.dcSelOpt, selected) == 0)
+        visitAllExh(problem, selected, best);
+    return 0;
+}
+
+/// Returns 0, or 1 after a message.
+int search(const AssignmentProblem &problem, const AssignmentSetup &setup, BestAssignment &best)
+{
+    best.bestIdList.assign(static_cast<std::size_t>(problem.peakCount), -1);
+    switch (setup.trelmInfo->spreadMode) {
+    case randomSearch:
+        return searchRandomly(problem, setup.mapCount, best);
+    case fullSearch:
+        return searchAll(problem, *setup.trelmInfo, best);
+    case selectedSearch:
+        return searchSelected(problem, *setup.trelmInfo, best);
+    default:
+        return complain("trelm: no assignment search has the number %d.\n", setup.trelmInfo->spreadMode);
+    }
+}
+
+void warnIfNothingFound(const AssignmentProblem &problem, const BestAssignment &best)
+{
+    if (std::ranges::none_of(best.bestIdList, [](int row) { return row >= 0; }))
+        complain("Warning: no assignment was found for Da [%.3f,%.3f] R [%.3f %.3f]!\n",
+                 static_cast<double>(problem.lDa), static_cast<double>(problem.hDa),
+                 static_cast<double>(problem.lR), static_cast<double>(problem.hR));
+}
+
+/// Gives a row of the table the coupling that the peak `row` has in this column, or none.
+void assignRow(const AssignmentProblem &problem, int row, int column, DInfo &obs, DInfo &calc)
+{
+    if (row < 0) {
+        obs.d = noPeakCoupling;
+        obs.sigma = noPeakSigma;
+        obs.w = noPeakWeight;
+        return;
+    }
+    const std::size_t cell = problem.at(row, column);
+    obs.d = problem.dcMat[cell];
+    obs.sigma = problem.sigMat[cell];
+    obs.w = problem.wMat[cell];
+    calc.di = problem.diValMat[cell];
+}
+
+/// Brings an assignment into the table.
+void applyAssignment(const AssignmentProblem &problem, const PeakTable &peaks, const BestAssignment &best,
+                     DTable &dTab)
+{
+    for (std::size_t i = 0; i < dTab.observed().size(); ++i) {
+        DInfo &obs = dTab.observed()[i];
+        const int type = couplingType(obs);
+        if (!takesPart(dTab, i) || type == noType || isFixed(peaks, peakIdOf(obs, type)))
+            continue;
+        const auto row = peaks.rowResList.find(peakIdOf(obs, type));
+        const auto medium = std::ranges::find(peaks.media, obs.segNameI.view());
+        if (row == peaks.rowResList.end() || medium == peaks.media.end())
+            continue;
+        const auto place = static_cast<std::size_t>(medium - peaks.media.begin());
+        assignRow(problem, best.bestIdList[static_cast<std::size_t>(row->second)],
+                  peaks.dcIndex[place][static_cast<std::size_t>(type)], obs, dTab.calculated()[i]);
+    }
+}
+
+/// Sets `valid` of the rows with a weight: 1 where the function says so, else 0. Rows that did not resolve to
+/// atoms, or that the selection left out, stay out.
+template <class Predicate>
+void markRows(DTable &dTab, Predicate isIn)
+{
+    for (std::size_t i = 0; i < dTab.observed().size(); ++i) {
+        DInfo &obs = dTab.observed()[i], &calc = dTab.calculated()[i];
+        if (calc.w != 0.0f && calc.atomICount > 0 && calc.atomJCount > 0)
+            obs.valid = calc.valid = isIn(obs) ? 1 : 0;
+    }
+}
+
+/// Fits medium after medium, and the first once more: its tensor is the one that is reported. Returns 0, or 1
+/// after a message.
+int fitMedia(const AssignmentSetup &setup, const PeakTable &peaks)
+{
+    std::vector<std::string> media = peaks.media;
+    media.push_back(peaks.media.front());
+    for (const std::string &medium : media) {
+        markRows(*setup.dTab, [&](const DInfo &obs) { return obs.segNameI == std::string_view(medium); });
+        if (fitD(setup.pdbInfo, setup.dTab, setup.verbose) < 0)
+            return 1;
+    }
+    markRows(*setup.dTab, [](const DInfo &) { return true; });
+    return 0;
+}
+
+void solveEuler(DTensor &tensor)
+{
+    if (tensor.eulerFlag == 0)
+        return;
+    RotationLists lists;
+    tensor.eulerCount = saupe2euler(tensor.saupe, lists, tensor.eigVal, tensor.da, tensor.dr);
+    tensor.psiList = lists.psi;
+    tensor.thetaList = lists.theta;
+    tensor.phiList = lists.phi;
+}
+
+/// Returns 0, or non-zero after a message.
+int writeResults(const AssignmentSetup &setup)
+{
+    solveEuler(setup.dTab->dTensor);
+    Saupe saupe;
+    std::ranges::copy(setup.dTab->dTensor.saupe, saupe.begin());
+    TensorAnalysis analysis;
+    if (analyzeSaupe(saupe, setup.trelmInfo->yzFlag, setup.trelmInfo->eulerFlag, analysis) != 0)
+        return complain("trelm: error in analyzeSaupe.\n");
+    const int written = writeDCmod(setup.outDName, "w", setup.dTab, setup.trelmInfo, "");
+    const EulerLists &euler = analysis.euler;
+    const int turned = writePDBRot(euler.gamma, euler.beta, euler.alpha, setup.trelmInfo->rotN, setup.pdbInfo,
+                                   setup.sInfo, setup.pdbRotName, setup.remark);
+    if (turned != 0)
+        complain("trelm: error in writePDBRot.\n");
+    return turned != 0 ? turned : written;
+}
+
+PeakTable peakTableOf(const AssignmentSetup &setup)
+{
+    const TrelmInfo &info = *setup.trelmInfo;
+    PeakTable peaks;
+    peaks.fixResList = setup.fixResList;
+    peaks.media.assign(info.chainDc.begin(), info.chainDc.begin() + info.nChainDc);
+    return peaks;
+}
+
+} // namespace
+
+int exhSimDC(const AssignmentSetup &setup)
+{
+    DTable &dTab = *setup.dTab;
+    dTab.dTensor.saupe = {};
+    dTab.dTensor.dSaupe.fill(1.0f);
+    PeakTable peaks = peakTableOf(setup);
+    const HistInfo &window = setup.trelmInfo->histInfo;
+    AssignmentProblem problem;
+    problem.lDa = window.lDaMl;
+    problem.hDa = window.hDaMl;
+    problem.lR = window.lRMl;
+    problem.hR = window.hRMl;
+    BestAssignment best;
+    if (makeProblem(*setup.pdbInfo, dTab, peaks, problem) != 0 || search(problem, setup, best) != 0)
+        return 1;
+    warnIfNothingFound(problem, best);
+    applyAssignment(problem, peaks, best, dTab);
+    if (fitMedia(setup, peaks) != 0)
+        return 1;
+    return writeResults(setup);
+}
+
+} // namespace trelm

@@ -1,0 +1,249 @@
+#include "assignment/bound.h"
+
+#include "couplings/design.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace trelm {
+namespace {
+
+constexpr double amide = 21585.2; ///< Hz: Da on the scale of an amide pair, as the window has it
+constexpr SaupeTerms sizeWeights = {1.5, 0.5, 2.0, 2.0, 2.0}; ///< of the squares in a tensor's size
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+double number(float value)
+{
+    return static_cast<double>(value);
+}
+
+constexpr std::size_t at(std::size_t i, std::size_t j)
+{
+    return i * (i + 1) / 2 + j;
+}
+
+/// The terms as the fit has them, single precision included.
+std::vector<SaupeTerms> termsOf(std::span<const float> x, std::span<const float> y, std::span<const float> z)
+{
+    const std::vector<float> zero(x.size());
+    const FitVectors vectors = {zero, zero, zero, x, y, z, {}, {}, {}};
+    std::vector<SaupeTerms> terms(x.size());
+    for (std::size_t k = 0; k < terms.size(); ++k)
+        std::ranges::transform(geometryTerms(vectors, k), terms[k].begin(), number);
+    return terms;
+}
+
+/// How far a score's root can be from that of exact sums. A calculated coupling is the product of a constant
+/// with five terms in single precision. The terms' sizes sum up to less than 6 |Da|, in units of the tensor:
+/// |t| is at most 1.5 and |s| at most 4 |Da|. Sum, product and difference make a dozen roundings of 2^-24
+/// each.
+double roundingOf(const AssignmentProblem &problem, double largestDa)
+{
+    constexpr double roundings = 12.0 / 16777216.0;
+    double square = 0.0;
+    const auto add = [&](float di, float w) {
+        const double error = std::fabs(number(di)) * 6.0 * largestDa * roundings * number(w);
+        square += error * error;
+    };
+    for (const FixedCoupling &coupling : problem.fixed)
+        add(coupling.di, coupling.w);
+    for (std::size_t i = 0; i < problem.diValMat.size(); ++i)
+        add(problem.diValMat[i], problem.wMat[i]);
+    return std::sqrt(square);
+}
+
+/// L with L L^T = the matrix. Returns false if it is not positive definite enough to be told from rounding.
+bool factorise(const std::array<double, 15> &matrix, std::array<double, 15> &factor)
+{
+    for (std::size_t i = 0; i < saupeSize; ++i)
+        for (std::size_t j = 0; j <= i; ++j) {
+            double sum = matrix[at(i, j)];
+            for (std::size_t k = 0; k < j; ++k)
+                sum -= factor[at(i, k)] * factor[at(j, k)];
+            if (i != j) {
+                factor[at(i, j)] = sum / factor[at(j, j)];
+                continue;
+            }
+            if (!(sum > 1e-12 * matrix[at(i, i)]))
+                return false;
+            factor[at(i, i)] = std::sqrt(sum);
+        }
+    return true;
+}
+
+/// y with L y = v.
+SaupeTerms forward(const std::array<double, 15> &factor, const SaupeTerms &v)
+{
+    SaupeTerms y;
+    for (std::size_t i = 0; i < saupeSize; ++i) {
+        double sum = v[i];
+        for (std::size_t k = 0; k < i; ++k)
+            sum -= factor[at(i, k)] * y[k];
+        y[i] = sum / factor[at(i, i)];
+    }
+    return y;
+}
+
+/// x with L^T x = y.
+SaupeTerms backward(const std::array<double, 15> &factor, const SaupeTerms &y)
+{
+    SaupeTerms x;
+    for (std::size_t i = saupeSize; i-- > 0;) {
+        double sum = y[i];
+        for (std::size_t k = i + 1; k < saupeSize; ++k)
+            sum -= factor[at(k, i)] * x[k];
+        x[i] = sum / factor[at(i, i)];
+    }
+    return x;
+}
+
+double dot(const SaupeTerms &a, const SaupeTerms &b)
+{
+    double sum = 0.0;
+    for (std::size_t k = 0; k < saupeSize; ++k)
+        sum += a[k] * b[k];
+    return sum;
+}
+
+} // namespace
+
+BoundTables makeBoundTables(const AssignmentProblem &problem)
+{
+    BoundTables tables;
+    tables.peakCount = problem.peakCount;
+    tables.columns = problem.colId;
+    tables.media = problem.nLcType;
+    for (int medium = 0; medium < problem.nLcType; ++medium) {
+        tables.firstColumn[static_cast<std::size_t>(medium)] = static_cast<int>(tables.mediumOf.size());
+        const int columns = problem.colIdList[static_cast<std::size_t>(medium)];
+        tables.mediumOf.insert(tables.mediumOf.end(), static_cast<std::size_t>(columns), medium);
+    }
+    tables.terms = termsOf(problem.xMat, problem.yMat, problem.zMat);
+    tables.peaks.resize(static_cast<std::size_t>(problem.peakCount));
+    for (int peak = 0; peak < problem.peakCount; ++peak)
+        for (int column = 0; column < problem.colId; ++column) {
+            const std::size_t place = problem.at(peak, column);
+            if (problem.dcMat[place] != noPeakCoupling)
+                tables.peaks[static_cast<std::size_t>(peak)].push_back(
+                    {column, number(problem.dcMat[place]), std::fabs(number(problem.wMat[place])),
+                     std::fabs(number(problem.diValMat[place]))});
+        }
+    // Da is half the largest eigenvalue; the squares of all three sum up to twice its square at most.
+    const double largestDa = std::max(std::fabs(number(problem.lDa)), std::fabs(number(problem.hDa))) / amide;
+    tables.tensorSize = 8.0 * largestDa * largestDa * 1.001;
+    tables.rounding = roundingOf(problem, largestDa);
+    return tables;
+}
+
+double exactLimit(const BoundTables &tables, float score)
+{
+    // The score itself is rounded to single precision, and so is each difference before it is squared.
+    const double root = (std::sqrt(number(score)) + tables.rounding) * (1.0 + 1e-6);
+    return root * root;
+}
+
+void NormalEquations::add(const SaupeTerms &terms, double d, double w, double di)
+{
+    const double weight = w * w;
+    for (std::size_t i = 0; i < saupeSize; ++i) {
+        const double scaled = weight * di * terms[i];
+        for (std::size_t j = 0; j <= i; ++j)
+            matrix[at(i, j)] += scaled * di * terms[j];
+        rhs[i] += scaled * d;
+    }
+    square += weight * d * d;
+    ++count;
+}
+
+MediaEquations fixedEquations(const AssignmentProblem &problem)
+{
+    std::vector<float> x, y, z;
+    for (const FixedCoupling &coupling : problem.fixed) {
+        x.push_back(coupling.x);
+        y.push_back(coupling.y);
+        z.push_back(coupling.z);
+    }
+    const std::vector<SaupeTerms> terms = termsOf(x, y, z);
+    MediaEquations equations;
+    std::size_t k = 0;
+    for (std::size_t medium = 0; medium < static_cast<std::size_t>(problem.nLcType); ++medium)
+        for (int i = 0; i < problem.nDTypList[medium]; ++i, ++k) {
+            const FixedCoupling &coupling = problem.fixed[k];
+            equations[medium].add(terms[k], number(coupling.d), number(coupling.w),
+                                  std::fabs(number(coupling.di)));
+        }
+    return equations;
+}
+
+void addPair(const BoundTables &tables, int peak, int row, MediaEquations &equations)
+{
+    const std::size_t first = static_cast<std::size_t>(row) * static_cast<std::size_t>(tables.columns);
+    for (const PeakCoupling &coupling : tables.peaks[static_cast<std::size_t>(peak)]) {
+        const auto column = static_cast<std::size_t>(coupling.column);
+        equations[static_cast<std::size_t>(tables.mediumOf[column])].add(tables.terms[first + column],
+                                                                         coupling.d, coupling.w, coupling.di);
+    }
+}
+
+Ellipsoid makeEllipsoid(const BoundTables &tables, const NormalEquations &equations, double limit)
+{
+    Ellipsoid ellipsoid;
+    // Where the pairs determine the tensor its size hardly counts; where they do not it has to.
+    constexpr int determined = 8;
+    ellipsoid.given = equations.count < determined ? limit : 1e-6 * limit;
+    std::array<double, 15> matrix = equations.matrix;
+    if (std::isfinite(tables.tensorSize) && tables.tensorSize > 0.0)
+        for (std::size_t i = 0; i < saupeSize; ++i)
+            matrix[at(i, i)] += ellipsoid.given / tables.tensorSize * sizeWeights[i];
+    else
+        ellipsoid.given = 0.0;
+    if (!factorise(matrix, ellipsoid.factor))
+        return ellipsoid;
+    ellipsoid.isOpen = false;
+    const SaupeTerms half = forward(ellipsoid.factor, equations.rhs);
+    ellipsoid.centre = backward(ellipsoid.factor, half);
+    // Less what rounding of the difference can have added.
+    ellipsoid.bottom = equations.square - dot(half, half) - 1e-9 * equations.square;
+    ellipsoid.least = std::max(0.0, ellipsoid.bottom - ellipsoid.given);
+    return ellipsoid;
+}
+
+void rowRanges(const BoundTables &tables, std::span<const Ellipsoid> ellipsoids,
+               const std::array<double, maxMedia> &slack, std::span<const int> rows,
+               std::vector<RowRange> &ranges)
+{
+    const auto columns = static_cast<std::size_t>(tables.columns);
+    ranges.resize(rows.size() * columns);
+    std::array<double, maxMedia> radius = {};
+    for (std::size_t medium = 0; medium < ellipsoids.size(); ++medium)
+        radius[medium] = std::sqrt(std::max(0.0, slack[medium]));
+    std::size_t place = 0;
+    for (const int row : rows)
+        for (std::size_t column = 0; column < columns; ++column, ++place) {
+            const auto medium = static_cast<std::size_t>(tables.mediumOf[column]);
+            const Ellipsoid &ellipsoid = ellipsoids[medium];
+            const SaupeTerms &terms = tables.terms[static_cast<std::size_t>(row) * columns + column];
+            if (ellipsoid.isOpen) {
+                ranges[place] = {0.0, infinity};
+                continue;
+            }
+            const SaupeTerms half = forward(ellipsoid.factor, terms);
+            ranges[place] = {dot(terms, ellipsoid.centre), radius[medium] * std::sqrt(dot(half, half))};
+        }
+}
+
+double pairCost(std::span<const PeakCoupling> peak, const RowRange *row)
+{
+    double cost = 0.0;
+    for (const PeakCoupling &coupling : peak) {
+        const RowRange &range = row[coupling.column];
+        const double miss =
+            coupling.w * (std::fabs(coupling.d - coupling.di * range.centre) - coupling.di * range.halfWidth);
+        if (miss > 0.0)
+            cost += miss * miss;
+    }
+    return cost;
+}
+
+} // namespace trelm

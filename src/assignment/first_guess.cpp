@@ -1,0 +1,153 @@
+#include "assignment/first_guess.h"
+
+#include "support/linear_assignment.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <random>
+
+namespace trelm {
+namespace {
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+constexpr int fewestStarts = 40; ///< random tensors
+constexpr int startsPerPeak = 4;
+constexpr int peaksPerHit = 8; ///< starts that must end at the best candidate again before more seem useless
+constexpr int mostRounds = 40; ///< of assignment and tensor
+
+using Tensors = std::array<SaupeTerms, maxMedia>;
+
+/// Uniform in 0 to 1, the same everywhere.
+double uniform(std::mt19937 &engine)
+{
+    return (static_cast<double>(engine()) + 0.5) / 4294967296.0;
+}
+
+double between(std::mt19937 &engine, double low, double high)
+{
+    return low + (high - low) * uniform(engine);
+}
+
+/// A random rotation, row by row. Source: Shoemake, Graphics Gems III (1992) 124.
+std::array<std::array<double, 3>, 3> randomRotation(std::mt19937 &engine)
+{
+    constexpr double twoPi = 6.28318530717958648;
+    const double u = uniform(engine), a = twoPi * uniform(engine), b = twoPi * uniform(engine);
+    const double x = std::sqrt(1.0 - u) * std::sin(a), y = std::sqrt(1.0 - u) * std::cos(a);
+    const double z = std::sqrt(u) * std::sin(b), w = std::sqrt(u) * std::cos(b);
+    return {{{1 - 2 * (y * y + z * z), 2 * (x * y - w * z), 2 * (x * z + w * y)},
+             {2 * (x * y + w * z), 1 - 2 * (x * x + z * z), 2 * (y * z - w * x)},
+             {2 * (x * z - w * y), 2 * (y * z + w * x), 1 - 2 * (x * x + y * y)}}};
+}
+
+/// A tensor inside the window.
+SaupeTerms randomTensor(const AssignmentProblem &problem, std::mt19937 &engine)
+{
+    constexpr double amide = 21585.2, widest = 50.0, highestR = 2.0 / 3.0;
+    const auto limit = [](float value, double low, double high) {
+        return std::clamp(static_cast<double>(value), low, high);
+    };
+    const double da =
+        between(engine, limit(problem.lDa, -widest, widest), limit(problem.hDa, -widest, widest)) / amide;
+    const double r = between(engine, limit(problem.lR, 0.0, highestR), limit(problem.hR, 0.0, highestR));
+    const std::array<double, 3> values = {-da * (1.0 - 1.5 * r), -da * (1.0 + 1.5 * r), 2.0 * da};
+    const auto rotation = randomRotation(engine);
+    const auto element = [&](std::size_t i, std::size_t j) {
+        double sum = 0.0;
+        for (std::size_t k = 0; k < 3; ++k)
+            sum += rotation[i][k] * values[k] * rotation[j][k];
+        return sum;
+    };
+    return {element(2, 2), element(0, 0) - element(1, 1), element(0, 1), element(0, 2), element(1, 2)};
+}
+
+/// One climb from a start.
+struct Climb {
+    const SearchSpace &space;
+    Tensors tensors = {};
+    std::array<bool, maxMedia> isKnown = {};
+    std::vector<double> costs;
+    std::vector<RowRange> ranges;
+    LinearAssignment solution;
+    std::vector<int> rowOf;
+};
+
+/// What each coupling would be with the tensors at hand; without one it may be anything.
+void setRanges(Climb &climb)
+{
+    const BoundTables &tables = climb.space.tables;
+    climb.ranges.resize(tables.terms.size());
+    for (std::size_t place = 0; place < tables.terms.size(); ++place) {
+        const auto medium =
+            static_cast<std::size_t>(tables.mediumOf[place % static_cast<std::size_t>(tables.columns)]);
+        double sum = 0.0;
+        for (std::size_t k = 0; k < saupeSize; ++k)
+            sum += tables.terms[place][k] * climb.tensors[medium][k];
+        climb.ranges[place] = {sum, climb.isKnown[medium] ? 0.0 : infinity};
+    }
+}
+
+/// The best assignment for the tensors at hand. Returns false if it is the one before, or there is none.
+bool assign(Climb &climb)
+{
+    const SearchSpace &space = climb.space;
+    const int rows = space.tables.peakCount;
+    setRanges(climb);
+    climb.costs.clear();
+    for (std::size_t i = 0; i < space.peaks.size(); ++i)
+        for (int row = 0; row < rows; ++row)
+            climb.costs.push_back(
+                space.mayTake(i, row)
+                    ? pairCost(space.tables.peaks[static_cast<std::size_t>(space.peaks[i])],
+                               &climb.ranges[static_cast<std::size_t>(row * space.tables.columns)])
+                    : infinity);
+    if (!linearAssignment(climb.costs, space.peakCount(), rows, climb.solution) ||
+        climb.rowOf == climb.solution.columnOf)
+        return false;
+    climb.rowOf = climb.solution.columnOf;
+    return true;
+}
+
+/// The tensors that fit the assignment best.
+void fitTensors(Climb &climb)
+{
+    const SearchSpace &space = climb.space;
+    MediaEquations equations = space.fixed;
+    for (std::size_t i = 0; i < space.peaks.size(); ++i)
+        addPair(space.tables, space.peaks[i], climb.rowOf[i], equations);
+    for (std::size_t medium = 0; medium < static_cast<std::size_t>(space.tables.media); ++medium) {
+        const Ellipsoid ellipsoid = makeEllipsoid(space.tables, equations[medium], 1e-3);
+        climb.isKnown[medium] = !ellipsoid.isOpen;
+        if (!ellipsoid.isOpen)
+            climb.tensors[medium] = ellipsoid.centre;
+    }
+}
+
+} // namespace
+
+void guessCandidate(const SearchSpace &space, ScoreWork &work, Candidate &best)
+{
+    std::mt19937 engine(1);
+    Climb climb = {.space = space, .costs = {}, .ranges = {}, .solution = {}, .rowOf = {}};
+    const int starts = fewestStarts + startsPerPeak * space.peakCount();
+    const int enoughHits = 1 + space.peakCount() / peaksPerHit;
+    int hits = 0;
+    for (int start = 0; start < starts && hits < enoughHits; ++start) {
+        climb.isKnown = {};
+        const auto first = static_cast<std::size_t>(start % space.tables.media); // the others follow from it
+        climb.isKnown[first] = true;
+        climb.tensors[first] = randomTensor(space.problem, engine);
+        climb.rowOf.clear();
+        for (int round = 0; round < mostRounds && assign(climb); ++round)
+            fitTensors(climb);
+        if (climb.rowOf.empty())
+            return; // no assignment at all
+        if (takeBetter(space, climb.rowOf, work, best))
+            hits = 0;
+        else if (climb.rowOf == best.rowOf)
+            ++hits;
+    }
+}
+
+} // namespace trelm

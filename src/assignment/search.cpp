@@ -1,0 +1,313 @@
+#include "assignment/search.h"
+
+#include "assignment/candidates.h"
+#include "assignment/first_guess.h"
+#include "assignment/search_space.h"
+#include "support/linear_assignment.h"
+#include "support/text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+#include <numeric>
+
+namespace trelm {
+namespace {
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+constexpr int fewestSelected = 2, mostSelected = 7; ///< peaks of a selection
+constexpr int mostTightenings = 8;                  ///< of the ellipsoids at one node
+constexpr double worthTightening = 0.02;            ///< gain of the bound, as a part of the limit
+constexpr int nodesPerLine = 512;                   ///< how often the progress is shown
+
+/// A descent through the candidates, peak by peak.
+struct Descent {
+    const SearchSpace &space;
+    ScoreWork work;
+    Candidate best;
+    double limit = 0.0;        ///< of sums in exact arithmetic: above it nothing can be the answer
+    std::vector<int> rowOf;    ///< of the peaks placed; -1 of the others
+    std::vector<char> isTaken; ///< rows
+    CandidateCount settled;
+    long long nodes = 0;
+
+    // Work space of a node, used up before the next one.
+    std::vector<int> openPeaks, openRows;
+    std::vector<RowRange> ranges;
+    std::vector<double> costs;
+    LinearAssignment solution;
+};
+
+void showSettled(const Descent &descent)
+{
+    std::fprintf(stderr, "REMARK Sampled %s\r", countText(descent.settled).c_str());
+    std::fflush(stderr);
+}
+
+/// Candidates below a node: free rows of each range for the open peaks of it.
+CandidateCount candidatesBelow(const Descent &descent)
+{
+    const SearchSpace &space = descent.space;
+    CandidateCount count = {1.0, 1, true};
+    for (std::size_t i = 0; i < space.peaks.size();) {
+        const RowSpan rows = space.rowsFor[i];
+        int open = 0;
+        for (; i < space.peaks.size() && space.rowsFor[i].first == rows.first; ++i)
+            open += descent.rowOf[i] < 0 ? 1 : 0;
+        const int free = static_cast<int>(
+            std::count(descent.isTaken.begin() + rows.first, descent.isTaken.begin() + rows.end, 0));
+        for (int k = 0; k < open; ++k)
+            count = count * (free - k);
+    }
+    return count;
+}
+
+void settle(Descent &descent, const CandidateCount &count)
+{
+    descent.settled += count;
+    if (++descent.nodes % nodesPerLine == 0)
+        showSettled(descent);
+}
+
+void listOpen(Descent &descent)
+{
+    descent.openPeaks.clear();
+    descent.openRows.clear();
+    for (std::size_t i = 0; i < descent.rowOf.size(); ++i)
+        if (descent.rowOf[i] < 0)
+            descent.openPeaks.push_back(static_cast<int>(i));
+    for (std::size_t row = 0; row < descent.isTaken.size(); ++row)
+        if (descent.isTaken[row] == 0)
+            descent.openRows.push_back(static_cast<int>(row));
+}
+
+/// What each open peak costs at least on each open row.
+void setCosts(Descent &descent)
+{
+    const BoundTables &tables = descent.space.tables;
+    descent.costs.clear();
+    for (const int i : descent.openPeaks) {
+        const auto peak = static_cast<std::size_t>(i);
+        const auto &couplings = tables.peaks[static_cast<std::size_t>(descent.space.peaks[peak])];
+        for (std::size_t k = 0; k < descent.openRows.size(); ++k)
+            descent.costs.push_back(
+                descent.space.mayTake(peak, descent.openRows[k])
+                    ? pairCost(couplings, &descent.ranges[k * static_cast<std::size_t>(tables.columns)])
+                    : infinity);
+    }
+}
+
+/// The ellipsoids of all media, and what the placed pairs cost at least.
+struct PlacedBound {
+    std::array<Ellipsoid, maxMedia> ellipsoids;
+    double least = 0.0;
+};
+
+PlacedBound boundPlaced(const Descent &descent, const MediaEquations &equations)
+{
+    PlacedBound bound;
+    for (std::size_t medium = 0; medium < static_cast<std::size_t>(descent.space.tables.media); ++medium) {
+        bound.ellipsoids[medium] = makeEllipsoid(descent.space.tables, equations[medium], descent.limit);
+        bound.least += bound.ellipsoids[medium].least;
+    }
+    return bound;
+}
+
+/// Bounds a node with its open peaks. The least total of their costs leaves less room to the tensors, which
+/// makes the ellipsoids smaller and the costs larger: again, as long as it is worth it. Returns the bound,
+/// infinity if the open peaks have no place at all; costs and solution are left for the choice of a peak.
+double boundNode(Descent &descent, const PlacedBound &placed)
+{
+    const BoundTables &tables = descent.space.tables;
+    const auto media = static_cast<std::size_t>(tables.media);
+    double open = 0.0;
+    for (int round = 0; round < mostTightenings; ++round) {
+        std::array<double, maxMedia> slack = {};
+        for (std::size_t medium = 0; medium < media; ++medium) {
+            const Ellipsoid &ellipsoid = placed.ellipsoids[medium];
+            slack[medium] =
+                descent.limit - open - (placed.least - ellipsoid.least) + ellipsoid.given - ellipsoid.bottom;
+        }
+        rowRanges(tables, std::span(placed.ellipsoids).first(media), slack, descent.openRows, descent.ranges);
+        setCosts(descent);
+        if (!linearAssignment(descent.costs, static_cast<int>(descent.openPeaks.size()),
+                              static_cast<int>(descent.openRows.size()), descent.solution))
+            return infinity;
+        const double gain = descent.solution.total - open;
+        open = std::max(open, descent.solution.total);
+        if (placed.least + open > descent.limit || gain < worthTightening * descent.limit)
+            break;
+    }
+    return placed.least + open;
+}
+
+/// A place for a peak, cheapest first.
+struct Choice {
+    double cost;
+    int row;
+};
+
+/// Of the open peaks the one with the fewest rows that the bound leaves it. Returns its place in the space.
+std::size_t choosePeak(const Descent &descent, double bound, std::vector<Choice> &choices)
+{
+    const std::size_t rows = descent.openRows.size();
+    const LinearAssignment &solution = descent.solution;
+    std::size_t chosen = 0, fewest = rows + 1;
+    double weight = 0.0;
+    std::vector<Choice> found;
+    for (std::size_t p = 0; p < descent.openPeaks.size(); ++p) {
+        found.clear();
+        for (std::size_t k = 0; k < rows; ++k) {
+            // Forced onto this row the others pay at least the reduced cost on top.
+            const double cost = descent.costs[p * rows + k];
+            const double reduced = cost - solution.rowPrice[p] - solution.columnPrice[k];
+            if (bound + reduced <= descent.limit)
+                found.push_back({cost, descent.openRows[k]});
+        }
+        const auto peak = static_cast<std::size_t>(descent.openPeaks[p]);
+        double own = 0.0;
+        for (const PeakCoupling &c :
+             descent.space.tables.peaks[static_cast<std::size_t>(descent.space.peaks[peak])])
+            own += c.w * c.w * c.d * c.d;
+        if (found.size() > fewest || (found.size() == fewest && own <= weight))
+            continue;
+        fewest = found.size();
+        weight = own;
+        chosen = peak;
+        choices = found;
+    }
+    std::ranges::sort(choices, {}, [](const Choice &choice) { return std::pair(choice.cost, choice.row); });
+    return chosen;
+}
+
+void finishCandidate(Descent &descent)
+{
+    if (takeBetter(descent.space, descent.rowOf, descent.work, descent.best))
+        descent.limit = exactLimit(descent.space.tables, descent.best.score);
+    settle(descent, {1.0, 1, true});
+}
+
+void descend(Descent &descent, const MediaEquations &equations)
+{
+    const PlacedBound placed = boundPlaced(descent, equations);
+    if (placed.least > descent.limit)
+        return settle(descent, candidatesBelow(descent));
+    listOpen(descent);
+    if (descent.openPeaks.empty())
+        return finishCandidate(descent);
+    const double bound = boundNode(descent, placed);
+    if (bound > descent.limit)
+        return settle(descent, candidatesBelow(descent));
+    std::vector<Choice> choices;
+    const std::size_t peak = choosePeak(descent, bound, choices);
+    const RowSpan rows = descent.space.rowsFor[peak];
+    std::vector<char> isTried(descent.isTaken.size(), 0);
+    const auto place = [&](int row, bool isOpen) {
+        descent.rowOf[peak] = row;
+        descent.isTaken[static_cast<std::size_t>(row)] = 1;
+        if (isOpen) {
+            MediaEquations below = equations;
+            addPair(descent.space.tables, descent.space.peaks[peak], row, below);
+            descend(descent, below);
+        } else {
+            settle(descent, candidatesBelow(descent));
+        }
+        descent.rowOf[peak] = -1;
+        descent.isTaken[static_cast<std::size_t>(row)] = 0;
+    };
+    for (const Choice &choice : choices) {
+        isTried[static_cast<std::size_t>(choice.row)] = 1;
+        place(choice.row, true);
+    }
+    for (int row = rows.first; row < rows.end; ++row) // what the bound left out
+        if (descent.isTaken[static_cast<std::size_t>(row)] == 0 &&
+            isTried[static_cast<std::size_t>(row)] == 0)
+            place(row, false);
+}
+
+/// Searches a space. `best` changes only if a candidate is better than noScore.
+void searchSpace(const SearchSpace &space, BestAssignment &best)
+{
+    const auto peaks = space.peaks.size();
+    const auto rows = static_cast<std::size_t>(space.problem.peakCount);
+    Descent descent = {.space = space,
+                       .work = {},
+                       .best = {},
+                       .rowOf = std::vector<int>(peaks, -1),
+                       .isTaken = std::vector<char>(rows, 0),
+                       .settled = {0.0, 0, true},
+                       .openPeaks = {},
+                       .openRows = {},
+                       .ranges = {},
+                       .costs = {},
+                       .solution = {}};
+    guessCandidate(space, descent.work, descent.best);
+    descent.limit = exactLimit(space.tables, descent.best.score);
+    descend(descent, space.fixed);
+    showSettled(descent);
+    std::fputs("\n", stderr);
+    std::fflush(stderr);
+    if (descent.best.rowOf.empty())
+        return;
+    best.pSumDMin = descent.best.score;
+    best.bestIdList.assign(rows, -1);
+    for (std::size_t i = 0; i < peaks; ++i)
+        best.bestIdList[static_cast<std::size_t>(descent.best.rowOf[i])] = space.peaks[i];
+}
+
+std::vector<int> allPeaks(const AssignmentProblem &problem)
+{
+    std::vector<int> peaks(static_cast<std::size_t>(problem.peakCount));
+    std::iota(peaks.begin(), peaks.end(), 0);
+    return peaks;
+}
+
+int checkItems(int items)
+{
+    if (static_cast<std::size_t>(std::max(items, 0)) <= mostItems)
+        return 0;
+    return complain("trelm: %d peaks to permute, the limit is %zu.\n", items, mostItems);
+}
+
+} // namespace
+
+int visitExh(const AssignmentProblem &problem, BestAssignment &best)
+{
+    if (checkItems(problem.peakCount) != 0)
+        return 1;
+    const std::vector<RowSpan> rows(static_cast<std::size_t>(problem.peakCount), {0, problem.peakCount});
+    searchSpace(makeSearchSpace(problem, allPeaks(problem), rows), best);
+    return 0;
+}
+
+int visitAa(const AssignmentProblem &problem, std::span<const int> idCutList, BestAssignment &best)
+{
+    if (idCutList.size() > mostClasses)
+        return 0;
+    std::vector<RowSpan> rows;
+    int first = 0;
+    for (const int size : idCutList) {
+        if (size < 0 || checkItems(size) != 0)
+            return size < 0 ? complain("trelm: -fixAa %d: a class has no such size.\n", size) : 1;
+        std::fprintf(stderr, "REMARK Sampled %s\r\n", countText(arrangements(size, size)).c_str());
+        rows.insert(rows.end(), static_cast<std::size_t>(size), {first, first + size});
+        first += size;
+    }
+    if (first != problem.peakCount)
+        return complain("REMARK Sampled 1\rError: Error in length of permutation.\n");
+    searchSpace(makeSearchSpace(problem, allPeaks(problem), rows), best);
+    return 0;
+}
+
+int visitAllExh(const AssignmentProblem &problem, std::span<const int> selected, BestAssignment &best)
+{
+    const int count = static_cast<int>(selected.size());
+    if (count < fewestSelected || count > mostSelected)
+        return complain("Warning: only subset of 2 to 7 peaks allowed!");
+    const std::vector<RowSpan> rows(selected.size(), {0, problem.peakCount});
+    searchSpace(makeSearchSpace(problem, {selected.begin(), selected.end()}, rows), best);
+    return 0;
+}
+
+} // namespace trelm

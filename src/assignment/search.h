@@ -1,0 +1,38 @@
+// The search for the best assignment of peaks to residues.
+//
+// The answer is that of the full enumeration: the smallest score, and of equal scores the first in the order
+// of enumeration. A candidate is left unscored only where a bound (bound.h) proves that it cannot be the
+// answer.
+#pragma once
+
+#include "assignment/problem.h"
+
+#include <span>
+#include <vector>
+
+namespace trelm {
+
+constexpr float noScore = 1.0e8f;      ///< no candidate is better than this to begin with
+constexpr std::size_t mostItems = 500; ///< peaks of one search
+constexpr std::size_t mostClasses = 6; ///< of visitAa
+
+struct BestAssignment {
+    float pSumDMin = noScore;
+    std::vector<int> bestIdList; ///< by residue row: the peak row on it, or -1
+};
+
+// Each prints how far it has come on the standard error stream, and a line feed at the end.
+
+/// All permutations of the peaks. The order of enumeration: by the residue row of peak 0, then of peak 1, and
+/// so on. Returns 0, or 1 after a message if there are too many peaks.
+int visitExh(const AssignmentProblem &problem, BestAssignment &best);
+
+/// Permutations within classes of consecutive peaks, of the given sizes. With more than mostClasses nothing
+/// is searched. Returns 0, or 1 after a message if the sizes do not add up to the number of peaks.
+int visitAa(const AssignmentProblem &problem, std::span<const int> idCutList, BestAssignment &best);
+
+/// The selected peaks (rows, rising) on all subsets of residues: by subset in lexical order, then as
+/// visitExh. Returns 0, or 1 after a message if the number of selected peaks is not 2 to 7.
+int visitAllExh(const AssignmentProblem &problem, std::span<const int> selected, BestAssignment &best);
+
+} // namespace trelm

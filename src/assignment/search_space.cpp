@@ -1,0 +1,87 @@
+#include "assignment/search_space.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace trelm {
+namespace {
+
+/// The problem with the peaks and rows of a candidate alone.
+AssignmentProblem subProblem(const AssignmentProblem &problem, std::span<const int> peaks,
+                             std::span<const int> rows)
+{
+    AssignmentProblem part;
+    part.peakCount = static_cast<int>(peaks.size());
+    part.colId = problem.colId;
+    part.fixed = problem.fixed;
+    part.nLcType = problem.nLcType;
+    part.nDTypList = problem.nDTypList;
+    part.colIdList = problem.colIdList;
+    part.lDa = problem.lDa;
+    part.hDa = problem.hDa;
+    part.lR = problem.lR;
+    part.hR = problem.hR;
+    const auto copyRows = [&](const std::vector<float> &from, std::span<const int> chosen,
+                              std::vector<float> &to) {
+        for (const int row : chosen) {
+            const auto first = from.begin() + static_cast<std::ptrdiff_t>(problem.at(row, 0));
+            to.insert(to.end(), first, first + problem.colId);
+        }
+    };
+    copyRows(problem.dcMat, peaks, part.dcMat);
+    copyRows(problem.diValMat, peaks, part.diValMat);
+    copyRows(problem.sigMat, peaks, part.sigMat);
+    copyRows(problem.wMat, peaks, part.wMat);
+    copyRows(problem.xMat, rows, part.xMat);
+    copyRows(problem.yMat, rows, part.yMat);
+    copyRows(problem.zMat, rows, part.zMat);
+    return part;
+}
+
+std::vector<int> sorted(std::span<const int> rowOf)
+{
+    std::vector<int> rows(rowOf.begin(), rowOf.end());
+    std::ranges::sort(rows);
+    return rows;
+}
+
+} // namespace
+
+SearchSpace makeSearchSpace(const AssignmentProblem &problem, std::vector<int> peaks,
+                            std::vector<RowSpan> rowsFor)
+{
+    return {problem, makeBoundTables(problem), fixedEquations(problem), std::move(peaks), std::move(rowsFor)};
+}
+
+float scoreCandidate(const SearchSpace &space, std::span<const int> rowOf, ScoreWork &work)
+{
+    std::vector<int> rowIdList(rowOf.size());
+    if (space.peakCount() == space.problem.peakCount) {
+        for (std::size_t i = 0; i < rowOf.size(); ++i)
+            rowIdList[static_cast<std::size_t>(rowOf[i])] = static_cast<int>(i);
+        return getSvdChi2Exh(space.problem, rowIdList, work);
+    }
+    const std::vector<int> rows = sorted(rowOf);
+    for (std::size_t i = 0; i < rowOf.size(); ++i)
+        rowIdList[static_cast<std::size_t>(std::ranges::lower_bound(rows, rowOf[i]) - rows.begin())] =
+            static_cast<int>(i);
+    return getSvdChi2Exh(subProblem(space.problem, space.peaks, rows), rowIdList, work);
+}
+
+bool isEarlier(std::span<const int> rowOf, std::span<const int> other)
+{
+    const std::vector<int> rows = sorted(rowOf), otherRows = sorted(other);
+    return rows != otherRows ? rows < otherRows : std::ranges::lexicographical_compare(rowOf, other);
+}
+
+bool takeBetter(const SearchSpace &space, std::span<const int> rowOf, ScoreWork &work, Candidate &best)
+{
+    const float score = scoreCandidate(space, rowOf, work);
+    const bool isBetter =
+        score < best.score || (score == best.score && !best.rowOf.empty() && isEarlier(rowOf, best.rowOf));
+    if (isBetter)
+        best = {{rowOf.begin(), rowOf.end()}, score};
+    return isBetter;
+}
+
+} // namespace trelm

@@ -1,0 +1,53 @@
+// Which candidates a search has, and what they score.
+#pragma once
+
+#include "assignment/bound.h"
+#include "assignment/candidates.h"
+#include "assignment/problem.h"
+#include "assignment/score.h"
+
+#include <span>
+#include <vector>
+
+namespace trelm {
+
+/// Rows first to end - 1.
+struct RowSpan {
+    int first = 0, end = 0;
+};
+
+/// A candidate puts each of the peaks on a residue row of its own. They are enumerated by the set of rows in
+/// lexical order, then by the row of the first peak, of the second, and so on.
+struct SearchSpace {
+    const AssignmentProblem &problem;
+    BoundTables tables;
+    MediaEquations fixed;
+    std::vector<int> peaks;       ///< peak rows, rising
+    std::vector<RowSpan> rowsFor; ///< residue rows that each of them may take
+
+    [[nodiscard]] int peakCount() const { return static_cast<int>(peaks.size()); }
+    [[nodiscard]] bool mayTake(std::size_t peak, int row) const
+    {
+        return row >= rowsFor[peak].first && row < rowsFor[peak].end;
+    }
+};
+
+SearchSpace makeSearchSpace(const AssignmentProblem &problem, std::vector<int> peaks,
+                            std::vector<RowSpan> rowsFor);
+
+/// A candidate: the row of each peak of the space. Empty: none.
+struct Candidate {
+    std::vector<int> rowOf;
+    float score = outsideWindow;
+};
+
+/// The score of a candidate, as the enumeration has it.
+float scoreCandidate(const SearchSpace &space, std::span<const int> rowOf, ScoreWork &work);
+
+/// Whether the first comes before the second in the order of enumeration.
+bool isEarlier(std::span<const int> rowOf, std::span<const int> other);
+
+/// Takes a candidate that is better, or as good and earlier. Returns whether it was taken.
+bool takeBetter(const SearchSpace &space, std::span<const int> rowOf, ScoreWork &work, Candidate &best);
+
+} // namespace trelm

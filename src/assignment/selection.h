@@ -1,0 +1,18 @@
+// Which peaks to assign when not all of them are.
+#pragma once
+
+#include "assignment/problem.h"
+
+#include <vector>
+
+namespace trelm {
+
+constexpr int minSelected = 2, maxSelected = 7; ///< peaks of a selection
+
+/// Chooses nSel peak rows. With dcSelOpt those richest in couplings whose weighted values spread most evenly
+/// over the range; of equally good ones the first in lexical order. Without, the first rows. What is chosen
+/// is told on standard output. `selected`: rows, rising. Returns 0, or 1 after a message: fewer peaks than
+/// nSel, or with dcSelOpt a number outside minSelected to maxSelected.
+int selectPeaks(const AssignmentProblem &problem, int nSel, int dcSelOpt, std::vector<int> &selected);
+
+} // namespace trelm

@@ -1,0 +1,294 @@
+#include "assignment/problem.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+namespace trelm {
+namespace {
+
+/// The lysines of ubiquitin have the numbers 6, 11, 27, 29, 33, 48, 63.
+constexpr const char *lysines = "6 H 6 N\n11 H 11 N\n27 N 27 H\n29 H 29 N\n33 H 33 N\n48 H 48 N\n63 H 63 N\n";
+
+/// A table that a search starts from. A line: residue and atom of both sides, and a segment if the table has
+/// them. The coupling of line i, from 1, is i Hz, its error i / 10, its weight i + 1.
+struct Table {
+    PDBInfo pdbInfo;
+    DTable dTab;
+};
+
+void readStructureInto(const std::string &name, bool withSegments, PDBInfo &pdbInfo)
+{
+    std::ifstream in(std::string(TRELM_EXAMPLES) + "/ubiquitin/1d3z_model1.pdb");
+    const std::string path = testing::TempDir() + name + ".pdb";
+    std::ofstream out(path);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    for (const char *segment : {"A   ", "B   "})
+        for (std::string line : lines) {
+            if (withSegments)
+                line.resize(80, ' ');
+            if (withSegments)
+                line.replace(72, 4, segment);
+            if (withSegments || segment[0] == 'A')
+                out << line << '\n';
+        }
+    out.close();
+    ASSERT_EQ(readPDB(path, &pdbInfo, nullptr), 0);
+}
+
+void readLines(const std::string &name, const std::string &lines, Table &table)
+{
+    const bool withSegments = lines.find('@') != std::string::npos;
+    readStructureInto(name, withSegments, table.pdbInfo);
+    const std::string path = testing::TempDir() + name + ".tab";
+    std::ofstream out(path);
+    out << "VARS RESID_I RESNAME_I ATOMNAME_I RESID_J RESNAME_J ATOMNAME_J SEGNAME_I SEGNAME_J D DD W\n"
+           "FORMAT %d %s %s %d %s %s %s %s %f %f %f\n";
+    std::istringstream in(lines);
+    int i = 0;
+    for (std::string line; std::getline(in, line);) {
+        std::istringstream words(line);
+        std::string resI, atomI, resJ, atomJ, segment = "None";
+        words >> resI >> atomI >> resJ >> atomJ >> segment;
+        segment = segment[0] == '@' ? segment.substr(1) : "None";
+        ++i;
+        out << resI << " LYS " << atomI << ' ' << resJ << " LYS " << atomJ << ' ' << segment << ' ' << segment
+            << ' ' << i << ' ' << i / 10.0 << ' ' << i + 1 << '\n';
+    }
+    out.close();
+    ASSERT_EQ(readDC(path, &table.dTab), 0);
+    mapDCInfo(&table.pdbInfo, &table.dTab, 0);
+    selectD(table.dTab.observed(), -100, 1000, 3);
+    buildDC(&table.pdbInfo, &table.dTab, 0, 0, {}, 1);
+}
+
+struct Made {
+    int status = 0;
+    std::string out, err;
+    AssignmentProblem problem;
+    PeakTable peaks;
+};
+
+Made make(const std::string &lines, std::span<const int> fixResList = {},
+          const std::vector<std::string> &media = {""})
+{
+    Table table;
+    readLines("assignment_problem", lines, table);
+    Made made;
+    made.peaks.fixResList = fixResList;
+    made.peaks.media = media;
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    made.status = makeProblem(table.pdbInfo, table.dTab, made.peaks, made.problem);
+    made.out = testing::internal::GetCapturedStdout();
+    made.err = testing::internal::GetCapturedStderr();
+    made.peaks.fixResList = {};
+    return made;
+}
+
+TEST(CouplingType, GoesByAtomNamesInEitherOrder)
+{
+    struct {
+        const char *atomI, *atomJ;
+        int type, peakId; ///< of residues 10 and 11
+    } const cases[] = {
+        {"N", "HN", 0, 10}, {"H", "N", 0, 10},   {"C", "N", 1, 11},   {"HN", "C", 2, 11},
+        {"C", "H", 2, 11},  {"CA", "C", 3, 11},  {"HA", "CA", 4, 11}, {"CA", "CB", 5, 11},
+        {"HA", "C", 6, 11}, {"CA", "HN", 7, 11}, {"H", "CA", 7, 11},  {"HA", "HN", -1, 0},
+        {"n", "HN", -1, 0}, {"N", "HN1", -1, 0},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(std::string(c.atomI) + " " + c.atomJ);
+        DInfo obs;
+        obs.resIDI = 10;
+        obs.resIDJ = 11;
+        pdbStrCpy(obs.atomNameI, c.atomI);
+        pdbStrCpy(obs.atomNameJ, c.atomJ);
+        EXPECT_EQ(couplingType(obs), c.type);
+        if (c.type != noType) {
+            EXPECT_EQ(peakIdOf(obs, c.type), c.peakId);
+        }
+    }
+}
+
+TEST(MakeProblem, PutsEachCouplingInItsPlace)
+{
+    // Residue 26 holds the CA-C coupling of peak 27; residue 30 belongs to no peak.
+    const Made made = make(std::string(lysines) + "26 CA 26 C\n30 CA 30 C\n47 C 48 N\n29 C 30 N\n");
+    ASSERT_EQ(made.status, 0) << made.err;
+    EXPECT_EQ(made.out, "REMARK 7 N-HN Unassigned Peaks, Residues 6 to 63.\n"
+                        "REMARK 7 N-HN Unassigned Peaks and 7 LYS Residues.\n"
+                        "REMARK Available Types of Unassigned Couplings: N-HN C-N CA-C.\n"
+                        "REMARK # of coupling types: 3\n"
+                        "REMARK 7 x 3 Unassigned Coupling Matrix.\n"
+                        "REMARK Peak 6 11 27 29 33 48 63 exhaustively searched.\n"
+                        "REMARK No couplings are fixed.\n");
+    EXPECT_EQ(made.err, "");
+    const AssignmentProblem &problem = made.problem;
+    const auto row = [&](int column) {
+        std::vector<float> d;
+        for (int k = 0; k < problem.peakCount; ++k)
+            d.push_back(problem.dcMat[problem.at(k, column)]);
+        return d;
+    };
+    const float none = noPeakCoupling;
+    EXPECT_EQ(row(0), (std::vector<float>{1, 2, 3, 4, 5, 6, 7}));
+    EXPECT_EQ(row(1), (std::vector<float>{none, none, none, none, none, 10, none}));
+    EXPECT_EQ(row(2), (std::vector<float>{none, none, 8, none, none, none, none}));
+    const std::size_t cell = problem.at(2, 2), empty = problem.at(3, 2);
+    EXPECT_FLOAT_EQ(problem.sigMat[cell], 0.8f);
+    EXPECT_FLOAT_EQ(problem.wMat[cell], 9.0f);
+    EXPECT_NE(problem.diValMat[cell], 0.0f);
+    EXPECT_EQ(problem.diValMat[empty], 0.0f);
+    EXPECT_EQ(problem.wMat[empty], 0.0f);
+    EXPECT_EQ(problem.xMat[empty], 0.0f);
+    // Row 2 is given as N to H, row 0 as H to N: the vectors run from I to J.
+    Table table;
+    readLines("assignment_vectors", lysines, table);
+    const AtomInfo *n = findAtom(&table.pdbInfo, 27, "N", "A", ""),
+                   *h = findAtom(&table.pdbInfo, 27, "H", "A", "");
+    ASSERT_TRUE(n != nullptr && h != nullptr);
+    EXPECT_EQ(problem.zMat[problem.at(2, 0)], h->z - n->z);
+    n = findAtom(&table.pdbInfo, 6, "N", "A", "");
+    h = findAtom(&table.pdbInfo, 6, "H", "A", "");
+    EXPECT_EQ(problem.xMat[problem.at(0, 0)], n->x - h->x);
+}
+
+TEST(MakeProblem, KeepsFixedCouplingsByMedium)
+{
+    const int fixed[] = {6, 11};
+    const std::string some = "27 H 27 N\n29 H 29 N\n";
+    Made made = make(some + "6 H 6 N\n11 H 11 N\n", fixed);
+    ASSERT_EQ(made.status, 0) << made.err;
+    EXPECT_NE(made.out.find("REMARK No couplings for residue. 6 11 are fixed.\n"
+                            "REMARK 2 couplings fixed in total.\n"),
+              std::string::npos)
+        << made.out;
+    EXPECT_EQ(made.err, "Warning: 2 N-HN Unassigned Peaks and 5 LYS Residues!\n");
+    ASSERT_EQ(made.problem.fixed.size(), 2U);
+    EXPECT_EQ(made.problem.fixed[1].d, 4.0f);
+
+    const std::string media =
+        "27 H 27 N @A\n27 H 27 N @B\n26 CA 26 C @B\n6 H 6 N @B\n11 H 11 N @A\n6 H 6 N @A\n";
+    made = make(media, fixed, {"A", "B"});
+    ASSERT_EQ(made.status, 0) << made.err;
+    for (const char *line : {"REMARK Available Types of Unassigned Couplings of SegId A: N-HN.\n"
+                             "REMARK Available Types of Unassigned Couplings of SegId B: N-HN CA-C.\n",
+                             "REMARK # of coupling types for each SegID:  (A 1) (B 2).\n",
+                             "REMARK 1 x 3 Unassigned Coupling Matrix.\n",
+                             "REMARK Couplings of type A for residue 11 6 are fixed.\n"
+                             "REMARK Couplings of type B for residue 6 are fixed.\n"
+                             "REMARK 3 couplings fixed in total.\n"})
+        EXPECT_NE(made.out.find(line), std::string::npos) << line << made.out;
+    EXPECT_EQ(made.problem.nDTypList, (std::array<int, 3>{2, 1, 0}));
+    EXPECT_EQ(made.problem.colIdList, (std::array<int, 3>{1, 2, 0}));
+    EXPECT_EQ(made.problem.dcMat, (std::vector<float>{1, 2, 3}));
+    EXPECT_EQ(made.problem.fixed[2].d, 4.0f);
+}
+
+std::string manyPeaks(int count)
+{
+    std::string lines;
+    for (int i = 0; i < count; ++i)
+        lines += std::to_string(1000 + i) + " H " + std::to_string(1000 + i) + " N\n";
+    return lines;
+}
+
+TEST(MakeProblem, RefusesWhatItCannotSearch)
+{
+    const int fixed[] = {6, 27};
+    struct {
+        const char *why;
+        std::string lines;
+        std::span<const int> fixResList;
+        std::vector<std::string> media;
+        int status;
+        const char *err;
+    } const cases[] = {
+        {"no peak", "26 CA 26 C\n", {}, {""}, 1, ""},
+        {"all peaks fixed", "6 H 6 N\n27 H 27 N\n", fixed, {""}, 1, ""},
+        {"a peak of no medium",
+         "6 H 6 N @A\n11 H 11 N @B\n",
+         {},
+         {"A"},
+         1,
+         "Error in Number of Unassigned N-HN couplings."},
+        {"a coupling is missing, and all there are belong to peaks",
+         std::string(lysines) + "26 CA 26 C\n",
+         {},
+         {""},
+         1,
+         "Error: CA-C coupling for PeakID 6 not found.\n"},
+        {"a fixed coupling of unknown kind",
+         "11 H 11 N\n6 HA 6 H\n",
+         fixed,
+         {""},
+         1,
+         "Error in Number of assigned couplings."},
+        {"fixed by its peak, not by its residue",
+         "11 H 11 N\n26 CA 26 C\n6 H 6 N\n",
+         fixed,
+         {""},
+         1,
+         "Error in Number of assigned couplings."},
+        {"the same peak twice",
+         std::string(lysines) + "33 H 33 N\n",
+         {},
+         {""},
+         0,
+         "Warning: N-HN coupling for PeakID 33 stands in the table again, the last one counts.\n"},
+        {"a fixed residue without couplings", "27 H 27 N\n", std::span(fixed).first(1), {""}, 0, ""},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.why);
+        const Made made = make(c.lines, c.fixResList, c.media);
+        EXPECT_EQ(made.status, c.status);
+        const std::size_t behind = made.err.find("Residues!\n"); // the warning of a test's few peaks
+        EXPECT_EQ(behind == std::string::npos ? made.err : made.err.substr(behind + 10), c.err);
+    }
+}
+
+/// Couplings whose atoms the structure does not have, resolved by hand.
+void resolve(DTable &dTab, AtomInfo &atomI, AtomInfo &atomJ, int count)
+{
+    for (DInfo &calc : dTab.calculated()) {
+        calc.valid = 1;
+        calc.atomI[0] = &atomI;
+        calc.atomJ[0] = &atomJ;
+        calc.atomICount = count;
+        calc.atomJCount = 1;
+    }
+}
+
+TEST(MakeProblem, TestsItsLimits)
+{
+    AtomInfo atomI, atomJ;
+    struct {
+        int peakCount, atoms, status;
+        const char *err;
+    } const cases[] = {
+        {800, 1, 0, "Warning: 800 N-HN Unassigned Peaks and 7 LYS Residues!\n"},
+        {801, 1, 1, "Error: 801 N-HN Unassigned Peaks, the limit is 800.\n"},
+        {2, 2, 1,
+         "Warning: 2 N-HN Unassigned Peaks and 7 LYS Residues!\nError: Degenerate Atoms not implemented "
+         "yet.\n"},
+    };
+    for (const auto &c : cases) {
+        Table table;
+        readLines("assignment_many", manyPeaks(c.peakCount), table);
+        resolve(table.dTab, atomI, atomJ, c.atoms);
+        Made made;
+        made.peaks.media = {""};
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(makeProblem(table.pdbInfo, table.dTab, made.peaks, made.problem), c.status);
+        testing::internal::GetCapturedStdout();
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), c.err);
+    }
+}
+
+} // namespace
+} // namespace trelm

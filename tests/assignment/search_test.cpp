@@ -1,0 +1,251 @@
+// The bounded search against the full enumeration: the same assignment, and the same score to the bit.
+#include "assignment/search.h"
+
+#include "assignment/candidates.h"
+#include "assignment/score.h"
+#include "reference/assignment_reference.h"
+#include "reference/random_problem.h"
+#include "support/linear_assignment.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <numeric>
+#include <random>
+#include <vector>
+
+namespace trelm {
+namespace {
+
+using testing::internal::CaptureStderr;
+using testing::internal::GetCapturedStderr;
+
+/// A kind of problem, and what is done to it afterwards.
+struct Recipe {
+    RandomProblem kind = {};
+    bool hasTwins = false; ///< peak 1 has the couplings of peak 0
+    bool hasGaps = false;  ///< vectors of length 0
+    float lDa = -25.0f, hDa = -3.0f, lR = 0.0f, hR = 0.7f;
+};
+
+AssignmentProblem make(const Recipe &recipe, int peaks, unsigned seed)
+{
+    RandomProblem kind = recipe.kind;
+    kind.peaks = peaks;
+    AssignmentProblem problem = ProblemMaker(seed).make(kind).problem;
+    problem.lDa = recipe.lDa;
+    problem.hDa = recipe.hDa;
+    problem.lR = recipe.lR;
+    problem.hR = recipe.hR;
+    if (recipe.hasTwins && peaks > 1)
+        for (std::vector<float> *matrix : {&problem.dcMat, &problem.diValMat, &problem.sigMat, &problem.wMat})
+            std::copy_n(matrix->begin(), problem.colId, matrix->begin() + problem.colId);
+    if (recipe.hasGaps)
+        for (std::size_t cell = seed % 3; cell < problem.xMat.size(); cell += 5)
+            problem.xMat[cell] = problem.yMat[cell] = problem.zMat[cell] = 0.0f;
+    return problem;
+}
+
+AssignmentProblem make(int peaks, double noise, unsigned seed)
+{
+    return make({.kind = {.noise = noise}}, peaks, seed);
+}
+
+/// Runs a search with its progress out of the way.
+template <class Search>
+std::string quietly(Search search)
+{
+    CaptureStderr();
+    search();
+    return GetCapturedStderr();
+}
+
+void expectSame(const BestAssignment &best, const PlainAssignment &plain)
+{
+    EXPECT_EQ(best.pSumDMin, plain.pSumDMin);
+    if (std::ranges::any_of(plain.bestIdList, [](int peak) { return peak >= 0; })) {
+        EXPECT_EQ(best.bestIdList, plain.bestIdList);
+    } else {
+        EXPECT_TRUE(best.bestIdList.empty());
+    }
+}
+
+std::string lastLine(std::uint64_t count)
+{
+    return "REMARK Sampled " + std::to_string(count) + "\r\n";
+}
+
+const std::vector<int> two = {2, 2}, three = {2, 2, 2};
+
+const Recipe recipes[] = {
+    {},
+    {.kind = {.noise = 3.0, .missing = 0.1}},
+    {.kind = {.noise = 20.0}},
+    {.kind = {.columns = {1}, .fixed = {3}}},
+    {.kind = {.columns = {1}}},
+    {.kind = {.columns = two, .fixed = {0, 0}, .noise = 1.0, .missing = 0.2}},
+    {.kind = {.columns = three, .fixed = {2, 0, 6}, .noise = 2.0, .missing = 0.1}},
+    {.kind = {.noise = 2.0, .equalWeights = false}},
+    {.kind = {.columns = {4}, .missing = 0.5, .equalWeights = false}},
+    {.hasTwins = true},
+    {.kind = {.columns = {2}, .noise = 4.0, .equalWeights = false}, .hasTwins = true},
+    {.hasGaps = true},
+    {.lDa = 3.0f, .hDa = 25.0f},                          // nothing inside
+    {.kind = {.noise = 5.0}, .lDa = -9.0f, .hDa = -8.0f}, // hardly anything inside
+    {.kind = {.noise = 5.0}, .lR = 0.3f, .hR = 0.32f},
+    {.kind = {.noise = 5.0}, .lDa = -1.0e9f, .hDa = 1.0e9f, .lR = -1.0f, .hR = 1.0f}, // all inside
+    {.kind = {.columns = {1}, .noise = 1.0, .missing = 0.3}}, // now and then fewer than five couplings
+    {.kind = {.columns = two, .fixed = {0, 0}}, .lDa = 3.0f, .hDa = 25.0f},
+};
+
+TEST(Search, IsTheFullEnumeration)
+{
+    unsigned seed = 1;
+    for (const Recipe &recipe : recipes)
+        for (int peaks = 1; peaks <= 7; ++peaks)
+            for (int repeat = 0; repeat < (peaks < 7 ? 3 : 1); ++repeat) {
+                SCOPED_TRACE(testing::Message()
+                             << "recipe " << &recipe - recipes << ", " << peaks << " peaks, seed " << seed);
+                const AssignmentProblem problem = make(recipe, peaks, seed++);
+                BestAssignment best;
+                const std::string err = quietly([&] { EXPECT_EQ(visitExh(problem, best), 0); });
+                const PlainAssignment plain = visitExhPlain(problem);
+                expectSame(best, plain);
+                EXPECT_TRUE(err.ends_with(lastLine(plain.count))) << err;
+            }
+}
+
+TEST(Search, EightPeaks)
+{
+    for (const unsigned seed : {1U, 2U, 3U}) {
+        const AssignmentProblem problem = make({.kind = {.noise = 3.0, .equalWeights = seed != 3U}}, 8, seed);
+        BestAssignment best;
+        quietly([&] { visitExh(problem, best); });
+        expectSame(best, visitExhPlain(problem));
+    }
+}
+
+TEST(Search, ClassesAreTheirProduct)
+{
+    const std::vector<std::vector<int>> classes = {{3, 4},       {1, 2, 4}, {7},
+                                                   {2, 2, 2, 1}, {0, 3, 4}, {1, 1, 1, 1, 1, 2}};
+    unsigned seed = 500;
+    for (const std::vector<int> &sizes : classes)
+        for (const double noise : {0.5, 8.0}) {
+            const AssignmentProblem problem = make(7, noise, seed++);
+            BestAssignment best;
+            const std::string err = quietly([&] { EXPECT_EQ(visitAa(problem, sizes, best), 0); });
+            const PlainAssignment plain = visitAaPlain(problem, sizes);
+            expectSame(best, plain);
+            EXPECT_TRUE(err.ends_with(lastLine(plain.count))) << err;
+        }
+    // Classes of 13 peaks and more have no list that could overflow.
+    const AssignmentProblem large = make({.kind = {.noise = 0.3, .isShuffled = false}}, 27, seed);
+    BestAssignment best;
+    EXPECT_EQ(quietly([&] {
+                  EXPECT_EQ(visitAa(large, std::vector<int>{13, 14}, best), 0);
+              }).find("-"),
+              std::string::npos);
+    for (int row = 0; row < 27; ++row)
+        EXPECT_EQ(best.bestIdList[static_cast<std::size_t>(row)] < 13, row < 13);
+}
+
+TEST(Search, SubsetsOfResidues)
+{
+    unsigned seed = 700;
+    for (const std::vector<int> &selected :
+         {std::vector<int>{0, 3}, {1, 2, 5}, {0, 2, 4, 6}, {0, 1, 2, 3, 4, 5, 6}})
+        for (const Recipe &recipe :
+             {Recipe{}, recipes[5], Recipe{.kind = {.fixed = {4}}, .hasTwins = true}}) {
+            const AssignmentProblem problem = make(recipe, 7, seed++);
+            BestAssignment best;
+            const std::string err = quietly([&] { EXPECT_EQ(visitAllExh(problem, selected, best), 0); });
+            const PlainAssignment plain = visitAllExhPlain(problem, selected);
+            expectSame(best, plain);
+            EXPECT_TRUE(err.ends_with(lastLine(plain.count))) << err;
+        }
+}
+
+TEST(Search, RefusesWhatItCanNotDo)
+{
+    const AssignmentProblem problem = make(7, 0.5, 1);
+    BestAssignment best;
+    EXPECT_EQ(quietly([&] {
+                  EXPECT_EQ(visitAa(problem, std::vector<int>{3, 3}, best), 1);
+              }).find("Error: Error in length of permutation.\n") != std::string::npos,
+              true);
+    EXPECT_EQ(quietly([&] {
+                  EXPECT_EQ(visitAa(problem, std::vector<int>{1, 1, 1, 1, 1, 1, 1}, best), 0);
+              }),
+              "");
+    EXPECT_TRUE(best.bestIdList.empty());
+    for (const std::vector<int> &selected : {std::vector<int>{1}, {0, 1, 2, 3, 4, 5, 6, 7}})
+        EXPECT_EQ(quietly([&] { EXPECT_EQ(visitAllExh(problem, selected, best), 1); }),
+                  "Warning: only subset of 2 to 7 peaks allowed!");
+    AssignmentProblem large;
+    large.peakCount = 501;
+    EXPECT_NE(quietly([&] { EXPECT_EQ(visitExh(large, best), 1); }).find("the limit is 500"),
+              std::string::npos);
+}
+
+TEST(Search, LargeProblemsAreDecided)
+{
+    // The assignment that the couplings were made with, of 1e14 and 2e18 candidates and more.
+    for (const int peaks : {12, 20, 30}) {
+        const AssignmentProblem problem = make(peaks, 0.3, 77);
+        BestAssignment best;
+        const std::string err = quietly([&] { visitExh(problem, best); });
+        ScoreWork work;
+        EXPECT_EQ(getSvdChi2Exh(problem, best.bestIdList, work), best.pSumDMin);
+        EXPECT_LT(best.pSumDMin, 0.09f * 3.0f * static_cast<float>(peaks) * 1.5f);
+        EXPECT_TRUE(err.ends_with("REMARK Sampled " + countText(arrangements(peaks, peaks)) + "\r\n")) << err;
+    }
+}
+
+TEST(Candidates, AreNeverWrapped)
+{
+    EXPECT_EQ(countText(arrangements(20, 20)), "2432902008176640000");
+    EXPECT_EQ(countText(arrangements(21, 21)), "5.109094e+19");
+    EXPECT_EQ(countText(arrangements(7, 3)), "210");
+    CandidateCount sum = arrangements(20, 20);
+    for (int i = 0; i < 3; ++i)
+        sum += arrangements(20, 20);
+    EXPECT_EQ(countText(sum), "9.731608e+18");
+}
+
+TEST(LinearAssignment, IsTheBestOfAll)
+{
+    std::mt19937 engine(9);
+    std::uniform_int_distribution<int> price(0, 12);
+    for (int repeat = 0; repeat < 200; ++repeat) {
+        const int rows = 1 + repeat % 5, columns = rows + repeat % 3;
+        std::vector<double> costs;
+        for (int i = 0; i < rows * columns; ++i)
+            costs.push_back(price(engine) == 0 ? std::numeric_limits<double>::infinity() : price(engine));
+        std::vector<int> order(static_cast<std::size_t>(columns));
+        std::iota(order.begin(), order.end(), 0);
+        double least = std::numeric_limits<double>::infinity();
+        do {
+            double total = 0.0;
+            for (int row = 0; row < rows; ++row)
+                total +=
+                    costs[static_cast<std::size_t>(row * columns + order[static_cast<std::size_t>(row)])];
+            least = std::min(least, total);
+        } while (std::ranges::next_permutation(order).found);
+        LinearAssignment solution;
+        ASSERT_EQ(linearAssignment(costs, rows, columns, solution), std::isfinite(least));
+        if (!std::isfinite(least))
+            continue;
+        EXPECT_EQ(solution.total, least);
+        for (std::size_t row = 0; row < static_cast<std::size_t>(rows); ++row)
+            for (std::size_t column = 0; column < static_cast<std::size_t>(columns); ++column)
+                EXPECT_GE(costs[row * static_cast<std::size_t>(columns) + column] - solution.rowPrice[row] -
+                              solution.columnPrice[column],
+                          -1e-9);
+    }
+}
+
+} // namespace
+} // namespace trelm

@@ -159,17 +159,6 @@ int fitMedia(const AssignmentSetup &setup, const PeakTable &peaks)
     return 0;
 }
 
-void solveEuler(DTensor &tensor)
-{
-    if (tensor.eulerFlag == 0)
-        return;
-    RotationLists lists;
-    tensor.eulerCount = saupe2euler(tensor.saupe, lists, tensor.eigVal, tensor.da, tensor.dr);
-    tensor.psiList = lists.psi;
-    tensor.thetaList = lists.theta;
-    tensor.phiList = lists.phi;
-}
-
 /// Returns 0, or non-zero after a message.
 int writeResults(const AssignmentSetup &setup)
 {
@@ -218,7 +207,11 @@ int exhSimDC(const AssignmentSetup &setup)
     applyAssignment(problem, peaks, best, dTab);
     if (fitMedia(setup, peaks) != 0)
         return 1;
-    return writeResults(setup);
+    const int status = writeResults(setup);
+    if (status == 0 && !best.isProved)
+        return complain(
+            "trelm: the search was interrupted: the assignment is the best so far, and not proved.\n");
+    return status;
 }
 
 } // namespace trelm

@@ -2,6 +2,7 @@
 
 #include "assignment/candidates.h"
 #include "assignment/first_guess.h"
+#include "assignment/interrupt.h"
 #include "assignment/search_space.h"
 #include "support/linear_assignment.h"
 #include "support/text.h"
@@ -190,6 +191,8 @@ void finishCandidate(Descent &descent)
 
 void descend(Descent &descent, const MediaEquations &equations)
 {
+    if (InterruptGuard::isInterrupted())
+        return;
     const PlacedBound placed = boundPlaced(descent, equations);
     if (placed.least > descent.limit)
         return settle(descent, candidatesBelow(descent));
@@ -242,12 +245,14 @@ void searchSpace(const SearchSpace &space, BestAssignment &best)
                        .ranges = {},
                        .costs = {},
                        .solution = {}};
+    const InterruptGuard guard;
     guessCandidate(space, descent.work, descent.best);
     descent.limit = exactLimit(space.tables, descent.best.score);
     descend(descent, space.fixed);
     showSettled(descent);
     std::fputs("\n", stderr);
     std::fflush(stderr);
+    best.isProved = !InterruptGuard::isInterrupted();
     if (descent.best.rowOf.empty())
         return;
     best.pSumDMin = descent.best.score;

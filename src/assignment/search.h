@@ -19,6 +19,7 @@ constexpr std::size_t mostClasses = 6; ///< of visitAa
 struct BestAssignment {
     float pSumDMin = noScore;
     std::vector<int> bestIdList; ///< by residue row: the peak row on it, or -1
+    bool isProved = true;        ///< false: the user ended the search, and it is the best so far
 };
 
 // Each prints how far it has come on the standard error stream, and a line feed at the end.

@@ -124,18 +124,6 @@ void takeRows(DTable &dTab, const Slices &s)
     }
 }
 
-/// The Euler solutions of the table's Saupe vector, if they are asked for.
-void solveEuler(DTensor &tensor)
-{
-    if (tensor.eulerFlag == 0)
-        return;
-    RotationLists lists;
-    tensor.eulerCount = saupe2euler(tensor.saupe, lists, tensor.eigVal, tensor.da, tensor.dr);
-    tensor.psiList = lists.psi;
-    tensor.thetaList = lists.theta;
-    tensor.phiList = lists.phi;
-}
-
 /// The couplings of a tensor into the rows, as findD and takeRows.
 void calculateRows(const RepeatedFit &fit, const std::array<float, 5> &saupe, DTable &dTab)
 {
@@ -165,6 +153,17 @@ int checkTensor(const DTensor &tensor, int used)
 }
 
 } // namespace
+
+void solveEuler(DTensor &tensor)
+{
+    if (tensor.eulerFlag == 0)
+        return;
+    RotationLists lists;
+    tensor.eulerCount = saupe2euler(tensor.saupe, lists, tensor.eigVal, tensor.da, tensor.dr);
+    tensor.psiList = lists.psi;
+    tensor.thetaList = lists.theta;
+    tensor.phiList = lists.phi;
+}
 
 int fitD(PDBInfo *pdbInfo, DTable *dTab, int verbose)
 {

@@ -39,6 +39,9 @@ void findD(const FitVectors &vectors, const std::array<float, 5> &saupe, const s
 int saupe2euler(const std::array<float, 5> &saupe, RotationLists &lists, std::array<float, 3> &eigVal,
                 float &da, float &dr);
 
+/// The Euler solutions of a tensor's Saupe vector into its lists, if they are asked for (eulerFlag).
+void solveEuler(DTensor &tensor);
+
 /// The Saupe vector of a rotation (degrees) and a magnitude.
 void euler2saupe(std::array<float, 5> &saupe, float psi, float theta, float phi, float da, float dr);
 

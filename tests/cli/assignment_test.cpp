@@ -113,4 +113,22 @@ TEST(AssignmentRun, OtherSearches)
     EXPECT_EQ(countOf(empty.err, "Matrix: error in best-fit of data.\n"), 1);
 }
 
+TEST(AssignmentRun, InterruptedKeepsTheBestSoFar)
+{
+    // One coupling a peak decides nothing.
+    std::vector<std::string> args = {"--preserve-status", "-s", "INT", "1", TRELM_PROGRAM};
+    const std::vector<std::string> run = {
+        "-bestFit", "-exhaust", "-pdb", example("1d3z_model1.pdb"), "-inD", example("bicelle_hn.tab"),
+        "-outD",    "a.tab",    "-H"};
+    args.insert(args.end(), run.begin(), run.end());
+    const Ran ran = runProgram(args, {.program = "/usr/bin/timeout"});
+    EXPECT_EQ(ran.status, 1);
+    EXPECT_EQ(countOf(ran.err,
+                      "trelm: the search was interrupted: the assignment is the best so far, and not "
+                      "proved.\n"),
+              1);
+    EXPECT_EQ(tableRows(ran.file("a.tab")).size(), 63U);
+    EXPECT_LT(numbersAfter(ran.file("a.tab"), "DATA RMS").at(0), 1.0);
+}
+
 } // namespace

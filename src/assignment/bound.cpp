@@ -11,6 +11,8 @@ namespace {
 
 constexpr double amide = 21585.2; ///< Hz: Da on the scale of an amide pair, as the window has it
 constexpr SaupeTerms sizeWeights = {1.5, 0.5, 2.0, 2.0, 2.0}; ///< of the squares in a tensor's size
+/// Below this part of its diagonal a pivot is lost in rounding: nothing is said about the tensor then.
+constexpr double pivotLimit = 1e-9;
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
 double number(float value)
@@ -43,6 +45,8 @@ double roundingOf(const AssignmentProblem &problem, double largestDa)
     constexpr double roundings = 12.0 / 16777216.0;
     double square = 0.0;
     const auto add = [&](float di, float w) {
+        if (di == 0.0f || w == 0.0f)
+            return;
         const double error = std::fabs(number(di)) * 6.0 * largestDa * roundings * number(w);
         square += error * error;
     };
@@ -65,7 +69,7 @@ bool factorise(const std::array<double, 15> &matrix, std::array<double, 15> &fac
                 factor[at(i, j)] = sum / factor[at(j, j)];
                 continue;
             }
-            if (!(sum > 1e-12 * matrix[at(i, i)]))
+            if (!(sum > pivotLimit * matrix[at(i, i)]))
                 return false;
             factor[at(i, i)] = std::sqrt(sum);
         }
@@ -140,7 +144,8 @@ double exactLimit(const BoundTables &tables, float score)
 {
     // The score itself is rounded to single precision, and so is each difference before it is squared.
     const double root = (std::sqrt(number(score)) + tables.rounding) * (1.0 + 1e-6);
-    return root * root;
+    const double limit = root * root;
+    return std::isfinite(limit) ? limit : std::numeric_limits<double>::max(); // an open window: no bound
 }
 
 void NormalEquations::add(const SaupeTerms &terms, double d, double w, double di)
@@ -203,8 +208,14 @@ Ellipsoid makeEllipsoid(const BoundTables &tables, const NormalEquations &equati
     ellipsoid.isOpen = false;
     const SaupeTerms half = forward(ellipsoid.factor, equations.rhs);
     ellipsoid.centre = backward(ellipsoid.factor, half);
-    // Less what rounding of the difference can have added.
-    ellipsoid.bottom = equations.square - dot(half, half) - 1e-9 * equations.square;
+    // Less what rounding can have added: of the difference, and of the solution, which is off by a few units
+    // in the last place of the matrix times the square of the centre.
+    double trace = 0.0;
+    for (std::size_t i = 0; i < saupeSize; ++i)
+        trace += matrix[at(i, i)];
+    const double slip =
+        64.0 * std::numeric_limits<double>::epsilon() * trace * dot(ellipsoid.centre, ellipsoid.centre);
+    ellipsoid.bottom = equations.square - dot(half, half) - 1e-9 * equations.square - slip;
     ellipsoid.least = std::max(0.0, ellipsoid.bottom - ellipsoid.given);
     return ellipsoid;
 }
@@ -217,7 +228,7 @@ void rowRanges(const BoundTables &tables, std::span<const Ellipsoid> ellipsoids,
     ranges.resize(rows.size() * columns);
     std::array<double, maxMedia> radius = {};
     for (std::size_t medium = 0; medium < ellipsoids.size(); ++medium)
-        radius[medium] = std::sqrt(std::max(0.0, slack[medium]));
+        radius[medium] = std::sqrt(std::max(0.0, slack[medium])) * (1.0 + 1e-9);
     std::size_t place = 0;
     for (const int row : rows)
         for (std::size_t column = 0; column < columns; ++column, ++place) {
@@ -238,8 +249,8 @@ double pairCost(std::span<const PeakCoupling> peak, const RowRange *row)
     double cost = 0.0;
     for (const PeakCoupling &coupling : peak) {
         const RowRange &range = row[coupling.column];
-        const double miss =
-            coupling.w * (std::fabs(coupling.d - coupling.di * range.centre) - coupling.di * range.halfWidth);
+        const double reach = coupling.di == 0.0 ? 0.0 : coupling.di * range.halfWidth;
+        const double miss = coupling.w * (std::fabs(coupling.d - coupling.di * range.centre) - reach);
         if (miss > 0.0)
             cost += miss * miss;
     }

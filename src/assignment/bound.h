@@ -2,15 +2,17 @@
 //
 // For any Saupe vector s the score is a sum of squares over (peak, residue) pairs, w^2 (d - |DI| t.s)^2 with
 // the geometry terms t of a residue's vector. Three facts carry the bound.
-// - The smallest sum over all s on the placed pairs can not be undercut: a least-squares problem, whose
-// normal
+// - The smallest sum over all s on the placed pairs can not be undercut: a least-squares problem. Its normal
 //   equations are sums over pairs. It does not matter how the fit of the score weighs its couplings.
-// - Every s that could still win lies in an ellipsoid about the best s of the placed pairs. Over that
-// ellipsoid a
-//   coupling misses by at least |d - |DI| t.s| less the half width of the ellipsoid along t.
+// - Every s that could still win lies in an ellipsoid about the best s of the placed pairs. Over it a
+//   coupling misses by at least |d - |DI| t.s| less |DI| times the half width of the ellipsoid along t.
 // - The remaining peaks take different residues: the least total of their misses is a linear assignment
-// problem. Where too few pairs are placed for an ellipsoid, the window of Da gives one: the tensor's size is
-// limited.
+//   problem.
+// The window of Da limits the size of the tensor, which counts in the least squares with a weight of its own:
+// heavy as long as few pairs are placed, so that there is an ellipsoid from the start, light later.
+// Rounding: a pivot near nothing leaves the medium open; what the solution in double precision can be off
+// by is taken from the bound; what scoring in single precision can be off by is given to the limit
+// (exactLimit).
 #pragma once
 
 #include "assignment/problem.h"

@@ -31,7 +31,7 @@ CandidateCount &operator+=(CandidateCount &count, const CandidateCount &other)
 
 CandidateCount arrangements(int items, int taken)
 {
-    CandidateCount count = {1.0, 1, true};
+    CandidateCount count = {1.0L, 1, true};
     for (int i = 0; i < taken; ++i)
         count = count * (items - i);
     return count;
@@ -43,7 +43,7 @@ std::string countText(const CandidateCount &count)
     if (count.isExact)
         appendf(text, "%llu", static_cast<unsigned long long>(count.exact));
     else
-        appendf(text, "%.6e", count.about);
+        appendf(text, "%.6Le", count.about);
     return text;
 }
 

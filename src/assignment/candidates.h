@@ -8,7 +8,7 @@ namespace trelm {
 
 /// A number of candidates: exact as long as it has no more than 63 bits, else about.
 struct CandidateCount {
-    double about = 0.0;
+    long double about = 0.0L; ///< 500! has 1135 digits
     std::uint64_t exact = 0;
     bool isExact = true;
 };

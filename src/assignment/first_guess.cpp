@@ -1,5 +1,6 @@
 #include "assignment/first_guess.h"
 
+#include "assignment/interrupt.h"
 #include "support/linear_assignment.h"
 
 #include <algorithm>
@@ -13,6 +14,7 @@ namespace {
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr int fewestStarts = 40; ///< random tensors
 constexpr int startsPerPeak = 4;
+constexpr int mostWork = 1'000'000; ///< starts times peaks squared
 constexpr int peaksPerHit = 8; ///< starts that must end at the best candidate again before more seem useless
 constexpr int mostRounds = 40; ///< of assignment and tensor
 
@@ -130,16 +132,18 @@ void guessCandidate(const SearchSpace &space, ScoreWork &work, Candidate &best)
 {
     std::mt19937 engine(1);
     Climb climb = {.space = space, .costs = {}, .ranges = {}, .solution = {}, .rowOf = {}};
-    const int starts = fewestStarts + startsPerPeak * space.peakCount();
+    // A start of many peaks takes long; the descent finds good candidates, too.
+    const int wanted = fewestStarts + startsPerPeak * space.peakCount();
+    const int starts = std::min(wanted, std::max(4, mostWork / (space.peakCount() * space.peakCount() + 1)));
     const int enoughHits = 1 + space.peakCount() / peaksPerHit;
     int hits = 0;
-    for (int start = 0; start < starts && hits < enoughHits; ++start) {
+    for (int start = 0; start < starts && hits < enoughHits && !InterruptGuard::isInterrupted(); ++start) {
         climb.isKnown = {};
         const auto first = static_cast<std::size_t>(start % space.tables.media); // the others follow from it
         climb.isKnown[first] = true;
         climb.tensors[first] = randomTensor(space.problem, engine);
         climb.rowOf.clear();
-        for (int round = 0; round < mostRounds && assign(climb); ++round)
+        for (int round = 0; round < mostRounds && !InterruptGuard::isInterrupted() && assign(climb); ++round)
             fitTensors(climb);
         if (climb.rowOf.empty())
             return; // no assignment at all

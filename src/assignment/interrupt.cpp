@@ -1,5 +1,7 @@
 #include "assignment/interrupt.h"
 
+#include <utility>
+
 namespace trelm {
 namespace {
 
@@ -19,8 +21,11 @@ InterruptGuard::InterruptGuard()
     action.sa_handler = note;
     action.sa_flags = SA_RESTART; // a line that is being written is written
     sigemptyset(&action.sa_mask);
-    sigaction(SIGINT, &action, &beforeInt);
-    sigaction(SIGTERM, &action, &beforeTerm);
+    for (const auto &[signal, before] : {std::pair(SIGINT, &beforeInt), std::pair(SIGTERM, &beforeTerm)}) {
+        sigaction(signal, &action, before);
+        if (before->sa_handler == SIG_IGN) // who runs us does not want it to be heard
+            sigaction(signal, before, nullptr);
+    }
 }
 
 InterruptGuard::~InterruptGuard()

@@ -50,7 +50,7 @@ void showSettled(const Descent &descent)
 CandidateCount candidatesBelow(const Descent &descent)
 {
     const SearchSpace &space = descent.space;
-    CandidateCount count = {1.0, 1, true};
+    CandidateCount count = {1.0L, 1, true};
     for (std::size_t i = 0; i < space.peaks.size();) {
         const RowSpan rows = space.rowsFor[i];
         int open = 0;
@@ -163,7 +163,7 @@ std::size_t choosePeak(const Descent &descent, double bound, std::vector<Choice>
             // Forced onto this row the others pay at least the reduced cost on top.
             const double cost = descent.costs[p * rows + k];
             const double reduced = cost - solution.rowPrice[p] - solution.columnPrice[k];
-            if (bound + reduced <= descent.limit)
+            if (std::isfinite(cost) && bound + reduced <= descent.limit)
                 found.push_back({cost, descent.openRows[k]});
         }
         const auto peak = static_cast<std::size_t>(descent.openPeaks[p]);
@@ -186,7 +186,7 @@ void finishCandidate(Descent &descent)
 {
     if (takeBetter(descent.space, descent.rowOf, descent.work, descent.best))
         descent.limit = exactLimit(descent.space.tables, descent.best.score);
-    settle(descent, {1.0, 1, true});
+    settle(descent, {1.0L, 1, true});
 }
 
 void descend(Descent &descent, const MediaEquations &equations)
@@ -229,6 +229,36 @@ void descend(Descent &descent, const MediaEquations &equations)
             place(row, false);
 }
 
+/// Whether no candidate can be better than noScore: a medium with too few couplings for a tensor, whatever
+/// the assignment, or a window that holds none.
+bool isHopeless(const SearchSpace &space)
+{
+    const AssignmentProblem &problem = space.problem;
+    constexpr float highestR = 0.6667f; // by the order of the eigenvalues
+    constexpr int fewestCouplings = 5;
+    if (!(problem.lDa < problem.hDa) || !(problem.lR < problem.hR) || problem.hR <= 0.0f ||
+        problem.lR > highestR)
+        return true;
+    std::array<int, maxMedia> couplings = {};
+    for (std::size_t medium = 0; medium < couplings.size(); ++medium)
+        couplings[medium] = space.fixed[medium].count;
+    for (const int peak : space.peaks)
+        for (const PeakCoupling &coupling : space.tables.peaks[static_cast<std::size_t>(peak)])
+            ++couplings[static_cast<std::size_t>(
+                space.tables.mediumOf[static_cast<std::size_t>(coupling.column)])];
+    return std::any_of(couplings.begin(), couplings.begin() + space.tables.media,
+                       [](int count) { return count < fewestCouplings; });
+}
+
+void searchFrom(Descent &descent)
+{
+    if (isHopeless(descent.space))
+        return settle(descent, candidatesBelow(descent));
+    guessCandidate(descent.space, descent.work, descent.best);
+    descent.limit = exactLimit(descent.space.tables, descent.best.score);
+    descend(descent, descent.space.fixed);
+}
+
 /// Searches a space. `best` changes only if a candidate is better than noScore.
 void searchSpace(const SearchSpace &space, BestAssignment &best)
 {
@@ -239,16 +269,15 @@ void searchSpace(const SearchSpace &space, BestAssignment &best)
                        .best = {},
                        .rowOf = std::vector<int>(peaks, -1),
                        .isTaken = std::vector<char>(rows, 0),
-                       .settled = {0.0, 0, true},
+                       .settled = {0.0L, 0, true},
                        .openPeaks = {},
                        .openRows = {},
                        .ranges = {},
                        .costs = {},
                        .solution = {}};
     const InterruptGuard guard;
-    guessCandidate(space, descent.work, descent.best);
-    descent.limit = exactLimit(space.tables, descent.best.score);
-    descend(descent, space.fixed);
+    showSettled(descent);
+    searchFrom(descent);
     showSettled(descent);
     std::fputs("\n", stderr);
     std::fflush(stderr);
@@ -288,8 +317,11 @@ int visitExh(const AssignmentProblem &problem, BestAssignment &best)
 
 int visitAa(const AssignmentProblem &problem, std::span<const int> idCutList, BestAssignment &best)
 {
-    if (idCutList.size() > mostClasses)
+    if (idCutList.size() > mostClasses) {
+        complain("trelm: -fixAa has %zu classes, the limit is %zu: nothing is searched.\n\n",
+                 idCutList.size(), mostClasses);
         return 0;
+    }
     std::vector<RowSpan> rows;
     int first = 0;
     for (const int size : idCutList) {

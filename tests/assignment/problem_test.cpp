@@ -4,6 +4,7 @@
 
 #include <fstream>
 #include <sstream>
+#include <unistd.h>
 
 namespace trelm {
 namespace {
@@ -21,7 +22,7 @@ struct Table {
 void readStructureInto(const std::string &name, bool withSegments, PDBInfo &pdbInfo)
 {
     std::ifstream in(std::string(TRELM_EXAMPLES) + "/ubiquitin/1d3z_model1.pdb");
-    const std::string path = testing::TempDir() + name + ".pdb";
+    const std::string path = testing::TempDir() + name + "_" + std::to_string(getpid()) + ".pdb";
     std::ofstream out(path);
     std::vector<std::string> lines;
     for (std::string line; std::getline(in, line);)
@@ -43,7 +44,7 @@ void readLines(const std::string &name, const std::string &lines, Table &table)
 {
     const bool withSegments = lines.find('@') != std::string::npos;
     readStructureInto(name, withSegments, table.pdbInfo);
-    const std::string path = testing::TempDir() + name + ".tab";
+    const std::string path = testing::TempDir() + name + "_" + std::to_string(getpid()) + ".tab";
     std::ofstream out(path);
     out << "VARS RESID_I RESNAME_I ATOMNAME_I RESID_J RESNAME_J ATOMNAME_J SEGNAME_I SEGNAME_J D DD W\n"
            "FORMAT %d %s %s %d %s %s %s %s %f %f %f\n";

@@ -98,6 +98,9 @@ const Recipe recipes[] = {
     {.kind = {.noise = 5.0}, .lDa = -1.0e9f, .hDa = 1.0e9f, .lR = -1.0f, .hR = 1.0f}, // all inside
     {.kind = {.columns = {1}, .noise = 1.0, .missing = 0.3}}, // now and then fewer than five couplings
     {.kind = {.columns = two, .fixed = {0, 0}}, .lDa = 3.0f, .hDa = 25.0f},
+    {.kind = {.noise = 4.0, .missing = 0.2}, .lDa = -HUGE_VALF}, // a window that is open to one side
+    {.kind = {.columns = {3, 1}, .fixed = {0, 2}}},              // too few couplings in one medium
+    {.kind = {.noise = 2.0}, .lR = 0.69f},                       // no R is so high
 };
 
 TEST(Search, IsTheFullEnumeration)
@@ -133,8 +136,8 @@ TEST(Search, ClassesAreTheirProduct)
                                                    {2, 2, 2, 1}, {0, 3, 4}, {1, 1, 1, 1, 1, 2}};
     unsigned seed = 500;
     for (const std::vector<int> &sizes : classes)
-        for (const double noise : {0.5, 8.0}) {
-            const AssignmentProblem problem = make(7, noise, seed++);
+        for (const float lDa : {-25.0f, -HUGE_VALF}) {
+            const AssignmentProblem problem = make({.kind = {.noise = 6.0}, .lDa = lDa}, 7, seed++);
             BestAssignment best;
             const std::string err = quietly([&] { EXPECT_EQ(visitAa(problem, sizes, best), 0); });
             const PlainAssignment plain = visitAaPlain(problem, sizes);
@@ -179,7 +182,7 @@ TEST(Search, RefusesWhatItCanNotDo)
     EXPECT_EQ(quietly([&] {
                   EXPECT_EQ(visitAa(problem, std::vector<int>{1, 1, 1, 1, 1, 1, 1}, best), 0);
               }),
-              "");
+              "trelm: -fixAa has 7 classes, the limit is 6: nothing is searched.\n\n");
     EXPECT_TRUE(best.bestIdList.empty());
     for (const std::vector<int> &selected : {std::vector<int>{1}, {0, 1, 2, 3, 4, 5, 6, 7}})
         EXPECT_EQ(quietly([&] { EXPECT_EQ(visitAllExh(problem, selected, best), 1); }),
@@ -209,6 +212,7 @@ TEST(Candidates, AreNeverWrapped)
     EXPECT_EQ(countText(arrangements(20, 20)), "2432902008176640000");
     EXPECT_EQ(countText(arrangements(21, 21)), "5.109094e+19");
     EXPECT_EQ(countText(arrangements(7, 3)), "210");
+    EXPECT_EQ(countText(arrangements(500, 500)), "1.220137e+1134");
     CandidateCount sum = arrangements(20, 20);
     for (int i = 0; i < 3; ++i)
         sum += arrangements(20, 20);

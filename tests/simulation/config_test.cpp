@@ -7,6 +7,7 @@
 #include <climits>
 #include <filesystem>
 #include <fstream>
+#include <unistd.h>
 
 using namespace trelm;
 using testing::internal::CaptureStderr;
@@ -23,7 +24,7 @@ struct Read {
 
 Read readLines(const std::string &text)
 {
-    const std::string name = testing::TempDir() + "trelm_" +
+    const std::string name = testing::TempDir() + "trelm_" + std::to_string(getpid()) + "_" +
                              testing::UnitTest::GetInstance()->current_test_info()->name() + ".inp";
     std::ofstream(name, std::ios::binary) << text;
     Read read;

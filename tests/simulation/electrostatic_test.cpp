@@ -15,6 +15,7 @@
 #include <filesystem>
 #include <fstream>
 #include <random>
+#include <unistd.h>
 #include <vector>
 
 namespace trelm {
@@ -360,7 +361,7 @@ TEST(Grid, NothingInItGivesNoAlignment)
 
 /// A file that goes away with the test.
 struct TextFile {
-    std::string name = testing::TempDir() + "trelm_potential.txt";
+    std::string name = testing::TempDir() + "trelm_potential_" + std::to_string(getpid()) + ".txt";
     explicit TextFile(const std::string &text) { std::ofstream(name, std::ios::binary) << text; }
     ~TextFile() { std::filesystem::remove(name); }
     TextFile(const TextFile &) = delete;

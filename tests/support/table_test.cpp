@@ -6,6 +6,7 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <unistd.h>
 
 using namespace trelm;
 using testing::HasSubstr;
@@ -16,7 +17,7 @@ namespace {
 
 /// A file of this test alone, removed at its end.
 struct TestFile {
-    std::string name = testing::TempDir() + "trelm_" +
+    std::string name = testing::TempDir() + "trelm_" + std::to_string(getpid()) + "_" +
                        testing::UnitTest::GetInstance()->current_test_info()->name() + ".tab";
     explicit TestFile(const std::string &text) { std::ofstream(name, std::ios::binary) << text; }
     TestFile(const TestFile &) = delete;

@@ -13,6 +13,7 @@
 #include <climits>
 #include <cmath>
 #include <cstdlib>
+#include <unistd.h>
 
 using namespace trelm;
 using testing::internal::CaptureStderr;
@@ -160,7 +161,7 @@ TEST(Text, FixedNumbersAreThoseOfPrintf)
 
 TEST(OutputFile, WhatIsWrittenCanBeRead)
 {
-    const std::string name = testing::TempDir() + "trelm_WhatIsWrittenCanBeRead.txt";
+    const std::string name = testing::TempDir() + "trelm_text_" + std::to_string(getpid()) + ".txt";
     OutFile out;
     ASSERT_EQ(openOut(out, name, "w"), 0);
     writeOut(out, "one\n");

@@ -1,5 +1,7 @@
 #include "driver/assign_road.h"
 #include "driver/inputs.h"
+#include "driver/likelihood_road.h"
+#include "driver/magnitude_road.h"
 #include "driver/mappings.h"
 #include "driver/simulate.h"
 #include "driver/simulate_ensemble.h"
@@ -66,9 +68,9 @@ constexpr ModeRow modeRows[] = {
     {6, "-elTrelmGrid", true, setUpCharges},
     {7, "-bestFit", true, bestFit},
     {8, "-csSim", true, setUpCharges},
-    {9, "-daHist", false, nullptr},
-    {10, "-daMl", false, nullptr},
-    {11, "-daFlex", false, nullptr},
+    {9, "-daHist", false, estimateByHistogram},
+    {10, "-daMl", false, estimateByLikelihood},
+    {11, "-daFlex", false, estimateByMotion},
     {12, "-asRan", true, setUpCharges},
     {13, "-anDc", false, nullptr},
     {14, "-anA", false, nullptr},

@@ -1,5 +1,6 @@
 #include "driver/inputs.h"
 
+#include "couplings/table_input.h"
 #include "structure/backbone.h"
 #include "support/match.h"
 #include "support/text.h"
@@ -8,7 +9,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <limits>
-#include <utility>
 
 namespace trelm {
 namespace {
@@ -37,33 +37,6 @@ int readStructure(Run &run)
     return 0;
 }
 
-int readCouplings(Run &run)
-{
-    const std::string &inDName = run.options.inDName;
-    DTable &dTab = run.dTab[0];
-    const int status = readDC(inDName, &dTab);
-    if (status != 0) {
-        complain("Error reading DC input %s\n", inDName.c_str());
-        return status;
-    }
-    std::fprintf(stderr, "%s, %d Couplings, Residues %d to %d.\n", inDName.c_str(), dTab.dCount, dTab.dMinRes,
-                 dTab.dMaxRes);
-    return 0;
-}
-
-/// Fills what the command line left open from the coupling table.
-void settleWindow(DcInfo &dcInfo, const DTable &dTab)
-{
-    if (dcInfo.segFirst < unsetResID)
-        dcInfo.segFirst = dTab.dMinRes;
-    if (dcInfo.segLast < unsetResID)
-        dcInfo.segLast = dTab.dMaxRes;
-    if (dcInfo.segFirst > dcInfo.segLast)
-        std::swap(dcInfo.segFirst, dcInfo.segLast);
-    if (dcInfo.aFirst < unsetResID)
-        dcInfo.aFirst = dcInfo.segFirst;
-}
-
 int allocateBuffers(Run &run)
 {
     const std::size_t coords = static_cast<std::size_t>(run.pdbInfo[0].atomCount) + maxCharges + 1;
@@ -90,13 +63,11 @@ void selectCouplings(Run &run)
     DTable *dTab = &run.dTab[0];
     // The offset is that of the window, not the one of buildDC, which looks the atoms up again.
     mapDCInfo(pdbInfo, dTab, residueDifference(dcInfo.segFirst, dcInfo.segLast));
-    selectD(dTab->observed(), dcInfo.segFirst, dcInfo.segLast, dcInfo.excludeMode);
-    selTypDC(dTab->observed(), options.atomNameS1, options.atomNameS2);
+    chooseRows(*dTab, dcInfo, options.atomNameS1, options.atomNameS2);
     run.trelmInfo[0].validCountD =
         buildDC(pdbInfo, dTab, residueDifference(dcInfo.aFirst, dcInfo.segFirst), dcInfo.segFirst,
                 options.wList.span(), run.trelmInfo[0].allowFixedDI);
-    std::printf("REMARK %d couplings selected (%s%s).\n", run.trelmInfo[0].validCountD,
-                dcInfo.excludeMode == 1 ? "exclusive" : "inclusive", dcInfo.excludeMode == 3 ? " max" : "");
+    tellRows(run.trelmInfo[0].validCountD, "selected", dcInfo.excludeMode);
 }
 
 void selectAtoms(Run &run)
@@ -133,7 +104,7 @@ int readInputs(Run &run)
 {
     int status = readStructure(run);
     if (status == 0)
-        status = readCouplings(run);
+        status = readTable(run.options.inDName, &run.dTab[0]);
     if (status != 0)
         return status;
     DcInfo &dcInfo = run.dcInfo[0];

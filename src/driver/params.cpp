@@ -249,6 +249,8 @@ constexpr OptionRow magnitudeRows[] = {
     {"-incR", &HistInfo::incRMl},
     {"-nomapMl", &HistInfo::mlMap, 0},
     {"-mapMl", &HistInfo::mlMap, 1},
+    {"-noclearMl", &HistInfo::mlClear, 0},
+    {"-clearMl", &HistInfo::mlClear, 1},
     {"-nSel", &TrelmInfo::nSel, {}, true},
 };
 

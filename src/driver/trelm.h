@@ -95,6 +95,7 @@ struct HistInfo {
     float RFit = 0.0f;
     float RErrFit = 0.0f;
     int mlMap = 0;        ///< transform couplings in the likelihood search
+    int mlClear = 0;      ///< clear the pattern before each point of the search
     float lDaMl = -25.0f; ///< Da grid: low, high, increment, Hz
     float hDaMl = -3.0f;
     float incDaMl = 0.1f;

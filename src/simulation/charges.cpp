@@ -8,8 +8,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <filesystem>
-#include <system_error>
 #include <unordered_map>
 #include <vector>
 
@@ -248,12 +246,6 @@ int placeCharges(const std::string &inName, const PDBInfo &pdbInfo, const ElInfo
     return 0; // the tables know no charges between
 }
 
-bool isSameFile(const std::string &a, const std::string &b)
-{
-    std::error_code error;
-    return a == b || std::filesystem::equivalent(a, b, error);
-}
-
 /// The lines of a charge file have no chain and no insertion code: where one number stands for residues of
 /// different names they can not be read back as they were.
 void warnMixedNumbers(const PDBInfo &pdbInfo)
@@ -280,7 +272,7 @@ int chargeSetup(const std::string &inName, PDBInfo *pdbInfo, const TrelmInfo &tr
     const ElInfo &elInfo = trelmInfo.elInfo;
     set.chCount = 0;
     set.chSum = 0.0f;
-    if (!inName.empty() && !outName.empty() && isSameFile(inName, outName))
+    if (isSameFile(inName, outName))
         return complain("Error: %s is the pka input and the pka output file.\n", inName.c_str());
     OutFile out;
     if (!outName.empty() && openOut(out, outName, "w") != 0)

@@ -2,6 +2,8 @@
 
 #include "support/text.h"
 
+#include <filesystem>
+
 namespace trelm {
 
 OutFile::~OutFile()
@@ -23,6 +25,18 @@ int openOut(OutFile &out, const std::string &name, const char *access)
         return 1;
     out.fp = opened;
     return 0;
+}
+
+bool isSameFile(const std::string &a, const std::string &b)
+{
+    namespace fs = std::filesystem;
+    if (a.empty() || b.empty())
+        return false;
+    std::error_code none;
+    const fs::path pathA = fs::weakly_canonical(fs::absolute(a, none), none),
+                   pathB = fs::weakly_canonical(fs::absolute(b, none), none);
+    const bool isOne = pathA == pathB || fs::equivalent(pathA, pathB, none); // the second: a hard link
+    return isOne && (!fs::exists(pathA, none) || fs::is_regular_file(pathA, none));
 }
 
 void writeOut(OutFile &out, std::string_view text)

@@ -22,6 +22,10 @@ struct OutFile {
 /// the message is the caller's, and `out` is then standard output.
 [[nodiscard]] int openOut(OutFile &out, const std::string &name, const char *access);
 
+/// True if both names lead to one file, by whatever path; false if one of them is empty. A device can be
+/// written to under two names.
+[[nodiscard]] bool isSameFile(const std::string &a, const std::string &b);
+
 /// Writes a text. What the stream says is asked at the close.
 void writeOut(OutFile &out, std::string_view text);
 

@@ -212,7 +212,7 @@ TEST(Failures, EveryRequestForMemoryMayFail)
 
 TEST(Failures, ModesThatAreNotBuiltSaySo)
 {
-    for (const char *flag : {"-daHist", "-daFlex", "-daMl", "-anA", "-anDc", "-conv"}) {
+    for (const char *flag : {"-anA", "-anDc", "-conv"}) {
         const Ran ran = runProgram({flag});
         EXPECT_EQ(ran.status, 1);
         EXPECT_EQ(countOf(ran.err, std::string("trelm: the mode ") + flag + " is not built yet.\n"), 1)

@@ -32,12 +32,12 @@ std::vector<HelpEntry> allEntries()
 TEST(Help, EveryOptionIsDocumentedButTheOldOnes)
 {
     const std::set<std::string_view> silent = {
-        "-asRan",   "-csSim",  "-csThresh",    "-d1",          "-dN",     "-dStep",       "-daFlex",
-        "-dbg",     "-dcEns",  "-elTrelmFree", "-elTrelmGrid", "-fit",    "-flex",        "-in",
-        "-inCS",    "-inE",    "-inc",         "-inp",         "-kAtt",   "-lM",          "-list",
-        "-nRun",    "-nofit",  "-out",         "-outCS",       "-outCol", "-outE",        "-outEAx",
-        "-outS",    "-pRatio", "-path",        "-pow",         "-rList",  "-ref",         "-rim",
-        "-rimDisc", "-sID",    "-sList",       "-sPath",       "-sStep",  "-stTrelmGrid", "-vcThresh"};
+        "-asRan",  "-clearMl", "-noclearMl",   "-csSim",       "-csThresh",    "-d1",      "-dN",   "-dStep",
+        "-daFlex", "-dbg",     "-dcEns",       "-elTrelmFree", "-elTrelmGrid", "-fit",     "-flex", "-in",
+        "-inCS",   "-inE",     "-inc",         "-inp",         "-kAtt",        "-lM",      "-list", "-nRun",
+        "-nofit",  "-out",     "-outCS",       "-outCol",      "-outE",        "-outEAx",  "-outS", "-pRatio",
+        "-path",   "-pow",     "-rList",       "-ref",         "-rim",         "-rimDisc", "-sID",  "-sList",
+        "-sPath",  "-sStep",   "-stTrelmGrid", "-vcThresh"};
     std::set<std::string_view> documented;
     for (const HelpEntry &entry : allEntries())
         documented.insert(entry.flag);

@@ -1,0 +1,97 @@
+#include "reference/likelihood_reference.h"
+
+#include "support/fft.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+
+namespace trelm {
+namespace {
+
+constexpr float transformNoise = 1e-6f; // of the largest value: what is not above it counts as 0
+
+} // namespace
+
+std::vector<float> broadenedPlain(double delta, double Dab, double R, std::vector<float> &data)
+{
+    std::array<float, 1024> resp = {}; // counted from 1; place 0 is written, and not read
+    std::size_t i = 0;
+    for (double x = 0.0; x <= 3.0 * delta; x += axisStep, ++i) {
+        const auto g =
+            static_cast<float>(std::exp(-0.5 * std::pow(x / delta, 2)) / (std::sqrt(6.28318) * delta));
+        resp[i] = g;
+        resp[1023 - i] = g;
+    }
+    std::size_t k = 0;
+    for (double x = 0.0; x <= -2.0 * Dab; x += axisStep)
+        data[k++] = static_cast<float>(analytical(Dab, R, x));
+    k = data.size();
+    for (double x = -axisStep; x >= (1.5 * R + 1.0) * Dab; x -= axisStep)
+        data[--k] = static_cast<float>(analytical(Dab, R, x));
+    std::vector<float> ans(2 * data.size());
+    convlv(data, std::span<const float>(resp).subspan(1), 1, ans);
+    ans.resize(data.size());
+    return ans;
+}
+
+double scorePlain(std::span<const float> couplings, double delta, const MlPoint &point, bool clear,
+                  std::vector<float> &data)
+{
+    if (clear)
+        std::ranges::fill(data, 0.0f);
+    const std::vector<float> ans = broadenedPlain(delta, point.Dab, point.R, data);
+    const float nothing = transformNoise * std::ranges::max(ans);
+    double score = 0.0;
+    for (const float coupling : couplings) {
+        const int k = static_cast<int>(std::floor(static_cast<double>(coupling) * 100.0));
+        const float value = ans[static_cast<std::size_t>(k < 0 ? k + axisPlaces : k)];
+        if (!(value > nothing))
+            return 0.0;
+        score += std::log10(static_cast<double>(value));
+    }
+    return score;
+}
+
+std::vector<MlPoint> mlMagTensorPlain(const MlCouplings &couplings, const MlGrid &grid, bool clear)
+{
+    const auto steps = [](double low, double high, double inc) {
+        return static_cast<int>(std::ceil((high - low) / inc - 1e-2));
+    };
+    std::vector<float> data(axisPlaces);
+    std::vector<MlPoint> list;
+    for (int i = 0; i < steps(grid.lowR, grid.highR, grid.incR); ++i) {
+        for (int k = 0; k < steps(grid.lowDab, grid.highDab, grid.incDa); ++k) {
+            MlPoint point = {.Dab = grid.highDab - k * grid.incDa, .R = grid.lowR + i * grid.incR};
+            point.score = scorePlain(couplings.coup_mat, couplings.delta, point, clear, data);
+            list.push_back(point);
+        }
+    }
+    return list;
+}
+
+void mapMagToDcPlain(const MagnitudeRange &range, double coup, double coupErr, double &coupAve,
+                     double &coupAveErr)
+{
+    const double lo = coup - coupErr, hi = coup + coupErr;
+    double dMax = coup, dMin = coup;
+    for (double theta = 0.0; theta <= 1.570795; theta += 0.01) {
+        for (double phi = 0.0; phi <= 3.14159; phi += 0.01) {
+            for (const int sign : {3, 1, 2, 0}) { // high Da in the first bit, high R in the second
+                const double Dab = (sign & 1) != 0 ? range.Dab + range.DabErr : range.Dab - range.DabErr;
+                const double R = (sign & 2) != 0 ? range.R + range.RErr : range.R - range.RErr;
+                const double corner = dip_coup(theta, phi, Dab, R);
+                if (!(corner > lo && corner < hi))
+                    continue;
+                const double centre = dip_coup(theta, phi, range.Dab, range.R);
+                dMax = std::max(dMax, centre);
+                dMin = std::min(dMin, centre);
+            }
+        }
+    }
+    coupAve = (dMax + dMin) * 0.5;
+    coupAveErr = std::fabs(dMax - coupAve);
+}
+
+} // namespace trelm

@@ -1,0 +1,46 @@
+#include "couplings/table_input.h"
+
+#include "support/text.h"
+
+#include <cstdio>
+#include <utility>
+
+namespace trelm {
+
+int readTable(const std::string &inDName, DTable *dTab)
+{
+    const int status = readDC(inDName, dTab);
+    if (status != 0) {
+        complain("Error reading DC input %s\n", inDName.c_str());
+        return status;
+    }
+    std::fprintf(stderr, "%s, %d Couplings, Residues %d to %d.\n", inDName.c_str(), dTab->dCount,
+                 dTab->dMinRes, dTab->dMaxRes);
+    return 0;
+}
+
+void settleWindow(DcInfo &dcInfo, const DTable &dTab)
+{
+    if (dcInfo.segFirst < unsetResID)
+        dcInfo.segFirst = dTab.dMinRes;
+    if (dcInfo.segLast < unsetResID)
+        dcInfo.segLast = dTab.dMaxRes;
+    if (dcInfo.segFirst > dcInfo.segLast)
+        std::swap(dcInfo.segFirst, dcInfo.segLast);
+    if (dcInfo.aFirst < unsetResID)
+        dcInfo.aFirst = dcInfo.segFirst;
+}
+
+int chooseRows(DTable &dTab, const DcInfo &dcInfo, std::string_view atomNameS1, std::string_view atomNameS2)
+{
+    selectD(dTab.observed(), dcInfo.segFirst, dcInfo.segLast, dcInfo.excludeMode);
+    return selTypDC(dTab.observed(), atomNameS1, atomNameS2);
+}
+
+void tellRows(int count, const char *deed, int excludeMode)
+{
+    std::printf("REMARK %d couplings %s (%s%s).\n", count, deed, excludeMode == 1 ? "exclusive" : "inclusive",
+                excludeMode == 3 ? " max" : "");
+}
+
+} // namespace trelm

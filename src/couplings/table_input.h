@@ -1,0 +1,25 @@
+// The coupling table of a run: read, with its window settled and its rows chosen.
+#pragma once
+
+#include "couplings/dipolar.h"
+#include "driver/trelm.h"
+
+#include <string>
+#include <string_view>
+
+namespace trelm {
+
+/// Reads a table and tells its size on the standard error stream. Returns 0, or the reader's status after
+/// "Error reading DC input".
+int readTable(const std::string &inDName, DTable *dTab);
+
+/// Fills what the command line left open from the table, and turns a reversed window.
+void settleWindow(DcInfo &dcInfo, const DTable &dTab);
+
+/// Chooses rows by window and atom names. Returns the number of valid rows.
+int chooseRows(DTable &dTab, const DcInfo &dcInfo, std::string_view atomNameS1, std::string_view atomNameS2);
+
+/// The remark on standard output that `count` couplings were selected, or whatever was done to them.
+void tellRows(int count, const char *deed, int excludeMode);
+
+} // namespace trelm

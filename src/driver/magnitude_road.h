@@ -1,0 +1,12 @@
+// The branches that estimate the tensor's magnitude from histograms. They read their own input.
+#pragma once
+
+#include "driver/run.h"
+
+namespace trelm {
+
+// Both return 0, or the status of the failing step after its messages.
+int estimateByHistogram(Run &run);
+int estimateByMotion(Run &run);
+
+} // namespace trelm

@@ -1,0 +1,67 @@
+// Da and R from the distribution of couplings: the extremes of the powder pattern, and its peak from a
+// histogram. No structure is needed.
+//
+// Dzz = 2 Da, Dyy = -Da (1 + 1.5 R), Dxx = -Da (1 - 1.5 R).
+// Source: Clore, Gronenborn and Bax, J. Magn. Reson. 133 (1998) 216.
+#pragma once
+
+#include "magnitude/observed.h"
+
+#include <span>
+#include <vector>
+
+namespace trelm {
+
+constexpr int maxBins = 250; ///< bins of a histogram
+
+/// What both roads ask of the options of averaging and binning. Returns 0, or 1 after a message: factors that
+/// are not above 0, or a single bin, which has no width.
+int checkHistogram(const HistInfo &histInfo);
+
+/// Estimates Da and R of a coupling file and writes the report with the table. Without one most populated bin
+/// the extremes' own Da and R are the result, after a message. Returns 0, or 1 after a message: no couplings,
+/// an error of 0 where one is needed, averaging factors that are not above 0, one bin, too many bins, a fit
+/// without a solution, or an output that cannot be written.
+int getHistDabR(const MagnitudeJob &job);
+
+/// The same method on lists, Hz, of at least two couplings that are not all 0, with the fit within bounds: to
+/// DaFit and RFit, which stay as they were without one most populated bin. modeFit 2 takes the extremes' own
+/// tensor, others than 2 and 3 do nothing. `coupList` may be sorted afterwards. Returns 0, or 1 after a
+/// message: fewer couplings, all of them 0, or too many bins.
+int histoExtFit(std::span<float> coupList, std::span<const float> sigma, HistInfo &histInfo);
+
+/// Sorts the couplings. Averages each extreme over as many couplings as agree with one value: sdev * sqrt(n)
+/// stays below delta times the factor of the side. The mean of the first set that no longer agrees, or of all
+/// couplings, is taken; it is 0 for one coupling or for a limit that is not above 0.
+struct AveragedExtremes {
+    float dNeg = 0.0f, dPos = 0.0f;
+};
+AveragedExtremes getDzzDyy(std::span<float> coupList, float delta, float sdevNeg, float sdevPos);
+
+/// A histogram's bins, Hz.
+struct Bins {
+    int nBins = 0;
+    float binWidth = 0.0f;
+    std::vector<float> bins; ///< centres
+};
+
+/// Lays bins from min on; nUserBins below 2 lets the error decide, a bin being two errors wide. Returns 0; 1
+/// with the number of bins in nBins if they are more than maxBins (251 at least where the width comes out as
+/// 0).
+int makeBins(float delta, float max, float min, int nUserBins, Bins &bins);
+
+/// The centre of the most populated bin into dxx, of the first to reach its count. Couplings outside are told
+/// on standard output. Returns 1, or 0 if another bin has the same count or no coupling lies in any.
+int getDxx(std::span<const float> coupList, const Bins &bins, float &dxx);
+
+/// The principal couplings as a model for nonlinearfit: a is Da, R; x 0 gives Dzz, 1 Dyy, -1 Dxx.
+void alignpoly(float x, std::span<const float> a, float &y, std::span<float> dyda);
+
+/// Fits DaFit and RFit to Dzz, Dyy and, with modeFit 3, Dxx, within daLo, daHi, rhLo, rhHi, from Da2Par and
+/// R2Par. verbFlag above 1 tells each step on the standard error stream. Returns 0.
+int fitDCHisto(HistInfo &histInfo, int verbFlag);
+
+/// The residuals of fitDCHisto; cg is Da, R. Returns 0.
+int fitDCHistTarget(int xCnt, int cCnt, float *cg, float *res);
+
+} // namespace trelm

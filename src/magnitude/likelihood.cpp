@@ -1,0 +1,340 @@
+#include "magnitude/likelihood.h"
+
+#include "couplings/output.h"
+#include "couplings/run_report.h"
+#include "magnitude/observed.h"
+#include "support/output_file.h"
+#include "support/progress.h"
+#include "support/text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+namespace trelm {
+namespace {
+
+/// Points from `low` in steps of `inc` below `high`. Limits and steps come in single precision: the last
+/// point stops a hair short, or 70 steps of 0.01 would reach 0.7 once more. Numbers that are none give 0.
+double countSteps(double low, double high, double inc)
+{
+    constexpr double hair = 1e-2; // of a step
+    if (!(high > low && inc > 0.0))
+        return 0.0;
+    return std::ceil((high - low) / inc - hair);
+}
+
+/// Progress of a search, one line a point.
+struct GridProgress {
+    Progress progress = startProgress("", 0);
+
+    void show(double R, double Dab)
+    {
+        constexpr std::size_t pieceSize = std::size_t{1} << 14;
+        constexpr auto interval = std::chrono::milliseconds(50);
+        const auto now = std::chrono::steady_clock::now();
+        if (progress.isTerminal && now - progress.lastShown < interval)
+            return;
+        appendf(progress.pending, "Grid point R = %.2f D = %.2f\r", R, Dab);
+        if (!progress.isTerminal && progress.pending.size() < pieceSize)
+            return;
+        progress.lastShown = now;
+        pauseProgress(progress);
+    }
+};
+
+/// Refuses a grid that cannot be searched. Returns 0, or 1 after a message.
+int checkGrid(const MlGrid &grid)
+{
+    const double points =
+        countSteps(grid.lowR, grid.highR, grid.incR) * countSteps(grid.lowDab, grid.highDab, grid.incDa);
+    if (!(points > 0.0))
+        return complain("Error: the grid of Da and R has no point: a step is 0 or limits cross.\n");
+    if (!(points <= maxMlPoints))
+        return complain("Error: the grid of Da and R has %.0f points, the limit is %d.\n", points,
+                        maxMlPoints);
+    if (!(grid.lowR >= 0.0 && grid.highR <= 2.0))
+        return complain("Error: the grid of R runs from %.3f to %.3f, it must lie between 0 and 2.\n",
+                        grid.lowR, grid.highR);
+    if (!(grid.highDab <= 0.0))
+        return complain("Error: the grid of Da runs from %.3f to %.3f, its limits must have one sign.\n",
+                        grid.lowDab, grid.highDab);
+    return 0;
+}
+
+/// The limits as asked for, laid on the negative side. `invertFlag`: they were positive.
+MlGrid settleGrid(const HistInfo &histInfo, bool &invertFlag)
+{
+    const double l = histInfo.lDaMl, h = histInfo.hDaMl;
+    MlGrid grid = {.lowDab = std::min(l, h),
+                   .highDab = std::max(l, h),
+                   .incDa = std::fabs(histInfo.incDaMl),
+                   .lowR = histInfo.lRMl,
+                   .highR = histInfo.hRMl,
+                   .incR = std::fabs(histInfo.incRMl)};
+    invertFlag = grid.lowDab >= 0.0;
+    if (invertFlag)
+        grid.lowDab = -std::exchange(grid.highDab, -grid.lowDab);
+    return grid;
+}
+
+/// Errors of Da and R by the number of couplings and the R found.
+/// Rules of thumb of the method, not taken from the likelihood surface.
+struct ErrorRow {
+    int maxCount;
+    double maxR;
+    double DabErr, RErr;
+};
+constexpr int anyCount = maxMlCouplings;
+constexpr double anyR = 1e9;
+constexpr ErrorRow errorRows[] = {
+    {40, 0.1, 1.6, 0.17},       {40, 0.3, 2.3, 0.22},      {40, anyR, 2.5, 0.3},
+    {90, 0.1, 0.5, 0.05},       {90, 0.3, 1.3, 0.13},      {90, anyR, 0.8, 0.13},
+    {anyCount, 0.1, 0.3, 0.05}, {anyCount, 0.3, 0.9, 0.1}, {anyCount, anyR, 0.6, 0.1},
+};
+
+/// The best point and its errors; zero where no score is above 0.
+MagnitudeRange findBest(std::span<const MlPoint> list, int nD)
+{
+    constexpr double rounding = 1e-6; // 10 steps of a single-precision 0.01 are not exactly 0.1
+    MagnitudeRange best;
+    double bestScore = 0.0;
+    for (const MlPoint &point : list) {
+        if (!(point.score > bestScore))
+            continue;
+        bestScore = point.score;
+        best.Dab = point.Dab;
+        best.R = point.R;
+    }
+    if (bestScore == 0.0)
+        complain("Warning: no grid point scores above 0, Da and R stay 0.\n");
+    const auto *row = std::ranges::find_if(errorRows, [&](const ErrorRow &entry) {
+        return nD <= entry.maxCount && best.R <= entry.maxR + rounding;
+    });
+    best.DabErr = row->DabErr;
+    best.RErr = row->RErr;
+    return best;
+}
+
+/// Fills the calculated rows and the errors of both, from the ranges of the couplings if `ranges` is given.
+void fillCalculated(DTable &dTab, const CouplingRanges *ranges)
+{
+    for (std::size_t i = 0; i < dTab.observed().size(); ++i) {
+        DInfo &obs = dTab.dObsList[i], &calc = dTab.dCalcList[i];
+        if (!isObserved(obs))
+            continue;
+        double coupAve = 0.0, coupAveErr = 0.0;
+        if (ranges != nullptr &&
+            mapMagToDc(*ranges, obs.d * calc.w, obs.sigma * calc.w, coupAve, coupAveErr) != 0)
+            complain("Error in mapMagToDc.\n");
+        calc.valid = 1;
+        calc.d = static_cast<float>(coupAve / calc.w);
+        calc.sigma = obs.sigma = static_cast<float>(coupAveErr / calc.w);
+    }
+}
+
+int mapTable(DTable &dTab, const MagnitudeRange &best, bool mlMap)
+{
+    CouplingRanges ranges;
+    if (mlMap && startRanges(ranges, best) != 0)
+        return 1;
+    fillCalculated(dTab, mlMap ? &ranges : nullptr);
+    return 0;
+}
+
+void writeScores(OutFile &out, std::span<const MlPoint> list)
+{
+    std::string text = "VARS   Da R SCORE\nFORMAT %3.1f %1.2f %e\n\n";
+    for (const MlPoint &point : list)
+        appendf(text, "%3.1f %1.2f %e\n", point.Dab, point.R, point.score);
+    writeOut(out, text);
+}
+
+/// Reads and collects the couplings, turned so that the larger extreme is positive.
+int readMlCouplings(const MagnitudeJob &job, ObservedCouplings &observed)
+{
+    if (readObserved(job) != 0 || collectObserved(*job.dTab, observed) != 0)
+        return 1;
+    if (observed.coupList.size() > maxMlCouplings)
+        return complain("Error: %zu couplings, the limit of a likelihood search is %d.\n",
+                        observed.coupList.size(), maxMlCouplings);
+    solveExtremes(observed.minD, observed.maxD, job.trelmInfo->histInfo);
+    turnPositive(observed.coupList);
+    return 0;
+}
+
+/// The search and what it says of the tensor. Returns 0, or 1 after a message.
+int searchGrid(const ObservedCouplings &observed, HistInfo &histInfo, std::span<MlPoint> list, int &lCount,
+               MagnitudeRange &best)
+{
+    bool invertFlag = false;
+    const MlGrid grid = settleGrid(histInfo, invertFlag);
+    if (checkGrid(grid) != 0)
+        return 1;
+    if (mlMagTensor({observed.coupList, observed.rAveDD}, grid, histInfo.mlClear != 0, list, lCount) != 0)
+        return complain("Error in mlMagTensor.\n");
+    best = findBest(list.first(static_cast<std::size_t>(lCount)), static_cast<int>(observed.coupList.size()));
+    if (invertFlag)
+        best.Dab = -best.Dab;
+    histInfo.DaMl = static_cast<float>(best.Dab);
+    histInfo.DaErrMl = static_cast<float>(best.DabErr);
+    histInfo.RMl = static_cast<float>(best.R);
+    histInfo.RErrMl = static_cast<float>(best.RErr);
+    return 0;
+}
+
+/// Table and scores. Returns 0, or 1 after a message.
+int writeResults(const MagnitudeJob &job, std::span<const MlPoint> list, OutFile &scores)
+{
+    std::string text;
+    int status = 0;
+    if (writeTrelm(*job.trelmInfo, text) != 0)
+        status = complain("trelm: error in writeTrelm.\n");
+    else
+        status = writeDCmod(job.outDName, "w", job.dTab, job.trelmInfo, text);
+    writeScores(scores, list);
+    return closeOut(scores) != 0 ? 1 : status;
+}
+
+// Steps of the orientations, radians.
+constexpr double angleStep = 0.01;
+constexpr double lastTheta = 1.570795;
+constexpr double lastPhi = 3.14159;
+
+std::vector<double> anglesTo(double last)
+{
+    std::vector<double> angles;
+    for (double angle = 0.0; angle <= last; angle += angleStep)
+        angles.push_back(angle);
+    return angles;
+}
+
+/// dip_coup for all orientations, with the trigonometry done once an angle.
+struct Orientations {
+    std::vector<double> cosTheta, sinTheta, cosPhi;
+
+    Orientations()
+    {
+        for (const double theta : anglesTo(lastTheta)) {
+            cosTheta.push_back(std::cos(theta));
+            sinTheta.push_back(std::sin(theta));
+        }
+        for (const double phi : anglesTo(lastPhi))
+            cosPhi.push_back(std::cos(2.0 * phi));
+    }
+    [[nodiscard]] std::size_t count() const { return cosTheta.size() * cosPhi.size(); }
+};
+
+double scaledCoupling(double cosTheta, double sinTheta, double cosPhi, double Dab, double R)
+{
+    return Dab * static_cast<double>(static_cast<float>((1.0 - 3.0 * cosTheta * cosTheta) -
+                                                        cosPhi * 1.5 * R * sinTheta * sinTheta));
+}
+
+} // namespace
+
+int mlMagTensor(const MlCouplings &couplings, const MlGrid &grid, bool clear, std::span<MlPoint> list,
+                int &lCount)
+{
+    lCount = 0;
+    const double stepsR = countSteps(grid.lowR, grid.highR, grid.incR);
+    const double stepsDa = countSteps(grid.lowDab, grid.highDab, grid.incDa);
+    if (!(stepsR * stepsDa <= static_cast<double>(list.size())))
+        return complain("Error: the grid of Da and R has %.0f points, the limit is %zu.\n", stepsR * stepsDa,
+                        list.size());
+    const double lastR = grid.lowR + (stepsR - 1.0) * grid.incR;
+    const double lastDab = grid.highDab - (stepsDa - 1.0) * grid.incDa;
+    if (stepsR * stepsDa > 0.0 && !(isPattern(grid.highDab, grid.lowR) && isPattern(lastDab, lastR)))
+        return complain("Error: the patterns up to Da %.3f Hz, R %.3f do not fit the axis of 81.92 Hz.\n",
+                        lastDab, lastR);
+    PatternScorer scorer;
+    if (startScorer(scorer, couplings.coup_mat, couplings.delta) != 0)
+        return 1;
+    GridProgress lines;
+    for (double i = 0.0; i < stepsR; ++i) {
+        for (double k = 0.0; k < stepsDa; ++k) {
+            MlPoint &point = list[static_cast<std::size_t>(lCount++)];
+            point.R = grid.lowR + i * grid.incR;
+            point.Dab = grid.highDab - k * grid.incDa;
+            lines.show(point.R, point.Dab);
+            point.score = scorePattern(scorer, point.Dab, point.R, clear);
+        }
+    }
+    endProgress(lines.progress);
+    return 0;
+}
+
+double dip_coup(double theta, double phi, double Dab, double R)
+{
+    return scaledCoupling(std::cos(theta), std::sin(theta), std::cos(2.0 * phi), Dab, R);
+}
+
+int startRanges(CouplingRanges &ranges, const MagnitudeRange &range)
+{
+    const Orientations list;
+    for (std::size_t corner = 0; corner < ranges.corners.size(); ++corner) {
+        Block<CornerCoupling> &couplings = ranges.corners[corner];
+        couplings = Block<CornerCoupling>("mapMl", list.count());
+        if (!couplings)
+            return complain("Error allocating the couplings of the orientations.\n");
+        const double Dab = range.Dab + (corner % 2 == 0 ? range.DabErr : -range.DabErr);
+        const double R = range.R + (corner < 2 ? range.RErr : -range.RErr);
+        std::size_t place = 0;
+        for (std::size_t t = 0; t < list.cosTheta.size(); ++t) {
+            for (const double cosPhi : list.cosPhi)
+                couplings[place++] = {
+                    scaledCoupling(list.cosTheta[t], list.sinTheta[t], cosPhi, Dab, R),
+                    scaledCoupling(list.cosTheta[t], list.sinTheta[t], cosPhi, range.Dab, range.R)};
+        }
+        std::ranges::sort(couplings.span(), {}, &CornerCoupling::corner);
+    }
+    return 0;
+}
+
+int mapMagToDc(const CouplingRanges &ranges, double coup, double coupErr, double &coupAve, double &coupAveErr)
+{
+    double dMin = coup, dMax = coup;
+    for (const Block<CornerCoupling> &corner : ranges.corners) {
+        // Sorted by the corner's value, the orientations that agree stand side by side.
+        const auto agreeing = corner.span();
+        auto entry = std::ranges::upper_bound(agreeing, coup - coupErr, {}, &CornerCoupling::corner);
+        for (; entry != agreeing.end() && entry->corner < coup + coupErr; ++entry) {
+            dMax = std::max(dMax, entry->centre);
+            dMin = std::min(dMin, entry->centre);
+        }
+    }
+    coupAve = (dMax + dMin) * 0.5;
+    coupAveErr = std::fabs(dMax - coupAve);
+    return 0;
+}
+
+int getMlDabR(const std::string &inDName, TrelmInfo *trelmInfo, DcInfo *dcInfo, const std::string &atomNameS1,
+              const std::string &atomNameS2, const std::string &outName, const std::string &outScName)
+{
+    // The scores are opened before the table is read.
+    if (isSameFile(inDName, outScName) || isSameFile(outName, outScName))
+        return complain("getMlDabR: %s is another file of this run: give the scores a name of their own.\n",
+                        outScName.c_str());
+    OutFile scores;
+    if (openOut(scores, outScName, "w") != 0)
+        return complain("TRELM Error opening output file %s\n", outScName.c_str());
+    Block<DTable> dTab("dTab", 1);
+    if (!dTab)
+        return complain("Error allocating DC structures.\n");
+    Block<MlPoint> list("mlGrid", maxMlPoints);
+    if (!list)
+        return complain("Error allocating the grid of Da and R.\n");
+    const MagnitudeJob job = {inDName, atomNameS1, atomNameS2, outName, &dTab[0], trelmInfo, dcInfo};
+    ObservedCouplings observed;
+    MagnitudeRange best;
+    int lCount = 0;
+    if (readMlCouplings(job, observed) != 0 ||
+        searchGrid(observed, trelmInfo->histInfo, list.span(), lCount, best) != 0 ||
+        mapTable(dTab[0], best, trelmInfo->histInfo.mlMap != 0) != 0)
+        return 1;
+    return writeResults(job, list.span().first(static_cast<std::size_t>(lCount)), scores);
+}
+
+} // namespace trelm

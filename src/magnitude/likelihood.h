@@ -1,0 +1,73 @@
+// The tensor's magnitude by likelihood: a grid of Da and R, each point scored by how well the powder pattern
+// of its tensor explains the couplings.
+#pragma once
+
+#include "driver/alloc.h"
+#include "driver/trelm.h"
+#include "magnitude/likelihood_score.h"
+
+#include <span>
+#include <string>
+
+namespace trelm {
+
+constexpr int maxMlCouplings = 5000; ///< couplings of a search
+constexpr int maxMlPoints = 20000;   ///< points of its grid
+
+/// The points of a search, Hz for Da. Low R is visited, high R is not; high Da is visited, low Da is not.
+struct MlGrid {
+    double lowDab = 0.0, highDab = 0.0, incDa = 0.0;
+    double lowR = 0.0, highR = 0.0, incR = 0.0;
+};
+
+/// A point of the grid and its score.
+struct MlPoint {
+    double Dab = 0.0, R = 0.0;
+    double score = 0.0;
+};
+
+/// Couplings of a search: count, values and mean error, Hz.
+struct MlCouplings {
+    std::span<const float> coup_mat;
+    double delta = 0.0;
+};
+
+/// Scores a grid, R rising and Da falling within it, with a progress line a point on the standard error
+/// stream; `lCount` becomes the number of points, 0 for a grid that is empty or holds what is no number.
+/// `clear`: each point starts from an empty pattern, else from that of the point before. Returns 0, or 1
+/// after a message: more points than `list` has, a point without a pattern, what startScorer refuses.
+int mlMagTensor(const MlCouplings &couplings, const MlGrid &grid, bool clear, std::span<MlPoint> list,
+                int &lCount);
+
+/// Da and R with their errors, Hz for Da.
+struct MagnitudeRange {
+    double Dab = 0.0, DabErr = 0.0;
+    double R = 0.0, RErr = 0.0;
+};
+
+/// The coupling of an orientation (radians), rounded to single precision before Dab scales it.
+double dip_coup(double theta, double phi, double Dab, double R);
+
+/// The couplings of all orientations for a tensor, and for one of the corners of its range; ascending by the
+/// corner's.
+struct CornerCoupling {
+    double corner = 0.0, centre = 0.0;
+};
+struct CouplingRanges {
+    std::array<Block<CornerCoupling>, 4> corners;
+};
+
+/// Computes them, once for all couplings of a table. Returns 0, or 1 after a message if there is no memory.
+int startRanges(CouplingRanges &ranges, const MagnitudeRange &range);
+
+/// The middle and the half width of the couplings that the central tensor gives to the orientations at which
+/// a corner agrees with coup within coupErr, coup included. All Hz. Returns 0.
+int mapMagToDc(const CouplingRanges &ranges, double coup, double coupErr, double &coupAve,
+               double &coupAveErr);
+
+/// The whole estimate: reads, selects, searches, writes table and scores; results also in the run record. An
+/// empty output name is standard output. Returns 0, or 1 after a message.
+int getMlDabR(const std::string &inDName, TrelmInfo *trelmInfo, DcInfo *dcInfo, const std::string &atomNameS1,
+              const std::string &atomNameS2, const std::string &outName, const std::string &outScName);
+
+} // namespace trelm

@@ -1,0 +1,309 @@
+#include "magnitude/likelihood_score.h"
+
+#include "support/text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+namespace trelm {
+namespace {
+
+constexpr std::size_t places = axisPlaces;
+constexpr std::size_t lanes = 16;   // sums side by side, so that the compiler can use vectors
+constexpr std::size_t margin = 544; // more than the longest wing and the padding of the taps
+constexpr double halfPi = 1.570795;
+constexpr double fullPi = 3.14159;
+constexpr double besideSingularity = 0.001; // Hz
+
+using Axis = std::array<double, places>;
+
+/// Sums of one step, as a loop over frequencies has them: at the far end they differ from the products in the
+/// last bits, and so may the place where a pattern ends.
+constexpr Axis upAxis = [] {
+    Axis axis = {};
+    double x = 0.0;
+    for (double &value : axis) {
+        value = x;
+        x += axisStep;
+    }
+    return axis;
+}();
+
+/// The same downwards: the last place is -0.01 Hz.
+constexpr Axis downAxis = [] {
+    Axis axis = {};
+    double x = -axisStep;
+    for (std::size_t i = places; i > 0; --i) {
+        axis[i - 1] = x;
+        x -= axisStep;
+    }
+    return axis;
+}();
+
+/// The landmarks of a pattern, c <= b < a: its peak is at b, and t keeps a distance from it.
+struct Landmarks {
+    double a, b, c, t;
+    Landmarks(double Dab, double R)
+        : a(-2.0 * Dab), b(Dab * (1.0 - 1.5 * R)), c(Dab * (1.0 + 1.5 * R)), t(R == 0.0 ? b + axisStep : b)
+    {
+    }
+};
+
+/// The pattern at `count` frequencies between b and a (above the peak), or between c and b. One division and
+/// one root a value; the loops have no branch and become vectors.
+void fillAbove(const Landmarks &mark, const double *x, std::size_t count, float *out)
+{
+    const double ab = mark.a - mark.b, bc = mark.b - mark.c;
+    for (std::size_t i = 0; i < count; ++i) {
+        const double inverse = 1.0 / (ab * (x[i] - mark.c));
+        out[i] = static_cast<float>(kooky(bc * (mark.a - x[i]) * inverse) * std::sqrt(inverse) / fullPi);
+    }
+}
+
+void fillBelow(const Landmarks &mark, const double *x, std::size_t count, float *out)
+{
+    const double ab = mark.a - mark.b, bc = mark.b - mark.c;
+    for (std::size_t i = 0; i < count; ++i) {
+        const double inverse = 1.0 / (bc * (mark.a - x[i]));
+        out[i] = static_cast<float>(kooky((x[i] - mark.c) * ab * inverse) * std::sqrt(inverse) / fullPi);
+    }
+}
+
+/// The pattern at ascending frequencies from c to a.
+void fillRange(const Landmarks &mark, std::span<const double> x, float *out)
+{
+    const auto placeOf = [x](auto it) { return static_cast<std::size_t>(it - x.begin()); };
+    const std::size_t peak = placeOf(std::ranges::lower_bound(x, mark.b));
+    const std::size_t past = placeOf(std::ranges::upper_bound(x, mark.b));
+    const std::size_t above = std::max(past, placeOf(std::ranges::upper_bound(x, mark.t)));
+    fillBelow(mark, x.data(), peak, out);
+    const double beside = mark.b - besideSingularity;
+    for (std::size_t i = peak; i < past; ++i) {
+        out[i] = 0.0f;
+        if (beside >= mark.c)
+            fillBelow(mark, &beside, 1, out + i);
+    }
+    std::fill(out + past, out + above, 0.0f);
+    fillAbove(mark, x.data() + above, x.size() - above, out + above);
+}
+
+/// Writes the pattern of a tensor over the one before. Where the halves of a wide one meet, the negative half
+/// comes last.
+void fillPattern(double Dab, double R, std::span<float> data)
+{
+    const Landmarks mark(Dab, R);
+    const auto up = static_cast<std::size_t>(std::ranges::upper_bound(upAxis, mark.a) - upAxis.begin());
+    fillRange(mark, std::span(upAxis).first(up), data.data());
+    const auto down = static_cast<std::size_t>(std::ranges::lower_bound(downAxis, mark.c) - downAxis.begin());
+    fillRange(mark, std::span(downAxis).subspan(down), data.data() + down);
+}
+
+/// The couplings as places of the axis. Returns 0, or 1 after a message.
+int collectPlaces(std::span<const float> couplings, std::vector<ScorePlace> &list)
+{
+    std::vector<int> found;
+    for (const float coupling : couplings) {
+        const double k = std::floor(static_cast<double>(coupling) * 100.0);
+        if (!(k >= -axisPlaces && k < axisPlaces))
+            return complain("Error: the coupling %.3f Hz lies outside the frequency axis of 81.92 Hz.\n",
+                            static_cast<double>(coupling));
+        found.push_back(static_cast<int>(k) + (k < 0.0 ? axisPlaces : 0));
+    }
+    std::ranges::sort(found);
+    list.clear();
+    for (const int place : found) {
+        if (list.empty() || list.back().place != place)
+            list.push_back({place, 0});
+        ++list.back().count;
+    }
+    return 0;
+}
+
+/// The response, mirrored about its centre, with zeros behind it up to a whole number of lanes.
+void makeTaps(double delta, PatternScorer &scorer)
+{
+    std::vector<float> half;
+    const double reach = 3.0 * delta;
+    for (double x = 0.0; x <= reach; x += axisStep)
+        half.push_back(static_cast<float>(normal(0.0, delta, x)));
+    scorer.wing = static_cast<int>(half.size()) - 1;
+    scorer.taps.assign(half.rbegin(), half.rend());
+    scorer.taps.insert(scorer.taps.end(), half.begin() + 1, half.end());
+    scorer.taps.resize((scorer.taps.size() + lanes - 1) / lanes * lanes, 0.0f);
+}
+
+/// The shortest part of the axis that has all places: it begins behind the longest gap.
+struct Window {
+    int first = 0;
+    std::size_t count = places;
+};
+
+Window findWindow(std::span<const ScorePlace> list)
+{
+    Window window;
+    if (list.empty())
+        return window;
+    int last = list.back().place - axisPlaces, longest = 0;
+    for (const ScorePlace &entry : list) {
+        if (entry.place - last > longest) {
+            longest = entry.place - last;
+            window.first = entry.place;
+        }
+        last = entry.place;
+    }
+    window.count = static_cast<std::size_t>(axisPlaces - longest + 1);
+    return window;
+}
+
+/// Sums cost one product a tap and place, the filter what some products a value of its transform cost.
+int chooseMethod(PatternScorer &scorer)
+{
+    constexpr std::size_t transformCost = 50;
+    const Window window = findWindow(scorer.places);
+    const auto wing = static_cast<std::size_t>(scorer.wing);
+    scorer.isDense =
+        scorer.places.size() * scorer.taps.size() > transformCost * filterLength(wing, window.count);
+    if (!scorer.isDense)
+        return 0;
+    scorer.first = window.first;
+    return startFilter(scorer.filter, std::span<const float>(scorer.taps).subspan(wing, wing + 1),
+                       window.count);
+}
+
+/// The broadened pattern at one place, as a sum. The response is symmetric, its centre one place higher.
+float sumAt(const PatternScorer &scorer, int place)
+{
+    const float *data =
+        scorer.data.data() + static_cast<std::size_t>(static_cast<int>(margin) + place + 1 - scorer.wing);
+    std::array<float, lanes> sums = {};
+    for (std::size_t i = 0; i < scorer.taps.size(); i += lanes)
+        for (std::size_t k = 0; k < lanes; ++k)
+            sums[k] += data[i + k] * scorer.taps[i + k];
+    float sum = 0.0f;
+    for (const float part : sums)
+        sum += part;
+    return sum;
+}
+
+/// The broadened pattern at all places, by transforms. Returns what counts as 0 in it: their rounding.
+float filterAll(PatternScorer &scorer)
+{
+    constexpr float noise = 1e-6f; // of the largest value
+    const std::span<const float> data = scorer.data.span();
+    return noise * applyFilter(scorer.filter, data.subspan(margin, places),
+                               static_cast<std::size_t>(scorer.first + 1));
+}
+
+float filteredAt(const PatternScorer &scorer, int place)
+{
+    const int behind = place - scorer.first;
+    return scorer.filter.ans[static_cast<std::size_t>(behind < 0 ? behind + axisPlaces : behind)];
+}
+
+/// Sum of logarithms, as the logarithm of a product for as long as that is a number.
+struct LogSum {
+    double product = 1.0, sum = 0.0;
+
+    void add(double value, int count)
+    {
+        for (; count > 0; --count) {
+            product *= value;
+            if (product > 1e-200 && product < 1e200)
+                continue;
+            sum += std::log10(product);
+            product = 1.0;
+        }
+    }
+    [[nodiscard]] double total() const { return sum + std::log10(product); }
+};
+
+/// Margins on both sides, so that a sum across an end needs no second loop.
+void repeatEnds(Block<float> &data)
+{
+    std::copy_n(data.data() + margin, margin, data.data() + margin + places);
+    std::copy_n(data.data() + places, margin, data.data());
+}
+
+} // namespace
+
+double kooky(double m)
+{
+    const double m2 = m * m;
+    return (1.0 + m2 * (0.25 + m2 * (0.1406 + m2 * 0.0977))) * halfPi;
+}
+
+double normal(double m, double d, double x)
+{
+    const double far = (x - m) / d;
+    return std::exp(-0.5 * far * far) / (std::sqrt(6.28318) * d);
+}
+
+double analytical(double Dab, double R, double Fi)
+{
+    const Landmarks mark(Dab, R);
+    const double x = Fi == mark.b ? Fi - besideSingularity : Fi;
+    if (x <= mark.a && x > mark.t) {
+        const double B = (mark.a - mark.b) * (x - mark.c);
+        return kooky((mark.b - mark.c) * (mark.a - x) / B) / (std::sqrt(B) * fullPi);
+    }
+    if (x < mark.b && x >= mark.c) {
+        const double B = (mark.b - mark.c) * (mark.a - x);
+        return kooky((x - mark.c) * (mark.a - mark.b) / B) / (std::sqrt(B) * fullPi);
+    }
+    return 0.0;
+}
+
+bool isPattern(double Dab, double R)
+{
+    return Dab <= 0.0 && R >= 0.0 && R < 2.0 && -Dab * std::max(2.0, 1.0 + 1.5 * R) <= maxPatternReach;
+}
+
+int startScorer(PatternScorer &scorer, std::span<const float> couplings, double delta)
+{
+    if (!(delta > 0.0 && delta <= maxMeanError))
+        return complain(
+            "Error: the mean error of the couplings is %.3f Hz, it must be above 0 and at most %.2f "
+            "Hz.\n",
+            delta, maxMeanError);
+    if (collectPlaces(couplings, scorer.places) != 0)
+        return 1;
+    scorer.data = Block<float>("data", places + 2 * margin);
+    if (!scorer.data) {
+        nrerror("allocation failure for data");
+        return 1;
+    }
+    makeTaps(delta, scorer);
+    return chooseMethod(scorer);
+}
+
+double scorePattern(PatternScorer &scorer, double Dab, double R, bool clear)
+{
+    const std::span<float> data = scorer.data.span().subspan(margin, places);
+    if (clear)
+        std::ranges::fill(data, 0.0f);
+    fillPattern(Dab, R, data);
+    float nothing = 0.0f;
+    if (scorer.isDense)
+        nothing = filterAll(scorer);
+    else
+        repeatEnds(scorer.data);
+    LogSum score;
+    for (const ScorePlace &entry : scorer.places) {
+        const float value = scorer.isDense ? filteredAt(scorer, entry.place) : sumAt(scorer, entry.place);
+        if (!(value > nothing))
+            return 0.0;
+        score.add(static_cast<double>(value), entry.count);
+    }
+    return score.total();
+}
+
+double mlMagTensorSingle(std::span<const float> coup_mat, double delta, double Dab, double R)
+{
+    PatternScorer scorer;
+    if (!isPattern(Dab, R) || startScorer(scorer, coup_mat, delta) != 0)
+        return 0.0;
+    return scorePattern(scorer, Dab, R, true);
+}
+
+} // namespace trelm

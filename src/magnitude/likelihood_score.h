@@ -1,0 +1,65 @@
+// How well couplings agree with the powder pattern of a tensor: the sum of log10 of the pattern's density,
+// broadened by the mean error, at the couplings.
+//
+// The frequency axis has 8192 places of 0.01 Hz and wraps around: 0.00, 0.01, ... from the start, -0.01,
+// -0.02, ... from the end. The pattern is written for a negative Da, its large extreme -2 Da is positive.
+// Source: Varner, Vold and Hoatson, J. Magn. Reson. A 123 (1996) 72, for the shape; Warren and Moore, J.
+// Magn. Reson. 149 (2001) 271, for the likelihood.
+#pragma once
+
+#include "driver/alloc.h"
+#include "magnitude/symmetric_filter.h"
+
+#include <array>
+#include <span>
+#include <vector>
+
+namespace trelm {
+
+constexpr int axisPlaces = 8192;         ///< places of the frequency axis
+constexpr double axisStep = 0.01;        ///< Hz
+constexpr double maxMeanError = 1.703;   ///< Hz; three times a larger error passes the response's 1023 places
+constexpr double maxPatternReach = 81.9; ///< Hz; neither half of a pattern may be longer than the axis
+
+/// The density of couplings of a rigid molecule at `Fi`, per Hz, not broadened; 0 outside the pattern. Dab
+/// and Fi in Hz, Dab negative, R from 0 to below 2.
+double analytical(double Dab, double R, double Fi);
+
+/// The series of `analytical` for the complete elliptic integral, and the normal density at x.
+double kooky(double m);
+double normal(double m, double d, double x);
+
+/// True if the pattern of such a tensor can be computed: Dab at most 0, R from 0 to below 2, either half
+/// within the axis.
+[[nodiscard]] bool isPattern(double Dab, double R);
+
+/// A place of the axis and how many couplings fall on it.
+struct ScorePlace {
+    int place = 0;
+    int count = 0;
+};
+
+/// What the scores of one set of couplings share. The pattern stays between calls of scorePattern.
+struct PatternScorer {
+    std::vector<ScorePlace> places; ///< ascending
+    std::vector<float> taps;        ///< the response, from its lowest to its highest frequency
+    int wing = 0;                   ///< places of the response on either side of its centre
+    Block<float> data;              ///< the pattern, with margins that repeat its other end
+    bool isDense = false;           ///< so many places that `filter` is quicker than a sum for each
+    SymmetricFilter filter;         ///< for the part of the axis that has couplings
+    int first = 0;                  ///< where that part begins
+};
+
+/// Sets a scorer up for couplings and their mean error `delta`, Hz. Returns 0, or 1 after a message: delta is
+/// not above 0 or beyond maxMeanError, a coupling lies outside the axis, there is no memory.
+int startScorer(PatternScorer &scorer, std::span<const float> couplings, double delta);
+
+/// The score of a tensor for which isPattern holds; 0.0 if the pattern does not reach one of the couplings.
+/// Where the pattern does not reach, that of the call before stays, unless `clear` is set.
+double scorePattern(PatternScorer &scorer, double Dab, double R, bool clear);
+
+/// The score of one tensor. 0.0 also for a tensor without a pattern, and, after a message, for what
+/// startScorer refuses.
+double mlMagTensorSingle(std::span<const float> coup_mat, double delta, double Dab, double R);
+
+} // namespace trelm

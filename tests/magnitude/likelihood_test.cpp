@@ -1,0 +1,309 @@
+// The likelihood search: fast scores against the plain form, tensors that come back, and what is refused.
+#include "magnitude/likelihood.h"
+
+#include "magnitude/powder.h"
+#include "reference/likelihood_reference.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace trelm {
+namespace {
+
+using testing::internal::CaptureStderr;
+using testing::internal::CaptureStdout;
+using testing::internal::GetCapturedStderr;
+using testing::internal::GetCapturedStdout;
+
+std::vector<float> turned(std::vector<float> couplings)
+{
+    const auto [low, high] = std::ranges::minmax(couplings);
+    if (-low > high)
+        for (float &d : couplings)
+            d = -d;
+    return couplings;
+}
+
+TEST(Likelihood, FastScoreIsThePlainOne)
+{
+    // Few couplings are summed one by one, many go through transforms, of several lengths.
+    std::mt19937 engine(7);
+    std::uniform_real_distribution<double> any(0.0, 1.0);
+    int scored = 0, outOfRace = 0;
+    for (const int count : {20, 63, 2000, 5000}) {
+        for (const double sigma : {0.05, 0.5, 1.7}) {
+            for (const double Da : {-3.5, -10.3, -24.0}) {
+                const std::vector<float> couplings = turned(powderCouplings(
+                    {.da = Da, .rhombicity = 0.3 * any(engine), .count = count, .sigma = sigma}));
+                for (const bool clear : {false, true}) {
+                    PatternScorer scorer;
+                    ASSERT_EQ(startScorer(scorer, couplings, sigma), 0);
+                    std::vector<float> data(axisPlaces);
+                    for (const double R : {0.0, 0.1 + 0.3 * any(engine), 0.69, 0.4 * any(engine)}) {
+                        const MlPoint point = {.Dab = Da * (0.9 + 0.14 * any(engine)), .R = R};
+                        const double plain = scorePlain(couplings, sigma, point, clear, data);
+                        const double fast = scorePattern(scorer, point.Dab, point.R, clear);
+                        EXPECT_NEAR(fast, plain, 1e-5 * std::max(1.0, std::fabs(plain)))
+                            << count << ' ' << sigma << ' ' << Da;
+                        ++(plain == 0.0 ? outOfRace : scored);
+                    }
+                }
+            }
+        }
+    }
+    EXPECT_GT(scored, 100);
+    EXPECT_GT(outOfRace, 10);
+}
+
+TEST(Likelihood, PatternIsADensityBetweenItsExtremes)
+{
+    for (const double R : {0.0, 0.05, 0.22, 0.5, 0.66}) {
+        const double Da = -10.3, high = -2.0 * Da, low = Da * (1.0 + 1.5 * R);
+        double area = 0.0, best = 0.0, peak = 0.0;
+        for (double x = -40.0; x < 40.0; x += 0.001) {
+            const double value = analytical(Da, R, x);
+            area += value * 0.001;
+            if (value > best) {
+                best = value;
+                peak = x;
+            }
+            EXPECT_EQ(value > 0.0 && (x < low || x > high), false) << x;
+        }
+        // The series is cut short, which costs up to a tenth of the area about the peak.
+        EXPECT_LT(area, 1.01) << R;
+        EXPECT_GT(area, 0.9) << R;
+        EXPECT_NEAR(peak, Da * (1.0 - 1.5 * R), 0.015) << R;
+        EXPECT_GT(analytical(Da, R, high - 0.01), 0.0);
+        EXPECT_TRUE(std::isfinite(analytical(Da, R, Da * (1.0 - 1.5 * R)))) << R;
+    }
+}
+
+/// A run on a table, in files of this process.
+struct Search {
+    Powder powder = {.count = 300};
+    HistInfo histInfo = {.incDaMl = 0.2f, .incRMl = 0.02f};
+    std::string atom = "All";
+    std::string scoreName = "scores";
+
+    int status = -1;
+    std::string err = {}, scores = {};
+
+    void run()
+    {
+        const std::filesystem::path folder = std::filesystem::temp_directory_path();
+        const std::string stem = (folder / ("likelihood_" + std::to_string(getpid()))).string();
+        const std::string scoreFile = scoreName == "scores" ? stem + ".scores" : scoreName;
+        ASSERT_TRUE(writePowder(stem + ".tab", powder));
+        TrelmInfo trelmInfo;
+        trelmInfo.trelmMode = 10;
+        trelmInfo.histInfo = histInfo;
+        DcInfo dcInfo;
+        CaptureStderr();
+        CaptureStdout();
+        status = getMlDabR(stem + ".tab", &trelmInfo, &dcInfo, atom, "All", stem + ".out", scoreFile);
+        GetCapturedStdout();
+        err = GetCapturedStderr();
+        histInfo = trelmInfo.histInfo;
+        std::ifstream file(scoreFile);
+        scores.assign(std::istreambuf_iterator<char>(file), {});
+        for (const std::string &name : {stem + ".tab", stem + ".out", stem + ".scores"})
+            std::filesystem::remove(name);
+    }
+};
+
+TEST(Likelihood, TensorsComeBackWithinTheirErrors)
+{
+    for (const double Da : {-5.0, -10.3, -18.0, 10.3}) {
+        for (const double R : {0.04, 0.22, 0.5}) {
+            Search search = {.powder = {.da = Da, .rhombicity = R, .count = 300}};
+            search.histInfo.mlClear = 1;
+            if (Da > 0.0) {
+                search.histInfo.lDaMl = 3.0f;
+                search.histInfo.hDaMl = 25.0f;
+            }
+            search.run();
+            ASSERT_EQ(search.status, 0) << search.err;
+            // At low R the pattern comes out a little wide: see the guide.
+            EXPECT_NEAR(search.histInfo.DaMl, Da, search.histInfo.DaErrMl + 0.02 * std::fabs(Da)) << R;
+            EXPECT_NEAR(search.histInfo.RMl, R, search.histInfo.RErrMl) << Da;
+        }
+    }
+}
+
+TEST(Likelihood, PatternsLeftOverFavourNarrowTensors)
+{
+    Search kept = {.powder = {.count = 2000}};
+    kept.run();
+    ASSERT_EQ(kept.status, 0) << kept.err;
+    EXPECT_GT(kept.histInfo.DaMl, -9.4f);
+    EXPECT_LT(kept.histInfo.RMl, 0.12f);
+
+    // One R at a time widens the pattern only, and leaves nothing over.
+    Search oneR = {.powder = kept.powder};
+    oneR.histInfo.lRMl = 0.22f;
+    oneR.histInfo.hRMl = 0.23f;
+    oneR.run();
+    EXPECT_NEAR(oneR.histInfo.DaMl, -10.3, 0.3);
+}
+
+TEST(Likelihood, DefaultGridStopsShortOfItsLimits)
+{
+    Search search = {.powder = {.count = 20}, .histInfo = {}};
+    search.run();
+    ASSERT_EQ(search.status, 0) << search.err;
+    EXPECT_EQ(std::ranges::count(search.scores, '\n'), 220 * 70 + 3);
+    const std::string head = "VARS   Da R SCORE\nFORMAT %3.1f %1.2f %e\n\n-3.0 0.00 ";
+    EXPECT_EQ(search.scores.substr(0, head.size()), head);
+    EXPECT_NE(search.scores.find("\n-24.9 0.00 "), std::string::npos);
+    EXPECT_NE(search.scores.find("\n-24.9 0.69 "), std::string::npos);
+    EXPECT_EQ(search.scores.find("\n-25.0 "), std::string::npos);
+    EXPECT_EQ(search.scores.find(" 0.70 "), std::string::npos);
+    EXPECT_NE(search.err.find("Grid point R = 0.00 D = -3.00\rGrid point R = 0.00 D = -3.10\r"),
+              std::string::npos);
+    EXPECT_TRUE(search.err.ends_with("Grid point R = 0.69 D = -24.90\r\n"));
+}
+
+TEST(Likelihood, LimitsOfEitherOrderAndSign)
+{
+    struct Case {
+        float lDa, hDa;
+        double sign;
+    };
+    for (const Case &limits : {Case{-25.0f, -3.0f, 1.0}, Case{-3.0f, -25.0f, 1.0}, Case{3.0f, 25.0f, -1.0},
+                               Case{25.0f, 3.0f, -1.0}, Case{0.0f, -25.0f, 1.0}, Case{0.0f, 25.0f, -1.0}}) {
+        Search search;
+        search.histInfo.mlClear = 1;
+        search.histInfo.lDaMl = limits.lDa;
+        search.histInfo.hDaMl = limits.hDa;
+        search.histInfo.incDaMl = -0.2f; // its sign does not count
+        search.run();
+        ASSERT_EQ(search.status, 0) << search.err;
+        EXPECT_NEAR(search.histInfo.DaMl, -10.3 * limits.sign, search.histInfo.DaErrMl) << limits.lDa;
+        EXPECT_NE(search.scores.find("\n-10.0 0.20 "), std::string::npos) << "scores have the Da of the grid";
+    }
+}
+
+TEST(Likelihood, ErrorsGoByCountAndR)
+{
+    struct Row {
+        int count;
+        float R;
+        float DaErr, RErr;
+    };
+    for (const Row &row :
+         {Row{40, 0.1f, 1.6f, 0.17f}, Row{40, 0.3f, 2.3f, 0.22f}, Row{40, 0.31f, 2.5f, 0.3f},
+          Row{41, 0.1f, 0.5f, 0.05f}, Row{90, 0.3f, 1.3f, 0.13f}, Row{90, 0.31f, 0.8f, 0.13f},
+          Row{91, 0.1f, 0.3f, 0.05f}, Row{91, 0.11f, 0.9f, 0.1f}, Row{91, 0.5f, 0.6f, 0.1f}}) {
+        Search search = {.powder = {.rhombicity = row.R, .count = row.count, .sigma = 0.3}};
+        search.histInfo.lRMl = row.R;
+        search.histInfo.hRMl = row.R + 0.01f;
+        search.run();
+        ASSERT_EQ(search.histInfo.RMl, row.R) << search.err;
+        EXPECT_EQ(search.histInfo.DaErrMl, row.DaErr) << row.count << ' ' << row.R;
+        EXPECT_EQ(search.histInfo.RErrMl, row.RErr) << row.count << ' ' << row.R;
+    }
+}
+
+TEST(Likelihood, NoPatternReachesTheCouplings)
+{
+    Search search;
+    search.histInfo.hDaMl = -3.0f;
+    search.histInfo.lDaMl = -4.0f;
+    search.run();
+    EXPECT_EQ(search.status, 0);
+    EXPECT_TRUE(search.err.ends_with("Warning: no grid point scores above 0, Da and R stay 0.\n"));
+    EXPECT_EQ(search.histInfo.DaMl, 0.0f);
+    EXPECT_NE(search.scores.find("-3.0 0.00 0.000000e+00\n"), std::string::npos);
+}
+
+TEST(Likelihood, RefusesWhatItCannotSearch)
+{
+    struct Case {
+        const char *message;
+        void (*spoil)(Search &);
+    };
+    const Case cases[] = {
+        {"Error: 5001 couplings, the limit of a likelihood search is 5000.\n",
+         [](Search &s) { s.powder.count = 5001; }},
+        {"trelm: no coupling is left to estimate a tensor from.\n", [](Search &s) { s.atom = "CA"; }},
+        {"Error: the grid of Da and R has 20001 points, the limit is 20000.\n",
+         [](Search &s) {
+             s.histInfo.lDaMl = -3.0f - 2.0001e1f;
+             s.histInfo.incDaMl = 0.001f;
+             s.histInfo.hRMl = 0.01f;
+         }},
+        {"Error: the grid of Da and R has no point: a step is 0 or limits cross.\n",
+         [](Search &s) { s.histInfo.incDaMl = 0.0f; }},
+        {"Error: the grid of Da and R has no point: a step is 0 or limits cross.\n",
+         [](Search &s) { s.histInfo.incRMl = 0.0f; }},
+        {"Error: the grid of Da and R has no point: a step is 0 or limits cross.\n",
+         [](Search &s) { s.histInfo.lRMl = 0.8f; }},
+        {"Error: the grid of Da and R has no point: a step is 0 or limits cross.\n",
+         [](Search &s) { s.histInfo.incDaMl = NAN; }},
+        {"Error: the grid of Da runs from -25.000 to 3.000, its limits must have one sign.\n",
+         [](Search &s) { s.histInfo.hDaMl = 3.0f; }},
+        {"Error: the grid of R runs from -0.100 to 0.700, it must lie between 0 and 2.\n",
+         [](Search &s) { s.histInfo.lRMl = -0.1f; }},
+        {"Error: the patterns up to Da -44.800 Hz, R 0.680 do not fit the axis of 81.92 Hz.\n",
+         [](Search &s) { s.histInfo.lDaMl = -45.0f; }},
+        {"Error: the mean error of the couplings is 0.000 Hz, it must be above 0 and at most 1.70 Hz.\n",
+         [](Search &s) { s.powder.sigma = 0.0; }},
+        {"Error: the mean error of the couplings is 1.710 Hz, it must be above 0 and at most 1.70 Hz.\n",
+         [](Search &s) { s.powder.sigma = 1.71; }},
+        {"lies outside the frequency axis of 81.92 Hz.\n", [](Search &s) { s.powder.da = -45.0; }},
+        {"TRELM Error opening output file /no/such/folder/scores\n",
+         [](Search &s) { s.scoreName = "/no/such/folder/scores"; }},
+    };
+    for (const Case &fault : cases) {
+        Search search;
+        fault.spoil(search);
+        search.run();
+        EXPECT_EQ(search.status, 1) << fault.message;
+        EXPECT_NE(search.err.find(fault.message), std::string::npos) << fault.message << search.err;
+        EXPECT_EQ(search.err.find("Grid point"), std::string::npos) << fault.message;
+    }
+}
+
+TEST(Likelihood, TakesWhatIsJustWithinTheLimits)
+{
+    Search search = {.powder = {.count = 5000, .sigma = 1.7}};
+    search.histInfo.mlClear = 1;
+    search.histInfo.lRMl = 0.2f;
+    search.histInfo.hRMl = 0.24f;
+    search.run();
+    ASSERT_EQ(search.status, 0) << search.err;
+    EXPECT_NEAR(search.histInfo.DaMl, -10.3, 0.9);
+
+    Search fine = {.powder = {.da = -2.0, .count = 20}};
+    fine.histInfo = {.lDaMl = -3.0f, .hDaMl = -1.0f, .incDaMl = 0.01f, .hRMl = 1.0f, .incRMl = 0.01f};
+    fine.run();
+    EXPECT_EQ(fine.status, 0) << fine.err;
+    EXPECT_EQ(std::ranges::count(fine.scores, '\n'), 20000 + 3);
+}
+
+TEST(Likelihood, RangesAreThePlainOnes)
+{
+    const MagnitudeRange range = {.Dab = -9.9, .DabErr = 1.3, .R = 0.13, .RErr = 0.13};
+    CouplingRanges ranges;
+    ASSERT_EQ(startRanges(ranges, range), 0);
+    for (const double coup : {-25.0, -11.2, -3.7, 0.0, 4.4, 8.5, 18.9, 30.0}) {
+        for (const double coupErr : {0.0, 0.02, 0.16}) {
+            double ave = 0.0, err = 0.0, avePlain = 0.0, errPlain = 0.0;
+            mapMagToDc(ranges, coup, coupErr, ave, err);
+            mapMagToDcPlain(range, coup, coupErr, avePlain, errPlain);
+            EXPECT_EQ(ave, avePlain) << coup;
+            EXPECT_EQ(err, errPlain) << coup;
+        }
+    }
+}
+
+} // namespace
+} // namespace trelm

@@ -1,0 +1,229 @@
+// Sets of residues against the pattern of a rigid molecule.
+#include "magnitude/motion.h"
+
+#include "magnitude/histogram.h"
+#include "magnitude/likelihood_score.h"
+#include "magnitude/powder.h"
+#include "simulation/sphere.h"
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace trelm {
+namespace {
+
+TEST(Motion, EvenDistributionHasThePrincipalCouplings)
+{
+    const std::array<double, 12> dots = {0, 0, 1, 1, 0, 0, 0, 1, 0, 0, 0, -1};
+    std::vector<float> dc = {7.0f};
+    simulateIsotropic(dots, -10.0f, 0.2f, dc);
+    ASSERT_EQ(dc.size(), 4u);
+    EXPECT_FLOAT_EQ(dc[0], -20.0f); // no division by 0 at the poles
+    EXPECT_FLOAT_EQ(dc[1], 7.0f);
+    EXPECT_FLOAT_EQ(dc[2], 13.0f);
+    EXPECT_FLOAT_EQ(dc[3], -20.0f);
+}
+
+TEST(Motion, ScoresByTheNumberOfCouplings)
+{
+    std::vector<MotionSet> sets(3);
+    sets[0] = {.nDSel = 10, .scores = {0.4, 0, 0}};
+    sets[1] = {.nDSel = 20, .scores = {0.4, 0, 0}};
+    sets[2] = {.nDSel = 0, .scores = {0.4, 9, 9}};
+    weighScores(sets);
+    EXPECT_DOUBLE_EQ(sets[0].scores[1], 0.6);
+    EXPECT_DOUBLE_EQ(sets[0].scores[2], 0.8);
+    EXPECT_DOUBLE_EQ(sets[1].scores[1], 0.4);
+    EXPECT_DOUBLE_EQ(sets[2].scores[1], 0.2);
+    EXPECT_DOUBLE_EQ(sets[2].scores[2], 0.0);
+}
+
+TEST(Motion, ScoresAreBroughtInto0To1)
+{
+    struct Case {
+        float r;
+        double score, bounded;
+    };
+    const Case cases[] = {{0.1f, 0.5, 0.5}, {0.2f, 0.3, 0.3},  {0.3f, 1.7, 1.0},
+                          {0.4f, 0.0, 0.3}, {0.5f, -2.0, 0.3}, {0.7f, 0.1, 0.1}}; // the last: R too large
+    std::vector<MotionSet> sets;
+    for (const Case &set : cases)
+        sets.push_back({.Dab = -10.0f * set.r, .R = set.r, .scores = {set.score, 0.0, 2.0}});
+    const MotionRanges ranges = boundScores(sets);
+    for (std::size_t i = 0; i < sets.size(); ++i) {
+        EXPECT_EQ(sets[i].scores[0], cases[i].bounded) << i;
+        EXPECT_EQ(sets[i].scores[1], 0.0); // no score to take
+        EXPECT_EQ(sets[i].scores[2], 1.0);
+    }
+    EXPECT_EQ(ranges.minScore[0], 0.3);
+    EXPECT_EQ(ranges.maxScore[0], 1.0);
+    EXPECT_EQ(ranges.minScore[2], 1.0);
+    EXPECT_FLOAT_EQ(ranges.minDab, -7.0f);
+    EXPECT_FLOAT_EQ(ranges.maxDab, -1.0f);
+    EXPECT_FLOAT_EQ(ranges.minR, 0.1f);
+    EXPECT_FLOAT_EQ(ranges.maxR, 0.7f);
+    EXPECT_EQ(boundScores({}).maxScore[0], 0.0);
+}
+
+TEST(Motion, ColoursOfACell)
+{
+    const std::vector<MotionSet> sets = {{.Dab = -9.95f, .R = 0.205f, .scores = {0.0, 0.1, 0.5}},
+                                         {.Dab = -10.05f, .R = 0.2f, .scores = {0.0, 0.3, 0.2}},
+                                         {.Dab = -5.0f, .R = 0.5f, .scores = {7.0, -1.0, 1.0}}};
+    using Colours = std::array<int, 3>;
+    EXPECT_EQ(cellColours(sets, -10.0, 0.2), (Colours{1, 5, 8})); // the largest of each; seen: at least 1
+    EXPECT_EQ(cellColours(sets, -10.1, 0.2), (Colours{1, 5, 3}));
+    EXPECT_EQ(cellColours(sets, -10.0, 0.22), (Colours{0, 0, 0}));
+    EXPECT_EQ(cellColours(sets, -5.1 + 1e-9, 0.5), (Colours{15, 0, 15}));
+    EXPECT_EQ(cellColours(sets, -5.2, 0.5), (Colours{0, 0, 0}));
+}
+
+/// What a run on a synthetic pattern leaves.
+struct MotionRun {
+    int status = -1;
+    std::string table, map;
+};
+
+MotionRun runMotion(const Powder &powder, TrelmInfo info)
+{
+    const std::string stem =
+        (std::filesystem::temp_directory_path() / ("trelm_motion_" + std::to_string(getpid()))).string();
+    EXPECT_TRUE(writePowder(stem, powder));
+    DTable dTab;
+    DcInfo dcInfo;
+    info.trelmMode = 11;
+    MotionRun run;
+    run.status = motionHist(
+        {.inDName = stem, .outDName = "/dev/null", .dTab = &dTab, .trelmInfo = &info, .dcInfo = &dcInfo},
+        stem + ".sc", stem + ".col");
+    for (auto [suffix, text] : {std::pair{".sc", &run.table}, std::pair{".col", &run.map}}) {
+        std::ostringstream all;
+        all << std::ifstream(stem + suffix).rdbuf();
+        *text = all.str();
+        std::filesystem::remove(stem + suffix);
+    }
+    std::filesystem::remove(stem);
+    return run;
+}
+
+/// The numbers of the lines of a table that begin with one.
+std::vector<std::vector<double>> numbers(const std::string &text)
+{
+    std::vector<std::vector<double>> rows;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) {
+        if (line.empty() || line[0] == '#')
+            continue;
+        std::istringstream words(line);
+        rows.emplace_back();
+        for (double value = 0.0; words >> value;)
+            rows.back().push_back(value);
+    }
+    return rows;
+}
+
+TEST(Motion, SetsOfARigidMolecule)
+{
+    TrelmInfo info;
+    info.histRan = 200;
+    info.histInfo.modeFit = 2;
+    info.sCount = 100;
+    const MotionRun run = runMotion({.count = 400, .sigma = 0.5}, info);
+    ASSERT_EQ(run.status, 0);
+    EXPECT_TRUE(run.table.starts_with("# nDots = 122\n\n1  -"));
+    const auto sets = numbers(run.table);
+    ASSERT_EQ(sets.size(), 200u);
+    double da = 0.0, r = 0.0;
+    double highest = -1e9;
+    int scored = 0;
+    for (const auto &set : sets) {
+        ASSERT_EQ(set.size(), 7u);
+        EXPECT_EQ(set[3], 100.0);
+        da += set[1] / 200.0;
+        highest = std::max(highest, set[1]);
+        r += set[2] / 200.0;
+        scored += set[4] > 0.0 ? 1 : 0;
+        EXPECT_EQ(set[4], set[6]); // all sets have as many couplings
+    }
+    EXPECT_NEAR(da, -10.3, 0.5);
+    EXPECT_NEAR(r, 0.22, 0.05);
+    EXPECT_GT(scored, 190);
+    // The map covers all sets, by steps of 0.2 and 0.02, and one row of Da more.
+    const auto cells = numbers(run.map);
+    ASSERT_FALSE(cells.empty());
+    std::vector<double> colours;
+    for (const auto &cell : cells)
+        colours.push_back(cell[2]);
+    EXPECT_EQ(cells.front()[0], std::floor(cells.front()[0]));
+    EXPECT_EQ(cells.front()[1], 0.0);
+    const std::size_t range = run.table.find("# DATA MAX_MIN Score  ");
+    ASSERT_NE(range, std::string::npos);
+    double most = 0.0, least = 0.0;
+    std::istringstream(run.table.substr(range + 22)) >> most >> least;
+    EXPECT_EQ(*std::ranges::max_element(colours), std::ceil(15.0 * (most - least))); // above the least ratio
+    EXPECT_GT(std::ranges::count(colours, 0.0), 0);
+    EXPECT_GT(cells.back()[0], highest);
+    EXPECT_LT(cells.back()[0], highest + 0.2);
+}
+
+TEST(Motion, RatioIsThatOfTheCouplingsOverAnEvenDistribution)
+{
+    const Powder powder = {.count = 60, .sigma = 0.3};
+    TrelmInfo info;
+    info.histRan = 1;
+    info.sCount = 0;
+    info.histInfo.modeFit = 2;
+    const auto sets = numbers(runMotion(powder, info).table);
+    ASSERT_EQ(sets.size(), 1u);
+    std::vector<float> couplings = powderCouplings(powder);
+    const Extremes extremes = findExtremes(couplings);
+    HistInfo hist;
+    solveExtremes(extremes.minD, extremes.maxD, hist);
+    const float da = -std::fabs(hist.Da2Par);
+    turnPositive(couplings);
+    std::span<const double> dots;
+    ASSERT_EQ(do_unsp(60, dots), 0);
+    std::vector<float> even;
+    simulateIsotropic(dots, da, hist.R2Par, even);
+    turnPositive(even);
+    const double expected =
+        mlMagTensorSingle(couplings, 0.3f, da, hist.R2Par) / mlMagTensorSingle(even, 0.3f, da, hist.R2Par);
+    EXPECT_GT(std::fabs(expected - 1.0 / expected), 0.02);
+    EXPECT_NEAR(sets[0][4], expected, 2e-3); // the table has the couplings rounded
+}
+
+TEST(Motion, ASetLargerThanTheMoleculeIsAllOfIt)
+{
+    TrelmInfo info;
+    info.histRan = 3;
+    info.histInfo.modeFit = 2;
+    for (const int sCount : {0, 60, 1000}) {
+        info.sCount = sCount;
+        const auto sets = numbers(runMotion({.count = 60, .sigma = 0.3}, info).table);
+        ASSERT_EQ(sets.size(), 3u) << sCount;
+        for (const auto &set : sets)
+            EXPECT_EQ(set[3], 60.0) << sCount;
+        EXPECT_EQ(sets[0][1], sets[2][1]);
+    }
+}
+
+TEST(Motion, MoreThanThousandsOfCouplings)
+{
+    TrelmInfo info;
+    info.histRan = 2;
+    info.sCount = 0;
+    const MotionRun run = runMotion({.count = 12000, .sigma = 0.5}, info);
+    EXPECT_EQ(run.status, 0);
+    EXPECT_TRUE(run.table.starts_with("# nDots = 12002\n")) << run.table.substr(0, 60);
+    EXPECT_EQ(numbers(run.table).at(1).at(3), 12000.0);
+}
+
+} // namespace
+} // namespace trelm

@@ -57,7 +57,7 @@ double scorePlain(std::span<const float> couplings, double delta, const MlPoint 
 std::vector<MlPoint> mlMagTensorPlain(const MlCouplings &couplings, const MlGrid &grid, bool clear)
 {
     const auto steps = [](double low, double high, double inc) {
-        return static_cast<int>(std::ceil((high - low) / inc - 1e-2));
+        return std::max(1, static_cast<int>(std::ceil((high - low) / inc - 1e-2)));
     };
     std::vector<float> data(axisPlaces);
     std::vector<MlPoint> list;
@@ -78,7 +78,7 @@ void mapMagToDcPlain(const MagnitudeRange &range, double coup, double coupErr, d
     double dMax = coup, dMin = coup;
     for (double theta = 0.0; theta <= 1.570795; theta += 0.01) {
         for (double phi = 0.0; phi <= 3.14159; phi += 0.01) {
-            for (const int sign : {3, 1, 2, 0}) { // high Da in the first bit, high R in the second
+            for (const int sign : {3, 2, 1, 0}) { // high Da in the first bit, high R in the second
                 const double Dab = (sign & 1) != 0 ? range.Dab + range.DabErr : range.Dab - range.DabErr;
                 const double R = (sign & 2) != 0 ? range.R + range.RErr : range.R - range.RErr;
                 const double corner = dip_coup(theta, phi, Dab, R);

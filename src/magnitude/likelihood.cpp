@@ -16,26 +16,27 @@
 namespace trelm {
 namespace {
 
-/// Points from `low` in steps of `inc` below `high`. Limits and steps come in single precision: the last
-/// point stops a hair short, or 70 steps of 0.01 would reach 0.7 once more. Numbers that are none give 0.
+/// Points from `low`, itself one, in steps of `inc` below `high`. Limits and steps come in single precision:
+/// the last point stops a hair short, or 70 steps of 0.01 would reach 0.7 once more. Numbers that are none
+/// give 0.
 double countSteps(double low, double high, double inc)
 {
     constexpr double hair = 1e-2; // of a step
     if (!(high > low && inc > 0.0))
         return 0.0;
-    return std::ceil((high - low) / inc - hair);
+    return std::max(1.0, std::ceil((high - low) / inc - hair));
 }
 
 /// Progress of a search, one line a point.
 struct GridProgress {
     Progress progress = startProgress("", 0);
 
-    void show(double R, double Dab)
+    void show(double R, double Dab, bool isLast)
     {
         constexpr std::size_t pieceSize = std::size_t{1} << 14;
         constexpr auto interval = std::chrono::milliseconds(50);
         const auto now = std::chrono::steady_clock::now();
-        if (progress.isTerminal && now - progress.lastShown < interval)
+        if (progress.isTerminal && !isLast && now - progress.lastShown < interval)
             return;
         appendf(progress.pending, "Grid point R = %.2f D = %.2f\r", R, Dab);
         if (!progress.isTerminal && progress.pending.size() < pieceSize)
@@ -137,6 +138,9 @@ void fillCalculated(DTable &dTab, const CouplingRanges *ranges)
 
 int mapTable(DTable &dTab, const MagnitudeRange &best, bool mlMap)
 {
+    const auto isWeighted = [](const DInfo &row) { return isObserved(row) && row.w != 1.0f; };
+    if (mlMap && std::ranges::any_of(dTab.observed(), isWeighted))
+        complain("Warning: the ranges of couplings are found without their weights.\n");
     CouplingRanges ranges;
     if (mlMap && startRanges(ranges, best) != 0)
         return 1;
@@ -146,9 +150,9 @@ int mapTable(DTable &dTab, const MagnitudeRange &best, bool mlMap)
 
 void writeScores(OutFile &out, std::span<const MlPoint> list)
 {
-    std::string text = "VARS   Da R SCORE\nFORMAT %3.1f %1.2f %e\n\n";
+    std::string text = "VARS   DA R SCORE\nFORMAT %3.1f %1.2f %e\n\n";
     for (const MlPoint &point : list)
-        appendf(text, "%3.1f %1.2f %e\n", point.Dab, point.R, point.score);
+        appendf(text, "%3.1f %1.2f %e\n", point.Dab + 0.0, point.R, point.score); // no sign at a zero
     writeOut(out, text);
 }
 
@@ -160,6 +164,11 @@ int readMlCouplings(const MagnitudeJob &job, ObservedCouplings &observed)
     if (observed.coupList.size() > maxMlCouplings)
         return complain("Error: %zu couplings, the limit of a likelihood search is %d.\n",
                         observed.coupList.size(), maxMlCouplings);
+    constexpr double axis = axisPlaces * axisStep;
+    const double span = double{observed.maxD} - observed.minD;
+    if (!(span < axis)) // one end of the pattern would stand on the other
+        return complain("Error: the couplings span %.2f Hz, more than the frequency axis of %.2f Hz.\n", span,
+                        axis);
     solveExtremes(observed.minD, observed.maxD, job.trelmInfo->histInfo);
     turnPositive(observed.coupList);
     return 0;
@@ -173,6 +182,10 @@ int searchGrid(const ObservedCouplings &observed, HistInfo &histInfo, std::span<
     const MlGrid grid = settleGrid(histInfo, invertFlag);
     if (checkGrid(grid) != 0)
         return 1;
+    const double reach = 2.0 * std::max(std::fabs(grid.lowDab), std::fabs(grid.highDab));
+    const double largest = std::max(std::fabs(observed.minD), std::fabs(observed.maxD));
+    if (largest > reach + reachOfResponse * observed.rAveDD)
+        complain("Warning: a coupling of %.2f Hz is beyond all tensors of the grid.\n", largest);
     if (mlMagTensor({observed.coupList, observed.rAveDD}, grid, histInfo.mlClear != 0, list, lCount) != 0)
         return complain("Error in mlMagTensor.\n");
     best = findBest(list.first(static_cast<std::size_t>(lCount)), static_cast<int>(observed.coupList.size()));
@@ -206,8 +219,11 @@ constexpr double lastPhi = 3.14159;
 std::vector<double> anglesTo(double last)
 {
     std::vector<double> angles;
-    for (double angle = 0.0; angle <= last; angle += angleStep)
+    double angle = 0.0; // summed up step by step, as the method has it
+    while (angle <= last) {
         angles.push_back(angle);
+        angle += angleStep;
+    }
     return angles;
 }
 
@@ -253,12 +269,13 @@ int mlMagTensor(const MlCouplings &couplings, const MlGrid &grid, bool clear, st
     if (startScorer(scorer, couplings.coup_mat, couplings.delta) != 0)
         return 1;
     GridProgress lines;
-    for (double i = 0.0; i < stepsR; ++i) {
-        for (double k = 0.0; k < stepsDa; ++k) {
+    const auto countR = static_cast<int>(stepsR), countDa = static_cast<int>(stepsDa);
+    for (int i = 0; i < countR; ++i) {
+        for (int k = 0; k < countDa; ++k) {
             MlPoint &point = list[static_cast<std::size_t>(lCount++)];
             point.R = grid.lowR + i * grid.incR;
             point.Dab = grid.highDab - k * grid.incDa;
-            lines.show(point.R, point.Dab);
+            lines.show(point.R, point.Dab, i + 1 == countR && k + 1 == countDa);
             point.score = scorePattern(scorer, point.Dab, point.R, clear);
         }
     }

@@ -124,9 +124,12 @@ int collectPlaces(std::span<const float> couplings, std::vector<ScorePlace> &lis
 void makeTaps(double delta, PatternScorer &scorer)
 {
     std::vector<float> half;
-    const double reach = 3.0 * delta;
-    for (double x = 0.0; x <= reach; x += axisStep)
+    const double reach = reachOfResponse * delta;
+    double x = 0.0; // summed up step by step, as the method has it
+    while (x <= reach) {
         half.push_back(static_cast<float>(normal(0.0, delta, x)));
+        x += axisStep;
+    }
     scorer.wing = static_cast<int>(half.size()) - 1;
     scorer.taps.assign(half.rbegin(), half.rend());
     scorer.taps.insert(scorer.taps.end(), half.begin() + 1, half.end());
@@ -261,11 +264,9 @@ bool isPattern(double Dab, double R)
 
 int startScorer(PatternScorer &scorer, std::span<const float> couplings, double delta)
 {
-    if (!(delta > 0.0 && delta <= maxMeanError))
-        return complain(
-            "Error: the mean error of the couplings is %.3f Hz, it must be above 0 and at most %.2f "
-            "Hz.\n",
-            delta, maxMeanError);
+    if (!(delta >= minMeanError && delta <= maxMeanError))
+        return complain("Error: the mean error of the couplings is %.3g Hz, it must be %g to %.2f Hz.\n",
+                        delta, minMeanError, maxMeanError);
     if (collectPlaces(couplings, scorer.places) != 0)
         return 1;
     scorer.data = Block<float>("data", places + 2 * margin);

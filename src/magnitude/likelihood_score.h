@@ -8,7 +8,7 @@
 #pragma once
 
 #include "driver/alloc.h"
-#include "magnitude/symmetric_filter.h"
+#include "support/symmetric_filter.h"
 
 #include <array>
 #include <span>
@@ -18,6 +18,8 @@ namespace trelm {
 
 constexpr int axisPlaces = 8192;         ///< places of the frequency axis
 constexpr double axisStep = 0.01;        ///< Hz
+constexpr double minMeanError = 1e-6;    ///< Hz; densities of a smaller one leave single precision
+constexpr double reachOfResponse = 3.0;  ///< mean errors
 constexpr double maxMeanError = 1.703;   ///< Hz; three times a larger error passes the response's 1023 places
 constexpr double maxPatternReach = 81.9; ///< Hz; neither half of a pattern may be longer than the axis
 
@@ -51,7 +53,7 @@ struct PatternScorer {
 };
 
 /// Sets a scorer up for couplings and their mean error `delta`, Hz. Returns 0, or 1 after a message: delta is
-/// not above 0 or beyond maxMeanError, a coupling lies outside the axis, there is no memory.
+/// below minMeanError or beyond maxMeanError, a coupling lies outside the axis, there is no memory.
 int startScorer(PatternScorer &scorer, std::span<const float> couplings, double delta);
 
 /// The score of a tensor for which isPattern holds; 0.0 if the pattern does not reach one of the couplings.

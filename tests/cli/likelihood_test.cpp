@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include <algorithm>
 #include <cmath>
 
@@ -47,9 +49,18 @@ TEST(LikelihoodRun, DefaultGrid)
         << ran.file("out.tab");
 
     const std::string scores = ran.file("scores");
-    EXPECT_TRUE(scores.starts_with("VARS   Da R SCORE\nFORMAT %3.1f %1.2f %e\n\n-3.0 0.00 ")) << scores;
+    EXPECT_TRUE(scores.starts_with("VARS   DA R SCORE\nFORMAT %3.1f %1.2f %e\n\n-3.0 0.00 ")) << scores;
     EXPECT_EQ(std::ranges::count(scores, '\n'), 220 * 70 + 3);
-    EXPECT_EQ(countOf(scores, "\n-9.6 0.10 3.90"), 1); // the best
+    double best = -1e9, bestDa = 0.0, bestR = 0.0;
+    std::istringstream rows(scores.substr(scores.find("\n\n")));
+    for (double Da = 0.0, R = 0.0, score = 0.0; rows >> Da >> R >> score;)
+        if (score > best) {
+            best = score;
+            bestDa = Da;
+            bestR = R;
+        }
+    EXPECT_EQ(bestDa, -9.6);
+    EXPECT_EQ(bestR, 0.10);
 }
 
 TEST(LikelihoodRun, ClearedPatternsMeetTheBestFit)
@@ -84,6 +95,11 @@ TEST(LikelihoodRun, CalculatedCouplings)
         wide += std::stod(row[10]) > 0.5 ? 1 : 0;
     }
     EXPECT_GE(wide, 60); // a coupling that no orientation has keeps itself and the width 0
+
+    const Ran positive = search({"-outSc", "scores", "-mapMl", "-clearMl", "-lDa", "3", "-hDa", "25"});
+    EXPECT_EQ(
+        countOf(positive.file("out.tab"), "   52  ASP    H   52  ASP    N      0.00  -16.9830  -17.1289"), 1)
+        << positive.file("out.tab");
 }
 
 TEST(LikelihoodRun, PositiveRangeAndScoresOnStandardOutput)
@@ -104,6 +120,8 @@ TEST(LikelihoodRun, Failures)
     const Case cases[] = {
         {{"-incDa", "0"}, "Error: the grid of Da and R has no point: a step is 0 or limits cross.\n"},
         {{"-incDa", "0.01"}, "Error: the grid of Da and R has 154000 points, the limit is 20000.\n"},
+        {{"-lR", "0.3", "-hR", "0.3"},
+         "Error: the grid of Da and R has no point: a step is 0 or limits cross.\n"},
         {{"-lDa", "-60", "-incDa", "1"},
          "Error: the patterns up to Da -59.000 Hz, R 0.690 do not fit the axis of 81.92 Hz.\n"},
         {{"-d1", "900", "-dN", "901"}, "trelm: no coupling is left to estimate a tensor from.\n"},
@@ -115,6 +133,8 @@ TEST(LikelihoodRun, Failures)
         EXPECT_EQ(ran.status, 1) << fault.message;
         EXPECT_EQ(countOf(ran.err, fault.message), 1) << fault.message;
         EXPECT_EQ(countOf(ran.err, "trelm: error in getMlDabR.\n"), 1) << fault.message;
+        EXPECT_EQ(tableRows(ran.file("out.tab")).size(), fault.args[1] == "/dev/full" ? 63U : 0U)
+            << fault.message;
     }
 }
 
@@ -127,6 +147,7 @@ TEST(LikelihoodRun, OutOfMemory)
             {"-mapMl", "-incDa", "2", "-incR", "0.1", "-outSc", "scores"},
             {.environment = {{"TRELM_FAIL_ALLOC", std::to_string(n)}}, .program = TRELM_FAULTS_PROGRAM});
         ASSERT_TRUE(ran.status == 0 || ran.status == 1) << n << ran.err;
+        EXPECT_EQ(countOf(ran.err, "Memory allocation failure.\n") > 0, ran.status == 1) << n << ran.err;
         failed += ran.status;
     }
     EXPECT_GT(failed, 8);

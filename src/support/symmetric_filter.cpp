@@ -1,4 +1,4 @@
-#include "magnitude/symmetric_filter.h"
+#include "support/symmetric_filter.h"
 
 #include "support/text.h"
 

@@ -129,6 +129,8 @@ int appendTensor(const TrelmInfo &trelmInfo, int nD, DTensor &tensor, std::strin
     if (std::ranges::all_of(tensor.saupe, [](float value) { return value == 0.0f; }))
         return 0;
     appendOrderMatrix(tensor, text);
+    if (!std::ranges::all_of(tensor.saupe, [](float value) { return std::isfinite(value); }))
+        return 0; // a quotient by zero: there are no axes
     Saupe saupe;
     std::ranges::copy(tensor.saupe, saupe.begin());
     TensorAnalysis analysis;

@@ -1,4 +1,5 @@
 #include "driver/assign_road.h"
+#include "driver/compare_road.h"
 #include "driver/inputs.h"
 #include "driver/likelihood_road.h"
 #include "driver/magnitude_road.h"
@@ -15,7 +16,7 @@
 namespace trelm {
 namespace {
 
-/// A mode and what it does with a run. Without a function the mode is not built yet.
+/// A mode and what it does with a run.
 struct ModeRow {
     int trelmMode;
     const char *flag;
@@ -23,7 +24,7 @@ struct ModeRow {
     int (*branch)(Run &run);
 };
 
-/// A kind of best-fit, likewise.
+/// A kind of best-fit.
 struct SpreadRow {
     int spreadMode;
     const char *flag;
@@ -72,17 +73,12 @@ constexpr ModeRow modeRows[] = {
     {10, "-daMl", false, estimateByLikelihood},
     {11, "-daFlex", false, estimateByMotion},
     {12, "-asRan", true, setUpCharges},
-    {13, "-anDc", false, nullptr},
-    {14, "-anA", false, nullptr},
+    {13, "-anDc", false, combineCouplings},
+    {14, "-anA", false, compareTensors},
     {15, "-anPdb", true, analyzeStructure},
     {16, "-struc", true, addStructureNoise},
-    {17, "-conv", false, nullptr},
+    {17, "-conv", false, convertTable},
 };
-
-int notBuilt(const char *flag)
-{
-    return complain("trelm: the mode %s is not built yet.\n", flag);
-}
 
 } // namespace
 
@@ -90,10 +86,6 @@ int runMode(Run &run)
 {
     const TrelmInfo &trelmInfo = run.trelmInfo[0];
     const ModeRow &mode = *std::ranges::find(modeRows, trelmInfo.trelmMode, &ModeRow::trelmMode);
-    if (mode.branch == nullptr)
-        return notBuilt(mode.flag);
-    if (mode.branch == bestFit && spreadRow(trelmInfo.spreadMode).branch == nullptr)
-        return notBuilt(spreadRow(trelmInfo.spreadMode).flag);
     if (trelmInfo.rotN < 0 || trelmInfo.rotN > 3)
         return complain("trelm: -rotID %d: the four frames have the numbers 0 to 3.\n", trelmInfo.rotN);
     const int status = mode.commonInput ? readInputs(run) : 0;

@@ -165,8 +165,8 @@ TEST(Failures, OutputThatCannotBeWritten)
     EXPECT_GE(countOf(noTurned.err, "PDB Error opening PDB file none/t.pdb\n"), 1);
 }
 
-/// Lets request after request fail, until the run makes fewer than that.
-void walkRequests(const std::vector<std::string> &args)
+/// Lets request after request fail, until the run makes fewer than that. A run makes `fewest` at least.
+void walkRequests(const std::vector<std::string> &args, int fewest = 10)
 {
     const auto run = [&](int n) {
         return runProgram(args, {.environment = {{"TRELM_FAIL_ALLOC", std::to_string(n)}},
@@ -185,7 +185,7 @@ void walkRequests(const std::vector<std::string> &args)
             << "request " << n << " failed, and the result differs without a word\n"
             << ran.err;
     }
-    EXPECT_GT(n, 10);
+    EXPECT_GT(n, fewest);
     EXPECT_LT(n, 2000);
 }
 
@@ -208,16 +208,10 @@ TEST(Failures, EveryRequestForMemoryMayFail)
     walkRequests(args);
     args[0] = "-anPdb";
     walkRequests(args);
-}
-
-TEST(Failures, ModesThatAreNotBuiltSaySo)
-{
-    for (const char *flag : {"-anA", "-anDc", "-conv"}) {
-        const Ran ran = runProgram({flag});
-        EXPECT_EQ(ran.status, 1);
-        EXPECT_EQ(countOf(ran.err, std::string("trelm: the mode ") + flag + " is not built yet.\n"), 1)
-            << ran.err;
-    }
+    const std::string table = example("bicelle_hn.tab");
+    walkRequests({"-conv", "-trelm", "-inD", table, "-outD", "fit.tab"});
+    walkRequests({"-anDc", "-inD1", table, "-inD2", table, "-outD", "fit.tab"});
+    walkRequests({"-anA", "-inS1", "1", "2", "3", "4", "5", "-outA", "fit.tab"}, 5); // the five records
 }
 
 TEST(CommandLine, HelpEndsWithTheFailureLine)

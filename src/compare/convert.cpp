@@ -1,0 +1,285 @@
+#include "compare/convert.h"
+
+#include "couplings/output.h"
+#include "couplings/table_input.h"
+#include "support/output_file.h"
+#include "support/random.h"
+#include "support/sort.h"
+#include "support/text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <unordered_set>
+#include <vector>
+
+namespace trelm {
+namespace {
+
+constexpr float noMeasurement = 999.0f; ///< values from here on stay out of the listing
+constexpr int systemFormat = 4;
+
+/// A table on its way out.
+struct Conversion {
+    const std::string &inDName;
+    const TrelmInfo &trelmInfo;
+    const DTable &dTab;
+    std::span<const int> resIdList; ///< residues of the listing, ascending
+    std::span<const int> indexList; ///< the row that names each of them
+};
+
+double number(float value)
+{
+    return value;
+}
+
+bool isAmideProton(const Name &name)
+{
+    return name == "HN" || name == "H";
+}
+
+/// Calls `visit` with the observed and the calculated row of each coupling that is valid in both.
+template <class Visit>
+void forEachValid(const DTable &dTab, Visit visit)
+{
+    const auto observed = dTab.observed(), calculated = dTab.calculated();
+    for (std::size_t i = 0; i < observed.size(); ++i)
+        if (observed[i].valid != 0 && calculated[i].valid != 0)
+            visit(observed[i], calculated[i]);
+}
+
+// ---- restraints: the tensor is a pseudo-molecule of four atoms, OO Z X Y ----
+
+void appendRestraints(const Conversion &job, std::string &text)
+{
+    appendf(text, "! %s from %s.\n",
+            job.trelmInfo.normDc != 0 ? "Normalized dipolar couplings" : "Dipolar couplings",
+            job.inDName.c_str());
+    if (job.trelmInfo.dcNoise != 0)
+        text += "! Gaussian noise has been added.\n\n";
+    const int dcID = job.trelmInfo.dcID;
+    forEachValid(job.dTab, [&](const DInfo &obs, const DInfo &calc) {
+        appendf(text, "\nassign ( resid %3d and name OO  )\n", dcID);
+        for (const char *axis : {"Z", "X", "Y"})
+            appendf(text, "       ( resid %3d and name %s   )\n", dcID, axis);
+        appendf(text, "       ( resid %3d and name %s and not segid REF )\n", obs.resIDI,
+                obs.atomNameI.c_str());
+        appendf(text, "       ( resid %3d and name %s and not segid REF )   ", obs.resIDJ,
+                obs.atomNameJ.c_str());
+        appendf(text, "%.4f %.4f\n", number(calc.d), number(calc.sigma));
+    });
+}
+
+// ---- plain rows ----
+
+void appendAmides(const Conversion &job, std::string &text)
+{
+    forEachValid(job.dTab, [&](const DInfo &obs, const DInfo &calc) {
+        if (!(obs.atomNameI == "N" && isAmideProton(obs.atomNameJ)) &&
+            !(obs.atomNameJ == "N" && isAmideProton(obs.atomNameI)))
+            return;
+        appendf(text, "%3d %s HN %9.2f %7.2f %5.1f\n", obs.resIDI, obs.resNameI.c_str(), number(calc.d),
+                number(calc.sigma), number(calc.w));
+    });
+}
+
+void appendCountedRows(const Conversion &job, std::string &text)
+{
+    appendf(text, "%s from %s.\n",
+            job.trelmInfo.normDc != 0 ? "Normalized dipolar couplings" : "Dipolar couplings",
+            job.inDName.c_str());
+    text += job.trelmInfo.dcNoise != 0 ? "Gaussian noise has been added.\n"
+                                       : "No Gaussian noise has been added.\n";
+    text += "comment\n";
+    int count = 0;
+    forEachValid(job.dTab, [&](const DInfo &, const DInfo &) { ++count; });
+    appendf(text, "%d\n", count);
+    forEachValid(job.dTab, [&](const DInfo &obs, const DInfo &calc) {
+        appendf(text, "%s %4d %4s %4d %4s  %10.2f\n", "a", obs.resIDI, obs.atomNameI.c_str(), obs.resIDJ,
+                obs.atomNameJ.c_str(), number(calc.d));
+    });
+}
+
+// ---- the listing: a line for each residue, a column for each kind of coupling ----
+
+/// The residue whose line takes a coupling.
+enum class LineOf { first, larger, amideProton };
+
+struct Column {
+    const char *atomA, *atomB; ///< in either order; HN stands for H, too
+    LineOf line;
+};
+
+constexpr Column columns[] = {
+    {"HN", "N", LineOf::first},        {"N", "C", LineOf::larger},  {"HN", "C", LineOf::larger},
+    {"CA", "C", LineOf::first},        {"CA", "HA", LineOf::first}, {"HN", "CA", LineOf::larger},
+    {"HN", "HA", LineOf::amideProton}, // with dcProton alone
+};
+constexpr const char *noValue = " -9999.000"; ///< a residue without such a coupling
+
+bool isNamed(const Name &name, std::string_view wanted)
+{
+    return name == wanted || (wanted == "HN" && name == "H");
+}
+
+bool isInColumn(const DInfo &row, const Column &column)
+{
+    return (isNamed(row.atomNameI, column.atomA) && isNamed(row.atomNameJ, column.atomB)) ||
+           (isNamed(row.atomNameJ, column.atomA) && isNamed(row.atomNameI, column.atomB));
+}
+
+int lineResidue(const DInfo &row, LineOf line)
+{
+    if (line == LineOf::first)
+        return row.resIDI;
+    if (line == LineOf::larger)
+        return std::max(row.resIDI, row.resIDJ);
+    return isAmideProton(row.atomNameI) ? row.resIDI : row.resIDJ;
+}
+
+/// Cells of the listing, columns of a residue side by side: the couplings that each holds, as text.
+std::vector<std::string> fillCells(const Conversion &job, std::span<const Column> shown)
+{
+    std::vector<std::string> cells(job.resIdList.size() * shown.size());
+    const auto observed = job.dTab.observed(), calculated = job.dTab.calculated();
+    for (std::size_t i = 0; i < observed.size(); ++i) {
+        const DInfo &row = observed[i];
+        if (row.valid == 0 || !(row.d < noMeasurement))
+            continue;
+        for (std::size_t k = 0; k < shown.size(); ++k) {
+            if (!isInColumn(row, shown[k]))
+                continue;
+            const int id = lineResidue(row, shown[k].line);
+            const auto place = std::ranges::lower_bound(job.resIdList, id);
+            if (place != job.resIdList.end() && *place == id)
+                appendf(cells[static_cast<std::size_t>(place - job.resIdList.begin()) * shown.size() + k],
+                        " %.3f", number(calculated[i].d));
+        }
+    }
+    return cells;
+}
+
+void appendName(const Name &name, std::string &text)
+{
+    appendf(text, " %4s", name.empty() ? "None" : name.c_str());
+}
+
+void appendListing(const Conversion &job, std::string &text)
+{
+    const auto shown = std::span(columns).first(std::size(columns) - (job.trelmInfo.dcProton != 0 ? 0 : 1));
+    const std::vector<std::string> cells = fillCells(job, shown);
+    for (std::size_t line = 0; line < job.resIdList.size(); ++line) {
+        const DInfo &row = job.dTab.observed()[static_cast<std::size_t>(job.indexList[line])];
+        appendf(text, " %4d %4s %4s", row.resIDI, row.resNameI.c_str(), row.atomNameI.c_str());
+        if (job.dTab.nullChainName == 0)
+            appendName(row.chainNameI, text);
+        if (job.dTab.nullSegName == 0)
+            appendName(row.segNameI, text);
+        for (std::size_t k = 0; k < shown.size(); ++k) {
+            const std::string &cell = cells[line * shown.size() + k];
+            text += cell.empty() ? noValue : cell;
+        }
+        text += '\n';
+    }
+}
+
+// ---- the job ----
+
+/// The residues of the listing, each with its first row, in ascending order. Returns their number.
+std::size_t indexResidues(const DTable &dTab, std::span<int> resIdList, std::span<int> indexList)
+{
+    std::unordered_set<int> known;
+    std::size_t count = 0;
+    int index = 0;
+    for (const DInfo &row : dTab.observed()) {
+        const int id = std::max(row.resIDI, row.resIDJ);
+        if (row.valid != 0 && row.d < noMeasurement && known.insert(id).second) {
+            resIdList[count] = id;
+            indexList[count++] = index;
+        }
+        ++index;
+    }
+    iSort2(resIdList.first(count), indexList.first(count));
+    return count;
+}
+
+/// What goes out stands in the calculated rows. A normalised table carries all scaling in its couplings.
+/// Returns 0, or 1 after a message: a coupling is no finite number with its weight or noise.
+int fillCalculated(const TrelmInfo &trelmInfo, DTable &dTab)
+{
+    const auto observed = dTab.observed(), calculated = dTab.calculated();
+    for (std::size_t i = 0; i < observed.size(); ++i) {
+        DInfo &obs = observed[i], &calc = calculated[i];
+        if (obs.valid == 0)
+            continue;
+        calc.valid = 1;
+        calc.w = obs.w;
+        calc.sigma = obs.sigma;
+        calc.d =
+            trelmInfo.dcNoise != 0 ? static_cast<float>(number(obs.d) + gauss() * number(obs.sigma)) : obs.d;
+        if (trelmInfo.normDc != 0) {
+            const float f = obs.w;
+            calc.d *= f;
+            calc.sigma *= f;
+            obs.sigma *= f;
+            calc.w = obs.w = 1.0f;
+        }
+        if (!std::isfinite(calc.d) || !std::isfinite(calc.sigma))
+            return complain("Error: The coupling of row %d is out of range with its weight or noise.\n",
+                            obs.id);
+    }
+    return 0;
+}
+
+using Writer = void (*)(const Conversion &job, std::string &text);
+constexpr Writer writers[] = {appendRestraints, appendRestraints, appendListing,
+                              appendAmides,     nullptr,          appendCountedRows}; // by outFormat
+
+/// Opens the output. The table to convert is never overwritten: it is read after this.
+int openResult(const std::string &inDName, const std::string &outName, OutFile &out)
+{
+    if (isSameFile(inDName, outName))
+        return complain("trelm: %s is the table to convert: give the output another name.\n",
+                        outName.c_str());
+    if (openOut(out, outName, "w") != 0)
+        return complain("TRELM Error opening output file %s\n", outName.c_str());
+    return 0;
+}
+
+} // namespace
+
+int convertTab(const std::string &inDName, TrelmInfo *trelmInfo, DcInfo *dcInfo,
+               const std::string &atomNameS1, const std::string &atomNameS2, const std::string &outName)
+{
+    Block<DTable> table("convertTab", 1);
+    if (!table)
+        return complain("Error allocating DC structures.\n");
+    DTable &dTab = table[0];
+    OutFile out;
+    if (trelmInfo->outFormat != systemFormat && openResult(inDName, outName, out) != 0)
+        return 1;
+    const int status = readTable(inDName, &dTab);
+    if (status != 0)
+        return status;
+    settleWindow(*dcInfo, dTab);
+    const int chosen = chooseRows(dTab, *dcInfo, atomNameS1, atomNameS2);
+    tellRows(chosen, "selected", dcInfo->excludeMode);
+    if (chosen == 0)
+        complain("trelm: no coupling is left to convert.\n");
+    const auto rows = static_cast<std::size_t>(dTab.dCount) + 1; // no more residues than rows
+    Block<int> resIdList("convertTab", rows), indexList("convertTab", rows);
+    if (!resIdList || !indexList)
+        return complain("Error allocating coord buffers.\n");
+    const std::size_t residues = indexResidues(dTab, resIdList.span(), indexList.span());
+    if (fillCalculated(*trelmInfo, dTab) != 0)
+        return 1;
+    if (trelmInfo->outFormat == systemFormat)
+        return writeDCmod(outName, "w", &dTab, trelmInfo, "");
+    std::string text;
+    writers[trelmInfo->outFormat](
+        {inDName, *trelmInfo, dTab, resIdList.span().first(residues), indexList.span().first(residues)},
+        text);
+    writeOut(out, text);
+    return closeOut(out);
+}
+
+} // namespace trelm

@@ -1,9 +1,14 @@
 # make demo   best-fit and prediction of the example, built in release mode
 # make check  all tests
 # make bench  benchmarks, fast forms against plain forms
+# make install        program, man page, completions and documentation to PREFIX=/usr/local, under DESTDIR
+# make package        a Debian package in build/release/package
+# make check-package  the package, installed and tried in a new Debian system
+# make reference      docs/reference.md from the tables of options
 # Each first installs what scripts/packages.txt names and the machine lacks.
 
-.PHONY: demo check bench release sanitize format format-check tidy setup clean
+.PHONY: demo check bench release sanitize install package check-package reference \
+	format format-check tidy setup clean
 
 demo: release
 	@scripts/demo.sh build/release/trelm
@@ -20,12 +25,28 @@ release: setup
 	cmake --preset release
 	cmake --build --preset release
 
+PREFIX = /usr/local
+install: release
+	DESTDIR='$(DESTDIR)' cmake --install build/release --prefix '$(PREFIX)'
+
+package: release
+	rm -f build/release/package/*.deb
+	cmake --build --preset release --target package
+
+check-package: package
+	scripts/check_package.sh build/release/package/*.deb
+
+reference: setup
+	cmake --preset release
+	cmake --build --preset release --target reference
+
 sanitize: setup
 	cmake --preset sanitize
 	cmake --build --preset sanitize
 	ctest --preset sanitize -j 2
 
-sources = $(shell git ls-files 'src/*.h' 'src/*.cpp' 'tests/*.h' 'tests/*.cpp' 'bench/*.h' 'bench/*.cpp')
+sources = $(shell git ls-files 'src/*.h' 'src/*.cpp' 'tests/*.h' 'tests/*.cpp' 'bench/*.h' 'bench/*.cpp' \
+	'tools/*.h' 'tools/*.cpp')
 
 format:
 	clang-format -i $(sources)
@@ -34,7 +55,8 @@ format-check: setup
 	clang-format --dry-run -Werror $(sources)
 
 tidy: release
-	clang-tidy -p build/release --quiet --extra-arg=-Wno-unknown-warning-option $(filter src/%.cpp,$(sources))
+	printf '%s\n' $(filter src/%.cpp tools/%.cpp,$(sources)) | \
+		xargs -P 2 -n 8 clang-tidy -p build/release --quiet --extra-arg=-Wno-unknown-warning-option
 
 setup:
 	@scripts/setup.sh

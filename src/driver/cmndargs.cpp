@@ -87,7 +87,16 @@ void listArgs(int argc, char **argv)
     }
 }
 
-void reportRun(char **argv, int first, int last)
+void appendHint(std::string &text, const char *arg, FlagHint hint)
+{
+    if (hint == nullptr || isFlag(arg) == 0)
+        return;
+    const std::string meant(hint(arg));
+    if (!meant.empty())
+        appendf(text, "  %s: did you mean %s?\n", arg, meant.c_str());
+}
+
+void reportRun(char **argv, int first, int last, FlagHint hint)
 {
     std::string text;
     appendf(text, "Warning from %s:\n", progName());
@@ -99,10 +108,12 @@ void reportRun(char **argv, int first, int last)
     for (int i = first; i <= last; ++i)
         appendf(text, " %s", argv[i] != nullptr ? argv[i] : "(None)");
     text += " '\n";
+    for (int i = first; i <= last; ++i)
+        appendHint(text, argv[i], hint);
     complain("%s", text.c_str());
 }
 
-int reportUnused(int argc, char **argv)
+int reportUnused(int argc, char **argv, FlagHint hint)
 {
     const int end = std::min(argc, maxArgs);
     for (int i = 1; i < end; ++i)
@@ -116,7 +127,7 @@ int reportUnused(int argc, char **argv)
         if (state.currentCheckMode != checkFlags)
             while (last + 1 < end && !isUsed(last + 1))
                 ++last;
-        reportRun(argv, i, last);
+        reportRun(argv, i, last, hint);
         ++count;
         i = last;
     }
@@ -294,7 +305,7 @@ Block<float> rListArg(int argc, char **argv, std::string_view flag, int *length)
     return list;
 }
 
-int checkArgs(int argc, char **argv)
+int checkArgs(int argc, char **argv, FlagHint hint)
 {
     int warnings = 0;
     if (state.currentCheckMode != checkNone && argc > 1) {
@@ -304,7 +315,7 @@ int checkArgs(int argc, char **argv)
         }
         if (checksumOf(argc, argv) != state.currentChecksum || argc != state.currentArgc)
             complain("Warning from %s: argument checking may not be valid.\n", progName());
-        warnings = reportUnused(argc, argv);
+        warnings = reportUnused(argc, argv, hint);
     }
     state = ArgState{};
     badFlag = 0;

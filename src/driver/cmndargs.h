@@ -48,9 +48,12 @@ int ptrArgD(int argc, char **argv, std::string_view flag, const char **value);
 /// is no such option or no word, with length -1 if there is no memory.
 Block<float> rListArg(int argc, char **argv, std::string_view flag, int *length);
 
-/// Reports the words that nobody used, if checking is on, and forgets everything. Returns the number of
-/// warnings.
-int checkArgs(int argc, char **argv);
+/// The option that an unknown flag probably meant; empty if there is no hint to give.
+using FlagHint = std::string_view (*)(std::string_view word);
+
+/// Reports the words that nobody used, if checking is on, each warning with the hints on its flags, and
+/// forgets everything. Returns the number of warnings.
+int checkArgs(int argc, char **argv, FlagHint hint = nullptr);
 
 // The number at the start of a word, 0 where there is none. What lies outside the range of the type becomes
 // its nearest limit, and a word that spells a NaN is 0.

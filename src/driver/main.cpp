@@ -1,4 +1,5 @@
 #include "driver/run.h"
+#include "driver/version.h"
 
 #include <cstdio>
 #include <new>
@@ -6,6 +7,8 @@
 
 int main(int argc, char **argv)
 {
+    if (trelm::asksVersion(argc, argv))
+        return trelm::printVersion();
     trelm::Run run;
     int status = 1;
     try {

@@ -256,7 +256,7 @@ constexpr OptionRow magnitudeRows[] = {
 
 constexpr std::string_view specialFlagList[] = {
     "-help",  "-dbg",   "-w",      "-cut",  "-inS1", "-inS2", "-inS", "-hinge",
-    "-twist", "-fixAa", "-fixRes", "-dcID", "-res",  "-r1",   "-rN",
+    "-twist", "-fixAa", "-fixRes", "-dcID", "-res",  "-r1",   "-rN",  "-version",
 };
 
 /// The words of the command line.

@@ -2,6 +2,7 @@
 
 #include "couplings/fit.h"
 #include "driver/cmndargs.h"
+#include "driver/flag_hint.h"
 #include "driver/params.h"
 #include "structure/transform.h"
 #include "support/text.h"
@@ -49,7 +50,7 @@ int readOptions(int argc, char **argv, Run &run)
         complain("TRELM Error extracting command-line arguments.\n");
         return status;
     }
-    checkArgs(argc, argv);
+    checkArgs(argc, argv, nearestFlag);
     if (run.options.dbgFlag > 1)
         setAlloc(1);
     return 0;

@@ -37,7 +37,7 @@ TEST(Help, EveryOptionIsDocumentedButTheOldOnes)
         "-inCS",   "-inE",     "-inc",         "-inp",         "-kAtt",        "-lM",      "-list", "-nRun",
         "-nofit",  "-out",     "-outCS",       "-outCol",      "-outE",        "-outEAx",  "-outS", "-pRatio",
         "-path",   "-pow",     "-rList",       "-ref",         "-rim",         "-rimDisc", "-sID",  "-sList",
-        "-sPath",  "-sStep",   "-stTrelmGrid", "-vcThresh"};
+        "-sPath",  "-sStep",   "-stTrelmGrid", "-vcThresh",    "-version"};
     std::set<std::string_view> documented;
     for (const HelpEntry &entry : allEntries())
         documented.insert(entry.flag);

@@ -1,0 +1,39 @@
+#!/bin/sh
+# Who may include whom in src: each folder names those below it. driver/trelm.h and driver/alloc.h are the ground
+# that all stand on. Prints every include that goes elsewhere; status 1 if there is any.
+set -eu
+cd "$(dirname "$0")/.."
+
+allowed() {
+    case $1 in
+    support) echo "" ;;
+    structure) echo "support" ;;
+    couplings) echo "structure support" ;;
+    simulation) echo "couplings structure support" ;;
+    errors | compare) echo "simulation couplings structure support" ;;
+    assignment) echo "couplings structure support" ;;
+    magnitude) echo "errors simulation couplings structure support" ;;
+    driver) echo "magnitude assignment compare errors simulation couplings structure support" ;;
+    *) echo "unknown" ;;
+    esac
+}
+
+status=0
+for folder in src/*/; do
+    name=$(basename "$folder")
+    below=$(allowed "$name")
+    if [ "$below" = unknown ]; then
+        echo "src/$name: this folder has no place in scripts/check_includes.sh" >&2
+        status=1
+        continue
+    fi
+    pattern="driver/(trelm|alloc)\.h|$name/"
+    for other in $below; do
+        pattern="$pattern|$other/"
+    done
+    if grep -nE '^#include "' "$folder"*.h "$folder"*.cpp | grep -vE "#include \"($pattern)"; then
+        echo "src/$name may include only: $below driver/trelm.h driver/alloc.h" >&2
+        status=1
+    fi
+done
+exit $status

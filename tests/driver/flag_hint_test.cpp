@@ -1,0 +1,92 @@
+// What a mistyped option probably meant.
+#include "driver/cmndargs.h"
+#include "driver/flag_hint.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace trelm {
+namespace {
+
+TEST(FlagHint, NearWordsAreFoundAndOthersAreNot)
+{
+    struct {
+        std::string word;
+        const char *meant;
+    } cases[] = {
+        {"-outd", "-outD"},        // not -out, a letter away: the case is the smaller fault
+        {"-incl", "-inc"},         // the help text's word for it
+        {"-pdbrot", "-pdbRot"},    // a wrong case in a long name
+        {"-PDB", "-pdb"},          // three of them in a short one
+        {"-bsetFit", "-bestFit"},  // neighbours exchanged
+        {"-bestFits", "-bestFit"}, // a letter in excess
+        {"-stTrlem", "-stTrelm"},  // exchanged, in a name that four others begin with
+        {"--help", "-help"},       // the habit of other programs
+        {"-fracAdjustM", "-fracAdjustMc"},
+        {"-kLadjusMc", "-kLAdjustMc"}, // a missing letter and a case
+        {"-rm", "-rM"},                // two letters: the case alone
+        {"-r2", ""},                   // else -r1, -rA, -rM and more would do
+        {"-h", "-H"},
+        {"-x", ""},
+        {"-stray", ""}, // two letters from -struc: too far for five
+        {"-charge2s", ""},
+        {"-outD", ""}, // no fault at all
+        {"-help", ""},
+        {"-", ""},
+        {"", ""},
+        {"-" + std::string(100000, 'o'), ""},
+    };
+    for (const auto &check : cases)
+        EXPECT_EQ(nearestFlag(check.word), check.meant) << check.word.substr(0, 20);
+}
+
+TEST(FlagHint, EveryOptionIsNoFaultAndEveryWrongCaseIsMended)
+{
+    const std::vector<std::string_view> flags = knownFlags();
+    EXPECT_GT(flags.size(), 250U);
+    for (const std::string_view flag : flags) {
+        EXPECT_EQ(nearestFlag(flag), "") << flag;
+        std::string doubled = std::string(flag) + flag.back(); // "-outDD"
+        if (flag.size() > 3) {
+            EXPECT_NE(nearestFlag(doubled), "") << doubled;
+        }
+    }
+}
+
+TEST(FlagHint, StandsUnderTheWarningOfItsFlag)
+{
+    struct {
+        int mode;
+        const char *told;
+    } cases[] = {
+        {checkFlags, "Warning from trelm:\n  Argument 1 may be unknown or unused:\n  ' -outd '\n"
+                     "  -outd: did you mean -outD?\n"
+                     "Warning from trelm:\n  Argument 3 may be unknown or unused:\n  ' -what '\n"
+                     "Warning from trelm:\n  Argument 4 may be unknown or unused:\n  ' -incl '\n"
+                     "  -incl: did you mean -inc?\n"},
+        {checkAll, "Warning from trelm:\n  Arguments 1 to 5 may be unknown or unused:\n"
+                   "  ' -outd bestFit -what -incl -rM '\n"
+                   "  -outd: did you mean -outD?\n"
+                   "  -incl: did you mean -inc?\n"},
+        {checkNone, ""},
+    };
+    for (const auto &check : cases) {
+        std::string words[] = {"trelm", "-outd", "bestFit", "-what", "-incl", "-rM"};
+        std::vector<char *> argv;
+        for (std::string &word : words)
+            argv.push_back(word.data());
+        if (check.mode == checkFlags)
+            argv.pop_back();
+        const int argc = static_cast<int>(argv.size());
+        argv.push_back(nullptr);
+        testing::internal::CaptureStderr();
+        initArgs(argc, argv.data(), check.mode);
+        checkArgs(argc, argv.data(), nearestFlag);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), check.told);
+    }
+}
+
+} // namespace
+} // namespace trelm

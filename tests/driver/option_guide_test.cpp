@@ -1,0 +1,88 @@
+// What the guides tell of the options, against the options that the run knows.
+#include "driver/flag_hint.h"
+#include "driver/option_guide.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <set>
+
+namespace trelm {
+namespace {
+
+TEST(OptionGuide, HasEveryOptionAndNoOther)
+{
+    std::set<std::string_view> told;
+    for (const GuideSection &section : guideSections())
+        for (const GuideBlock &block : guideBlocks(section))
+            for (const GuideEntry &entry : block.entries)
+                told.insert(entry.flag);
+    const std::vector<std::string_view> flags = knownFlags();
+    EXPECT_EQ(told, std::set<std::string_view>(flags.begin(), flags.end()));
+}
+
+TEST(OptionGuide, LeavesOutNothingOfTheHelpText)
+{
+    for (const HelpSection &help : helpSections()) {
+        int sections = 0;
+        for (const GuideSection &section : guideSections())
+            sections += section.helpTitle == help.title ? 1 : 0;
+        EXPECT_EQ(sections, 1) << help.title;
+    }
+    for (const GuideSection &section : guideSections()) {
+        EXPECT_FALSE(guideBlocks(section).empty()) << section.title;
+        EXPECT_TRUE(
+            std::filesystem::exists(std::string(TRELM_EXAMPLES "/../docs/") + std::string(section.page)))
+            << section.page;
+    }
+}
+
+TEST(OptionGuide, CorrectsOnlyWhatTheHelpTextSays)
+{
+    for (const Correction &correction : corrections()) {
+        int lines = 0;
+        for (const HelpSection &help : helpSections())
+            for (const HelpBlock &block : help.blocks)
+                for (const HelpEntry &entry : block.entries)
+                    lines +=
+                        entry.flag == correction.flag && entry.description == correction.description ? 1 : 0;
+        EXPECT_GT(lines, 0) << correction.flag;
+    }
+}
+
+TEST(OptionGuide, TellsTheDefaultsOfTheRun)
+{
+    struct {
+        HelpEntry entry;
+        const char *expected;
+    } cases[] = {
+        {{"-cut", "cutoff", "400.0", ""}, "6e-06"},
+        {{"-stdCone", "width", "10.0", ""}, "5"},
+        {{"-nAdjustMc", "steps", "1000", ""}, "100"},
+        {{"-wv", "conc", "0.06", ""}, "0.05"}, // a float that is no double
+        {{"-rM", "radius", "20.0", ""}, "20.0"},
+        {{"-nSel", "count", "0", ""}, "0"}, // it fills two fields
+        {{"-nSel", "count", "30", ""}, "30"},
+        {{"-s1", "res1", "first", ""}, "first"},
+        {{"-outD", "outName", "stdout", ""}, "stdout"},
+        {{"-bic", "", "off", ""}, "on"},
+        {{"-pf1", "", "on", ""}, "off"},
+        {{"-clearMl", "", "", ""}, "off"},
+        {{"-noclearMl", "", "", ""}, "on"},
+        {{"-anDc", "", "on", ""}, "off"}, // of its four fields one has already what it stores
+        {{"-help", "", "", ""}, ""},
+    };
+    for (const auto &check : cases)
+        EXPECT_EQ(realDefault(check.entry), check.expected) << check.entry.flag;
+
+    std::set<std::string_view> apart;
+    for (const GuideSection &section : guideSections())
+        for (const GuideBlock &block : guideBlocks(section))
+            for (const GuideEntry &entry : block.entries)
+                if (!entry.helpDefault.empty())
+                    apart.insert(entry.flag);
+    EXPECT_EQ(apart, (std::set<std::string_view>{"-cut", "-nAdjustMc", "-stdCone"}));
+}
+
+} // namespace
+} // namespace trelm

@@ -1,13 +1,14 @@
 # make demo   best-fit and prediction of the example, built in release mode
 # make check  all tests
 # make bench  benchmarks, fast forms against plain forms
+# make fuzz   each fuzzer of the readers for SECONDS=20
 # make install        program, man page, completions and documentation to PREFIX=/usr/local, under DESTDIR
 # make package        a Debian package in build/release/package
 # make check-package  the package, installed and tried in a new Debian system
 # make reference      docs/reference.md from the tables of options
 # Each first installs what scripts/packages.txt names and the machine lacks.
 
-.PHONY: demo check bench release sanitize install package check-package reference \
+.PHONY: demo check bench release sanitize fuzz install package check-package reference \
 	format format-check tidy setup clean
 
 demo: release
@@ -44,6 +45,12 @@ sanitize: setup
 	cmake --preset sanitize
 	cmake --build --preset sanitize
 	ctest --preset sanitize -j 2
+
+SECONDS = 20
+fuzz: setup
+	cmake --preset fuzz
+	cmake --build --preset fuzz
+	scripts/fuzz.sh build/fuzz $(SECONDS)
 
 sources = $(shell git ls-files 'src/*.h' 'src/*.cpp' 'tests/*.h' 'tests/*.cpp' 'bench/*.h' 'bench/*.cpp' \
 	'tools/*.h' 'tools/*.cpp')

@@ -139,9 +139,12 @@ int addCharge(ChargeSet &set, std::size_t atom, float charge)
 
 void addLine(ChargeLines &lines, int resID, std::string_view name, float charge)
 {
+    // No minus sign at what is written as zero.
+    const auto exact = static_cast<double>(charge);
+    const double shown = std::abs(exact) < 0.0005 ? 0.0 : exact;
     std::string line;
     appendf(line, "%d\t%s\t%s\t%.3f\n", resID, std::string(name).c_str(), std::string(chargeWord).c_str(),
-            static_cast<double>(charge) + 0.0); // no minus sign at a zero
+            shown);
     if (lines.known.insert(line).second)
         lines.text += line;
 }

@@ -364,12 +364,11 @@ void optimise(Regexp &prog, unsigned flags)
 /// One search in one text. The states still to be tried stand in a list of their own, not in the call stack,
 /// and a state that failed once is not entered again: it would fail again.
 struct Matcher {
-    enum class Kind { alternative, run, oldStart, oldEnd };
+    enum class Kind { alternative, oldStart, oldEnd };
     struct Entry {
         Kind kind;
         std::size_t node; ///< where to go on; for an old position, the number of the group
         std::size_t place;
-        std::size_t lowest;  ///< of a run: its shortest length ends here
         const char *pointer; ///< the old position
     };
 
@@ -393,17 +392,21 @@ bool isOneCharacter(const Program &program, std::size_t node, char c)
     }
 }
 
-/// Goes on with the longest run of the operand, and notes the shorter ones.
-bool startRun(Matcher &m, std::size_t node, std::size_t &place)
+/// Takes one character of a run and stays at its node, so that the longest run is tried first; the shorter
+/// ones are noted on the way. Step by step each length is a state of its own, and two runs that meet at a
+/// character have the rest of it in common. `node` is the one behind at the end of the run.
+bool stepRun(Matcher &m, std::size_t &node, std::size_t &place)
 {
     const Program &program = m.prog.program;
-    const std::size_t lowest = place + (program[node] == PLUS ? 1 : 0);
-    while (place < m.text.size() && isOneCharacter(program, node + nodeSize, m.text[place]))
-        ++place;
-    if (place < lowest)
-        return false;
-    if (place > lowest)
-        m.stack.push_back({Matcher::Kind::run, nextNode(program, node), place - 1, lowest, nullptr});
+    const std::size_t next = nextNode(program, node);
+    const bool isMore = place < m.text.size() && isOneCharacter(program, node + nodeSize, m.text[place]);
+    const bool mayEnd = program[node] == STAR;
+    if (!isMore) {
+        node = next;
+        return mayEnd;
+    }
+    m.stack.push_back({Matcher::Kind::alternative, next, mayEnd ? place : place + 1, nullptr});
+    ++place;
     return true;
 }
 
@@ -413,7 +416,7 @@ void setGroup(Matcher &m, unsigned opcode, std::size_t place)
     const bool opens = opcode < CLOSE;
     const std::size_t group = opcode - (opens ? OPEN : CLOSE);
     const char *&position = opens ? m.prog.startp[group] : m.prog.endp[group];
-    m.stack.push_back({opens ? Matcher::Kind::oldStart : Matcher::Kind::oldEnd, group, 0, 0, position});
+    m.stack.push_back({opens ? Matcher::Kind::oldStart : Matcher::Kind::oldEnd, group, 0, position});
     position = m.text.data() + place;
 }
 
@@ -426,10 +429,12 @@ bool step(Matcher &m, std::size_t &node, std::size_t &place)
     bool matches = true;
     if (opcode == BRANCH) {
         if (program[next] == BRANCH)
-            m.stack.push_back({Matcher::Kind::alternative, next, place, place, nullptr});
+            m.stack.push_back({Matcher::Kind::alternative, next, place, nullptr});
         node += nodeSize;
         return true;
     }
+    if (opcode == STAR || opcode == PLUS)
+        return stepRun(m, node, place);
     if (opcode == BOL) {
         matches = place == 0;
     } else if (opcode == EOL) {
@@ -441,8 +446,6 @@ bool step(Matcher &m, std::size_t &node, std::size_t &place)
     } else if (opcode == ANY || opcode == ANYOF || opcode == ANYBUT) {
         matches = place < m.text.size() && isOneCharacter(program, node, m.text[place]);
         place += matches ? 1 : 0;
-    } else if (opcode == STAR || opcode == PLUS) {
-        matches = startRun(m, node, place);
     } else if (opcode >= OPEN) {
         setGroup(m, opcode, place);
     }
@@ -454,19 +457,14 @@ bool step(Matcher &m, std::size_t &node, std::size_t &place)
 bool backtrack(Matcher &m, std::size_t &node, std::size_t &place)
 {
     while (!m.stack.empty()) {
-        Matcher::Entry &entry = m.stack.back();
-        if (entry.kind == Matcher::Kind::oldStart || entry.kind == Matcher::Kind::oldEnd) {
-            (entry.kind == Matcher::Kind::oldStart ? m.prog.startp : m.prog.endp)[entry.node] = entry.pointer;
-            m.stack.pop_back();
-            continue;
+        const Matcher::Entry entry = m.stack.back();
+        m.stack.pop_back();
+        if (entry.kind == Matcher::Kind::alternative) {
+            node = entry.node;
+            place = entry.place;
+            return true;
         }
-        node = entry.node;
-        place = entry.place;
-        if (entry.kind == Matcher::Kind::run && entry.place > entry.lowest)
-            --entry.place;
-        else
-            m.stack.pop_back();
-        return true;
+        (entry.kind == Matcher::Kind::oldStart ? m.prog.startp : m.prog.endp)[entry.node] = entry.pointer;
     }
     return false;
 }

@@ -106,6 +106,7 @@ TEST(Match, HardPatternsEndQuickly)
         EXPECT_EQ(strMatch(name, pattern, matchRegex, 1), 0) << pattern;
     EXPECT_EQ(strMatch(name, "(" + optional + "a)+[bc]", matchRegex, 1), 0);
     EXPECT_EQ(strMatch(name, branches, matchRegex, 1), 0);
+    EXPECT_EQ(strMatch(std::string(20000, 'a'), ".*.*.*.*.*.*.*.*.*.*[bc]", matchRegex, 1), 0);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
 }
 

@@ -1,0 +1,84 @@
+// Command lines: each line of the input is a word. The first byte chooses how unused words are reported.
+#include "fuzz_input.h"
+
+#include "driver/cmndargs.h"
+#include "driver/run.h"
+#include "simulation/alignment.h"
+#include "simulation/potential.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <vector>
+
+namespace {
+
+using namespace trelm;
+using fuzz::require;
+
+/// Above the number of words that the checking has room for. More of them show nothing new, and take long.
+constexpr std::size_t maxWords = 300;
+
+std::vector<std::string> wordsOf(std::string_view text)
+{
+    std::vector<std::string> words = {"trelm"};
+    while (!text.empty() && words.size() < maxWords) {
+        const std::size_t end = std::min(text.find('\n'), text.size());
+        words.emplace_back(text.substr(0, std::min(end, text.find('\0'))));
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return words;
+}
+
+/// The variable that turns the checking on.
+void setChecking(unsigned choice)
+{
+    constexpr const char *values[] = {"FLAGS", "DEBUG", "ALL"};
+    if (choice % 4 == 3)
+        ::unsetenv("NMRCHECK");
+    else
+        ::setenv("NMRCHECK", values[choice % 4], 1);
+}
+
+void checkRecords(const Run &run)
+{
+    const TrelmInfo &trelmInfo = run.trelmInfo[0];
+    require(trelmInfo.trelmMode >= 1 && trelmInfo.trelmMode <= 17, "the mode is one of the modes");
+    require(trelmInfo.nChainDc >= 1 && trelmInfo.nChainDc <= maxMedia, "media have room");
+    require(trelmInfo.nAaCheck >= 0 && trelmInfo.nAaCheck <= maxFixAaList, "peak counts have room");
+    require(run.options.nFixAa >= 0 && run.options.nFixAa <= maxFixResList, "fixed residues have room");
+    require(run.options.wCount == static_cast<int>(run.options.wList.length()), "weights are counted");
+    for (const float value : {trelmInfo.concentration, trelmInfo.radiusModel, trelmInfo.elInfo.pH,
+                              trelmInfo.histInfo.daLo, run.dTab[0].dTensor.da})
+        require(std::isfinite(value), "a number is finite whatever was typed");
+    require(std::isfinite(trelmInfo.coneWidth) && std::isfinite(trelmInfo.elInfo.cutoffPot),
+            "a number is finite whatever was typed");
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    if (size == 0)
+        return 0;
+    setChecking(data[0]);
+    std::vector<std::string> words = wordsOf(fuzz::asText(data + 1, size - 1));
+    std::vector<char *> argv;
+    for (std::string &word : words)
+        argv.push_back(word.data());
+    argv.push_back(nullptr);
+
+    Run run;
+    require(startRun(run) == 0, "a run starts");
+    int status = readOptions(static_cast<int>(words.size()), argv.data(), run);
+    setAlloc(0); // a debug level would trace all later inputs
+    if (status == 0) {
+        checkRecords(run);
+        static_cast<void>(checkSample(run.trelmInfo[0]));
+        static_cast<void>(checkSimulation(run.trelmInfo[0]));
+        static_cast<void>(gridPoints(run.trelmInfo[0]));
+        refine_bicelle(&run.trelmInfo[0]);
+    }
+    require(endRun(run, status) == status, "a run ends with the status it is given");
+    return 0;
+}

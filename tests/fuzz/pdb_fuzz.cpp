@@ -1,0 +1,72 @@
+// Structures: reading, the lists and look-ups over them, selecting, torsion angles, and writing.
+#include "fuzz_input.h"
+
+#include "structure/backbone.h"
+#include "structure/select.h"
+#include "structure/write.h"
+#include "support/match.h"
+
+#include <cmath>
+
+namespace {
+
+using namespace trelm;
+using fuzz::require;
+
+void checkAtom(PDBInfo &pdbInfo, const AtomInfo &atom)
+{
+    require(std::isfinite(atom.x) && std::isfinite(atom.y) && std::isfinite(atom.z),
+            "coordinates are finite");
+    require(atom.resInfo != nullptr && atom.chainInfo != nullptr && atom.segInfo != nullptr,
+            "each atom has a residue, a chain and a segment");
+    require(atom.resID >= pdbInfo.minResID && atom.resID <= pdbInfo.maxResID, "numbers lie in their range");
+    if (!atom.icode.empty())
+        return;
+    const AtomInfo *found =
+        findAtom(&pdbInfo, atom.resID, atom.atomName.view(), atom.chainID.view(), atom.segID.view());
+    require(found != nullptr && found->resID == atom.resID && found->atomName == atom.atomName &&
+                found->chainID == atom.chainID && found->segID == atom.segID,
+            "each atom is found by its name");
+}
+
+void checkResidue(PDBInfo &pdbInfo, ResInfo &residue)
+{
+    require(findRes(&pdbInfo, residue.resID, residue.chainID.view(), residue.segID.view()) == &residue,
+            "each residue is found by its number");
+    require(residue.next == nullptr || residue.next->resID == residue.resID + 1, "next is the next number");
+    require(residue.prev == nullptr || residue.prev->resID == residue.resID - 1, "prev is the one before");
+    require(residue.atomCount > 0, "a residue has atoms");
+}
+
+void select(PDBInfo &pdbInfo, int matchMode)
+{
+    PDBSelectInfo sInfo;
+    sInfo.selectMode = 2;
+    sInfo.atomNameMode = sInfo.resNameMode = matchMode;
+    sInfo.atomNameList = "CA [H]* N";
+    sInfo.resNameList = "[A-L]";
+    pdbSelectAdjust(sInfo);
+    const int marked = pdbSelect(&pdbInfo, &sInfo);
+    require(marked >= 0 && marked <= pdbInfo.atomCount, "no more atoms are marked than there are");
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    PDBInfo pdbInfo;
+    if (readPDB(fuzz::fileOf(fuzz::asText(data, size)), &pdbInfo, nullptr) != 0)
+        return 0;
+    for (const AtomInfo &atom : pdbInfo.atoms())
+        checkAtom(pdbInfo, atom);
+    for (ResInfo &residue : pdbInfo.residues())
+        checkResidue(pdbInfo, residue);
+    for (const int mode : {matchExact, matchRegex, matchGlob})
+        select(pdbInfo, mode);
+    updatePDBAngles(&pdbInfo, pdbInfo.minResID, pdbInfo.maxResID);
+    for (const ResInfo &residue : pdbInfo.residues())
+        require(std::isfinite(residue.phi) && std::isfinite(residue.psi), "torsion angles are finite");
+    require(pdbInfo.atomCount == 0 || writePDB("/dev/null", &pdbInfo, nullptr, "fuzz") == 0,
+            "what was read can be written");
+    return 0;
+}

@@ -1,0 +1,57 @@
+// Potential files: the same bytes as the table of a rod and as a grid.
+#include "fuzz_input.h"
+
+#include "simulation/potential.h"
+
+#include <cmath>
+
+namespace {
+
+using namespace trelm;
+using fuzz::require;
+
+void checkTable(const std::string &name)
+{
+    Potential potential;
+    if (readPotential(name, potential) != 0)
+        return;
+    require(potential.count >= 2 && potential.count < maxPotentialLines, "a table has two lines at least");
+    require(potential.stepsize > 0.0 && std::isfinite(potential.stepsize) && std::isfinite(potential.offset),
+            "distances rise");
+    for (std::size_t i = 0; i < static_cast<std::size_t>(potential.count); ++i)
+        require(std::isfinite(potential.values[i]), "the values of a table are finite");
+}
+
+void checkGrid(const std::string &name)
+{
+    TrelmInfo trelmInfo;
+    trelmInfo.grid3DnX = trelmInfo.grid3DnY = 2;
+    trelmInfo.grid3DnZ = 3;
+    trelmInfo.elInfo.z1 = 1;
+    trelmInfo.elInfo.zN = 3;
+    constexpr int points = 12;
+    Block<double> weighted;
+    Block<float> steric;
+    int read = 0, readSteric = 0;
+    const int status = read3DPotential(name, trelmInfo, weighted, read);
+    require(read3DPotSteric(name, trelmInfo, steric, readSteric) == status,
+            "both readers of a grid take the same files");
+    if (status != 0)
+        return;
+    require(read == points && readSteric == points, "a grid has a value for each point");
+    for (std::size_t i = 0; i < points; ++i) {
+        const float within =
+            std::fabs(weighted[i]) < static_cast<double>(trelmInfo.elInfo.maxPot) ? 1.0f : 0.0f;
+        require(std::isfinite(weighted[i]) && steric[i] == within, "both readers see the same values");
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    const std::string name = fuzz::fileOf(fuzz::asText(data, size));
+    checkTable(name);
+    checkGrid(name);
+    return 0;
+}

@@ -1,0 +1,68 @@
+// Text tables, and the coupling tables that are read from them.
+#include "fuzz_input.h"
+
+#include "couplings/dipolar.h"
+#include "support/table.h"
+
+#include <cmath>
+#include <cstdint>
+#include <vector>
+
+namespace {
+
+using namespace trelm;
+using fuzz::require;
+
+void checkTable(const std::string &name)
+{
+    TextTable declared;
+    const bool isDeclared = rdTable2(name, declared, true, 0, 1, 0) == 0;
+    TextTable table;
+    if (rdTable2(name, table, true, static_cast<int>(noCoupling), 1, 1) != 0)
+        return;
+    require(isDeclared && declared.varCount == table.varCount && declared.entryCount == table.entryCount &&
+                declared.header == table.header,
+            "the declarations alone are read as they are with their rows");
+    const auto columns = static_cast<std::size_t>(table.varCount);
+    const auto rows = static_cast<std::size_t>(table.entryCount);
+    require(table.varInfo.size() == columns && table.matrix.length() == rows * columns,
+            "the matrix has a cell for each row and column");
+    constexpr int text = 1;
+    for (std::size_t i = 0; i < rows * columns; ++i) {
+        const tabVar &column = table.varInfo[i % columns];
+        if (column.type != text)
+            continue;
+        const float cell = table.matrix[i];
+        require(cell == nullTextCell || (cell >= 0.0f && cell < static_cast<float>(column.equivList.size())),
+                "a text cell names a text of its column");
+        static_cast<void>(tabText(column, cell));
+    }
+}
+
+void checkCouplings(const std::string &name)
+{
+    DTable dTab;
+    if (readDC(name, &dTab) != 0)
+        return;
+    for (const DInfo &row : dTab.observed())
+        require(std::isfinite(row.d) && std::isfinite(row.w) && row.sigma >= 0.0f,
+                "couplings, weights and errors are numbers");
+    PDBInfo &molecule = fuzz::smallMolecule();
+    const int mapped = mapDCInfo(&molecule, &dTab, 0);
+    const int valid = selectD(dTab.observed(), 1, 3, 3);
+    const int built = buildDC(&molecule, &dTab, 1, 2, std::vector<float>{0.5f, 0.0f}, 0);
+    require(mapped <= dTab.dCount && built <= valid && valid <= dTab.dCount, "no rows come from nowhere");
+    for (const DInfo &row : dTab.calculated())
+        require(row.valid == 0 || (row.atomICount > 0 && row.atomJCount > 0 && std::isfinite(row.di)),
+                "a row that takes part has its atoms and its constant");
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    const std::string name = fuzz::fileOf(fuzz::asText(data, size));
+    checkTable(name);
+    checkCouplings(name);
+    return 0;
+}

@@ -7,6 +7,7 @@
 #include "couplings/fit.h"
 #include "couplings/output.h"
 #include "couplings/tensor.h"
+#include "driver/alloc.h"
 #include "structure/write.h"
 #include "support/progress.h"
 #include "support/random.h"
@@ -203,6 +204,10 @@ int exhSimDC(const AssignmentSetup &setup)
     BestAssignment best;
     if (makeProblem(*setup.pdbInfo, dTab, peaks, problem) != 0 || search(problem, setup, best) != 0)
         return 1;
+    // An assignment whose fit found no memory has the score of one without a tensor: the best of the others
+    // need not be the best.
+    if (allocHasFailed())
+        return complain("trelm: a fit of the search found no memory: no assignment is written.\n");
     warnIfNothingFound(problem, best);
     applyAssignment(problem, peaks, best, dTab);
     if (fitMedia(setup, peaks) != 0)

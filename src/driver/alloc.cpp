@@ -13,6 +13,7 @@ namespace {
 std::int64_t bytesUsed = 0;
 std::int64_t bytesReused = 0;
 int verboseAlloc = 0;
+bool hasFailed = false;
 
 #ifdef TRELM_ALLOC_FAULTS
 /// In the test build the request with this number fails; 0 lets all pass.
@@ -30,6 +31,12 @@ constexpr bool requestMayPass()
     return true;
 }
 #endif
+
+void tellFailure()
+{
+    hasFailed = true;
+    std::fprintf(stderr, "Memory allocation failure.\n");
+}
 
 /// True if length elements of this size can be named at all.
 bool isPossible(std::size_t length, std::size_t size)
@@ -49,7 +56,7 @@ void *request(const char *kind, const char *caller, std::size_t length, std::siz
         std::fprintf(stderr, "\n_MEM %s Name: %s Alloc: %p Add: %" PRId64 " Now: %" PRId64 "\n", kind, caller,
                      block, add, bytesUsed);
     if (block == nullptr)
-        std::fprintf(stderr, "Memory allocation failure.\n");
+        tellFailure();
     return block;
 }
 
@@ -74,6 +81,10 @@ std::int64_t allocBytesUsed()
 std::int64_t allocBytesReused()
 {
     return bytesReused;
+}
+bool allocHasFailed()
+{
+    return hasFailed;
 }
 
 float *fltAlloc(const char *caller, std::size_t length)
@@ -146,7 +157,7 @@ void *voidReMalloc(const char *caller, void *ptr, std::size_t newLength, std::si
         std::fprintf(stderr, " Alloc: %p Add: %zu Delete: %zu Now: %" PRId64 "\n", block, newLength, known,
                      bytesUsed);
     if (block == nullptr)
-        std::fprintf(stderr, "Memory allocation failure.\n");
+        tellFailure();
     return block;
 }
 

@@ -22,6 +22,10 @@ int showAlloc();
 std::int64_t allocBytesUsed();
 std::int64_t allocBytesReused();
 
+/// Whether any request of this run found no memory. A caller may have gone on without the block: such a run
+/// is no success.
+bool allocHasFailed();
+
 // Requests. `length` counts elements; the block is not initialised. Each returns null, after the line
 // "Memory allocation failure.", when the system has no memory; the request is on the account all the same.
 float *fltAlloc(const char *caller, std::size_t length);

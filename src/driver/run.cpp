@@ -68,7 +68,12 @@ int endRun(Run &run, int status)
     run = Run{};
     const bool isCut = std::fflush(stdout) != 0 || std::ferror(stdout) != 0;
     // A run that failed has told why already, perhaps just this.
-    return isCut && status == 0 ? complain("Error writing %s.\n", "(stdout)") : status;
+    if (isCut && status == 0)
+        status = complain("Error writing %s.\n", "(stdout)");
+    // Warnings and reports go to the standard error stream; of their loss the status alone can tell. And who
+    // went on without a block of memory has told of it, but has no whole result.
+    const bool isLess = std::ferror(stderr) != 0 || allocHasFailed();
+    return status == 0 && isLess ? 1 : status;
 }
 
 } // namespace trelm

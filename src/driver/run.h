@@ -38,7 +38,8 @@ int readOptions(int argc, char **argv, Run &run);
 int runMode(Run &run);
 
 /// The one tear-down: releases the records and prints the memory balance. Returns the status, or 1 if
-/// standard output could not be written to its end.
+/// standard output or the standard error stream could not be written to its end, or if any request for memory
+/// failed.
 int endRun(Run &run, int status);
 
 } // namespace trelm

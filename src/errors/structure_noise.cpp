@@ -3,6 +3,7 @@
 #include "couplings/output.h"
 #include "structure/backbone.h"
 #include "support/random.h"
+#include "support/rounding.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -215,8 +216,7 @@ float addVecNoise(int *idum, Vector &coor, const ConeSetup &cone)
     Axis unit = {};
     if (length != 0.0f)
         for (std::size_t k = 0; k < 3; ++k)
-            unit[k] =
-                static_cast<double>(static_cast<float>(vector[k] * (1.0 / static_cast<double>(length))));
+            unit[k] = roundedToFloat(vector[k] * (1.0 / static_cast<double>(length)));
     const double phi = std::atan2(unit[1], unit[0]);
     const double theta = halfPi - std::atan2(unit[2], std::sqrt(unit[0] * unit[0] + unit[1] * unit[1]));
     const double gamma = drawAngle(idum, cone);

@@ -243,10 +243,11 @@ double weighFree(const Row &row, const ChargeSet &charges, RowSearch &search)
 
 [[noreturn]] void endQuietly()
 {
-    // The model ends here on purpose: what is written is flushed, nothing more is said.
+    // The model ends here on purpose: what is written is flushed, and no more is said than that it is cut.
     std::fflush(stdout);
-    std::fflush(stderr);
-    std::exit(std::ferror(stdout) != 0 ? 1 : 0);
+    if (std::ferror(stdout) != 0)
+        std::exit(complain("Error writing %s.\n", "(stdout)"));
+    std::exit(std::ferror(stderr) != 0 ? 1 : 0);
 }
 
 } // namespace

@@ -30,6 +30,21 @@ struct CloseFile {
     void operator()(std::FILE *fp) const { std::fclose(fp); }
 };
 
+/// The library at work. Its memory is given back on every road, also when the list of faces finds none.
+struct HullWork {
+    qhT state;
+
+    explicit HullWork(std::FILE *messages) { qh_zero(&state, messages); }
+    HullWork(const HullWork &) = delete;
+    HullWork &operator=(const HullWork &) = delete;
+    ~HullWork()
+    {
+        qh_freeqhull(&state, !qh_ALL);
+        int shortLeft = 0, longLeft = 0;
+        qh_memfreeshort(&state, &shortLeft, &longLeft);
+    }
+};
+
 double dot(const Axis &a, const Axis &b)
 {
     return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
@@ -54,9 +69,8 @@ std::vector<Plane> hullPlanes(std::vector<double> &points, double tolerance)
     std::vector<Plane> planes;
     if (!silence)
         return planes;
-    qhT state;
-    qhT *qh = &state;
-    qh_zero(qh, silence.get());
+    HullWork work(silence.get());
+    qhT *qh = &work.state;          // the library's macros go by this name
     char command[] = "qhull Q0 Pp"; // faces are not merged: that takes half as long, and isConvex sees to it
     const int count = static_cast<int>(points.size() / 3);
     if (qh_new_qhull(qh, 3, count, points.data(), False, command, nullptr, silence.get()) == 0) {
@@ -64,9 +78,6 @@ std::vector<Plane> hullPlanes(std::vector<double> &points, double tolerance)
         FORALLfacets planes.push_back(
             {{facet->normal[0], facet->normal[1], facet->normal[2]}, facet->offset});
     }
-    qh_freeqhull(qh, !qh_ALL);
-    int shortLeft = 0, longLeft = 0;
-    qh_memfreeshort(qh, &shortLeft, &longLeft);
     if (!isConvex(planes, points, tolerance))
         planes.clear();
     return planes;

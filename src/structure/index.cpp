@@ -118,9 +118,11 @@ int indexAtoms(PDBInfo &pdbInfo, std::string &key)
 }
 
 /// Residues and their atoms. The last atom's names stand. Back pointers come last: the list moves as it
-/// grows.
+/// grows. An atom for which there is no memory stays out, and the loop goes on; the molecule is then not
+/// whole, and no run may work with it.
 int indexResidues(PDBInfo &pdbInfo, std::string &key)
 {
+    int status = 0;
     for (AtomInfo &atom : pdbInfo.atoms()) {
         const int place = insertRes(pdbInfo, atom, key);
         if (place < 0)
@@ -128,7 +130,7 @@ int indexResidues(PDBInfo &pdbInfo, std::string &key)
         ResInfo &residue = pdbInfo.resList[static_cast<std::size_t>(place)];
         residue.resID = atom.resID;
         if (!append(residue.atomList, residue.atomCount, &atom, residueAtomGrowth))
-            complain("PDB Error Allocating Atom Index memory.\n");
+            status = complain("PDB Error Allocating Atom Index memory.\n");
         residue.resName = atom.resName;
         residue.chainID = atom.chainID;
         residue.segID = atom.segID;
@@ -136,32 +138,34 @@ int indexResidues(PDBInfo &pdbInfo, std::string &key)
     for (ResInfo &residue : pdbInfo.residues())
         for (int i = 0; i < residue.atomCount; ++i)
             residue.atomList[static_cast<std::size_t>(i)]->resInfo = &residue;
-    return 0;
+    return status;
 }
 
-/// Takes an atom into a chain or segment.
+/// Takes an atom into a chain or segment. Returns 0, or 1 after a message if it stays out.
 template <class Group>
-void addAtom(Group &group, AtomInfo &atom)
+int addAtom(Group &group, AtomInfo &atom)
 {
-    if (!append(group.atomList, group.atomCount, &atom, chainAtomGrowth))
-        complain("PDB Error Allocating Atom Index memory.\n");
     group.chainID = atom.chainID;
     group.segID = atom.segID;
+    return append(group.atomList, group.atomCount, &atom, chainAtomGrowth)
+               ? 0
+               : complain("PDB Error Allocating Atom Index memory.\n");
 }
 
 int indexChains(PDBInfo &pdbInfo, std::string &key)
 {
+    int status = 0;
     for (AtomInfo &atom : pdbInfo.atoms()) {
         const int chain = insertChain(pdbInfo, atom, key);
         if (chain < 0)
             return 1;
-        addAtom(pdbInfo.chainList[static_cast<std::size_t>(chain)], atom);
+        status |= addAtom(pdbInfo.chainList[static_cast<std::size_t>(chain)], atom);
         const int seg = insertSeg(pdbInfo, atom, key);
         if (seg < 0)
             return 1;
-        addAtom(pdbInfo.segList[static_cast<std::size_t>(seg)], atom);
+        status |= addAtom(pdbInfo.segList[static_cast<std::size_t>(seg)], atom);
     }
-    return 0;
+    return status;
 }
 
 /// Back pointers and residue range of a chain or segment; `field` names the pointer of atoms and `resField`
@@ -179,11 +183,13 @@ void linkGroup(Group &group, Group *AtomInfo::*field, Group *ResInfo::*resField)
     }
 }
 
+/// Returns 0, or 1 after a message if the residue stays out.
 template <class Group>
-void addResidue(Group *group, ResInfo &residue)
+int addResidue(Group *group, ResInfo &residue)
 {
-    if (group != nullptr && !append(group->resList, group->resCount, &residue, chainResidueGrowth))
-        complain("PDB Error Allocating Residue Index memory.\n");
+    const bool isIn =
+        group == nullptr || append(group->resList, group->resCount, &residue, chainResidueGrowth);
+    return isIn ? 0 : complain("PDB Error Allocating Residue Index memory.\n");
 }
 
 /// The array of a chain's residues by number. Returns false if there is no memory.
@@ -211,9 +217,10 @@ int linkChains(PDBInfo &pdbInfo)
         linkGroup(chain, &AtomInfo::chainInfo, &ResInfo::chainInfo);
     for (SegInfo &seg : segs)
         linkGroup(seg, &AtomInfo::segInfo, &ResInfo::segInfo);
+    int status = 0;
     for (ResInfo &residue : pdbInfo.residues()) {
-        addResidue(residue.chainInfo, residue);
-        addResidue(residue.segInfo, residue);
+        status |= addResidue(residue.chainInfo, residue);
+        status |= addResidue(residue.segInfo, residue);
     }
     for (ChainInfo &chain : chains)
         if (!fillResArray(chain))
@@ -221,7 +228,7 @@ int linkChains(PDBInfo &pdbInfo)
     for (SegInfo &seg : segs)
         if (!fillResArray(seg))
             return complain("PDB Error Allocating Seg Residue Array.\n");
-    return 0;
+    return status;
 }
 
 const ResTypeInfo *findResType(std::string_view resName)

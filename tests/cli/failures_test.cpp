@@ -165,55 +165,6 @@ TEST(Failures, OutputThatCannotBeWritten)
     EXPECT_GE(countOf(noTurned.err, "PDB Error opening PDB file none/t.pdb\n"), 1);
 }
 
-/// Lets request after request fail, until the run makes fewer than that. A run makes `fewest` at least.
-void walkRequests(const std::vector<std::string> &args, int fewest = 10)
-{
-    const auto run = [&](int n) {
-        return runProgram(args, {.environment = {{"TRELM_FAIL_ALLOC", std::to_string(n)}},
-                                 .program = TRELM_FAULTS_PROGRAM});
-    };
-    const Ran whole = run(0);
-    ASSERT_EQ(whole.status, 0);
-    int n = 1;
-    for (; n < 2000; n += n < 40 ? 1 : 7) {
-        const Ran ran = run(n);
-        if (countOf(ran.err, "Memory allocation failure.\n") == 0)
-            break;
-        EXPECT_LT(ran.status, 128) << "request " << n << "\n" << ran.err;
-        EXPECT_TRUE(ran.status != 0 || ran.file("fit.tab") == whole.file("fit.tab") ||
-                    countOf(ran.err, "rror") > 0)
-            << "request " << n << " failed, and the result differs without a word\n"
-            << ran.err;
-    }
-    EXPECT_GT(n, fewest);
-    EXPECT_LT(n, 2000);
-}
-
-TEST(Failures, EveryRequestForMemoryMayFail)
-{
-    std::vector<std::string> args = fitOf(example("1d3z_model1.pdb"), example("bicelle_hn.tab"));
-    walkRequests(args);
-    for (const char *kind : {"-mcDc", "-mcStruc", "-jack"}) {
-        args.insert(args.end(), {kind, "-map", "3", "-nAdjustMc", "5", "-nCone", "2"});
-        walkRequests(args);
-        args.resize(args.size() - 7);
-    }
-    args[0] = "-stTrelm";
-    args.insert(args.end(), {"-dot", "12"});
-    walkRequests(args);
-    walkRequests({"-stTrelmFree", "-pdbF", example("heavy_atoms.txt"), "-outA", "fit.tab", "-dot", "12"});
-    args[0] = "-elTrelm";
-    walkRequests(args);
-    args.insert(args.end(), {"-pf1", "-pot", example("rod_potential.txt")});
-    walkRequests(args);
-    args[0] = "-anPdb";
-    walkRequests(args);
-    const std::string table = example("bicelle_hn.tab");
-    walkRequests({"-conv", "-trelm", "-inD", table, "-outD", "fit.tab"});
-    walkRequests({"-anDc", "-inD1", table, "-inD2", table, "-outD", "fit.tab"});
-    walkRequests({"-anA", "-inS1", "1", "2", "3", "4", "5", "-outA", "fit.tab"}, 5); // the five records
-}
-
 TEST(CommandLine, HelpEndsWithTheFailureLine)
 {
     const Ran none = runProgram({});

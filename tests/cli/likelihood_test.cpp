@@ -138,19 +138,4 @@ TEST(LikelihoodRun, Failures)
     }
 }
 
-TEST(LikelihoodRun, OutOfMemory)
-{
-    // Whichever request fails: a message and status 1, or a run that did not need it.
-    int failed = 0;
-    for (int n = 1; n < 60; ++n) {
-        const Ran ran = search(
-            {"-mapMl", "-incDa", "2", "-incR", "0.1", "-outSc", "scores"},
-            {.environment = {{"TRELM_FAIL_ALLOC", std::to_string(n)}}, .program = TRELM_FAULTS_PROGRAM});
-        ASSERT_TRUE(ran.status == 0 || ran.status == 1) << n << ran.err;
-        EXPECT_EQ(countOf(ran.err, "Memory allocation failure.\n") > 0, ran.status == 1) << n << ran.err;
-        failed += ran.status;
-    }
-    EXPECT_GT(failed, 8);
-}
-
 } // namespace

@@ -22,7 +22,7 @@ left_out+=(Likelihood.TensorsComeBackWithinTheirErrors Likelihood.LimitsOfEither
 left_out+=(Candidates.AreNeverWrapped)
 # test_cli is not among the programs: it starts the program hundreds of times and looks at what comes out. What is
 # worth watching is the program, and the whole runs below do that. The longest come first.
-floors=(simulation magnitude assignment errors support structure couplings compare driver tools)
+floors=(ground simulation magnitude assignment errors support structure couplings compare driver tools)
 readers=(pdb table free_format potential pka ensemble config regexp command_line)
 
 ubiquitin=$PWD/examples/ubiquitin

@@ -7,7 +7,7 @@
 #include "couplings/fit.h"
 #include "couplings/output.h"
 #include "couplings/tensor.h"
-#include "driver/alloc.h"
+#include "ground/alloc.h"
 #include "structure/write.h"
 #include "support/progress.h"
 #include "support/random.h"

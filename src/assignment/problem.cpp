@@ -265,7 +265,9 @@ int countFixed(const DTable &dTab, const PeakTable &peaks)
     int count = 0;
     for (std::size_t i = 0; i < dTab.observed().size(); ++i) {
         const DInfo &obs = dTab.observed()[i];
-        count += takesPart(dTab, i) && isFixed(peaks, std::max(obs.resIDI, obs.resIDJ)) ? 1 : 0;
+        count += takesPart(dTab, i) ? chkFixAa(static_cast<int>(peaks.fixResList.size()),
+                                               peaks.fixResList.data(), obs.resIDI, obs.resIDJ)
+                                    : 0;
     }
     return count;
 }

@@ -40,7 +40,8 @@ struct Descent {
     LinearAssignment solution;
 };
 
-void showSettled(const Descent &descent)
+/// The progress line, which the next one overwrites.
+void printoutput(const Descent &descent)
 {
     std::fprintf(stderr, "REMARK Sampled %s\r", countText(descent.settled).c_str());
     std::fflush(stderr);
@@ -68,7 +69,7 @@ void settle(Descent &descent, const CandidateCount &count)
 {
     descent.settled += count;
     if (++descent.nodes % nodesPerLine == 0)
-        showSettled(descent);
+        printoutput(descent);
 }
 
 void listOpen(Descent &descent)
@@ -276,9 +277,9 @@ void searchSpace(const SearchSpace &space, BestAssignment &best)
                        .costs = {},
                        .solution = {}};
     const InterruptGuard guard;
-    showSettled(descent);
+    printoutput(descent);
     searchFrom(descent);
-    showSettled(descent);
+    printoutput(descent);
     std::fputs("\n", stderr);
     std::fflush(stderr);
     best.isProved = !InterruptGuard::isInterrupted();

@@ -1,7 +1,7 @@
 // A coupling table in the formats of other programs.
 #pragma once
 
-#include "driver/trelm.h"
+#include "ground/trelm.h"
 
 #include <string>
 

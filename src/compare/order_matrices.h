@@ -3,7 +3,7 @@
 #pragma once
 
 #include "couplings/tensor.h"
-#include "driver/trelm.h"
+#include "ground/trelm.h"
 #include "simulation/rotation.h"
 
 #include <string>

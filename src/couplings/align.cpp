@@ -1,7 +1,7 @@
 // The non-linear engine: rotation, Da and Dr by the method of Levenberg and Marquardt.
 #include "couplings/fit.h"
 
-#include "driver/alloc.h"
+#include "ground/alloc.h"
 #include "structure/select.h"
 #include "structure/transform.h"
 #include "structure/write.h"

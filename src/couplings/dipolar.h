@@ -1,7 +1,7 @@
 // Coupling tables: the records, their reader, the mapping of rows to atoms, and the choice of rows.
 #pragma once
 
-#include "driver/alloc.h"
+#include "ground/alloc.h"
 #include "structure/pdb.h"
 
 #include <array>

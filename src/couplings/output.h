@@ -3,7 +3,7 @@
 
 #include "couplings/dipolar.h"
 #include "couplings/tensor.h"
-#include "driver/trelm.h"
+#include "ground/trelm.h"
 
 #include <span>
 #include <string>

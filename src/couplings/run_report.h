@@ -1,7 +1,7 @@
 // The parameters of a run as DATA lines.
 #pragma once
 
-#include "driver/trelm.h"
+#include "ground/trelm.h"
 
 #include <string>
 

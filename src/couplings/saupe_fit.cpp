@@ -2,7 +2,7 @@
 #include "couplings/design.h"
 #include "couplings/fit.h"
 
-#include "driver/alloc.h"
+#include "ground/alloc.h"
 #include "structure/transform.h"
 #include "support/jacobi.h"
 #include "support/svd.h"

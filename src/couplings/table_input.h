@@ -2,7 +2,7 @@
 #pragma once
 
 #include "couplings/dipolar.h"
-#include "driver/trelm.h"
+#include "ground/trelm.h"
 
 #include <string>
 #include <string_view>

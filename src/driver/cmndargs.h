@@ -4,7 +4,7 @@
 // the option, whatever it looks like. A map of the words that were used is kept from initArgs to checkArgs.
 #pragma once
 
-#include "driver/alloc.h"
+#include "ground/alloc.h"
 
 #include <string>
 #include <string_view>

@@ -3,7 +3,7 @@
 
 #include "couplings/dipolar.h"
 #include "driver/run_options.h"
-#include "driver/trelm.h"
+#include "ground/trelm.h"
 #include "structure/select.h"
 
 #include <optional>

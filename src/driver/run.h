@@ -2,9 +2,9 @@
 #pragma once
 
 #include "couplings/dipolar.h"
-#include "driver/alloc.h"
 #include "driver/run_options.h"
-#include "driver/trelm.h"
+#include "ground/alloc.h"
+#include "ground/trelm.h"
 #include "structure/pdb.h"
 #include "structure/select.h"
 

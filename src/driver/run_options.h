@@ -1,8 +1,8 @@
 // What a command line sets beside the run record: file names, lists, and a few numbers.
 #pragma once
 
-#include "driver/alloc.h"
-#include "driver/trelm.h"
+#include "ground/alloc.h"
+#include "ground/trelm.h"
 
 #include <array>
 #include <string>

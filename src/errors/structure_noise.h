@@ -5,7 +5,7 @@
 #pragma once
 
 #include "couplings/dipolar.h"
-#include "driver/trelm.h"
+#include "ground/trelm.h"
 #include "structure/pdb.h"
 #include "structure/rotate.h"
 

@@ -4,8 +4,8 @@
 
 #include "couplings/dipolar.h"
 #include "couplings/tensor.h"
-#include "driver/alloc.h"
-#include "driver/trelm.h"
+#include "ground/alloc.h"
+#include "ground/trelm.h"
 #include "structure/select.h"
 #include "support/output_file.h"
 

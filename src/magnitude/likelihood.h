@@ -2,8 +2,8 @@
 // of its tensor explains the couplings.
 #pragma once
 
-#include "driver/alloc.h"
-#include "driver/trelm.h"
+#include "ground/alloc.h"
+#include "ground/trelm.h"
 #include "magnitude/likelihood_score.h"
 
 #include <span>

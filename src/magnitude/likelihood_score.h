@@ -7,7 +7,7 @@
 // Magn. Reson. 149 (2001) 271, for the likelihood.
 #pragma once
 
-#include "driver/alloc.h"
+#include "ground/alloc.h"
 #include "support/symmetric_filter.h"
 
 #include <array>

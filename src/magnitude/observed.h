@@ -6,7 +6,7 @@
 #pragma once
 
 #include "couplings/dipolar.h"
-#include "driver/trelm.h"
+#include "ground/trelm.h"
 
 #include <cstdio>
 #include <span>

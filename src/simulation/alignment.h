@@ -2,7 +2,7 @@
 #pragma once
 
 #include "couplings/tensor.h"
-#include "driver/trelm.h"
+#include "ground/trelm.h"
 #include "simulation/atom_selection.h"
 #include "simulation/charges.h"
 #include "simulation/potential.h"

@@ -1,7 +1,7 @@
 // The atoms and charges that a simulation is given.
 #pragma once
 
-#include "driver/trelm.h"
+#include "ground/trelm.h"
 #include "simulation/charges.h"
 #include "structure/pdb.h"
 

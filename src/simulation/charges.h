@@ -1,7 +1,7 @@
 // The charge model: point charges on the selected atoms of a structure.
 #pragma once
 
-#include "driver/trelm.h"
+#include "ground/trelm.h"
 #include "structure/pdb.h"
 
 #include <span>

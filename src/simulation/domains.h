@@ -2,7 +2,7 @@
 // Residues are told by their numbers alone, as in rotateDomain.
 #pragma once
 
-#include "driver/trelm.h"
+#include "ground/trelm.h"
 #include "structure/pdb.h"
 #include "support/jacobi.h"
 

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "couplings/tensor.h"
-#include "driver/trelm.h"
+#include "ground/trelm.h"
 #include "simulation/charges.h"
 #include "simulation/columns.h"
 #include "simulation/field.h"

@@ -1,6 +1,6 @@
 #include "simulation/face.h"
 
-#include "driver/alloc.h"
+#include "ground/alloc.h"
 #include "simulation/charge_labels.h"
 #include "simulation/field.h"
 #include "simulation/steric.h"

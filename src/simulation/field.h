@@ -3,7 +3,7 @@
 // Source: Gouy, J. Phys. (Paris) 9 (1910) 457; Chapman, Philos. Mag. 25 (1913) 475.
 #pragma once
 
-#include "driver/trelm.h"
+#include "ground/trelm.h"
 
 namespace trelm {
 

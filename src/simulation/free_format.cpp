@@ -1,7 +1,7 @@
 #include "simulation/free_format.h"
 
 #include "couplings/output.h"
-#include "driver/alloc.h"
+#include "ground/alloc.h"
 #include "simulation/alignment.h"
 #include "simulation/sphere.h"
 #include "support/text.h"

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "couplings/tensor.h"
-#include "driver/trelm.h"
+#include "ground/trelm.h"
 #include "simulation/charges.h"
 #include "simulation/columns.h"
 #include "simulation/orientation.h"

@@ -1,8 +1,8 @@
 // Potential files: a table along one axis, and a grid in space.
 #pragma once
 
-#include "driver/alloc.h"
-#include "driver/trelm.h"
+#include "ground/alloc.h"
+#include "ground/trelm.h"
 
 #include <cstddef>
 #include <string>

@@ -1,6 +1,6 @@
 #include "simulation/sphere.h"
 
-#include "driver/trelm.h"
+#include "ground/trelm.h"
 #include "support/text.h"
 
 #include <algorithm>

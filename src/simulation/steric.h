@@ -8,7 +8,7 @@
 #pragma once
 
 #include "couplings/tensor.h"
-#include "driver/alloc.h"
+#include "ground/alloc.h"
 #include "simulation/columns.h"
 #include "simulation/orientation.h"
 

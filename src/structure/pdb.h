@@ -1,7 +1,7 @@
 // The molecule in memory: a flat atom array in file order, with lists and hashed look-ups over it.
 #pragma once
 
-#include "driver/alloc.h"
+#include "ground/alloc.h"
 #include "support/symbol_table.h"
 
 #include <cstring>

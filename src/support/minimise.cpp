@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "driver/alloc.h"
+#include "ground/alloc.h"
 
 #ifdef TRELM_LEVMAR_SCALING
 extern "C" {

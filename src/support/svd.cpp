@@ -7,7 +7,7 @@
 #include <cstring>
 #include <utility>
 
-#include "driver/alloc.h"
+#include "ground/alloc.h"
 
 namespace trelm {
 

@@ -1,7 +1,7 @@
 // A chained symbol table: names to values, hashed. Of equal names the latest is found first.
 #pragma once
 
-#include "driver/alloc.h"
+#include "ground/alloc.h"
 
 #include <cstddef>
 #include <string_view>

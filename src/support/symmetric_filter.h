@@ -6,7 +6,7 @@
 // Stockham, AFIPS Proc. 28 (1966) 229.
 #pragma once
 
-#include "driver/alloc.h"
+#include "ground/alloc.h"
 
 #include <cstddef>
 #include <span>

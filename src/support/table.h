@@ -5,7 +5,7 @@
 //   # ...        comment             TOLERANCE one number each        END         ignored
 #pragma once
 
-#include "driver/alloc.h"
+#include "ground/alloc.h"
 
 #include <string>
 #include <string_view>

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <vector>
 
-#include "driver/alloc.h"
+#include "ground/alloc.h"
 #include "support/random.h"
 
 namespace trelm {

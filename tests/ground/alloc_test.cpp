@@ -1,6 +1,6 @@
 // The account of the allocation layer: what a leak, a double release or a wrong size would change.
-#include "driver/alloc.h"
-#include "driver/trelm.h"
+#include "ground/alloc.h"
+#include "ground/trelm.h"
 
 #include <gtest/gtest.h>
 

@@ -207,15 +207,8 @@ struct SearchState {
     std::array<int, 500> aGlobal = {}; ///< the best assignment
 };
 
-/// Restores the defaults. Return 0.
-int trelmInfoNull(TrelmInfo *trelmInfo);
-int dcInfoNull(DcInfo *dcInfo);
-
 /// Before a search: the used entries of aGlobal 0, idGlobal -1, cGlobal 0, Pmax 1.0e8.
 void initializeGlobal(SearchState &search);
-
-/// The progress line of the assignment search, with cGlobal, on the standard error stream.
-void printoutput(const SearchState &search);
 
 /// 1 if the larger of the two residue ids stands among the first nFixAa entries of the list, else 0.
 int chkFixAa(int nFixAa, const int *fixResList, int resIDI, int resIDJ);

@@ -1,22 +1,10 @@
-#include "driver/trelm.h"
+#include "ground/trelm.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
 namespace trelm {
-
-int trelmInfoNull(TrelmInfo *trelmInfo)
-{
-    *trelmInfo = TrelmInfo{};
-    return 0;
-}
-
-int dcInfoNull(DcInfo *dcInfo)
-{
-    *dcInfo = DcInfo{};
-    return 0;
-}
 
 void initializeGlobal(SearchState &search)
 {
@@ -25,12 +13,6 @@ void initializeGlobal(SearchState &search)
     search.idGlobal = -1;
     search.cGlobal = 0;
     search.Pmax = 1.0e8f;
-}
-
-void printoutput(const SearchState &search)
-{
-    std::fprintf(stderr, "REMARK Sampled %d\r", search.cGlobal);
-    std::fflush(stderr);
 }
 
 int chkFixAa(int nFixAa, const int *fixResList, int resIDI, int resIDJ)

@@ -1,4 +1,4 @@
-#include "driver/alloc.h"
+#include "ground/alloc.h"
 
 #include <algorithm>
 #include <cinttypes>

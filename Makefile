@@ -6,18 +6,23 @@
 # make package        a Debian package in build/release/package
 # make check-package  the package, installed and tried in a new Debian system
 # make reference      docs/reference.md from the tables of options
-# Each first installs what scripts/packages.txt names and the machine lacks.
+# make sanitize       all tests under the address and undefined-behaviour sanitizers
+# make format, format-check, tidy   clang-format and clang-tidy on the sources
+# What builds first installs the packages of scripts/packages.txt that the machine lacks; what checks or measures, those
+# of scripts/packages-checks.txt, too.
 
 .PHONY: demo check bench release sanitize fuzz install package check-package reference \
-	format format-check tidy setup clean
+	format format-check tidy setup setup-checks clean
+
+JOBS = $(shell nproc)
 
 demo: release
 	@scripts/demo.sh build/release/trelm
 
 check: release
-	ctest --preset release -j 2
+	ctest --preset release -j $(JOBS)
 
-bench: setup
+bench: setup-checks
 	cmake --preset bench
 	cmake --build --preset bench
 	build/bench/bench/trelm_bench
@@ -30,7 +35,7 @@ PREFIX = /usr/local
 install: release
 	DESTDIR='$(DESTDIR)' cmake --install build/release --prefix '$(PREFIX)'
 
-package: release
+package: setup-checks release
 	rm -f build/release/package/*.deb
 	cmake --build --preset release --target package
 
@@ -44,10 +49,10 @@ reference: setup
 sanitize: setup
 	cmake --preset sanitize
 	cmake --build --preset sanitize
-	ctest --preset sanitize -j 2
+	ctest --preset sanitize -j $(JOBS)
 
 SECONDS = 20
-fuzz: setup
+fuzz: setup-checks
 	cmake --preset fuzz
 	cmake --build --preset fuzz
 	scripts/fuzz.sh build/fuzz $(SECONDS)
@@ -55,18 +60,21 @@ fuzz: setup
 sources = $(shell git ls-files 'src/*.h' 'src/*.cpp' 'tests/*.h' 'tests/*.cpp' 'bench/*.h' 'bench/*.cpp' \
 	'tools/*.h' 'tools/*.cpp')
 
-format:
+format: setup-checks
 	clang-format -i $(sources)
 
-format-check: setup
+format-check: setup-checks
 	clang-format --dry-run -Werror $(sources)
 
-tidy: release
+tidy: setup-checks release
 	printf '%s\n' $(filter src/%.cpp tools/%.cpp,$(sources)) | \
-		xargs -P 2 -n 8 clang-tidy -p build/release --quiet --extra-arg=-Wno-unknown-warning-option
+		xargs -P $(JOBS) -n 8 clang-tidy -p build/release --quiet --extra-arg=-Wno-unknown-warning-option
 
 setup:
-	@scripts/setup.sh
+	@scripts/setup.sh scripts/packages.txt
+
+setup-checks: setup
+	@scripts/setup.sh scripts/packages-checks.txt
 
 clean:
 	rm -rf build out

@@ -1,7 +1,8 @@
 #!/bin/sh
 # Best-fit of ubiquitin's measured couplings to its structure, and their prediction from its shape alone; the
-# results go to out/demo.
+# results go to out/demo. The program is named as seen from the checkout's root.
 set -eu
+cd "$(dirname "$0")/.."
 program=$1
 example=examples/ubiquitin
 out=out/demo

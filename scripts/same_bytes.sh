@@ -311,4 +311,4 @@ main() {
     [ "$different" -eq 0 ]
 }
 
-main; exit
+main; exit # all on one line: read before the run, so that the script may change meanwhile

@@ -1,15 +1,14 @@
 #!/bin/sh
-# Installs what scripts/packages.txt names and the machine lacks (Debian or Ubuntu, as root or with sudo).
-# Says plainly what is missing where it cannot install.
+# Installs what the lists of packages name and the machine lacks (Debian or Ubuntu, as root or with sudo). Says plainly
+# what is missing where it cannot install.
+# Use: scripts/setup.sh LIST...
 set -eu
-list=$(dirname "$0")/packages.txt
 
 missing=""
-while read -r package; do
-    [ -n "$package" ] || continue
+for package in $(cat "$@"); do
     status=$(dpkg-query -W -f='${Status}' "$package" 2>/dev/null || true)
     [ "$status" = "install ok installed" ] || missing="$missing $package"
-done < "$list"
+done
 [ -n "$missing" ] || exit 0
 
 echo "setup: missing packages:$missing"

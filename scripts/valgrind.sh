@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Runs the test programs of all floors, the replay of the fuzzers' corpus, and a short whole run of every mode under
+# Runs the test programs of the floors, the replay of the fuzzers' corpus, and a short whole run of every mode under
 # valgrind's memcheck: reads and writes outside of blocks, values that were never set, blocks that were lost. One line
 # each; where one fails its log is shown and the status is 1.
 # Use: scripts/valgrind.sh [FOLDER]        (default: build/valgrind; built there, logs in FOLDER/logs)
@@ -20,15 +20,15 @@ left_out+=(Likelihood.TensorsComeBackWithinTheirErrors Likelihood.LimitsOfEither
     Likelihood.DefaultGridStopsShortOfItsLimits Likelihood.PatternsLeftOverFavourNarrowTensors)
 # Counts beyond 1e308: valgrind works with doubles where the processor has long doubles.
 left_out+=(Candidates.AreNeverWrapped)
-# test_cli is not among the programs: it starts the program hundreds of times and looks at what comes out. What is
-# worth watching is the program, and the whole runs below do that. The longest come first.
+# test_cli and test_faults are not among the programs: they start the program hundreds and thousands of times and look
+# at what comes out. What is worth watching is the program, and the whole runs below do that. The longest come first.
 floors=(ground simulation magnitude assignment errors support structure couplings compare driver tools)
-readers=(pdb table free_format potential pka ensemble config regexp command_line)
 
 ubiquitin=$PWD/examples/ubiquitin
 assignment=$PWD/examples/assignment
 domains=$PWD/examples/domains
 corpus=$PWD/tests/fuzz/corpus
+mapfile -t readers < <(ls "$corpus")
 memcheck=(valgrind --quiet --error-exitcode=9 --leak-check=full --errors-for-leak-kinds=definite --num-callers=20)
 
 build() {
@@ -170,4 +170,4 @@ main() {
     [ "$count" -eq "$clean" ]
 }
 
-main; exit
+main; exit # all on one line: read before the run, so that the script may change meanwhile

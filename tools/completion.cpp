@@ -8,7 +8,7 @@ namespace {
 
 /// What stands behind an option. One that is bare in one section and takes a file in another counts as the
 /// latter.
-enum class Value { none, file, folder, list, other };
+enum class Value { none, file, folder, other };
 
 struct Option {
     std::string_view flag;
@@ -24,9 +24,7 @@ Value valueOf(const GuideEntry &entry)
         return Value::none;
     if (entry.argument.ends_with("Name") || entry.argument == "name")
         return Value::file;
-    if (entry.argument == "dir")
-        return Value::folder;
-    return entry.argument == "list" || entry.argument == "wList" ? Value::list : Value::other;
+    return entry.argument == "dir" ? Value::folder : Value::other;
 }
 
 /// Every option once, with its first description.
@@ -108,8 +106,7 @@ std::string zshSpec(const Option &option)
     case Value::folder:
         text += ":" + argument + ":_files -/";
         break;
-    case Value::list: // its further words are those of the line
-    case Value::other:
+    case Value::other: // the further words of a list are not completed
         text += ":" + argument + ": ";
         break;
     }
@@ -124,9 +121,7 @@ std::string bashCompletion()
     constexpr auto isMaybe = [](const Option &o) { return o.value == Value::file && o.mayBeBare; };
     constexpr auto isFile = [](const Option &o) { return o.value == Value::file && !o.mayBeBare; };
     constexpr auto isFolder = [](const Option &o) { return o.value == Value::folder; };
-    constexpr auto isOther = [](const Option &o) {
-        return o.value == Value::list || o.value == Value::other;
-    };
+    constexpr auto isOther = [](const Option &o) { return o.value == Value::other; };
     constexpr auto isAny = [](const Option &) { return true; };
     std::string text = replaced(bashText, "@MAYBE@", names(all, "|", isMaybe));
     text = replaced(text, "@FILE@", names(all, "|", isFile));

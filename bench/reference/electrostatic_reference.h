@@ -2,7 +2,7 @@
 // They judge the fast ones.
 #pragma once
 
-#include "driver/trelm.h"
+#include "ground/trelm.h"
 #include "simulation/charges.h"
 #include "simulation/columns.h"
 #include "simulation/electrostatic.h"

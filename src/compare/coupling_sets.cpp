@@ -1,5 +1,6 @@
 #include "compare/coupling_sets.h"
 
+#include "compare/combine.h"
 #include "couplings/output.h"
 #include "couplings/table_input.h"
 #include "support/text.h"
@@ -28,20 +29,7 @@ float addDC(int opCode, float c1, float c2, float d1, float d2)
 {
     const double a = static_cast<double>(c1) * static_cast<double>(d1);
     const double b = static_cast<double>(c2) * static_cast<double>(d2);
-    switch (opCode) {
-    case 1:
-        return static_cast<float>(a + b);
-    case 2:
-        return static_cast<float>(a - b);
-    case 3:
-        return static_cast<float>(a * b);
-    case 4:
-        return static_cast<float>(a / b);
-    case 5:
-        return static_cast<float>(d1 < d2 ? b : a);
-    default:
-        return 0.0f;
-    }
+    return static_cast<float>(combined(opCode, a, b, d1 < d2));
 }
 
 int adjustDC(int opCode, float c1, float c2, DTable *dTab1, const DTable *dTab2)
@@ -83,9 +71,9 @@ int analyzeDC(const std::string &inD1Name, const std::string &inD2Name, TrelmInf
         return status;
     settleWindow(*dcInfo, dTab1[0]);
     tellRows(chooseRows(dTab1[0], *dcInfo, atomNameS1, atomNameS2), "selected", dcInfo->excludeMode);
-    const int combined = adjustDC(trelmInfo->opCode, trelmInfo->c1, trelmInfo->c2, &dTab1[0], &dTab2[0]);
-    tellRows(combined, "combined", dcInfo->excludeMode);
-    if (combined == 0)
+    const int shared = adjustDC(trelmInfo->opCode, trelmInfo->c1, trelmInfo->c2, &dTab1[0], &dTab2[0]);
+    tellRows(shared, "combined", dcInfo->excludeMode);
+    if (shared == 0)
         complain("trelm: the two tables share no coupling of the selection.\n");
     return writeDCmod(outName, "w", &dTab1[0], trelmInfo, "");
 }

@@ -1,5 +1,6 @@
 #include "compare/order_matrices.h"
 
+#include "compare/combine.h"
 #include "couplings/output.h"
 #include "support/text.h"
 
@@ -364,24 +365,8 @@ int addSaupe(int opCode, float c1, float c2, const Saupe &userSaupe1, const Saup
     double gMag1 = 0.0, gMag2 = 0.0;
     irreducRepres(userSaupe1, gMag1, irrSaupe);
     irreducRepres(userSaupe2, gMag2, irrSaupe);
-    const auto combine = [&](double a, double b) {
-        switch (opCode) {
-        case 1:
-            return a + b;
-        case 2:
-            return a - b;
-        case 3:
-            return a * b;
-        case 4:
-            return a / b;
-        case 5:
-            return gMag1 < gMag2 ? b : a;
-        default:
-            return 0.0;
-        }
-    };
     for (std::size_t i = 0; i < saupe.size(); ++i)
-        saupe[i] = combine(number(c1) * userSaupe1[i], number(c2) * userSaupe2[i]);
+        saupe[i] = combined(opCode, number(c1) * userSaupe1[i], number(c2) * userSaupe2[i], gMag1 < gMag2);
     return 0;
 }
 

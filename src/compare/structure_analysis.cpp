@@ -169,8 +169,8 @@ int analyzePDB(PDBInfo *pdbInfo, const PDBSelectInfo *sInfo, const TrelmInfo &tr
                const Saupe &saupe, const AnalysisFiles &files)
 {
     OutFile report;
-    if (openOut(report, files.outPName, "w") != 0)
-        return complain("TRELM Error opening output file %s\n", files.outPName.c_str());
+    if (openOut(report, files.reportName, "w") != 0)
+        return complain("TRELM Error opening output file %s\n", files.reportName.c_str());
     Findings findings;
     if (findFrames(pdbInfo, trelmInfo, charges, saupe, findings) != 0)
         return 1;
@@ -179,7 +179,7 @@ int analyzePDB(PDBInfo *pdbInfo, const PDBSelectInfo *sInfo, const TrelmInfo &tr
     const EulerLists &euler =
         trelmInfo.elPdbFlag == asUserFrame ? findings.input.euler : findings.structure.euler;
     const int status = writePDBRot(euler.gamma, euler.beta, euler.alpha, trelmInfo.rotN, pdbInfo, sInfo,
-                                   files.outName, files.remark);
+                                   files.pdbRotName, files.remark);
     if (status != 0) {
         complain("matrix: error in writePDBRot.\n");
         return status;

@@ -14,8 +14,8 @@ struct PDBSelectInfo;
 
 /// Results of a structure analysis.
 struct AnalysisFiles {
-    std::string outName;          ///< turned structures: this name, and with .0 to .3 behind it
-    std::string outPName;         ///< report; empty: standard output
+    std::string pdbRotName;       ///< turned structures: this name, and with .0 to .3 behind it
+    std::string reportName;       ///< empty: standard output
     const char *remark = nullptr; ///< for the structures
 };
 

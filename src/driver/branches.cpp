@@ -8,6 +8,7 @@
 #include "driver/simulate_ensemble.h"
 #include "driver/simulate_noise.h"
 #include "errors/fit_statistics.h"
+#include "ground/modes.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -19,16 +20,14 @@ namespace {
 /// A mode and what it does with a run.
 struct ModeRow {
     int trelmMode;
-    const char *flag;
     bool commonInput; ///< the common input phase comes first
-    int (*branch)(Run &run);
+    int (*road)(Run &run);
 };
 
 /// A kind of best-fit.
 struct SpreadRow {
     int spreadMode;
-    const char *flag;
-    int (*branch)(Run &run);
+    int (*road)(Run &run);
 };
 
 int bestFitSingle(Run &run)
@@ -44,9 +43,9 @@ int bestFitSingle(Run &run)
 }
 
 constexpr SpreadRow spreadRows[] = {
-    {0, "-single", bestFitSingle},        {1, "-jack", mapJackknife},     {2, "-mcDc", mapCouplingNoise},
-    {3, "-mcStruc", mapStructuralNoise},  {4, "-rand", searchAssignment}, {5, "-exhaust", searchAssignment},
-    {6, "-exhaustSel", searchAssignment},
+    {spreadSingle, bestFitSingle},        {spreadJack, mapJackknife},     {spreadMcDc, mapCouplingNoise},
+    {spreadMcStruc, mapStructuralNoise},  {spreadRand, searchAssignment}, {spreadExhaust, searchAssignment},
+    {spreadExhaustSel, searchAssignment},
 };
 
 const SpreadRow &spreadRow(int spreadMode)
@@ -57,27 +56,27 @@ const SpreadRow &spreadRow(int spreadMode)
 
 int bestFit(Run &run)
 {
-    return spreadRow(run.trelmInfo[0].spreadMode).branch(run);
+    return spreadRow(run.trelmInfo[0].spreadMode).road(run);
 }
 
 constexpr ModeRow modeRows[] = {
-    {1, "-stTrelm", true, simulateSteric},
-    {2, "-stTrelmFree", false, simulateFree},
-    {3, "-stTrelmGrid", true, simulateEnsemble},
-    {4, "-elTrelm", true, simulateElectrostatic},
-    {5, "-elTrelmFree", true, setUpCharges},
-    {6, "-elTrelmGrid", true, setUpCharges},
-    {7, "-bestFit", true, bestFit},
-    {8, "-csSim", true, setUpCharges},
-    {9, "-daHist", false, estimateByHistogram},
-    {10, "-daMl", false, estimateByLikelihood},
-    {11, "-daFlex", false, estimateByMotion},
-    {12, "-asRan", true, setUpCharges},
-    {13, "-anDc", false, combineCouplings},
-    {14, "-anA", false, compareTensors},
-    {15, "-anPdb", true, analyzeStructure},
-    {16, "-struc", true, addStructureNoise},
-    {17, "-conv", false, convertTable},
+    {modeStTrelm, true, simulateSteric},
+    {modeStTrelmFree, false, simulateFree},
+    {modeStTrelmGrid, true, simulateEnsemble},
+    {modeElTrelm, true, simulateElectrostatic},
+    {modeElTrelmFree, true, setUpCharges},
+    {modeElTrelmGrid, true, setUpCharges},
+    {modeBestFit, true, bestFit},
+    {modeCsSim, true, setUpCharges},
+    {modeDaHist, false, estimateByHistogram},
+    {modeDaMl, false, estimateByLikelihood},
+    {modeDaFlex, false, estimateByMotion},
+    {modeAsRan, true, setUpCharges},
+    {modeAnDc, false, combineCouplings},
+    {modeAnA, false, compareTensors},
+    {modeAnPdb, true, analyzeStructure},
+    {modeStruc, true, addStructureNoise},
+    {modeConv, false, convertTable},
 };
 
 } // namespace
@@ -89,7 +88,7 @@ int runMode(Run &run)
     if (trelmInfo.rotN < 0 || trelmInfo.rotN > 3)
         return complain("trelm: -rotID %d: the four frames have the numbers 0 to 3.\n", trelmInfo.rotN);
     const int status = mode.commonInput ? readInputs(run) : 0;
-    return status != 0 ? status : mode.branch(run);
+    return status != 0 ? status : mode.road(run);
 }
 
 } // namespace trelm

@@ -9,7 +9,7 @@
 namespace trelm {
 namespace {
 
-// Names differ by case alone (-outD, -outd), so a letter in the wrong case is half a fault.
+// A letter in the wrong case (-outd for -outD) is half a fault.
 constexpr int edit = 2;
 constexpr int wrongCase = 1;
 

@@ -4,7 +4,8 @@
 namespace trelm {
 namespace {
 
-// Defaults stand as the records have them. Where a line differs from what the run does, a comment says so.
+// Defaults stand as the records have them. Where a line differs from what the run does, a comment says so
+// here, or a correction in option_guide_sections.cpp tells the readers of the guides.
 // clang-format off
 
 constexpr HelpEntry stericInput[] = {

@@ -20,7 +20,7 @@ int main(int argc, char **argv)
     } catch (const std::bad_alloc &) {
         std::fprintf(stderr, "Memory allocation failure.\n");
         status = 1;
-    } catch (const std::length_error &) {
+    } catch (const std::length_error &) { // a container of more elements than there can be memory for
         std::fprintf(stderr, "Memory allocation failure.\n");
         status = 1;
     }

@@ -2,6 +2,7 @@
 
 #include "driver/cmndargs.h"
 #include "driver/help.h"
+#include "ground/modes.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -13,48 +14,48 @@ namespace trelm {
 namespace {
 
 // A mode flag fills the mode, and what the mode implies.
-constexpr OptionRow modeRows[] = {
-    {"-stTrelm", &TrelmInfo::trelmMode, 1},
+constexpr OptionRow modeFlagRows[] = {
+    {"-stTrelm", &TrelmInfo::trelmMode, modeStTrelm},
     {"-stTrelm", &ElInfo::elFlag, 0},
-    {"-stTrelmFree", &TrelmInfo::trelmMode, 2},
+    {"-stTrelmFree", &TrelmInfo::trelmMode, modeStTrelmFree},
     {"-stTrelmFree", &ElInfo::elFlag, 0},
-    {"-stTrelmGrid", &TrelmInfo::trelmMode, 3},
+    {"-stTrelmGrid", &TrelmInfo::trelmMode, modeStTrelmGrid},
     {"-stTrelmGrid", &ElInfo::elFlag, 0},
-    {"-elTrelm", &TrelmInfo::trelmMode, 4},
+    {"-elTrelm", &TrelmInfo::trelmMode, modeElTrelm},
     {"-elTrelm", &ElInfo::elFlag, 1},
-    {"-elTrelmFree", &TrelmInfo::trelmMode, 5},
+    {"-elTrelmFree", &TrelmInfo::trelmMode, modeElTrelmFree},
     {"-elTrelmFree", &ElInfo::elFlag, 1},
-    {"-elTrelmGrid", &TrelmInfo::trelmMode, 6},
+    {"-elTrelmGrid", &TrelmInfo::trelmMode, modeElTrelmGrid},
     {"-elTrelmGrid", &ElInfo::elFlag, 1},
-    {"-bestFit", &TrelmInfo::trelmMode, 7},
-    {"-csSim", &TrelmInfo::trelmMode, 8},
-    {"-daHist", &TrelmInfo::trelmMode, 9},
-    {"-daFlex", &TrelmInfo::trelmMode, 11},
-    {"-daMl", &TrelmInfo::trelmMode, 10},
-    {"-asRan", &TrelmInfo::trelmMode, 12},
-    {"-anA", &TrelmInfo::trelmMode, 14},
-    {"-anA", &TrelmInfo::opCode, 2},
+    {"-bestFit", &TrelmInfo::trelmMode, modeBestFit},
+    {"-csSim", &TrelmInfo::trelmMode, modeCsSim},
+    {"-daHist", &TrelmInfo::trelmMode, modeDaHist},
+    {"-daFlex", &TrelmInfo::trelmMode, modeDaFlex},
+    {"-daMl", &TrelmInfo::trelmMode, modeDaMl},
+    {"-asRan", &TrelmInfo::trelmMode, modeAsRan},
+    {"-anA", &TrelmInfo::trelmMode, modeAnA},
+    {"-anA", &TrelmInfo::opCode, opSub},
     {"-anA", &TrelmInfo::c1, 1.0},
-    {"-anDc", &TrelmInfo::trelmMode, 13},
-    {"-anDc", &TrelmInfo::opCode, 1},
+    {"-anDc", &TrelmInfo::trelmMode, modeAnDc},
+    {"-anDc", &TrelmInfo::opCode, opAdd},
     {"-anDc", &TrelmInfo::c1, 0.0},
     {"-anDc", &TrelmInfo::c2, 1.0},
-    {"-anPdb", &TrelmInfo::trelmMode, 15},
-    {"-conv", &TrelmInfo::trelmMode, 17},
-    {"-struc", &TrelmInfo::trelmMode, 16},
+    {"-anPdb", &TrelmInfo::trelmMode, modeAnPdb},
+    {"-conv", &TrelmInfo::trelmMode, modeConv},
+    {"-struc", &TrelmInfo::trelmMode, modeStruc},
 };
 
 constexpr OptionRow fitKindRows[] = {
     {"-idum", &TrelmInfo::idum},
-    {"-rand", &TrelmInfo::spreadMode, 4},
-    {"-exhaust", &TrelmInfo::spreadMode, 5},
-    {"-exhaustSel", &TrelmInfo::spreadMode, 6},
+    {"-rand", &TrelmInfo::spreadMode, spreadRand},
+    {"-exhaust", &TrelmInfo::spreadMode, spreadExhaust},
+    {"-exhaustSel", &TrelmInfo::spreadMode, spreadExhaustSel},
     {"-dcOpt", &TrelmInfo::dcSelOpt, 1},
     {"-nodcOpt", &TrelmInfo::dcSelOpt, 0},
-    {"-single", &TrelmInfo::spreadMode, 0},
-    {"-jack", &TrelmInfo::spreadMode, 1},
-    {"-mcDc", &TrelmInfo::spreadMode, 2},
-    {"-mcStruc", &TrelmInfo::spreadMode, 3},
+    {"-single", &TrelmInfo::spreadMode, spreadSingle},
+    {"-jack", &TrelmInfo::spreadMode, spreadJack},
+    {"-mcDc", &TrelmInfo::spreadMode, spreadMcDc},
+    {"-mcStruc", &TrelmInfo::spreadMode, spreadMcStruc},
     {"-map", &RunOptions::mapCount},
     {"-outFail", &RunOptions::outDFailName},
     {"-dFrac", &TrelmInfo::mapFrac},
@@ -217,9 +218,15 @@ constexpr OptionRow conversionRows[] = {
 };
 
 constexpr OptionRow comparisonRows[] = {
-    {"-outA", &RunOptions::outAName}, {"-add", &TrelmInfo::opCode, 1}, {"-sub", &TrelmInfo::opCode, 2},
-    {"-mul", &TrelmInfo::opCode, 3},  {"-div", &TrelmInfo::opCode, 4}, {"-max", &TrelmInfo::opCode, 5},
-    {"-c1", &TrelmInfo::c1},          {"-c2", &TrelmInfo::c2},         {"-outP", &RunOptions::outPName},
+    {"-outA", &RunOptions::outAName},
+    {"-add", &TrelmInfo::opCode, opAdd},
+    {"-sub", &TrelmInfo::opCode, opSub},
+    {"-mul", &TrelmInfo::opCode, opMul},
+    {"-div", &TrelmInfo::opCode, opDiv},
+    {"-max", &TrelmInfo::opCode, opMax},
+    {"-c1", &TrelmInfo::c1},
+    {"-c2", &TrelmInfo::c2},
+    {"-outP", &RunOptions::outPName},
 };
 
 constexpr OptionRow magnitudeRows[] = {
@@ -282,17 +289,23 @@ const char *wordOf(const CommandLine &line, const OptionRow &row)
 bool readValue(const CommandLine &line, const OptionRow &row, int &value)
 {
     const char *word = wordOf(line, row);
-    if (word != nullptr && !row.quiet)
+    if (word == nullptr)
+        return false;
+    if (!row.quiet)
         warnIntWord(row.flag, word);
-    return intArgD(line.argc, line.argv, row.flag, &value) != 0;
+    value = intWord(word);
+    return true;
 }
 
 bool readValue(const CommandLine &line, const OptionRow &row, float &value)
 {
     const char *word = wordOf(line, row);
-    if (word != nullptr && !row.quiet)
+    if (word == nullptr)
+        return false;
+    if (!row.quiet)
         warnFltWord(row.flag, word);
-    return fltArgD(line.argc, line.argv, row.flag, &value) != 0;
+    value = fltWord(word);
+    return true;
 }
 
 bool readValue(const CommandLine &line, const OptionRow &row, double &value)
@@ -470,7 +483,6 @@ int readMedia(const CommandLine &line, TrelmInfo &trelmInfo)
 
 void readTensor(const CommandLine &line, TrelmInfo &trelmInfo, DTensor &dTensor)
 {
-    trelmInfo.eulerFlag = 1;
     getDCTensorParams(line.argc, line.argv, &dTensor); // a bad vector was told, and the run goes on
     trelmInfo.eulerFlag = dTensor.eulerFlag;
 }
@@ -542,7 +554,7 @@ int readValues(int argc, char **argv, std::string_view flag, std::string_view na
 
 std::vector<std::span<const OptionRow>> optionTables()
 {
-    std::vector<std::span<const OptionRow>> tables = {modeRows, fitKindRows};
+    std::vector<std::span<const OptionRow>> tables = {modeFlagRows, fitKindRows};
     for (const auto &more : {selectionTables(), tensorTables()})
         tables.insert(tables.end(), more.begin(), more.end());
     for (const std::span<const OptionRow> table :
@@ -563,13 +575,11 @@ int getparams(int argc, char **argv, RunOptions &options, TrelmInfo &trelmInfo, 
 {
     const CommandLine line = {argc, argv};
     const OptionRecords records = {&options, &trelmInfo, &dcInfo, &sInfo, &dTensor};
-    options.mapCount = 0;
     if (argc <= 1 || flagLoc(argc, argv, "-help") != 0) {
         printInfo();
         return 1;
     }
-    trelmInfo.trelmMode = 1;
-    readRows(argc, argv, modeRows, records);
+    readRows(argc, argv, modeFlagRows, records);
     readRows(argc, argv, fitKindRows, records);
     options.fitFlag = flagLoc(argc, argv, "-pdb") != 0 ? 1 : 0;
     if (options.fitFlag != 0)

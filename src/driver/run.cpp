@@ -5,6 +5,7 @@
 #include "driver/flag_hint.h"
 #include "driver/params.h"
 #include "structure/transform.h"
+#include "support/output_file.h"
 #include "support/text.h"
 
 #include <cstdio>
@@ -66,14 +67,14 @@ int endRun(Run &run, int status)
     // The balance is taken here: it shows what the records and buffers of the run still hold.
     showAlloc();
     run = Run{};
-    const bool isCut = std::fflush(stdout) != 0 || std::ferror(stdout) != 0;
     // A run that failed has told why already, perhaps just this.
-    if (isCut && status == 0)
-        status = complain("Error writing %s.\n", "(stdout)");
+    OutFile out;
+    if (status == 0)
+        status = closeOut(out);
     // Warnings and reports go to the standard error stream; of their loss the status alone can tell. And who
     // went on without a block of memory has told of it, but has no whole result.
-    const bool isLess = std::ferror(stderr) != 0 || allocHasFailed();
-    return status == 0 && isLess ? 1 : status;
+    const bool isIncomplete = std::ferror(stderr) != 0 || allocHasFailed();
+    return status == 0 && isIncomplete ? 1 : status;
 }
 
 } // namespace trelm

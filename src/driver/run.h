@@ -10,8 +10,8 @@
 
 namespace trelm {
 
-/// The records and buffers of a run, in the order in which the tear-down gives them back. The large arrays
-/// have their fixed capacity from the start.
+/// The records and buffers of a run, in the order in which the tear-down gives them back. The arrays behind
+/// dcInfo are asked for by the common input phase, once and for the whole run.
 struct Run {
     RunOptions options;
     PDBSelectInfo sInfo;

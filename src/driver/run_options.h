@@ -16,8 +16,9 @@ constexpr auto noFixedResidues = [] {
     return list;
 }();
 
-/// The options that belong to no other record. An empty name means that there is no such file; of an output
-/// it means standard output.
+/// The options that belong to no other record. An empty name means that there is no such file. Of a report or
+/// table it means standard output; charges, states and axes are then not written, and the structures of a fit
+/// or a steric prediction go to the files .0 to .3.
 struct RunOptions {
     std::string inDName;               ///< couplings: input
     std::string outDName;              ///< couplings: result
@@ -28,15 +29,15 @@ struct RunOptions {
     std::string inpName;               ///< configuration
     std::string pkaName, outPkaName;   ///< charges: input, output
     std::string potName, pot3DName;    ///< potential along one axis, in space
-    std::string outAName, outPName;    ///< result of an analysis, structure with charges
+    std::string outAName, outPName;    ///< result of a comparison, report of a structure analysis
     std::string outDaName, outMapName; ///< mapping: Da and Dr, orientation of the axes
     std::string outAngName;            ///< mapping: Euler angles
     std::string outDFailName;          ///< mapping: couplings that the fits fail to reproduce
     std::string outScName, outColName; ///< scores, columns of the scores
     std::string inEName, outEName;     ///< ensemble: input, output
     std::string outEAxName, oDcEName;  ///< ensemble: axes, couplings
-    std::string flexName, aveName;
-    std::string atomNameS1 = "All"; ///< atoms of the couplings to use; "All": any
+    std::string flexName, aveName;     ///< ensemble: log of the domain angles, averaged couplings
+    std::string atomNameS1 = "All";    ///< atoms of the couplings to use; "All": any
     std::string atomNameS2 = "All";
     const char *remark = nullptr; ///< remark for the results; lives as long as the arguments
 

@@ -19,7 +19,7 @@ constexpr OptionRow listRows[] = {
     {"-seg", &PDBSelectInfo::segNameList},
 };
 
-constexpr OptionRow modeRows[] = {
+constexpr OptionRow matchRows[] = {
     {"-clear", &PDBSelectInfo::selectMode, 0},
     {"-set", &PDBSelectInfo::selectMode, 1},
     {"-exact", &PDBSelectInfo::atomNameMode, matchExact},
@@ -141,7 +141,7 @@ void reportSelection(const PDBSelectInfo &sInfo)
 
 std::vector<std::span<const OptionRow>> selectionTables()
 {
-    return {classRows, listRows, modeRows};
+    return {classRows, listRows, matchRows};
 }
 
 int getPDBSelectArgs(int argc, char **argv, PDBSelectInfo *sInfo)
@@ -158,7 +158,7 @@ int getPDBSelectArgs(int argc, char **argv, PDBSelectInfo *sInfo)
     // Stands behind -inv, which a range or a list so overrides, and before -clear and -set.
     if (residues || lists)
         sInfo->selectMode = 2;
-    readRows(argc, argv, modeRows, records);
+    readRows(argc, argv, matchRows, records);
     pdbSelectAdjust(*sInfo);
     if (verb)
         reportSelection(*sInfo);

@@ -217,7 +217,7 @@ int simulateSteric(Run &run)
         return status;
     AlignmentFields fields;
     int digPotential = 0;
-    if (inGrid) {
+    if (inGrid) { // the run ends in the kernel, with status 0, once the grid has been looked at
         status = read3DPotSteric(run.options.pot3DName, trelmInfo, fields.pot3Dst, digPotential);
         if (status != 0) {
             complain("ERROR: Reading of 3D potential not successful.\n");

@@ -1,9 +1,7 @@
 #include "driver/version.h"
 
 #include "driver/cmndargs.h"
-#include "support/text.h"
-
-#include <cstdio>
+#include "support/output_file.h"
 
 namespace trelm {
 
@@ -14,9 +12,9 @@ bool asksVersion(int argc, char **argv)
 
 int printVersion()
 {
-    std::puts("trelm " TRELM_VERSION);
-    const bool isCut = std::fflush(stdout) != 0 || std::ferror(stdout) != 0;
-    return isCut ? complain("Error writing %s.\n", "(stdout)") : 0;
+    OutFile out;
+    writeOut(out, "trelm " TRELM_VERSION "\n");
+    return closeOut(out);
 }
 
 } // namespace trelm

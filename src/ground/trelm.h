@@ -141,7 +141,7 @@ struct TrelmInfo {
     int surfFlag = 1;           ///< select surface accessible atoms
     float radiusAtom = 0.0f;    ///< angstrom
     float rSingleCell = 0.0f;   ///< single-cell radius of the wall model, angstrom
-    int opCode = 2;             ///< comparison: 1 add, 2 sub, 3 mul, 4 div, 5 max
+    int opCode = 2;             ///< comparison: one of modes.h
     float c1 = 1.0f;            ///< scale factors of the two operands
     float c2 = 1.0f;
     int eulerFlag = 1;    ///< solve for Euler angles

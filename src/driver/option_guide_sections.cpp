@@ -7,7 +7,7 @@ namespace {
 // clang-format off
 
 constexpr HelpEntry bicelle[] = {
-    {"-pRatio",  "ratio",    "3.0",   "Molar Ratio of the Bicelle Lipids."},
+    {"-pRatio",  "ratio",    "3.0",   "Molar Ratio of the Bicelle Lipids; Changes Only What -rim Reports."},
     {"-rim",     "value",    "0.0",   "Not 0: Report the Geometry of the Bicelles."},
     {"-lM",      "length",   "200.0", "Read; the Length is Computed from the Composition."},
     {"-rimDisc", "fraction", "0.25",  "Read; the Fraction is Computed from the Composition."},
@@ -100,23 +100,30 @@ constexpr HelpBlock commonBlocks[] = {
     {"Read for Older Scripts, without Effect:", unused},
 };
 
+constexpr std::string_view needsHydrogens =
+    "Give -H with a structure that has hydrogens: without it the written structures hold hydrogens alone.";
+
 constexpr GuideSection sections[] = {
     {"Steric Prediction, -stTrelm", "prediction.md", "ARGUMENTS FOR STERIC TRELM", stericMore, ""},
     {"Electrostatic Prediction, -elTrelm", "electrostatics.md", "ARGUMENTS FOR ELECTROSTATIC TRELM",
-     elMore, ""},
+     elMore, "The face that is turned to the particle stands off by -dIFace."},
     {"Prediction from Free-Format Coordinates, -stTrelmFree", "prediction.md",
      "ARGUMENTS FOR FREE FORMAT, STERIC TRELM", {}, ""},
     {"Ensembles of Domain Orientations, -stTrelmGrid", "ensembles.md", "", gridMore,
-     "The options of the steric and the electrostatic prediction hold as well."},
-    {"Best-Fit, -bestFit", "options.md", "ARGUMENTS FOR BEST-FIT (SVD/POWELL)", {}, ""},
+     "The options of the steric and the electrostatic prediction hold as well, but for -pot, which is not read."},
+    {"Best-Fit, -bestFit", "bestfit.md", "ARGUMENTS FOR BEST-FIT (SVD/POWELL)", {},
+     needsHydrogens},
     {"Best-Fit without an Assignment, -bestFit -exhaust", "assignment.md",
-     "ARGUMENTS FOR UNASSIGNED BEST-FIT (exhSVD)", {}, ""},
-    {"Structural Noise, -struc", "errors.md", "ARGUMENTS FOR ADDITiON OF STRUCTURAL NOISE", {}, ""},
-    {"Comparison of Order Matrices, -anA", "comparison.md", "ARGUMENTS FOR ANALYSIS OF ORDER MATRIX", {}, ""},
+     "ARGUMENTS FOR UNASSIGNED BEST-FIT (exhSVD)", {},
+     "Options of -bestFit that are linked below hold as well, its Other Options among them. Give -H as there."},
+    {"Structural Noise, -struc", "errors.md", "ARGUMENTS FOR ADDITiON OF STRUCTURAL NOISE", {},
+     needsHydrogens},
+    {"Comparison of Order Matrices, -anA", "comparison.md", "ARGUMENTS FOR ANALYSIS OF ORDER MATRIX", {},
+     "The option -rem has no effect here."},
     {"Comparison of Couplings, -anDc", "comparison.md", "ARGUMENTS FOR ANALYSIS OF DIPOLAR COUPLINGS",
      {}, ""},
     {"Analysis of a Structure, -anPdb", "structure_analysis.md", "ARGUMENTS FOR ANALYSIS OF PDB FILE",
-     {}, ""},
+     {}, needsHydrogens},
     {"Da and R by the Histogram, -daHist", "magnitude.md", "ARGUMENTS FOR Da & R HISTOGRAM DETERMINATION",
      {}, ""},
     {"Da and R by Likelihood, -daMl", "magnitude.md", "ARGUMENTS FOR Da & R LIKELIHOOD DETERMINATION",
@@ -130,13 +137,30 @@ constexpr GuideSection sections[] = {
 
 constexpr Correction correctionRows[] = {
     {"-incl", "Use Couplings with One Residue in the Range.",
-     "-inc",  "Use Couplings with One Residue in the Range."},
-    {"-nofixCone", "Fix Size of Cone.",       "-nofixCone", "Don't Fix Size of Cone."},
-    {"-fixCone",   "Don't Fix Size of Cone.", "-fixCone",   "Fix Size of Cone."},
-    {"-noelInfo",  "Report Electrostatic Info.", "-noelInfo", "Don't Report Electrostatic Info."},
-    {"-charmm22",  "Apply CHARMM Partial Charges.", "-charmm22", "Apply CHARMM22 Partial Charges."},
+     "-inc",  "Use Couplings with One Residue in the Range. (The help text says -incl, which is not read.)"},
+    {"-nofixCone", "Fix Size of Cone.",
+     "-nofixCone", "Don't Fix Size of Cone. (The help text leaves out the Don't.)"},
+    {"-fixCone", "Don't Fix Size of Cone.",
+     "-fixCone", "Fix Size of Cone. (The help text says Don't.)"},
+    {"-noelInfo", "Report Electrostatic Info.",
+     "-noelInfo", "Don't Report Electrostatic Info. (The help text leaves out the Don't.)"},
+    {"-charmm22", "Apply CHARMM Partial Charges.", "-charmm22", "Apply CHARMM22 Partial Charges."},
     {"-wv", "Liquid Crystal Concentration [mg/ml].",
-     "-wv", "Liquid Crystal Concentration, a Fraction [g/ml]."},
+     "-wv", "Liquid Crystal Concentration, a Fraction [g/ml]. (The help text says mg/ml.)"},
+    {"-id", "Selection ID.", "-id", "Mark of Selected Atoms; Leave at 1, with 0 No Atom is Selected."},
+    {"-inv", "Invert Selection; Not with a Range or List.",
+     "-inv", "Invert Selection; Without Effect with a Range or List, and without Them No Atom is Selected."},
+    {"-protein", "Select Only Canonical Amino Acids.",
+     "-protein", "Select Only Canonical Amino Acids; without a Range or List Only in Written Structures."},
+    {"-hetatm", "Interpret HETATM Records as ATOMs.",
+     "-hetatm", "Read, without Effect: HETATM Records are Always Ignored."},
+    {"-kMono", "Scale of Monopole Charges.", "-kMono", "Scale of the First Charge, a Monopole in a pKa File Made for It."},
+    {"-kQuad", "Scale of Quadrupole Charges.", "-kQuad", "Scale of the Second to Eighth Charge, a Quadrupole in Such a File."},
+    {"-kDipo", "Scale of Dipole Charges.", "-kDipo", "Scale of the Ninth and Tenth Charge, a Dipole in Such a File."},
+    {"-dIFace", "Surface Distance of the Interaction Face [A].",
+     "-dIFace", "Surface Distance of the Interaction Face [A]; Acts in -elTrelm Alone."},
+    {"-idum", "Seed of the Random Generators.",
+     "-idum", "Seed of -struc Alone; 0 and Above are the Same as -1."},
 };
 
 // clang-format on

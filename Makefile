@@ -1,5 +1,6 @@
 # make demo   best-fit and prediction of the example, built in release mode
 # make check  all tests
+# make check-docs     the commands of the pages, and what the pages show of their output
 # make bench  benchmarks, fast forms against plain forms
 # make fuzz   each fuzzer of the readers for SECONDS=20
 # make install        program, man page, completions and documentation to PREFIX=/usr/local, under DESTDIR
@@ -11,7 +12,7 @@
 # What builds first installs the packages of scripts/packages.txt that the machine lacks; what checks or measures, those
 # of scripts/packages-checks.txt, too.
 
-.PHONY: demo check bench release sanitize fuzz install package check-package reference \
+.PHONY: demo check check-docs bench release sanitize fuzz install package check-package reference \
 	format format-check tidy setup setup-checks clean
 
 JOBS = $(shell nproc)
@@ -21,6 +22,9 @@ demo: release
 
 check: release
 	ctest --preset release -j $(JOBS)
+
+check-docs: setup-checks release
+	scripts/check_docs.sh build/release/trelm
 
 bench: setup-checks
 	cmake --preset bench

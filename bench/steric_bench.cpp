@@ -59,10 +59,10 @@ struct Assembly {
         StericSetup made;
         made.lcType = lcType;
         made.stepOutLength = 440.0;
-        made.max_obstruction = 20.0;
-        made.gridSpacing = gridSpacing;
+        made.grid.max_obstruction = 20.0;
+        made.grid.gridSpacing = gridSpacing;
         made.wvAmount = 0.05;
-        made.max_protein_length = size;
+        made.grid.max_protein_length = size;
         made.digit_psi = 18;
         return made;
     }

@@ -6,15 +6,15 @@
 namespace trelm {
 namespace {
 
-bool isObstructed(const StericSetup &setup, const PositionGrid &grid, const TurnedAtoms &turnedAtoms,
+bool isObstructed(const StericSetup &setup, const StericGrid &grid, const TurnedAtoms &turnedAtoms,
                   std::size_t i)
 {
-    if (static_cast<int>(i) > grid.grid_el)
+    if (static_cast<int>(i) > grid.at.grid_el)
         return false;
     if (setup.lcType == lcWall)
         return touchesWallPlain(turnedAtoms, grid.wallLimit[i]);
-    return touchesRodPlain(turnedAtoms, grid.positionDist[i],
-                           static_cast<float>(setup.max_obstruction + setup.radius));
+    return touchesRodPlain(turnedAtoms, grid.at.positionDist[i],
+                           static_cast<float>(setup.grid.max_obstruction + setup.radius));
 }
 
 } // namespace
@@ -74,10 +74,10 @@ bool touchesRodPlain(const TurnedAtoms &turnedAtoms, float positionDist, float r
 int stericAlignmentPlain(const StericSetup &setup, const Coordinates &atoms, std::span<const double> dots,
                          Saupe &saupe, std::vector<double> &allowedCount)
 {
-    PositionGrid grid;
-    if (makePositionGrid(setup, grid) != 0)
+    StericGrid grid;
+    if (makeStericGrid(setup, grid) != 0)
         return 1;
-    const auto positions = static_cast<std::size_t>(grid.last) + 1;
+    const auto positions = static_cast<std::size_t>(grid.at.last) + 1;
     std::vector<Saupe> saupe_dis(positions);
     allowedCount.assign(positions, 0.0);
     Saupe saupe_dev = {};
@@ -104,9 +104,9 @@ int stericAlignmentPlain(const StericSetup &setup, const Coordinates &atoms, std
         total_bic += static_cast<std::int64_t>(allowedCount[i]);
         for (std::size_t k = 0; k < 5 && allowedCount[i] > 0.0; ++k) {
             const double average = saupe_dis[i][k] / allowedCount[i] - saupe_dev[k] / t;
-            const double ring = setup.lcType == lcRod
-                                    ? static_cast<double>(grid.positionDist[i]) / setup.max_obstruction
-                                    : 1.0;
+            const double ring = setup.lcType == lcRod ? static_cast<double>(grid.at.positionDist[i]) /
+                                                            setup.grid.max_obstruction
+                                                      : 1.0;
             saupe[k] += allowedCount[i] / t * average * ring;
         }
     }

@@ -1,5 +1,6 @@
 #include "driver/likelihood_road.h"
 
+#include "driver/magnitude_road.h"
 #include "magnitude/likelihood.h"
 #include "support/text.h"
 
@@ -7,9 +8,7 @@ namespace trelm {
 
 int estimateByLikelihood(Run &run)
 {
-    const RunOptions &options = run.options;
-    const int status = getMlDabR(options.inDName, &run.trelmInfo[0], &run.dcInfo[0], options.atomNameS1,
-                                 options.atomNameS2, options.outDName, options.outScName);
+    const int status = getMlDabR(makeJob(run), run.options.outScName);
     if (status != 0)
         complain("trelm: error in getMlDabR.\n");
     return status;

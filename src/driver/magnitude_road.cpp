@@ -7,6 +7,16 @@
 namespace trelm {
 namespace {
 
+/// Both branches add the same line to a failure.
+int judge(int status)
+{
+    if (status != 0)
+        complain("trelm: error in getHistDabR.\n");
+    return status;
+}
+
+} // namespace
+
 MagnitudeJob makeJob(Run &run)
 {
     const RunOptions &options = run.options;
@@ -18,16 +28,6 @@ MagnitudeJob makeJob(Run &run)
             .trelmInfo = &run.trelmInfo[0],
             .dcInfo = &run.dcInfo[0]};
 }
-
-/// Both branches add the same line to a failure.
-int judge(int status)
-{
-    if (status != 0)
-        complain("trelm: error in getHistDabR.\n");
-    return status;
-}
-
-} // namespace
 
 int estimateByHistogram(Run &run)
 {

@@ -2,8 +2,12 @@
 #pragma once
 
 #include "driver/run.h"
+#include "magnitude/observed.h"
 
 namespace trelm {
+
+/// What every estimate of a run works on.
+MagnitudeJob makeJob(Run &run);
 
 // Both return 0, or the status of the failing step after its messages.
 int estimateByHistogram(Run &run);

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdio>
 #include <string>
 
 namespace trelm {
@@ -123,14 +124,23 @@ int fitWithPeak(std::span<const float> coupList, const PrincipalCouplings &princ
     return 0;
 }
 
+/// What the estimate of a run and that of a set begin with: the extremes, the tensor that they alone tell,
+/// and the values for a fit. From there on the two differ. A run reports only averaged extremes, fits two of
+/// them as well as three, without bounds, and looks for the peak once. A set reports the extremes in any
+/// case, takes two as they are, looks for the peak in up to four histograms, and fits within bounds.
+PrincipalCouplings startEstimate(std::span<float> coupList, float rAveDD, HistInfo &histInfo)
+{
+    const Extremes extremes = findExtremes(coupList);
+    solveExtremes(extremes.minD, extremes.maxD, histInfo);
+    histInfo.dcMin = extremes.minD;
+    histInfo.dcMax = extremes.maxD;
+    return principalCouplings(coupList, extremes, rAveDD, histInfo);
+}
+
 /// Da and R of a run into the record.
 int fitRun(ObservedCouplings &observed, HistInfo &histInfo)
 {
-    const Extremes extremes = {.minD = observed.minD, .maxD = observed.maxD};
-    const PrincipalCouplings principal =
-        principalCouplings(observed.coupList, extremes, observed.rAveDD, histInfo);
-    histInfo.dcMin = observed.minD;
-    histInfo.dcMax = observed.maxD;
+    const PrincipalCouplings principal = startEstimate(observed.coupList, observed.rAveDD, histInfo);
     // What is reported are averages: without averaging there are none.
     histInfo.Dzz = histInfo.optExtrem != 0 ? principal.dzz : 0.0f;
     histInfo.Dyy = histInfo.optExtrem != 0 ? principal.dyy : 0.0f;
@@ -235,15 +245,15 @@ int makeBins(float delta, float max, float min, int nUserBins, Bins &bins)
     if (bins.nBins > maxBins)
         return 1;
     for (int i = 0; i < bins.nBins; ++i)
-        bins.bins.push_back(bins.binWidth * static_cast<float>(i) + min);
+        bins.centres.push_back(bins.binWidth * static_cast<float>(i) + min);
     return 0;
 }
 
 int getDxx(std::span<const float> coupList, const Bins &bins, float &dxx)
 {
-    const auto low = static_cast<float>(bins.bins.front() - 0.5 * bins.binWidth);
-    const auto high = static_cast<float>(bins.bins.back() + 0.5 * bins.binWidth);
-    std::vector<int> hist(bins.bins.size(), 0);
+    const auto low = static_cast<float>(bins.centres.front() - 0.5 * bins.binWidth);
+    const auto high = static_cast<float>(bins.centres.back() + 0.5 * bins.binWidth);
+    std::vector<int> hist(bins.centres.size(), 0);
     int best = 0, isSingle = 0;
     for (std::size_t i = 0; i < coupList.size(); ++i) {
         const float c = coupList[i];
@@ -261,7 +271,7 @@ int getDxx(std::span<const float> coupList, const Bins &bins, float &dxx)
             isSingle = 0;
         if (count <= best)
             continue;
-        dxx = bins.bins[k];
+        dxx = bins.centres[k];
         best = count;
         isSingle = 1;
     }
@@ -285,7 +295,6 @@ int getHistDabR(const MagnitudeJob &job)
         checkSettings(observed, trelmInfo.histInfo) != 0)
         return 1;
     copyObserved(*job.dTab);
-    solveExtremes(observed.minD, observed.maxD, trelmInfo.histInfo);
     if (fitRun(observed, trelmInfo.histInfo) != 0)
         return 1;
     std::string text;
@@ -300,10 +309,7 @@ int histoExtFit(std::span<float> coupList, std::span<const float> sigma, HistInf
     if (coupList.size() < 2 || (extremes.minD == 0.0f && extremes.maxD == 0.0f))
         return complain("Error: One coupling, or none but zeros, has no distribution.\n");
     const float rAveDD = getAvg(sigma);
-    solveExtremes(extremes.minD, extremes.maxD, histInfo);
-    const PrincipalCouplings principal = principalCouplings(coupList, extremes, rAveDD, histInfo);
-    histInfo.dcMin = extremes.minD;
-    histInfo.dcMax = extremes.maxD;
+    const PrincipalCouplings principal = startEstimate(coupList, rAveDD, histInfo);
     histInfo.Dzz = principal.dzz;
     histInfo.Dyy = principal.dyy;
     if (histInfo.modeFit == 2) {

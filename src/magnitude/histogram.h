@@ -40,9 +40,9 @@ AveragedExtremes getDzzDyy(std::span<float> coupList, float delta, float sdevNeg
 
 /// A histogram's bins, Hz.
 struct Bins {
-    int nBins = 0;
+    int nBins = 0; ///< asked for, also where they are too many to have centres
     float binWidth = 0.0f;
-    std::vector<float> bins; ///< centres
+    std::vector<float> centres;
 };
 
 /// Lays bins from min on; nUserBins below 2 lets the error decide, a bin being two errors wide. Returns 0; 1
@@ -51,7 +51,8 @@ struct Bins {
 int makeBins(float delta, float max, float min, int nUserBins, Bins &bins);
 
 /// The centre of the most populated bin into dxx, of the first to reach its count. Couplings outside are told
-/// on standard output. Returns 1, or 0 if another bin has the same count or no coupling lies in any.
+/// on standard output. Not a status, a flag: 1 if that bin is the only one, 0 if another has the same count
+/// or no coupling lies in any.
 int getDxx(std::span<const float> coupList, const Bins &bins, float &dxx);
 
 /// The principal couplings as a model for nonlinearfit: a is Da, R; x 0 gives Dzz, 1 Dyy, -1 Dxx.

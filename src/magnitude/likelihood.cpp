@@ -2,7 +2,6 @@
 
 #include "couplings/output.h"
 #include "couplings/run_report.h"
-#include "magnitude/observed.h"
 #include "support/output_file.h"
 #include "support/progress.h"
 #include "support/text.h"
@@ -26,25 +25,6 @@ double countSteps(double low, double high, double inc)
         return 0.0;
     return std::max(1.0, std::ceil((high - low) / inc - hair));
 }
-
-/// Progress of a search, one line a point.
-struct GridProgress {
-    Progress progress = startProgress("", 0);
-
-    void show(double R, double Dab, bool isLast)
-    {
-        constexpr std::size_t pieceSize = std::size_t{1} << 14;
-        constexpr auto interval = std::chrono::milliseconds(50);
-        const auto now = std::chrono::steady_clock::now();
-        if (progress.isTerminal && !isLast && now - progress.lastShown < interval)
-            return;
-        appendf(progress.pending, "Grid point R = %.2f D = %.2f\r", R, Dab);
-        if (!progress.isTerminal && progress.pending.size() < pieceSize)
-            return;
-        progress.lastShown = now;
-        pauseProgress(progress);
-    }
-};
 
 /// Refuses a grid that cannot be searched. Returns 0, or 1 after a message.
 int checkGrid(const MlGrid &grid)
@@ -128,11 +108,11 @@ void fillCalculated(DTable &dTab, const CouplingRanges *ranges)
             continue;
         double coupAve = 0.0, coupAveErr = 0.0;
         if (ranges != nullptr &&
-            mapMagToDc(*ranges, obs.d * calc.w, obs.sigma * calc.w, coupAve, coupAveErr) != 0)
+            mapMagToDc(*ranges, double{obs.d}, double{obs.sigma}, coupAve, coupAveErr) != 0)
             complain("Error in mapMagToDc.\n");
         calc.valid = 1;
-        calc.d = static_cast<float>(coupAve / calc.w);
-        calc.sigma = obs.sigma = static_cast<float>(coupAveErr / calc.w);
+        calc.d = static_cast<float>(coupAve);
+        calc.sigma = obs.sigma = static_cast<float>(coupAveErr);
     }
 }
 
@@ -164,11 +144,10 @@ int readMlCouplings(const MagnitudeJob &job, ObservedCouplings &observed)
     if (observed.coupList.size() > maxMlCouplings)
         return complain("Error: %zu couplings, the limit of a likelihood search is %d.\n",
                         observed.coupList.size(), maxMlCouplings);
-    constexpr double axis = axisPlaces * axisStep;
     const double span = double{observed.maxD} - observed.minD;
-    if (!(span < axis)) // one end of the pattern would stand on the other
+    if (!(span < axisLength)) // one end of the pattern would stand on the other
         return complain("Error: the couplings span %.2f Hz, more than the frequency axis of %.2f Hz.\n", span,
-                        axis);
+                        axisLength);
     solveExtremes(observed.minD, observed.maxD, job.trelmInfo->histInfo);
     turnPositive(observed.coupList);
     return 0;
@@ -255,31 +234,38 @@ int mlMagTensor(const MlCouplings &couplings, const MlGrid &grid, bool clear, st
                 int &lCount)
 {
     lCount = 0;
-    const double stepsR = countSteps(grid.lowR, grid.highR, grid.incR);
-    const double stepsDa = countSteps(grid.lowDab, grid.highDab, grid.incDa);
+    double stepsR = countSteps(grid.lowR, grid.highR, grid.incR);
+    double stepsDa = countSteps(grid.lowDab, grid.highDab, grid.incDa);
+    if (stepsR == 0.0 || stepsDa == 0.0) // one without the other may be beyond any integer
+        stepsR = stepsDa = 0.0;
     if (!(stepsR * stepsDa <= static_cast<double>(list.size())))
         return complain("Error: the grid of Da and R has %.0f points, the limit is %zu.\n", stepsR * stepsDa,
                         list.size());
     const double lastR = grid.lowR + (stepsR - 1.0) * grid.incR;
     const double lastDab = grid.highDab - (stepsDa - 1.0) * grid.incDa;
     if (stepsR * stepsDa > 0.0 && !(isPattern(grid.highDab, grid.lowR) && isPattern(lastDab, lastR)))
-        return complain("Error: the patterns up to Da %.3f Hz, R %.3f do not fit the axis of 81.92 Hz.\n",
-                        lastDab, lastR);
+        return complain("Error: the patterns up to Da %.3f Hz, R %.3f do not fit the axis of %.2f Hz.\n",
+                        lastDab, lastR, axisLength);
     PatternScorer scorer;
     if (startScorer(scorer, couplings.coup_mat, couplings.delta) != 0)
         return 1;
-    GridProgress lines;
+    Progress progress = startProgress("", 0);
+    std::string line;
     const auto countR = static_cast<int>(stepsR), countDa = static_cast<int>(stepsDa);
     for (int i = 0; i < countR; ++i) {
         for (int k = 0; k < countDa; ++k) {
             MlPoint &point = list[static_cast<std::size_t>(lCount++)];
             point.R = grid.lowR + i * grid.incR;
             point.Dab = grid.highDab - k * grid.incDa;
-            lines.show(point.R, point.Dab, i + 1 == countR && k + 1 == countDa);
+            if (isDue(progress, i + 1 == countR && k + 1 == countDa)) {
+                line.clear();
+                appendf(line, "Grid point R = %.2f D = %.2f\r", point.R, point.Dab);
+                showLine(progress, line);
+            }
             point.score = scorePattern(scorer, point.Dab, point.R, clear);
         }
     }
-    endProgress(lines.progress);
+    endProgress(progress);
     return 0;
 }
 
@@ -327,29 +313,25 @@ int mapMagToDc(const CouplingRanges &ranges, double coup, double coupErr, double
     return 0;
 }
 
-int getMlDabR(const std::string &inDName, TrelmInfo *trelmInfo, DcInfo *dcInfo, const std::string &atomNameS1,
-              const std::string &atomNameS2, const std::string &outName, const std::string &outScName)
+int getMlDabR(const MagnitudeJob &job, const std::string &outScName)
 {
     // The scores are opened before the table is read.
-    if (isSameFile(inDName, outScName) || isSameFile(outName, outScName))
+    if (isSameFile(job.inDName, outScName) || isSameFile(job.outDName, outScName))
         return complain("getMlDabR: %s is another file of this run: give the scores a name of their own.\n",
                         outScName.c_str());
     OutFile scores;
     if (openOut(scores, outScName, "w") != 0)
         return complain("TRELM Error opening output file %s\n", outScName.c_str());
-    Block<DTable> dTab("dTab", 1);
-    if (!dTab)
-        return complain("Error allocating DC structures.\n");
     Block<MlPoint> list("mlGrid", maxMlPoints);
     if (!list)
         return complain("Error allocating the grid of Da and R.\n");
-    const MagnitudeJob job = {inDName, atomNameS1, atomNameS2, outName, &dTab[0], trelmInfo, dcInfo};
+    HistInfo &histInfo = job.trelmInfo->histInfo;
     ObservedCouplings observed;
     MagnitudeRange best;
     int lCount = 0;
     if (readMlCouplings(job, observed) != 0 ||
-        searchGrid(observed, trelmInfo->histInfo, list.span(), lCount, best) != 0 ||
-        mapTable(dTab[0], best, trelmInfo->histInfo.mlMap != 0) != 0)
+        searchGrid(observed, histInfo, list.span(), lCount, best) != 0 ||
+        mapTable(*job.dTab, best, histInfo.mlMap != 0) != 0)
         return 1;
     return writeResults(job, list.span().first(static_cast<std::size_t>(lCount)), scores);
 }

@@ -5,7 +5,9 @@
 #include "ground/alloc.h"
 #include "ground/trelm.h"
 #include "magnitude/likelihood_score.h"
+#include "magnitude/observed.h"
 
+#include <array>
 #include <span>
 #include <string>
 
@@ -26,7 +28,7 @@ struct MlPoint {
     double score = 0.0;
 };
 
-/// Couplings of a search: count, values and mean error, Hz.
+/// Couplings of a search and their mean error, Hz.
 struct MlCouplings {
     std::span<const float> coup_mat;
     double delta = 0.0;
@@ -65,9 +67,9 @@ int startRanges(CouplingRanges &ranges, const MagnitudeRange &range);
 int mapMagToDc(const CouplingRanges &ranges, double coup, double coupErr, double &coupAve,
                double &coupAveErr);
 
-/// The whole estimate: reads, selects, searches, writes table and scores; results also in the run record. An
-/// empty output name is standard output. Returns 0, or 1 after a message.
-int getMlDabR(const std::string &inDName, TrelmInfo *trelmInfo, DcInfo *dcInfo, const std::string &atomNameS1,
-              const std::string &atomNameS2, const std::string &outName, const std::string &outScName);
+/// The whole estimate: reads, selects, searches, writes table and scores (outScName; empty: standard output);
+/// results also in the run record. The point of the highest score above 0 is the result. Returns 0, or 1
+/// after a message.
+int getMlDabR(const MagnitudeJob &job, const std::string &outScName);
 
 } // namespace trelm

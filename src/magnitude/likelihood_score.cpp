@@ -3,6 +3,7 @@
 #include "support/text.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 
@@ -10,8 +11,9 @@ namespace trelm {
 namespace {
 
 constexpr std::size_t places = axisPlaces;
-constexpr std::size_t lanes = 16;   // sums side by side, so that the compiler can use vectors
-constexpr std::size_t margin = 544; // more than the longest wing and the padding of the taps
+constexpr std::size_t lanes = 16;     // sums side by side, so that the compiler can use vectors
+constexpr std::size_t margin = 544;   // more than the longest wing and the padding of the taps
+constexpr double placesPerHz = 100.0; // not 1 / axisStep, which rounds
 constexpr double halfPi = 1.570795;
 constexpr double fullPi = 3.14159;
 constexpr double besideSingularity = 0.001; // Hz
@@ -104,10 +106,10 @@ int collectPlaces(std::span<const float> couplings, std::vector<ScorePlace> &lis
 {
     std::vector<int> found;
     for (const float coupling : couplings) {
-        const double k = std::floor(static_cast<double>(coupling) * 100.0);
+        const double k = std::floor(static_cast<double>(coupling) * placesPerHz);
         if (!(k >= -axisPlaces && k < axisPlaces))
-            return complain("Error: the coupling %.3f Hz lies outside the frequency axis of 81.92 Hz.\n",
-                            static_cast<double>(coupling));
+            return complain("Error: the coupling %.3f Hz lies outside the frequency axis of %.2f Hz.\n",
+                            static_cast<double>(coupling), axisLength);
         found.push_back(static_cast<int>(k) + (k < 0.0 ? axisPlaces : 0));
     }
     std::ranges::sort(found);

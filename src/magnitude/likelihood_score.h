@@ -1,5 +1,8 @@
-// How well couplings agree with the powder pattern of a tensor: the sum of log10 of the pattern's density,
-// broadened by the mean error, at the couplings.
+// How well couplings agree with the powder pattern of a tensor: the sum, over the couplings, of log10 of 100
+// times the pattern's density per Hz, broadened by the mean error. The factor is that of the sum over places
+// of 0.01 Hz, which leaves the step out. It is the same for all tensors, and decides where a score is 0: a
+// coupling at which the density is below 0.01 per Hz lowers the score, and a tensor of which most couplings
+// are such scores below 0, less than one that does not reach all of them, whose score is 0.
 //
 // The frequency axis has 8192 places of 0.01 Hz and wraps around: 0.00, 0.01, ... from the start, -0.01,
 // -0.02, ... from the end. The pattern is written for a negative Da, its large extreme -2 Da is positive.
@@ -10,14 +13,14 @@
 #include "ground/alloc.h"
 #include "support/symmetric_filter.h"
 
-#include <array>
 #include <span>
 #include <vector>
 
 namespace trelm {
 
-constexpr int axisPlaces = 8192;         ///< places of the frequency axis
-constexpr double axisStep = 0.01;        ///< Hz
+constexpr int axisPlaces = 8192;  ///< places of the frequency axis
+constexpr double axisStep = 0.01; ///< Hz
+constexpr double axisLength = axisPlaces * axisStep;
 constexpr double minMeanError = 1e-6;    ///< Hz; densities of a smaller one leave single precision
 constexpr double reachOfResponse = 3.0;  ///< mean errors
 constexpr double maxMeanError = 1.703;   ///< Hz; three times a larger error passes the response's 1023 places

@@ -7,10 +7,12 @@
 #include "magnitude/likelihood_score.h"
 #include "simulation/sphere.h"
 #include "support/output_file.h"
+#include "support/progress.h"
 #include "support/text.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <utility>
 
 namespace trelm {
@@ -41,9 +43,8 @@ int checkSettings(const TrelmInfo &info, const ObservedCouplings &observed)
         return 1;
     if (!(observed.rAveDD > 0.0f))
         return complain("Error: The mean error of the couplings is not above 0.\n");
-    constexpr double axisEnd = axisPlaces * axisStep;
-    if (observed.maxD >= axisEnd || observed.minD <= -axisEnd)
-        return complain("motionHist: a coupling lies outside the frequency axis of %.2f Hz.\n", axisEnd);
+    if (observed.maxD >= axisLength || observed.minD <= -axisLength)
+        return complain("motionHist: a coupling lies outside the frequency axis of %.2f Hz.\n", axisLength);
     return 0;
 }
 
@@ -97,8 +98,8 @@ struct SetBuffers {
     std::vector<float> coupList, sigma, dc;
 };
 
-/// The set's likelihood over that of an even distribution; 0 for a tensor that no pattern has.
-double likelihoodRatio(const Pool &pool, const MotionSet &set, float rAveDD, SetBuffers &buffers)
+/// The set's score over that of an even distribution; 0 for a tensor that no pattern has.
+double scoreRatio(const Pool &pool, const MotionSet &set, float rAveDD, SetBuffers &buffers)
 {
     if (!(set.Dab < 0.0f && isPattern(set.Dab, set.R)))
         return 0.0;
@@ -129,7 +130,7 @@ int drawSet(const Pool &pool, HistInfo &histInfo, int &idum, SetBuffers &buffers
         return complain("trelm: error in histoExtFit.\n");
     set.Dab = histInfo.DaFit > 0.0f ? -histInfo.DaFit : histInfo.DaFit;
     set.R = histInfo.RFit;
-    set.scores[0] = hasPattern ? likelihoodRatio(pool, set, rAveDD, buffers) : 0.0;
+    set.scores[0] = hasPattern ? scoreRatio(pool, set, rAveDD, buffers) : 0.0;
     return 0;
 }
 
@@ -138,15 +139,16 @@ int drawSets(const Pool &pool, TrelmInfo &trelmInfo, std::vector<MotionSet> &set
     int idum = -1;
     SetBuffers buffers;
     sets.resize(static_cast<std::size_t>(trelmInfo.histRan));
-    for (std::size_t i = 0; i < sets.size(); ++i) {
-        std::fprintf(stderr, "REMARK Histogram %zu of %zu\r", i + 1, sets.size());
-        std::fflush(stderr);
-        if (drawSet(pool, trelmInfo.histInfo, idum, buffers, sets[i]) != 0) {
-            std::fputs("\n", stderr);
-            return 1;
-        }
+    Progress progress = startProgress("REMARK Histogram ", trelmInfo.histRan);
+    int status = 0, number = 0;
+    for (auto set = sets.begin(); set != sets.end() && status == 0; ++set) {
+        showProgress(progress, ++number);
+        pauseProgress(progress); // a set may have something to say
+        status = drawSet(pool, trelmInfo.histInfo, idum, buffers, *set);
     }
-    std::fputs("\n", stderr);
+    endProgress(progress);
+    if (status != 0)
+        return status;
     const auto without =
         std::ranges::count_if(sets, [](const MotionSet &set) { return set.scores[0] == 0.0; });
     if (without > 0)
@@ -179,11 +181,40 @@ void writeRanges(const MotionRanges &ranges, OutFile &out)
     writeOut(out, text);
 }
 
-/// The axes of the map by whole steps, so that no rounding adds up.
-struct MapAxes {
-    double firstDab = 0.0, firstR = 0.0;
-    std::int64_t countDab = 0, countR = 0;
+/// The largest scores of the sets in a cell of the map.
+struct Cell {
+    std::array<double, 3> largest = {};
+    bool hasSets = false;
 };
+
+void addSet(const MotionSet &set, Cell &cell)
+{
+    cell.hasSets = true;
+    for (std::size_t list = 0; list < 3; ++list)
+        cell.largest[list] = std::max(cell.largest[list], set.scores[list]);
+}
+
+std::array<int, 3> colourOf(const Cell &cell)
+{
+    std::array<int, 3> colour = {};
+    for (std::size_t list = 0; list < 3; ++list)
+        colour[list] =
+            std::clamp(static_cast<int>(std::ceil(15.0 * std::min(cell.largest[list], 1.0))), 0, 15);
+    if (cell.hasSets)
+        colour[0] = std::max(colour[0], 1);
+    return colour;
+}
+
+/// The cells of an axis that a value may touch, and one more to either side for its rounding: from the first
+/// up to, but without, the second. Values beyond the axis have none.
+std::pair<std::int64_t, std::int64_t> cellsNear(double value, double first, double step, std::int64_t count)
+{
+    const double place = (value - first) / step;
+    if (!(place > -2.0 && place < static_cast<double>(count) + 2.0))
+        return {0, 0};
+    const auto middle = static_cast<std::int64_t>(std::floor(place));
+    return {std::max<std::int64_t>(middle - 1, 0), std::min(middle + 3, count)};
+}
 
 /// Steps from first while at most last. The hair lets a last value that is a step count as one.
 std::int64_t stepsTo(double first, double last, double step)
@@ -212,15 +243,14 @@ int writeMap(std::span<const MotionSet> sets, const MotionRanges &ranges, OutFil
     MapAxes axes;
     if (layAxes(ranges, axes) != 0)
         return 1;
+    ++axes.countDab; // one row of Da more than the range has: plots close with it
     std::string text;
-    // One row of Da more than the range has: plots close with it.
-    for (std::int64_t i = 0; i <= axes.countDab; ++i)
-        for (std::int64_t k = 0; k < axes.countR; ++k) {
-            const double Dab = axes.firstDab + stepDab * static_cast<double>(i);
-            const double R = axes.firstR + stepR * static_cast<double>(k);
-            const auto colour = cellColours(sets, Dab, R);
-            appendf(text, "%.3f  %.3f  %4d  %4d  %4d\n", Dab, R, colour[0], colour[1], colour[2]);
-        }
+    std::int64_t cell = 0;
+    for (const auto &colour : mapColours(sets, axes)) {
+        appendf(text, "%.3f  %.3f  %4d  %4d  %4d\n", axes.dabAt(cell / axes.countR),
+                axes.rAt(cell % axes.countR), colour[0], colour[1], colour[2]);
+        ++cell;
+    }
     writeOut(out, text);
     return 0;
 }
@@ -325,23 +355,33 @@ MotionRanges boundScores(std::span<MotionSet> sets)
     return ranges;
 }
 
-std::array<int, 3> cellColours(std::span<const MotionSet> sets, double Dab, double R)
+double MapAxes::dabAt(std::int64_t i) const
 {
-    std::array<double, 3> largest = {};
-    bool hasSets = false;
+    return firstDab + stepDab * static_cast<double>(i);
+}
+
+double MapAxes::rAt(std::int64_t k) const
+{
+    return firstR + stepR * static_cast<double>(k);
+}
+
+std::vector<std::array<int, 3>> mapColours(std::span<const MotionSet> sets, const MapAxes &axes)
+{
+    std::vector<Cell> cells(static_cast<std::size_t>(axes.countDab * axes.countR));
     for (const MotionSet &set : sets) {
-        if (std::fabs(set.Dab - Dab) > 0.5 * stepDab || std::fabs(set.R - R) > 0.5 * stepR)
-            continue;
-        hasSets = true;
-        for (std::size_t list = 0; list < 3; ++list)
-            largest[list] = std::max(largest[list], set.scores[list]);
+        const auto [iFirst, iBeyond] = cellsNear(set.Dab, axes.firstDab, stepDab, axes.countDab);
+        const auto [kFirst, kBeyond] = cellsNear(set.R, axes.firstR, stepR, axes.countR);
+        for (std::int64_t i = iFirst; i < iBeyond; ++i)
+            for (std::int64_t k = kFirst; k < kBeyond; ++k)
+                if (std::fabs(set.Dab - axes.dabAt(i)) <= 0.5 * stepDab &&
+                    std::fabs(set.R - axes.rAt(k)) <= 0.5 * stepR)
+                    addSet(set, cells[static_cast<std::size_t>(i * axes.countR + k)]);
     }
-    std::array<int, 3> colour = {};
-    for (std::size_t list = 0; list < 3; ++list)
-        colour[list] = std::clamp(static_cast<int>(std::ceil(15.0 * std::min(largest[list], 1.0))), 0, 15);
-    if (hasSets)
-        colour[0] = std::max(colour[0], 1);
-    return colour;
+    std::vector<std::array<int, 3>> colours;
+    colours.reserve(cells.size());
+    for (const Cell &cell : cells)
+        colours.push_back(colourOf(cell));
+    return colours;
 }
 
 int motionHist(const MagnitudeJob &job, const std::string &outScName, const std::string &outColName)
@@ -354,8 +394,6 @@ int motionHist(const MagnitudeJob &job, const std::string &outScName, const std:
     if (readObserved(job) != 0 || collectObserved(*job.dTab, observed) != 0 ||
         checkSettings(*job.trelmInfo, observed) != 0)
         return 1;
-    if (job.dcInfo->aFirst < unsetResID)
-        job.dcInfo->aFirst = job.dcInfo->segFirst;
     Pool pool;
     std::vector<MotionSet> sets;
     if (makePool(job, pool) != 0 || drawSets(pool, *job.trelmInfo, sets) != 0 ||

@@ -18,9 +18,11 @@ constexpr std::int64_t maxCells = 1000000; ///< cells of the map
 
 /// One set of residues.
 struct MotionSet {
-    float Dab = 0.0f, R = 0.0f;        ///< its tensor, Da never above 0, Hz
-    int nDSel = 0;                     ///< its couplings
-    std::array<double, 3> scores = {}; ///< ratio of the likelihoods; mean of first and third; by couplings
+    float Dab = 0.0f, R = 0.0f; ///< its tensor, Da never above 0, Hz
+    int nDSel = 0;              ///< its couplings
+    /// The score of its couplings over that of an even distribution: a quotient of two sums of logarithms,
+    /// not of likelihoods. Then the mean of first and third, and the ratio by the number of couplings.
+    std::array<double, 3> scores = {};
 };
 
 /// What the sets span.
@@ -48,8 +50,16 @@ void weighScores(std::span<MotionSet> sets);
 /// the smallest score in 0 to 1 of its list, over sets with R below 0.6667 (0 if there is none).
 MotionRanges boundScores(std::span<MotionSet> sets);
 
-/// The colours, 0 to 15, of the cell around Da and R: by the largest of each score less its minimum. A cell
-/// with sets has at least 1 as its first colour.
-std::array<int, 3> cellColours(std::span<const MotionSet> sets, double Dab, double R);
+/// The map: cells of 0.2 Hz by 0.02 around whole steps from the first Da and R, so that no rounding adds up.
+struct MapAxes {
+    double firstDab = 0.0, firstR = 0.0;
+    std::int64_t countDab = 0, countR = 0;
+    [[nodiscard]] double dabAt(std::int64_t i) const;
+    [[nodiscard]] double rAt(std::int64_t k) const;
+};
+
+/// The colours, 0 to 15, of each cell, R fastest: by the largest of each score, less its minimum, of the sets
+/// within half a step of the cell's middle. A cell with sets has at least 1 as its first colour.
+std::vector<std::array<int, 3>> mapColours(std::span<const MotionSet> sets, const MapAxes &axes);
 
 } // namespace trelm

@@ -4,7 +4,6 @@
 #include "support/statistics.h"
 #include "support/text.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace trelm {

@@ -8,7 +8,6 @@
 #include "couplings/dipolar.h"
 #include "ground/trelm.h"
 
-#include <cstdio>
 #include <span>
 #include <string>
 #include <vector>
@@ -25,7 +24,8 @@ struct MagnitudeJob {
     DcInfo *dcInfo = nullptr;                           ///< unset limits take those of the table
 };
 
-/// Couplings times their weights, Hz.
+/// Couplings times their weights, Hz. A row of weight 0 is one, too: a coupling of 0 Hz with the error 0,
+/// which lowers the mean error.
 struct ObservedCouplings {
     std::vector<float> coupList, sigma; ///< couplings and their errors, in the order of the table
     float minD = 0.0f, maxD = 0.0f;     ///< the extremes; 0 without a coupling

@@ -6,7 +6,6 @@
 #include "support/text.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdio>
 #include <limits>
@@ -104,22 +103,31 @@ int checkSimulation(const TrelmInfo &trelmInfo)
     return 0;
 }
 
-float centreAtoms(const CoordinateBuffers &atoms)
+float singleMean(std::span<const double> column)
 {
-    const std::array<std::span<double>, 3> columns = {atoms.x, atoms.y, atoms.z};
-    for (const std::span<double> column : columns) {
-        float sum = 0.0f;
-        for (const double value : column)
-            sum = static_cast<float>(static_cast<double>(sum) + value);
-        const float mean = sum / static_cast<float>(column.size());
-        for (double &value : column)
-            value -= static_cast<double>(mean);
-    }
+    float sum = 0.0f;
+    for (const double value : column)
+        sum = static_cast<float>(static_cast<double>(sum) + value);
+    return sum / static_cast<float>(column.size());
+}
+
+float largestDistance(const CoordinateBuffers &atoms)
+{
     float largest = 0.0f;
     for (std::size_t i = 0; i < atoms.x.size(); ++i)
         largest = std::max(largest, static_cast<float>(atoms.x[i] * atoms.x[i] + atoms.y[i] * atoms.y[i] +
                                                        atoms.z[i] * atoms.z[i]));
     return std::sqrt(largest);
+}
+
+float centreAtoms(const CoordinateBuffers &atoms)
+{
+    for (const std::span<double> column : {atoms.x, atoms.y, atoms.z}) {
+        const auto mean = static_cast<double>(singleMean(column));
+        for (double &value : column)
+            value -= mean;
+    }
+    return largestDistance(atoms);
 }
 
 int runSteric(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, float distance,
@@ -128,13 +136,13 @@ int runSteric(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, float 
     StericSetup setup;
     setup.lcType = trelmInfo.lcType;
     setup.stepOutLength = static_cast<double>(trelmInfo.rSingleCell);
-    setup.max_obstruction = static_cast<double>(trelmInfo.radiusModel);
+    setup.grid.max_obstruction = static_cast<double>(trelmInfo.radiusModel);
     setup.radius = static_cast<double>(trelmInfo.radiusAtom);
-    setup.gridSpacing = static_cast<double>(trelmInfo.gridSpacing);
+    setup.grid.gridSpacing = static_cast<double>(trelmInfo.gridSpacing);
     setup.wvAmount = static_cast<double>(trelmInfo.concentration);
     // The grid starts with the solute's centre on the obstacle's surface, however far its nearest atom is.
-    setup.max_protein_length = static_cast<double>(distance) + setup.radius;
-    setup.min_protein_length = setup.radius;
+    setup.grid.max_protein_length = static_cast<double>(distance) + setup.radius;
+    setup.grid.min_protein_length = setup.radius;
     setup.digit_psi = trelmInfo.digPsiNSC;
     return stericAlignment(setup, {atoms.x, atoms.y, atoms.z}, ddots, saupe);
 }

@@ -23,8 +23,14 @@ int checkSample(const TrelmInfo &trelmInfo);
 /// many orientation points. Returns 0, or 1 after one line that names the option.
 int checkSimulation(const TrelmInfo &trelmInfo);
 
-/// Moves coordinates to their geometric centre, which is summed in single precision. Returns the largest
-/// distance from it, angstrom.
+/// The mean of one coordinate, summed in single precision.
+float singleMean(std::span<const double> column);
+
+/// The largest distance from the origin, angstrom.
+float largestDistance(const CoordinateBuffers &atoms);
+
+/// Moves coordinates to their geometric centre, of which each is a singleMean. Returns the largest distance
+/// from it, angstrom.
 float centreAtoms(const CoordinateBuffers &atoms);
 
 /// The steric simulation of centred atoms with the parameters of a run. As stericAlignment.

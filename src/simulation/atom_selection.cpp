@@ -2,10 +2,10 @@
 
 #include "simulation/dipole.h"
 #include "simulation/surface.h"
+#include "structure/select.h"
 #include "support/text.h"
 
 #include <algorithm>
-#include <array>
 
 namespace trelm {
 namespace {
@@ -50,7 +50,7 @@ int findExposed(const Spheres &spheres, std::vector<bool> &isExposed)
 {
     Surface surface;
     if (nsc_dclm(spheres.co.span().first(3 * spheres.count), spheres.radius.span().first(spheres.count),
-                 surfaceDensity, surfaceVolume | surfaceAtomAreas, surface) != 0)
+                 surfaceDensity, surfaceAtomAreas, surface) != 0)
         return complain("NSC: error.\n");
     isExposed.resize(spheres.count);
     for (std::size_t k = 0; k < spheres.count; ++k) {
@@ -154,6 +154,35 @@ int chCoorSelect(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const CoordinateB
         if (atom.selected != 0)
             storeAtom(atoms, static_cast<std::size_t>(chAtomSelCount++), atom);
     return 0;
+}
+
+int makeSelectionBuffers(const char *tag, const PDBInfo &pdbInfo, SelectionBuffers &buffers)
+{
+    const std::size_t places = static_cast<std::size_t>(pdbInfo.atomCount) + maxCharges + 1;
+    for (Block<double> *column : {&buffers.x, &buffers.y, &buffers.z})
+        *column = Block<double>(tag, places);
+    buffers.chargeAtomID = Block<int>(tag, maxCharges + 1);
+    buffers.charges = Block<float>(tag, maxCharges + 1);
+    buffers.marks = selectionMarks(pdbInfo);
+    const bool isMade = buffers.x && buffers.y && buffers.z && buffers.chargeAtomID && buffers.charges;
+    return isMade ? 0 : complain("Error allocating coord buffers.\n");
+}
+
+int selectSolute(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const ChargeSet &original,
+                 SelectionBuffers &buffers, int verb, Chosen &chosen)
+{
+    restoreMarks(pdbInfo, buffers.marks);
+    chosen.charges = original;
+    std::ranges::copy(original.chargeAtomID, buffers.chargeAtomID.data());
+    std::ranges::copy(original.charges, buffers.charges.data());
+    chosen.charges.chargeAtomID = buffers.chargeAtomID.span();
+    chosen.charges.charges = buffers.charges.span();
+    const CoordinateBuffers places = {buffers.x.span(), buffers.y.span(), buffers.z.span()};
+    int atomSelCount = 0;
+    const int status = chCoorSelect(pdbInfo, trelmInfo, places, chosen.charges, verb, atomSelCount);
+    const auto count = static_cast<std::size_t>(atomSelCount);
+    chosen.atoms = {places.x.first(count), places.y.first(count), places.z.first(count)};
+    return status;
 }
 
 } // namespace trelm

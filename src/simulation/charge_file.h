@@ -27,16 +27,18 @@ struct ChargeLines {
 /// one would double the charges of the chains when the file is read.
 void addLine(ChargeLines &lines, int resID, std::string_view name, float charge);
 
-/// The lowest and highest residue number of a pKa file, as they are for a file without lines.
+/// The residue numbers that the report of a pKa file shows: the lowest of its lines, 999 at most, and the
+/// highest, -1 at least. The model numbers residues within these limits; a file with others only above 999
+/// is reported from 999 on, and one without lines as 999 to -1.
 struct ResidueRange {
     int first = 999, last = -1;
 };
 
-/// Reads a pKa file: on each line a residue number, "pKa" (else the value is a
-/// charge), an atom name, "default" or "terminus", and the value; the second and third field may be
-/// exchanged, as they are in the lines that are written. Places the charges at `pH` and appends them to
-/// `lines`, atom by atom. A line that finds no atom warns. Returns 0, or 1 after a message for a file or line
-/// that cannot be read or too many charges or lines.
+/// Reads a pKa file: on each line a residue number, "pKa" (else the value is a charge), an atom name,
+/// "default" or "terminus", and the value; the second and third field may be exchanged, as they are in the
+/// lines that are written. Places the charges at `pH` and appends them to `lines`, atom by atom. A line that
+/// finds no atom warns. Returns 0, or 1 after a message for a file or line that cannot be read or too many
+/// charges or lines.
 int readChargeFile(const std::string &name, const PDBInfo &pdbInfo, float pH, ChargeSet &set,
                    ChargeLines &lines, ResidueRange &range);
 

@@ -5,7 +5,6 @@
 #include "support/output_file.h"
 #include "support/text.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <unordered_map>

@@ -8,7 +8,7 @@ namespace {
 
 constexpr double debye = 4.8; ///< one e times angstrom
 
-/// Adds what each charge takes for to a centre.
+/// The sum of the charges' places, each times its weight.
 template <class Weight>
 std::array<float, 3> weightedCentre(const ChargePlaces &places, Weight weight)
 {
@@ -23,6 +23,8 @@ std::array<float, 3> weightedCentre(const ChargePlaces &places, Weight weight)
     return centre;
 }
 
+/// The direction n, n x (1, 0, s), and (1, 0, s) with s = -nx / nz, in columns. The products with 0 are those
+/// of the y of the third column.
 Matrix3d dipoleAxes(const std::array<float, 3> &direction)
 {
     const auto x = static_cast<double>(direction[0]), y = static_cast<double>(direction[1]),

@@ -15,7 +15,9 @@ struct Dipole {
     std::array<float, 3> avePos = {};      ///< centre of the positive charges
     std::array<float, 3> aveNeg = {};      ///< centre of the negative charges
     std::array<float, 2> chargeDipol = {}; ///< total positive, total negative charge, e
-    Matrix3d dipoleVec = {}; ///< columns: the direction, and two at right angles, not normalised
+    /// Columns: the direction, and two at right angles to it, not normalised. These two are no numbers where
+    /// the direction has no z, and none at all where there is no dipole: the caller has to look.
+    Matrix3d dipoleVec = {};
 };
 
 /// Places of charges, views of equal length.

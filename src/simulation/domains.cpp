@@ -9,7 +9,6 @@
 #include "support/text.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdio>
 
@@ -152,17 +151,13 @@ int positionDomain(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, int resN, int r
 int selectSurfDom(PDBInfo *pdbInfo, int resN, int resC, std::vector<std::size_t> &indI,
                   std::vector<std::size_t> &indJ)
 {
-    std::vector<int> marks;
-    marks.reserve(pdbInfo->atoms().size());
-    for (const AtomInfo &atom : pdbInfo->atoms())
-        marks.push_back(atom.selected);
+    const std::vector<int> marks = selectionMarks(*pdbInfo);
     const auto isInDomain = [=](const AtomInfo &atom) { return isInRange(atom, resN, resC); };
     int status = exposedBackbone(pdbInfo, isInDomain, indI);
     if (status == 0)
         status = exposedBackbone(
             pdbInfo, [&](const AtomInfo &atom) { return !isInDomain(atom); }, indJ);
-    for (std::size_t i = 0; i < marks.size(); ++i)
-        pdbInfo->atomList[i].selected = marks[i];
+    restoreMarks(pdbInfo, marks);
     return status;
 }
 

@@ -14,7 +14,8 @@ namespace trelm {
 
 /// Moves the mean of the residues of angle definition 1, hydrogens left out, to the origin, turns the
 /// molecule onto the axes of their second moments (initOrientFlag), puts domain 2 in place (angleDomFlag),
-/// and moves the CA of resDom1Origin to the origin. Returns 0, or 1 after a message.
+/// and moves the CA of resDom1Origin to the origin. Returns 0, or 1 after a message; residues without axes
+/// fail also where nothing is turned onto them.
 int initOrient(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo);
 
 /// Turns residues resN to resC by angleDom about the CA of residue origin2, then moves the CA of origin1 to

@@ -1,10 +1,10 @@
 #include "simulation/electrostatic.h"
 
 #include "simulation/field_energy.h"
+#include "simulation/position_grid.h"
 #include "simulation/rod.h"
 #include "simulation/steric.h"
 #include "simulation/wall.h"
-#include "support/progress.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -15,59 +15,20 @@
 namespace trelm {
 namespace {
 
-constexpr double mostSteps = 1e8;   ///< from one rod to the next
-constexpr double rodDensity = 1.46; ///< of the rods' material, g/ml
+constexpr const char *tag = "sma";
+constexpr double mostSteps = 1e6; ///< from one rod to the next; their sum is rounded at each
 
 double number(float value)
 {
     return static_cast<double>(value);
 }
 
-void warnShortGrid()
+GridSetup gridSetup(const TrelmInfo &trelmInfo, const SmaSetup &setup)
 {
-    std::fputs("WARNING: concentration too low - magnitude of alignment tensor incorrect\n", stderr);
-}
-
-/// The distances of the solute's centre from the obstacle's middle plane or axis.
-struct Grid {
-    std::vector<float> grid_el;
-    int t_pts = 0;        ///< last position at which the obstacle can be touched
-    bool isShort = false; ///< the table ended before the molecule did, and that was told
-
-    [[nodiscard]] int lengthGrid() const { return static_cast<int>(grid_el.size()) - 1; }
-    [[nodiscard]] double last() const { return static_cast<double>(grid_el.back()); }
-};
-
-Grid clashGrid(const TrelmInfo &trelmInfo, const SmaSetup &setup)
-{
-    Grid grid;
-    const double spacing = number(trelmInfo.gridSpacing);
-    const double offset = setup.min_protein_length + number(trelmInfo.radiusModel);
-    const double steps = std::trunc((setup.max_protein_length - setup.min_protein_length) / spacing);
-    grid.isShort = steps > maxGridPositions - 1;
-    if (grid.isShort)
-        warnShortGrid();
-    grid.t_pts = static_cast<int>(std::min(steps, maxGridPositions - 1.0));
-    for (int i = 0; i <= grid.t_pts; ++i)
-        grid.grid_el.push_back(static_cast<float>(i * spacing + offset));
-    return grid;
-}
-
-/// Adds positions behind the last that the obstacle reaches, while more(distance) says so. Returns false,
-/// after the warning, where the table is full.
-template <class More>
-bool extendGrid(Grid &grid, double spacing, More more)
-{
-    const double start = static_cast<double>(grid.grid_el[static_cast<std::size_t>(grid.t_pts)]);
-    for (int j = 1; more(grid.last(), start + j * spacing); ++j) {
-        if (grid.t_pts + j >= maxGridPositions) {
-            if (!grid.isShort)
-                warnShortGrid();
-            return false;
-        }
-        grid.grid_el.push_back(static_cast<float>(start + j * spacing));
-    }
-    return true;
+    return {.gridSpacing = number(trelmInfo.gridSpacing),
+            .max_obstruction = number(trelmInfo.radiusModel),
+            .max_protein_length = setup.max_protein_length,
+            .min_protein_length = setup.min_protein_length};
 }
 
 void scalePotential(const ElInfo &elInfo, Potential &potential)
@@ -79,45 +40,16 @@ void scalePotential(const ElInfo &elInfo, Potential &potential)
     }
 }
 
-void reportGrid(const TrelmInfo &trelmInfo, const SmaSetup &setup, const Grid &grid)
+void reportGrid(const TrelmInfo &trelmInfo, const SmaSetup &setup, const PositionGrid &grid)
 {
     std::printf("REMARK Minimum molecule dimension %.3f [A].\n", setup.min_protein_length);
     std::printf("REMARK Maximum molecule dimension %.3f [A].\n", setup.max_protein_length);
     if (trelmInfo.elInfo.kAtt != 0.0f)
         std::printf("REMARK trelmInfo->elInfo.kAtt = %.3f [A].\n", number(trelmInfo.elInfo.kAtt));
     std::printf("@@@ offset_grid = %.3f [A]  t_pts = %d.\n",
-                setup.min_protein_length + number(trelmInfo.radiusModel), grid.t_pts);
-    std::printf("@@@ REMARK grid_el[0] = %.3f [A].\n", number(grid.grid_el.front()));
-    std::printf("@@@ REMARK grid_el[%d] = %.3f [A].\n", grid.t_pts, grid.last());
-}
-
-/// Calls visit(turn) for each orientation, with progress lines.
-template <class Visit>
-void forEachTurnShown(const OrientationSet &set, Visit visit)
-{
-    Progress progress = startProgress("REMARK Orientation ", set.count());
-    int done = 0;
-    forEachTurn(set, [&](const Turn &turn) {
-        showProgress(progress, ++done);
-        visit(turn);
-    });
-    endProgress(progress);
-}
-
-void addWeighted(Saupe &sum, const Saupe &saupe, double weight)
-{
-    for (std::size_t k = 0; k < sum.size(); ++k)
-        sum[k] += saupe[k] * weight;
-}
-
-/// From sums to averages. Returns 0, or 1 after a message if the weights have no sum to divide by.
-int divideByWeights(Saupe &saupe, double total)
-{
-    if (!(total > 0.0) || !std::isfinite(total))
-        return complain("sma: the sum of the weights, %g, is no positive number.\n", total);
-    for (double &element : saupe)
-        element /= total;
-    return 0;
+                setup.min_protein_length + number(trelmInfo.radiusModel), grid.grid_el);
+    std::printf("@@@ REMARK grid_el[0] = %.3f [A].\n", number(grid.positionDist[0]));
+    std::printf("@@@ REMARK grid_el[%d] = %.3f [A].\n", grid.grid_el, grid.lastDist());
 }
 
 /// What all roads of a charged molecule share.
@@ -128,12 +60,13 @@ struct Charged {
     OrientationSet set;
 };
 
-int simulateWall(const Charged &charged, Grid &grid, Saupe &saupe)
+int simulateWall(const Charged &charged, PositionGrid &grid, Saupe &saupe)
 {
     const TrelmInfo &info = charged.trelmInfo;
     const double spacing = number(info.gridSpacing), cell = number(info.rSingleCell);
     const double limit = std::min(cell, info.elInfo.cutoffPot);
-    extendGrid(grid, spacing, [limit](double last, double) { return last <= limit; });
+    if (!extendPositions(grid, spacing, [limit](double last, double) { return last <= limit; }))
+        warnShortGrid(grid);
     if (info.elInfo.chFlag != 0)
         reportField(charged.field);
 
@@ -142,22 +75,23 @@ int simulateWall(const Charged &charged, Grid &grid, Saupe &saupe)
     energy.field = charged.field;
     energy.radiusModel = number(info.radiusModel);
     const float reach = info.radiusModel + info.radiusAtom;
-    const auto touchable = grid.grid_el.begin() + grid.t_pts + 1;
+    const auto positions = grid.positions();
+    const auto touchable = grid.touchable();
     double total = 0.0;
     forEachTurnShown(charged.set, [&](const Turn &turn) {
         const float nearest = nearestToWall(kernel, turn.column1);
-        const auto free = std::partition_point(grid.grid_el.begin(), touchable,
-                                               [&](float distance) { return nearest + distance <= reach; });
+        const auto free = std::ranges::partition_point(
+            touchable, [&](float distance) { return nearest + distance <= reach; });
         turnCharges(energy, charged.placed, turn.column1);
         double weight = 0.0;
-        for (auto position = free; position != grid.grid_el.end(); ++position)
-            weight += std::exp(-energyAt(energy, *position));
+        for (const float distance : positions.subspan(static_cast<std::size_t>(free - touchable.begin())))
+            weight += std::exp(-energyAt(energy, distance));
         addWeighted(saupe, turn.saupe, weight);
         total += weight;
     });
     if (cell - info.elInfo.cutoffPot > 0.0)
         total += (cell - info.elInfo.cutoffPot) * charged.set.count() / spacing;
-    return divideByWeights(saupe, total);
+    return divideByWeights(tag, total, saupe);
 }
 
 /// Sums over the orientations at each position of a rod.
@@ -173,27 +107,29 @@ struct RodSums {
 };
 
 /// Extends the grid as far as the potential reaches, and tells how far that is.
-void extendRodGrid(const Charged &charged, double beta, Grid &grid)
+void extendRodGrid(const Charged &charged, double beta, PositionGrid &grid)
 {
     const TrelmInfo &info = charged.trelmInfo;
     const double radius = number(info.radiusModel), cutoff = info.elInfo.cutoffPot;
     const auto isBelow = [&](double distance) {
         return std::fabs(surfacePotential(charged.field, distance - radius)) < cutoff;
     };
-    if (isBelow(grid.last()))
+    if (isBelow(grid.lastDist()))
         std::fprintf(stderr,
                      "Warning: Potential drops within clash region to below %e!\n"
                      "         ---> Magnitude of alignment tensor wrong!\n",
                      cutoff);
     bool isFound = false;
-    extendGrid(grid, number(info.gridSpacing), [&](double last, double next) {
+    const auto reachesOn = [&](double last, double next) {
         isFound = last <= beta && isBelow(next);
         return last <= beta && !isFound;
-    });
+    };
+    if (!extendPositions(grid, number(info.gridSpacing), reachesOn))
+        warnShortGrid(grid);
     std::fprintf(stderr, "REMARK Value of potential at cutoff: %e\n",
-                 surfacePotential(charged.field, grid.last() - radius));
-    std::fprintf(stderr, "REMARK # of translational points for EL: %d\n", grid.lengthGrid());
-    std::fprintf(stderr, "REMARK Maximum distance: %e\n", grid.last());
+                 surfacePotential(charged.field, grid.lastDist() - radius));
+    std::fprintf(stderr, "REMARK # of translational points for EL: %d\n", grid.last);
+    std::fprintf(stderr, "REMARK Maximum distance: %e\n", grid.lastDist());
     if (!isFound)
         std::fprintf(stderr,
                      "Warning: Potentials between neighbouring cells overlapping, cutoff %e!\n"
@@ -201,7 +137,7 @@ void extendRodGrid(const Charged &charged, double beta, Grid &grid)
                      cutoff);
 }
 
-void reportRod(const Charged &charged, double end_dist, double beta, const Grid &grid)
+void reportRod(const Charged &charged, double end_dist, double beta, const PositionGrid &grid)
 {
     const TrelmInfo &info = charged.trelmInfo;
     std::printf("@@ trelmInfo->elInfo.cutoffPot: %e\n", info.elInfo.cutoffPot);
@@ -210,18 +146,17 @@ void reportRod(const Charged &charged, double end_dist, double beta, const Grid 
     std::printf("@@ density: %f\n", rodDensity);
     std::printf("@@ end_dist: %f\n", end_dist);
     std::printf("@@ beta: %f\n", beta);
-    std::printf("@@ no_pt_ph: %d\n", grid.t_pts);
-    std::printf("@@ lengthGrid: %d\n", grid.lengthGrid());
+    std::printf("@@ no_pt_ph: %d\n", grid.grid_el);
+    std::printf("@@ lengthGrid: %d\n", grid.last);
     std::printf("digPsi = %d    dots = %d   inc_psi = %.1f\n", info.digPsiNSC,
                 static_cast<int>(charged.set.dots.size() / 3), 360.0 / info.digPsiNSC);
 }
 
-void sumBesideRod(const Charged &charged, const Grid &grid, RodEnergy &energy, RodSums &sums)
+void sumBesideRod(const Charged &charged, const PositionGrid &grid, RodEnergy &energy, RodSums &sums)
 {
     const TrelmInfo &info = charged.trelmInfo;
-    RodKernel kernel = makeRodKernel(charged.placed.atoms,
-                                     std::span(grid.grid_el).first(static_cast<std::size_t>(grid.t_pts) + 1),
-                                     number(info.radiusModel), number(info.radiusAtom));
+    RodKernel kernel = makeRodKernel(charged.placed.atoms, grid.touchable(), number(info.radiusModel),
+                                     number(info.radiusAtom));
     std::vector<Interval> blocked;
     const auto addPositions = [&](const Turn &turn, int from, int to) {
         const auto first = static_cast<std::size_t>(from), beyond = static_cast<std::size_t>(to);
@@ -244,38 +179,37 @@ void sumBesideRod(const Charged &charged, const Grid &grid, RodEnergy &energy, R
             addPositions(turn, free, interval.first);
             free = interval.last + 1;
         }
-        addPositions(turn, free, grid.lengthGrid() + 1);
+        addPositions(turn, free, grid.last + 1);
     });
 }
 
 /// Distances in bins of at least 5 angstrom, each from `first` up to the next one's first.
-std::vector<std::size_t> binStarts(const Grid &grid)
+std::vector<std::size_t> binStarts(std::span<const float> distances)
 {
     constexpr float width = 5.0f;
     std::vector<std::size_t> starts = {0};
-    for (std::size_t i = 1; i < grid.grid_el.size(); ++i)
-        if (grid.grid_el[i] - grid.grid_el[starts.back()] >= width)
+    for (std::size_t i = 1; i < distances.size(); ++i)
+        if (distances[i] - distances[starts.back()] >= width)
             starts.push_back(i);
     return starts;
 }
 
 /// What each range of distances adds to the weights and to the order.
-void reportBins(const Grid &grid, const RodSums &sums, double radius, float total_ph, const Saupe &saupe)
+void reportBins(std::span<const float> distances, const RodSums &sums, double radius, float total_ph,
+                const Saupe &saupe)
 {
-    const std::vector<std::size_t> starts = binStarts(grid);
+    const std::vector<std::size_t> starts = binStarts(distances);
     struct Bin {
         double from, to, share;
         Saupe sum;
     };
     std::vector<Bin> bins;
     for (std::size_t b = 0; b < starts.size(); ++b) {
-        const std::size_t beyond = b + 1 < starts.size() ? starts[b + 1] : grid.grid_el.size();
-        Bin bin{number(grid.grid_el[starts[b]]),
-                number(grid.grid_el[std::min(beyond, grid.grid_el.size() - 1)]),
-                0.0,
-                {}};
+        const std::size_t beyond = b + 1 < starts.size() ? starts[b + 1] : distances.size();
+        Bin bin{
+            number(distances[starts[b]]), number(distances[std::min(beyond, distances.size() - 1)]), 0.0, {}};
         for (std::size_t i = starts[b]; i < beyond; ++i) {
-            const double ring = number(grid.grid_el[i]) / radius;
+            const double ring = number(distances[i]) / radius;
             bin.share += sums.total[i] * ring / number(total_ph);
             addWeighted(bin.sum, sums.saupe_dis[i], ring);
         }
@@ -295,12 +229,13 @@ void reportBins(const Grid &grid, const RodSums &sums, double radius, float tota
 }
 
 /// The weights of the grid with the growth of the rings; prints how they spread over the distances.
-float reportWeights(const Grid &grid, const RodSums &sums, double radius, const Saupe &saupe)
+float reportWeights(const PositionGrid &grid, const RodSums &sums, double radius, const Saupe &saupe)
 {
+    const std::span<const float> distances = grid.positions();
     float total_ph = 0.0f;
     double test = 0.0, p = 0.0;
-    for (std::size_t i = 0; i < grid.grid_el.size(); ++i) {
-        total_ph = static_cast<float>(number(total_ph) + sums.total[i] * number(grid.grid_el[i]) / radius);
+    for (std::size_t i = 0; i < distances.size(); ++i) {
+        total_ph = static_cast<float>(number(total_ph) + sums.total[i] * number(distances[i]) / radius);
         if (sums.pCount[i] == 0)
             continue;
         test += sums.total[i] / sums.pCount[i];
@@ -308,10 +243,9 @@ float reportWeights(const Grid &grid, const RodSums &sums, double radius, const 
     }
     std::printf("total_ph: %e    test: %e    p: %e  ln(p): %e\n", number(total_ph), test, p,
                 p < 0.0 ? std::nan("") : std::log(p));
-    std::printf("grid_el[0] = %.1f   grid_el[lengthGrid %d] = %.1f   d = %.1f\n",
-                number(grid.grid_el.front()), grid.lengthGrid(), grid.last(),
-                grid.last() - number(grid.grid_el.front()));
-    reportBins(grid, sums, radius, total_ph, saupe);
+    std::printf("grid_el[0] = %.1f   grid_el[lengthGrid %d] = %.1f   d = %.1f\n", number(distances.front()),
+                grid.last, grid.lastDist(), grid.lastDist() - number(distances.front()));
+    reportBins(distances, sums, radius, total_ph, saupe);
     return total_ph;
 }
 
@@ -326,7 +260,7 @@ void tellBeyond(bool isBeyond, Potential &potential)
                  : "REMARK Charges beyond the distances of the potential table feel no potential.\n");
 }
 
-int simulateRod(const Charged &charged, Grid &grid, Potential &potential, Saupe &saupe)
+int simulateRod(const Charged &charged, PositionGrid &grid, Potential &potential, Saupe &saupe)
 {
     const TrelmInfo &info = charged.trelmInfo;
     const double radius = number(info.radiusModel), spacing = number(info.gridSpacing);
@@ -339,19 +273,20 @@ int simulateRod(const Charged &charged, Grid &grid, Potential &potential, Saupe 
     extendRodGrid(charged, beta, grid);
     reportRod(charged, end_dist, beta, grid);
 
-    RodSums sums(grid.grid_el.size());
-    RodEnergy energy = makeRodEnergy(potential, radius, grid.grid_el);
+    const std::span<const float> distances = grid.positions();
+    RodSums sums(distances.size());
+    RodEnergy energy = makeRodEnergy(potential, radius, distances);
     sumBesideRod(charged, grid, energy, sums);
     tellBeyond(energy.isBeyond, potential);
-    for (std::size_t i = 0; i < grid.grid_el.size(); ++i)
-        addWeighted(saupe, sums.saupe_dis[i], number(grid.grid_el[i]) / radius);
+    for (std::size_t i = 0; i < distances.size(); ++i)
+        addWeighted(saupe, sums.saupe_dis[i], number(distances[i]) / radius);
     float total_ph = reportWeights(grid, sums, radius, saupe);
-    double v = grid.last() + spacing; // the free rest, up to the next rod
+    double v = grid.lastDist() + spacing; // the free rest, up to the next rod, rounded as the rest is
     while (v <= beta) {
         total_ph = static_cast<float>(number(total_ph) + v / radius * charged.set.count());
         v += spacing;
     }
-    return divideByWeights(saupe, number(total_ph));
+    return divideByWeights(tag, number(total_ph), saupe);
 }
 
 } // namespace
@@ -382,7 +317,11 @@ int sma(const TrelmInfo &trelmInfo, const Coordinates &atoms, std::span<const do
                           makeOrientationSet(dots, trelmInfo.digPsiNSC)};
     reportSetBias(charged.set, "");
     scalePotential(trelmInfo.elInfo, potential);
-    Grid grid = clashGrid(trelmInfo, setup);
+    PositionGrid grid;
+    if (!layPositions(tag, gridSetup(trelmInfo, setup), grid)) {
+        nrerror("allocation failure for grid_el");
+        return 1;
+    }
     reportGrid(trelmInfo, setup, grid);
     return trelmInfo.lcType == lcWall ? simulateWall(charged, grid, saupe)
                                       : simulateRod(charged, grid, potential, saupe);

@@ -13,7 +13,6 @@
 #include "support/text_input.h"
 #include "support/token.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <string_view>
@@ -22,7 +21,10 @@
 namespace trelm {
 namespace {
 
+// Three precisions on purpose: the limits of the cone decide whether a direction on their rim is a state.
 constexpr double pi = 3.14159265;
+constexpr double quarterTurn = 1.570796325;
+constexpr double coneHalfTurn = 3.1415927;
 constexpr int tensorSimulated = 6; ///< tensorMode: the Saupe vector is given
 constexpr int outStates = 3;       ///< outEflag: the states are listed, not simulated
 constexpr Axis unitZ = {0.0, 0.0, 1.0};
@@ -74,6 +76,7 @@ int appendStates(const GridInfo &gridInfo, const Direction &direction, Monitors 
     for (int g = 0; g < gridInfo.digPsiE; ++g) {
         const double gamma = radians(g * (360.0 / gridInfo.digPsiE));
         const Axis v = rotate_vector(direction.beta, direction.alpha, gamma, unitZ);
+        // |y| of the tip but for the rounding, which decides at the limit.
         const double sideways =
             std::abs(std::sin(std::atan2(v[1], v[0])) * std::sqrt(v[1] * v[1] + v[0] * v[0]));
         if (sideways > static_cast<double>(gridInfo.errAlphaCone))
@@ -107,9 +110,9 @@ int generateStates(const GridInfo &gridInfo, Monitors &monitors, Ensemble &ensem
     for (std::size_t i = 0; i + 2 < dots.size(); i += 3) {
         const double x = dots[i], y = dots[i + 1], z = dots[i + 2];
         const Direction direction = {std::atan2(y, x),
-                                     std::abs(1.570796325 - std::atan2(z, std::sqrt(x * x + y * y)))};
-        const auto degrees = static_cast<float>(direction.beta * 180.0 / 3.1415927);
-        if (degrees < gridInfo.lBetaCone || degrees > gridInfo.hBetaCone)
+                                     std::abs(quarterTurn - std::atan2(z, std::sqrt(x * x + y * y)))};
+        const auto beta = static_cast<float>(direction.beta * 180.0 / coneHalfTurn);
+        if (beta < gridInfo.lBetaCone || beta > gridInfo.hBetaCone)
             continue;
         if (appendStates(gridInfo, direction, monitors, ensemble) != 0)
             return 1;
@@ -123,36 +126,13 @@ int generateStates(const GridInfo &gridInfo, Monitors &monitors, Ensemble &ensem
 void centreSingle(const CoordinateBuffers &atoms)
 {
     for (const std::span<double> column : {atoms.x, atoms.y, atoms.z}) {
-        float mean = 0.0f;
-        for (const double value : column)
-            mean = static_cast<float>(static_cast<double>(mean) + value);
-        mean /= static_cast<float>(column.size());
+        const auto mean = static_cast<double>(singleMean(column));
         for (double &value : column)
-            value = static_cast<double>(static_cast<float>(value - static_cast<double>(mean)));
+            value = static_cast<double>(static_cast<float>(value - mean));
     }
 }
 
-float largestDistance(const CoordinateBuffers &atoms)
-{
-    float largest = 0.0f;
-    for (std::size_t i = 0; i < atoms.x.size(); ++i)
-        largest = std::max(largest, static_cast<float>(atoms.x[i] * atoms.x[i] + atoms.y[i] * atoms.y[i] +
-                                                       atoms.z[i] * atoms.z[i]));
-    return std::sqrt(largest);
-}
-
 // ---- the run over all states ----
-
-/// Buffers of an ensemble, asked for once.
-struct Buffers {
-    Block<float> dcAve; ///< sum of the calculated couplings, Hz
-    Block<double> x, y, z;
-    Block<int> chargeAtomID; ///< the charges of a state, which the selection of its atoms renumbers
-    Block<float> charges;
-    std::vector<int> marks;              ///< the selection of the run, which a surface uses up
-    std::vector<std::size_t> indI, indJ; ///< exposed backbone of domain 1 and of the rest
-    [[nodiscard]] explicit operator bool() const { return dcAve && x && y && z && chargeAtomID && charges; }
-};
 
 /// All that the states share.
 struct EnsembleRun {
@@ -161,10 +141,12 @@ struct EnsembleRun {
     TrelmInfo *trelmInfo;
     const EnsembleSetup &setup;
     Saupe &saupeAve;
-    Buffers buffers;
+    Block<float> dcAve; ///< sum of the calculated couplings, Hz
+    SelectionBuffers buffers;
+    std::vector<std::size_t> indI, indJ; ///< exposed backbone of domain 1 and of the rest
     OutFile log;
-    Potential none; ///< the table of a rod where there is none
-    double stateCount = 0.0;
+    Potential none; ///< an ensemble has no table of a rod
+    int stateCount = 0;
     double R = 0.0; ///< of the last state that has one
 };
 
@@ -182,36 +164,21 @@ bool isInUse(const DInfo &calculated)
     return calculated.valid != 0 && calculated.w != 0.0f;
 }
 
-int makeBuffers(EnsembleRun &run)
-{
-    constexpr const char *tag = "ensembleAlignment";
-    Buffers &buffers = run.buffers;
-    const std::size_t coords = static_cast<std::size_t>(run.pdbInfo->atomCount) + maxCharges + 1;
-    buffers.dcAve = Block<float>(tag, static_cast<std::size_t>(run.dTab->dCount) + 1);
-    for (Block<double> *column : {&buffers.x, &buffers.y, &buffers.z})
-        *column = Block<double>(tag, coords);
-    buffers.chargeAtomID = Block<int>(tag, maxCharges + 1);
-    buffers.charges = Block<float>(tag, maxCharges + 1);
-    if (!buffers)
-        return complain("Error allocating coord buffers.\n");
-    buffers.marks.reserve(coords);
-    for (const AtomInfo &atom : run.pdbInfo->atoms())
-        buffers.marks.push_back(atom.selected);
-    return 0;
-}
-
 int startEnsemble(EnsembleRun &run)
 {
     run.saupeAve = {};
-    if (makeBuffers(run) != 0)
+    constexpr const char *tag = "ensembleAlignment";
+    run.dcAve = Block<float>(tag, static_cast<std::size_t>(run.dTab->dCount) + 1);
+    if (!run.dcAve)
+        return complain("Error allocating coord buffers.\n");
+    if (makeSelectionBuffers(tag, *run.pdbInfo, run.buffers) != 0)
         return 1;
     if (openOut(run.log, run.setup.outName, "w") != 0)
         return complain("TRELM Error opening log file for grid search %s\n", run.setup.outName.c_str());
     if (storePDBCoords(run.pdbInfo) != 0)
         return complain("matrix: error in storePDBCoords.\n");
     const GridInfo &gridInfo = run.trelmInfo->gridInfo;
-    if (selectSurfDom(run.pdbInfo, gridInfo.startResDom1, gridInfo.endResDom1, run.buffers.indI,
-                      run.buffers.indJ) != 0)
+    if (selectSurfDom(run.pdbInfo, gridInfo.startResDom1, gridInfo.endResDom1, run.indI, run.indJ) != 0)
         return complain("ensembleAlignment: error in chkDomClash.\n");
     return 0;
 }
@@ -259,8 +226,7 @@ int placeState(EnsembleRun &run, const StateAtWork &state)
 bool endsHere(EnsembleRun &run, const StateAtWork &state)
 {
     const GridInfo &gridInfo = run.trelmInfo->gridInfo;
-    if (gridInfo.clashFlag != 0 &&
-        chkClashDom(*run.pdbInfo, *run.trelmInfo, run.buffers.indI, run.buffers.indJ) != 0) {
+    if (gridInfo.clashFlag != 0 && chkClashDom(*run.pdbInfo, *run.trelmInfo, run.indI, run.indJ) != 0) {
         std::printf("REMARK steric clash of domains in state %d.\n", state.id);
         return true;
     }
@@ -293,28 +259,14 @@ int logPartAngles(EnsembleRun &run)
 /// The order matrix of the state as the molecule stands.
 int simulateState(EnsembleRun &run, StateAtWork &state)
 {
-    Buffers &buffers = run.buffers;
-    for (std::size_t i = 0; i < buffers.marks.size(); ++i)
-        run.pdbInfo->atomList[i].selected = buffers.marks[i];
-    ChargeSet charges = run.setup.charges;
-    std::ranges::copy(charges.chargeAtomID, buffers.chargeAtomID.data());
-    std::ranges::copy(charges.charges, buffers.charges.data());
-    charges.chargeAtomID = buffers.chargeAtomID.span();
-    charges.charges = buffers.charges.span();
-
-    int atomSelCount = 0;
-    int status =
-        chCoorSelect(run.pdbInfo, *run.trelmInfo, {buffers.x.span(), buffers.y.span(), buffers.z.span()},
-                     charges, 1, atomSelCount);
+    Chosen chosen;
+    int status = selectSolute(run.pdbInfo, *run.trelmInfo, run.setup.charges, run.buffers, 1, chosen);
     if (status != 0) {
         complain("Matrix: Error reading selection of atoms.\n");
         return status;
     }
-    const auto count = static_cast<std::size_t>(atomSelCount);
-    const CoordinateBuffers atoms = {buffers.x.span().first(count), buffers.y.span().first(count),
-                                     buffers.z.span().first(count)};
-    Potential &potential = run.setup.potential != nullptr ? *run.setup.potential : run.none;
-    status = simEnsAlignment(*run.trelmInfo, atoms, charges, run.setup.dots, potential, state.saupe);
+    status =
+        simEnsAlignment(*run.trelmInfo, chosen.atoms, chosen.charges, run.setup.dots, run.none, state.saupe);
     if (status != 0)
         complain("Matrix: Error simulating alignment.\n");
     return status;
@@ -335,7 +287,7 @@ int addState(EnsembleRun &run, StateAtWork &state)
         return 1;
     for (std::size_t i = 0; i < run.dTab->calculated().size(); ++i)
         if (isInUse(run.dTab->dCalcList[i]))
-            run.buffers.dcAve[i] += run.dTab->dCalcList[i].d;
+            run.dcAve[i] += run.dTab->dCalcList[i].d;
     return 0;
 }
 
@@ -362,7 +314,7 @@ int runState(EnsembleRun &run, StateAtWork &state)
         status = placeState(run, state);
     if (status != 0)
         return status;
-    run.stateCount += 1.0; // also of a state that clashes: it dilutes the average
+    ++run.stateCount; // also of a state that clashes: it dilutes the average
     if (endsHere(run, state))
         return 0;
     status = logPartAngles(run);
@@ -375,14 +327,13 @@ int runState(EnsembleRun &run, StateAtWork &state)
 
 int finishEnsemble(EnsembleRun &run)
 {
-    if (run.stateCount == 0.0)
+    if (run.stateCount == 0)
         return complain("matrix: zero number of ensemble states.\n");
     for (double &element : run.saupeAve)
         element /= run.stateCount;
     for (std::size_t i = 0; i < run.dTab->calculated().size(); ++i)
         if (isInUse(run.dTab->dCalcList[i]))
-            run.dTab->dCalcList[i].d =
-                static_cast<float>(static_cast<double>(run.buffers.dcAve[i]) / run.stateCount);
+            run.dTab->dCalcList[i].d = static_cast<float>(static_cast<double>(run.dcAve[i]) / run.stateCount);
     if (restorePDBCoords(run.pdbInfo) != 0)
         return complain("matrix: error in storePDBCoords.\n");
     return closeOut(run.log);
@@ -445,7 +396,10 @@ int ensembleAlignment(PDBInfo *pdbInfo, DTable *dTab, TrelmInfo *trelmInfo, cons
                        .trelmInfo = trelmInfo,
                        .setup = setup,
                        .saupeAve = saupeAve,
+                       .dcAve = {},
                        .buffers = {},
+                       .indI = {},
+                       .indJ = {},
                        .log = {},
                        .none = {}};
     if (startEnsemble(run) != 0)

@@ -54,7 +54,6 @@ struct EnsembleSetup {
     std::span<const EnsembleState> states;
     ChargeSet charges;                    ///< as placed; every state works on a copy
     std::span<const double> dots;         ///< of the simulation, three values each, in the caller's buffer
-    Potential *potential = nullptr;       ///< of a rod with charges
     const PDBSelectInfo *sInfo = nullptr; ///< atoms of the PDB files
     const char *remark = nullptr;         ///< of the PDB files; may be null
     std::string outName;                  ///< log; empty: standard output
@@ -64,10 +63,11 @@ struct EnsembleSetup {
 
 /// Simulates each state from the coordinates that the molecule comes with, to which it returns at the end.
 /// States whose domains clash count in the averages with nothing. `saupeAve` gets the average order matrix
-/// with its own sign, the calculated rows of dTab the average couplings; the tensor of dTab is that of the
-/// last state. Writes "rot.pdb" in the current folder, and with outEflag 3, which lists the states without
-/// simulating them, "rotEns.pdb". Returns 0, or non-zero after a message; the coordinates stay as they are
-/// then.
+/// with its own sign, the calculated rows of dTab the average couplings, which are summed in single
+/// precision; the tensor of dTab is that of the last state. Beside a rod there is no potential table, and
+/// charges feel nothing. A state without Da logs the R of the state before it. Writes "rot.pdb" in the
+/// current folder, and with outEflag 3, which lists the states without simulating them, "rotEns.pdb". Returns
+/// 0, or non-zero after a message; the coordinates stay as they are then.
 int ensembleAlignment(PDBInfo *pdbInfo, DTable *dTab, TrelmInfo *trelmInfo, const EnsembleSetup &setup,
                       Saupe &saupeAve);
 

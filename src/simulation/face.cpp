@@ -1,6 +1,6 @@
 #include "simulation/face.h"
 
-#include "ground/alloc.h"
+#include "simulation/alignment.h"
 #include "simulation/charge_labels.h"
 #include "simulation/field.h"
 #include "simulation/steric.h"
@@ -9,16 +9,12 @@
 #include "structure/write.h"
 #include "support/text.h"
 
-#include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdio>
 #include <vector>
 
 namespace trelm {
 namespace {
-
-constexpr const char *tag = "iFacePDB";
 
 double number(float value)
 {
@@ -28,13 +24,10 @@ double number(float value)
 /// A column about its mean, in single precision throughout.
 std::vector<float> centred(std::span<const double> column)
 {
-    float mean = 0.0f;
-    for (const double value : column)
-        mean = static_cast<float>(number(mean) + value);
-    mean /= static_cast<float>(column.size());
+    const double mean = number(singleMean(column));
     std::vector<float> result;
     for (const double value : column)
-        result.push_back(static_cast<float>(value - number(mean)));
+        result.push_back(static_cast<float>(value - mean));
     return result;
 }
 
@@ -54,33 +47,14 @@ struct Obstacle {
         const double radius = number(info.radiusModel);
         if (isWall())
             return surfacePotential(field, number(z) - radius);
+        // surfacePotential but for the decay in single precision, which weights that are compared with older
+        // ones have in their last digits.
         const double distance = std::sqrt(number(z) * number(z) + number(y) * number(y)) - radius;
         const double decay =
             number(field.gamma) * number(static_cast<float>(std::exp(-field.kappa * distance / 10.0)));
         return 2.0 * std::log((1.0 + decay) / (1.0 - decay));
     }
 };
-
-/// Buffers of the two passes.
-struct Buffers {
-    Block<double> x, y, z;
-    Block<int> chargeAtomID;
-    Block<float> charges;
-    std::vector<int> marks;
-    [[nodiscard]] explicit operator bool() const { return x && y && z && chargeAtomID && charges; }
-    [[nodiscard]] CoordinateBuffers places() { return {x.span(), y.span(), z.span()}; }
-};
-
-int makeBuffers(const PDBInfo &pdbInfo, Buffers &buffers)
-{
-    const std::size_t capacity = static_cast<std::size_t>(pdbInfo.atomCount) + maxCharges + 1;
-    for (Block<double> *column : {&buffers.x, &buffers.y, &buffers.z})
-        *column = Block<double>(tag, capacity);
-    buffers.chargeAtomID = Block<int>(tag, maxCharges + 1);
-    buffers.charges = Block<float>(tag, maxCharges + 1);
-    buffers.marks = selectionMarks(pdbInfo);
-    return buffers ? 0 : complain("Error allocating coord buffers.\n");
-}
 
 /// The whole molecule into the frame of the tensor.
 int turnIntoFrame(const EulerLists &euler, PDBInfo *pdbInfo)
@@ -107,34 +81,25 @@ int flip(PDBInfo *pdbInfo)
 }
 
 /// The weight of the molecule as it stands.
-int weighFace(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const ChargeSet &original, Buffers &buffers,
-              Potential &potential, double &prob)
+int weighFace(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const ChargeSet &original,
+              SelectionBuffers &buffers, Potential &potential, double &prob)
 {
-    ChargeSet charges = original; // choosing atoms renumbers them
-    std::ranges::copy(original.chargeAtomID, buffers.chargeAtomID.data());
-    std::ranges::copy(original.charges, buffers.charges.data());
-    charges.chargeAtomID = buffers.chargeAtomID.span();
-    charges.charges = buffers.charges.span();
-    int count = 0;
-    const CoordinateBuffers places = buffers.places();
-    const int status = chCoorSelect(pdbInfo, trelmInfo, places, charges, 0, count);
+    Chosen chosen;
+    const int status = selectSolute(pdbInfo, trelmInfo, original, buffers, 0, chosen);
     restoreMarks(pdbInfo, buffers.marks);
     if (status != 0) {
         complain("trelm: error reading selection of atoms.\n");
         return status;
     }
-    if (count == 0)
-        return complain("trelm: error determining interaction face.\n");
-    const auto used = static_cast<std::size_t>(count);
-    iFace(trelmInfo, {places.x.first(used), places.y.first(used), places.z.first(used)}, charges, potential,
-          prob);
-    // Two weights that are no numbers could not be compared.
-    return !std::isnan(prob) ? 0 : complain("trelm: error determining interaction face.\n");
+    // Without atoms there is no face, and two weights that are no numbers could not be compared.
+    const bool isWeighed =
+        !chosen.atoms.x.empty() && iFace(trelmInfo, chosen.atoms, chosen.charges, potential, prob) == 0;
+    return isWeighed && !std::isnan(prob) ? 0 : complain("trelm: error determining interaction face.\n");
 }
 
 /// Weighs both faces. `isFlipped` tells whether the flipped one is written.
-int weighBothFaces(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const ChargeSet &charges, Buffers &buffers,
-                   Potential &potential, bool &isFlipped)
+int weighBothFaces(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const ChargeSet &charges,
+                   SelectionBuffers &buffers, Potential &potential, bool &isFlipped)
 {
     double initial = 0.0, rotated = 0.0;
     int status = weighFace(pdbInfo, trelmInfo, charges, buffers, potential, initial);
@@ -201,8 +166,8 @@ int iFace(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, const Char
 int iFacePDB(const EulerLists &euler, PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const FaceOutput &output,
              Potential &potential, const ChargeSet &charges)
 {
-    Buffers buffers;
-    if (makeBuffers(*pdbInfo, buffers) != 0)
+    SelectionBuffers buffers;
+    if (makeSelectionBuffers("iFacePDB", *pdbInfo, buffers) != 0)
         return 1;
     if (storePDBCoords(pdbInfo) != 0)
         return complain("trelm: error in storePDBCoords.\n");

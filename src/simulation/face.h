@@ -14,8 +14,8 @@ namespace trelm {
 
 /// The Boltzmann weight of the molecule as it stands, its geometric centre iFace angstrom from the surface:
 /// of a wall in the plane z = 0 or of a rod along x, on the side of the molecule's negative z. Multiplies the
-/// table by kPot. A molecule that touches the particle has the weight 0, with a warning. Other models leave
-/// `prob` as it is. Returns 0.
+/// table by kPot, at each call, and does not read it: the field is that of the surface charge. A molecule
+/// that touches the particle has the weight 0, with a warning. Other models leave `prob` as it is. Returns 0.
 int iFace(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, const ChargeSet &charges,
           Potential &potential, double &prob);
 

@@ -129,7 +129,7 @@ void turnCharges(RodEnergy &energy, const PlacedCharges &placed, const Turn &tur
         energy.charges.push_back({static_cast<double>(turned(placed.atoms, place, turn.column1)), y * y,
                                   static_cast<double>(placed.charges->charges[c])});
     }
-    while (energy.charges.size() % rodBlock != 0) // nothing at the place of the last one
+    while (energy.charges.size() % rodBlock != 0) // whole blocks, by charges of 0 at the place of the last
         energy.charges.push_back({energy.charges.back().x, energy.charges.back().ySquare, 0.0});
 }
 

@@ -2,7 +2,6 @@
 
 #include "simulation/electrostatic.h"
 #include "simulation/rotation.h"
-#include "support/progress.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -20,7 +19,10 @@ double number(float value)
     return static_cast<double>(value);
 }
 
-/// The edge of the cell that one particle of the liquid crystal has for itself, angstrom.
+/// The edge of the cell that one particle of the liquid crystal has for itself, angstrom: the square root of
+/// the sample's volume per length of all particles, which lie side by side through it. The mass and molecular
+/// weight of the particles give their number, the unit length times the degree of polymerisation the length
+/// of each.
 float cellSize(const TrelmInfo &info)
 {
     return static_cast<float>(1.0e10 *
@@ -326,25 +328,15 @@ int sma3D(TrelmInfo &trelmInfo, const Coordinates &atoms, std::span<const double
     GridPlaces places;
     RowSearch search;
     double total = 0.0;
-    Progress progress = startProgress("REMARK Orientation ", set.count());
-    int done = 0;
-    forEachTurn(set, [&](const Turn &turn) {
-        showProgress(progress, ++done);
+    forEachTurnShown(set, [&](const Turn &turn) {
         placeAtoms(grid, atoms, {turn.column1, turn.column2, turn.column3}, places);
         const double weight = weighPositions(grid, rows, places, charges, search);
-        for (std::size_t k = 0; k < saupe.size(); ++k)
-            saupe[k] += turn.saupe[k] * weight;
+        addWeighted(saupe, turn.saupe, weight);
         total += weight;
     });
-    endProgress(progress);
+    // The free rest of a cell can be less than the grid that it leaves out: the sum may be negative.
     total += freeRest(trelmInfo, grid, set.count());
-    if (total == 0.0 || !std::isfinite(total))
-        return complain("sma3D: the sum of the weights, %g, can not be divided by.\n", total);
-    if (total < 0.0) // the free rest of a cell can be less than the grid that it leaves out
-        complain("WARNING: Sum of the weights is negative (%g): alignment tensor wrong!\n", total);
-    for (double &element : saupe)
-        element /= total;
-    return 0;
+    return divideByWeights("sma3D", total, saupe);
 }
 
 int ssia3D(TrelmInfo &trelmInfo, const Coordinates &atoms, std::span<const double> dots,

@@ -1,5 +1,7 @@
 #include "simulation/hull.h"
 
+#include "simulation/rotation.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -44,11 +46,6 @@ struct HullWork {
         qh_memfreeshort(&state, &shortLeft, &longLeft);
     }
 };
-
-double dot(const Axis &a, const Axis &b)
-{
-    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-}
 
 /// True if no point is above a face: what the faces enclose is then all inside the hull.
 bool isConvex(const std::vector<Plane> &planes, const std::vector<double> &points, double tolerance)

@@ -1,5 +1,7 @@
 #include "simulation/orientation.h"
 
+#include "support/text.h"
+
 #include <cmath>
 
 namespace trelm {
@@ -70,6 +72,19 @@ Turn makeTurn(const DotTurn &dot, const SinCos &psi)
     rotate_coorsystem(negated(dot.theta), negated(psi), negated(dot.phi), turn.column1, turn.column2,
                       turn.column3);
     return turn;
+}
+
+int divideByWeights(const char *routine, double total, Saupe &saupe)
+{
+    if (total == 0.0 || !std::isfinite(total))
+        return complain(
+            "%s: the sum of the weights at this concentration and grid, %g, can not be divided by.\n",
+            routine, total);
+    if (total < 0.0)
+        complain("WARNING: Sum of the weights is negative (%g): alignment tensor wrong!\n", total);
+    for (double &element : saupe)
+        element /= total;
+    return 0;
 }
 
 } // namespace trelm

@@ -3,6 +3,7 @@
 
 #include "couplings/tensor.h"
 #include "structure/rotate.h"
+#include "support/progress.h"
 
 #include <span>
 #include <vector>
@@ -57,5 +58,29 @@ void forEachTurn(const OrientationSet &set, Visit visit)
             visit(makeTurn(dot, psi));
     }
 }
+
+/// The same, with progress lines on the standard error stream.
+template <class Visit>
+void forEachTurnShown(const OrientationSet &set, Visit visit)
+{
+    Progress progress = startProgress("REMARK Orientation ", set.count());
+    int done = 0;
+    forEachTurn(set, [&](const Turn &turn) {
+        showProgress(progress, ++done);
+        visit(turn);
+    });
+    endProgress(progress);
+}
+
+inline void addWeighted(Saupe &sum, const Saupe &saupe, double weight)
+{
+    for (std::size_t k = 0; k < sum.size(); ++k)
+        sum[k] += saupe[k] * weight;
+}
+
+/// From weighted sums to averages. Returns 0, or 1 after a message of the routine if the weights sum up to 0
+/// or to no finite number. A sum below 0, which free positions that count negative can give, warns: the
+/// averages then have the wrong sign and size.
+int divideByWeights(const char *routine, double total, Saupe &saupe);
 
 } // namespace trelm

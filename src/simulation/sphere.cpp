@@ -1,6 +1,7 @@
 #include "simulation/sphere.h"
 
 #include "ground/trelm.h"
+#include "simulation/rotation.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -12,7 +13,6 @@
 #include <limits>
 #include <memory>
 #include <new>
-#include <string>
 #include <utility>
 
 namespace trelm {
@@ -29,7 +29,7 @@ constexpr double sameDistance = 0.001; ///< tolerance of squared distances of ne
 // The angles have this precision on purpose: the dots of a run are the same everywhere.
 constexpr double degree = 0.017453293;
 
-using Vec = std::array<double, 3>;
+using Vec = Axis;
 
 // The set at hand. Not of the allocation layer: it lives as long as the program, outside any run's balance.
 std::unique_ptr<double[]> xpunsp; ///< the dots, three values each
@@ -68,11 +68,6 @@ Vec scaled(const Vec &v, double factor)
 Vec sum(const Vec &a, const Vec &b, const Vec &c)
 {
     return {a[0] + b[0] + c[0], a[1] + b[1] + c[1], a[2] + b[2] + c[2]};
-}
-
-double dot(const Vec &a, const Vec &b)
-{
-    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
 }
 
 Vec cross(const Vec &a, const Vec &b)
@@ -205,9 +200,11 @@ void forEachFace(double edge, Face face)
                     face(i, j, k);
 }
 
+/// The level, 1 at least, at which step * level^2 + 2 reaches the density.
 double levelOf(int densit, int step)
 {
-    return std::max(1.0, std::ceil(std::sqrt((static_cast<double>(densit) - 2.0) / step)));
+    // In double: a density near the range of int must not overflow.
+    return densit > 2 ? std::ceil(std::sqrt((static_cast<double>(densit) - 2.0) / step)) : 1.0;
 }
 
 /// Sets the number of dots and asks for their room. Returns the level.
@@ -320,19 +317,12 @@ void sortIntoCube(int cubus)
     }
 }
 
-/// The smallest level above 1 at which step * level^2 + 2 reaches the density; 1 below the second number.
-double levelFor(int densit, int step, int belowIsOne)
-{
-    return densit < belowIsOne ? 1.0 : levelOf(densit, step);
-}
-
 } // namespace
 
 int unsp_type(int densit)
 {
-    // In double: a density near the range of int must not overflow.
-    const double arc = levelFor(densit, 10, 13), dod = levelFor(densit, 30, 33);
-    return 10.0 * arc * arc - 2.0 < 30.0 * dod * dod - 2.0 ? typeIcosahedron : typeDodecahedron;
+    const double arc = levelOf(densit, 10), dod = levelOf(densit, 30);
+    return 10.0 * arc * arc < 30.0 * dod * dod ? typeIcosahedron : typeDodecahedron;
 }
 
 int dotCount(int densit)

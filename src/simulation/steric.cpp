@@ -2,13 +2,11 @@
 
 #include "simulation/rod.h"
 #include "simulation/wall.h"
-#include "support/progress.h"
 #include "support/text.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
+#include <vector>
 
 namespace trelm {
 namespace {
@@ -16,46 +14,35 @@ namespace {
 constexpr int lastPlace = maxGridPositions - 1;
 constexpr const char *tag = "stericAlignment";
 
-void warnShortGrid()
-{
-    std::fputs("WARNING: concentration too low - magnitude of alignment tensor incorrect\n", stderr);
-}
-
 int noBuffers()
 {
     return complain("Error allocating coord buffers.\n");
 }
 
 /// The positions up to the edge of the wall's cell, where nothing is obstructed, and the wall's limits.
-void setWall(const StericSetup &setup, PositionGrid &grid)
+void setWall(const StericSetup &setup, StericGrid &grid)
 {
-    const auto reached = static_cast<double>(grid.positionDist[static_cast<std::size_t>(grid.grid_el)]);
-    grid.end_dist = std::trunc((setup.stepOutLength - reached) / setup.gridSpacing);
-    for (std::size_t i = 0; i <= static_cast<std::size_t>(grid.grid_el); ++i)
+    grid.end_dist = std::trunc((setup.stepOutLength - grid.at.lastDist()) / setup.grid.gridSpacing);
+    const std::span<const float> distances = grid.at.touchable();
+    for (std::size_t i = 0; i < distances.size(); ++i)
         grid.wallLimit[i] = static_cast<float>(
-            setup.radius - (static_cast<double>(grid.positionDist[i]) - setup.max_obstruction));
+            setup.radius - (static_cast<double>(distances[i]) - setup.grid.max_obstruction));
 }
 
 /// The weight of all positions beside a rod, and the free positions as far as the gap to the next rod.
-void setRod(const StericSetup &setup, PositionGrid &grid, bool isShort)
+void setRod(const StericSetup &setup, StericGrid &grid)
 {
-    const double cellGap = setup.max_obstruction / std::sqrt(setup.wvAmount / 1.46) - setup.max_obstruction;
-    const double n = std::trunc(cellGap / setup.gridSpacing);
-    grid.total = std::trunc(n + n * (n + 1.0) * 0.5 * (setup.gridSpacing / setup.max_obstruction));
+    const double radius = setup.grid.max_obstruction, spacing = setup.grid.gridSpacing;
+    const double cellGap = radius / std::sqrt(setup.wvAmount / rodDensity) - radius;
+    const double n = std::trunc(cellGap / spacing);
+    grid.total = std::trunc(n + n * (n + 1.0) * 0.5 * (spacing / radius));
 
     // The gap leaves the rod's radius out, the distances have it in: so the model is.
-    const auto reached = static_cast<double>(grid.positionDist[static_cast<std::size_t>(grid.grid_el)]);
-    if (reached > cellGap)
+    if (grid.at.lastDist() > cellGap)
         return;
-    for (int j = 1; grid.last < lastPlace; ++j) {
-        grid.last = grid.grid_el + j;
-        const auto place = static_cast<std::size_t>(grid.last);
-        grid.positionDist[place] = static_cast<float>(reached + j * setup.gridSpacing);
-        if (grid.last < lastPlace && cellGap < static_cast<double>(grid.positionDist[place]))
-            return;
-    }
-    if (!isShort)
-        warnShortGrid();
+    extendPositions(grid.at, spacing, [cellGap](double last, double) { return !(cellGap < last); });
+    if (grid.at.last == maxGridPositions - 1)
+        warnShortGrid(grid.at);
 }
 
 /// The sums over the free orientations of each position, as differences from the position before.
@@ -76,40 +63,27 @@ struct PositionSums {
     }
 };
 
-void addTurn(PositionSums &sums, const Turn &turn)
-{
-    for (std::size_t k = 0; k < sums.all.size(); ++k)
-        sums.all[k] += turn.saupe[k];
-}
-
-void sumBesideWall(const Coordinates &atoms, const OrientationSet &set, const PositionGrid &grid,
+void sumBesideWall(const Coordinates &atoms, const OrientationSet &set, const StericGrid &grid,
                    PositionSums &sums)
 {
+    const int last = grid.at.grid_el;
     WallKernel kernel =
-        makeWallKernel(atoms, grid.wallLimit.span().first(static_cast<std::size_t>(grid.grid_el) + 1));
-    Progress progress = startProgress("REMARK Orientation ", set.count());
-    int number = 0;
-    forEachTurn(set, [&](const Turn &turn) {
-        showProgress(progress, ++number);
-        addTurn(sums, turn);
+        makeWallKernel(atoms, grid.wallLimit.span().first(static_cast<std::size_t>(last) + 1));
+    forEachTurnShown(set, [&](const Turn &turn) {
+        addWeighted(sums.all, turn.saupe, 1.0);
         const int first = firstFreeOfWall(kernel, turn.column1);
-        if (first <= grid.grid_el)
-            sums.addFree(turn.saupe, first, grid.grid_el);
+        if (first <= last)
+            sums.addFree(turn.saupe, first, last);
     });
-    endProgress(progress);
 }
 
 void sumBesideRod(const StericSetup &setup, const Coordinates &atoms, const OrientationSet &set,
                   const PositionGrid &grid, PositionSums &sums)
 {
-    const auto distances = grid.positionDist.span().first(static_cast<std::size_t>(grid.grid_el) + 1);
-    RodKernel kernel = makeRodKernel(atoms, distances, setup.max_obstruction, setup.radius);
+    RodKernel kernel = makeRodKernel(atoms, grid.touchable(), setup.grid.max_obstruction, setup.radius);
     std::vector<Interval> blocked;
-    Progress progress = startProgress("REMARK Orientation ", set.count());
-    int number = 0;
-    forEachTurn(set, [&](const Turn &turn) {
-        showProgress(progress, ++number);
-        addTurn(sums, turn);
+    forEachTurnShown(set, [&](const Turn &turn) {
+        addWeighted(sums.all, turn.saupe, 1.0);
         blockedByRod(kernel, turn.column1, turn.column2, blocked);
         int free = 0;
         for (const Interval &interval : blocked) {
@@ -120,23 +94,23 @@ void sumBesideRod(const StericSetup &setup, const Coordinates &atoms, const Orie
         if (free <= grid.last)
             sums.addFree(turn.saupe, free, grid.last);
     });
-    endProgress(progress);
 }
 
 /// Sums up the differences, and weighs each position's average by what survives there.
-void averagePositions(const StericSetup &setup, const PositionGrid &grid, int orientations,
+void averagePositions(const StericSetup &setup, const StericGrid &grid, int orientations,
                       const PositionSums &sums, Saupe &saupe, double &total)
 {
     Saupe running = {};
     int allowed = 0;
     std::int64_t total_bic = 0;
     saupe = {};
-    for (std::size_t i = 0; i <= static_cast<std::size_t>(grid.last); ++i) {
+    for (std::size_t i = 0; i <= static_cast<std::size_t>(grid.at.last); ++i) {
         allowed += sums.allowedCount[i];
         total_bic += allowed;
         const double weight = static_cast<double>(allowed) / orientations;
-        const double ring =
-            setup.lcType == lcRod ? static_cast<double>(grid.positionDist[i]) / setup.max_obstruction : 1.0;
+        const double ring = setup.lcType == lcRod
+                                ? static_cast<double>(grid.at.positionDist[i]) / setup.grid.max_obstruction
+                                : 1.0;
         for (std::size_t k = 0; k < saupe.size(); ++k) {
             running[k] += sums.saupe_dis[i][k];
             // The bias of the finite set goes: a position without obstruction adds nothing at all.
@@ -150,52 +124,38 @@ void averagePositions(const StericSetup &setup, const PositionGrid &grid, int or
 
 } // namespace
 
-int makePositionGrid(const StericSetup &setup, PositionGrid &grid)
+int makeStericGrid(const StericSetup &setup, StericGrid &grid)
 {
-    grid.positionDist = Block<float>(tag, maxGridPositions);
     grid.wallLimit = Block<float>(tag, maxGridPositions + 1);
-    if (!grid.positionDist || !grid.wallLimit)
+    if (!grid.wallLimit || !layPositions(tag, setup.grid, grid.at))
         return noBuffers();
-    const double steps =
-        std::trunc((setup.max_protein_length - setup.min_protein_length) / setup.gridSpacing);
-    const bool isShort = steps > lastPlace;
-    if (isShort)
-        warnShortGrid();
-    grid.grid_el = isShort ? lastPlace : static_cast<int>(steps);
-    grid.last = grid.grid_el;
-    for (int i = 0; i <= grid.grid_el; ++i)
-        grid.positionDist[static_cast<std::size_t>(i)] =
-            static_cast<float>(i * setup.gridSpacing + (setup.min_protein_length + setup.max_obstruction));
     if (setup.lcType == lcWall)
         setWall(setup, grid);
     else if (setup.lcType == lcRod)
-        setRod(setup, grid, isShort);
+        setRod(setup, grid);
     return 0;
 }
 
 int stericAlignment(const StericSetup &setup, const Coordinates &atoms, std::span<const double> dots,
                     Saupe &saupe)
 {
-    PositionGrid grid;
-    if (makePositionGrid(setup, grid) != 0)
+    StericGrid grid;
+    if (makeStericGrid(setup, grid) != 0)
         return 1;
     PositionSums sums;
-    sums.saupe_dis = Block<Saupe>(tag, static_cast<std::size_t>(grid.last) + 2);
-    sums.allowedCount = Block<int>(tag, static_cast<std::size_t>(grid.last) + 2);
+    const auto beyond = static_cast<std::size_t>(grid.at.last) + 2;
+    sums.saupe_dis = Block<Saupe>(tag, beyond);
+    sums.allowedCount = Block<int>(tag, beyond);
     if (!sums.saupe_dis || !sums.allowedCount)
         return noBuffers();
     const OrientationSet set = makeOrientationSet(dots, setup.digit_psi);
     if (setup.lcType == lcWall)
         sumBesideWall(atoms, set, grid, sums);
     else
-        sumBesideRod(setup, atoms, set, grid, sums);
+        sumBesideRod(setup, atoms, set, grid.at, sums);
     double total = 0.0;
     averagePositions(setup, grid, set.count(), sums, saupe, total);
-    if (total == 0.0)
-        return complain("stericAlignment: no position counts at this concentration and grid.\n");
-    for (double &element : saupe)
-        element /= total;
-    return 0;
+    return divideByWeights(tag, total, saupe);
 }
 
 } // namespace trelm

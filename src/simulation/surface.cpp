@@ -1,5 +1,6 @@
 #include "simulation/surface.h"
 
+#include "simulation/rotation.h"
 #include "simulation/sphere.h"
 #include "support/text.h"
 
@@ -7,14 +8,13 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <cstdint>
 
 namespace trelm {
 namespace {
 
 constexpr double fullSphere = 12.566370614359172;
 
-using Vec = std::array<double, 3>;
+using Vec = Axis;
 
 /// An atom as the neighbour search sees it.
 struct Ball {
@@ -53,11 +53,6 @@ struct DotGroup {
     double radius;
 };
 
-double dot(const Vec &a, const Vec &b)
-{
-    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-}
-
 Vec dotAt(std::span<const double> dots, int i)
 {
     const auto place = static_cast<std::size_t>(3 * i);
@@ -78,10 +73,11 @@ Box boundingBox(std::span<const double> co)
     return box;
 }
 
-/// Cubes of twice the largest radius, larger ones where a few atoms far apart would ask for too many.
+/// Cubes of twice the largest radius, larger ones where a few atoms far apart would ask for too many. Points
+/// without a radius touch no other: any cubes will do.
 double cubeSide(const Box &box, double largest, std::size_t atoms)
 {
-    double side = 2.0 * largest;
+    double side = largest > 0.0 ? 2.0 * largest : 1.0;
     const double enough = 8.0 * static_cast<double>(atoms) + 1000.0;
     const auto cubes = [&box](double width) {
         double product = 1.0;

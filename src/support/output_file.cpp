@@ -2,9 +2,24 @@
 
 #include "support/text.h"
 
+#include <unistd.h>
+
 #include <filesystem>
+#include <system_error>
 
 namespace trelm {
+namespace {
+
+/// Empties a file of what it held before.
+void dropOld(OutFile &out)
+{
+    if (!out.holdsOld)
+        return;
+    out.isSpoilt = ::ftruncate(::fileno(out.fp), 0) != 0;
+    out.holdsOld = false;
+}
+
+} // namespace
 
 OutFile::~OutFile()
 {
@@ -18,12 +33,16 @@ int openOut(OutFile &out, const std::string &name, const char *access)
         std::fclose(out.fp);
     out.fp = stdout;
     out.name = name;
+    out.holdsOld = out.isSpoilt = false;
     if (name.empty())
         return 0;
-    std::FILE *opened = std::fopen(name.c_str(), access);
+    // Opening to append asks for the same rights as opening to replace, and loses nothing.
+    std::FILE *opened = std::fopen(name.c_str(), "a");
     if (opened == nullptr)
         return 1;
     out.fp = opened;
+    std::error_code none;
+    out.holdsOld = *access == 'w' && std::filesystem::is_regular_file(name, none);
     return 0;
 }
 
@@ -41,19 +60,24 @@ bool isSameFile(const std::string &a, const std::string &b)
 
 void writeOut(OutFile &out, std::string_view text)
 {
+    if (text.empty())
+        return;
+    dropOld(out);
     // A short write leaves the stream's error flag set, and closeOut looks at that.
-    if (!text.empty())
+    if (!out.isSpoilt)
         std::fwrite(text.data(), 1, text.size(), out.fp);
 }
 
 int closeOut(OutFile &out)
 {
     const bool owned = out.fp != stdout;
-    bool bad = std::ferror(out.fp) != 0;
+    dropOld(out);
+    bool bad = out.isSpoilt || std::ferror(out.fp) != 0;
     bad = std::fflush(out.fp) != 0 || bad; // a full device is often heard of only here, or at the close
     if (owned)
         bad = std::fclose(out.fp) != 0 || bad;
     out.fp = stdout;
+    out.isSpoilt = false;
     return bad ? complain("Error writing %s.\n", owned ? out.name.c_str() : "(stdout)") : 0;
 }
 

@@ -11,6 +11,8 @@ namespace trelm {
 struct OutFile {
     std::FILE *fp = stdout;
     std::string name;
+    bool holdsOld = false; ///< what the file held before is still there
+    bool isSpoilt = false; ///< it would not go
 
     OutFile() = default;
     OutFile(const OutFile &) = delete;
@@ -18,8 +20,10 @@ struct OutFile {
     ~OutFile(); // a road of failure: closed, not judged
 };
 
-/// Opens a file with an fopen mode; an empty name is standard output. Returns 0, or 1 if it cannot be opened:
-/// the message is the caller's, and `out` is then standard output.
+/// Opens a file to be replaced ("w") or continued ("a"); an empty name is standard output. What a file to be
+/// replaced held before stays until there is a result: it goes with the first text written or, without any,
+/// at closeOut. A run that fails before leaves the result of an earlier one as it was. Returns 0, or 1 if the
+/// file cannot be opened: the message is the caller's, and `out` is then standard output.
 [[nodiscard]] int openOut(OutFile &out, const std::string &name, const char *access);
 
 /// True if both names lead to one file, by whatever path; false if one of them is empty. A device can be

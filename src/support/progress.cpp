@@ -18,13 +18,6 @@ void flush(Progress &progress)
     progress.pending.clear();
 }
 
-void appendLine(Progress &progress, int n)
-{
-    std::array<char, 16> digits;
-    const auto end = std::to_chars(digits.begin(), digits.end(), n).ptr;
-    progress.pending.append(progress.text).append(digits.begin(), end).append(progress.tail);
-}
-
 } // namespace
 
 Progress startProgress(std::string_view text, int total)
@@ -37,20 +30,29 @@ Progress startProgress(std::string_view text, int total)
     return progress;
 }
 
+bool isDue(const Progress &progress, bool isLast)
+{
+    return !progress.isTerminal || isLast ||
+           std::chrono::steady_clock::now() - progress.lastShown >= interval;
+}
+
+void showLine(Progress &progress, std::string_view line)
+{
+    progress.pending += line;
+    if (progress.isTerminal)
+        progress.lastShown = std::chrono::steady_clock::now();
+    if (progress.isTerminal || progress.pending.size() >= pieceSize)
+        flush(progress);
+}
+
 void showProgress(Progress &progress, int n)
 {
-    if (!progress.isTerminal) {
-        appendLine(progress, n);
-        if (progress.pending.size() >= pieceSize)
-            flush(progress);
+    if (!isDue(progress, n >= progress.total))
         return;
-    }
-    const auto now = std::chrono::steady_clock::now();
-    if (n < progress.total && now - progress.lastShown < interval)
-        return;
-    progress.lastShown = now;
-    appendLine(progress, n);
-    flush(progress);
+    std::array<char, 16> digits;
+    const auto end = std::to_chars(digits.begin(), digits.end(), n).ptr;
+    progress.line.assign(progress.text).append(digits.begin(), end).append(progress.tail);
+    showLine(progress, progress.line);
 }
 
 void pauseProgress(Progress &progress)

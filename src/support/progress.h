@@ -13,6 +13,7 @@ namespace trelm {
 struct Progress {
     std::string text; ///< before the number
     std::string tail; ///< behind it
+    std::string line; ///< work space
     int total = 0;
     bool isTerminal = false;
     std::string pending; ///< what is not written yet
@@ -23,6 +24,10 @@ Progress startProgress(std::string_view text, int total);
 
 /// Line number n, 1 to total.
 void showProgress(Progress &progress, int n);
+
+/// For lines of another form, each ending in "\r": whether one would be shown now; and one that is.
+bool isDue(const Progress &progress, bool isLast);
+void showLine(Progress &progress, std::string_view line);
 
 /// Writes what waits to be written.
 void pauseProgress(Progress &progress);

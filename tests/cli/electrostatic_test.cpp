@@ -1,36 +1,16 @@
 // Whole runs of the modes with charges: beside a wall and a rod, in a grid, and the face that follows.
 #include "cli/run_program.h"
+#include "common/cylinder_grid.h"
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <sstream>
 
 namespace {
 
-std::vector<std::string> charged(std::vector<std::string> more, const char *table = "bicelle_hn.tab")
+std::string charged(const std::string &options)
 {
-    std::vector<std::string> args = {
-        "-elTrelm", "-pdb", example("1d3z_model1.pdb"), "-inD", example(table), "-outD", "out.tab", "-H"};
-    args.insert(args.end(), more.begin(), more.end());
-    return args;
-}
-
-double number(const std::string &report, std::string_view label)
-{
-    const std::vector<double> numbers = numbersAfter(report, label);
-    return numbers.empty() ? std::nan("") : numbers[0];
-}
-
-/// Whether the lines stand in the text in this order.
-void expectOrder(const std::string &text, const std::vector<std::string> &lines)
-{
-    std::size_t from = 0;
-    for (const std::string &line : lines) {
-        const std::size_t at = text.find(line, from);
-        ASSERT_NE(at, std::string::npos) << "missing or out of order: " << line << "\n" << text;
-        from = at + line.size();
-    }
+    return options + " -elTrelm -pdb ubi/1d3z_model1.pdb -outD out.tab -H -inD ubi/bicelle_hn.tab";
 }
 
 const char *const wallOutput = "REMARK 63 couplings selected (inclusive max).\n"
@@ -64,8 +44,7 @@ const char *const wallOutput = "REMARK 63 couplings selected (inclusive max).\n"
 
 TEST(ElectrostaticRun, Wall)
 {
-    const Ran ran = runProgram(charged({"-pdbRot", "face.pdb"}));
-    ASSERT_EQ(ran.status, 0) << ran.err;
+    const Ran ran = goodRun(charged("-pdbRot face.pdb"));
     // Lines, order and stream; that the figures are right is what the tests of the kernels show.
     EXPECT_TRUE(ran.out.starts_with(wallOutput)) << ran.out;
     expectOrder(ran.out, {"REMARK Probability of initial orientation ",
@@ -90,18 +69,17 @@ TEST(ElectrostaticRun, Wall)
 TEST(ElectrostaticRun, PositiveWallFitsTheSecondMedium)
 {
     // The second phase of the example's ubiquitin is told from the first by the charge of its bicelles.
-    const std::vector<std::string> positive = {"-chSurf", "0.1"}, neutral = {"-chSurf", "0.0"};
-    const auto corr = [](const std::vector<std::string> &more, const char *table) {
-        return number(runProgram(charged(more, table)).file("out.tab"), "DATA CORR R");
+    const auto corr = [](const std::string &options) {
+        return number(goodRun(charged(options)).file("out.tab"), "DATA CORR R");
     };
-    EXPECT_GT(corr(positive, "bicelle2_hn.tab"), corr(neutral, "bicelle2_hn.tab") + 0.05);
-    EXPECT_LT(corr(positive, "bicelle_hn.tab"), corr(neutral, "bicelle_hn.tab") - 0.1);
+    const std::string second = " -inD ubi/bicelle2_hn.tab";
+    EXPECT_GT(corr("-chSurf 0.1" + second), corr("-chSurf 0.0" + second) + 0.05);
+    EXPECT_LT(corr("-chSurf 0.1"), corr("-chSurf 0.0") - 0.1);
 }
 
 TEST(ElectrostaticRun, Rod)
 {
-    const Ran ran = runProgram(charged({"-pf1", "-pot", example("rod_potential.txt"), "-kPot", "2"}));
-    ASSERT_EQ(ran.status, 0) << ran.err;
+    const Ran ran = goodRun(charged("-pf1 -pot ubi/rod_potential.txt -kPot 2"));
     expectOrder(ran.out, {"trelmInfo->elInfo.kPot: 2.0 \n",
                           "REMARK Equilibrium density of ion pairs ",
                           "REMARK Debye length ",
@@ -131,42 +109,21 @@ TEST(ElectrostaticRun, Rod)
                  "REMARK Maximum distance: 1.201000e+02\n", "REMARK Orientation 2196 of 2196\r"});
     EXPECT_EQ(countOf(ran.err, "beyond"), 0);
 
-    const Ran bare = runProgram(charged({"-pf1"}));
-    EXPECT_EQ(bare.status, 0);
-    EXPECT_EQ(countOf(bare.err, "REMARK Without a potential table charges beside a rod feel no potential.\n"),
+    EXPECT_EQ(countOf(goodRun(charged("-pf1")).err,
+                      "REMARK Without a potential table charges beside a rod feel no potential.\n"),
               1);
-    const Ran near = runProgram(charged({"-bic", "-dIFace", "5"}));
-    EXPECT_EQ(near.status, 0);
-    EXPECT_EQ(countOf(near.err, "WARNING: Molecule too close to LC particel ...\n"
-                                "         Interaction face cannot be determined!\n"),
+    EXPECT_EQ(countOf(goodRun(charged("-bic -dIFace 5")).err,
+                      "WARNING: Molecule too close to LC particel ...\n"
+                      "         Interaction face cannot be determined!\n"),
               2);
 }
 
-/// A cylinder of 12 angstrom along z in a grid of 20 by 20 by 6 points, 5 angstrom apart.
-std::string gridFile()
-{
-    std::string text(11, '\n');
-    for (int i = 0; i < 20 * 20 * 6; ++i) {
-        const int x = i / 120 - 10, y = i / 6 % 20 - 10;
-        text += std::hypot(5 * x, 5 * y) < 12.0 ? "9.0" : "-0.1";
-        text += i % 3 == 2 ? "\n" : " ";
-    }
-    return text;
-}
-
-std::vector<std::string> inGrid(std::vector<std::string> args)
-{
-    args.insert(args.end(),
-                {"-3D", "-pot3D", "grid.txt", "-nX", "20",  "-nY", "20",  "-nZ", "6",    "-dX", "5",
-                 "-dY", "5",      "-dZ",      "5",   "-z1", "1",   "-zN", "6",   "-dot", "12"});
-    return args;
-}
+const std::string inGrid = " -3D -pot3D grid.txt -nX 20 -nY 20 -nZ 6 -dX 5 -dY 5 -dZ 5 -z1 1 -zN 6 -dot 12 ";
 
 TEST(ElectrostaticRun, Grid)
 {
     const Ran ran =
-        runProgram(inGrid(charged({"-pdbRot", "face.pdb"})), {.files = {{"grid.txt", gridFile()}}});
-    ASSERT_EQ(ran.status, 0) << ran.err;
+        goodRun(charged("-pdbRot face.pdb" + inGrid), {.files = {{"grid.txt", cylinderGrid(20, 5)}}});
     expectOrder(ran.out,
                 {"REMARK  o_pts: 216    saupe_dev[0]: ", "REMARK  deviation from uniform distribution:  ",
                  "REMARK trelmInfo->volSample: 515.000000\n",
@@ -185,95 +142,16 @@ TEST(ElectrostaticRun, Grid)
 
 TEST(ElectrostaticRun, StericGridEndsQuietly)
 {
-    std::vector<std::string> args = inGrid(charged({"-pdbRot", "turned.pdb"}));
-    args[0] = "-stTrelm";
-    const Ran ran = runProgram(args, {.files = {{"grid.txt", gridFile()}}});
-    EXPECT_EQ(ran.status, 0);
+    const std::string line = "-stTrelm -pdb ubi/1d3z_model1.pdb -H -outD out.tab -pdbRot turned.pdb" + inGrid;
+    const Files files = {{"grid.txt", cylinderGrid(20, 5)}};
+    const Ran ran = goodRun(line, {.files = files});
     EXPECT_TRUE(ran.out.ends_with("REMARK startGrid (x,y,z): -50.000000  -50.000000  -10.000000\n"))
         << ran.out;
     EXPECT_EQ(countOf(ran.err, "Memory Allocation Status"), 0);
     EXPECT_FALSE(ran.exists("out.tab"));
     EXPECT_FALSE(ran.exists("turned.pdb"));
-    const Ran full = runProgram(args, {.stdoutFile = "/dev/full", .files = {{"grid.txt", gridFile()}}});
-    EXPECT_EQ(full.status, 1); // what was printed is lost
-}
-
-struct RefusedCase {
-    const char *why;
-    std::vector<std::string> args;
-    const char *line;
-};
-
-TEST(ElectrostaticFailures, OneLineAndStatusOne)
-{
-    const RefusedCase cases[] = {
-        {"no table", charged({"-pf1", "-pot", "none"}), "readPotential File open error: none.\n"},
-        {"a broken table", charged({"-pf1", "-pot", "broken.txt"}), "Line:0.1 x\n"},
-        {"said by the road", charged({"-pf1", "-pot", "none"}),
-         "ERROR Reading of 1D potential not successful.\n"},
-        {"no grid", inGrid(charged({"-pot3D", "none"})), "ERROR: Reading of 3D potential not successful.\n"},
-        {"no planes", charged({"-3D"}), "trelm: the 3D grid has z planes out of order or out of range"},
-        {"no salt", charged({"-nacl", "0"}), "trelm: -nacl 0: "},
-        {"no scale", charged({"-pf1", "-kPot", "0"}), "trelm: -kPot 0: "},
-        {"no way to end", charged({"-pf1", "-wv", "1e-20"}), "steps to the next rod.\n"},
-        {"no cell", inGrid(charged({"-massLC", "-1"})), "give no size of the cell"},
-        {"no limit", charged({"-cut", "-100"}), "trelm: -cut -100: "},
-        {"no such frame", charged({"-rotID", "4"}), "trelm: -rotID 4: "},
-        {"no room for a face", charged({"-pdbRot", "/none/face.pdb"}), "trelm: error in iFacePDB.\n"},
-        {"nothing to simulate", charged({"-chSel", "-nopkaDef"}), "simulateAlignment: no atoms selected.\n"},
-    };
-    for (const RefusedCase &refused : cases) {
-        SCOPED_TRACE(refused.why);
-        const Ran ran =
-            runProgram(refused.args, {.files = {{"broken.txt", "0.0 1\n0.1 x\n"}, {"grid.txt", gridFile()}}});
-        EXPECT_EQ(ran.status, 1);
-        EXPECT_EQ(countOf(ran.err, refused.line), 1) << ran.err.substr(0, 2000);
-    }
-}
-
-// ---- structure analysis ----
-
-TEST(AnalysisRun, ThreeVariants)
-{
-    const std::vector<std::string> base = {"-anPdb", "-pdb",    example("1d3z_model1.pdb"),
-                                           "-H",     "-inS",    "-2.0e-3",
-                                           "1e-3",   "5e-4",    "4e-4",
-                                           "3e-4",   "-pdbRot", "turned.pdb"};
-    const auto with = [&base](std::vector<std::string> more) {
-        std::vector<std::string> args = base;
-        args.insert(args.end(), more.begin(), more.end());
-        return runProgram(args);
-    };
-    const Ran shape = with({"-outP", "report.txt"});
-    ASSERT_EQ(shape.status, 0) << shape.err;
-    EXPECT_TRUE(shape.out.ends_with("REMARK 157 atoms selected for simulation.\n")) << shape.out;
-    const std::string report = shape.file("report.txt");
-    expectOrder(report,
-                {"REMARK Molecular Alignment Simulation.\n\nREMARK Simulation parameters.\n",
-                 "DATA TRELM_MODE PDB\n\n\n\nREMARK Inertia tensor.", "DATA EIGENVALUES",
-                 "\n\nREMARK Input tensor.", "\nDATA SAUPE  -2.0000e-03  1.0000e-03  5.0000e-04 ",
-                 "DATA Da(NH) = -22.3    R = Dr/Da = 0.474\n\n",
-                 "\nREMARK Relative orientation of two coordinate systems.\n\nDATA DCOS_DEG (x/y/z)    "});
-    EXPECT_EQ(countOf(report, "PDB_EL"), 0);
-
-    const Ran charges = with({"-el"}), user = with({"-user"});
-    ASSERT_EQ(charges.status, 0) << charges.err;
-    expectOrder(charges.out,
-                {"REMARK 200 atoms selected for simulation.\n",
-                 "REMARK 43 charges selected for simulation.\n", "REMARK Molecular Alignment Simulation.\n",
-                 "REMARK Dipole tensor.", "\nDATA PDB_EL MONOPOL   6.520090e-01\n",
-                 "DATA PDB_EL DIPOL     5.007146e+01\n"});
-    EXPECT_GT(countOf(charges.file("turned.pdb.2"), "N1+"), 0);
-    EXPECT_GT(countOf(charges.file("turned.pdb.2"), "O0+"), 0);
-    // Each variant turns the structure into another frame.
-    EXPECT_NE(shape.file("turned.pdb"), charges.file("turned.pdb"));
-    EXPECT_NE(shape.file("turned.pdb"), user.file("turned.pdb"));
-
-    const Ran closed = with({"-outP", "/none/report.txt"});
-    EXPECT_EQ(closed.status, 1);
-    EXPECT_EQ(countOf(closed.err, "TRELM Error opening output file /none/report.txt\n"
-                                  "trelm: error in analysis of PDB.\n"),
-              1);
+    EXPECT_EQ(runProgram(line, {.files = files, .stdoutFile = "/dev/full"}).status,
+              1); // what was printed is lost
 }
 
 } // namespace

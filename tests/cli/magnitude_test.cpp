@@ -8,20 +8,14 @@
 
 namespace {
 
-using Args = std::vector<std::string>;
-
-Ran magnitudeRun(const char *mode, const std::string &table, const Args &more, const RunSetting &setting = {})
+Ran magnitudeRun(const std::string &options, const std::string &table = "bicelle_hn.tab")
 {
-    Args args = {mode}; // of an option given twice the first counts
-    args.insert(args.end(), more.begin(), more.end());
-    args.insert(args.end(), {"-inD", table, "-outD", "out.tab", "-outSc", "sets.txt", "-outCol", "map.txt"});
-    return runProgram(args, setting);
+    return goodRun(options + " -outD out.tab -outSc sets.txt -outCol map.txt -inD ubi/" + table);
 }
 
 /// The estimate as computed from the definitions in double precision by another program.
 struct HistogramRow {
-    const char *table;
-    Args args;
+    const char *table, *options;
     double dzz, dyy, dxx;
     int nBins;
     double da, daError, r, rError;
@@ -29,34 +23,30 @@ struct HistogramRow {
 
 TEST(HistogramRun, MeasuredCouplings)
 {
-    const std::vector<HistogramRow> rows = {
-        {"bicelle_hn.tab", {}, -15.431, 11.567, 9.849, 86, -8.713, 0.065, 0.066, 0.009},
-        {"bicelle_hn.tab", {"-nFit", "2"}, -15.431, 11.567, 0, 0, -7.715, 0.080, 0.333, 0.017},
-        {"bicelle_hn.tab", {"-nFit", "2", "-noave"}, 0, 0, 0, 0, -8.491, 0.080, 0.261, 0.015},
-        {"bicelle_hn.tab", {"-noave"}, 0, 0, 7.017, 91, -8.800, 0.065, 0.182, 0.009},
-        {"bicelle_hn.tab", {"-bin", "20"}, -15.431, 11.567, 7.574, 20, -8.334, 0.065, 0.160, 0.009},
-        {"bicelle_hn.tab", {"-noave", "-bin", "15"}, 0, 0, 7.974, 15, -8.959, 0.065, 0.143, 0.008},
-        {"bicelle_hn.tab", {"-nFit", "5"}, -15.431, 11.567, 0, 0, -8.491, 0, 0.261, 0},
-        {"bicelle2_hn.tab", {"-noave", "-bin", "10"}, 0, 0, 4.025, 10, 12.190, 0.069, 0.776, 0.008},
+    const HistogramRow rows[] = {
+        {"bicelle_hn.tab", "", -15.431, 11.567, 9.849, 86, -8.713, 0.065, 0.066, 0.009},
+        {"bicelle_hn.tab", "-nFit 2", -15.431, 11.567, 0, 0, -7.715, 0.080, 0.333, 0.017},
+        {"bicelle_hn.tab", "-nFit 2 -noave", 0, 0, 0, 0, -8.491, 0.080, 0.261, 0.015},
+        {"bicelle_hn.tab", "-noave", 0, 0, 7.017, 91, -8.800, 0.065, 0.182, 0.009},
+        {"bicelle_hn.tab", "-bin 20", -15.431, 11.567, 7.574, 20, -8.334, 0.065, 0.160, 0.009},
+        {"bicelle_hn.tab", "-noave -bin 15", 0, 0, 7.974, 15, -8.959, 0.065, 0.143, 0.008},
+        {"bicelle_hn.tab", "-nFit 5", -15.431, 11.567, 0, 0, -8.491, 0, 0.261, 0},
+        {"bicelle2_hn.tab", "-noave -bin 10", 0, 0, 4.025, 10, 12.190, 0.069, 0.776, 0.008},
         // No bin is the most populated one: the extremes decide.
-        {"bicelle2_hn.tab", {}, 25.831, -23.669, 3.871, 147, 13.200, 0, 0.564, 0},
+        {"bicelle2_hn.tab", "", 25.831, -23.669, 3.871, 147, 13.200, 0, 0.564, 0},
     };
     for (const HistogramRow &row : rows) {
-        SCOPED_TRACE(testing::Message() << row.table << testing::PrintToString(row.args));
-        const Ran ran = magnitudeRun("-daHist", example(row.table), row.args);
-        ASSERT_EQ(ran.status, 0) << ran.err;
-        const std::string report = ran.file("out.tab");
+        SCOPED_TRACE(testing::Message() << row.table << row.options);
+        const std::string report =
+            magnitudeRun(std::string("-daHist ") + row.options, row.table).file("out.tab");
         const auto principal = numbersAfter(report, "DATA Dzz_Dyy_Dxx");
-        ASSERT_EQ(principal.size(), 3u);
         const auto expect = [&report](const char *label, double value, double within) {
             const auto found = numbersAfter(report, label);
             ASSERT_EQ(found.size(), 1u) << label;
             EXPECT_NEAR(found[0], value, within) << label;
         };
         constexpr double lastDigit = 1.1e-3;
-        EXPECT_NEAR(principal[0], row.dzz, lastDigit);
-        EXPECT_NEAR(principal[1], row.dyy, lastDigit);
-        EXPECT_NEAR(principal[2], row.dxx, lastDigit);
+        expectNear(principal, {row.dzz, row.dyy, row.dxx}, lastDigit);
         expect("DATA nBINS ", row.nBins, 0.0);
         expect("DATA Da ", row.da, lastDigit);
         expect("DATA Da_ERR ", row.daError, lastDigit);
@@ -67,7 +57,7 @@ TEST(HistogramRun, MeasuredCouplings)
 
 TEST(HistogramRun, Report)
 {
-    const Ran ran = magnitudeRun("-daHist", example("bicelle_hn.tab"), {"-excl"});
+    const Ran ran = magnitudeRun("-daHist -excl");
     EXPECT_EQ(ran.out, "REMARK 63 couplings selected (exclusive).\ncoupList[0] (-16.983) < -15.591\n");
     EXPECT_EQ(countOf(ran.err, "bicelle_hn.tab, 63 Couplings, Residues 2 to 70.\n"), 1);
     EXPECT_EQ(countOf(ran.file("out.tab"), "\nDATA TRELM_MODE DA_HIST\n\n"
@@ -85,7 +75,7 @@ TEST(HistogramRun, Report)
                                            "DATA Dzz_Dyy_Dxx   -15.431  11.567  9.849\n"),
               1);
     // The couplings that took part stand in both columns.
-    const Ran part = magnitudeRun("-daHist", example("bicelle_hn.tab"), {"-s1", "10", "-sN", "40"});
+    const Ran part = magnitudeRun("-daHist -s1 10 -sN 40");
     const auto rows = tableRows(part.file("out.tab"));
     ASSERT_FALSE(rows.empty());
     for (const auto &words : rows)
@@ -94,8 +84,7 @@ TEST(HistogramRun, Report)
 
 TEST(MotionRun, MeasuredCouplings)
 {
-    const Ran ran = magnitudeRun("-daFlex", example("bicelle_hn.tab"), {"-nFit", "2"});
-    ASSERT_EQ(ran.status, 0) << ran.err.substr(0, 500);
+    const Ran ran = magnitudeRun("-daFlex -nFit 2");
     EXPECT_TRUE(
         ran.out.starts_with("REMARK 63 couplings selected (inclusive max).\nREMARK 32 simulated couplings "
                             "(isotropic).\n"));
@@ -120,8 +109,7 @@ TEST(MotionRun, MeasuredCouplings)
     EXPECT_GT(cells, 500);
     EXPECT_EQ(countOf(ran.file("out.tab"), "\nDATA N                    0\n"), 1); // the report has no rows
     // All outputs to standard output, in their order.
-    const Ran bare = runProgram({"-daFlex", "-nFit", "2", "-nRun", "5", "-inD", example("bicelle_hn.tab")});
-    EXPECT_EQ(bare.status, 0);
+    const Ran bare = goodRun("-daFlex -nFit 2 -nRun 5 -inD ubi/bicelle_hn.tab");
     const auto table0 = bare.out.find("# nDots = 32\n"), map0 = bare.out.find("-9.000  0.000  "),
                report = bare.out.find("REMARK Molecular");
     EXPECT_TRUE(table0 < map0 && map0 < report && report != std::string::npos) << bare.out;
@@ -130,206 +118,11 @@ TEST(MotionRun, MeasuredCouplings)
 TEST(MotionRun, SetsWithoutARatioAreCounted)
 {
     // Three-parameter tensors of small sets are too small for some of their own couplings.
-    const Ran ran = magnitudeRun("-daFlex", example("bicelle_hn.tab"), {});
-    EXPECT_EQ(ran.status, 0);
+    const Ran ran = magnitudeRun("-daFlex");
     EXPECT_EQ(countOf(ran.err, " of 1000 sets have no ratio: too few couplings, one outside the pattern"), 1);
     EXPECT_GE(countOf(ran.err, "Warning: No single most populated coupling value.\n"
                                "       ==> 3-parameter fit not possible.\n"),
               1);
-}
-
-std::string tableOf(const std::vector<std::string> &couplings, const std::string &weight = "1.00")
-{
-    std::string text = "VARS RESID_I RESNAME_I ATOMNAME_I RESID_J RESNAME_J ATOMNAME_J D DD W\n"
-                       "FORMAT %5d %6s %6s %5d %6s %6s %9.3f %9.3f %.2f\n";
-    int residue = 0;
-    for (const std::string &coupling : couplings) {
-        const std::string id = std::to_string(++residue);
-        text += id + " ALA H " + id + " ALA N " + coupling + " " + weight + "\n";
-    }
-    return text;
-}
-
-TEST(MagnitudeFailures, EachIsTold)
-{
-    const std::vector<std::string> some = {"-18.0 0.5", "2.0 0.5", "7.0 0.5", "7.1 0.5", "12.0 0.5"};
-    struct Case {
-        const char *why;
-        const char *mode; ///< null: both
-        std::string table;
-        Args args;
-        const char *line;
-    };
-    const char *const hist = "-daHist", *const flex = "-daFlex", *const both = nullptr;
-    const char *const folders = "Measurement error too small.\n       ==> 3-parameter fit not possible.\n";
-    const std::string zeroErrors = tableOf({"-18.0 0.0", "2.0 0.0", "7.0 0.0"});
-    const std::string crossTable = "VARS RESID_I RESNAME_I ATOMNAME_I RESID_J RESNAME_J ATOMNAME_J D DD W\n"
-                                   "FORMAT %d %s %s %d %s %s %f %f %f\n"
-                                   "2 ALA C 3 ALA N 1.5 0.1 1.0\n1 ALA C 3 ALA H 2.5 0.1 1.0\n";
-    const std::vector<Case> cases = {
-        {"an empty table", both, "", {}, "Error reading DC input in.tab\n"},
-        {"no coupling selected",
-         both,
-         tableOf(some),
-         {"-s1", "50", "-sN", "60"},
-         "trelm: no coupling is left to estimate a tensor from.\n"},
-        {"no coupling of this kind",
-         both,
-         tableOf(some),
-         {"-aD1", "CA"},
-         "trelm: no coupling is left to estimate a tensor from.\n"},
-        {"only marks",
-         both,
-         tableOf({"999.0 1.0", "950.0 1.0"}),
-         {},
-         "trelm: no coupling is left to estimate a tensor from.\n"},
-        {"zeros",
-         both,
-         tableOf({"0.0 1.0", "0.0 1.0"}),
-         {},
-         "Error: All couplings are 0, there is no tensor to find.\n"},
-        {"infinite",
-         both,
-         tableOf({"-inf 1.0", "2.0 1.0"}),
-         {},
-         "DC Error: D is no finite number in row 1 of in.tab.\n"},
-        {"weights too large",
-         both,
-         tableOf(some, "1e38"),
-         {},
-         "Error: The coupling of row 1 times its weight is out of range.\n"},
-        {"no errors, automatic bins", hist, zeroErrors, {}, folders},
-        {"no errors, two parameters",
-         hist,
-         zeroErrors,
-         {"-nFit", "2"},
-         "Error: The mean error of the couplings is not above 0.\n"},
-        {"no errors, bins",
-         hist,
-         zeroErrors,
-         {"-noave", "-bin", "9"},
-         "Error: The mean error of the couplings is not above 0.\n"},
-        {"no errors, sets", flex, zeroErrors, {}, "Error: The mean error of the couplings is not above 0.\n"},
-        {"small errors", both, tableOf({"-18.0 1e-3", "2.0 1e-3", "7.0 1e-3"}), {"-noave"}, folders},
-        {"tiny errors",
-         hist,
-         tableOf({"-18.0 1e-9", "2.0 1e-9", "7.0 1e-9"}),
-         {"-noave"},
-         "Error: Too many folders (1000000001) for histogram.\n"},
-        {"too many bins",
-         both,
-         tableOf(some),
-         {"-bin", "300"},
-         "Error: Too many folders (300) for histogram.\n"},
-        {"one bin",
-         both,
-         tableOf(some),
-         {"-bin", "1"},
-         "Error: -bin 1: a histogram needs two bins at least.\n"},
-        {"no factor",
-         both,
-         tableOf(some),
-         {"-sdevDzz", "0"},
-         "Error: -sdevDzz and -sdevDyy must be above 0.\n"},
-        {"one coupling", hist, tableOf({"-18.0 0.5"}), {}, "Error: One coupling has no distribution.\n"},
-        {"no fit of sets",
-         flex,
-         tableOf(some),
-         {"-nFit", "5"},
-         "motionHist: -nFit 5: a set is fitted with 2 or 3.\n"},
-        {"no sets",
-         flex,
-         tableOf(some),
-         {"-nRun", "0"},
-         "motionHist: -nRun 0: the number of sets is 1 to 1000000.\n"},
-        {"negative set",
-         flex,
-         tableOf(some),
-         {"-nSel", "-1"},
-         "motionHist: -nSel -1: a set cannot have fewer than 0 residues.\n"},
-        {"beyond the axis",
-         flex,
-         tableOf({"-85.0 0.5", "40.0 0.5"}),
-         {},
-         "motionHist: a coupling lies outside the frequency axis of 81.92 Hz.\n"},
-        {"error beyond the response",
-         flex,
-         tableOf({"-18.0 2.0", "7.0 2.0"}),
-         {"-nFit", "2"},
-         "motionHist: the mean error of a set, 2.000 Hz, is above 1.70 Hz.\n"},
-        {"a wide window",
-         flex,
-         tableOf(some),
-         {"-s1", "-9000", "-sN", "15000"},
-         "motionHist: the window of residues -9000 to 15000 has more than 20000.\n"},
-        {"couplings alike",
-         hist,
-         tableOf({"10.0 0.5", "10.0 0.5", "10.0 0.5", "10.0 0.5"}),
-         {},
-         "Error: The extremes of the couplings are one value, there is no tensor to fit.\n"},
-        {"errors as large as the couplings",
-         hist,
-         tableOf({"-18.0 1e3", "2.0 1e3", "7.0 1e3", "7.1 1e3", "12.0 1e3"}),
-         {"-nFit", "2"},
-         "Error: The extremes of the couplings are one value, there is no tensor to fit.\n"},
-        {"no coupling by its larger residue",
-         flex,
-         crossTable,
-         {"-inc", "-s1", "1", "-sN", "2"},
-         "motionHist: no residue of the window has a coupling.\nmotionHist: unsp error occured.\n"},
-        {"more than the sphere has",
-         flex,
-         tableOf(std::vector<std::string>(45000, "5.0 0.5")),
-         {"-nSel", "0"},
-         "motionHist: the window of residues 1 to 45000 has more than 20000.\n"},
-        {"table and map in one file",
-         flex,
-         tableOf(some),
-         {"-outSc", "x", "-outCol", "./x"},
-         "motionHist: ./x is another file of this run: give each a name of its own.\n"},
-        {"table over the input",
-         flex,
-         tableOf(some),
-         {"-outSc", "./in.tab"},
-         "motionHist: ./in.tab is another file of this run: give each a name of its own.\n"},
-        {"map over the report",
-         flex,
-         tableOf(some),
-         {"-outCol", "out.tab"},
-         "motionHist: out.tab is another file of this run: give each a name of its own.\n"},
-        {"no place for the table",
-         flex,
-         tableOf(some),
-         {"-outSc", "/none/s"},
-         "TRELM Error opening output file /none/s\n"},
-        {"no place for the map",
-         flex,
-         tableOf(some),
-         {"-outCol", "/none/m"},
-         "TRELM Error opening output file /none/m\n"},
-        {"table to a full device",
-         flex,
-         tableOf(some),
-         {"-outSc", "/dev/full"},
-         "Error writing /dev/full.\n"},
-        {"map to a full device", flex, tableOf(some), {"-outCol", "/dev/full"}, "Error writing /dev/full.\n"},
-    };
-    for (const Case &refused : cases)
-        for (const char *mode : {hist, flex}) {
-            if (refused.mode != both && refused.mode != mode)
-                continue;
-            SCOPED_TRACE(testing::Message() << mode << ": " << refused.why);
-            const Ran ran =
-                magnitudeRun(mode, "in.tab", refused.args, {.files = {{"in.tab", refused.table}}});
-            EXPECT_EQ(ran.status, 1) << ran.err;
-            EXPECT_EQ(countOf(ran.err, refused.line), 1) << ran.err.substr(0, 2000);
-            EXPECT_EQ(countOf(ran.err, "trelm: error in getHistDabR.\n"), 1);
-            EXPECT_FALSE(ran.exists("out.tab"));
-            EXPECT_EQ(ran.file("in.tab"), refused.table);
-        }
-    const Ran full = runProgram({"-daHist", "-inD", example("bicelle_hn.tab"), "-outD", "/dev/full"});
-    EXPECT_EQ(full.status, 1);
-    EXPECT_EQ(countOf(full.err, "Error writing /dev/full.\n"), 1) << full.err;
 }
 
 } // namespace

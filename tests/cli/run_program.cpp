@@ -1,9 +1,15 @@
 #include "cli/run_program.h"
 
+#include "common/line.h"
+
+#include <gtest/gtest.h>
+
 #include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cmath>
+#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -20,8 +26,7 @@ void redirect(const std::string &path, int stream)
     close(fd);
 }
 
-[[noreturn]] void runChild(const std::string &program, const std::vector<std::string> &args,
-                           const RunSetting &setting, const fs::path &folder)
+[[noreturn]] void runChild(std::string_view words, const RunSetting &setting, const fs::path &folder)
 {
     if (chdir(folder.c_str()) != 0)
         _exit(126);
@@ -30,26 +35,13 @@ void redirect(const std::string &path, int stream)
     unsetenv("NMRCHECK");
     for (const auto &[name, value] : setting.environment)
         setenv(name.c_str(), value.c_str(), 1);
-    std::vector<std::string> words = {program};
-    words.insert(words.end(), args.begin(), args.end());
-    std::vector<char *> argv;
-    for (std::string &word : words)
-        argv.push_back(word.data());
-    argv.push_back(nullptr);
+    trelm::Line line(TRELM_PROGRAM, std::string(words));
     alarm(60); // a run that hangs is a failure
-    execv(program.c_str(), argv.data());
+    execv(TRELM_PROGRAM, line.argv());
     _exit(127);
 }
 
 } // namespace
-
-std::string fileText(const fs::path &path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
 
 Ran::~Ran()
 {
@@ -68,23 +60,37 @@ bool Ran::exists(std::string_view name) const
     return fs::exists(folder / name);
 }
 
-Ran runProgram(const std::vector<std::string> &args, const RunSetting &setting)
+Ran runProgram(std::string_view words, const RunSetting &setting)
 {
-    std::string pattern = (fs::temp_directory_path() / "trelm_cli_XXXXXX").string();
+    std::string pattern =
+        (fs::temp_directory_path() / ("trelm_cli_" + std::to_string(getpid()) + "_XXXXXX")).string();
     Ran ran;
     if (mkdtemp(pattern.data()) == nullptr)
         return ran;
     ran.folder = pattern;
+    fs::create_directory_symlink(TRELM_EXAMPLES "/ubiquitin", ran.folder / "ubi");
+    fs::create_directory_symlink(TRELM_EXAMPLES "/assignment", ran.folder / "assignment");
     for (const auto &[name, text] : setting.files)
         std::ofstream(ran.folder / name, std::ios::binary) << text;
     const pid_t child = fork();
     if (child == 0)
-        runChild(setting.program.empty() ? TRELM_PROGRAM : setting.program, args, setting, ran.folder);
+        runChild(words, setting, ran.folder);
+    if (setting.interruptedAfter > 0) {
+        sleep(setting.interruptedAfter);
+        kill(child, SIGINT);
+    }
     int state = 0;
     waitpid(child, &state, 0);
     ran.status = WIFEXITED(state) ? WEXITSTATUS(state) : 128 + WTERMSIG(state);
     ran.out = fileText(ran.folder / "stdout.txt");
     ran.err = fileText(ran.folder / "stderr.txt");
+    return ran;
+}
+
+Ran goodRun(std::string_view words, const RunSetting &setting)
+{
+    Ran ran = runProgram(words, setting);
+    EXPECT_EQ(ran.status, 0) << words << "\n" << withoutProgress(ran.err);
     return ran;
 }
 
@@ -119,6 +125,46 @@ std::vector<double> numbersAfter(std::string_view text, std::string_view label)
         break;
     }
     return numbers;
+}
+
+double number(std::string_view text, std::string_view label)
+{
+    const std::vector<double> numbers = numbersAfter(text, label);
+    return numbers.empty() ? std::nan("") : numbers[0];
+}
+
+std::vector<double> saupeOf(std::string_view text)
+{
+    std::vector<double> saupe = numbersAfter(text, "DATA SAUPE ");
+    EXPECT_EQ(saupe.size(), 5U) << text;
+    saupe.resize(5, std::nan(""));
+    return saupe;
+}
+
+void expectNear(const std::vector<double> &found, const std::vector<double> &expected, double tolerance)
+{
+    ASSERT_EQ(found.size(), expected.size());
+    for (std::size_t k = 0; k < found.size(); ++k)
+        EXPECT_NEAR(found[k], expected[k], tolerance) << k;
+}
+
+void expectOrder(const std::string &text, const std::vector<std::string> &parts)
+{
+    std::size_t from = 0;
+    for (const std::string &part : parts) {
+        const std::size_t at = text.find(part, from);
+        ASSERT_NE(at, std::string::npos) << "missing or out of order: " << part << "\n" << text;
+        from = at + part.size();
+    }
+}
+
+std::string withoutProgress(const std::string &err)
+{
+    std::istringstream in(err);
+    std::string text;
+    for (std::string line; std::getline(in, line);)
+        text += line.substr(line.rfind('\r') + 1) + "\n";
+    return text;
 }
 
 std::vector<std::vector<std::string>> tableRows(std::string_view text)

@@ -1,6 +1,8 @@
 // Whole runs of the program, each in a folder of its own.
 #pragma once
 
+#include "common/file_text.h"
+
 #include <filesystem>
 #include <map>
 #include <string>
@@ -24,28 +26,45 @@ struct Ran {
     [[nodiscard]] bool exists(std::string_view name) const;
 };
 
-/// How to run: environment settings, the program (empty: trelm itself), a file for standard output.
+using Files = std::map<std::string, std::string>; ///< texts by name
+
+/// How to run.
 struct RunSetting {
+    Files files = {}; ///< written into the folder before the run
     std::map<std::string, std::string> environment = {};
-    std::string program = {};
-    std::string stdoutFile = {};
-    std::map<std::string, std::string> files = {}; ///< written into the folder before the run
+    std::string stdoutFile = {};   ///< for standard output
+    unsigned interruptedAfter = 0; ///< seconds; 0: never
 };
 
-/// Runs trelm with its working folder in a new temporary folder.
-Ran runProgram(const std::vector<std::string> &args, const RunSetting &setting = {});
+/// Runs trelm with these words, which stand apart by blanks, in a new temporary folder. Two names in it lead
+/// to the examples: ubi to those of ubiquitin, assignment to those of the assignment.
+Ran runProgram(std::string_view words, const RunSetting &setting = {});
+
+/// The same, for a run that must end with status 0.
+Ran goodRun(std::string_view words, const RunSetting &setting = {});
 
 /// The absolute name of a file of examples/ubiquitin.
 std::string example(std::string_view name);
-
-/// The contents of a file.
-std::string fileText(const std::filesystem::path &path);
 
 /// How often a text occurs in another.
 int countOf(std::string_view text, std::string_view part);
 
 /// The numbers behind a label at the start of a line; empty if no line begins with it.
 std::vector<double> numbersAfter(std::string_view text, std::string_view label);
+
+/// The first of these numbers; NaN if there is none.
+double number(std::string_view text, std::string_view label);
+
+/// The five numbers of a Saupe vector, as a report has them.
+std::vector<double> saupeOf(std::string_view text);
+
+void expectNear(const std::vector<double> &found, const std::vector<double> &expected, double tolerance);
+
+/// Expects the texts in this order, one behind the other.
+void expectOrder(const std::string &text, const std::vector<std::string> &parts);
+
+/// The standard error stream without the lines that tell of the progress.
+std::string withoutProgress(const std::string &err);
 
 /// The rows of a coupling table written by the program: the words of each line behind the FORMAT line.
 std::vector<std::vector<std::string>> tableRows(std::string_view text);

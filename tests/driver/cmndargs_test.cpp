@@ -1,6 +1,10 @@
 // Looking words up by name, and the report on those that nobody used.
 #include "driver/cmndargs.h"
 
+#include "common/line.h"
+#include "common/said.h"
+#include "driver/flag_hint.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -10,21 +14,6 @@
 
 namespace trelm {
 namespace {
-
-/// A command line that can be handed over as argc and argv.
-struct Line {
-    std::vector<std::string> words;
-    std::vector<char *> pointers;
-
-    explicit Line(std::vector<std::string> line) : words(std::move(line))
-    {
-        for (std::string &word : words)
-            pointers.push_back(word.data());
-        pointers.push_back(nullptr);
-    }
-    [[nodiscard]] int argc() const { return static_cast<int>(words.size()); }
-    char **argv() { return pointers.data(); }
-};
 
 TEST(Cmndargs, NegativeNumbersAreValuesAndAMinusAloneIsAFlag)
 {
@@ -73,69 +62,65 @@ TEST(Cmndargs, NumbersOutsideTheirTypeBecomeItsLimit)
     EXPECT_EQ(fltWord("nan"), 0.0f);
 }
 
-struct CheckCase {
-    const char *why;
-    const char *environment; ///< of NMRCHECK; null: unset
-    std::vector<std::string> words;
-    int warnings;
-    std::string told;
-};
-
 TEST(Cmndargs, UnusedWordsAreToldByTheEnvironment)
 {
-    const std::string head = "Warning from trelm:\n";
-    const std::vector<std::string> words = {"trelm", "-dot", "5", "-incl", "stray", "-rM", "1", "  ", "end"};
-    const CheckCase cases[] = {
-        {"unset", nullptr, words, 0, ""},
-        {"all", "ALL", words, 2,
-         head + "  Arguments 3 to 4 may be unknown or unused:\n  ' -incl stray '\n" + head +
-             "  Argument 8 may be unknown or unused:\n  ' end '\n"},
-        {"any other text",
-         "yes",
-         {"trelm", "a"},
-         1,
-         head + "  Argument 1 may be unknown or unused:\n  ' a '\n"},
-        {"flags", "flags", words, 1, head + "  Argument 3 may be unknown or unused:\n  ' -incl '\n"},
-        {"debug",
-         "Debug",
+    const auto warning = [](const std::string &which) { return "Warning from trelm:\n  Argument" + which; };
+    const std::string unused = " may be unknown or unused:\n";
+    const std::string outd = "  -outd: did you mean -outD?\n", incl = "  -incl: did you mean -inc?\n";
+    const std::vector<std::string> words = {"trelm", "-dot", "5",  "-outd", "stray", "-incl",
+                                            "-rM",   "1",    "  ", "end",   "-what"};
+    const struct {
+        const char *environment; ///< of NMRCHECK; null: unset
+        std::vector<std::string> words;
+        int warnings;
+        std::string told;
+    } cases[] = {
+        {nullptr, words, 0, ""},
+        {"ALL", words, 2,
+         warning("s 3 to 5") + unused + "  ' -outd stray -incl '\n" + outd + incl + warning("s 9 to 10") +
+             unused + "  ' end -what '\n"},
+        {"yes", {"trelm", "a"}, 1, warning(" 1") + unused + "  ' a '\n"}, // any other text
+        {"flags", words, 3,
+         warning(" 3") + unused + "  ' -outd '\n" + outd + warning(" 5") + unused + "  ' -incl '\n" + incl +
+             warning(" 10") + unused + "  ' -what '\n"},
+        {"Debug",
          {"trelm", "\xff"},
          1,
          "Debug Info from trelm. Original Checksum: 547 Final Checksum: 547.\n"
          "  0. 1   5 Characters: 'trelm'\n"
          "  1. 0   1 Characters: '\xff'\n" +
-             head + "  Argument 1 may be unknown or unused:\n  ' \xff '\n"},
+             warning(" 1") + unused + "  ' \xff '\n"},
     };
-    for (const CheckCase &check : cases) {
-        SCOPED_TRACE(check.why);
+    for (const auto &check : cases) {
         Line line(check.words);
+        unsetenv("NMRCHECK");
         if (check.environment != nullptr)
             setenv("NMRCHECK", check.environment, 1);
-        else
-            unsetenv("NMRCHECK");
-        testing::internal::CaptureStderr();
-        initArgs(line.argc(), line.argv(), checkFromEnvironment);
-        unsetenv("NMRCHECK");
-        int value = 0;
-        intArgD(line.argc(), line.argv(), "-dot", &value);
-        intArgD(line.argc(), line.argv(), "-rM", &value);
-        EXPECT_EQ(checkArgs(line.argc(), line.argv()), check.warnings);
-        EXPECT_EQ(testing::internal::GetCapturedStderr(), check.told);
+        const std::string told =
+            said([&] {
+                initArgs(line.argc(), line.argv(), checkFromEnvironment);
+                int value = 0;
+                intArgD(line.argc(), line.argv(), "-dot", &value);
+                intArgD(line.argc(), line.argv(), "-rM", &value);
+                EXPECT_EQ(checkArgs(line.argc(), line.argv(), nearestFlag), check.warnings);
+            }).err;
+        EXPECT_EQ(told, check.told);
     }
+    unsetenv("NMRCHECK");
 }
 
 TEST(Cmndargs, LongAndChangedLinesAreTold)
 {
     Line line(std::vector<std::string>(400, "-x"));
-    testing::internal::CaptureStderr();
-    initArgs(line.argc(), line.argv(), checkFlags);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+    EXPECT_EQ(said([&] { initArgs(line.argc(), line.argv(), checkFlags); }).err,
               "Warning from -x: not all arguments will be checked.\n");
-    testing::internal::CaptureStderr();
     line.words[399][1] = 'y';
-    EXPECT_EQ(flagLoc(line.argc(), line.argv(), "-y"), 399); // behind the map, found all the same
-    EXPECT_EQ(checkArgs(line.argc(), line.argv()), 254);
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("argument checking may not be valid.\n"),
-              std::string::npos);
+    const std::string told =
+        said([&] {
+            EXPECT_EQ(flagLoc(line.argc(), line.argv(), "-y"), 399); // behind the map, found all the same
+            EXPECT_EQ(checkArgs(line.argc(), line.argv()), 254);
+        }).err;
+    EXPECT_NE(told.find("argument checking may not be valid.\n"), std::string::npos);
     EXPECT_EQ(checkArgs(line.argc(), line.argv()), 0); // the state is gone
 }
 

@@ -1,5 +1,4 @@
 // What a mistyped option probably meant.
-#include "driver/cmndargs.h"
 #include "driver/flag_hint.h"
 
 #include <gtest/gtest.h>
@@ -52,39 +51,6 @@ TEST(FlagHint, EveryOptionIsNoFaultAndEveryWrongCaseIsMended)
         if (flag.size() > 3) {
             EXPECT_NE(nearestFlag(doubled), "") << doubled;
         }
-    }
-}
-
-TEST(FlagHint, StandsUnderTheWarningOfItsFlag)
-{
-    struct {
-        int mode;
-        const char *told;
-    } cases[] = {
-        {checkFlags, "Warning from trelm:\n  Argument 1 may be unknown or unused:\n  ' -outd '\n"
-                     "  -outd: did you mean -outD?\n"
-                     "Warning from trelm:\n  Argument 3 may be unknown or unused:\n  ' -what '\n"
-                     "Warning from trelm:\n  Argument 4 may be unknown or unused:\n  ' -incl '\n"
-                     "  -incl: did you mean -inc?\n"},
-        {checkAll, "Warning from trelm:\n  Arguments 1 to 5 may be unknown or unused:\n"
-                   "  ' -outd bestFit -what -incl -rM '\n"
-                   "  -outd: did you mean -outD?\n"
-                   "  -incl: did you mean -inc?\n"},
-        {checkNone, ""},
-    };
-    for (const auto &check : cases) {
-        std::string words[] = {"trelm", "-outd", "bestFit", "-what", "-incl", "-rM"};
-        std::vector<char *> argv;
-        for (std::string &word : words)
-            argv.push_back(word.data());
-        if (check.mode == checkFlags)
-            argv.pop_back();
-        const int argc = static_cast<int>(argv.size());
-        argv.push_back(nullptr);
-        testing::internal::CaptureStderr();
-        initArgs(argc, argv.data(), check.mode);
-        checkArgs(argc, argv.data(), nearestFlag);
-        EXPECT_EQ(testing::internal::GetCapturedStderr(), check.told);
     }
 }
 

@@ -1,6 +1,9 @@
 // Every option by its row, contradictions, lists, and values that are none.
 #include "driver/params.h"
 
+#include "common/line.h"
+#include "common/said.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -19,7 +22,7 @@ struct Parsed {
     DcInfo dcInfo;
     PDBSelectInfo sInfo;
     DTensor dTensor;
-    Words words;
+    std::optional<Line> words; ///< texts of the records point into it
     int status = -1;
     std::string told;
 
@@ -27,16 +30,12 @@ struct Parsed {
 
     void read(Words line)
     {
-        words = std::move(line);
-        words.insert(words.begin(), "trelm");
-        std::vector<char *> argv;
-        for (std::string &word : words)
-            argv.push_back(word.data());
-        argv.push_back(nullptr);
-        testing::internal::CaptureStderr();
-        status = getparams(static_cast<int>(words.size()), argv.data(), options, trelmInfo, dcInfo, sInfo,
-                           dTensor);
-        told = testing::internal::GetCapturedStderr();
+        line.insert(line.begin(), "trelm");
+        words.emplace(std::move(line));
+        told = said([&] {
+                   status =
+                       getparams(words->argc(), words->argv(), options, trelmInfo, dcInfo, sInfo, dTensor);
+               }).err;
     }
 };
 
@@ -308,46 +307,49 @@ TEST(Params, TextsAndTheEnvironment)
 
 TEST(Params, ValuesThatAreNoneAreToldOnceAndTheRunGoesOn)
 {
-    struct {
+    const std::string none = " is not a number, 0 is used.";
+    const struct {
         Words line;
-        const char *told;
+        std::string told;
     } cases[] = {
-        {{"-dot", "abc"}, "Warning: the value abc of option -dot is not a number, 0 is used.\n"},
-        {{"-dot", "12abc"}, "Warning: the value 12abc of option -dot is not a number, 12 is used.\n"},
-        {{"-dot", "7.5"}, "Warning: the value 7.5 of option -dot is not an integer, 7 is used.\n"},
+        {{"-dot", "abc"}, "the value abc of option -dot" + none},
+        {{"-dot", "12abc"}, "the value 12abc of option -dot is not a number, 12 is used."},
+        {{"-dot", "7.5"}, "the value 7.5 of option -dot is not an integer, 7 is used."},
         {{"-dot", "99999999999"},
-         "Warning: the value 99999999999 of option -dot is out of range, 2147483647 is used.\n"},
-        {{"-rM", "1e60"}, "Warning: the value 1e60 of option -rM is out of range, 3.40282e+38 is used.\n"},
-        {{"-rM", "nan"}, "Warning: the value nan of option -rM is not a number, 0 is used.\n"},
-        {{"-rM", "-pf1"}, "Warning: the value -pf1 of option -rM is not a number, 0 is used.\n"},
-        {{"-rM", ""}, "Warning: the value  of option -rM is not a number, 0 is used.\n"},
-        {{"-rM", "+-5"}, "Warning: the value +-5 of option -rM is not a number, 0 is used.\n"},
-        {{"-stdCone", "x"}, "Warning: the value x of option -stdCone is not a number, 0 is used.\n"},
-        {{"-cut", "x"}, "Warning: the value x of option -cut is not a number, 0 is used.\n"},
-        {{"-nSel", "x"}, "Warning: the value x of option -nSel is not a number, 0 is used.\n"},
-        {{"-pdb", "p", "-r1", "x"}, "Warning: the value x of option -r1 is not a number, 0 is used.\n"},
-        {{"-pdb", "p", "-dbg", "x"}, "Warning: the value x of option -dbg is not a number, 0 is used.\n"},
-        {{"-w", "1", "x"}, "Warning: the value x of option -w is not a number, 0 is used.\n"},
-        {{"-fixRes", "x"}, "Warning: the value x of option -fixRes is not a number, 0 is used.\n"},
-        {{"-hinge", "x", "1", "2"}, "Warning: the value x of option -hinge is not a number, 0 is used.\n"},
-        {{"-align", "x", "1", "2", "3", "4"},
-         "Warning: the value x of option -align is not a number, 0 is used.\n"},
-        {{"-nSel"}, "Warning: option -nSel has no value.\n"},
-        {{"-pdb", "p", "-rN"}, "Warning: option -rN has no value.\n"},
-        {{"-pdb"}, "Warning: option -pdb has no value.\n"},
-        {{"-w"}, "Warning: option -w has no value.\n"},
+         "the value 99999999999 of option -dot is out of range, 2147483647 is used."},
+        {{"-rM", "1e60"}, "the value 1e60 of option -rM is out of range, 3.40282e+38 is used."},
+        {{"-rM", "nan"}, "the value nan of option -rM" + none},
+        {{"-rM", "-pf1"}, "the value -pf1 of option -rM" + none},
+        {{"-rM", ""}, "the value  of option -rM" + none},
+        {{"-rM", "+-5"}, "the value +-5 of option -rM" + none},
+        {{"-stdCone", "x"}, "the value x of option -stdCone" + none},
+        {{"-cut", "x"}, "the value x of option -cut" + none},
+        {{"-nSel", "x"}, "the value x of option -nSel" + none},
+        {{"-pdb", "p", "-r1", "x"}, "the value x of option -r1" + none},
+        {{"-pdb", "p", "-dbg", "x"}, "the value x of option -dbg" + none},
+        {{"-w", "1", "x"}, "the value x of option -w" + none},
+        {{"-fixRes", "x"}, "the value x of option -fixRes" + none},
+        {{"-hinge", "x", "1", "2"}, "the value x of option -hinge" + none},
+        {{"-align", "x", "1", "2", "3", "4"}, "the value x of option -align" + none},
+        {{"-nSel"}, "option -nSel has no value."},
+        {{"-pdb", "p", "-rN"}, "option -rN has no value."},
+        {{"-pdb"}, "option -pdb has no value."},
+        {{"-w"}, "option -w has no value."},
         {{"-pdb", "p", "-dbg"}, ""},
         {{"-dbg", "-pdb", "p"}, ""},
         {{"-ave"}, ""},
         {{"-rM", "+5.e-1", "-dot", "+5", "-cut", ".5"}, ""},
-        {{"-saupe", "1", "2", "3", "4"}, "GORVAT Error: -saupe option requires 5 values.\n"},
     };
     for (const auto &check : cases) {
         Parsed parsed;
         parsed.read(check.line);
         EXPECT_EQ(parsed.status, 0) << check.line[0];
-        EXPECT_EQ(parsed.told, check.told) << check.line[0];
+        EXPECT_EQ(parsed.told, check.told.empty() ? "" : "Warning: " + check.told + "\n");
     }
+    Parsed four;
+    four.read({"-saupe", "1", "2", "3", "4"});
+    EXPECT_EQ(four.status, 0);
+    EXPECT_EQ(four.told, "GORVAT Error: -saupe option requires 5 values.\n");
 }
 
 TEST(Params, ListsOfAnotherLengthEndTheReading)
@@ -357,27 +359,26 @@ TEST(Params, ListsOfAnotherLengthEndTheReading)
         line[0] = flag;
         return line;
     };
-    struct {
+    const struct {
         Words line;
         const char *told;
     } cases[] = {
-        {{"-cut", "1", "2"}, "GORVAT Error: -cut option requires 1 value only.\n"},
-        {{"-cut"}, "GORVAT Error: -cut option requires 1 value only.\n"},
-        {{"-inS1", "1", "2", "3", "4"}, "GORVAT Error: -inS1 option requires 5 values.\n"},
-        {longList("-inS2", 6), "GORVAT Error: -inS2 option requires 5 values.\n"},
-        {{"-inS"}, "GORVAT Error: -inS option requires 5 values.\n"},
-        {longList("-hinge", 4), "GORVAT Error: -hinge option requires 3 values.\n"},
-        {longList("-twist", 2), "GORVAT Error: -twist option requires 3 values.\n"},
-        {longList("-fixAa", 26), "GORVAT Error: option -fixAa takes at most 25 values, 26 were given.\n"},
-        {longList("-fixRes", 801),
-         "GORVAT Error: option -fixRes takes at most 800 values, 801 were given.\n"},
-        {longList("-dcID", 4), "GORVAT Error: option -dcID takes at most 3 values, 4 were given.\n"},
+        {{"-cut", "1", "2"}, "-cut option requires 1 value only.\n"},
+        {{"-cut"}, "-cut option requires 1 value only.\n"},
+        {{"-inS1", "1", "2", "3", "4"}, "-inS1 option requires 5 values.\n"},
+        {longList("-inS2", 6), "-inS2 option requires 5 values.\n"},
+        {{"-inS"}, "-inS option requires 5 values.\n"},
+        {longList("-hinge", 4), "-hinge option requires 3 values.\n"},
+        {longList("-twist", 2), "-twist option requires 3 values.\n"},
+        {longList("-fixAa", 26), "option -fixAa takes at most 25 values, 26 were given.\n"},
+        {longList("-fixRes", 801), "option -fixRes takes at most 800 values, 801 were given.\n"},
+        {longList("-dcID", 4), "option -dcID takes at most 3 values, 4 were given.\n"},
     };
     for (const auto &check : cases) {
         Parsed parsed;
         parsed.read(check.line);
         EXPECT_EQ(parsed.status, 1) << check.line[0];
-        EXPECT_EQ(parsed.told, check.told);
+        EXPECT_EQ(parsed.told, std::string("GORVAT Error: ") + check.told);
     }
     Parsed full;
     full.read(longList("-fixRes", 800));
@@ -386,6 +387,34 @@ TEST(Params, ListsOfAnotherLengthEndTheReading)
     stopped.read({"-inS1", "1", "-outA", "later", "-outD", "earlier"});
     EXPECT_EQ(stopped.options.outAName, "");
     EXPECT_EQ(stopped.options.outDName, "earlier");
+}
+
+TEST(Params, TheSelectionHasAHelpTextOfItsOwn)
+{
+    Line line({"trelm", "-help", "-inv"});
+    PDBSelectInfo sInfo;
+    EXPECT_EQ(said([&] { getPDBSelectArgs(line.argc(), line.argv(), &sInfo); }).err,
+              " -res      resID  Single Residue for Selection.\n"
+              " -r1       res1   First Residue in Segment.\n"
+              " -rN       resN   Last Residue in Segment.\n"
+              " -atomName aList  Atom Name List  (also -atom).\n"
+              " -resName  rList  Res Name List   (Default: *).\n"
+              " -chain    cList  Chain Name List (Default: *).\n"
+              " -seg      sList  Seg Name List   (Default: *).\n"
+              " -id       sID    Selection ID.\n"
+              " -inv             Invert Selection.\n"
+              "Special Class Selection:\n"
+              " -protein        Select Only Canonical Amino Acids.\n"
+              "Reset Selection; No Other Selection Performed:\n"
+              " -clear          Clear Selection for All Atoms.\n"
+              " -set            Set Selection for All Atoms.\n"
+              "Name Matching Modes:\n"
+              " -exact        Match Names Exactly (Default).\n"
+              " -regex        Regular Expression Pattern Matching.\n"
+              " -glob         Glob-style Pattern Matching.\n"
+              "PDB Input Options:\n"
+              " -hetatm       Interpret HETATM records as ATOMs.\n");
+    EXPECT_EQ(sInfo.selectMode, 1);
 }
 
 } // namespace

@@ -1,5 +1,8 @@
 #include "faults/forked_run.h"
 
+#include "common/file_text.h"
+#include "common/line.h"
+
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
@@ -7,8 +10,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
-#include <sstream>
 
 namespace fs = std::filesystem;
 
@@ -45,22 +46,10 @@ void redirect(const char *path, int flags, int stream)
         setenv("NMRCHECK", run.checkMode, 1);
     if (fault.isBlock)
         setenv("TRELM_FAIL_ALLOC", std::to_string(fault.n).c_str(), 1);
-    std::vector<std::string> words = {"trelm"};
-    words.insert(words.end(), run.args.begin(), run.args.end());
-    std::vector<char *> argv;
-    for (std::string &word : words)
-        argv.push_back(word.data());
-    argv.push_back(nullptr);
+    trelm::Line line("trelm", run.options);
     alarm(longestRun);
     startFaults(fault.kind, fault.isBlock ? 0 : fault.n, *folder.shared);
-    std::exit(trelmMain(static_cast<int>(words.size()), argv.data()));
-}
-
-std::string textOf(const fs::path &path)
-{
-    std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    return text.str();
+    std::exit(trelmMain(line.argc(), line.argv()));
 }
 
 } // namespace
@@ -97,8 +86,8 @@ ForkedRun runForked(const WalkFolder &folder, const SmallRun &run, const ChosenF
     waitpid(child, &state, 0);
     ForkedRun ran;
     ran.status = WIFEXITED(state) ? WEXITSTATUS(state) : 128 + WTERMSIG(state);
-    ran.out = textOf(folder.root / "stdout");
-    ran.err = textOf(folder.root / "stderr");
+    ran.out = fileText(folder.root / "stdout");
+    ran.err = fileText(folder.root / "stderr");
     ran.faults = *folder.shared;
     return ran;
 }
@@ -107,6 +96,6 @@ std::map<std::string, std::string> filesOf(const WalkFolder &folder)
 {
     std::map<std::string, std::string> files;
     for (const fs::directory_entry &entry : fs::directory_iterator(folder.root / "run"))
-        files[entry.path().filename().string()] = textOf(entry.path());
+        files[entry.path().filename().string()] = fileText(entry.path());
     return files;
 }

@@ -8,7 +8,7 @@
 
 struct SmallRun {
     const char *name;
-    std::vector<const char *> args;
+    std::string options;
     const char *checkMode = nullptr; ///< NMRCHECK
 };
 

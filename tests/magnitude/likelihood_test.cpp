@@ -1,36 +1,19 @@
 // The likelihood search: fast scores against the plain form, tensors that come back, and what is refused.
 #include "magnitude/likelihood.h"
 
+#include "common/said.h"
+#include "common/temp_file.h"
 #include "magnitude/powder.h"
 #include "reference/likelihood_reference.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
-#include <fstream>
 #include <random>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 namespace trelm {
 namespace {
-
-using testing::internal::CaptureStderr;
-using testing::internal::CaptureStdout;
-using testing::internal::GetCapturedStderr;
-using testing::internal::GetCapturedStdout;
-
-std::vector<float> turned(std::vector<float> couplings)
-{
-    const auto [low, high] = std::ranges::minmax(couplings);
-    if (-low > high)
-        for (float &d : couplings)
-            d = -d;
-    return couplings;
-}
 
 TEST(Likelihood, FastScoreIsThePlainOne)
 {
@@ -41,8 +24,9 @@ TEST(Likelihood, FastScoreIsThePlainOne)
     for (const int count : {20, 63, 2000, 5000}) {
         for (const double sigma : {0.05, 0.5, 1.7}) {
             for (const double Da : {-3.5, -10.3, -24.0}) {
-                const std::vector<float> couplings = turned(powderCouplings(
-                    {.da = Da, .rhombicity = 0.3 * any(engine), .count = count, .sigma = sigma}));
+                std::vector<float> couplings = powderCouplings(
+                    {.da = Da, .rhombicity = 0.3 * any(engine), .count = count, .sigma = sigma});
+                turnPositive(couplings);
                 for (const bool clear : {false, true}) {
                     PatternScorer scorer;
                     ASSERT_EQ(startScorer(scorer, couplings, sigma), 0);
@@ -90,32 +74,27 @@ TEST(Likelihood, PatternIsADensityBetweenItsExtremes)
 struct Search {
     Powder powder = {.count = 300};
     HistInfo histInfo = {.incDaMl = 0.2f, .incRMl = 0.02f};
-    std::string atom = "All";
-    std::string scoreName = "scores";
-
     int status = -1;
     std::string err = {}, scores = {};
 
     void run()
     {
-        const std::filesystem::path folder = std::filesystem::temp_directory_path();
-        const std::string stem = (folder / ("likelihood_" + std::to_string(getpid()))).string();
-        const std::string scoreFile = scoreName == "scores" ? stem + ".scores" : scoreName;
-        ASSERT_TRUE(writePowder(stem + ".tab", powder));
+        const TempFile table, scoreFile;
+        ASSERT_TRUE(writePowder(table.name, powder));
+        DTable dTab;
         TrelmInfo trelmInfo;
         trelmInfo.trelmMode = 10;
         trelmInfo.histInfo = histInfo;
         DcInfo dcInfo;
-        CaptureStderr();
-        CaptureStdout();
-        status = getMlDabR(stem + ".tab", &trelmInfo, &dcInfo, atom, "All", stem + ".out", scoreFile);
-        GetCapturedStdout();
-        err = GetCapturedStderr();
+        const MagnitudeJob job = {.inDName = table.name,
+                                  .outDName = "/dev/null",
+                                  .dTab = &dTab,
+                                  .trelmInfo = &trelmInfo,
+                                  .dcInfo = &dcInfo};
+        err = said([&] { status = getMlDabR(job, scoreFile.name); }).err;
         histInfo = trelmInfo.histInfo;
-        std::ifstream file(scoreFile);
+        std::ifstream file(scoreFile.name);
         scores.assign(std::istreambuf_iterator<char>(file), {});
-        for (const std::string &name : {stem + ".tab", stem + ".out", stem + ".scores"})
-            std::filesystem::remove(name);
     }
 };
 
@@ -136,39 +115,6 @@ TEST(Likelihood, TensorsComeBackWithinTheirErrors)
             EXPECT_NEAR(search.histInfo.RMl, R, search.histInfo.RErrMl) << Da;
         }
     }
-}
-
-TEST(Likelihood, PatternsLeftOverFavourNarrowTensors)
-{
-    Search kept = {.powder = {.count = 2000}};
-    kept.run();
-    ASSERT_EQ(kept.status, 0) << kept.err;
-    EXPECT_GT(kept.histInfo.DaMl, -9.4f);
-    EXPECT_LT(kept.histInfo.RMl, 0.12f);
-
-    // One R at a time widens the pattern only, and leaves nothing over.
-    Search oneR = {.powder = kept.powder};
-    oneR.histInfo.lRMl = 0.22f;
-    oneR.histInfo.hRMl = 0.23f;
-    oneR.run();
-    EXPECT_NEAR(oneR.histInfo.DaMl, -10.3, 0.3);
-}
-
-TEST(Likelihood, DefaultGridStopsShortOfItsLimits)
-{
-    Search search = {.powder = {.count = 20}, .histInfo = {}};
-    search.run();
-    ASSERT_EQ(search.status, 0) << search.err;
-    EXPECT_EQ(std::ranges::count(search.scores, '\n'), 220 * 70 + 3);
-    const std::string head = "VARS   DA R SCORE\nFORMAT %3.1f %1.2f %e\n\n-3.0 0.00 ";
-    EXPECT_EQ(search.scores.substr(0, head.size()), head);
-    EXPECT_NE(search.scores.find("\n-24.9 0.00 "), std::string::npos);
-    EXPECT_NE(search.scores.find("\n-24.9 0.69 "), std::string::npos);
-    EXPECT_EQ(search.scores.find("\n-25.0 "), std::string::npos);
-    EXPECT_EQ(search.scores.find(" 0.70 "), std::string::npos);
-    EXPECT_NE(search.err.find("Grid point R = 0.00 D = -3.00\rGrid point R = 0.00 D = -3.10\r"),
-              std::string::npos);
-    EXPECT_TRUE(search.err.ends_with("Grid point R = 0.69 D = -24.90\r\n"));
 }
 
 TEST(Likelihood, LimitsOfEitherOrderAndSign)
@@ -233,15 +179,12 @@ TEST(Likelihood, RefusesWhatItCannotSearch)
     const Case cases[] = {
         {"Error: 5001 couplings, the limit of a likelihood search is 5000.\n",
          [](Search &s) { s.powder.count = 5001; }},
-        {"trelm: no coupling is left to estimate a tensor from.\n", [](Search &s) { s.atom = "CA"; }},
         {"Error: the grid of Da and R has 20001 points, the limit is 20000.\n",
          [](Search &s) {
              s.histInfo.lDaMl = -3.0f - 2.0001e1f;
              s.histInfo.incDaMl = 0.001f;
              s.histInfo.hRMl = 0.01f;
          }},
-        {"Error: the grid of Da and R has no point: a step is 0 or limits cross.\n",
-         [](Search &s) { s.histInfo.incDaMl = 0.0f; }},
         {"Error: the grid of Da and R has no point: a step is 0 or limits cross.\n",
          [](Search &s) { s.histInfo.incRMl = 0.0f; }},
         {"Error: the grid of Da and R has no point: a step is 0 or limits cross.\n",
@@ -259,8 +202,6 @@ TEST(Likelihood, RefusesWhatItCannotSearch)
         {"Error: the mean error of the couplings is 1.71 Hz, it must be 1e-06 to 1.70 Hz.\n",
          [](Search &s) { s.powder.sigma = 1.71; }},
         {" Hz, more than the frequency axis of 81.92 Hz.\n", [](Search &s) { s.powder.da = -45.0; }},
-        {"TRELM Error opening output file /no/such/folder/scores\n",
-         [](Search &s) { s.scoreName = "/no/such/folder/scores"; }},
     };
     for (const Case &fault : cases) {
         Search search;
@@ -287,6 +228,23 @@ TEST(Likelihood, TakesWhatIsJustWithinTheLimits)
     fine.run();
     EXPECT_EQ(fine.status, 0) << fine.err;
     EXPECT_EQ(std::ranges::count(fine.scores, '\n'), 20000 + 3);
+}
+
+TEST(Likelihood, AGridWithoutPointsHasNone)
+{
+    const std::vector<float> couplings = {1.0f, -2.0f};
+    // Not even where the other axis has more steps than an integer counts.
+    for (const MlGrid &grid :
+         {MlGrid{-20.0, -3.0, 0.1, 0.5, 0.5, 0.1}, MlGrid{-1e300, -3.0, 1.0, 0.5, 0.5, 0.1},
+          MlGrid{-3.0, -3.0, 0.1, 0.0, 1e9, 1e-300}}) {
+        std::vector<MlPoint> list(10);
+        int count = -1;
+        EXPECT_EQ(said([&] {
+                      EXPECT_EQ(mlMagTensor({couplings, 0.5}, grid, true, list, count), 0);
+                  }).err,
+                  "\n");
+        EXPECT_EQ(count, 0);
+    }
 }
 
 TEST(Likelihood, RangesAreThePlainOnes)

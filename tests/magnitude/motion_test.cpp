@@ -1,19 +1,16 @@
 // Sets of residues against the pattern of a rigid molecule.
 #include "magnitude/motion.h"
 
+#include "common/said.h"
+#include "common/temp_file.h"
 #include "magnitude/histogram.h"
 #include "magnitude/likelihood_score.h"
 #include "magnitude/powder.h"
 #include "simulation/sphere.h"
 
-#include <gtest/gtest.h>
-
-#include <unistd.h>
-
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
-#include <fstream>
+#include <random>
 #include <sstream>
 
 namespace trelm {
@@ -72,17 +69,36 @@ TEST(Motion, ScoresAreBroughtInto0To1)
     EXPECT_EQ(boundScores({}).maxScore[0], 0.0);
 }
 
-TEST(Motion, ColoursOfACell)
+TEST(Motion, ColoursAreThoseOfAWalkOverAllSetsForEachCell)
 {
-    const std::vector<MotionSet> sets = {{.Dab = -9.95f, .R = 0.205f, .scores = {0.0, 0.1, 0.5}},
-                                         {.Dab = -10.05f, .R = 0.2f, .scores = {0.0, 0.3, 0.2}},
-                                         {.Dab = -5.0f, .R = 0.5f, .scores = {7.0, -1.0, 1.0}}};
-    using Colours = std::array<int, 3>;
-    EXPECT_EQ(cellColours(sets, -10.0, 0.2), (Colours{1, 5, 8})); // the largest of each; seen: at least 1
-    EXPECT_EQ(cellColours(sets, -10.1, 0.2), (Colours{1, 5, 3}));
-    EXPECT_EQ(cellColours(sets, -10.0, 0.22), (Colours{0, 0, 0}));
-    EXPECT_EQ(cellColours(sets, -5.1 + 1e-9, 0.5), (Colours{15, 0, 15}));
-    EXPECT_EQ(cellColours(sets, -5.2, 0.5), (Colours{0, 0, 0}));
+    std::mt19937 engine(5);
+    std::uniform_real_distribution<double> score(0.0, 1.2);
+    std::uniform_int_distribution<int> tenth(-4, 44), hundredth(-4, 24);
+    const MapAxes axes = {.firstDab = -13.0, .firstR = 0.0, .countDab = 21, .countR = 11};
+    std::vector<MotionSet> sets(250);
+    for (MotionSet &set : sets) // on the rims of cells, and beyond those of the map
+        set = {.Dab = static_cast<float>(axes.firstDab + 0.1 * tenth(engine)),
+               .R = static_cast<float>(0.01 * hundredth(engine)),
+               .scores = {score(engine), score(engine), score(engine)}};
+    const auto colours = mapColours(sets, axes);
+    ASSERT_EQ(colours.size(), 21u * 11u);
+    int empty = 0;
+    for (std::size_t cell = 0; cell < colours.size(); ++cell) {
+        const double Dab = axes.firstDab + 0.2 * static_cast<double>(cell / 11),
+                     R = 0.02 * static_cast<double>(cell % 11);
+        std::array<int, 3> plain = {};
+        for (const MotionSet &set : sets)
+            if (std::fabs(set.Dab - Dab) <= 0.5 * 0.2 && std::fabs(set.R - R) <= 0.5 * 0.02)
+                for (std::size_t list = 0; list < 3; ++list)
+                    plain[list] =
+                        std::max({plain[list], list == 0 ? 1 : 0,
+                                  static_cast<int>(std::ceil(15.0 * std::min(set.scores[list], 1.0)))});
+        EXPECT_EQ(colours[cell], plain) << Dab << ' ' << R;
+        empty += plain[0] == 0 ? 1 : 0;
+    }
+    EXPECT_GT(empty, 10);
+    EXPECT_LT(empty, 150);
+    EXPECT_EQ(mapColours({}, {.countDab = 1, .countR = 1}).at(0), (std::array<int, 3>{0, 0, 0}));
 }
 
 /// What a run on a synthetic pattern leaves.
@@ -93,23 +109,22 @@ struct MotionRun {
 
 MotionRun runMotion(const Powder &powder, TrelmInfo info)
 {
-    const std::string stem =
-        (std::filesystem::temp_directory_path() / ("trelm_motion_" + std::to_string(getpid()))).string();
-    EXPECT_TRUE(writePowder(stem, powder));
+    const TempFile couplings, table("before"), map("before");
+    EXPECT_TRUE(writePowder(couplings.name, powder));
     DTable dTab;
     DcInfo dcInfo;
     info.trelmMode = 11;
     MotionRun run;
-    run.status = motionHist(
-        {.inDName = stem, .outDName = "/dev/null", .dTab = &dTab, .trelmInfo = &info, .dcInfo = &dcInfo},
-        stem + ".sc", stem + ".col");
-    for (auto [suffix, text] : {std::pair{".sc", &run.table}, std::pair{".col", &run.map}}) {
-        std::ostringstream all;
-        all << std::ifstream(stem + suffix).rdbuf();
-        *text = all.str();
-        std::filesystem::remove(stem + suffix);
-    }
-    std::filesystem::remove(stem);
+    said([&] {
+        run.status = motionHist({.inDName = couplings.name,
+                                 .outDName = "/dev/null",
+                                 .dTab = &dTab,
+                                 .trelmInfo = &info,
+                                 .dcInfo = &dcInfo},
+                                table.name, map.name);
+    });
+    for (const auto &[file, text] : {std::pair{&table, &run.table}, std::pair{&map, &run.map}})
+        text->assign(std::istreambuf_iterator(std::ifstream(file->name).rdbuf()), {});
     return run;
 }
 
@@ -201,17 +216,26 @@ TEST(Motion, RatioIsThatOfTheCouplingsOverAnEvenDistribution)
 
 TEST(Motion, ASetLargerThanTheMoleculeIsAllOfIt)
 {
-    TrelmInfo info;
-    info.histRan = 3;
-    info.histInfo.modeFit = 2;
     for (const int sCount : {0, 60, 1000}) {
+        TrelmInfo info;
+        info.histRan = 3;
+        info.histInfo.modeFit = 2;
         info.sCount = sCount;
         const auto sets = numbers(runMotion({.count = 60, .sigma = 0.3}, info).table);
         ASSERT_EQ(sets.size(), 3u) << sCount;
-        for (const auto &set : sets)
-            EXPECT_EQ(set[3], 60.0) << sCount;
+        EXPECT_EQ(sets[0][3], 60.0) << sCount;
         EXPECT_EQ(sets[0][1], sets[2][1]);
     }
+}
+
+TEST(Motion, ARefusedRunLeavesTheResultsOfAnEarlierOne)
+{
+    TrelmInfo info;
+    info.histRan = 0;
+    const MotionRun run = runMotion({.count = 60}, info);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.table, "before");
+    EXPECT_EQ(run.map, "before");
 }
 
 TEST(Motion, MoreThanThousandsOfCouplings)

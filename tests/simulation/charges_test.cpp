@@ -1,46 +1,20 @@
 #include "simulation/charges.h"
 
+#include "common/said.h"
 #include "simulation/charge_tables.h"
+#include "simulation/molecules.h"
 #include "support/text.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cmath>
-#include <filesystem>
-#include <fstream>
 #include <set>
 #include <sstream>
-#include <unistd.h>
 
 using namespace trelm;
 using testing::HasSubstr;
-using testing::internal::CaptureStderr;
-using testing::internal::GetCapturedStderr;
 
 namespace {
-
-const std::filesystem::path folder = testing::TempDir() + "trelm_charges_" + std::to_string(getpid());
-
-/// A file in a folder of this run, which goes when the program ends.
-std::string tempName(const char *name)
-{
-    static const struct Folder {
-        Folder() { std::filesystem::create_directory(folder); }
-        ~Folder() { std::filesystem::remove_all(folder); }
-    } made;
-    return folder / name;
-}
-
-/// A molecule of which every atom is selected.
-PDBInfo readMolecule(const std::string &name)
-{
-    PDBInfo pdbInfo;
-    EXPECT_EQ(readPDB(name, &pdbInfo, nullptr), 0);
-    for (AtomInfo &atom : pdbInfo.atoms())
-        atom.selected = 1;
-    return pdbInfo;
-}
 
 /// One from residues such as "A GLY 1 N CA", a line for each.
 PDBInfo makeMolecule(const std::string &residues)
@@ -53,8 +27,7 @@ PDBInfo makeMolecule(const std::string &residues)
             appendf(text, "ATOM      1  %-3s %-4s%s%4s       1.000   0.000   0.000  1.00  0.00\n",
                     name.c_str(), resName.c_str(), chain.c_str(), resID.c_str());
     }
-    std::ofstream(tempName("pdb")) << text;
-    return readMolecule(tempName("pdb"));
+    return moleculeOf(text);
 }
 
 struct Placed {
@@ -73,9 +46,8 @@ Placed place(PDBInfo &pdbInfo, const ElInfo &elInfo, const std::string &inName =
     TrelmInfo trelmInfo;
     trelmInfo.elInfo = elInfo;
     Placed placed;
-    CaptureStderr();
-    placed.status = chargeSetup(inName, &pdbInfo, trelmInfo, set, outName);
-    placed.messages = GetCapturedStderr();
+    placed.messages =
+        said([&] { placed.status = chargeSetup(inName, &pdbInfo, trelmInfo, set, outName); }).err;
     placed.sum = set.chSum;
     for (std::size_t i = 0; i < static_cast<std::size_t>(set.chCount); ++i)
         placed.charges.emplace_back(atoms[i], charges[i]);
@@ -84,8 +56,8 @@ Placed place(PDBInfo &pdbInfo, const ElInfo &elInfo, const std::string &inName =
 
 Placed placeLines(PDBInfo &pdbInfo, const ElInfo &elInfo, const std::string &lines)
 {
-    std::ofstream(tempName("pka"), std::ios::binary) << lines;
-    return place(pdbInfo, elInfo, tempName("pka"));
+    const TempFile file(lines);
+    return place(pdbInfo, elInfo, file.name);
 }
 
 MATCHER(SameCharge, "")
@@ -98,9 +70,10 @@ MATCHER(SameCharge, "")
 /// was written.
 std::string expectRoundTrip(PDBInfo &pdbInfo, const ElInfo &elInfo, const std::string &inName = "")
 {
-    Placed first = place(pdbInfo, elInfo, inName, tempName("out"));
-    const std::string written(std::istreambuf_iterator(std::ifstream(tempName("out")).rdbuf()), {});
-    Placed again = place(pdbInfo, elInfo, tempName("out"));
+    const TempFile out;
+    Placed first = place(pdbInfo, elInfo, inName, out.name);
+    const std::string written(std::istreambuf_iterator(std::ifstream(out.name).rdbuf()), {});
+    Placed again = place(pdbInfo, elInfo, out.name);
     EXPECT_EQ(again.status, 0) << again.messages;
     std::ranges::sort(first.charges);
     std::ranges::sort(again.charges);
@@ -154,17 +127,15 @@ TEST(Charges, DefaultsTitrateGroupsAndWriteThem)
 
 TEST(Charges, WrittenFileGivesTheSameCharges)
 {
-    PDBInfo ubiquitin = readMolecule(TRELM_EXAMPLES "/ubiquitin/1d3z_model1.pdb");
-    for (const float pH : {3.0f, 7.0f, 9.5f})
-        EXPECT_NE(expectRoundTrip(ubiquitin, electrostatics(0, pH)), "");
-    EXPECT_NE(expectRoundTrip(ubiquitin, electrostatics(1, 7.0f)), "");
-    EXPECT_NE(expectRoundTrip(ubiquitin, electrostatics(2, 4.0f)), "");
+    PDBInfo pdbInfo = ubiquitin();
+    for (const auto &[charmm, pH] : {std::pair{0, 3.0f}, {0, 7.0f}, {0, 9.5f}, {1, 7.0f}, {2, 4.0f}})
+        EXPECT_NE(expectRoundTrip(pdbInfo, electrostatics(charmm, pH)), "");
     // Two equal chains, an end with one oxygen, half an aspartate, and a residue that is both ends.
     PDBInfo odd = makeMolecule("A GLY 1 N\nA ASP 2 OD1\nA LYS 3 NZ\nA GLY 4 O\n"
                                "B GLY 1 N\nB ASP 2 OD1\nB LYS 3 NZ\nB GLY 4 O");
     EXPECT_NE(expectRoundTrip(odd, electrostatics()), "");
-    std::ofstream(tempName("pka")) << "1 pKa N 7\n1 pKa N 7\n2 pKa default 4\n"; // charges add
-    EXPECT_NE(expectRoundTrip(odd, electrostatics(), tempName("pka")), "");
+    const TempFile twice("1 pKa N 7\n1 pKa N 7\n2 pKa default 4\n"); // charges add
+    EXPECT_NE(expectRoundTrip(odd, electrostatics(), twice.name), "");
     PDBInfo single = makeMolecule("A GLY 1 N O OXT");
     EXPECT_NE(expectRoundTrip(single, electrostatics()), "");
 }
@@ -235,6 +206,7 @@ TEST(Charges, FileLinesAreReadOrRefused)
         {"3 charge terminus 1", noAtom + "3 or the proper atom in the given PDB file!\n", {}},
         {"4 pKa default 1", noAtom + "4 or", {}},
         {"", "0 Charges/pka Values, Net Charge 0.000 Residues 999 to -1.", {}},
+        {"1001 charge NZ 1", "Residues 999 to 1001.", {}},
         {"1 charge NZ 1\n1 charge NZ\n", wrong + "1 charge NZ\n", {}},
         {"1 charge NZ 1 2", wrong + "1 charge NZ 1 2\n", {}},
         {"\n1 charge NZ 1", wrong + "\n", {}},

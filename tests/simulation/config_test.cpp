@@ -1,17 +1,14 @@
 #include "simulation/config.h"
 
+#include "common/said.h"
+#include "common/temp_file.h"
+
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <array>
 #include <climits>
-#include <filesystem>
-#include <fstream>
-#include <unistd.h>
 
 using namespace trelm;
-using testing::internal::CaptureStderr;
-using testing::internal::GetCapturedStderr;
 
 namespace {
 
@@ -24,14 +21,9 @@ struct Read {
 
 Read readLines(const std::string &text)
 {
-    const std::string name = testing::TempDir() + "trelm_" + std::to_string(getpid()) + "_" +
-                             testing::UnitTest::GetInstance()->current_test_info()->name() + ".inp";
-    std::ofstream(name, std::ios::binary) << text;
+    const TempFile file(text);
     Read read;
-    CaptureStderr();
-    read.status = readConfig(name, read.trelmInfo, read.search);
-    read.messages = GetCapturedStderr();
-    std::filesystem::remove(name);
+    read.messages = said([&] { read.status = readConfig(file.name, read.trelmInfo, read.search); }).err;
     return read;
 }
 
@@ -109,8 +101,9 @@ TEST(Config, LinesAreReadOrRefused)
 TEST(Config, MissingFileIsToldAndNoNameIsNone)
 {
     Read read;
-    CaptureStderr();
-    EXPECT_EQ(readConfig("", read.trelmInfo, read.search), 0);
-    EXPECT_EQ(readConfig("none.inp", read.trelmInfo, read.search), 1);
-    EXPECT_EQ(GetCapturedStderr(), "readConfig File open error: none.inp.\n");
+    const Said messages = said([&] {
+        EXPECT_EQ(readConfig("", read.trelmInfo, read.search), 0);
+        EXPECT_EQ(readConfig("none.inp", read.trelmInfo, read.search), 1);
+    });
+    EXPECT_EQ(messages.err, "readConfig File open error: none.inp.\n");
 }

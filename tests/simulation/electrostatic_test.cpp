@@ -1,37 +1,26 @@
 // The weighted kernels against their plain forms, and what a weighted simulation must obey.
 #include "simulation/electrostatic.h"
 
+#include "common/said.h"
 #include "reference/electrostatic_reference.h"
 #include "simulation/alignment.h"
 #include "simulation/grid3d.h"
+#include "simulation/molecules.h"
 #include "simulation/potential.h"
-#include "simulation/sphere.h"
 #include "simulation/steric.h"
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
-#include <fstream>
 #include <random>
-#include <unistd.h>
 #include <vector>
 
 namespace trelm {
 namespace {
 
-using testing::internal::CaptureStderr;
-using testing::internal::CaptureStdout;
-using testing::internal::GetCapturedStderr;
-using testing::internal::GetCapturedStdout;
-
 /// Atoms about their centre, charges on the first of them, and the orientations.
 struct Molecule {
-    std::vector<double> x, y, z;
-    std::vector<int> chargeAtomID;
-    std::vector<float> charge;
-    std::vector<double> dots;
+    std::vector<double> x, y, z, dots;
+    Charges placed;
     double size = 0.0;
 
     Molecule(unsigned seed, int atoms, int charges, double radius, int densit = 20)
@@ -45,22 +34,13 @@ struct Molecule {
             size = std::max(size, std::hypot(x.back(), y.back(), z.back()));
         }
         for (int c = 0; c < charges; ++c) {
-            chargeAtomID.push_back(c);
-            charge.push_back(c % 3 == 0 ? -1.0f : 0.55f);
+            placed.atoms.push_back(c);
+            placed.values.push_back(c % 3 == 0 ? -1.0f : 0.55f);
         }
-        std::span<const double> generated;
-        EXPECT_EQ(do_unsp(densit, generated), 0);
-        dots.assign(generated.begin(), generated.end());
+        dots = dotsOf(densit);
     }
     [[nodiscard]] Coordinates view() const { return {x, y, z}; }
-    ChargeSet charges()
-    {
-        ChargeSet set;
-        set.chargeAtomID = chargeAtomID;
-        set.charges = charge;
-        set.chCount = static_cast<int>(charge.size());
-        return set;
-    }
+    ChargeSet charges() { return placed.set(); }
     [[nodiscard]] SmaSetup setup() const { return {size, 0.0}; }
 };
 
@@ -88,20 +68,14 @@ Potential makeTable(int count, double first)
     return potential;
 }
 
-/// sma with its lines out of the way; `out` gets those of standard output.
-int quietSma(const TrelmInfo &info, Molecule &molecule, Potential &potential, Saupe &saupe,
-             std::string *out = nullptr, std::string *err = nullptr)
+/// sma and what it says.
+Said smaSays(const TrelmInfo &info, Molecule &molecule, Potential &potential, Saupe &saupe, int expected = 0)
 {
-    CaptureStdout();
-    CaptureStderr();
-    const int status =
-        sma(info, molecule.view(), molecule.dots, molecule.setup(), molecule.charges(), potential, saupe);
-    const std::string printed = GetCapturedStdout(), complained = GetCapturedStderr();
-    if (out != nullptr)
-        *out = printed;
-    if (err != nullptr)
-        *err = complained;
-    return status;
+    return said([&] {
+        EXPECT_EQ(
+            sma(info, molecule.view(), molecule.dots, molecule.setup(), molecule.charges(), potential, saupe),
+            expected);
+    });
 }
 
 void expectSame(const Saupe &fast, const Saupe &plain, double tolerance)
@@ -128,7 +102,7 @@ TEST(Weighted, FastIsPlain)
         {lcWall, 6e-6, 0.0f, -0.47f, 0.2f, 24}, {lcWall, 60.0, 0.0f, -0.47f, 0.2f, 24},
         {lcWall, 400.0, 1.5f, 0.47f, 0.02f, 9}, {lcWall, 400.0, 0.3f, -9.0f, 0.01f, 30},
         {lcRod, 6e-6, 0.0f, -0.47f, 0.2f, 24},  {lcRod, 1e-3, 1.5f, 0.47f, 0.02f, 24},
-        {lcRod, 0.1, 0.4f, -0.2f, 0.1f, 7},
+        {lcRod, 0.1, 0.4f, -0.2f, 0.1f, 7},     {lcWall, 6e-6, 0.0f, -0.47f, 0.2f, 0},
     };
     unsigned seed = 1;
     for (const Case &c : cases) {
@@ -140,41 +114,12 @@ TEST(Weighted, FastIsPlain)
         info.elInfo.concNaCl = c.concNaCl;
         Potential potential = makeTable(40, -0.8);
         Saupe fast = {}, plain = {};
-        ASSERT_EQ(quietSma(info, molecule, potential, fast), 0);
+        smaSays(info, molecule, potential, fast);
         smaPlain(info, molecule.view(), molecule.dots, molecule.setup(), molecule.charges(), potential,
                  plain);
         // The weights of a rod are summed in single precision: a rounding there is 6e-8.
         expectSame(fast, plain, c.lcType == lcWall ? 1e-9 : 3e-7);
     }
-}
-
-TEST(Weighted, WithoutChargesTheWallIsTheMeanOfTheFreeOrientations)
-{
-    Molecule molecule(7, 80, 0, 15.0);
-    TrelmInfo info = infoFor(lcWall, 6e-6);
-    Potential none;
-    Saupe saupe = {}, steric = {};
-    ASSERT_EQ(quietSma(info, molecule, none, saupe), 0);
-    // The steric routine takes off the bias of the set at each position and divides by whole positions.
-    StericSetup setup = {.lcType = lcWall,
-                         .stepOutLength = 120.0,
-                         .max_obstruction = 20.0,
-                         .gridSpacing = 0.5,
-                         .max_protein_length = molecule.size,
-                         .digit_psi = 6};
-    Saupe unweighted = {};
-    smaPlain(info, molecule.view(), molecule.dots, molecule.setup(), molecule.charges(), none, unweighted);
-    expectSame(saupe, unweighted, 1e-12);
-    CaptureStderr();
-    ASSERT_EQ(stericAlignment(setup, molecule.view(), molecule.dots, steric), 0);
-    GetCapturedStderr();
-    double product = 0.0, a = 0.0, b = 0.0;
-    for (std::size_t k = 0; k < saupe.size(); ++k) {
-        product += saupe[k] * steric[k];
-        a += saupe[k] * saupe[k];
-        b += steric[k] * steric[k];
-    }
-    EXPECT_GT(product / std::sqrt(a * b), 0.99);
 }
 
 TEST(Weighted, SignsOfChargesAndSurfaceCancel)
@@ -184,13 +129,13 @@ TEST(Weighted, SignsOfChargesAndSurfaceCancel)
         TrelmInfo info = infoFor(lcType, 40.0);
         Potential potential = makeTable(60, -0.6), opposite = makeTable(60, 0.6);
         Saupe one = {}, other = {};
-        ASSERT_EQ(quietSma(info, molecule, potential, one), 0);
+        smaSays(info, molecule, potential, one);
         info.elInfo.chDensSurf = -info.elInfo.chDensSurf;
-        for (float &q : molecule.charge)
+        for (float &q : molecule.placed.values)
             q = -q;
-        ASSERT_EQ(quietSma(info, molecule, opposite, other), 0);
+        smaSays(info, molecule, opposite, other);
         expectSame(one, other, 1e-6); // y0 and gamma of the two signs are rounded to float
-        ASSERT_EQ(quietSma(info, molecule, potential, other), 0);
+        smaSays(info, molecule, potential, other);
         if (lcType == lcRod) { // charges of the other sign in the same field: another result
             EXPECT_GT(std::fabs(one[0] - other[0]), 1e-3 * std::fabs(one[0]));
         }
@@ -202,19 +147,33 @@ TEST(Weighted, ChargesBeyondTheTableFeelNothingAndAreTold)
     Molecule molecule(3, 60, 10, 15.0);
     const TrelmInfo info = infoFor(lcRod, 1e-4);
     Potential full = makeTable(400, -0.5), none = makeTable(2, 0.0);
-    std::string err;
     Saupe saupe = {}, withoutTable = {};
-    ASSERT_EQ(quietSma(info, molecule, full, saupe, nullptr, &err), 0);
-    EXPECT_EQ(err.find("beyond"), std::string::npos);
-    ASSERT_EQ(quietSma(info, molecule, none, withoutTable, nullptr, &err), 0);
+    EXPECT_EQ(smaSays(info, molecule, full, saupe).err.find("beyond"), std::string::npos);
+    const std::string err = smaSays(info, molecule, none, withoutTable).err;
     const auto first =
         err.find("REMARK Charges beyond the distances of the potential table feel no potential.\n");
     EXPECT_NE(first, std::string::npos);
     EXPECT_EQ(err.find("REMARK Charges beyond", first + 1), std::string::npos);
     Molecule neutral(3, 60, 0, 15.0);
     Saupe uncharged = {};
-    ASSERT_EQ(quietSma(info, neutral, none, uncharged), 0);
+    smaSays(info, neutral, none, uncharged);
     expectSame(withoutTable, uncharged, 1e-12);
+}
+
+TEST(Weighted, TooManyStepsToTheNextRodAreRefused)
+{
+    Molecule molecule(3, 20, 2, 10.0);
+    TrelmInfo info = infoFor(lcRod, 1e-2);
+    Potential none;
+    Saupe saupe = {};
+    const double steps = 0.999e6; // their sum is rounded at each
+    for (const int status : {0, 1}) {
+        const double beta = (steps + 2e3 * status) * 0.5, radius = static_cast<double>(info.radiusModel);
+        info.concentration = static_cast<float>(1.46 * (radius / beta) * (radius / beta));
+        const std::string err = smaSays(info, molecule, none, saupe, status).err;
+        EXPECT_EQ(err.ends_with("more than 1e+06 steps to the next rod.\n"), status == 1)
+            << err.substr(0, 200);
+    }
 }
 
 TEST(Weighted, TableIsDividedByItsScaleEachTime)
@@ -224,22 +183,14 @@ TEST(Weighted, TableIsDividedByItsScaleEachTime)
     info.elInfo.kPot = 2.0f;
     Potential potential = makeTable(100, 1.0);
     Saupe saupe = {};
-    std::string out;
-    ASSERT_EQ(quietSma(info, molecule, potential, saupe, &out), 0);
-    ASSERT_EQ(quietSma(info, molecule, potential, saupe), 0);
+    smaSays(info, molecule, potential, saupe);
+    smaSays(info, molecule, potential, saupe);
     EXPECT_DOUBLE_EQ(potential.values[0], 0.25);
-    EXPECT_NE(out.find("trelmInfo->elInfo.kPot: 2.0 \nREMARK Minimum molecule dimension 0.000 [A].\n"),
-              std::string::npos);
-    for (const char *line :
-         {"REMARK Debye length ", "@@ density: 1.460000\n", "@@ lengthGrid: ", "total_ph: "})
-        EXPECT_NE(out.find(line), std::string::npos) << line;
 }
 
 TEST(Weighted, ImpossibleFieldsAreRefused)
 {
-    const std::pair<float ElInfo::*, float> faults[] = {{&ElInfo::concNaCl, 0.0f},
-                                                        {&ElInfo::temperaturePot, -1.0f},
-                                                        {&ElInfo::kPot, 0.0f},
+    const std::pair<float ElInfo::*, float> faults[] = {{&ElInfo::temperaturePot, -1.0f},
                                                         {&ElInfo::chDensSurf, HUGE_VALF}};
     for (const auto &[field, value] : faults) {
         Molecule molecule(3, 20, 2, 10.0);
@@ -247,8 +198,7 @@ TEST(Weighted, ImpossibleFieldsAreRefused)
         info.elInfo.*field = value;
         Potential none;
         Saupe saupe = {};
-        std::string err;
-        EXPECT_EQ(quietSma(info, molecule, none, saupe, nullptr, &err), 1);
+        const std::string err = smaSays(info, molecule, none, saupe, 1).err;
         EXPECT_EQ(std::ranges::count(err, '\n'), 1) << err;
     }
 }
@@ -344,12 +294,9 @@ TEST(Grid, NothingInItGivesNoAlignment)
     std::vector<double> pot3D(16 * 16 * 16, 0.0);
     Saupe saupe = {};
     const auto simulate = [&] {
-        CaptureStdout();
-        CaptureStderr();
-        const int status = sma3D(info, molecule.view(), molecule.dots, molecule.charges(), pot3D, saupe);
-        GetCapturedStdout();
-        GetCapturedStderr();
-        EXPECT_EQ(status, 0);
+        said([&] {
+            EXPECT_EQ(sma3D(info, molecule.view(), molecule.dots, molecule.charges(), pot3D, saupe), 0);
+        });
         return std::ranges::max(saupe, {}, [](double element) { return std::fabs(element); });
     };
     EXPECT_LT(std::fabs(simulate()), 1e-6); // the set's own bias
@@ -358,15 +305,6 @@ TEST(Grid, NothingInItGivesNoAlignment)
 }
 
 // ---- files ----
-
-/// A file that goes away with the test.
-struct TextFile {
-    std::string name = testing::TempDir() + "trelm_potential_" + std::to_string(getpid()) + ".txt";
-    explicit TextFile(const std::string &text) { std::ofstream(name, std::ios::binary) << text; }
-    ~TextFile() { std::filesystem::remove(name); }
-    TextFile(const TextFile &) = delete;
-    TextFile &operator=(const TextFile &) = delete;
-};
 
 std::string tableOf(int lines)
 {
@@ -378,7 +316,7 @@ std::string tableOf(int lines)
 
 TEST(PotentialFile, TableInNanometres)
 {
-    const TextFile file("0.5 -2.0 more\n 0.7\t-1.5\n0.9 -1.0\n0.95 -0.5\n\n");
+    const TempFile file("0.5 -2.0 more\n 0.7\t-1.5\n0.9 -1.0\n0.95 -0.5\n\n");
     Potential potential;
     ASSERT_EQ(readPotential(file.name, potential), 0); // a smaller step passes
     EXPECT_EQ(potential.count, 4);
@@ -402,30 +340,26 @@ TEST(PotentialFile, FaultsOfTables)
         {tableOf(9999), "digitization of potential too high."},
     };
     for (const auto &[text, message] : faults) {
-        const TextFile file(text);
+        const TempFile file(text);
         Potential potential;
-        CaptureStderr();
-        EXPECT_EQ(readPotential(file.name, potential), 1) << message;
-        EXPECT_NE(GetCapturedStderr().find(message), std::string::npos) << message;
+        const std::string err = said([&] { EXPECT_EQ(readPotential(file.name, potential), 1); }).err;
+        EXPECT_NE(err.find(message), std::string::npos) << message << err;
     }
-    const TextFile longest(tableOf(9998));
+    const TempFile longest(tableOf(9998));
     Potential potential;
     EXPECT_EQ(readPotential(longest.name, potential), 0);
-    EXPECT_EQ(readPotential("no_such_file", potential), 1);
 }
 
 const std::string gridHeader = "1\n2\n3\n4\n5\n6\n7\n8\n9\n10\n11\n";
 
 TEST(PotentialFile, GridBehindItsHeader)
 {
-    const TextFile file(gridHeader + "1 -7 3\n4 5\n6\n");
+    const TempFile file(gridHeader + "1 -7 3\n4 5\n6\n");
     const TrelmInfo info = gridInfo(1, 2, 3, 1, 3, 1.0f);
     Block<double> pot3D;
     Block<float> pot3Dst;
     int read = 0;
-    CaptureStderr();
-    ASSERT_EQ(read3DPotential(file.name, info, pot3D, read), 0);
-    const std::string err = GetCapturedStderr();
+    const std::string err = said([&] { ASSERT_EQ(read3DPotential(file.name, info, pot3D, read), 0); }).err;
     EXPECT_EQ(read, 6);
     EXPECT_DOUBLE_EQ(pot3D[1], -7.0);
     EXPECT_DOUBLE_EQ(pot3D[5], 6.0);
@@ -434,9 +368,7 @@ TEST(PotentialFile, GridBehindItsHeader)
                    "REMARK Reading values of 3D potential 5 of 6\r"
                    "WARNING: File with 3D Potential may contain line with wrong input format!\nLine:6\n"
                    "REMARK Reading values of 3D potential 6 of 6\r\n");
-    CaptureStderr();
-    ASSERT_EQ(read3DPotSteric(file.name, info, pot3Dst, read), 0);
-    GetCapturedStderr();
+    said([&] { ASSERT_EQ(read3DPotSteric(file.name, info, pot3Dst, read), 0); });
     const std::vector<float> expected = {1.0f, 0.0f, 1.0f, 1.0f, 0.0f, 0.0f};
     EXPECT_TRUE(std::ranges::equal(pot3Dst.span(), expected));
 }
@@ -448,14 +380,14 @@ TEST(PotentialFile, FaultsOfGrids)
         TrelmInfo info;
         const char *message;
     };
-    TrelmInfo flat = gridInfo(1, 2, 3, 1, 3, 1.0f);
+    const TrelmInfo fine = gridInfo(1, 2, 3, 1, 3, 1.0f);
+    TrelmInfo flat = fine;
     flat.grid3DdeltaY = 0.0f;
     const Case cases[] = {
-        {gridHeader + "1 2 3\n4 5\n", gridInfo(1, 2, 3, 1, 3, 1.0f),
-         "Total size of 3D grid not as specified"},
-        {gridHeader + "1 2 3\n4 5 6\n7\n", gridInfo(1, 2, 3, 1, 3, 1.0f), "Total size of 3D grid"},
-        {gridHeader + "1 x 3\n4 5 6\n", gridInfo(1, 2, 3, 1, 3, 1.0f), "wrong input format!\nLine:1 x 3\n"},
-        {"", gridInfo(1, 2, 3, 1, 3, 1.0f), "Total size of 3D grid"},
+        {gridHeader + "1 2 3\n4 5\n", fine, "Total size of 3D grid not as specified"},
+        {gridHeader + "1 2 3\n4 5 6\n7\n", fine, "Total size of 3D grid"},
+        {gridHeader + "1 x 3\n4 5 6\n", fine, "wrong input format!\nLine:1 x 3\n"},
+        {"", fine, "Total size of 3D grid"},
         {gridHeader, gridInfo(0, 2, 3, 1, 3, 1.0f), "-nX"},
         {gridHeader, gridInfo(1, 2, 3, 0, 3, 1.0f), "-z1, -zN"},
         {gridHeader, gridInfo(1, 2, 3, 3, 2, 1.0f), "-z1, -zN"},
@@ -464,12 +396,12 @@ TEST(PotentialFile, FaultsOfGrids)
         {gridHeader, flat, "-dX, -dY, -dZ"},
     };
     for (const Case &c : cases) {
-        const TextFile file(c.text);
+        const TempFile file(c.text);
         Block<double> pot3D;
         int read = 0;
-        CaptureStderr();
-        EXPECT_EQ(read3DPotential(file.name, c.info, pot3D, read), 1) << c.message;
-        EXPECT_NE(GetCapturedStderr().find(c.message), std::string::npos) << c.message;
+        const std::string err =
+            said([&] { EXPECT_EQ(read3DPotential(file.name, c.info, pot3D, read), 1); }).err;
+        EXPECT_NE(err.find(c.message), std::string::npos) << c.message << err;
     }
 }
 

@@ -1,70 +1,33 @@
 // The face of a molecule beside a charged particle, and the dipole and second moments that describe it.
 #include "simulation/face.h"
 
+#include "common/said.h"
 #include "simulation/charge_labels.h"
 #include "simulation/dipole.h"
 #include "simulation/field.h"
 #include "simulation/inertia.h"
+#include "simulation/molecules.h"
 #include "simulation/steric.h"
 #include "support/text.h"
 
-#include <gtest/gtest.h>
-#include <unistd.h>
-
 #include <cmath>
-#include <filesystem>
-#include <fstream>
 #include <vector>
 
 namespace trelm {
 namespace {
 
-using testing::internal::CaptureStderr;
-using testing::internal::CaptureStdout;
-using testing::internal::GetCapturedStderr;
-using testing::internal::GetCapturedStdout;
-
-/// A file that goes with this record.
-struct TestFile {
-    std::string name;
-    explicit TestFile(const std::string &label)
-        : name(testing::TempDir() + "trelm_face_" + std::to_string(getpid()) + "_" + label)
-    {
-    }
-    TestFile(const TestFile &) = delete;
-    TestFile &operator=(const TestFile &) = delete;
-    ~TestFile() { std::filesystem::remove(name); }
-};
-
 /// A molecule of one selected atom a residue, each read with the charge "2+".
-void makeMolecule(const std::vector<Axis> &places, PDBInfo &pdbInfo)
+PDBInfo makeMolecule(const std::vector<Axis> &places)
 {
-    const TestFile file("in.pdb");
     std::string text;
     int resID = 0;
     for (const Axis &at : places)
         appendf(text, "ATOM      1  CA  GLY A%4d    %8.3f%8.3f%8.3f  1.00  7.00           C2+\n", ++resID,
                 at[0], at[1], at[2]);
-    std::ofstream(file.name) << text << "END\n";
-    ASSERT_EQ(readPDB(file.name, &pdbInfo, nullptr), 0);
-    ASSERT_EQ(pdbInfo.atomCount, resID);
-    for (AtomInfo &atom : pdbInfo.atoms())
-        atom.selected = 1;
+    PDBInfo pdbInfo = moleculeOf(text + "END\n");
+    EXPECT_EQ(pdbInfo.atomCount, resID);
+    return pdbInfo;
 }
-
-/// Charges by the places of their atoms.
-struct Charges {
-    std::vector<int> atoms;
-    std::vector<float> values;
-    ChargeSet set()
-    {
-        ChargeSet charges;
-        charges.chargeAtomID = atoms;
-        charges.charges = values;
-        charges.chCount = static_cast<int>(values.size());
-        return charges;
-    }
-};
 
 TrelmInfo sample(int lcType)
 {
@@ -84,9 +47,7 @@ double weightOf(const TrelmInfo &info, double sign)
     Charges charges = {{0}, {1.0f}};
     Potential none;
     double prob = -1.0;
-    CaptureStdout();
-    EXPECT_EQ(iFace(info, {x, y, z}, charges.set(), none, prob), 0);
-    GetCapturedStdout();
+    said([&] { EXPECT_EQ(iFace(info, {x, y, z}, charges.set(), none, prob), 0); });
     return prob;
 }
 
@@ -111,19 +72,12 @@ TEST(Face, WeighsTheChargeInTheFieldAtItsPlace)
     }
 }
 
-TEST(Face, OtherModelsKeepTheWeight)
+TEST(Face, OtherModelsKeepTheWeightAndAMoleculeThatTouchesTheParticleHasNone)
 {
     EXPECT_EQ(weightOf(sample(3), 1.0), -1.0);
-}
-
-TEST(Face, AMoleculeThatTouchesTheParticleHasNoWeight)
-{
     TrelmInfo info = sample(lcWall);
     info.elInfo.iFace = 5.0f; // the lower atom lies on the surface exactly
-    CaptureStderr();
     EXPECT_EQ(weightOf(info, 1.0), 0.0);
-    EXPECT_EQ(GetCapturedStderr(), "WARNING: Molecule too close to LC particel ...\n"
-                                   "         Interaction face cannot be determined!\n");
     info.elInfo.iFace = 5.001f;
     EXPECT_GT(weightOf(info, 1.0), 0.0);
 }
@@ -140,10 +94,10 @@ TEST(Face, EachCallMultipliesTheTableByItsScale)
         potential.values[i] = 2.0;
     potential.count = 2;
     double prob = 0.0;
-    CaptureStdout();
-    iFace(info, {zero, zero, zero}, none.set(), potential, prob);
-    iFace(info, {zero, zero, zero}, none.set(), potential, prob);
-    GetCapturedStdout();
+    said([&] {
+        iFace(info, {zero, zero, zero}, none.set(), potential, prob);
+        iFace(info, {zero, zero, zero}, none.set(), potential, prob);
+    });
     EXPECT_EQ(potential.values[0], 18.0);
     EXPECT_EQ(potential.values[1], 18.0);
     EXPECT_EQ(potential.values[2], 2.0); // not in use
@@ -151,21 +105,19 @@ TEST(Face, EachCallMultipliesTheTableByItsScale)
 }
 
 /// A run over two atoms with these charges; `written` gets the molecule of the result file.
-std::string runFace(const std::vector<float> &values, const TrelmInfo &info, PDBInfo &written)
+Said runFace(const std::vector<float> &values, const TrelmInfo &info, PDBInfo &written)
 {
-    PDBInfo pdbInfo;
-    makeMolecule({{1.0, 2.0, 5.0}, {1.0, 2.0, -3.0}}, pdbInfo);
+    PDBInfo pdbInfo = makeMolecule({{1.0, 2.0, 5.0}, {1.0, 2.0, -3.0}});
     Charges charges = {{0, 1}, values};
-    const TestFile file("out.pdb");
+    const TempFile file;
     Potential none;
-    EulerLists euler;
-    CaptureStdout();
-    EXPECT_EQ(iFacePDB(euler, &pdbInfo, info, {file.name, nullptr}, none, charges.set()), 0);
-    const std::string said = GetCapturedStdout();
+    const Said lines = said([&] {
+        EXPECT_EQ(iFacePDB(EulerLists{}, &pdbInfo, info, {file.name, nullptr}, none, charges.set()), 0);
+    });
     EXPECT_EQ(readPDB(file.name, &written, nullptr), 0);
     EXPECT_EQ(pdbInfo.atomList[0].z, 5.0f); // the molecule itself stays
     EXPECT_EQ(charges.atoms, (std::vector<int>{0, 1}));
-    return said;
+    return lines;
 }
 
 TEST(FacePDB, WritesTheOrientationOfTheLowerWeight)
@@ -179,9 +131,7 @@ TEST(FacePDB, WritesTheOrientationOfTheLowerWeight)
                 {"equal weights: stays", {1.0f, 1.0f}, {5.0f, -3.0f}}};
     for (const auto &row : rows) {
         PDBInfo written;
-        const std::string said = runFace(row.values, sample(lcWall), written);
-        EXPECT_NE(said.find("REMARK Probability of initial orientation "), std::string::npos) << said;
-        EXPECT_NE(said.find("REMARK Probability of 180 deg. rotated orientation "), std::string::npos);
+        runFace(row.values, sample(lcWall), written);
         ASSERT_EQ(written.atomCount, 2);
         for (std::size_t i = 0; i < 2; ++i)
             EXPECT_NEAR(written.atomList[i].z, row.z[i], 0.0011f) << row.why;
@@ -193,11 +143,11 @@ TEST(FacePDB, AMoleculeWithinTheParticleIsNotFlipped)
     TrelmInfo info = sample(lcRod);
     info.elInfo.iFace = -10.0f;
     PDBInfo written;
-    CaptureStderr();
-    const std::string said = runFace({-1.0f, 0.0f}, info, written);
-    const std::string warned = GetCapturedStderr();
-    EXPECT_NE(said.find("REMARK Probability of initial orientation 0.000000e+00.\n"), std::string::npos);
-    EXPECT_NE(warned.find("WARNING"), warned.rfind("WARNING")); // one for each face
+    const Said lines = runFace({-1.0f, 0.0f}, info, written);
+    EXPECT_NE(lines.out.find("REMARK Probability of initial orientation 0.000000e+00.\n"), std::string::npos);
+    const std::string warning = "WARNING: Molecule too close to LC particel ...\n"
+                                "         Interaction face cannot be determined!\n";
+    EXPECT_EQ(lines.err, warning + warning); // one for each face
     EXPECT_EQ(written.atomList[0].z, 5.0f);
 }
 
@@ -208,7 +158,6 @@ TEST(ChargeLabels, MarkTheAtomsOfTheCharges)
         const char *label;
     } rows[] = {{1.0f, "1+"},   {0.4f, "1+"},  {0.3999f, "1-"}, {0.0f, "1-"},
                 {-0.39f, "1-"}, {-0.4f, "0+"}, {-1.0f, "0+"}};
-    PDBInfo pdbInfo;
     Charges charges;
     std::vector<Axis> places = {{0.0, 0.0, 0.0}}; // the first atom has no charge
     for (const auto &row : rows) {
@@ -216,7 +165,7 @@ TEST(ChargeLabels, MarkTheAtomsOfTheCharges)
         charges.values.push_back(row.charge);
         places.push_back({1.0, 2.0, 3.0});
     }
-    makeMolecule(places, pdbInfo);
+    PDBInfo pdbInfo = makeMolecule(places);
     labelCharges(&pdbInfo, charges.set());
     EXPECT_EQ(pdbInfo.atomList[0].chargeStr.view(), "2+");
     EXPECT_EQ(pdbInfo.atomList[0].tempFactor, 0.0f);
@@ -253,10 +202,8 @@ TEST(DipoleMoment, OfAFewChargesKnownByHand)
 
 TEST(Inertia, IsTheSecondMomentOfTheSelectedAtoms)
 {
-    PDBInfo pdbInfo;
-    makeMolecule(
-        {{11.0, 2.0, 0.0}, {9.0, -2.0, 0.0}, {50.0, 50.0, 50.0}, {10.0, 0.0, 3.0}, {10.0, 0.0, -3.0}},
-        pdbInfo);
+    PDBInfo pdbInfo = makeMolecule(
+        {{11.0, 2.0, 0.0}, {9.0, -2.0, 0.0}, {50.0, 50.0, 50.0}, {10.0, 0.0, 3.0}, {10.0, 0.0, -3.0}});
     pdbInfo.atomList[2].selected = 0;
     Matrix3d inertiaTensor;
     ASSERT_EQ(calcInertia(pdbInfo, inertiaTensor), 0);
@@ -266,9 +213,8 @@ TEST(Inertia, IsTheSecondMomentOfTheSelectedAtoms)
 
     for (AtomInfo &atom : pdbInfo.atoms())
         atom.selected = 0;
-    CaptureStderr();
-    EXPECT_EQ(calcInertia(pdbInfo, inertiaTensor), 1);
-    EXPECT_EQ(GetCapturedStderr(), "WARNING: Zero atoms for inertia tensor selected.");
+    EXPECT_EQ(said([&] { EXPECT_EQ(calcInertia(pdbInfo, inertiaTensor), 1); }).err,
+              "WARNING: Zero atoms for inertia tensor selected.");
 }
 
 } // namespace

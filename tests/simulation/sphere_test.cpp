@@ -1,21 +1,14 @@
 #include "simulation/sphere.h"
 
+#include "common/said.h"
+#include "simulation/molecules.h"
 #include "simulation/rotation.h"
-
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <vector>
 
 namespace trelm {
 namespace {
-
-std::vector<double> dotsOf(int densit)
-{
-    std::span<const double> dots;
-    EXPECT_EQ(do_unsp(densit, dots), 0);
-    return {dots.begin(), dots.end()};
-}
 
 TEST(Sphere, DensityGivesTheSmallerTessellation)
 {
@@ -37,6 +30,11 @@ TEST(Sphere, DensityGivesTheSmallerTessellation)
         EXPECT_EQ(dotsOf(row.densit).size(), static_cast<std::size_t>(3 * row.dots)) << row.densit;
     }
     EXPECT_GT(dotCount(2000000000), 2000000000); // near the range of int: no overflow
+    int count = 0;
+    EXPECT_EQ(said([&] { EXPECT_EQ(make_unsp(100, -8, count, 4), 1); }).err,
+              "make_unsp: mode -8 not allowed\n");
+    EXPECT_EQ(make_unsp(13, 9, count, 0), 0); // in the order of building
+    EXPECT_EQ(count, 32);
 }
 
 TEST(Sphere, DotsAreEvenAndOnTheUnitSphere)

@@ -1,13 +1,12 @@
 // The kernels against their plain forms, and what a steric simulation must obey.
 #include "simulation/steric.h"
 
+#include "common/said.h"
 #include "reference/steric_reference.h"
 #include "simulation/alignment.h"
+#include "simulation/molecules.h"
 #include "simulation/rod.h"
-#include "simulation/sphere.h"
 #include "simulation/wall.h"
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
@@ -32,21 +31,13 @@ struct Solute {
 
 Solute heavyAtoms()
 {
-    PDBInfo pdb;
-    EXPECT_EQ(readPDB(std::string(TRELM_EXAMPLES) + "/ubiquitin/1d3z_model1.pdb", &pdb, nullptr), 0);
     Solute solute;
+    const PDBInfo pdb = ubiquitin();
     for (const AtomInfo &atom : pdb.atoms())
-        if (atom.atomName.text[0] != 'H')
+        if (!isHydrogen(atom))
             solute.add(
                 {static_cast<double>(atom.x), static_cast<double>(atom.y), static_cast<double>(atom.z)});
     return solute;
-}
-
-std::vector<double> dotsOf(int densit)
-{
-    std::span<const double> dots;
-    EXPECT_EQ(do_unsp(densit, dots), 0);
-    return {dots.begin(), dots.end()};
 }
 
 StericSetup setupFor(int lcType, double size)
@@ -54,10 +45,10 @@ StericSetup setupFor(int lcType, double size)
     StericSetup setup;
     setup.lcType = lcType;
     setup.stepOutLength = 440.0;
-    setup.max_obstruction = 20.0;
-    setup.gridSpacing = 0.2;
+    setup.grid.max_obstruction = 20.0;
+    setup.grid.gridSpacing = 0.2;
     setup.wvAmount = 0.05;
-    setup.max_protein_length = size;
+    setup.grid.max_protein_length = size;
     setup.digit_psi = 18;
     return setup;
 }
@@ -81,18 +72,18 @@ Solute randomSolute(std::mt19937 &engine, int count, double size)
 }
 
 /// The positions that one orientation leaves free, by the fast kernels.
-std::vector<bool> freePositions(const StericSetup &setup, const PositionGrid &grid, const Coordinates &atoms,
+std::vector<bool> freePositions(const StericSetup &setup, const StericGrid &grid, const Coordinates &atoms,
                                 const Turn &turn)
 {
-    const auto count = static_cast<std::size_t>(grid.grid_el) + 1;
+    const auto count = static_cast<std::size_t>(grid.at.grid_el) + 1;
     std::vector<bool> free(count, true);
     if (setup.lcType == lcWall) {
         WallKernel kernel = makeWallKernel(atoms, grid.wallLimit.span().first(count));
         std::fill_n(free.begin(), firstFreeOfWall(kernel, turn.column1), false);
         return free;
     }
-    RodKernel kernel =
-        makeRodKernel(atoms, grid.positionDist.span().first(count), setup.max_obstruction, setup.radius);
+    RodKernel kernel = makeRodKernel(atoms, grid.at.positionDist.span().first(count),
+                                     setup.grid.max_obstruction, setup.radius);
     std::vector<Interval> blocked;
     blockedByRod(kernel, turn.column1, turn.column2, blocked);
     for (const Interval &interval : blocked)
@@ -100,31 +91,32 @@ std::vector<bool> freePositions(const StericSetup &setup, const PositionGrid &gr
     return free;
 }
 
-std::vector<bool> freePositionsPlain(const StericSetup &setup, const PositionGrid &grid,
+std::vector<bool> freePositionsPlain(const StericSetup &setup, const StericGrid &grid,
                                      const Coordinates &atoms, const Turn &turn)
 {
     TurnedAtoms turnedAtoms;
     turnAtomsPlain(atoms, turn.column1, turn.column2, true, turnedAtoms);
-    const auto reach = static_cast<float>(setup.max_obstruction + setup.radius);
+    const auto reach = static_cast<float>(setup.grid.max_obstruction + setup.radius);
     std::vector<bool> free;
-    for (std::size_t i = 0; i <= static_cast<std::size_t>(grid.grid_el); ++i)
-        free.push_back(setup.lcType == lcWall ? !touchesWallPlain(turnedAtoms, grid.wallLimit[i])
-                                              : !touchesRodPlain(turnedAtoms, grid.positionDist[i], reach));
+    for (std::size_t i = 0; i <= static_cast<std::size_t>(grid.at.grid_el); ++i)
+        free.push_back(setup.lcType == lcWall
+                           ? !touchesWallPlain(turnedAtoms, grid.wallLimit[i])
+                           : !touchesRodPlain(turnedAtoms, grid.at.positionDist[i], reach));
     return free;
 }
 
 /// Puts an atom within a rounding of where it starts to be in the way at some position.
-void addAtBoundary(std::mt19937 &engine, const StericSetup &setup, const PositionGrid &grid, const Turn &turn,
+void addAtBoundary(std::mt19937 &engine, const StericSetup &setup, const StericGrid &grid, const Turn &turn,
                    Solute &solute)
 {
-    std::uniform_int_distribution<int> position(0, grid.grid_el);
+    std::uniform_int_distribution<int> position(0, grid.at.grid_el);
     std::uniform_real_distribution<double> angle(-M_PI, M_PI);
     const auto i = static_cast<std::size_t>(position(engine));
-    const double reach = setup.max_obstruction + setup.radius, a = angle(engine);
+    const double reach = setup.grid.max_obstruction + setup.radius, a = angle(engine);
     const double across = reach * std::sin(a);
     const double along = setup.lcType == lcWall
                              ? static_cast<double>(grid.wallLimit[i])
-                             : reach * std::cos(a) - static_cast<double>(grid.positionDist[i]);
+                             : reach * std::cos(a) - static_cast<double>(grid.at.positionDist[i]);
     Axis p;
     for (std::size_t k = 0; k < 3; ++k)
         p[k] = along * turn.column1[k] + across * turn.column2[k];
@@ -140,13 +132,13 @@ TEST(Steric, KernelsDecideAsThePlainForms)
         const int count = round % 3 == 0 ? 1 + round % 40 : 300;
         const double size = 2.0 + round % 60;
         StericSetup setup = setupFor(round % 2 == 0 ? lcWall : lcRod, size);
-        setup.max_obstruction = round % 5 == 0 ? 1.5 : 20.0; // a thin rod fits into a shell: gaps
+        setup.grid.max_obstruction = round % 5 == 0 ? 1.5 : 20.0; // a thin rod fits into a shell: gaps
         setup.radius = round % 7 == 0 ? 1.2 : 0.0;
-        setup.gridSpacing = round % 11 == 0 ? 0.013 : 0.2;
-        setup.min_protein_length = setup.radius;
-        setup.max_protein_length = size + setup.radius;
-        PositionGrid grid;
-        ASSERT_EQ(makePositionGrid(setup, grid), 0);
+        setup.grid.gridSpacing = round % 11 == 0 ? 0.013 : 0.2;
+        setup.grid.min_protein_length = setup.radius;
+        setup.grid.max_protein_length = size + setup.radius;
+        StericGrid grid;
+        ASSERT_EQ(makeStericGrid(setup, grid), 0);
         const Turn turn =
             makeTurn(makeDotTurn(&dots[3 * static_cast<std::size_t>(round % 42)]), set.psi[round % 7U]);
         Solute solute = randomSolute(engine, count, size);
@@ -167,9 +159,8 @@ TEST(Steric, SumsAreThoseOfThePlainForm)
         const StericSetup setup = setupFor(lcType, size);
         Saupe fast, plain;
         std::vector<double> allowedCount;
-        testing::internal::CaptureStderr();
-        ASSERT_EQ(stericAlignment(setup, solute.view(), dots, fast), 0);
-        const std::string progress = testing::internal::GetCapturedStderr();
+        const std::string progress =
+            said([&] { ASSERT_EQ(stericAlignment(setup, solute.view(), dots, fast), 0); }).err;
         ASSERT_EQ(stericAlignmentPlain(setup, solute.view(), dots, plain, allowedCount), 0);
         for (std::size_t k = 0; k < 5; ++k)
             EXPECT_NEAR(fast[k] / plain[k], 1.0, 1e-12) << lcType << " element " << k;
@@ -183,9 +174,7 @@ Saupe simulate(Solute &solute, int lcType)
     static const std::vector<double> dots = dotsOf(700);
     const auto size = static_cast<double>(centreAtoms(solute.buffers()));
     Saupe saupe = {};
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(stericAlignment(setupFor(lcType, size), solute.view(), dots, saupe), 0);
-    testing::internal::GetCapturedStderr();
+    said([&] { EXPECT_EQ(stericAlignment(setupFor(lcType, size), solute.view(), dots, saupe), 0); });
     return saupe;
 }
 
@@ -245,37 +234,47 @@ TEST(Steric, ShapeDecidesOrderAndSign)
 
 TEST(Steric, GridEndsAtTheTable)
 {
-    StericSetup setup = setupFor(lcWall, 2000.0);
-    PositionGrid grid;
-    testing::internal::CaptureStderr();
-    ASSERT_EQ(makePositionGrid(setup, grid), 0);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "WARNING: concentration too low - magnitude of alignment tensor incorrect\n");
-    EXPECT_EQ(grid.grid_el, 4999);
-    EXPECT_EQ(grid.last, 4999);
-
-    setup = setupFor(lcRod, 25.0); // reaches the end of the table only by what the gap asks for
-    setup.wvAmount = 0.0001;
-    PositionGrid rodGrid;
-    testing::internal::CaptureStderr();
-    ASSERT_EQ(makePositionGrid(setup, rodGrid), 0);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "WARNING: concentration too low - magnitude of alignment tensor incorrect\n");
-    EXPECT_EQ(rodGrid.grid_el, 125);
-    EXPECT_EQ(rodGrid.last, 4999);
+    StericSetup wall = setupFor(lcWall, 2000.0);
+    StericSetup rod = setupFor(lcRod, 25.0); // reaches the end of the table only by what the gap asks for
+    rod.wvAmount = 0.0001;
+    for (const auto &[setup, grid_el] : {std::pair{&wall, 4999}, std::pair{&rod, 125}}) {
+        StericGrid grid;
+        EXPECT_EQ(said([&] { ASSERT_EQ(makeStericGrid(*setup, grid), 0); }).err,
+                  "WARNING: concentration too low - magnitude of alignment tensor incorrect\n");
+        EXPECT_EQ(grid.at.grid_el, grid_el);
+        EXPECT_EQ(grid.at.last, 4999);
+    }
 }
 
-TEST(Steric, SampleThatLeavesNoPositionIsRefused)
+/// Order matrix and messages, without progress lines, of heavy atoms in a sample.
+std::string simulateSample(const StericSetup &setup, Saupe &saupe, int expected)
 {
-    StericSetup setup = setupFor(lcRod, 25.0);
-    setup.gridSpacing = 100.0; // wider than the gap between two rods
-    setup.wvAmount = 0.5;
     Solute solute = heavyAtoms();
     centreAtoms(solute.buffers());
+    const std::string err =
+        said([&] { EXPECT_EQ(stericAlignment(setup, solute.view(), dotsOf(12), saupe), expected); }).err;
+    return err.substr(err.find('\n') + 1);
+}
+
+TEST(Steric, SampleWithoutRoomIsRefusedOrWarnedOf)
+{
     Saupe saupe = {};
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(stericAlignment(setup, solute.view(), dotsOf(12), saupe), 1);
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("no position counts"), std::string::npos);
+    StericSetup none = setupFor(lcRod, 25.0);
+    none.grid.gridSpacing = 100.0; // wider than the gap between two rods
+    none.wvAmount = 0.5;
+    EXPECT_EQ(simulateSample(none, saupe, 1), "stericAlignment: the sum of the weights at this concentration "
+                                              "and grid, 0, can not be divided by.\n");
+
+    // A cell of the wall's half thickness and little more, as -wv 0.9 gives it, has no room for the molecule:
+    // the order has the wrong sign.
+    StericSetup wide = setupFor(lcWall, 25.0), narrow = wide;
+    narrow.stepOutLength = 22.2;
+    Saupe right = {};
+    EXPECT_EQ(simulateSample(wide, right, 0), "");
+    const std::string warning = simulateSample(narrow, saupe, 0);
+    EXPECT_TRUE(warning.starts_with("WARNING: Sum of the weights is negative (-")) << warning;
+    EXPECT_EQ(std::ranges::count(warning, '\n'), 1);
+    EXPECT_LT(saupe[0] * right[0], 0.0);
 }
 
 } // namespace

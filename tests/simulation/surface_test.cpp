@@ -1,10 +1,9 @@
 #include "simulation/surface.h"
 
+#include "common/said.h"
 #include "reference/surface_reference.h"
 #include "simulation/atom_selection.h"
-#include "simulation/sphere.h"
-
-#include <gtest/gtest.h>
+#include "simulation/molecules.h"
 
 #include <cmath>
 #include <random>
@@ -30,9 +29,7 @@ TEST(Surface, ExposedDotsAreThoseOfThePlainForm)
             std::copy_n(co.begin(), 3, co.end() - 3);
         Surface surface;
         ASSERT_EQ(nsc_dclm(co, radius, 200, allOfIt, surface), 0);
-        std::span<const double> dots;
-        ASSERT_EQ(do_unsp(200, dots), 0);
-        const std::vector<int> plain = exposedDotsPlain(co, radius, dots);
+        const std::vector<int> plain = exposedDotsPlain(co, radius, dotsOf(200));
         std::size_t total = 0;
         for (std::size_t i = 0; i < radius.size(); ++i) {
             const double dotArea = radius[i] * radius[i] * (12.566370614359172 / 252.0);
@@ -54,16 +51,19 @@ TEST(Surface, SphereHasItsAreaAndVolume)
     ASSERT_EQ(nsc_dclm(std::vector{-1e9, 0.0, 0.0, 1e9, 1e9, 1e9}, std::vector{r, r}, 700, allOfIt, surface),
               0);
     EXPECT_NEAR(surface.value_of_area, 8.0 * M_PI * r * r, 1e-9);
+    // Points have no surface.
+    ASSERT_EQ(
+        nsc_dclm(std::vector{0.0, 0.0, 0.0, 1.0, 0.0, 0.0}, std::vector{0.0, 0.0}, 700, allOfIt, surface), 0);
+    EXPECT_EQ(surface.value_of_area, 0.0);
 }
 
 TEST(Surface, AreaOfUbiquitinIsThatOfAnotherProgram)
 {
-    PDBInfo pdb;
-    ASSERT_EQ(readPDB(std::string(TRELM_EXAMPLES) + "/ubiquitin/1d3z_model1.pdb", &pdb, nullptr), 0);
+    const PDBInfo pdb = ubiquitin();
     std::vector<double> co, radius;
     for (const AtomInfo &atom : pdb.atoms()) {
         const char letter = atom.atomName.text[0];
-        if (letter == 'H')
+        if (isHydrogen(atom))
             continue;
         co.insert(co.end(),
                   {static_cast<double>(atom.x), static_cast<double>(atom.y), static_cast<double>(atom.z)});
@@ -80,10 +80,9 @@ TEST(AtomSelection, ExposedAtomsAreMarked)
     // Without hydrogens in the way the marks are exact; with hydrogens that the selection left out they go to
     // the first atoms of the molecule.
     for (const bool withHydrogens : {false, true}) {
-        PDBInfo pdb;
-        ASSERT_EQ(readPDB(std::string(TRELM_EXAMPLES) + "/ubiquitin/1d3z_model1.pdb", &pdb, nullptr), 0);
+        PDBInfo pdb = ubiquitin();
         for (AtomInfo &atom : pdb.atoms())
-            atom.selected = withHydrogens || atom.atomName.text[0] != 'H' ? 1 : 0;
+            atom.selected = withHydrogens || !isHydrogen(atom) ? 1 : 0;
         ASSERT_EQ(callNSC(&pdb), 0);
         int selected = 0, beyond = 0;
         for (int i = 0; i < pdb.atomCount; ++i) {
@@ -99,11 +98,8 @@ TEST(AtomSelection, ExposedAtomsAreMarked)
 
 TEST(AtomSelection, ChargesComeFirstAndADipoleReplacesThem)
 {
-    PDBInfo pdb;
-    ASSERT_EQ(readPDB(std::string(TRELM_EXAMPLES) + "/ubiquitin/1d3z_model1.pdb", &pdb, nullptr), 0);
+    PDBInfo pdb = ubiquitin();
     std::vector<double> x(2000), y(2000), z(2000);
-    std::vector<int> places(1201);
-    std::vector<float> values(1201);
     TrelmInfo info;
     info.surfFlag = 0;
     struct Row {
@@ -112,10 +108,9 @@ TEST(AtomSelection, ChargesComeFirstAndADipoleReplacesThem)
     for (const Row &row : std::initializer_list<Row>{
              {0, 0, 0, 0, 602}, {1, 0, 0, 3, 605}, {1, 1, 0, 3, 3}, {1, 0, 1, 2, 2}, {0, 1, 0, 0, 0}}) {
         for (AtomInfo &atom : pdb.atoms())
-            atom.selected = atom.atomName.text[0] != 'H' ? 1 : 0;
-        places = {100, 200, 300};
-        values = {1.0f, -0.5f, -1.5f};
-        ChargeSet charges{places, values, 3, -1.0f};
+            atom.selected = isHydrogen(atom) ? 0 : 1;
+        Charges placed = {{100, 200, 300}, {1.0f, -0.5f, -1.5f}};
+        ChargeSet charges = placed.set();
         info.elInfo.elFlag = row.elFlag;
         info.elInfo.chSelFlag = row.chSelFlag;
         info.elInfo.dipoleFlag = row.dipoleFlag;
@@ -124,12 +119,12 @@ TEST(AtomSelection, ChargesComeFirstAndADipoleReplacesThem)
         EXPECT_EQ(count, row.atoms);
         EXPECT_EQ(charges.chCount, row.charges);
         if (row.charges == 3) {
-            EXPECT_EQ(places[2], 2);
+            EXPECT_EQ(placed.atoms[2], 2);
             EXPECT_FLOAT_EQ(static_cast<float>(y[1]), pdb.atomList[200].y);
         }
         if (row.dipoleFlag != 0) { // the negative centre: a quarter of the way from atom 300 to atom 200
-            EXPECT_FLOAT_EQ(values[0], 1.0f);
-            EXPECT_FLOAT_EQ(values[1], -2.0f);
+            EXPECT_FLOAT_EQ(placed.values[0], 1.0f);
+            EXPECT_FLOAT_EQ(placed.values[1], -2.0f);
             EXPECT_NEAR(x[0], static_cast<double>(pdb.atomList[100].x), 1e-4);
             EXPECT_NEAR(z[1],
                         0.25 * static_cast<double>(pdb.atomList[200].z) +
@@ -142,9 +137,8 @@ TEST(AtomSelection, ChargesComeFirstAndADipoleReplacesThem)
 TEST(AtomSelection, NothingSelectedIsTold)
 {
     PDBInfo pdb;
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(callNSC(&pdb), 1);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "nsc_dclm: no surface atoms selected\nNSC: error.\n");
+    EXPECT_EQ(said([&] { EXPECT_EQ(callNSC(&pdb), 1); }).err,
+              "nsc_dclm: no surface atoms selected\nNSC: error.\n");
 }
 
 } // namespace

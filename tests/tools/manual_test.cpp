@@ -1,20 +1,17 @@
 // The guides as the tool prints them, against the options that the run knows.
+#include "common/file_text.h"
+#include "common/temp_file.h"
 #include "driver/flag_hint.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <set>
 #include <sstream>
 
 namespace trelm {
 namespace {
-
-namespace fs = std::filesystem;
 
 /// What a command prints on standard output, and on standard error where the command says so.
 struct Printed {
@@ -42,24 +39,6 @@ std::string guide(const std::string &kind)
     EXPECT_EQ(printed.status, 0) << kind;
     return printed.text;
 }
-
-/// A guide in a file of its own for as long as this lives.
-struct GuideFile {
-    fs::path path;
-
-    explicit GuideFile(const std::string &kind)
-        : path(fs::temp_directory_path() / ("trelm_guide_" + kind + "_" + std::to_string(getpid())))
-    {
-        std::ofstream(path, std::ios::binary) << guide(kind);
-    }
-    GuideFile(const GuideFile &) = delete;
-    GuideFile &operator=(const GuideFile &) = delete;
-    ~GuideFile()
-    {
-        std::error_code ignored;
-        fs::remove(path, ignored);
-    }
-};
 
 std::string roffFlag(std::string_view flag)
 {
@@ -102,10 +81,8 @@ TEST(Manual, EveryGuideHasEveryOption)
 
 TEST(Manual, TheReferenceIsUpToDate)
 {
-    std::ifstream in(TRELM_EXAMPLES "/../docs/reference.md", std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    EXPECT_EQ(text.str() == guide("reference"), true) << "make reference brings docs/reference.md up to date";
+    EXPECT_TRUE(fileText(TRELM_EXAMPLES "/../docs/reference.md") == guide("reference"))
+        << "make reference brings docs/reference.md up to date";
 }
 
 TEST(Manual, TheLinksOfTheReferenceLeadToItsHeadings)
@@ -136,15 +113,15 @@ TEST(Manual, TheLinksOfTheReferenceLeadToItsHeadings)
 
 TEST(Manual, TheManPageIsAcceptedByGroff)
 {
-    const GuideFile page("man");
-    const Printed printed = printedBy("groff -man -ww -z " + page.path.string() + " 2>&1");
+    const TempFile page(guide("man"));
+    const Printed printed = printedBy("groff -man -ww -z " + page.name + " 2>&1");
     EXPECT_EQ(printed.status, 0);
     EXPECT_EQ(printed.text, "");
 }
 
 TEST(Manual, BashCompletesOptionsAndFiles)
 {
-    const GuideFile file("bash");
+    const TempFile file(guide("bash"));
     struct {
         const char *line; ///< the words, the last one is to be completed
         const char *expected;
@@ -158,8 +135,7 @@ TEST(Manual, BashCompletesOptionsAndFiles)
     };
     for (const auto &check : cases) {
         // compopt is for the shell that completes; here nobody does.
-        const std::string script = ". " + file.path.string() + "; compopt() { :; }; COMP_WORDS=(trelm " +
-                                   check.line +
+        const std::string script = ". " + file.name + "; compopt() { :; }; COMP_WORDS=(trelm " + check.line +
                                    "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _trelm; "
                                    "printf \"%s \" \"${COMPREPLY[@]}\"; complete -p trelm >&2";
         const Printed printed = printedBy("bash -c '" + script + "' 2>/dev/null");
@@ -170,11 +146,11 @@ TEST(Manual, BashCompletesOptionsAndFiles)
 
 TEST(Manual, ZshReadsItsCompletion)
 {
-    const GuideFile file("zsh");
+    const TempFile file(guide("zsh"));
     // _arguments is not there outside a completion: this one takes what it would be given, and prints its
     // first word.
-    const Printed printed = printedBy("zsh -f -c '_arguments() { print -r -- $# ${1%%\\[*} }; . " +
-                                      file.path.string() + "' 2>&1");
+    const Printed printed =
+        printedBy("zsh -f -c '_arguments() { print -r -- $# ${1%%\\[*} }; . " + file.name + "' 2>&1");
     EXPECT_EQ(printed.status, 0);
     EXPECT_EQ(printed.text,
               std::to_string(knownFlags().size() + 1) + " -stTrelm\n"); // and the words of lists

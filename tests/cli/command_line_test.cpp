@@ -1,0 +1,90 @@
+// Help, version and the words of the command line that nobody used, in whole runs.
+#include "cli/run_program.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(CommandLine, VersionIsOneLineAndNothingElse)
+{
+    for (const char *line : {"-version", "-bestFit -pdb none.pdb -version", "-version -verb 5"}) {
+        const Ran ran = goodRun(line, {.environment = {{"NMRCHECK", "DEBUG"}}});
+        EXPECT_EQ(ran.out, "trelm " TRELM_VERSION "\n");
+        EXPECT_EQ(ran.err, "");
+    }
+    const Ran full = runProgram("-version", {.stdoutFile = "/dev/full"});
+    EXPECT_EQ(full.status, 1);
+    EXPECT_EQ(full.err, "Error writing (stdout).\n");
+}
+
+TEST(CommandLine, HelpEndsWithTheFailureLine)
+{
+    const std::string help = runProgram("-help").err;
+    for (const char *line : {"", "-bestFit -help", "-version -help"}) {
+        const Ran ran = runProgram(line);
+        EXPECT_EQ(ran.status, 1);
+        EXPECT_EQ(ran.err, help);
+        EXPECT_EQ(ran.out, "");
+    }
+    expectOrder(help, {"trelm",
+                       "ARGUMENTS FOR STERIC TRELM\n",
+                       " -wv      conc     [0.05]    Liquid Crystal Concentration [mg/ml].\n",
+                       "\nDipolar Interaction Value Calculation:\n",
+                       "ARGUMENTS FOR ELECTROSTATIC TRELM\n",
+                       " -cut     cutoff   [400.0]   ",
+                       "ARGUMENTS FOR FREE FORMAT, STERIC TRELM\n",
+                       "ARGUMENTS FOR BEST-FIT (SVD/POWELL)\n",
+                       " -nAdjustMc steps  [1000]    ",
+                       " -stdCone width    [10.0]    ",
+                       " -fixCone          [off]     Fix Size of Cone.\n",
+                       "ARGUMENTS FOR UNASSIGNED BEST-FIT (exhSVD)\n",
+                       "ARGUMENTS FOR ADDITiON OF STRUCTURAL NOISE\n",
+                       " -nofixCone        [on]      Fix Size of Cone.\n",
+                       " -fixCone          [off]     Don't Fix Size of Cone.\n",
+                       "ARGUMENTS FOR ANALYSIS OF ORDER MATRIX\n",
+                       "ARGUMENTS FOR ANALYSIS OF DIPOLAR COUPLINGS\n",
+                       "ARGUMENTS FOR ANALYSIS OF PDB FILE\n",
+                       " -charmm22         [off]     Apply CHARMM Partial Charges.\n",
+                       "ARGUMENTS FOR Da & R HISTOGRAM DETERMINATION\n",
+                       "ARGUMENTS FOR Da & R LIKELIHOOD DETERMINATION\n",
+                       "ARGUMENTS FOR CONVERSION OF DIPOLAR COUPLING TABLE\n",
+                       "COMMOM ARGUMENTS\n",
+                       "TRELM Error extracting command-line arguments.\n"});
+    EXPECT_EQ(countOf(help, "ARGUMENTS FOR "), 12);
+    EXPECT_EQ(countOf(help, "COMMOM ARGUMENTS"), 1);
+    EXPECT_EQ(countOf(help, "TRELM Error extracting command-line arguments.\n"), 1);
+    for (const char *flag : {" -version", " -clearMl", " -noclearMl"})
+        EXPECT_EQ(countOf(help, flag), 0) << flag;
+}
+
+TEST(CommandLine, WordsNobodyUsedAreTold)
+{
+    const std::string line =
+        "-bestFit -pdb ubi/1d3z_model1.pdb -outD fit.tab -pdbRot t.pdb -ind x.tab -dot 5";
+    const std::pair<const char *, std::string> cases[] = {
+        {"ALL",
+         "Warning from " TRELM_PROGRAM ":\n  Arguments 8 to 9 may be unknown or unused:\n  ' -ind x.tab '\n"
+         "  -ind: did you mean -inD?\n"},
+        {"flags", "Warning from " TRELM_PROGRAM ":\n  Argument 8 may be unknown or unused:\n  ' -ind '\n"
+                  "  -ind: did you mean -inD?\n"},
+        {"Debug", "  8. 0   4 Characters: '-ind'\n"}};
+    for (const auto &[mode, told] : cases) {
+        const Ran ran = goodRun(line, {.environment = {{"NMRCHECK", mode}}});
+        EXPECT_EQ(countOf(ran.err, told), 1) << ran.err;
+        EXPECT_EQ(countOf(ran.err, "may be unknown"), 1) << ran.err;
+    }
+    const Ran unchecked = goodRun(line);
+    EXPECT_EQ(countOf(unchecked.err, "may be unknown"), 0);
+    EXPECT_EQ(countOf(unchecked.err, "did you mean"), 0);
+}
+
+TEST(CommandLine, MemoryTraceBeginsAfterTheArguments)
+{
+    const Ran ran = goodRun("-bestFit -dbg 2 -pdb ubi/1d3z_model1.pdb -pdbRot t.pdb");
+    EXPECT_GT(countOf(ran.err, "\n_MEM VOI_ALLOC Name: pdb"), 0) << ran.err.substr(0, 500);
+    EXPECT_EQ(countOf(ran.err, "Name: matrix Alloc: "),
+              8); // three coordinate and five charge buffers, no record
+    EXPECT_EQ(countOf(runProgram("-bestFit -dbg 1 -pdbRot t.pdb").err, "_MEM"), 0);
+}
+
+} // namespace

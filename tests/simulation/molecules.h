@@ -1,0 +1,65 @@
+// Molecules, charges and orientations of the tests of the simulation.
+#pragma once
+
+#include "common/temp_file.h"
+#include "simulation/charges.h"
+#include "simulation/sphere.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace trelm {
+
+/// A molecule of which every atom is selected.
+inline PDBInfo readMolecule(const std::string &name)
+{
+    PDBInfo pdbInfo;
+    EXPECT_EQ(readPDB(name, &pdbInfo, nullptr), 0);
+    for (AtomInfo &atom : pdbInfo.atoms())
+        atom.selected = 1;
+    return pdbInfo;
+}
+
+inline PDBInfo ubiquitin()
+{
+    return readMolecule(TRELM_EXAMPLES "/ubiquitin/1d3z_model1.pdb");
+}
+
+/// One from the text of a PDB file.
+inline PDBInfo moleculeOf(std::string_view text)
+{
+    const TempFile file(text);
+    return readMolecule(file.name);
+}
+
+inline bool isHydrogen(const AtomInfo &atom)
+{
+    return atom.atomName.text[0] == 'H';
+}
+
+/// A set of orientations that outlives the generator's.
+inline std::vector<double> dotsOf(int densit)
+{
+    std::span<const double> dots;
+    EXPECT_EQ(do_unsp(densit, dots), 0);
+    return {dots.begin(), dots.end()};
+}
+
+/// Charges by the places of their atoms.
+struct Charges {
+    std::vector<int> atoms;
+    std::vector<float> values;
+    ChargeSet set()
+    {
+        ChargeSet charges;
+        charges.chargeAtomID = atoms;
+        charges.charges = values;
+        charges.chCount = static_cast<int>(values.size());
+        return charges;
+    }
+};
+
+} // namespace trelm

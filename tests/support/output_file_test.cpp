@@ -1,0 +1,42 @@
+// Results that replace those of an earlier run, or leave them alone.
+#include "support/output_file.h"
+
+#include "common/temp_file.h"
+
+#include <fstream>
+
+namespace trelm {
+namespace {
+
+std::string contentOf(const TempFile &file)
+{
+    return {std::istreambuf_iterator(std::ifstream(file.name).rdbuf()), {}};
+}
+
+TEST(OutputFile, TheOldResultGoesWhenThereIsANewOne)
+{
+    const struct {
+        const char *why, *access, *text, *content;
+        bool isClosed;
+    } rows[] = {{"replaced", "w", "new", "new", true},
+                {"no result: emptied", "w", "", "", true},
+                {"a failure before the result: kept", "w", "", "before", false},
+                {"a failure later", "w", "new", "new", false},
+                {"continued", "a", "new", "beforenew", true},
+                {"nothing to add", "a", "", "before", true}};
+    for (const auto &row : rows) {
+        const TempFile file("before");
+        {
+            OutFile out;
+            ASSERT_EQ(openOut(out, file.name, row.access), 0);
+            EXPECT_EQ(contentOf(file), "before");
+            writeOut(out, row.text);
+            writeOut(out, "");
+            EXPECT_EQ(row.isClosed ? closeOut(out) : 0, 0);
+        }
+        EXPECT_EQ(contentOf(file), row.content) << row.why;
+    }
+}
+
+} // namespace
+} // namespace trelm

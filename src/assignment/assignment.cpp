@@ -6,9 +6,7 @@
 #include "assignment/selection.h"
 #include "couplings/fit.h"
 #include "couplings/output.h"
-#include "couplings/tensor.h"
 #include "ground/alloc.h"
-#include "structure/write.h"
 #include "support/progress.h"
 #include "support/random.h"
 #include "support/text.h"
@@ -38,7 +36,7 @@ void drawPermutation(int *idum, std::vector<int> &rowIdList)
     }
 }
 
-int searchRandomly(const AssignmentProblem &problem, int mapCount, BestAssignment &best)
+void searchRandomly(const AssignmentProblem &problem, int mapCount, BestAssignment &best)
 {
     int idum = -1; // the draws do not follow the seed of the run
     ScoreWork work;
@@ -54,7 +52,6 @@ int searchRandomly(const AssignmentProblem &problem, int mapCount, BestAssignmen
         }
     }
     endProgress(progress);
-    return 0;
 }
 
 int searchAll(const AssignmentProblem &problem, const TrelmInfo &info, BestAssignment &best)
@@ -66,12 +63,11 @@ int searchAll(const AssignmentProblem &problem, const TrelmInfo &info, BestAssig
 }
 
 /// A selection that cannot be made leaves all residues without a peak; the run tells so and goes on.
-int searchSelected(const AssignmentProblem &problem, const TrelmInfo &info, BestAssignment &best)
+void searchSelected(const AssignmentProblem &problem, const TrelmInfo &info, BestAssignment &best)
 {
     std::vector<int> selected;
     if (selectPeaks(problem, info.nSel, info.dcSelOpt, selected) == 0)
         visitAllExh(problem, selected, best);
-    return 0;
 }
 
 /// Returns 0, or 1 after a message.
@@ -80,11 +76,13 @@ int search(const AssignmentProblem &problem, const AssignmentSetup &setup, BestA
     best.bestIdList.assign(static_cast<std::size_t>(problem.peakCount), -1);
     switch (setup.trelmInfo->spreadMode) {
     case randomSearch:
-        return searchRandomly(problem, setup.mapCount, best);
+        searchRandomly(problem, setup.mapCount, best);
+        return 0;
     case fullSearch:
         return searchAll(problem, *setup.trelmInfo, best);
     case selectedSearch:
-        return searchSelected(problem, *setup.trelmInfo, best);
+        searchSelected(problem, *setup.trelmInfo, best);
+        return 0;
     default:
         return complain("trelm: no assignment search has the number %d.\n", setup.trelmInfo->spreadMode);
     }
@@ -114,14 +112,15 @@ void assignRow(const AssignmentProblem &problem, int row, int column, DInfo &obs
     calc.di = problem.diValMat[cell];
 }
 
-/// Brings an assignment into the table.
+/// Brings an assignment into the table. Rows go by their peak alone, also where the search went by the larger
+/// residue to see whether a coupling is fixed.
 void applyAssignment(const AssignmentProblem &problem, const PeakTable &peaks, const BestAssignment &best,
                      DTable &dTab)
 {
     for (std::size_t i = 0; i < dTab.observed().size(); ++i) {
         DInfo &obs = dTab.observed()[i];
         const int type = couplingType(obs);
-        if (!takesPart(dTab, i) || type == noType || isFixed(peaks, peakIdOf(obs, type)))
+        if (!takesPart(dTab.calculated()[i]) || type == noType || isFixed(peaks, peakIdOf(obs, type)))
             continue;
         const auto row = peaks.rowResList.find(peakIdOf(obs, type));
         const auto medium = std::ranges::find(peaks.media, obs.segNameI.view());
@@ -163,19 +162,11 @@ int fitMedia(const AssignmentSetup &setup, const PeakTable &peaks)
 /// Returns 0, or non-zero after a message.
 int writeResults(const AssignmentSetup &setup)
 {
-    solveEuler(setup.dTab->dTensor);
-    Saupe saupe;
-    std::ranges::copy(setup.dTab->dTensor.saupe, saupe.begin());
-    TensorAnalysis analysis;
-    if (analyzeSaupe(saupe, setup.trelmInfo->yzFlag, setup.trelmInfo->eulerFlag, analysis) != 0)
-        return complain("trelm: error in analyzeSaupe.\n");
-    const int written = writeDCmod(setup.outDName, "w", setup.dTab, setup.trelmInfo, "");
-    const EulerLists &euler = analysis.euler;
-    const int turned = writePDBRot(euler.gamma, euler.beta, euler.alpha, setup.trelmInfo->rotN, setup.pdbInfo,
-                                   setup.sInfo, setup.pdbRotName, setup.remark);
-    if (turned != 0)
-        complain("trelm: error in writePDBRot.\n");
-    return turned != 0 ? turned : written;
+    // The angles of a non-linear fit are those of its own rotation; here all are those of the Saupe vector.
+    if (setup.dTab->dTensor.eulerFlag != 0)
+        solveEuler(setup.dTab->dTensor);
+    return writeFit({setup.pdbInfo, setup.sInfo, setup.dTab, setup.trelmInfo, setup.outDName,
+                     setup.pdbRotName, setup.remark});
 }
 
 PeakTable peakTableOf(const AssignmentSetup &setup)

@@ -9,7 +9,6 @@
 namespace trelm {
 namespace {
 
-constexpr double amide = 21585.2; ///< Hz: Da on the scale of an amide pair, as the window has it
 constexpr SaupeTerms sizeWeights = {1.5, 0.5, 2.0, 2.0, 2.0}; ///< of the squares in a tensor's size
 /// Below this part of its diagonal a pivot is lost in rounding: nothing is said about the tensor then.
 constexpr double pivotLimit = 1e-9;
@@ -38,8 +37,8 @@ std::vector<SaupeTerms> termsOf(std::span<const float> x, std::span<const float>
 
 /// How far a score's root can be from that of exact sums. A calculated coupling is the product of a constant
 /// with five terms in single precision. The terms' sizes sum up to less than 6 |Da|, in units of the tensor:
-/// |t| is at most 1.5 and |s| at most 4 |Da|. Sum, product and difference make a dozen roundings of 2^-24
-/// each.
+/// |t| is at most 1.5 and |s| at most 4 |Da|. Five products, their sum and the product with the constant make
+/// less than a dozen roundings of 2^-24 each; differences and squares are taken in double precision.
 double roundingOf(const AssignmentProblem &problem, double largestDa)
 {
     constexpr double roundings = 12.0 / 16777216.0;
@@ -60,7 +59,7 @@ double roundingOf(const AssignmentProblem &problem, double largestDa)
 /// L with L L^T = the matrix. Returns false if it is not positive definite enough to be told from rounding.
 bool factorise(const std::array<double, 15> &matrix, std::array<double, 15> &factor)
 {
-    for (std::size_t i = 0; i < saupeSize; ++i)
+    for (std::size_t i = 0; i < saupeCount; ++i)
         for (std::size_t j = 0; j <= i; ++j) {
             double sum = matrix[at(i, j)];
             for (std::size_t k = 0; k < j; ++k)
@@ -80,7 +79,7 @@ bool factorise(const std::array<double, 15> &matrix, std::array<double, 15> &fac
 SaupeTerms forward(const std::array<double, 15> &factor, const SaupeTerms &v)
 {
     SaupeTerms y;
-    for (std::size_t i = 0; i < saupeSize; ++i) {
+    for (std::size_t i = 0; i < saupeCount; ++i) {
         double sum = v[i];
         for (std::size_t k = 0; k < i; ++k)
             sum -= factor[at(i, k)] * y[k];
@@ -93,9 +92,9 @@ SaupeTerms forward(const std::array<double, 15> &factor, const SaupeTerms &v)
 SaupeTerms backward(const std::array<double, 15> &factor, const SaupeTerms &y)
 {
     SaupeTerms x;
-    for (std::size_t i = saupeSize; i-- > 0;) {
+    for (std::size_t i = saupeCount; i-- > 0;) {
         double sum = y[i];
-        for (std::size_t k = i + 1; k < saupeSize; ++k)
+        for (std::size_t k = i + 1; k < saupeCount; ++k)
             sum -= factor[at(k, i)] * x[k];
         x[i] = sum / factor[at(i, i)];
     }
@@ -105,7 +104,7 @@ SaupeTerms backward(const std::array<double, 15> &factor, const SaupeTerms &y)
 double dot(const SaupeTerms &a, const SaupeTerms &b)
 {
     double sum = 0.0;
-    for (std::size_t k = 0; k < saupeSize; ++k)
+    for (std::size_t k = 0; k < saupeCount; ++k)
         sum += a[k] * b[k];
     return sum;
 }
@@ -119,7 +118,6 @@ BoundTables makeBoundTables(const AssignmentProblem &problem)
     tables.columns = problem.colId;
     tables.media = problem.nLcType;
     for (int medium = 0; medium < problem.nLcType; ++medium) {
-        tables.firstColumn[static_cast<std::size_t>(medium)] = static_cast<int>(tables.mediumOf.size());
         const int columns = problem.colIdList[static_cast<std::size_t>(medium)];
         tables.mediumOf.insert(tables.mediumOf.end(), static_cast<std::size_t>(columns), medium);
     }
@@ -134,7 +132,8 @@ BoundTables makeBoundTables(const AssignmentProblem &problem)
                      std::fabs(number(problem.diValMat[place]))});
         }
     // Da is half the largest eigenvalue; the squares of all three sum up to twice its square at most.
-    const double largestDa = std::max(std::fabs(number(problem.lDa)), std::fabs(number(problem.hDa))) / amide;
+    const double largestDa =
+        std::max(std::fabs(number(problem.lDa)), std::fabs(number(problem.hDa))) / amideHertz;
     tables.tensorSize = 8.0 * largestDa * largestDa * 1.001;
     tables.rounding = roundingOf(problem, largestDa);
     return tables;
@@ -142,7 +141,7 @@ BoundTables makeBoundTables(const AssignmentProblem &problem)
 
 double exactLimit(const BoundTables &tables, float score)
 {
-    // The score itself is rounded to single precision, and so is each difference before it is squared.
+    // The sum of each medium is rounded to single precision, and so is that of the media.
     const double root = (std::sqrt(number(score)) + tables.rounding) * (1.0 + 1e-6);
     const double limit = root * root;
     return std::isfinite(limit) ? limit : std::numeric_limits<double>::max(); // an open window: no bound
@@ -151,7 +150,7 @@ double exactLimit(const BoundTables &tables, float score)
 void NormalEquations::add(const SaupeTerms &terms, double d, double w, double di)
 {
     const double weight = w * w;
-    for (std::size_t i = 0; i < saupeSize; ++i) {
+    for (std::size_t i = 0; i < saupeCount; ++i) {
         const double scaled = weight * di * terms[i];
         for (std::size_t j = 0; j <= i; ++j)
             matrix[at(i, j)] += scaled * di * terms[j];
@@ -199,7 +198,7 @@ Ellipsoid makeEllipsoid(const BoundTables &tables, const NormalEquations &equati
     ellipsoid.given = equations.count < determined ? limit : 1e-6 * limit;
     std::array<double, 15> matrix = equations.matrix;
     if (std::isfinite(tables.tensorSize) && tables.tensorSize > 0.0)
-        for (std::size_t i = 0; i < saupeSize; ++i)
+        for (std::size_t i = 0; i < saupeCount; ++i)
             matrix[at(i, i)] += ellipsoid.given / tables.tensorSize * sizeWeights[i];
     else
         ellipsoid.given = 0.0;
@@ -211,7 +210,7 @@ Ellipsoid makeEllipsoid(const BoundTables &tables, const NormalEquations &equati
     // Less what rounding can have added: of the difference, and of the solution, which is off by a few units
     // in the last place of the matrix times the square of the centre.
     double trace = 0.0;
-    for (std::size_t i = 0; i < saupeSize; ++i)
+    for (std::size_t i = 0; i < saupeCount; ++i)
         trace += matrix[at(i, i)];
     const double slip =
         64.0 * std::numeric_limits<double>::epsilon() * trace * dot(ellipsoid.centre, ellipsoid.centre);

@@ -16,6 +16,7 @@
 #pragma once
 
 #include "assignment/problem.h"
+#include "couplings/tensor.h"
 
 #include <array>
 #include <span>
@@ -23,8 +24,7 @@
 
 namespace trelm {
 
-constexpr std::size_t saupeSize = 5;
-using SaupeTerms = std::array<double, saupeSize>;
+using SaupeTerms = Saupe; ///< a Saupe vector, or what stands before its elements in a coupling
 
 /// One coupling of a peak.
 struct PeakCoupling {
@@ -35,9 +35,8 @@ struct PeakCoupling {
 /// The problem as the bounds want it.
 struct BoundTables {
     int peakCount = 0, columns = 0, media = 0;
-    std::array<int, maxMedia> firstColumn = {}; ///< of each medium
-    std::vector<int> mediumOf;                  ///< of each column
-    std::vector<SaupeTerms> terms;              ///< by residue row and column
+    std::vector<int> mediumOf;     ///< of each column
+    std::vector<SaupeTerms> terms; ///< by residue row and column
     std::vector<std::vector<PeakCoupling>> peaks;
     double tensorSize = 0.0; ///< limit of 1.5 s0^2 + s1^2 / 2 + 2 (s2^2 + s3^2 + s4^2) inside the window
     double rounding = 0.0;   ///< what single precision can add to or take from the root of a score

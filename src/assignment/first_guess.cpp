@@ -15,7 +15,9 @@ constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr int fewestStarts = 40; ///< random tensors
 constexpr int startsPerPeak = 4;
 constexpr int mostWork = 1'000'000; ///< starts times peaks squared
-constexpr int peaksPerHit = 8; ///< starts that must end at the best candidate again before more seem useless
+/// More starts seem useless when one, and one more for each so many peaks, have ended at the best candidate
+/// again.
+constexpr int peaksPerHit = 8;
 constexpr int mostRounds = 40; ///< of assignment and tensor
 
 using Tensors = std::array<SaupeTerms, maxMedia>;
@@ -46,12 +48,13 @@ std::array<std::array<double, 3>, 3> randomRotation(std::mt19937 &engine)
 /// A tensor inside the window.
 SaupeTerms randomTensor(const AssignmentProblem &problem, std::mt19937 &engine)
 {
-    constexpr double amide = 21585.2, widest = 50.0, highestR = 2.0 / 3.0;
+    constexpr double widest = 50.0, highestR = 2.0 / 3.0;
     const auto limit = [](float value, double low, double high) {
         return std::clamp(static_cast<double>(value), low, high);
     };
     const double da =
-        between(engine, limit(problem.lDa, -widest, widest), limit(problem.hDa, -widest, widest)) / amide;
+        between(engine, limit(problem.lDa, -widest, widest), limit(problem.hDa, -widest, widest)) /
+        amideHertz;
     const double r = between(engine, limit(problem.lR, 0.0, highestR), limit(problem.hR, 0.0, highestR));
     const std::array<double, 3> values = {-da * (1.0 - 1.5 * r), -da * (1.0 + 1.5 * r), 2.0 * da};
     const auto rotation = randomRotation(engine);
@@ -84,7 +87,7 @@ void setRanges(Climb &climb)
         const auto medium =
             static_cast<std::size_t>(tables.mediumOf[place % static_cast<std::size_t>(tables.columns)]);
         double sum = 0.0;
-        for (std::size_t k = 0; k < saupeSize; ++k)
+        for (std::size_t k = 0; k < saupeCount; ++k)
             sum += tables.terms[place][k] * climb.tensors[medium][k];
         climb.ranges[place] = {sum, climb.isKnown[medium] ? 0.0 : infinity};
     }

@@ -6,8 +6,8 @@
 namespace trelm {
 
 /// Alternates between the best assignment for a given tensor and the tensor that fits it, from random
-/// tensors, and takes the best candidate that it meets. Always the same for the same space. It proves
-/// nothing.
+/// tensors, and takes the best candidate that it meets. The tensors come from a std::mt19937 with a seed of
+/// its own: always the same for the same space, and no generator of the run is touched. It proves nothing.
 void guessCandidate(const SearchSpace &space, ScoreWork &work, Candidate &best);
 
 } // namespace trelm

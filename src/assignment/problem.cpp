@@ -48,7 +48,8 @@ int following(int resID)
     return resID == std::numeric_limits<int>::max() ? resID : resID + 1;
 }
 
-/// Whether a coupling of this type belongs to a fixed residue.
+/// Whether a coupling of this type belongs to a fixed residue. Of a coupling across residues the larger one
+/// counts, also where its peak goes by the first.
 bool isFixedPeak(const PeakTable &peaks, const DInfo &obs, int type)
 {
     const int resID = std::max(obs.resIDI, obs.resIDJ);
@@ -67,7 +68,7 @@ void forEachUnassigned(const DTable &dTab, const PeakTable &peaks, Function func
     for (std::size_t i = 0; i < dTab.observed().size(); ++i) {
         const DInfo &obs = dTab.observed()[i];
         const int type = couplingType(obs);
-        if (takesPart(dTab, i) && type != noType && !isFixedPeak(peaks, obs, type))
+        if (takesPart(dTab.calculated()[i]) && type != noType && !isFixedPeak(peaks, obs, type))
             function(i, obs, type);
     }
 }
@@ -265,9 +266,9 @@ int countFixed(const DTable &dTab, const PeakTable &peaks)
     int count = 0;
     for (std::size_t i = 0; i < dTab.observed().size(); ++i) {
         const DInfo &obs = dTab.observed()[i];
-        count += takesPart(dTab, i) ? chkFixAa(static_cast<int>(peaks.fixResList.size()),
-                                               peaks.fixResList.data(), obs.resIDI, obs.resIDJ)
-                                    : 0;
+        count += takesPart(dTab.calculated()[i]) ? chkFixAa(static_cast<int>(peaks.fixResList.size()),
+                                                            peaks.fixResList.data(), obs.resIDI, obs.resIDJ)
+                                                 : 0;
     }
     return count;
 }
@@ -282,7 +283,7 @@ int takeFixed(const DTable &dTab, const PeakTable &peaks, std::size_t medium, As
     for (std::size_t i = 0; i < dTab.observed().size(); ++i) {
         const DInfo &obs = dTab.observed()[i];
         const int type = couplingType(obs);
-        if (!takesPart(dTab, i) || type == noType || !isOfMedium(peaks, medium, obs) ||
+        if (!takesPart(dTab.calculated()[i]) || type == noType || !isOfMedium(peaks, medium, obs) ||
             !isFixedPeak(peaks, obs, type))
             continue;
         std::printf(" %d", obs.resIDI);
@@ -296,12 +297,13 @@ int takeFixed(const DTable &dTab, const PeakTable &peaks, std::size_t medium, As
     return 0;
 }
 
-/// Takes all fixed couplings. Returns 0, or 1 after a message: of a residue either all couplings are fixed,
-/// by residue and by peak, or none.
-int fillFixed(const DTable &dTab, PeakTable &peaks, AssignmentProblem &problem)
+/// Takes all fixed couplings. They are counted by their residues and taken by their peaks, which differ for
+/// couplings within the preceding residue. Returns 0, or 1 after a message where the two do not agree: the
+/// user has to fix all couplings of both residues, or none.
+int fillFixed(const DTable &dTab, const PeakTable &peaks, AssignmentProblem &problem)
 {
-    peaks.nCoupAss = countFixed(dTab, peaks);
-    if (peaks.nCoupAss < 1) {
+    const int fixedCount = countFixed(dTab, peaks);
+    if (fixedCount < 1) {
         std::printf("REMARK No couplings are fixed.\n");
         return 0;
     }
@@ -309,7 +311,7 @@ int fillFixed(const DTable &dTab, PeakTable &peaks, AssignmentProblem &problem)
         if (takeFixed(dTab, peaks, medium, problem) != 0)
             return 1;
     std::printf("REMARK %d couplings fixed in total.\n", static_cast<int>(problem.fixed.size()));
-    if (static_cast<int>(problem.fixed.size()) != peaks.nCoupAss)
+    if (static_cast<int>(problem.fixed.size()) != fixedCount)
         return complain("Error in Number of assigned couplings.");
     return 0;
 }
@@ -335,12 +337,6 @@ int peakIdOf(const DInfo &obs, int type)
     default:
         return obs.resIDI;
     }
-}
-
-bool takesPart(const DTable &dTab, std::size_t i)
-{
-    const DInfo &calc = dTab.calculated()[i];
-    return calc.valid != 0 && calc.w != 0.0f;
 }
 
 bool isFixed(const PeakTable &peaks, int resID)

@@ -14,11 +14,12 @@
 
 namespace trelm {
 
-constexpr int maxPeaks = 800;            ///< peaks of a search
-constexpr int couplingTypeCount = 8;     ///< coupling types of a medium
-constexpr float noPeakCoupling = 888.0f; ///< a place of dcMat without a coupling, Hz
-constexpr float outsideWindow = 1.0e8f;  ///< score of a medium whose tensor lies outside the window
-constexpr int noType = -1;               ///< a coupling that is of none of the types
+constexpr int maxPeaks = 800;        ///< peaks of a search
+constexpr int couplingTypeCount = 8; ///< coupling types of a medium
+/// Score of a medium whose tensor lies outside the window. A search takes nothing that is no better than
+/// that.
+constexpr float outsideWindow = 1.0e8f;
+constexpr int noType = -1; ///< a coupling that is of none of the types
 
 /// A coupling that stays with its residue whatever the assignment.
 struct FixedCoupling {
@@ -60,8 +61,7 @@ struct PeakTable {
     std::vector<int> resIdList;      ///< residue of each matrix row
     std::map<int, int> rowResList;   ///< row of each of these residues
     std::array<std::array<int, couplingTypeCount>, maxMedia> dcIndex =
-        {};           ///< column of medium and type, or -1
-    int nCoupAss = 0; ///< couplings of fixed residues
+        {}; ///< column of medium and type, or noType
 };
 
 /// Type of a measured coupling by its atom names, in either order, or noType.
@@ -71,16 +71,14 @@ int couplingType(const DInfo &obs);
 /// peak of the following one.
 int peakIdOf(const DInfo &obs, int type);
 
-/// Whether row i of the table is part of the search.
-bool takesPart(const DTable &dTab, std::size_t i);
-
 /// Whether a residue number stands among the fixed ones.
 bool isFixed(const PeakTable &peaks, int resID);
 
 /// Makes the problem of a table: peaks, residues, matrices and fixed couplings. peaks.fixResList and
 /// peaks.media are given, the rest of it and the problem are made here, but for the window. What is found is
-/// told on standard output. Returns 0, or 1 after a message: no peak, more than maxPeaks of them, couplings
-/// of several atoms, a coupling that is missing or of unknown kind.
+/// told on standard output. Couplings of unknown kind are passed over. Returns 0, or 1 after a message: more
+/// than maxPeaks peaks, couplings of several atoms, a coupling that is missing, a fixed one of unknown kind.
+/// Where there is no peak at all the remark that there are 0 of them is all that is told, and 1 returned.
 int makeProblem(const PDBInfo &pdbInfo, const DTable &dTab, PeakTable &peaks, AssignmentProblem &problem);
 
 } // namespace trelm

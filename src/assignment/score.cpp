@@ -9,8 +9,6 @@
 namespace trelm {
 namespace {
 
-constexpr double hertzOfAmide = 21585.2; ///< Da on the scale of an amide pair
-
 void clearLists(ScoreWork &work)
 {
     for (std::vector<float> *list :
@@ -67,7 +65,7 @@ FitVectors vectorsOf(ScoreWork &work)
 /// Whether a tensor lies inside the window. A Da of 0 has an R of 0 / 0, which no window holds.
 bool isInside(const AssignmentProblem &problem, const TensorAnalysis &analysis)
 {
-    const auto da = static_cast<float>(analysis.da * hertzOfAmide);
+    const auto da = static_cast<float>(analysis.da * amideHertz);
     const auto r = static_cast<float>(analysis.dr / analysis.da);
     return problem.lDa < da && da < problem.hDa && problem.lR < r && r < problem.hR;
 }
@@ -83,23 +81,23 @@ float sumOfSquares(const ScoreWork &work)
     return static_cast<float>(sum);
 }
 
-/// The score of the couplings in the lists. Returns 0, or 1 after a message.
-int scoreMedium(const AssignmentProblem &problem, ScoreWork &work, float &score)
+/// The score of the couplings in the lists.
+float scoreMedium(const AssignmentProblem &problem, ScoreWork &work)
 {
     const FitVectors vectors = vectorsOf(work);
-    std::array<float, 5> fitted = {}, deviations = {};
+    SaupeValues fitted = {}, deviations = {};
     findS(vectors, fitted, deviations); // without a fit the tensor is 0, which lies outside
     Saupe saupe;
     std::ranges::copy(fitted, saupe.begin());
     TensorAnalysis analysis;
-    if (analyzeSaupe(saupe, 0, 0, analysis) != 0)
-        return complain("trelm: error in analyzeSaupe.\n");
-    score = outsideWindow;
+    if (analyzeSaupe(saupe, 0, 0, analysis) != 0) {
+        complain("trelm: error in analyzeSaupe.\n");
+        return outsideWindow; // what is no number lies in no window
+    }
     if (!isInside(problem, analysis))
-        return 0;
+        return outsideWindow;
     findD(vectors, fitted, deviations);
-    score = sumOfSquares(work);
-    return 0;
+    return sumOfSquares(work);
 }
 
 } // namespace
@@ -116,10 +114,7 @@ float getSvdChi2Exh(const AssignmentProblem &problem, std::span<const int> rowId
         const MediumPart medium = {std::span(problem.fixed).subspan(firstFixed, fixedCount), firstColumn,
                                    problem.colIdList[n]};
         collectCouplings(problem, medium, rowIdList, work);
-        float score = 0.0f;
-        if (scoreMedium(problem, work, score) != 0)
-            return 0.0f;
-        sum += score;
+        sum += scoreMedium(problem, work);
         firstFixed += fixedCount;
         firstColumn += problem.colIdList[n];
     }

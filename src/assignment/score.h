@@ -20,9 +20,10 @@ struct ScoreWork {
 
 /// The sum over the media of the squared weighted differences between the couplings and those of the order
 /// matrix that fits them best; a medium whose tensor lies outside the window counts outsideWindow. Lower is
-/// better. rowIdList: for each residue row the peak row on it, peakCount of them. All single precision, in
-/// the order fixed couplings, then residue by residue its columns: the same assignment has the same score to
-/// the bit. It is never a NaN. The fit is that of findS.
+/// better. rowIdList: for each residue row the peak row on it, peakCount of them. Couplings and tensor are in
+/// single precision, the squares of a medium are summed in double precision and rounded once; always in the
+/// order fixed couplings, then residue by residue its columns: the same assignment has the same score to the
+/// bit. It is never a NaN. The fit is that of findS.
 float getSvdChi2Exh(const AssignmentProblem &problem, std::span<const int> rowIdList, ScoreWork &work);
 
 } // namespace trelm

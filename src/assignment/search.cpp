@@ -4,6 +4,8 @@
 #include "assignment/first_guess.h"
 #include "assignment/interrupt.h"
 #include "assignment/search_space.h"
+#include "assignment/selection.h"
+#include "couplings/fit.h"
 #include "support/linear_assignment.h"
 #include "support/text.h"
 
@@ -17,10 +19,9 @@ namespace trelm {
 namespace {
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr int fewestSelected = 2, mostSelected = 7; ///< peaks of a selection
-constexpr int mostTightenings = 8;                  ///< of the ellipsoids at one node
-constexpr double worthTightening = 0.02;            ///< gain of the bound, as a part of the limit
-constexpr int nodesPerLine = 512;                   ///< how often the progress is shown
+constexpr int mostTightenings = 8;       ///< of the ellipsoids at one node
+constexpr double worthTightening = 0.02; ///< gain of the bound, as a part of the limit
+constexpr int nodesPerLine = 512;        ///< how often the progress is shown
 
 /// A descent through the candidates, peak by peak.
 struct Descent {
@@ -190,6 +191,19 @@ void finishCandidate(Descent &descent)
     settle(descent, {1.0L, 1, true});
 }
 
+/// Puts a peak of the space on a row, and takes it away again.
+void place(Descent &descent, std::size_t peak, int row)
+{
+    descent.rowOf[peak] = row;
+    descent.isTaken[static_cast<std::size_t>(row)] = 1;
+}
+
+void takeAway(Descent &descent, std::size_t peak)
+{
+    descent.isTaken[static_cast<std::size_t>(descent.rowOf[peak])] = 0;
+    descent.rowOf[peak] = -1;
+}
+
 void descend(Descent &descent, const MediaEquations &equations)
 {
     if (InterruptGuard::isInterrupted())
@@ -207,36 +221,29 @@ void descend(Descent &descent, const MediaEquations &equations)
     const std::size_t peak = choosePeak(descent, bound, choices);
     const RowSpan rows = descent.space.rowsFor[peak];
     std::vector<char> isTried(descent.isTaken.size(), 0);
-    const auto place = [&](int row, bool isOpen) {
-        descent.rowOf[peak] = row;
-        descent.isTaken[static_cast<std::size_t>(row)] = 1;
-        if (isOpen) {
-            MediaEquations below = equations;
-            addPair(descent.space.tables, descent.space.peaks[peak], row, below);
-            descend(descent, below);
-        } else {
-            settle(descent, candidatesBelow(descent));
-        }
-        descent.rowOf[peak] = -1;
-        descent.isTaken[static_cast<std::size_t>(row)] = 0;
-    };
     for (const Choice &choice : choices) {
         isTried[static_cast<std::size_t>(choice.row)] = 1;
-        place(choice.row, true);
+        MediaEquations below = equations;
+        addPair(descent.space.tables, descent.space.peaks[peak], choice.row, below);
+        place(descent, peak, choice.row);
+        descend(descent, below);
+        takeAway(descent, peak);
     }
     for (int row = rows.first; row < rows.end; ++row) // what the bound left out
         if (descent.isTaken[static_cast<std::size_t>(row)] == 0 &&
-            isTried[static_cast<std::size_t>(row)] == 0)
-            place(row, false);
+            isTried[static_cast<std::size_t>(row)] == 0) {
+            place(descent, peak, row);
+            settle(descent, candidatesBelow(descent));
+            takeAway(descent, peak);
+        }
 }
 
-/// Whether no candidate can be better than noScore: a medium with too few couplings for a tensor, whatever
-/// the assignment, or a window that holds none.
+/// Whether no candidate can be better than outsideWindow: a medium with too few couplings for a tensor,
+/// whatever the assignment, or a window that holds none.
 bool isHopeless(const SearchSpace &space)
 {
     const AssignmentProblem &problem = space.problem;
     constexpr float highestR = 0.6667f; // by the order of the eigenvalues
-    constexpr int fewestCouplings = 5;
     if (!(problem.lDa < problem.hDa) || !(problem.lR < problem.hR) || problem.hR <= 0.0f ||
         problem.lR > highestR)
         return true;
@@ -248,7 +255,7 @@ bool isHopeless(const SearchSpace &space)
             ++couplings[static_cast<std::size_t>(
                 space.tables.mediumOf[static_cast<std::size_t>(coupling.column)])];
     return std::any_of(couplings.begin(), couplings.begin() + space.tables.media,
-                       [](int count) { return count < fewestCouplings; });
+                       [](int count) { return count < static_cast<int>(fewestCouplings); });
 }
 
 void searchFrom(Descent &descent)
@@ -260,7 +267,7 @@ void searchFrom(Descent &descent)
     descend(descent, descent.space.fixed);
 }
 
-/// Searches a space. `best` changes only if a candidate is better than noScore.
+/// Searches a space. `best` changes only if a candidate is better than outsideWindow.
 void searchSpace(const SearchSpace &space, BestAssignment &best)
 {
     const auto peaks = space.peaks.size();
@@ -341,7 +348,7 @@ int visitAa(const AssignmentProblem &problem, std::span<const int> idCutList, Be
 int visitAllExh(const AssignmentProblem &problem, std::span<const int> selected, BestAssignment &best)
 {
     const int count = static_cast<int>(selected.size());
-    if (count < fewestSelected || count > mostSelected)
+    if (count < minSelected || count > maxSelected)
         return complain("Warning: only subset of 2 to 7 peaks allowed!");
     const std::vector<RowSpan> rows(selected.size(), {0, problem.peakCount});
     searchSpace(makeSearchSpace(problem, {selected.begin(), selected.end()}, rows), best);

@@ -12,12 +12,11 @@
 
 namespace trelm {
 
-constexpr float noScore = 1.0e8f;      ///< no candidate is better than this to begin with
 constexpr std::size_t mostItems = 500; ///< peaks of one search
 constexpr std::size_t mostClasses = 6; ///< of visitAa
 
 struct BestAssignment {
-    float pSumDMin = noScore;
+    float pSumDMin = outsideWindow;
     std::vector<int> bestIdList; ///< by residue row: the peak row on it, or -1
     bool isProved = true;        ///< false: the user ended the search, and it is the best so far
 };

@@ -45,14 +45,7 @@ std::vector<int> sorted(std::span<const int> rowOf)
     return rows;
 }
 
-} // namespace
-
-SearchSpace makeSearchSpace(const AssignmentProblem &problem, std::vector<int> peaks,
-                            std::vector<RowSpan> rowsFor)
-{
-    return {problem, makeBoundTables(problem), fixedEquations(problem), std::move(peaks), std::move(rowsFor)};
-}
-
+/// The score of a candidate, as the enumeration has it.
 float scoreCandidate(const SearchSpace &space, std::span<const int> rowOf, ScoreWork &work)
 {
     std::vector<int> rowIdList(rowOf.size());
@@ -68,10 +61,19 @@ float scoreCandidate(const SearchSpace &space, std::span<const int> rowOf, Score
     return getSvdChi2Exh(subProblem(space.problem, space.peaks, rows), rowIdList, work);
 }
 
+/// Whether the first comes before the second in the order of enumeration.
 bool isEarlier(std::span<const int> rowOf, std::span<const int> other)
 {
     const std::vector<int> rows = sorted(rowOf), otherRows = sorted(other);
     return rows != otherRows ? rows < otherRows : std::ranges::lexicographical_compare(rowOf, other);
+}
+
+} // namespace
+
+SearchSpace makeSearchSpace(const AssignmentProblem &problem, std::vector<int> peaks,
+                            std::vector<RowSpan> rowsFor)
+{
+    return {problem, makeBoundTables(problem), fixedEquations(problem), std::move(peaks), std::move(rowsFor)};
 }
 
 bool takeBetter(const SearchSpace &space, std::span<const int> rowOf, ScoreWork &work, Candidate &best)

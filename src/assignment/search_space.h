@@ -2,7 +2,6 @@
 #pragma once
 
 #include "assignment/bound.h"
-#include "assignment/candidates.h"
 #include "assignment/problem.h"
 #include "assignment/score.h"
 
@@ -41,13 +40,8 @@ struct Candidate {
     float score = outsideWindow;
 };
 
-/// The score of a candidate, as the enumeration has it.
-float scoreCandidate(const SearchSpace &space, std::span<const int> rowOf, ScoreWork &work);
-
-/// Whether the first comes before the second in the order of enumeration.
-bool isEarlier(std::span<const int> rowOf, std::span<const int> other);
-
-/// Takes a candidate that is better, or as good and earlier. Returns whether it was taken.
+/// Scores a candidate, and takes it if it is better, or as good and earlier in the order of enumeration.
+/// Returns whether it was taken.
 bool takeBetter(const SearchSpace &space, std::span<const int> rowOf, ScoreWork &work, Candidate &best);
 
 } // namespace trelm

@@ -3,7 +3,6 @@
 #include "support/text.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdio>
 #include <functional>

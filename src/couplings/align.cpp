@@ -1,5 +1,6 @@
 // The non-linear engine: rotation, Da and Dr by the method of Levenberg and Marquardt.
 #include "couplings/fit.h"
+#include "couplings/tensor.h"
 
 #include "ground/alloc.h"
 #include "structure/select.h"
@@ -14,8 +15,10 @@
 namespace trelm {
 namespace {
 
-constexpr float methylFactor = 0.309107f; ///< share of each pair of a group of three in its coupling
-constexpr float amideConstant = 21585.2f; ///< Hz: all couplings are weighted on the scale of an amide pair
+/// Share of each pair of a group of three in its coupling. An empirical number, used as it is: the linear
+/// engine has one vector to the mean of the three places instead.
+constexpr float methylFactor = 0.309107f;
+constexpr auto amideConstant = static_cast<float>(amideHertz); ///< all couplings are weighted on this scale
 constexpr int maxIterations = 1000;
 
 /// What a fit works on: the minimiser's callback has no room for it.
@@ -86,11 +89,6 @@ void takeFree(DTensor &tensor, int rhFlag, const float *cg)
             tensor.*parameter.value = *cg++;
     if (rhFlag != 0)
         tensor.dr = tensor.rh * tensor.da;
-}
-
-bool takesPart(const DInfo &calc)
-{
-    return calc.valid != 0 && calc.w != 0.0f;
 }
 
 /// Calls `visit` for each pair of atoms of a row. Returns how many there are.

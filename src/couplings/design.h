@@ -3,13 +3,9 @@
 
 #include "couplings/fit.h"
 
-#include <array>
 #include <cstddef>
 
 namespace trelm {
-
-constexpr std::size_t saupeCount = 5;
-using SaupeValues = std::array<float, saupeCount>;
 
 /// The coefficients of the Saupe vector in the coupling of entry k, per interaction constant. Two atoms at
 /// one place have (-1/2, 0, 0, 0, 0).

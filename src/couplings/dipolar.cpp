@@ -14,7 +14,7 @@ namespace trelm {
 namespace {
 
 constexpr int wildFactor = maxPairAtoms; ///< entries of a wildcard name, for the size of the workspace
-constexpr std::size_t workSlices = 12;   ///< floats of workspace for each atom pair
+constexpr std::size_t workSlices = 12;   ///< lists in the workspace: the 10 of a fit, and room for two
 
 /// A number column of the file and the field it fills.
 struct NumberColumn {
@@ -45,12 +45,6 @@ struct TableRow {
     const float *cells;
     std::size_t number; ///< counted from 1
 };
-
-/// A residue number from outside plus an offset, kept within the range of int.
-int shiftedRes(int resID, int offset)
-{
-    return static_cast<int>(std::clamp<std::int64_t>(std::int64_t{resID} + offset, INT_MIN, INT_MAX));
-}
 
 ColumnLocs findColumns(const TextTable &text)
 {
@@ -149,8 +143,8 @@ int setFixedDI(DInfo &obs)
 {
     float di = 0.0f;
     int fixed = 0;
-    const int status = findVariableDI(0.0f, {obs.resIDI, obs.resNameI.view(), obs.atomNameI.view()},
-                                      {obs.resIDJ, obs.resNameJ.view(), obs.atomNameJ.view()}, di, fixed, 1);
+    const int status = findVariableDI(0.0f, {obs.resIDI, obs.atomNameI.view()},
+                                      {obs.resIDJ, obs.atomNameJ.view()}, di, fixed, 1);
     if (fixed != 0) {
         obs.diFixedFlag = 1;
         obs.di = di;
@@ -216,26 +210,6 @@ int readRows(const TextTable &text, DTable *dTab)
         pairs += possiblePairs(obs);
     }
     return allocateWork(dTab, pairs) != 0 ? 1 : status;
-}
-
-/// One side of a row while its atoms are looked up.
-struct SideQuery {
-    int resID;
-    const Name &atomName, &chainName, &segName;
-};
-
-SideQuery queryI(const PDBInfo &pdbInfo, const DTable &dTab, const DInfo &obs, int aOff)
-{
-    return {shiftedRes(obs.resIDI, aOff), obs.atomNameI,
-            dTab.nullChainName != 0 ? pdbInfo.defChainName : obs.chainNameI,
-            dTab.nullSegName != 0 ? pdbInfo.defSegName : obs.segNameI};
-}
-
-SideQuery queryJ(const PDBInfo &pdbInfo, const DTable &dTab, const DInfo &obs, int aOff)
-{
-    return {shiftedRes(obs.resIDJ, aOff), obs.atomNameJ,
-            dTab.nullChainName != 0 ? pdbInfo.defChainName : obs.chainNameJ,
-            dTab.nullSegName != 0 ? pdbInfo.defSegName : obs.segNameJ};
 }
 
 /// Resolves one side. Returns how many atoms there are; the record takes maxPairAtoms of them, and `count` is
@@ -307,9 +281,8 @@ void setDI(DInfo &obs, DInfo &calc, int allowFixedDI)
     if (obs.diFixedFlag == 0 || allowFixedDI == 0) {
         const AtomInfo &atomI = *calc.atomI[0], &atomJ = *calc.atomJ[0];
         const float rIJ = findAtomListRad(calc.atomsI(), calc.atomsJ());
-        findVariableDI(rIJ, {calc.resIDI, calc.resNameI.view(), atomI.atomName.view()},
-                       {calc.resIDJ, calc.resNameJ.view(), atomJ.atomName.view()}, obs.di, obs.diFixedFlag,
-                       allowFixedDI);
+        findVariableDI(rIJ, {calc.resIDI, atomI.atomName.view()}, {calc.resIDJ, atomJ.atomName.view()},
+                       obs.di, obs.diFixedFlag, allowFixedDI);
     }
     calc.di = obs.di;
     calc.diFixedFlag = obs.diFixedFlag;
@@ -321,15 +294,15 @@ void buildRow(PDBInfo *pdbInfo, const DTable &dTab, int aOff, DInfo &obs, DInfo 
     calc.valid = 1;
     calc.id = obs.id;
     calc.count = obs.count;
-    const SideQuery sideI = queryI(*pdbInfo, dTab, obs, aOff), sideJ = queryJ(*pdbInfo, dTab, obs, aOff);
-    findSideOrDrop(pdbInfo, sideI, calc.atomI, calc.atomICount, obs);
-    findSideOrDrop(pdbInfo, sideJ, calc.atomJ, calc.atomJCount, obs);
+    const RowQueries sides = queriesOf(*pdbInfo, dTab, obs, aOff);
+    findSideOrDrop(pdbInfo, sides.i, calc.atomI, calc.atomICount, obs);
+    findSideOrDrop(pdbInfo, sides.j, calc.atomJ, calc.atomJCount, obs);
     if (calc.atomICount == 0 || calc.atomJCount == 0) {
         calc.valid = 0;
         return;
     }
-    calc.resIDI = sideI.resID;
-    calc.resIDJ = sideJ.resID;
+    calc.resIDI = sides.i.resID;
+    calc.resIDJ = sides.j.resID;
     calc.atomNameI = obs.atomNameI;
     calc.atomNameJ = obs.atomNameJ;
     takeNames(*calc.atomI[0], calc.resNameI, calc.chainNameI, calc.segNameI);
@@ -359,6 +332,32 @@ int dTabFree(DTable *dTab)
     return dTabNull(dTab); // the blocks of the old record go back with their sizes
 }
 
+void dTensorCopy(DTensor &tInfoA, const DTensor &tInfoB)
+{
+    const DTensor kept = tInfoA;
+    tInfoA = tInfoB;
+    tInfoA.rh = kept.rh;
+    tInfoA.rhMin = kept.rhMin;
+    tInfoA.rhMax = kept.rhMax;
+    tInfoA.rhFlag = kept.rhFlag;
+}
+
+int shiftedRes(int resID, std::int64_t offset)
+{
+    return static_cast<int>(std::clamp<std::int64_t>(resID + offset, INT_MIN, INT_MAX));
+}
+
+RowQueries queriesOf(const PDBInfo &pdbInfo, const DTable &dTab, const DInfo &obs, int aOff)
+{
+    const auto side = [&](int resID, const Name &atomName, const Name &chainName,
+                          const Name &segName) -> SideQuery {
+        return {shiftedRes(resID, aOff), atomName, dTab.nullChainName != 0 ? pdbInfo.defChainName : chainName,
+                dTab.nullSegName != 0 ? pdbInfo.defSegName : segName};
+    };
+    return {side(obs.resIDI, obs.atomNameI, obs.chainNameI, obs.segNameI),
+            side(obs.resIDJ, obs.atomNameJ, obs.chainNameJ, obs.segNameJ)};
+}
+
 int readDC(const std::string &inDName, DTable *dTab)
 {
     if (dTab == nullptr || inDName.empty() || equalNoCase(inDName, "None"))
@@ -379,8 +378,9 @@ int mapDCInfo(PDBInfo *pdbInfo, DTable *dTab, int aOff)
         return 0;
     int mapped = 0;
     for (DInfo &obs : dTab->observed()) {
-        findSide(pdbInfo, queryI(*pdbInfo, *dTab, obs, aOff), obs.atomI, obs.atomICount);
-        findSide(pdbInfo, queryJ(*pdbInfo, *dTab, obs, aOff), obs.atomJ, obs.atomJCount);
+        const RowQueries sides = queriesOf(*pdbInfo, *dTab, obs, aOff);
+        findSide(pdbInfo, sides.i, obs.atomI, obs.atomICount);
+        findSide(pdbInfo, sides.j, obs.atomJ, obs.atomJCount);
         obs.valid = obs.atomICount > 0 && obs.atomJCount > 0 ? 1 : 0;
         mapped += obs.valid;
         if (obs.valid == 0 && getPDBWarn() != 0)

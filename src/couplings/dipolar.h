@@ -5,32 +5,41 @@
 #include "structure/pdb.h"
 
 #include <array>
+#include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
 
 namespace trelm {
 
-constexpr int maxPairAtoms = 9;       ///< atoms on one side of a coupling
-constexpr float noCoupling = 9999.0f; ///< a coupling without a value
-constexpr float maxCoupling = 900.0f; ///< couplings above it take no part, Hz
-constexpr int noResID = -666666;      ///< a residue number that was not set
+constexpr int maxPairAtoms = 9; ///< atoms on one side of a coupling
+
+// What a coupling is taken for by its size, Hz. Nothing measured comes near these numbers, and tables have
+// long used different ones for "no value": each place keeps the limit that its tables were written for. A
+// table may so hold a coupling that is fitted and yet missing from the report, between 888 and 900.
+constexpr float noCoupling = 9999.0f;     ///< an empty cell, or a row that was not calculated
+constexpr float missingCoupling = 999.0f; ///< from here on: not in differences and in statDC
+constexpr float maxCoupling = 900.0f;     ///< above it: no part in fits and quick statistics
+constexpr float reportLimit = 888.0f;     ///< from here on: not in the statistics of the report
+constexpr float noPeakCoupling = 888.0f;  ///< exactly this: an assignment left the place empty
+constexpr int noResID = -666666;          ///< a residue number that was not set
 
 /// One coupling.
 struct DInfo {
     int id = 0;      ///< row number
-    int absFlag = 0; ///< 1 if the table's value is a magnitude only
+    int absFlag = 0; ///< column ABS, 1: a magnitude only; kept, but no mode goes by it
     int count = 0;   ///< multiplicity, 1 after reading
     int valid = 0;   ///< 1 if it takes part in fits and statistics
     int resIDI = noResID, resIDJ = noResID;
     Name resNameI, resNameJ, atomNameI, atomNameJ, chainNameI, chainNameJ, segNameI, segNameJ;
     float d = noCoupling; ///< the coupling, Hz
     float di = 0.0f;      ///< interaction constant: the coupling of a fully aligned vector, Hz
-    float w = 1.0f;       ///< weight
-    float s = 1.0f;       ///< scale
-    float fc = 1.0f;      ///< force constant
-    int diFixedFlag = 0;  ///< 1 if di comes from a fixed distance
-    float sigma = 0.0f;   ///< error of the coupling, Hz
+    float w = 1.0f; ///< weight in statistics and searches; fits go by sigma and only leave out a weight of 0
+    float s = 1.0f; ///< columns S and FC, scale and force constant: kept, but no mode goes by them
+    float fc = 1.0f;
+    int diFixedFlag = 0;                                         ///< 1 if di comes from a fixed distance
+    float sigma = 0.0f;                                          ///< error of the coupling, Hz
     std::array<AtomInfo *, maxPairAtoms> atomI = {}, atomJ = {}; ///< the atoms that the row resolves to
     int atomICount = 0, atomJCount = 0;
 
@@ -44,6 +53,19 @@ struct DInfo {
     }
 };
 
+constexpr std::size_t saupeCount = 5; ///< elements of a Saupe vector: Szz, Sxx - Syy, Sxy, Sxz, Syz
+using SaupeValues = std::array<float, saupeCount>; ///< in single precision, as fits have it
+
+// How the tensor of a fit is found: values of DTensor::tensorMode.
+constexpr int tensorSvd = 1;      ///< least squares over the Saupe vector
+constexpr int tensorSaupe = 2;    ///< no fit: the couplings of userSaupe
+constexpr int tensorNofixed = 3;  ///< Da, Dr and rotation free
+constexpr int tensorDaDr = 4;     ///< Da and Dr fixed, rotation free
+constexpr int tensorFixed = 5;    ///< all fixed
+constexpr int tensorGiven = 6;    ///< as tensorSaupe, for a vector that the program itself has found
+constexpr int tensorGivenToo = 7; ///< the same
+constexpr int tensorFreeToo = 8;  ///< as tensorNofixed
+
 /// The alignment tensor with its bounds and Euler solutions. Angles in degrees, da and dr without unit.
 struct DTensor {
     float da = 0.001f, daMin = -0.01f, daMax = 0.01f;
@@ -55,11 +77,12 @@ struct DTensor {
     float theta = 45.0f, thetaMin = -360.0f, thetaMax = 360.0f;
     std::array<float, 8> phiList = {};
     float phi = 45.0f, phiMin = -360.0f, phiMax = 360.0f;
-    std::array<float, 5> saupe = {}, dSaupe = {}, userSaupe = {}; ///< Szz, Sxx - Syy, Sxy, Sxz, Syz
-    std::array<float, 3> eigVal = {};
+    SaupeValues saupe = {}, userSaupe = {};
+    SaupeValues dSaupe = {};          ///< standard deviations by the errors of the couplings; not reported
+    std::array<float, 3> eigVal = {}; ///< after a fit not sorted, after a report Azz, Ayy, Axx
     int eulerFlag = 1;
     int eulerCount = 0;
-    int tensorMode = 1; ///< 1 SVD, 2 6 7 given Saupe vector, 3 8 all free, 4 Da and Dr fixed, 5 all fixed
+    int tensorMode = tensorSvd;
     int rhFlag = 0;
 };
 
@@ -69,8 +92,10 @@ struct DTable {
     Block<DInfo> dObsList, dCalcList;
     int dCount = 0;   ///< rows
     int maxCount = 0; ///< upper bound of atom-pair entries
+    /// The residues of the rows. They are searched for from 1000000 down and from 0 up: without a row between
+    /// these limits they stay there.
     int dMinRes = 0, dMaxRes = 0;
-    Block<float> work;                      ///< workspace of a fit: 12 * maxCount + 12 floats
+    Block<float> work; ///< workspace of a fit, 12 * maxCount + 12 floats: 10 lists and room
     int nullChainName = 1, nullSegName = 1; ///< 1 until a row names a chain or segment
 
     [[nodiscard]] std::span<DInfo> observed()
@@ -91,15 +116,39 @@ struct DTable {
     }
 };
 
+/// Whether a calculated row takes part in fits.
+inline bool takesPart(const DInfo &calc)
+{
+    return calc.valid != 0 && calc.w != 0.0f;
+}
+
 /// Restores the defaults of a tensor or a table; dTabFree also releases what the table owns. Return 0.
 int dTensorNull(DTensor *tInfo);
 int dTabNull(DTable *dTab);
 int dTabFree(DTable *dTab);
 
+/// A tensor's values from B to A; rh, its bounds and rhFlag are not copied.
+void dTensorCopy(DTensor &tInfoA, const DTensor &tInfoB);
+
 /// Reads a coupling file. An empty name or "None" leaves the table alone. Returns 0, or non-zero after a
 /// message: for a table that cannot be read, a number column that holds text or a value that is not finite,
-/// a negative DD, no memory, or an unknown nucleus in the last row (the table is complete then).
+/// a negative DD, no memory, or an unknown nucleus in the last row (the table is complete then). An unknown
+/// nucleus in any other row is told, and the row read.
 int readDC(const std::string &inDName, DTable *dTab);
+
+/// A residue number from outside plus an offset; a sum beyond int becomes its limit.
+int shiftedRes(int resID, std::int64_t offset);
+
+/// How the atoms of a side are looked up. The names are those of the table, or of the structure where the
+/// table has no chains or segments.
+struct SideQuery {
+    int resID;
+    const Name &atomName, &chainName, &segName;
+};
+struct RowQueries {
+    SideQuery i, j;
+};
+RowQueries queriesOf(const PDBInfo &pdbInfo, const DTable &dTab, const DInfo &obs, int aOff);
 
 /// Resolves the atoms of the observed rows, with aOff added to their residue numbers. Returns the number
 /// mapped.
@@ -114,8 +163,10 @@ int selectD(std::span<DInfo> dList, int segFirst, int segLast, int excludeMode);
 int selTypDC(std::span<DInfo> dList, std::string_view atomNameI, std::string_view atomNameJ);
 
 /// Fills the calculated rows of the valid observed ones: atoms, names, weights by residue (wList, entry 0 is
-/// residue wOff; empty: none), interaction constants. A name that resolves to more than maxPairAtoms atoms is
-/// told, and its observed row too becomes invalid. Returns the number of valid rows.
+/// residue wOff; empty: none), interaction constants. A residue's weight multiplies `w` by its root and
+/// divides the calculated row's sigma, which no fit reads; 0 takes the row out. A name that resolves to more
+/// than maxPairAtoms atoms is told, and its observed row too becomes invalid; an unknown nucleus is told
+/// again. Returns the number of valid rows.
 int buildDC(PDBInfo *pdbInfo, DTable *dTab, int aOff, int wOff, std::span<const float> wList,
             int allowFixedDI);
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 #include <utility>
 
 namespace trelm {
@@ -46,7 +47,7 @@ struct Candidate {
 void collect(const Matrix3f &r, float theta, std::array<Candidate, 8> &found, std::size_t &count)
 {
     const float c = std::cos(theta);
-    if (std::abs(c) <= 0.005f) {
+    if (std::abs(c) <= 0.005f) { // the convention of the header
         const float psi = std::acos(std::clamp(r[2], -1.0f, 1.0f));
         found[count++] = {theta > 0.0f ? psi : -psi, theta, 0.0f};
         return;
@@ -74,7 +75,7 @@ void sortBySize(std::span<Candidate> list)
 
 } // namespace
 
-int make_eigVecList(const Matrix3d &eigVec, FrameLists &frames)
+void make_eigVecList(const Matrix3d &eigVec, FrameLists &frames)
 {
     constexpr double signs[4][2] = {{1.0, 1.0}, {-1.0, 1.0}, {1.0, -1.0}, {-1.0, -1.0}}; // of y and z
     for (std::size_t i = 0; i < 4; ++i) {
@@ -82,7 +83,6 @@ int make_eigVecList(const Matrix3d &eigVec, FrameLists &frames)
         frames.z[i] = scaled(column(eigVec, 0), signs[i][1]);
         frames.x[i] = cross(frames.y[i], frames.z[i]);
     }
-    return 4;
 }
 
 void eigVec2euler(const Matrix3d &eigVec, EulerLists &lists)
@@ -99,7 +99,7 @@ void eigVec2euler(const Matrix3d &eigVec, EulerLists &lists)
     }
 }
 
-int get_euler(const Matrix3d &m, std::array<double, 3> &w)
+void get_euler(const Matrix3d &m, std::array<double, 3> &w)
 {
     Matrix3d unit = m;
     for (std::size_t k = 0; k < 3; ++k) {
@@ -108,20 +108,19 @@ int get_euler(const Matrix3d &m, std::array<double, 3> &w)
         for (std::size_t i = 0; length > 0.0 && i < 3; ++i)
             unit[i * 3 + k] = v[i] / length;
     }
-    return inv_euler(unit, w);
+    inv_euler(unit, w);
 }
 
-int inv_euler(const Matrix3d &m, std::array<double, 3> &w)
+void inv_euler(const Matrix3d &m, std::array<double, 3> &w)
 {
     const double b = std::acos(std::clamp(m[8], -1.0, 1.0));
     const double s = std::sin(b);
     if (std::abs(s) <= 1e-10) {
         const double u = m[8] < 0.0 ? -1.0 : 1.0;
         w = {turnAngle(u * m[0], u * m[1] < 0.0), b * degreesOf, 0.0};
-        return 0;
+        return;
     }
     w = {turnAngle(m[6] / s, m[7] / s < 0.0), b * degreesOf, turnAngle(-m[2] / s, m[5] / s < 0.0)};
-    return 0;
 }
 
 int eulerTest(const Matrix3f &r, float psi, float theta, float phi)

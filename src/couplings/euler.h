@@ -4,8 +4,6 @@
 #include "support/jacobi.h"
 
 #include <array>
-#include <cstdio>
-#include <span>
 
 namespace trelm {
 
@@ -20,23 +18,26 @@ struct RotationLists {
 };
 
 /// The four right-handed frames of a tensor: (y, z), (-y, z), (y, -z), (-y, -z), x = y cross z each time.
-/// eigVec has the axes z, y, x as columns 0, 1, 2; its x is not used. Returns 4.
+/// eigVec has the axes z, y, x as columns 0, 1, 2; its x is not used.
 struct FrameLists {
     std::array<std::array<double, 3>, 4> x = {}, y = {}, z = {};
 };
-int make_eigVecList(const Matrix3d &eigVec, FrameLists &frames);
+void make_eigVecList(const Matrix3d &eigVec, FrameLists &frames);
 
 /// The Euler angles of the four frames.
 void eigVec2euler(const Matrix3d &eigVec, EulerLists &lists);
 
 /// Alpha, beta, gamma (degrees) of the rotation about z, y', z'' with the matrix m (row-major):
 /// M33 = cos b, M31 = sin b cos a, M32 = sin b sin a, M13 = -sin b cos g, M23 = sin b sin g.
-/// get_euler normalises the columns first. Return 0.
-int inv_euler(const Matrix3d &m, std::array<double, 3> &w);
-int get_euler(const Matrix3d &m, std::array<double, 3> &w);
+/// get_euler normalises the columns first.
+void inv_euler(const Matrix3d &m, std::array<double, 3> &w);
+void get_euler(const Matrix3d &m, std::array<double, 3> &w);
 
-/// All solutions of r (row-major), sorted by psi^2 + theta^2 + phi^2. Returns how many: at least 1, because
-/// rot2euler1 serves where none passes the test.
+/// The solutions of r (row-major) that eulerTest passes, sorted by psi^2 + theta^2 + phi^2. Returns how many:
+/// at least 1, because rot2euler1 serves where none passes. Within 0.3 degrees of theta = +-90, where psi and
+/// phi turn about one axis, there is one solution for each theta by convention and without a test: phi is 0,
+/// psi the acos of r[2], below 0 where theta is not above 0. It need not give r back: of (-30, 90, 0) it
+/// makes (30, 90, 0).
 int rot2euler(const Matrix3f &r, RotationLists &lists);
 int rot2euler1(const Matrix3f &r, float &psi, float &theta, float &phi);
 

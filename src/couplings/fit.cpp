@@ -10,8 +10,6 @@
 namespace trelm {
 namespace {
 
-constexpr std::size_t minCouplings = 5; ///< that a fit of five values needs
-
 /// The workspace of a table, cut into arrays of maxCount values each.
 struct Slices {
     std::span<float> xI, yI, zI, xJ, yJ, zJ;
@@ -42,11 +40,6 @@ bool cutWork(DTable &dTab, Slices &s)
         rest = rest.subspan(size);
     }
     return true;
-}
-
-bool takesPart(const DInfo &calc)
-{
-    return calc.valid == 1 && calc.w != 0.0f;
 }
 
 /// A single pair and a group of three are one entry; anything else is one entry a pair.
@@ -88,10 +81,10 @@ void putRow(const Slices &s, std::size_t k, const DInfo &obs, const DInfo &calc)
         }
 }
 
-/// What the rows of a table hold, in the arrays.
+/// How much putRows has written.
 struct Filled {
-    std::size_t entries = 0;
-    int rows = 0;
+    std::size_t entries = 0; ///< of the arrays
+    int rows = 0;            ///< of the table
 };
 
 Filled putRows(const DTable &dTab, const Slices &s)
@@ -125,7 +118,7 @@ void takeRows(DTable &dTab, const Slices &s)
 }
 
 /// The couplings of a tensor into the rows, as findD and takeRows.
-void calculateRows(const RepeatedFit &fit, const std::array<float, 5> &saupe, DTable &dTab)
+void calculateRows(const RepeatedFit &fit, const SaupeValues &saupe, DTable &dTab)
 {
     std::size_t k = 0;
     for (std::size_t row = 0; row < dTab.calculated().size(); ++row) {
@@ -156,8 +149,6 @@ int checkTensor(const DTensor &tensor, int used)
 
 void solveEuler(DTensor &tensor)
 {
-    if (tensor.eulerFlag == 0)
-        return;
     RotationLists lists;
     tensor.eulerCount = saupe2euler(tensor.saupe, lists, tensor.eigVal, tensor.da, tensor.dr);
     tensor.psiList = lists.psi;
@@ -171,16 +162,16 @@ int fitD(PDBInfo *pdbInfo, DTable *dTab, int verbose)
         return 0;
     int used = 0;
     switch (dTab->dTensor.tensorMode) {
-    case 1:
-    case 2:
-    case 6:
-    case 7:
-        used = fitDSVD(pdbInfo, dTab, verbose);
+    case tensorSvd:
+    case tensorSaupe:
+    case tensorGiven:
+    case tensorGivenToo:
+        used = fitDSVD(dTab);
         break;
-    case 3:
-    case 4:
-    case 5:
-    case 8:
+    case tensorNofixed:
+    case tensorDaDr:
+    case tensorFixed:
+    case tensorFreeToo:
         used = fitDCAlign(pdbInfo, dTab, verbose);
         break;
     default:
@@ -189,13 +180,13 @@ int fitD(PDBInfo *pdbInfo, DTable *dTab, int verbose)
     return checkTensor(dTab->dTensor, used);
 }
 
-int fitDSVD(PDBInfo *, DTable *dTab, int)
+int fitDSVD(DTable *dTab)
 {
     if (dTab == nullptr)
         return 0;
     DTensor &tensor = dTab->dTensor;
-    const bool fit = tensor.tensorMode == 1;
-    tensor.saupe = fit ? std::array<float, 5>{} : tensor.userSaupe;
+    const bool fit = tensor.tensorMode == tensorSvd;
+    tensor.saupe = fit ? SaupeValues{} : tensor.userSaupe;
     tensor.dSaupe.fill(1.0f);
     Slices slices;
     if (!cutWork(*dTab, slices))
@@ -203,10 +194,11 @@ int fitDSVD(PDBInfo *, DTable *dTab, int)
     const Filled filled = putRows(*dTab, slices);
     // Too few couplings leave a zero tensor, and then zero couplings: that is an answer, not a failure.
     if (fit && findS(firstEntries(slices, slices.diFit, filled.entries), tensor.saupe, tensor.dSaupe) != 0 &&
-        filled.entries >= minCouplings)
+        filled.entries >= fewestCouplings)
         return -1;
     findD(firstEntries(slices, slices.diBack, filled.entries), tensor.saupe, tensor.dSaupe);
-    solveEuler(tensor);
+    if (tensor.eulerFlag != 0)
+        solveEuler(tensor);
     takeRows(*dTab, slices);
     return filled.rows;
 }
@@ -215,7 +207,7 @@ void prepareRepeatedFit(DTable &dTab, RepeatedFit &fit)
 {
     fit = RepeatedFit{};
     Slices slices;
-    if (dTab.dTensor.tensorMode != 1 || !cutWork(dTab, slices))
+    if (dTab.dTensor.tensorMode != tensorSvd || !cutWork(dTab, slices))
         return;
     const Filled filled = putRows(dTab, slices);
     const std::size_t count = filled.entries;
@@ -234,8 +226,7 @@ void prepareRepeatedFit(DTable &dTab, RepeatedFit &fit)
             fit.rows.insert(fit.rows.end(), entryCount(calc), row);
     }
     fit.y.resize(count);
-    fit.dSaupe = dTab.dTensor.dSaupe;
-    fit.isUsable = count >= minCouplings;
+    fit.isUsable = count >= fewestCouplings;
 }
 
 int refitD(RepeatedFit &fit, PDBInfo *pdbInfo, DTable *dTab, int verbose)
@@ -248,8 +239,8 @@ int refitD(RepeatedFit &fit, PDBInfo *pdbInfo, DTable *dTab, int verbose)
     if (svdLSMat(fit.x, fit.y, static_cast<int>(fit.y.size()), static_cast<int>(saupeCount), tensor.saupe, {},
                  1) != 0)
         return -1;
-    tensor.dSaupe = fit.dSaupe;
-    solveEuler(tensor);
+    if (tensor.eulerFlag != 0)
+        solveEuler(tensor);
     calculateRows(fit, tensor.saupe, *dTab);
     return checkTensor(tensor, fit.used);
 }

@@ -5,10 +5,13 @@
 #include "couplings/euler.h"
 
 #include <array>
+#include <cstddef>
 #include <span>
 #include <vector>
 
 namespace trelm {
+
+constexpr std::size_t fewestCouplings = saupeCount; ///< that a least-squares fit needs
 
 /// The vectors of a fit, one entry each: atoms I and J (angstrom), interaction constant, coupling and error
 /// (Hz).
@@ -24,53 +27,58 @@ struct FitVectors {
 /// if there is no memory for the fit, or, after a message, if its result is no finite number.
 int fitD(PDBInfo *pdbInfo, DTable *dTab, int verbose);
 
-/// The two engines: linear least squares, and Levenberg-Marquardt over rotation, Da and Dr.
-int fitDSVD(PDBInfo *pdbInfo, DTable *dTab, int verbose);
+/// The two engines: linear least squares (or no fit at all, for a given Saupe vector), and
+/// Levenberg-Marquardt over rotation, Da and Dr. The second starts from the tensor as it is, so repeated fits
+/// go on from the last answer, and without a coupling that answer stays. Its Saupe vector is that of the
+/// first Euler solution, and shares what rot2euler says about theta = +-90.
+int fitDSVD(DTable *dTab);
 int fitDCAlign(PDBInfo *pdbPtr, DTable *dTabPtr, int verbFlag);
 
 /// Least-squares Saupe vector and its standard deviations. Returns 0; 1 with zeros if there are fewer than
 /// five entries, or without memory. Source: Losonczi et al., J. Magn. Reson. 138 (1999) 334.
-int findS(const FitVectors &vectors, std::array<float, 5> &saupe, std::array<float, 5> &dSaupe);
+int findS(const FitVectors &vectors, SaupeValues &saupe, SaupeValues &dSaupe);
 
 /// Couplings of a Saupe vector into dVal, their standard deviations into dSigma.
-void findD(const FitVectors &vectors, const std::array<float, 5> &saupe, const std::array<float, 5> &dSaupe);
+void findD(const FitVectors &vectors, const SaupeValues &saupe, const SaupeValues &dSaupe);
 
-/// Euler solutions about x, y, z of a Saupe vector. Returns their number, 0 if it cannot be diagonalised.
-int saupe2euler(const std::array<float, 5> &saupe, RotationLists &lists, std::array<float, 3> &eigVal,
-                float &da, float &dr);
+/// Euler solutions about x, y, z of a Saupe vector, with its Da and Dr; eigVal is not sorted. Returns their
+/// number, 0 if it cannot be diagonalised.
+int saupe2euler(const SaupeValues &saupe, RotationLists &lists, std::array<float, 3> &eigVal, float &da,
+                float &dr);
 
-/// The Euler solutions of a tensor's Saupe vector into its lists, if they are asked for (eulerFlag).
+/// Sets the Euler solutions of a tensor, its eigenvalues, Da and Dr to those of its Saupe vector.
 void solveEuler(DTensor &tensor);
 
 /// The Saupe vector of a rotation (degrees) and a magnitude.
-void euler2saupe(std::array<float, 5> &saupe, float psi, float theta, float phi, float da, float dr);
+void euler2saupe(SaupeValues &saupe, float psi, float theta, float phi, float da, float dr);
 
 /// Linear fits of one table whose measured couplings change and nothing else: what atoms, errors and weights
 /// give is kept from the first fit on.
 struct RepeatedFit {
     struct Entry {
-        std::array<float, 5> terms; ///< coupling of the vector per interaction constant, by Saupe element
-        float toFit;                ///< what the measured coupling is multiplied by
-        float scale;                ///< size of the interaction constant, Hz
+        SaupeValues terms; ///< coupling of the vector per interaction constant, by Saupe element
+        float toFit;       ///< what the measured coupling is multiplied by
+        float scale;       ///< size of the interaction constant, Hz
     };
     std::vector<Entry> entries;
-    std::vector<int> rows;       ///< row of the table of each entry; rows rise
-    std::vector<float> x, y;     ///< weighted design matrix and right-hand side
-    std::array<float, 5> dSaupe; ///< of the first fit; couplings do not change it
-    int used = 0;                ///< rows that take part
-    bool isUsable = false;       ///< the table is one for linear fits
+    std::vector<int> rows;   ///< row of the table of each entry; rows rise
+    std::vector<float> x, y; ///< weighted design matrix and right-hand side
+    int used = 0;            ///< rows that take part
+    bool isUsable = false;   ///< the table is one for linear fits
 };
 
 /// Takes over from a table that fitD has just fitted.
 void prepareRepeatedFit(DTable &dTab, RepeatedFit &fit);
 
-/// As fitD, to the bit.
+/// As fitD, to the bit; dSaupe stays as the first fit left it, because couplings do not change it.
 int refitD(RepeatedFit &fit, PDBInfo *pdbInfo, DTable *dTab, int verbose);
 
-/// Workspaces of the fits.
+/// The workspace of findS: forgets it, makes it large enough for `size` entries (findS does so itself), gives
+/// it back. dipolarInit returns 0, or 1 after a message if there is no memory. At the end of a run call
+/// dipolarFree, and fitAlignFree, which gives back the coordinates of the non-linear path.
 void dipolarNull();
 int dipolarInit(int size);
 void dipolarFree();
-void fitAlignFree(); ///< the coordinate arrays of the non-linear path
+void fitAlignFree();
 
 } // namespace trelm

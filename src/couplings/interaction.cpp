@@ -15,8 +15,9 @@ struct FixedDistance {
     float rIJ; ///< angstrom
 };
 
-// Effective distances, which contain the librations of the bond. The first row that fits counts. N before H
-// in one residue is missing: such a pair takes the distance of the structure.
+// Effective distances, which contain the librations of the bond: as measured for N-H by Ottiger and Bax, J.
+// Am. Chem. Soc. 120 (1998) 12334. The first row that fits counts. N before H in one residue is missing: such
+// a pair takes the distance of the structure.
 constexpr FixedDistance fixedDistances[] = {
     {0, "HN", "N", 1.041f},  {0, "N", "HN", 1.041f},   {0, "H", "N", 1.041f},    {0, "N", "N", 1.041f},
     {0, "HA", "CA", 1.107f}, {0, "HA#", "CA", 1.107f}, {0, "HA1", "CA", 1.107f}, {0, "HA2", "CA", 1.107f},
@@ -26,7 +27,8 @@ constexpr FixedDistance fixedDistances[] = {
     {-1, "H", "C", 2.085f},  {-1, "N", "C", 1.329f},
 };
 
-/// Gyromagnetic ratio of a nucleus, rad / (s T).
+/// Gyromagnetic ratio of a nucleus, rad / (s T), with the digits of common NMR tables: all constants, and so
+/// all tensors, hang on these very values.
 struct GyroRatio {
     char letter;
     float ratio;

@@ -5,10 +5,9 @@
 
 namespace trelm {
 
-/// One side of a pair: residue number and names as they stand in the table or the structure.
+/// One side of a pair: residue number and atom name as they stand in the table or the structure.
 struct PairSide {
     int resID = 0;
-    std::string_view resName;
     std::string_view atomName;
 };
 

@@ -3,6 +3,7 @@
 #include "couplings/fit.h"
 #include "couplings/run_report.h"
 #include "couplings/statistics.h"
+#include "structure/write.h"
 #include "support/output_file.h"
 #include "support/text.h"
 
@@ -109,14 +110,8 @@ void appendEigensystem(const TensorAnalysis &analysis, std::string &text)
 /// analysis.
 void settleTensor(const TensorAnalysis &analysis, int nD, DTensor &tensor)
 {
-    if (nD <= 0) {
-        RotationLists lists;
-        tensor.eulerCount = saupe2euler(tensor.saupe, lists, tensor.eigVal, tensor.da, tensor.dr);
-        tensor.psiList = lists.psi;
-        tensor.thetaList = lists.theta;
-        tensor.phiList = lists.phi;
-        return;
-    }
+    if (nD <= 0)
+        return solveEuler(tensor);
     for (std::size_t k = 0; k < 3; ++k)
         tensor.eigVal[k] = static_cast<float>(analysis.eigVal[k]);
     tensor.da = static_cast<float>(analysis.da);
@@ -227,7 +222,6 @@ void appendValue(std::string &text, float value, int decimals)
 
 void appendRow(const DInfo &o, const DInfo &c, const DTable &dTab, bool verbose, std::string &text)
 {
-    constexpr float missing = 999.0f;
     appendSide({o.resIDI, o.resNameI, o.atomNameI, o.chainNameI, o.segNameI}, dTab, text);
     appendSide({o.resIDJ, o.resNameJ, o.atomNameJ, o.chainNameJ, o.segNameJ}, dTab, text);
     if (verbose) {
@@ -236,7 +230,7 @@ void appendRow(const DInfo &o, const DInfo &c, const DTable &dTab, bool verbose,
     }
     appendValue(text, c.d, 4);
     if (verbose)
-        appendValue(text, o.d >= missing || c.d >= missing ? noCoupling : o.d - c.d, 4);
+        appendValue(text, o.d >= missingCoupling || c.d >= missingCoupling ? noCoupling : o.d - c.d, 4);
     text += ' ';
     appendFixed(text, o.sigma, 7, 4, SignPlace::none);
     text += ' ';
@@ -256,21 +250,31 @@ void appendTable(const DTable &dTab, bool verbose, std::string &text)
     }
 }
 
-/// Statistics, parameters and tensor. Returns 0, or 1 after a message; `isWhole` is false if the report ends
-/// there.
-int appendReport(DTable &dTab, const TrelmInfo &trelmInfo, std::string_view remark, DcStatistics &stat,
-                 bool &isWhole, std::string &text)
+/// The report and the table. Returns 0, or 1 after a message: without the tensor's axes the text ends there.
+int appendExtended(DTable &dTab, const TrelmInfo &trelmInfo, std::string_view remark, std::string &text)
 {
+    DcStatistics stat;
     const int status = getStatDCmod(dTab, stat);
     text += "REMARK Molecular Alignment Simulation.\n\n";
     text += remark;
     text += "REMARK Simulation parameters.\n";
     appendModeBlock(trelmInfo, dTab.dTensor, text);
-    isWhole = appendTensor(trelmInfo, stat.nD, dTab.dTensor, text) == 0;
-    if (!isWhole)
+    if (appendTensor(trelmInfo, stat.nD, dTab.dTensor, text) != 0)
         return 1;
-    appendf(text, "\nREMARK Dipolar couplings.\n\nDATA N                    %d\n", stat.nD);
+    appendf(text, "\nREMARK Dipolar couplings.\n\nDATA N                    %d\nDATA SEQUENCE \n", stat.nD);
+    if (stat.nD == 0)
+        return status;
+    appendStatistics(stat, trelmInfo.qFlag, text);
+    appendTable(dTab, true, text);
     return status;
+}
+
+/// The table alone. Its head comes even without a valid row.
+void appendShort(const DTable &dTab, std::string &text)
+{
+    text += "DATA SEQUENCE \n";
+    if (dTab.dCount != 0)
+        appendTable(dTab, false, text);
 }
 
 } // namespace
@@ -278,20 +282,12 @@ int appendReport(DTable &dTab, const TrelmInfo &trelmInfo, std::string_view rema
 int writeDCmod(const std::string &outDName, const char *access, DTable *dTab, TrelmInfo *trelmInfo,
                std::string_view remark)
 {
-    const bool verbose = trelmInfo->verbFlag != 0;
     std::string text;
-    DcStatistics stat;
-    stat.nD = dTab->dCount; // of the short form: a head comes even without a valid row
-    bool isWhole = true;
-    int status = verbose ? appendReport(*dTab, *trelmInfo, remark, stat, isWhole, text) : 0;
-    if (isWhole) {
-        text += "DATA SEQUENCE \n";
-        if (stat.nD != 0) {
-            if (verbose)
-                appendStatistics(stat, trelmInfo->qFlag, text);
-            appendTable(*dTab, verbose, text);
-        }
-    }
+    int status = 0;
+    if (trelmInfo->verbFlag != 0)
+        status = appendExtended(*dTab, *trelmInfo, remark, text);
+    else
+        appendShort(*dTab, text);
     OutFile out;
     if (openOut(out, outDName, access) != 0)
         complain("DC Error opening output file %s\n", outDName.c_str());
@@ -301,48 +297,27 @@ int writeDCmod(const std::string &outDName, const char *access, DTable *dTab, Tr
     return status;
 }
 
-void dTensorCopy(DTensor &tInfoA, const DTensor &tInfoB)
+int writeFit(const FittedRun &run)
 {
-    const DTensor kept = tInfoA;
-    tInfoA = tInfoB;
-    tInfoA.rh = kept.rh;
-    tInfoA.rhMin = kept.rhMin;
-    tInfoA.rhMax = kept.rhMax;
-    tInfoA.rhFlag = kept.rhFlag;
+    Saupe saupe;
+    std::ranges::copy(run.dTab->dTensor.saupe, saupe.begin());
+    TensorAnalysis analysis;
+    if (analyzeSaupe(saupe, run.trelmInfo->yzFlag, run.trelmInfo->eulerFlag, analysis) != 0)
+        return complain("trelm: error in analyzeSaupe.\n");
+    const int written = writeDCmod(run.outDName, "w", run.dTab, run.trelmInfo, "");
+    const EulerLists &euler = analysis.euler;
+    const int turned = writePDBRot(euler.gamma, euler.beta, euler.alpha, run.trelmInfo->rotN, run.pdbInfo,
+                                   run.sInfo, run.pdbRotName, run.remark);
+    if (turned != 0)
+        complain("trelm: error in writePDBRot.\n");
+    return turned != 0 ? turned : written;
 }
 
-AtomInfo *modifyAtomCoor(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
-                         std::string_view segName, float /*xI*/, float /*yI*/, float /*zI*/)
-{
-    return findAtom(pdbInfo, resID, atomName, chainName, segName);
-}
-
-int modifyAtomCoorList(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
-                       std::string_view segName, std::span<AtomInfo *> atomList, float xI, float yI, float zI)
-{
-    std::string format;
-    const bool isWild = isAtomExpr(atomName, format) != 0;
-    std::size_t count = 0;
-    for (const char digit : {'1', '2', '3'}) {
-        // Each wildcard takes the digit; a second text slot stays empty.
-        std::string name;
-        for (const char c : atomName)
-            name += c == '#' || c == '*' ? digit : c;
-        AtomInfo *atom =
-            modifyAtomCoor(pdbInfo, resID, isWild ? name : atomName, chainName, segName, xI, yI, zI);
-        if (atom != nullptr && count < atomList.size())
-            atomList[count++] = atom;
-        if (!isWild)
-            break;
-    }
-    return static_cast<int>(count);
-}
-
-int writeEulerInfo(const TensorAnalysis &analysis, std::string &result, int verbose)
+void writeEulerInfo(const TensorAnalysis &analysis, std::string &result, int eulerFlag)
 {
     result.clear();
-    if (verbose == 0)
-        return 0;
+    if (eulerFlag == 0)
+        return;
     const auto &a = analysis.irrSaupe;
     result += "\n\nDATA IRREDUCIBLE REPRESENTATION (A0,A1R,A1I,A2R,A2I)";
     appendf(result, "   % .4e % .4e % .4e % .4e % .4e\n", a[0], a[1], a[2], a[3], a[4]);
@@ -354,7 +329,6 @@ int writeEulerInfo(const TensorAnalysis &analysis, std::string &result, int verb
     appendAxis("DATA EIGENVECTORS YAXIS", axisOf(analysis, yAxis), result);
     appendAxis("DATA EIGENVECTORS ZAXIS", axisOf(analysis, zAxis), result);
     appendEulerSolutions(analysis.euler, result);
-    return 0;
 }
 
 } // namespace trelm

@@ -4,8 +4,8 @@
 #include "couplings/dipolar.h"
 #include "couplings/tensor.h"
 #include "ground/trelm.h"
+#include "structure/select.h"
 
-#include <span>
 #include <string>
 #include <string_view>
 
@@ -18,19 +18,23 @@ namespace trelm {
 int writeDCmod(const std::string &outDName, const char *access, DTable *dTab, TrelmInfo *trelmInfo,
                std::string_view remark);
 
-/// A tensor's values from B to A; rh, its bounds and rhFlag are not copied.
-void dTensorCopy(DTensor &tInfoA, const DTensor &tInfoB);
+/// A best-fit that is to be written.
+struct FittedRun {
+    PDBInfo *pdbInfo = nullptr;
+    const PDBSelectInfo *sInfo = nullptr; ///< atoms of the structures
+    DTable *dTab = nullptr;
+    TrelmInfo *trelmInfo = nullptr;
+    const std::string &outDName;   ///< couplings
+    const std::string &pdbRotName; ///< structures in the frames of the tensor
+    const char *remark = nullptr;  ///< of the structures; may be null
+};
 
-/// Looks an atom up as findAtom does. The coordinates are not used: nothing in the molecule changes.
-AtomInfo *modifyAtomCoor(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
-                         std::string_view segName, float xI, float yI, float zI);
+/// Writes couplings and turned structures. Returns 0, or non-zero after a message: the status of the
+/// structures, or else of the couplings.
+int writeFit(const FittedRun &run);
 
-/// The same for a name with wildcards, expanded with 1, 2, 3. Returns the number found.
-int modifyAtomCoorList(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
-                       std::string_view segName, std::span<AtomInfo *> atomList, float xI, float yI,
-                       float zI);
-
-/// The block of text with irreducible representation, eigensystem and Euler angles; empty if `verbose` is 0.
-int writeEulerInfo(const TensorAnalysis &analysis, std::string &result, int verbose);
+/// The block of text with irreducible representation, eigensystem and Euler angles; empty if `eulerFlag` is
+/// 0.
+void writeEulerInfo(const TensorAnalysis &analysis, std::string &result, int eulerFlag);
 
 } // namespace trelm

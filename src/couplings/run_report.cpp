@@ -217,23 +217,23 @@ void appendAngleRanges(const DTensor &tensor, std::string &text)
 void appendTensorMode(const DTensor &tensor, std::string &text)
 {
     switch (tensor.tensorMode) {
-    case 1:
+    case tensorSvd:
         text += "DATA TENSOR_MODE SVD (Order Matrix Method)\n";
         break;
-    case 2:
+    case tensorSaupe:
         text += "DATA TENSOR_MODE SAUPE (Fixed Saupe Values)\n";
         break;
-    case 3:
+    case tensorNofixed:
         text += "DATA TENSOR_MODE NOFIXED (Variable Da and Dr, Variable Rotations)\n\n";
         appendf(text, "DATA DA_RANGE    % .4e % .4e\n", number(tensor.daMin), number(tensor.daMax));
         appendf(text, "DATA DR_RANGE    % .4e % .4e\n", number(tensor.drMin), number(tensor.drMax));
         appendAngleRanges(tensor, text);
         break;
-    case 4:
+    case tensorDaDr:
         text += "DATA TENSOR_MODE DADR (Fixed Da and Dr, Variable Rotations)\n\n";
         appendAngleRanges(tensor, text);
         break;
-    case 5:
+    case tensorFixed:
         text += "DATA TENSOR_MODE FIXED (Fixed Da and Dr, Fixed Rotations)\n";
         break;
     default:

@@ -82,12 +82,12 @@ void dipolarFree()
     svdPolyFree();
 }
 
-int findS(const FitVectors &vectors, std::array<float, 5> &saupe, std::array<float, 5> &dSaupe)
+int findS(const FitVectors &vectors, SaupeValues &saupe, SaupeValues &dSaupe)
 {
     saupe = {};
     dSaupe = {};
     const std::size_t count = vectors.xI.size();
-    if (count < saupeCount)
+    if (count < fewestCouplings)
         return 1;
     // Asked only when it is too small: a fit of the last size keeps its arrays and its decomposition.
     if (static_cast<std::size_t>(workspace.workSize) < count && dipolarInit(static_cast<int>(count)) != 0)
@@ -105,7 +105,7 @@ int findS(const FitVectors &vectors, std::array<float, 5> &saupe, std::array<flo
     return 0;
 }
 
-void findD(const FitVectors &vectors, const std::array<float, 5> &saupe, const std::array<float, 5> &dSaupe)
+void findD(const FitVectors &vectors, const SaupeValues &saupe, const SaupeValues &dSaupe)
 {
     for (std::size_t k = 0; k < vectors.xI.size(); ++k) {
         const SaupeValues terms = geometryTerms(vectors, k);
@@ -120,8 +120,8 @@ void findD(const FitVectors &vectors, const std::array<float, 5> &saupe, const s
     }
 }
 
-int saupe2euler(const std::array<float, 5> &saupe, RotationLists &lists, std::array<float, 3> &eigVal,
-                float &da, float &dr)
+int saupe2euler(const SaupeValues &saupe, RotationLists &lists, std::array<float, 3> &eigVal, float &da,
+                float &dr)
 {
     lists = RotationLists{};
     eigVal = {};
@@ -139,7 +139,7 @@ int saupe2euler(const std::array<float, 5> &saupe, RotationLists &lists, std::ar
     return rot2euler(vectors, lists);
 }
 
-void euler2saupe(std::array<float, 5> &saupe, float psi, float theta, float phi, float da, float dr)
+void euler2saupe(SaupeValues &saupe, float psi, float theta, float phi, float da, float dr)
 {
     pdb3dReset();
     pdb3dAppendRotation0(psi, theta, phi);

@@ -9,8 +9,6 @@
 namespace trelm {
 namespace {
 
-constexpr float reportLimit = 888.0f; ///< couplings from here on have no value in the report
-
 /// Sums over the pairs of a report.
 struct Sums {
     float obs2 = 0.0f;
@@ -86,6 +84,8 @@ Regression regress(std::span<const float> x, std::span<const float> y)
             *value = valueOf(*value);
     if (result.xOnY.b == 0.0f)
         return result;
+    // The errors enter as they are, though the factor in front of the root asks for relative ones: that is
+    // the number which the reports have always shown.
     const double b1 = result.yOnX.b, sigb1 = result.yOnX.sigb;
     const double b2 = result.xOnY.b, sigb2 = result.xOnY.sigb / (b2 * b2);
     const double aveSlope = (1.0 / b2 + b1) / 2.0;

@@ -1,4 +1,12 @@
 // Statistics of measured against calculated couplings.
+//
+// Three statistics run over much the same pairs; each keeps the rules of the place that prints it:
+// - getStatDC, line by line in the mappings: couplings up to 900; differences are weighted in the RMS, not in
+//   chi-square; sums in single precision.
+// - getStatDCmod, in the report of a fit: couplings below 888; both couplings are weighted before anything
+//   else, so chi-square is too; sums in single precision.
+// - statDC (errors/fit_statistics.h), the block of the simulations: couplings below 999; weighted as in the
+//   report; sums in double precision; no chi-square.
 #pragma once
 
 #include "couplings/dipolar.h"
@@ -17,18 +25,21 @@ int getStatDC(std::span<const DInfo> dObsList, std::span<const DInfo> dCalcList,
 struct Regression {
     float r = 0.0f; ///< correlation
     LineFit yOnX, xOnY;
-    float aveSlope = 0.0f; ///< mean of the slope of y on x and the inverse of that of x on y
-    float errAveSlope = 0.0f;
+    float aveSlope = 0.0f;    ///< mean of the slope of y on x and the inverse of that of x on y
+    float errAveSlope = 0.0f; ///< half of it times the errors of both, as if they were relative ones
 };
 Regression regress(std::span<const float> x, std::span<const float> y);
 
 /// The statistics of the report.
 struct DcStatistics {
-    float rSumD2 = 0.0f;                   ///< RMS, Hz
-    float pSumD = 0.0f;                    ///< chi-square
-    float stdDevD = 0.0f;                  ///< standard deviation of the differences, Hz
-    float qD = 0.0f;                       ///< Q from rms
-    float qIsoD = 0.0f;                    ///< Q from the order matrix
+    float rSumD2 = 0.0f;  ///< RMS, Hz
+    float pSumD = 0.0f;   ///< chi-square
+    float stdDevD = 0.0f; ///< standard deviation of the differences, Hz
+    float qD = 0.0f;      ///< Q from rms
+    /// Q from the order matrix: the RMS over that of vectors in all directions, for the largest interaction
+    /// constant. That is looked for row by row with its sign, so behind a negative one every row counts as
+    /// larger: in a table of several kinds of pairs Q depends on the order of the rows.
+    float qIsoD = 0.0f;
     float coorR = 0.0f;                    ///< correlation
     float offset = 0.0f, errOffset = 0.0f; ///< regression of calculated on measured
     float slope = 0.0f, errSlope = 0.0f;

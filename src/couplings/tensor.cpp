@@ -9,16 +9,20 @@
 namespace trelm {
 namespace {
 
-constexpr double magnitudeNorm = 1.67551608; ///< 8 pi / 15
-constexpr double hertzOfAmide = 21585.2;     ///< of reports: Da on the scale of an amide pair
+// Of the spherical harmonics of rank 2.
+constexpr double magnitudeNorm = 1.67551608;            ///< 8 pi / 15
+constexpr double axialFactor = 1.585330918136652;       ///< root of 4 pi / 5
+constexpr double transverseFactor = 1.2944172742975892; ///< root of 8 pi / 15
 
-/// Diagonalises and sorts.
-void solveEigensystem(const Matrix3d &matrix, int yzFlag, TensorAnalysis &analysis)
+/// Diagonalises and sorts. Returns 0, or 1 after a message.
+int solveEigensystem(const Matrix3d &matrix, int yzFlag, TensorAnalysis &analysis)
 {
     int nrot = 0;
-    jacobimz(matrix, analysis.eigVal, analysis.eigVec, nrot);
+    if (jacobimz(matrix, analysis.eigVal, analysis.eigVec, nrot) != 0)
+        return 1;
     sort_eigensystem(yzFlag, analysis.eigVal, analysis.eigVec);
     pca_tensor(yzFlag, analysis.eigVal, analysis.da, analysis.dr);
+    return 0;
 }
 
 void exchange(std::size_t i, std::size_t j, std::array<double, 3> &eigVal, Matrix3d &eigVec)
@@ -30,7 +34,7 @@ void exchange(std::size_t i, std::size_t j, std::array<double, 3> &eigVal, Matri
 
 /// The six elements of a symmetric matrix, single precision.
 struct Symmetric {
-    explicit Symmetric(const std::array<float, 5> &s)
+    explicit Symmetric(const SaupeValues &s)
         : xx(-0.5f * (s[0] - s[1])), yy(-0.5f * (s[0] + s[1])), zz(s[0]), xy(s[2]), xz(s[3]), yz(s[4])
     {
     }
@@ -52,19 +56,22 @@ Matrix3d saupeMatrix(const Saupe &saupe)
     return {sxx, saupe[2], saupe[3], saupe[2], syy, saupe[4], saupe[3], saupe[4], saupe[0]};
 }
 
-int analyzeSaupe(const Saupe &saupe, int yzFlag, int verbose, TensorAnalysis &analysis)
+int analyzeSaupe(const Saupe &saupe, int yzFlag, int eulerFlag, TensorAnalysis &analysis)
 {
     analysis = TensorAnalysis{};
-    solveEigensystem(saupeMatrix(saupe), yzFlag, analysis);
-    if (verbose != 0)
+    if (solveEigensystem(saupeMatrix(saupe), yzFlag, analysis) != 0)
+        return 1;
+    if (eulerFlag != 0)
         eigVec2euler(analysis.eigVec, analysis.euler);
-    return irreducRepres(saupe, analysis.gMag, analysis.irrSaupe);
+    irreducRepres(saupe, analysis.gMag, analysis.irrSaupe);
+    return 0;
 }
 
 int analyzeMatrix3D(const Matrix3d &matrix, int yzFlag, TensorAnalysis &analysis)
 {
     analysis = TensorAnalysis{};
-    solveEigensystem(matrix, yzFlag, analysis);
+    if (solveEigensystem(matrix, yzFlag, analysis) != 0)
+        return 1;
     eigVec2euler(analysis.eigVec, analysis.euler);
     return 0;
 }
@@ -78,7 +85,7 @@ void sort_eigensystem(int yzFlag, std::array<double, 3> &eigVal, Matrix3d &eigVe
         exchange(0, 1, eigVal, eigVec);
 }
 
-int pca_tensor(int yzFlag, const std::array<double, 3> &eigVal, double &da, double &dr)
+void pca_tensor(int yzFlag, const std::array<double, 3> &eigVal, double &da, double &dr)
 {
     double big = eigVal[0], mid = eigVal[1], small = eigVal[2];
     if (std::abs(mid) > std::abs(big))
@@ -91,24 +98,20 @@ int pca_tensor(int yzFlag, const std::array<double, 3> &eigVal, double &da, doub
         std::swap(big, mid);
     da = (big - (mid + small) / 2.0) / 3.0;
     dr = (small - mid) / 3.0;
-    return 0;
 }
 
-int irreducRepres(const Saupe &saupe, double &genMagnitude, std::array<double, 5> &irrSaupe)
+void irreducRepres(const Saupe &saupe, double &genMagnitude, Saupe &irrSaupe)
 {
-    const double sxx = -0.5 * (saupe[0] - saupe[1]);
-    const double syy = -0.5 * (saupe[0] + saupe[1]);
-    const double szz = saupe[0], sxy = saupe[2], sxz = saupe[3], syz = saupe[4];
+    const Matrix3d m = saupeMatrix(saupe);
+    const double sxx = m[0], syy = m[4], szz = m[8], sxy = m[1], sxz = m[2], syz = m[5];
     genMagnitude =
         std::sqrt((sxx * sxx + syy * syy + szz * szz + 2.0 * sxy * sxy + 2.0 * sxz * sxz + 2.0 * syz * syz) *
                   magnitudeNorm);
-    irrSaupe = {1.585330918136652 * szz, -1.2944172742975892 * sxz, 1.2944172742975892 * syz,
-                1.2944172742975892 * (sxx + szz / 2.0), -1.2944172742975892 * sxy};
-    return 0;
+    irrSaupe = {axialFactor * szz, -transverseFactor * sxz, transverseFactor * syz,
+                transverseFactor * (sxx + szz / 2.0), -transverseFactor * sxy};
 }
 
-int irrCollinarity(const std::array<float, 5> &saupe1, const std::array<float, 5> &saupe2, float &dcos,
-                   float &angle)
+void irrCollinarity(const SaupeValues &saupe1, const SaupeValues &saupe2, float &dcos, float &angle)
 {
     const Symmetric a(saupe1), b(saupe2);
     // Rounded once, so that a vector and itself are collinear to the bit.
@@ -119,7 +122,6 @@ int irrCollinarity(const std::array<float, 5> &saupe1, const std::array<float, 5
         angle = static_cast<float>(
             90.0 - std::atan2(static_cast<double>(dcos), std::sqrt(1.0 - static_cast<double>(dcos) * dcos)) *
                        57.29577957855229);
-    return 0;
 }
 
 void reportEuler(std::string &text, const DTensor &dTensor)
@@ -133,7 +135,7 @@ void reportEuler(std::string &text, const DTensor &dTensor)
     const float rhombicity = dTensor.da != 0.0f ? dTensor.dr / dTensor.da : 0.0f;
     appendf(text, "\nDATA Da % e\nDATA Dr % e\n\n\n", number(dTensor.da), number(dTensor.dr));
     appendf(text, "DATA Aa % e\nDATA Ar % e\n\n\n", number(2.0f * dTensor.da), number(2.0f * dTensor.dr));
-    appendf(text, "DATA Da_HN      % 8.6e\nDATA Rhombicity % 8.6e\n\n", hertzOfAmide * number(dTensor.da),
+    appendf(text, "DATA Da_HN      % 8.6e\nDATA Rhombicity % 8.6e\n\n", amideHertz * number(dTensor.da),
             number(rhombicity));
 }
 

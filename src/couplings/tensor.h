@@ -9,19 +9,23 @@
 #include "couplings/euler.h"
 
 #include <array>
-#include <span>
 #include <string>
 
 namespace trelm {
 
-using Saupe = std::array<double, 5>;
+using Saupe = std::array<double, saupeCount>;
 
-constexpr double amideScale = 21585.19634913479; ///< Hz: a tensor's Da on the scale of an amide N-H pair
+// Hz: a tensor's Da on the scale of an amide N-H pair, which is the interaction constant of such a pair
+// at 1.041 angstrom. Fits, their reports and the assignment search have it rounded; what simulations and
+// comparisons print as Da(NH) has all its digits. Neither can replace the other: results are compared by
+// their last digit.
+constexpr double amideHertz = 21585.2;
+constexpr double amideScale = 21585.19634913479;
 
 /// The analysis of a tensor. eigVal holds Azz, Ayy, Axx; column k of eigVec is the axis of eigVal[k].
 struct TensorAnalysis {
-    std::array<double, 5> irrSaupe = {}; ///< A0, A1R, A1I, A2R, A2I
-    double gMag = 0.0;                   ///< general magnitude
+    Saupe irrSaupe = {}; ///< A0, A1R, A1I, A2R, A2I
+    double gMag = 0.0;   ///< general magnitude
     std::array<double, 3> eigVal = {};
     Matrix3d eigVec = {};
     double da = 0.0, dr = 0.0;
@@ -29,11 +33,12 @@ struct TensorAnalysis {
 };
 
 /// The whole analysis of a Saupe vector. yzFlag exchanges the order of the two main axes; Euler angles are
-/// solved for if `verbose` is not 0. Returns 0.
-int analyzeSaupe(const Saupe &saupe, int yzFlag, int verbose, TensorAnalysis &analysis);
+/// solved for if `eulerFlag` is not 0. Returns 0, or 1 after a message where the eigenvalues are not found,
+/// which only a vector that is no number can bring about.
+int analyzeSaupe(const Saupe &saupe, int yzFlag, int eulerFlag, TensorAnalysis &analysis);
 
 /// The same for any symmetric matrix, such as an inertia tensor, Euler angles always. irrSaupe and gMag stay
-/// 0.
+/// 0. Returns as analyzeSaupe.
 int analyzeMatrix3D(const Matrix3d &matrix, int yzFlag, TensorAnalysis &analysis);
 
 /// Sorts eigenvalues and columns so that magnitudes fall; ties keep their order. yzFlag exchanges the first
@@ -41,14 +46,13 @@ int analyzeMatrix3D(const Matrix3d &matrix, int yzFlag, TensorAnalysis &analysis
 void sort_eigensystem(int yzFlag, std::array<double, 3> &eigVal, Matrix3d &eigVec);
 
 /// Da and Dr of three eigenvalues in any order.
-int pca_tensor(int yzFlag, const std::array<double, 3> &eigVal, double &da, double &dr);
+void pca_tensor(int yzFlag, const std::array<double, 3> &eigVal, double &da, double &dr);
 
 /// The irreducible representation and the general magnitude.
-int irreducRepres(const Saupe &saupe, double &genMagnitude, std::array<double, 5> &irrSaupe);
+void irreducRepres(const Saupe &saupe, double &genMagnitude, Saupe &irrSaupe);
 
 /// Normalised inner product of two Saupe vectors and the angle between them, degrees: 0 where |dcos| is 1.
-int irrCollinarity(const std::array<float, 5> &saupe1, const std::array<float, 5> &saupe2, float &dcos,
-                   float &angle);
+void irrCollinarity(const SaupeValues &saupe1, const SaupeValues &saupe2, float &dcos, float &angle);
 
 /// The matrix of a Saupe vector.
 Matrix3d saupeMatrix(const Saupe &saupe);

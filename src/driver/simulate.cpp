@@ -21,8 +21,6 @@
 namespace trelm {
 namespace {
 
-constexpr int tensorSimulated = 6; ///< tensorMode: the Saupe vector is given
-
 /// The charges as listed for the user of an electrostatic run.
 void listCharges(const PDBInfo &pdbInfo, const ChargeSet &charges)
 {
@@ -50,7 +48,7 @@ int finishAlignment(Run &run, Saupe saupe, TensorAnalysis &analysis)
     if (analyzeSaupe(saupe, trelmInfo.yzFlag, trelmInfo.eulerFlag, analysis) != 0)
         return complain("Matrix: error in analyzeSaupe.\n");
     DTensor &tensor = dTab.dTensor;
-    tensor.tensorMode = tensorSimulated;
+    tensor.tensorMode = tensorGiven;
     auto &target = trelmInfo.validCountD != 0 ? tensor.userSaupe : tensor.saupe;
     std::ranges::transform(saupe, target.begin(), [](double element) { return static_cast<float>(element); });
     if (trelmInfo.validCountD != 0 && fitD(&run.pdbInfo[0], &dTab, trelmInfo.verbFlag) < 0)

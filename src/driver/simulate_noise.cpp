@@ -1,6 +1,6 @@
 #include "driver/simulate_noise.h"
 
-#include "errors/structure_noise.h"
+#include "errors/cone_noise.h"
 #include "structure/write.h"
 #include "support/text.h"
 
@@ -25,8 +25,8 @@ int moveAtoms(Run &run)
     const ResidueOffset offset = {dcInfo.aFirst, dcInfo.segFirst, dcInfo.segLast};
     int idum = trelmInfo.idum;
     if (trelmInfo.noiseMode == 0)
-        return addPhiPsiNoise(&idum, pdbInfo, dTab, cone, offset, trelmInfo.allowFixedDI);
-    if (addPdbNoise(pdbInfo, dTab, cone, offsetOf(offset), dCalcValid.span(), &idum) == 0)
+        addPhiPsiNoise(&idum, pdbInfo, dTab, cone, offset, trelmInfo.allowFixedDI);
+    else if (addPdbNoise(pdbInfo, dTab, cone, offsetOf(offset), dCalcValid.span(), &idum) == 0)
         complain("trelm: no coupling is left: no vector of the structure is moved.\n");
     return 0;
 }

@@ -6,17 +6,15 @@
 namespace trelm {
 namespace {
 
-constexpr int modeSvd = 1;
-constexpr int modeSaupe = 2;
-constexpr int modeFree = 3;
-constexpr int modeDaDrFixed = 4;
-constexpr int modeFixed = 5;
-
 constexpr OptionRow methodRows[] = {
-    {"-svd", &DTensor::tensorMode, modeSvd},      {"-saupe", &DTensor::tensorMode, modeSaupe},
-    {"-align", &DTensor::tensorMode, modeSaupe},  {"-fixed", &DTensor::tensorMode, modeFixed},
-    {"-nofixed", &DTensor::tensorMode, modeFree}, {"-dadr", &DTensor::tensorMode, modeDaDrFixed},
-    {"-euler", &DTensor::eulerFlag, 1},           {"-noeuler", &DTensor::eulerFlag, 0},
+    {"-svd", &DTensor::tensorMode, tensorSvd},
+    {"-saupe", &DTensor::tensorMode, tensorSaupe},
+    {"-align", &DTensor::tensorMode, tensorSaupe},
+    {"-fixed", &DTensor::tensorMode, tensorFixed},
+    {"-nofixed", &DTensor::tensorMode, tensorNofixed},
+    {"-dadr", &DTensor::tensorMode, tensorDaDr},
+    {"-euler", &DTensor::eulerFlag, 1},
+    {"-noeuler", &DTensor::eulerFlag, 0},
 };
 
 constexpr OptionRow magnitudeRows[] = {
@@ -75,12 +73,12 @@ int getDCTensorParams(int argc, char **argv, DTensor *tInfo)
     dTensorNull(tInfo);
     readRows(argc, argv, methodRows, records);
     // A magnitude on the line is meant to be used: the linear fit, which would ignore it, gives way.
-    if (readRows(argc, argv, magnitudeRows, records) > 0 && tInfo->tensorMode == modeSvd)
-        tInfo->tensorMode = modeDaDrFixed;
-    if (tInfo->tensorMode == modeDaDrFixed || tInfo->tensorMode == modeFixed)
+    if (readRows(argc, argv, magnitudeRows, records) > 0 && tInfo->tensorMode == tensorSvd)
+        tInfo->tensorMode = tensorDaDr;
+    if (tInfo->tensorMode == tensorDaDr || tInfo->tensorMode == tensorFixed)
         pinMagnitude(*tInfo);
     readRows(argc, argv, limitRows, records);
-    if (tInfo->tensorMode == modeFixed)
+    if (tInfo->tensorMode == tensorFixed)
         pinAngles(*tInfo);
     readRows(argc, argv, angleLimitRows, records);
     return readUserSaupe(argc, argv, *tInfo);

@@ -13,7 +13,6 @@ namespace trelm {
 namespace {
 
 constexpr float widestScale = 1e9f; ///< of the errors
-constexpr int fewestCouplings = 5;  ///< as many as the tensor has elements
 constexpr int mostScales = 200000;  ///< trial scales of the errors before the search gives up
 
 double number(float value)
@@ -158,7 +157,7 @@ int searchScale(NoiseRun &run)
 int setErrors(NoiseRun &run)
 {
     const TrelmInfo &info = *run.setup.trelmInfo;
-    if (info.mcAdjustFlag == 0 || info.validCountD < fewestCouplings)
+    if (info.mcAdjustFlag == 0 || info.validCountD < static_cast<int>(fewestCouplings))
         std::printf("REMARK DC error bars scaled by user supplied factor of %.1f.\n", number(info.kSigma));
     else if (searchScale(run) != 0)
         return 1;
@@ -228,8 +227,12 @@ void putBack(NoiseRun &run, std::size_t i)
 /// The table as measured, with the mean tensor and what it says of the couplings.
 void restoreTable(NoiseRun &run)
 {
+    DTensor &tensor = run.dTab().dTensor;
     for (std::size_t k = 0; k < run.samples.saupeAve.size(); ++k)
-        run.dTab().dTensor.saupe[k] = static_cast<float>(run.samples.saupeAve[k]);
+        tensor.saupe[k] = static_cast<float>(run.samples.saupeAve[k]);
+    // Else the report would show the angles, and take Q from the magnitude, of the last noisy fit.
+    if (tensor.eulerFlag != 0)
+        solveEuler(tensor);
     for (std::size_t i = 0; i < run.rows(); ++i)
         if (run.isValid(i))
             putBack(run, i);
@@ -264,7 +267,7 @@ int fitMeasured(NoiseRun &run)
     prepareRepeatedFit(run.dTab(), run.fit);
     run.samples.orig = eulerSolution(run.dTab().dTensor, 0);
     const int used = keepMeasured(run);
-    if (used < fewestCouplings)
+    if (used < static_cast<int>(fewestCouplings))
         return complain("TRELM Error: Only %d couplings available. Exiting ....\n", used);
     return 0;
 }

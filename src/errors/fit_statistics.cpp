@@ -3,10 +3,7 @@
 #include "couplings/fit.h"
 #include "couplings/output.h"
 #include "couplings/statistics.h"
-#include "couplings/tensor.h"
-#include "structure/write.h"
 #include "support/random.h"
-
 #include "support/text.h"
 
 #include <algorithm>
@@ -17,8 +14,6 @@
 namespace trelm {
 namespace {
 
-constexpr float missing = 999.0f; ///< couplings from here on have no value
-
 /// The weighted pairs of a statistics block and their sums.
 struct Pairs {
     explicit Pairs(std::size_t rows) : dcNorm("statDC", rows + 1), dcMatrixNorm("statDC", rows + 1) {}
@@ -27,9 +22,10 @@ struct Pairs {
     double rSumD = 0.0, rSumD2 = 0.0, sumD2 = 0.0;
 };
 
-bool takesPart(const DInfo &observed, const DInfo &calculated)
+bool isCompared(const DInfo &observed, const DInfo &calculated)
 {
-    return observed.valid != 0 && calculated.valid != 0 && observed.d < missing && calculated.d < missing;
+    return observed.valid != 0 && calculated.valid != 0 && observed.d < missingCoupling &&
+           calculated.d < missingCoupling;
 }
 
 void collectPairs(const DTable &dTab, Pairs &pairs)
@@ -37,7 +33,7 @@ void collectPairs(const DTable &dTab, Pairs &pairs)
     for (std::size_t i = 0; i < static_cast<std::size_t>(dTab.dCount); ++i) {
         const DInfo &o = dTab.dObsList[i];
         const DInfo &c = dTab.dCalcList[i];
-        if (!takesPart(o, c))
+        if (!isCompared(o, c))
             continue;
         const auto pair = static_cast<std::size_t>(pairs.nD++);
         pairs.dcNorm[pair] = o.d * c.w;
@@ -96,18 +92,7 @@ int simDC(PDBInfo *pdbInfo, const PDBSelectInfo *sInfo, DTable *dTab, TrelmInfo 
 {
     if (fitD(pdbInfo, dTab, verbose) < 0)
         return 1;
-    Saupe saupe;
-    std::ranges::copy(dTab->dTensor.saupe, saupe.begin());
-    TensorAnalysis analysis;
-    if (analyzeSaupe(saupe, trelmInfo->yzFlag, trelmInfo->eulerFlag, analysis) != 0)
-        return complain("trelm: error in analyzeSaupe.\n");
-    const int written = writeDCmod(outDName, "w", dTab, trelmInfo, "");
-    const EulerLists &euler = analysis.euler;
-    const int turned = writePDBRot(euler.gamma, euler.beta, euler.alpha, trelmInfo->rotN, pdbInfo, sInfo,
-                                   pdbRotName, remark);
-    if (turned != 0)
-        complain("trelm: error in writePDBRot.\n");
-    return written != 0 ? written : turned;
+    return writeFit({pdbInfo, sInfo, dTab, trelmInfo, outDName, pdbRotName, remark});
 }
 
 int statDC(const DTable &dTab, std::string &result, int verbose)
@@ -140,7 +125,7 @@ int selectDcFrac(int *idum, DTable *dTab, float frac, int fixed)
     std::vector<std::size_t> indexTab;
     try {
         indexTab.reserve(static_cast<std::size_t>(dTab->dCount));
-    } catch (const std::bad_alloc &) {
+    } catch (const std::bad_alloc &) { // the callers know no way to go on without a selection
         mzerror("allocation failure for indexTab");
     }
     for (std::size_t i = 0; i < static_cast<std::size_t>(dTab->dCount); ++i) {

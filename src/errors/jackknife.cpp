@@ -8,12 +8,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <vector>
 
 namespace trelm {
 namespace {
-
-constexpr int fewestCouplings = 5;
 
 int checkFraction(const TrelmInfo &info)
 {
@@ -68,7 +65,7 @@ int sampleParts(JackknifeRun &run)
             return failed(progress);
     }
     endProgress(progress);
-    if (run.setup.mapCount > 0 && run.nDSel < fewestCouplings)
+    if (run.setup.mapCount > 0 && run.nDSel < static_cast<int>(fewestCouplings))
         complain("trelm: -dFrac %g picks %d couplings: a tensor has five unknowns.\n",
                  static_cast<double>(run.setup.trelmInfo->mapFrac), run.nDSel);
     std::printf("REMARK %d DC of %d picked.\n", run.nDSel, run.setup.dTab->dCount);

@@ -1,7 +1,6 @@
 #include "errors/structural_noise.h"
 
 #include "couplings/fit.h"
-#include "couplings/output.h"
 #include "couplings/statistics.h"
 #include "structure/write.h"
 #include "support/progress.h"
@@ -10,12 +9,12 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <span>
 #include <vector>
 
 namespace trelm {
 namespace {
 
-constexpr int fewestCouplings = 5;
 constexpr double mostWidths = 1e4;  ///< of the search
 constexpr float widestCone = 90.0f; ///< degrees: the search ends there
 
@@ -79,7 +78,7 @@ int restoreStructure(NoiseRun &run)
         saved.atom->y = saved.place.y;
         saved.atom->z = saved.place.z;
     }
-    // A row whose atoms were not found again is missing from that one copy alone.
+    // With them `valid` comes back, which a row loses in a copy where its atoms were not found again.
     std::ranges::copy(run.calculated, run.dTab().dCalcList.data());
     return 0;
 }
@@ -150,9 +149,11 @@ int adjustCone(NoiseRun &run)
     return 0;
 }
 
-/// Whether the search can end. Returns 0, or 1 after one line that names the option.
+/// Whether the search can find a width. Returns 0, or 1 after one line that names the option.
 int checkSearch(const TrelmInfo &info)
 {
+    if (info.nConeAdjust < 1)
+        return complain("trelm: -nCone %d: the search needs one fit at least.\n", info.nConeAdjust);
     if (!(info.nConeInc > 0.0f) || !std::isfinite(info.nConeInc))
         return complain("trelm: -incCone %g: the step of the cone must be positive.\n",
                         number(info.nConeInc));
@@ -173,13 +174,14 @@ int checkSearch(const TrelmInfo &info)
 int setCone(NoiseRun &run)
 {
     TrelmInfo &info = run.info();
-    if (info.nConeFlag == 0 || info.validCountD < fewestCouplings || run.nD < fewestCouplings) {
+    const int known = std::min(info.validCountD, run.nD);
+    if (info.nConeFlag == 0 || known < static_cast<int>(fewestCouplings)) {
         std::printf("REMARK Amount of structural noise by user specified.\n");
         std::printf("REMARK Width of Gaussian cone %.2f degree.\n", info.coneWidth);
     } else if (checkSearch(info) != 0 || adjustCone(run) != 0) {
         return 1;
     }
-    if (info.validCountD < fewestCouplings || run.nD < fewestCouplings)
+    if (known < static_cast<int>(fewestCouplings))
         return complain("TRELM Error: Only %d couplings available. Exiting ....\n", run.nD);
     if (info.coneWidth <= 0.0) {
         run.setup.mapCount = 1; // without noise one sample says all
@@ -213,7 +215,6 @@ int restoreState(NoiseRun &run)
 /// The fit that is mapped.
 int fitMeasured(NoiseRun &run)
 {
-    dTensorNull(&run.tInfo);
     dTensorCopy(run.tInfo, run.dTab().dTensor);
     if (fitD(run.setup.pdbInfo, run.setup.dTab, run.setup.verbose) < 0)
         return 1;

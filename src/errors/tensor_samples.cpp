@@ -15,9 +15,7 @@ namespace trelm {
 namespace {
 
 constexpr double pi = 3.14159265;
-constexpr double amide = 21585.2; ///< Hz: Da on the scale of an amide pair
 constexpr float noTensor = 999.9f;
-constexpr int tensorGiven = 6; ///< tensorMode: couplings of userSaupe
 
 double number(float value)
 {
@@ -43,8 +41,9 @@ double deviation(double sqrSum, double average, double count)
     return variance < 0.0 ? 0.0 : std::sqrt(variance);
 }
 
-/// Of the fit's Euler solutions the one nearest to the reference. The distance runs on from solution to
-/// solution, so a later one wins only behind solutions that are all zero: the reports are made so.
+/// Chooses the fit's Euler solution whose angles widen the ranges. The distance to the reference is summed up
+/// over the solutions and never starts anew, so the first solution that is not all zero wins, not the nearest
+/// one. The reported ranges are defined by this choice.
 void chooseSolution(TensorSamples &samples, const DTensor &dTensor)
 {
     const EulerSolution &orig = samples.orig;
@@ -101,7 +100,7 @@ void countSample(TensorSamples &samples, const Saupe &saupe, const TensorAnalysi
     samples.szz.widen(szz, samples.count == 1);
     samples.gMag.add(analysis.gMag);
     samples.dr.add(analysis.dr);
-    const auto daNH = static_cast<float>(analysis.da * amide);
+    const auto daNH = static_cast<float>(analysis.da * amideHertz);
     samples.daNHSum += daNH;
     samples.daNHSqrSum += daNH * daNH;
     chooseSolution(samples, dTensor);
@@ -143,7 +142,7 @@ void writeMagnitude(const DTable &dTab, const TensorAnalysis &analysis, int n, s
     int nD = 0;
     getStatDC(dTab.observed(), dTab.calculated(), rSum, pSum, nD);
     text.clear();
-    appendf(text, "%6d  %e  %.3f   %9.3f   %9.3f\n", n - 1, analysis.da * amide,
+    appendf(text, "%6d  %e  %.3f   %9.3f   %9.3f\n", n - 1, analysis.da * amideHertz,
             analysis.da != 0.0 ? analysis.dr / analysis.da : 0.0, number(rSum), number(pSum));
     writeOut(out, text);
 }
@@ -185,13 +184,12 @@ int compareSample(TensorSamples &samples, int i, const TensorAnalysis &mean, con
         return complain("trelm: error in analyzeSaupe.\n");
     noteMagnitude(samples, saupe, analysis.gMag, range);
     const std::array<double, 3> dcos = calcDcos(analysis.eigVec, mean.eigVec);
-    std::array<float, 5> average, sample;
+    SaupeValues average, sample;
     const auto toFloat = [](double value) { return static_cast<float>(value); };
     std::ranges::transform(samples.saupeAve, average.begin(), toFloat);
     std::ranges::transform(saupe, sample.begin(), toFloat);
     float dcos5d = 0.0f, angle = 0.0f;
-    if (irrCollinarity(average, sample, dcos5d, angle) != 0)
-        return complain("trelm: error in compareSaupe.\n");
+    irrCollinarity(average, sample, dcos5d, angle);
     noteAngle(samples, number(angle));
     text.clear();
     appendf(text, "%5d   %8.3f %8.3f %8.3f       %8.3f       %e\n", i, dcos[0] * 180.0 / pi,
@@ -242,7 +240,7 @@ int openOutputs(const MappingFiles &files, const MappingWords &words, SampleOutp
     constexpr const char *noMap = "TRELM Error opening log file for error space mapping ";
     constexpr const char *noSaupe = "TRELM Error opening log file for Saupe distribution ";
     if (openOne(outputs.map, files.outMapName, noMap, "") != 0 ||
-        openOne(outputs.da, files.outDaName, words.noDa, words.dot) != 0 ||
+        openOne(outputs.da, files.outDaName, noDaWords, words.dot) != 0 ||
         openOne(outputs.angles, files.outAngName, words.noAngles, words.dot) != 0 ||
         openOne(outputs.saupe, files.outAName, noSaupe, ".") != 0)
         return 1;
@@ -335,8 +333,9 @@ std::string mappingReport(const TensorSamples &samples)
     appendSaupe(text, "STD_DEV    ", samples.saupeStdDev);
     appendSaupe(text, "MIN        ", samples.saupeMin);
     appendSaupe(text, "MAX        ", samples.saupeMax);
-    appendFour(text, "Da (AVERAGE/STD_DEV/MIN/MAX)   ",
-               {samples.daNHAve / amide, samples.daNHStdDev / amide, samples.da.min, samples.da.max});
+    appendFour(
+        text, "Da (AVERAGE/STD_DEV/MIN/MAX)   ",
+        {samples.daNHAve / amideHertz, samples.daNHStdDev / amideHertz, samples.da.min, samples.da.max});
     appendFour(text, "Dr (AVERAGE/STD_DEV/MIN/MAX)   ", fourOf(samples.dr, count));
     appendRange(text, "Phi (MIN/MAX)     ", samples.phi);
     appendRange(text, "Psi (MIN/MAX)     ", samples.psi);

@@ -10,9 +10,7 @@
 #include "support/output_file.h"
 
 #include <array>
-#include <span>
 #include <string>
-#include <vector>
 
 namespace trelm {
 
@@ -49,14 +47,13 @@ struct SampleOutputs {
 
 /// Words of a mapping that differ from branch to branch.
 struct MappingWords {
-    const char *noDa, *noAngles; ///< before the name of a file that can not be opened
-    const char *dot;             ///< behind it
-    const char *saupeGap;        ///< between number and values in the file of Saupe vectors
+    const char *noAngles; ///< before the name of a file of angles that can not be opened
+    const char *dot;      ///< behind this name and that of the file of Da and R
+    const char *saupeGap; ///< between number and values in the file of Saupe vectors
 };
-constexpr MappingWords noiseWords = {"TRELM Error opening log file for Da distribution mapping ",
-                                     "TRELM Error opening log file for Da distribution mapping ", "", " "};
-constexpr MappingWords mappingWords = {"TRELM Error opening log file for Da distribution mapping ",
-                                       "TRELM Error opening log file for Angular distribution ", ".", "  "};
+constexpr const char *noDaWords = "TRELM Error opening log file for Da distribution mapping ";
+constexpr MappingWords noiseWords = {noDaWords, "", " "};
+constexpr MappingWords mappingWords = {"TRELM Error opening log file for Angular distribution ", ".", "  "};
 
 /// Opens the four files. Returns 0, or 1 after a message.
 int openOutputs(const MappingFiles &files, const MappingWords &words, SampleOutputs &outputs);
@@ -81,7 +78,7 @@ struct Spread {
     [[nodiscard]] double stdDev(double count) const;
 };
 
-/// Range of an angle, degrees.
+/// Range of an angle, degrees, in the precision of the fits.
 struct AngleRange {
     float min = 0.0f, max = 0.0f;
     void widen(float value, bool isFirst)
@@ -106,7 +103,7 @@ struct TensorSamples {
     std::size_t chosen = 0; ///< Euler solution of the last sample that was compared with it
     Spread szz, gMag, da, dr, angle5d;
     float daNHSum = 0.0f, daNHSqrSum = 0.0f, daNHMin = 0.0f, daNHMax = 0.0f;
-    std::array<Spread, 5> saupe;
+    std::array<Spread, saupeCount> saupe;
     AngleRange phi, psi, theta;
 
     Saupe saupeAve = {}, saupeStdDev = {}; ///< settled by averageSamples
@@ -127,7 +124,8 @@ int takeSample(TensorSamples &samples, const MappingSetup &setup, int n, SampleO
 /// Averages and deviations of what was counted.
 void averageSamples(TensorSamples &samples);
 
-/// Holds the stored samples against the mean tensor, and writes them. Returns 0, or 1 after a message.
+/// Holds the stored samples against the mean tensor, and writes them. samples.count is maxSamples at most
+/// from then on. Returns 0, or 1 after a message.
 int comparePass(TensorSamples &samples, const MappingSetup &setup, const MappingWords &words,
                 SampleOutputs &outputs);
 
@@ -137,11 +135,12 @@ std::string mappingReport(const TensorSamples &samples);
 /// The structure in the frame of the mean tensor. Returns 0, or non-zero after messages that end in `words`.
 int writeMeanFrame(const TensorSamples &samples, const MappingSetup &setup, const char *words);
 
-/// Ends a mapping on the couplings of the mean tensor: report, couplings, structure. Returns 0, or non-zero
-/// after a message.
+/// Ends a mapping on the couplings of the mean tensor: report, couplings, structure. The table's tensor is
+/// then the mean one, its tensorMode tensorGiven. Returns 0, or non-zero after a message.
 int reportMeanTensor(const TensorSamples &samples, const MappingSetup &setup);
 
-/// Whether the fit found no tensor. Such a sample is dropped.
+/// Whether the first element of the fitted Saupe vector is 999.9 or more, which is no order: such a sample is
+/// dropped. A fit of fewer than five couplings leaves zeros, and those count.
 bool isWithoutTensor(const DTable &dTab);
 
 } // namespace trelm

@@ -25,8 +25,7 @@ namespace {
 constexpr double pi = 3.14159265;
 constexpr double quarterTurn = 1.570796325;
 constexpr double coneHalfTurn = 3.1415927;
-constexpr int tensorSimulated = 6; ///< tensorMode: the Saupe vector is given
-constexpr int outStates = 3;       ///< outEflag: the states are listed, not simulated
+constexpr int outStates = 3; ///< outEflag: the states are listed, not simulated
 constexpr Axis unitZ = {0.0, 0.0, 1.0};
 
 constexpr double radians(double angle)
@@ -276,7 +275,7 @@ int simulateState(EnsembleRun &run, StateAtWork &state)
 int addState(EnsembleRun &run, StateAtWork &state)
 {
     DTensor &tensor = run.dTab->dTensor;
-    tensor.tensorMode = tensorSimulated;
+    tensor.tensorMode = tensorGiven;
     for (std::size_t k = 0; k < state.saupe.size(); ++k) {
         // What survives beside the obstacle averages to the opposite sign.
         state.saupe[k] = -state.saupe[k];

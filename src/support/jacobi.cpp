@@ -141,14 +141,16 @@ void eigsrt3By3NegRevTP(std::array<float, 3> &dOrig, Matrix3f &vOrig)
             std::swap(vOrig[at(i, j)], vOrig[at(j, i)]);
 }
 
-void jacobimz(const Matrix3d &a, std::array<double, 3> &d, Matrix3d &v, int &nrot)
+int jacobimz(const Matrix3d &a, std::array<double, 3> &d, Matrix3d &v, int &nrot)
 {
     Rotating<double> m = start(a);
-    if (diagonalise(m) != 0)
+    const int status = diagonalise(m);
+    if (status != 0)
         nrerror("Too many iterations in routine jacobi");
     d = m.d;
     v = m.v;
     nrot = m.nrot;
+    return status;
 }
 
 } // namespace trelm

@@ -2,8 +2,6 @@
 
 #include "support/text.h"
 
-#include <unistd.h>
-
 #include <filesystem>
 #include <system_error>
 
@@ -15,7 +13,9 @@ void dropOld(OutFile &out)
 {
     if (!out.holdsOld)
         return;
-    out.isSpoilt = ::ftruncate(::fileno(out.fp), 0) != 0;
+    std::error_code failure;
+    std::filesystem::resize_file(out.name, 0, failure);
+    out.isSpoilt = static_cast<bool>(failure);
     out.holdsOld = false;
 }
 

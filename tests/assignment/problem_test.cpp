@@ -1,91 +1,76 @@
 #include "assignment/problem.h"
 
-#include <gtest/gtest.h>
+#include "common/said.h"
+#include "common/temp_file.h"
+#include "couplings/prepared.h"
 
-#include <fstream>
 #include <sstream>
-#include <unistd.h>
 
 namespace trelm {
 namespace {
 
 /// The lysines of ubiquitin have the numbers 6, 11, 27, 29, 33, 48, 63.
-constexpr const char *lysines = "6 H 6 N\n11 H 11 N\n27 N 27 H\n29 H 29 N\n33 H 33 N\n48 H 48 N\n63 H 63 N\n";
+const std::string lysines = "6 H 6 N\n11 H 11 N\n27 N 27 H\n29 H 29 N\n33 H 33 N\n48 H 48 N\n63 H 63 N\n";
 
-/// A table that a search starts from. A line: residue and atom of both sides, and a segment if the table has
-/// them. The coupling of line i, from 1, is i Hz, its error i / 10, its weight i + 1.
-struct Table {
-    PDBInfo pdbInfo;
-    DTable dTab;
-};
-
-void readStructureInto(const std::string &name, bool withSegments, PDBInfo &pdbInfo)
+/// Ubiquitin, or two of them as segments A and B.
+std::string structureText(bool withSegments)
 {
-    std::ifstream in(std::string(TRELM_EXAMPLES) + "/ubiquitin/1d3z_model1.pdb");
-    const std::string path = testing::TempDir() + name + "_" + std::to_string(getpid()) + ".pdb";
-    std::ofstream out(path);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(in, line);)
-        lines.push_back(line);
-    for (const char *segment : {"A   ", "B   "})
-        for (std::string line : lines) {
-            if (withSegments)
-                line.resize(80, ' ');
-            if (withSegments)
-                line.replace(72, 4, segment);
-            if (withSegments || segment[0] == 'A')
-                out << line << '\n';
+    std::string text;
+    for (const char *segment : {"A   ", "B   "}) {
+        std::ifstream in(TRELM_EXAMPLES "/ubiquitin/1d3z_model1.pdb");
+        for (std::string line; std::getline(in, line);) {
+            line.resize(80, ' ');
+            text += (withSegments ? line.replace(72, 4, segment) : line) + '\n';
         }
-    out.close();
-    ASSERT_EQ(readPDB(path, &pdbInfo, nullptr), 0);
+        if (!withSegments)
+            break;
+    }
+    return text;
 }
 
-void readLines(const std::string &name, const std::string &lines, Table &table)
+/// A coupling table in the words of these tests. A line: residue and atom of both sides, and a segment if the
+/// table has them. The coupling of line i, from 1, is i Hz, its error i / 10, its weight i + 1.
+std::string tableText(const std::string &lines)
 {
-    const bool withSegments = lines.find('@') != std::string::npos;
-    readStructureInto(name, withSegments, table.pdbInfo);
-    const std::string path = testing::TempDir() + name + "_" + std::to_string(getpid()) + ".tab";
-    std::ofstream out(path);
-    out << "VARS RESID_I RESNAME_I ATOMNAME_I RESID_J RESNAME_J ATOMNAME_J SEGNAME_I SEGNAME_J D DD W\n"
-           "FORMAT %d %s %s %d %s %s %s %s %f %f %f\n";
+    std::ostringstream text;
+    text << "VARS RESID_I RESNAME_I ATOMNAME_I RESID_J RESNAME_J ATOMNAME_J SEGNAME_I SEGNAME_J D DD W\n"
+            "FORMAT %d %s %s %d %s %s %s %s %f %f %f\n";
     std::istringstream in(lines);
-    int i = 0;
-    for (std::string line; std::getline(in, line);) {
+    int i = 1;
+    for (std::string line; std::getline(in, line); ++i) {
         std::istringstream words(line);
-        std::string resI, atomI, resJ, atomJ, segment = "None";
+        std::string resI, atomI, resJ, atomJ, segment;
         words >> resI >> atomI >> resJ >> atomJ >> segment;
-        segment = segment[0] == '@' ? segment.substr(1) : "None";
-        ++i;
-        out << resI << " LYS " << atomI << ' ' << resJ << " LYS " << atomJ << ' ' << segment << ' ' << segment
-            << ' ' << i << ' ' << i / 10.0 << ' ' << i + 1 << '\n';
+        segment = segment.empty() ? " None" : ' ' + segment.substr(1);
+        text << resI << " LYS " << atomI << ' ' << resJ << " LYS " << atomJ << segment << segment << ' ' << i
+             << ' ' << i / 10.0 << ' ' << i + 1 << '\n';
     }
-    out.close();
-    ASSERT_EQ(readDC(path, &table.dTab), 0);
-    mapDCInfo(&table.pdbInfo, &table.dTab, 0);
-    selectD(table.dTab.observed(), -100, 1000, 3);
-    buildDC(&table.pdbInfo, &table.dTab, 0, 0, {}, 1);
+    return text.str();
 }
+
+/// A table that a search starts from.
+struct Table : Prepared {
+    explicit Table(const std::string &lines)
+        : Prepared(TempFile(tableText(lines)).name, 0, nullptr,
+                   TempFile(structureText(lines.find('@') != std::string::npos)).name)
+    {
+    }
+};
 
 struct Made {
     int status = 0;
-    std::string out, err;
+    Said said;
     AssignmentProblem problem;
     PeakTable peaks;
 };
 
-Made make(const std::string &lines, std::span<const int> fixResList = {},
+Made make(const Table &table, std::span<const int> fixResList = {},
           const std::vector<std::string> &media = {""})
 {
-    Table table;
-    readLines("assignment_problem", lines, table);
     Made made;
     made.peaks.fixResList = fixResList;
     made.peaks.media = media;
-    testing::internal::CaptureStdout();
-    testing::internal::CaptureStderr();
-    made.status = makeProblem(table.pdbInfo, table.dTab, made.peaks, made.problem);
-    made.out = testing::internal::GetCapturedStdout();
-    made.err = testing::internal::GetCapturedStderr();
+    made.said = said([&] { made.status = makeProblem(table.pdb, table.table, made.peaks, made.problem); });
     made.peaks.fixResList = {};
     return made;
 }
@@ -118,16 +103,10 @@ TEST(CouplingType, GoesByAtomNamesInEitherOrder)
 TEST(MakeProblem, PutsEachCouplingInItsPlace)
 {
     // Residue 26 holds the CA-C coupling of peak 27; residue 30 belongs to no peak.
-    const Made made = make(std::string(lysines) + "26 CA 26 C\n30 CA 30 C\n47 C 48 N\n29 C 30 N\n");
-    ASSERT_EQ(made.status, 0) << made.err;
-    EXPECT_EQ(made.out, "REMARK 7 N-HN Unassigned Peaks, Residues 6 to 63.\n"
-                        "REMARK 7 N-HN Unassigned Peaks and 7 LYS Residues.\n"
-                        "REMARK Available Types of Unassigned Couplings: N-HN C-N CA-C.\n"
-                        "REMARK # of coupling types: 3\n"
-                        "REMARK 7 x 3 Unassigned Coupling Matrix.\n"
-                        "REMARK Peak 6 11 27 29 33 48 63 exhaustively searched.\n"
-                        "REMARK No couplings are fixed.\n");
-    EXPECT_EQ(made.err, "");
+    Table table(lysines + "26 CA 26 C\n30 CA 30 C\n47 C 48 N\n29 C 30 N\n");
+    const Made made = make(table);
+    ASSERT_EQ(made.status, 0) << made.said.err;
+    EXPECT_EQ(made.said.err, "");
     const AssignmentProblem &problem = made.problem;
     const auto row = [&](int column) {
         std::vector<float> d;
@@ -147,35 +126,30 @@ TEST(MakeProblem, PutsEachCouplingInItsPlace)
     EXPECT_EQ(problem.wMat[empty], 0.0f);
     EXPECT_EQ(problem.xMat[empty], 0.0f);
     // Row 2 is given as N to H, row 0 as H to N: the vectors run from I to J.
-    Table table;
-    readLines("assignment_vectors", lysines, table);
-    const AtomInfo *n = findAtom(&table.pdbInfo, 27, "N", "A", ""),
-                   *h = findAtom(&table.pdbInfo, 27, "H", "A", "");
+    const AtomInfo *n = findAtom(&table.pdb, 27, "N", "A", ""), *h = findAtom(&table.pdb, 27, "H", "A", "");
     ASSERT_TRUE(n != nullptr && h != nullptr);
     EXPECT_EQ(problem.zMat[problem.at(2, 0)], h->z - n->z);
-    n = findAtom(&table.pdbInfo, 6, "N", "A", "");
-    h = findAtom(&table.pdbInfo, 6, "H", "A", "");
+    n = findAtom(&table.pdb, 6, "N", "A", "");
+    h = findAtom(&table.pdb, 6, "H", "A", "");
     EXPECT_EQ(problem.xMat[problem.at(0, 0)], n->x - h->x);
 }
 
 TEST(MakeProblem, KeepsFixedCouplingsByMedium)
 {
     const int fixed[] = {6, 11};
-    const std::string some = "27 H 27 N\n29 H 29 N\n";
-    Made made = make(some + "6 H 6 N\n11 H 11 N\n", fixed);
-    ASSERT_EQ(made.status, 0) << made.err;
-    EXPECT_NE(made.out.find("REMARK No couplings for residue. 6 11 are fixed.\n"
-                            "REMARK 2 couplings fixed in total.\n"),
+    Made made = make(Table("27 H 27 N\n29 H 29 N\n6 H 6 N\n11 H 11 N\n"), fixed);
+    ASSERT_EQ(made.status, 0) << made.said.err;
+    EXPECT_NE(made.said.out.find("REMARK No couplings for residue. 6 11 are fixed.\n"
+                                 "REMARK 2 couplings fixed in total.\n"),
               std::string::npos)
-        << made.out;
-    EXPECT_EQ(made.err, "Warning: 2 N-HN Unassigned Peaks and 5 LYS Residues!\n");
+        << made.said.out;
+    EXPECT_EQ(made.said.err, "Warning: 2 N-HN Unassigned Peaks and 5 LYS Residues!\n");
     ASSERT_EQ(made.problem.fixed.size(), 2U);
     EXPECT_EQ(made.problem.fixed[1].d, 4.0f);
 
-    const std::string media =
-        "27 H 27 N @A\n27 H 27 N @B\n26 CA 26 C @B\n6 H 6 N @B\n11 H 11 N @A\n6 H 6 N @A\n";
+    const Table media("27 H 27 N @A\n27 H 27 N @B\n26 CA 26 C @B\n6 H 6 N @B\n11 H 11 N @A\n6 H 6 N @A\n");
     made = make(media, fixed, {"A", "B"});
-    ASSERT_EQ(made.status, 0) << made.err;
+    ASSERT_EQ(made.status, 0) << made.said.err;
     for (const char *line : {"REMARK Available Types of Unassigned Couplings of SegId A: N-HN.\n"
                              "REMARK Available Types of Unassigned Couplings of SegId B: N-HN CA-C.\n",
                              "REMARK # of coupling types for each SegID:  (A 1) (B 2).\n",
@@ -183,84 +157,44 @@ TEST(MakeProblem, KeepsFixedCouplingsByMedium)
                              "REMARK Couplings of type A for residue 11 6 are fixed.\n"
                              "REMARK Couplings of type B for residue 6 are fixed.\n"
                              "REMARK 3 couplings fixed in total.\n"})
-        EXPECT_NE(made.out.find(line), std::string::npos) << line << made.out;
+        EXPECT_NE(made.said.out.find(line), std::string::npos) << line << made.said.out;
     EXPECT_EQ(made.problem.nDTypList, (std::array<int, 3>{2, 1, 0}));
     EXPECT_EQ(made.problem.colIdList, (std::array<int, 3>{1, 2, 0}));
     EXPECT_EQ(made.problem.dcMat, (std::vector<float>{1, 2, 3}));
     EXPECT_EQ(made.problem.fixed[2].d, 4.0f);
 }
 
-std::string manyPeaks(int count)
-{
-    std::string lines;
-    for (int i = 0; i < count; ++i)
-        lines += std::to_string(1000 + i) + " H " + std::to_string(1000 + i) + " N\n";
-    return lines;
-}
-
 TEST(MakeProblem, RefusesWhatItCannotSearch)
 {
     const int fixed[] = {6, 27};
+    const char *const noRow = "Error in Number of Unassigned N-HN couplings.";
+    const char *const notAll = "Error in Number of assigned couplings.";
     struct {
         const char *why;
         std::string lines;
-        std::span<const int> fixResList;
-        std::vector<std::string> media;
-        int status;
         const char *err;
+        int status = 1;
+        std::span<const int> fixResList = {};
+        std::vector<std::string> media = {""};
     } const cases[] = {
-        {"no peak", "26 CA 26 C\n", {}, {""}, 1, ""},
-        {"all peaks fixed", "6 H 6 N\n27 H 27 N\n", fixed, {""}, 1, ""},
-        {"a peak of no medium",
-         "6 H 6 N @A\n11 H 11 N @B\n",
-         {},
-         {"A"},
-         1,
-         "Error in Number of Unassigned N-HN couplings."},
-        {"a coupling is missing, and all there are belong to peaks",
-         std::string(lysines) + "26 CA 26 C\n",
-         {},
-         {""},
-         1,
+        {"no peak", "26 CA 26 C\n", ""},
+        {"all peaks fixed", "6 H 6 N\n27 H 27 N\n", "", 1, fixed},
+        {"of no medium", "6 H 6 N @A\n11 H 11 N @B\n", noRow, 1, {}, {"A"}},
+        {"a coupling is missing, and all there are belong to peaks", lysines + "26 CA 26 C\n",
          "Error: CA-C coupling for PeakID 6 not found.\n"},
-        {"a fixed coupling of unknown kind",
-         "11 H 11 N\n6 HA 6 H\n",
-         fixed,
-         {""},
-         1,
-         "Error in Number of assigned couplings."},
-        {"fixed by its peak, not by its residue",
-         "11 H 11 N\n26 CA 26 C\n6 H 6 N\n",
-         fixed,
-         {""},
-         1,
-         "Error in Number of assigned couplings."},
-        {"the same peak twice",
-         std::string(lysines) + "33 H 33 N\n",
-         {},
-         {""},
-         0,
-         "Warning: N-HN coupling for PeakID 33 stands in the table again, the last one counts.\n"},
-        {"a fixed residue without couplings", "27 H 27 N\n", std::span(fixed).first(1), {""}, 0, ""},
+        {"a fixed coupling of unknown kind", "11 H 11 N\n6 HA 6 H\n", notAll, 1, fixed},
+        {"an open coupling of unknown kind", "27 H 27 N\n11 HA 11 H\n", "", 0, std::span(fixed).first(1)},
+        {"fixed by its peak, not by its residue", "11 H 11 N\n26 CA 26 C\n6 H 6 N\n", notAll, 1, fixed},
+        {"the same peak twice", lysines + "33 H 33 N\n",
+         "Warning: N-HN coupling for PeakID 33 stands in the table again, the last one counts.\n", 0},
+        {"a fixed residue without couplings", "27 H 27 N\n", "", 0, std::span(fixed).first(1)},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.why);
-        const Made made = make(c.lines, c.fixResList, c.media);
+        const Made made = make(Table(c.lines), c.fixResList, c.media);
         EXPECT_EQ(made.status, c.status);
-        const std::size_t behind = made.err.find("Residues!\n"); // the warning of a test's few peaks
-        EXPECT_EQ(behind == std::string::npos ? made.err : made.err.substr(behind + 10), c.err);
-    }
-}
-
-/// Couplings whose atoms the structure does not have, resolved by hand.
-void resolve(DTable &dTab, AtomInfo &atomI, AtomInfo &atomJ, int count)
-{
-    for (DInfo &calc : dTab.calculated()) {
-        calc.valid = 1;
-        calc.atomI[0] = &atomI;
-        calc.atomJ[0] = &atomJ;
-        calc.atomICount = count;
-        calc.atomJCount = 1;
+        const std::size_t behind = made.said.err.find("Residues!\n"); // the warning of a test's few peaks
+        EXPECT_EQ(behind == std::string::npos ? made.said.err : made.said.err.substr(behind + 10), c.err);
     }
 }
 
@@ -278,16 +212,20 @@ TEST(MakeProblem, TestsItsLimits)
          "yet.\n"},
     };
     for (const auto &c : cases) {
-        Table table;
-        readLines("assignment_many", manyPeaks(c.peakCount), table);
-        resolve(table.dTab, atomI, atomJ, c.atoms);
-        Made made;
-        made.peaks.media = {""};
-        testing::internal::CaptureStdout();
-        testing::internal::CaptureStderr();
-        EXPECT_EQ(makeProblem(table.pdbInfo, table.dTab, made.peaks, made.problem), c.status);
-        testing::internal::GetCapturedStdout();
-        EXPECT_EQ(testing::internal::GetCapturedStderr(), c.err);
+        std::string lines;
+        for (int i = 1000; i < 1000 + c.peakCount; ++i)
+            lines += std::to_string(i) + " H " + std::to_string(i) + " N\n";
+        Table table(lines);
+        for (DInfo &calc : table.table.calculated()) { // atoms that the structure does not have
+            calc.valid = 1;
+            calc.atomI[0] = &atomI;
+            calc.atomJ[0] = &atomJ;
+            calc.atomICount = c.atoms;
+            calc.atomJCount = 1;
+        }
+        const Made made = make(table);
+        EXPECT_EQ(made.status, c.status);
+        EXPECT_EQ(made.said.err, c.err);
     }
 }
 

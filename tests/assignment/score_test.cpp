@@ -96,16 +96,13 @@ TEST(Score, IsThatOfEachMediumsOwnFit)
             problem.lDa = -1000.0f;
             problem.hDa = problem.hR = 1000.0f;
             problem.lR = -1000.0f;
-            double expected = 0.0;
             std::vector<int> rows = made.truth;
-            for (std::size_t medium = 0; medium < kind.columns.size(); ++medium)
-                expected += expectedScore(couplingsOf(problem, medium, rows));
-            EXPECT_NEAR(getSvdChi2Exh(problem, rows, work), expected, 2e-3 * expected + 1e-6);
-            std::swap(rows[0], rows[1]);
-            expected = 0.0;
-            for (std::size_t medium = 0; medium < kind.columns.size(); ++medium)
-                expected += expectedScore(couplingsOf(problem, medium, rows));
-            EXPECT_NEAR(getSvdChi2Exh(problem, rows, work), expected, 2e-3 * expected + 1e-6);
+            for (int round = 0; round < 2; ++round, std::swap(rows[0], rows[1])) {
+                double expected = 0.0;
+                for (std::size_t medium = 0; medium < kind.columns.size(); ++medium)
+                    expected += expectedScore(couplingsOf(problem, medium, rows));
+                EXPECT_NEAR(getSvdChi2Exh(problem, rows, work), expected, 2e-3 * expected + 1e-6);
+            }
         }
     }
 }
@@ -119,6 +116,11 @@ TEST(Score, CountsAMediumOutsideTheWindow)
         change(problem);
         return problem;
     };
+    const auto negate = [](AssignmentProblem &problem, int firstColumn) {
+        for (int row = 0; row < problem.peakCount; ++row)
+            for (int column = firstColumn; column < problem.colId; ++column)
+                problem.dcMat[problem.at(row, column)] *= -1.0f;
+    };
     struct {
         const char *why;
         AssignmentProblem problem;
@@ -130,34 +132,18 @@ TEST(Score, CountsAMediumOutsideTheWindow)
         {"Da below", changed(one.problem, [](auto &p) { p.lDa = -5.0f; }), one.truth, 1e8f, 1e8f},
         {"R above", changed(one.problem, [](auto &p) { p.hR = 0.05f; }), one.truth, 1e8f, 1e8f},
         {"R below", changed(one.problem, [](auto &p) { p.lR = 0.6f; }), one.truth, 1e8f, 1e8f},
-        {"positive Da",
-         changed(one.problem,
-                 [](auto &p) {
-                     for (float &d : p.dcMat)
-                         d = -d;
-                 }),
-         one.truth, 1e8f, 1e8f},
+        {"positive Da", changed(one.problem, [&](auto &p) { negate(p, 0); }), one.truth, 1e8f, 1e8f},
         {"no medium", changed(one.problem, [](auto &p) { p.nLcType = 0; }), one.truth, 1e8f, 1e8f},
         {"four couplings",
          changed(one.problem, [](auto &p) { std::fill(p.dcMat.begin() + 4, p.dcMat.end(), 888.0f); }),
          one.truth, 1e8f, 1e8f},
         {"no tensor, and a window that holds Da 0",
-         changed(one.problem,
-                 [](auto &p) {
-                     p.dcMat.assign(p.dcMat.size(), 0.0f);
-                     p.hDa = 5.0f;
-                     p.lR = -5.0f;
-                 }),
+         changed(one.problem, [](auto &p) { p.dcMat.assign(p.dcMat.size(), 0.0f), p.hDa = 5, p.lR = -5; }),
          one.truth, 1e8f, 1e8f},
+        {"no number", changed(one.problem, [](auto &p) { p.dcMat[0] = NAN; }), one.truth, 1e8f, 1e8f},
         {"both media inside", two.problem, two.truth, 0.0f, 1e-3f},
-        {"the second of two media",
-         changed(two.problem,
-                 [](auto &p) {
-                     for (int row = 0; row < p.peakCount; ++row)
-                         for (int column = 3; column < 6; ++column)
-                             p.dcMat[p.at(row, column)] *= -1.0f;
-                 }),
-         two.truth, 1e8f, 1e8f},
+        {"the second of two media", changed(two.problem, [&](auto &p) { negate(p, 3); }), two.truth, 1e8f,
+         1e8f},
         {"both media", changed(two.problem, [](auto &p) { p.lDa = -1.0f; }), two.truth, 2e8f, 2e8f},
     };
     ScoreWork work;

@@ -3,7 +3,7 @@
 #include "reference/assignment_reference.h"
 #include "reference/random_problem.h"
 
-#include <gtest/gtest.h>
+#include "common/said.h"
 
 namespace trelm {
 namespace {
@@ -22,10 +22,7 @@ TEST(SelectPeaks, ChoosesAsAllCombinationsWould)
                 d = d == noPeakCoupling ? d : std::round(d / 10.0f);
         for (int nSel = 2; nSel <= std::min(7, made.problem.peakCount); ++nSel) {
             std::vector<int> selected;
-            testing::internal::CaptureStdout();
-            const int status = selectPeaks(made.problem, nSel, 1, selected);
-            testing::internal::GetCapturedStdout();
-            EXPECT_EQ(status, 0);
+            said([&] { EXPECT_EQ(selectPeaks(made.problem, nSel, 1, selected), 0); });
             EXPECT_EQ(selected, selectPeaksPlain(made.problem, nSel)) << "problem " << n << " nSel " << nSel;
         }
     }
@@ -44,74 +41,36 @@ AssignmentProblem fourPeaks()
 
 TEST(SelectPeaks, TellsWhatItDoes)
 {
-    const std::string head = "REMARK Maximum of 2 available RDCs per peak.\n";
-    const std::string range = "REMARK Smallest and largest normalized RDC: -3.000 12.000 [Hz].\n";
     struct {
         const char *why;
-        int nSel, dcSelOpt, status;
-        std::string out, err;
+        int nSel, dcSelOpt;
+        std::string counts, sum, chosen, err; ///< without a sum nothing is told on standard output
         std::vector<int> selected;
     } const cases[] = {
-        {"the two with most couplings",
-         2,
-         1,
-         0,
-         head +
-             "REMARK 2 peaks with 2 2 RDCs will be selected.\n"
-             "REMARK 2 peaks with 4 RDCs in total will be selected.\n" +
-             range + "REMARK DC Peaks 1 3 have been selected.\n.",
-         "",
-         {0, 2}},
-        {"the evener of the rest",
-         3,
-         1,
-         0,
-         head +
-             "REMARK 3 peaks with 2 2 1 RDCs will be selected.\n"
-             "REMARK 3 peaks with 5 RDCs in total will be selected.\n" +
-             range + "REMARK DC Peaks 1 3 4 have been selected.\n.",
-         "",
-         {0, 2, 3}},
-        {"the first rows",
-         2,
-         0,
-         0,
-         head +
-             "REMARK 2 peaks with 2 2 RDCs will be selected.\n"
-             "REMARK 2 peaks with 4 RDCs in total will be selected.\n" +
-             range + "REMARK DC Peaks 1 2 have been selected.\n.",
-         "",
-         {0, 1}},
-        {"one",
-         1,
-         1,
-         1,
-         head +
-             "REMARK 1 peaks with 2 RDCs will be selected.\n"
-             "REMARK 1 peaks with 2 RDCs in total will be selected.\n" +
-             range,
-         "Warning: only subset of 2 to 7 peaks allowed!",
-         {}},
-        {"more than there are", 5, 1, 1, "", "Error: -nSel 5, but there are only 4 peaks.\n", {}},
-        {"a negative number",
-         -2,
-         0,
-         1,
-         head +
-             "REMARK -2 peaks with RDCs will be selected.\n"
-             "REMARK -2 peaks with 0 RDCs in total will be selected.\n" +
-             range,
-         "Error: # of selected peaks != -2.\n",
-         {}},
+        {"the two with most couplings", 2, 1, " 2 2", "4", " 1 3", "", {0, 2}},
+        {"the evener of the rest", 3, 1, " 2 2 1", "5", " 1 3 4", "", {0, 2, 3}},
+        {"the first rows", 2, 0, " 2 2", "4", " 1 2", "", {0, 1}},
+        {"one", 1, 1, " 2", "2", "", "Warning: only subset of 2 to 7 peaks allowed!", {}},
+        {"more than there are", 5, 1, "", "", "", "Error: -nSel 5, but there are only 4 peaks.\n", {}},
+        {"a negative number", -2, 0, "", "0", "", "Error: # of selected peaks != -2.\n", {}},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.why);
+        const std::string peaks = "REMARK " + std::to_string(c.nSel) + " peaks with";
+        std::string expected;
+        if (!c.sum.empty())
+            expected = "REMARK Maximum of 2 available RDCs per peak.\n" + peaks + c.counts +
+                       " RDCs will be selected.\n" + peaks + " " + c.sum +
+                       " RDCs in total will be selected.\n"
+                       "REMARK Smallest and largest normalized RDC: -3.000 12.000 [Hz].\n";
+        if (!c.chosen.empty())
+            expected += "REMARK DC Peaks" + c.chosen + " have been selected.\n.";
         std::vector<int> selected = {9};
-        testing::internal::CaptureStdout();
-        testing::internal::CaptureStderr();
-        EXPECT_EQ(selectPeaks(fourPeaks(), c.nSel, c.dcSelOpt, selected), c.status);
-        EXPECT_EQ(testing::internal::GetCapturedStdout(), c.out);
-        EXPECT_EQ(testing::internal::GetCapturedStderr(), c.err);
+        const int status = c.chosen.empty() ? 1 : 0;
+        const Said told =
+            said([&] { EXPECT_EQ(selectPeaks(fourPeaks(), c.nSel, c.dcSelOpt, selected), status); });
+        EXPECT_EQ(told.out, expected);
+        EXPECT_EQ(told.err, c.err);
         EXPECT_EQ(selected, c.selected);
     }
 }
@@ -121,11 +80,8 @@ TEST(SelectPeaks, TakesNothingThatIsFarFromEven)
     AssignmentProblem problem = fourPeaks();
     problem.wMat = {1e5f, 1e5f, 1.0f, 0.0f, 1e5f, 1e5f, 0.0f, 1.0f};
     std::vector<int> selected;
-    testing::internal::CaptureStdout();
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(selectPeaks(problem, 2, 1, selected), 1);
-    testing::internal::GetCapturedStdout();
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "Error: # of selected peaks != 2.\n");
+    EXPECT_EQ(said([&] { EXPECT_EQ(selectPeaks(problem, 2, 1, selected), 1); }).err,
+              "Error: # of selected peaks != 2.\n");
 }
 
 } // namespace

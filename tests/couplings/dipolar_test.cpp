@@ -1,50 +1,29 @@
 #include "couplings/dipolar.h"
 #include "couplings/interaction.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "common/said.h"
+#include "common/temp_file.h"
+#include "couplings/prepared.h"
 
+#include <gmock/gmock.h>
+
+#include <algorithm>
 #include <climits>
 #include <cmath>
-#include <cstdio>
-#include <fstream>
-
-#include <unistd.h>
 
 namespace trelm {
 namespace {
 
 using ::testing::HasSubstr;
 
-const std::string ubiquitin = std::string(TRELM_EXAMPLES) + "/ubiquitin/";
-
-constexpr const char *shortHead =
-    "VARS RESID_I ATOMNAME_I RESID_J ATOMNAME_J D DD\nFORMAT %d %s %d %s %f %f\n";
-
-/// A file with this text in the folder for temporary files.
-std::string fileOf(const std::string &text)
-{
-    const std::string name = ::testing::TempDir() + "dipolar_test_" + std::to_string(::getpid()) + ".txt";
-    std::ofstream(name, std::ios::binary) << text;
-    return name;
-}
+const std::string head = "VARS RESID_I ATOMNAME_I RESID_J ATOMNAME_J D DD\nFORMAT %d %s %d %s %f %f\n";
 
 /// Reads a table from its text; `err` gets what was said.
 int readText(const std::string &text, DTable &table, std::string &err)
 {
-    const std::string name = fileOf(text);
-    ::testing::internal::CaptureStderr();
-    const int status = readDC(name, &table);
-    err = ::testing::internal::GetCapturedStderr();
-    std::remove(name.c_str());
+    int status = 0;
+    err = said([&] { status = readDC(TempFile(text).name, &table); }).err;
     return status;
-}
-
-PDBInfo readUbiquitin()
-{
-    PDBInfo pdb;
-    EXPECT_EQ(readPDB(ubiquitin + "1d3z_model1.pdb", &pdb, nullptr), 0);
-    return pdb;
 }
 
 TEST(FindVariableDI, TakesTheDistanceThatThePairAndTheOptionSay)
@@ -78,9 +57,8 @@ TEST(FindVariableDI, TakesTheDistanceThatThePairAndTheOptionSay)
     for (const auto &row : rows) {
         float di = 1.0f;
         int flag = -1;
-        EXPECT_EQ(findVariableDI(2.0f, {row.resI, "ALA", row.atomI}, {row.resJ, "ALA", row.atomJ}, di, flag,
-                                 row.allowFixed),
-                  0);
+        EXPECT_EQ(
+            findVariableDI(2.0f, {row.resI, row.atomI}, {row.resJ, row.atomJ}, di, flag, row.allowFixed), 0);
         const double r = row.rIJ;
         const double expected = ratio(row.atomI[0]) * ratio(row.atomJ[0]) * 3.356809e-12 / (r * r * r);
         EXPECT_NEAR(di, expected, 1.0e-6 * std::fabs(expected)) << row.why;
@@ -97,10 +75,10 @@ TEST(FindVariableDI, TellsOfAnAtomItDoesNotKnow)
     for (const auto &row : rows) {
         float di = 0.0f;
         int flag = 0;
-        ::testing::internal::CaptureStderr();
-        EXPECT_EQ(findVariableDI(1.0f, {1, "X", row.atom}, {1, "X", "C"}, di, flag, 1), row.status)
-            << row.atom;
-        const std::string told = ::testing::internal::GetCapturedStderr();
+        const std::string told =
+            said([&] {
+                EXPECT_EQ(findVariableDI(1.0f, {1, row.atom}, {1, "C"}, di, flag, 1), row.status) << row.atom;
+            }).err;
         EXPECT_EQ(told.empty(), row.status == 0) << row.atom;
         EXPECT_TRUE(std::isfinite(di));
     }
@@ -147,7 +125,6 @@ TEST(ReadDC, FillsRowsFromColumnsAndDefaults)
 
 TEST(ReadDC, RefusesWhatIsNoTableOfNumbers)
 {
-    const std::string head = shortHead;
     struct {
         const char *why;
         std::string text;
@@ -174,18 +151,6 @@ TEST(ReadDC, RefusesWhatIsNoTableOfNumbers)
     EXPECT_EQ(err, "Dipolar Interaction - Unknown atom ZN.\n");
 }
 
-TEST(ReadDC, KeepsResidueNumbersInRange)
-{
-    DTable table;
-    std::string err;
-    const std::string text =
-        std::string(shortHead) + "99999999999 C 1 N 1 1\n-99999999999 C 2147483647 N 1 1\n";
-    EXPECT_EQ(readText(text, table, err), 0) << err;
-    PDBInfo pdb = readUbiquitin();
-    EXPECT_EQ(mapDCInfo(&pdb, &table, INT_MAX), 0);
-    EXPECT_EQ(mapDCInfo(&pdb, &table, INT_MIN), 0);
-}
-
 TEST(SelectD, KeepsRowsByTheWindow)
 {
     struct {
@@ -200,10 +165,7 @@ TEST(SelectD, KeepsRowsByTheWindow)
             list[i].resIDJ = residues[i][1];
             list[i].d = i == 4 ? 900.1f : 900.0f;
         }
-        int expected = 0;
-        for (int valid : row.valid)
-            expected += valid;
-        EXPECT_EQ(selectD(list, 5, 9, row.mode), expected);
+        EXPECT_EQ(selectD(list, 5, 9, row.mode), std::ranges::count(row.valid, 1));
         for (std::size_t i = 0; i < 5; ++i)
             EXPECT_EQ(list[i].valid, row.valid[i]) << "mode " << row.mode << " row " << i;
     }
@@ -227,15 +189,12 @@ TEST(SelTypDC, ComparesNamesByPositionAndNeverRevives)
     }
 }
 
-/// A table with these rows on ubiquitin, ready for buildDC.
-struct Built {
-    PDBInfo pdb = readUbiquitin();
-    DTable table;
-    std::string err;
-    explicit Built(const std::string &rows)
+/// A table with these rows on a structure.
+struct Built : Prepared {
+    explicit Built(const std::string &rows) : Prepared(TempFile(head + rows).name) {}
+    Built(const std::string &rows, const std::string &atoms)
+        : Prepared(TempFile(head + rows).name, 0, nullptr, TempFile(atoms).name)
     {
-        EXPECT_EQ(readText(shortHead + rows, table, err), 0) << err;
-        selectD(table.observed(), -1000, 1000, 1);
     }
 };
 
@@ -276,35 +235,30 @@ TEST(BuildDC, AppliesOffsetAndWeightsByResidue)
     EXPECT_EQ(b.table.observed()[3].valid, 1);
 }
 
+TEST(BuildDC, KeepsResidueNumbersInRange)
+{
+    Built b("99999999999 C 1 N 1 1\n-99999999999 C 2147483647 N 1 1\n");
+    EXPECT_EQ(mapDCInfo(&b.pdb, &b.table, INT_MAX), 0);
+    EXPECT_EQ(mapDCInfo(&b.pdb, &b.table, INT_MIN), 0);
+}
+
 TEST(BuildDC, TellsOnceAndDropsARowWithMoreAtomsThanItHolds)
 {
     std::string atoms;
-    for (const char *name : {"N ", "HD ", "HD1", "HD2", "HD3", "HE1", "HE2"}) {
-        char line[96];
-        const auto number = static_cast<double>(atoms.size()) / 81.0;
-        std::snprintf(line, sizeof line,
-                      "ATOM  %5.0f  %-3s LEU A   1    %8.3f%8.3f%8.3f  1.00  0.00           X  \n",
-                      number + 1.0, name, number, number * number, 1.0);
-        atoms += line;
+    for (const char *name :
+         {"N   ", "HD  ", "HD1 ", "HD2 ", "HD3 ", "HE1 ", "HE2 ", "HD11", "HD12", "HD13"}) {
+        const char place = static_cast<char>('0' + atoms.size() / 55);
+        atoms += std::string("ATOM     99 ") + name + " LEU A   1       1.00" + place + "   2.000   3.000\n";
     }
-    for (int i = 11; i <= 13; ++i)
-        atoms +=
-            "ATOM     99 HD" + std::to_string(i) + " LEU A   1       1.000   2.000   3.000  1.00  0.00\n";
-    Built b("1 HD* 1 N 1 1\n1 HE* 1 N 1 1\n");
-    b.pdb = PDBInfo{};
-    const std::string name = fileOf(atoms);
-    const int read = readPDB(name, &b.pdb, nullptr);
-    std::remove(name.c_str());
-    ASSERT_EQ(read, 0);
-    ::testing::internal::CaptureStderr();
-    EXPECT_EQ(mapDCInfo(&b.pdb, &b.table, 0), 1);
-    selectD(b.table.observed(), -1000, 1000, 1);
-    EXPECT_EQ(buildDC(&b.pdb, &b.table, 0, 0, {}, 1), 1);
-    EXPECT_EQ(buildDC(&b.pdb, &b.table, 0, 0, {}, 1), 1);
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
-              "DC Error: HD* of residue 1 resolves to 10 atoms, the limit is 9.\n");
-    EXPECT_EQ(b.table.calculated()[0].valid, 0);
-    EXPECT_EQ(b.table.calculated()[1].atomICount, 4);
+    const Said told = said([&] {
+        Built b("1 HD* 1 N 1 1\n1 HE* 1 N 1 1\n", atoms);
+        EXPECT_EQ(b.valid, 1);
+        EXPECT_EQ(buildDC(&b.pdb, &b.table, 0, 0, {}, 1), 1);
+        EXPECT_EQ(b.table.calculated()[0].valid, 0);
+        EXPECT_EQ(b.table.calculated()[1].atomICount, 4);
+        EXPECT_EQ(mapDCInfo(&b.pdb, &b.table, 0), 1);
+    });
+    EXPECT_EQ(told.err, "DC Error: HD* of residue 1 resolves to 10 atoms, the limit is 9.\n");
 }
 
 } // namespace

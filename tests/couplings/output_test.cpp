@@ -3,26 +3,20 @@
 #include "couplings/run_report.h"
 #include "couplings/statistics.h"
 
+#include "common/temp_file.h"
 #include "couplings/dc_table.h"
 
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
 #include <sstream>
-
-#include <unistd.h>
 
 namespace trelm {
 namespace {
 
 std::string written(DTable &table, TrelmInfo &info)
 {
-    const auto name = std::filesystem::temp_directory_path() / ("trelm_out_" + std::to_string(getpid()));
-    EXPECT_EQ(writeDCmod(name, "w", &table, &info, ""), 0);
+    const TempFile file;
+    EXPECT_EQ(writeDCmod(file.name, "w", &table, &info, ""), 0);
     std::ostringstream text;
-    text << std::ifstream(name).rdbuf();
-    std::filesystem::remove(name);
+    text << std::ifstream(file.name).rdbuf();
     return text.str();
 }
 
@@ -88,17 +82,16 @@ TEST(Output, StatisticsWithoutSpreadAreZero)
 
 TEST(Output, StatisticsBeyondSinglePrecisionAreNumbers)
 {
-    struct Case {
+    struct {
         const char *why;
         std::vector<std::pair<float, float>> couplings;
         float da;
-    };
-    const Case cases[] = {
+    } const cases[] = {
         {"tiny measured values", {{1e-23f, 5.0f}, {2e-23f, -7.0f}, {3e-23f, 1.0f}}, 1e-3f},
         {"huge values", {{-3e19f, -3.1e19f}, {-2e19f, 2.5f}, {3.0f, -1e19f}}, 1e-3f},
         {"a tiny Da beside Dr", {{1.0f, 2.0f}, {2.0f, 2.5f}, {3.0f, 1.0f}}, 1e-28f},
     };
-    for (const Case &extreme : cases) {
+    for (const auto &extreme : cases) {
         DTable table = makeTable(extreme.couplings);
         table.dTensor.da = extreme.da;
         TrelmInfo info;
@@ -177,19 +170,20 @@ TEST(RunReport, OrdersOfTheTwoBlocks)
     appendModeBlock(info, DTensor{}, head);
     EXPECT_TRUE(
         block.starts_with("\nDATA TRELM_MODE ELECTROSTATIC\n\nDATA TRELM LC_TYPE              rod\n"));
-    EXPECT_NE(block.find("GRID_SPACING        0.200\nDATA TRELM MODEL_RADIUS        20.000\n"),
-              std::string::npos);
-    EXPECT_NE(block.find("DATA TRELM EL PH               7.000\nDATA TRELM EL NACL             0.200\n"),
-              std::string::npos);
-    EXPECT_NE(block.find("DATA TRELM EL CUTOFF          6.000000e-06\nDATA TRELM INCLUDE_RIM      on\n"),
-              std::string::npos);
-    EXPECT_NE(head.find("MODEL_RADIUS        20.000\nDATA TRELM GRID_SPACING        0.200\n"),
-              std::string::npos);
-    EXPECT_NE(head.find("DATA TRELM EL NACL             0.200\nDATA TRELM EL PH               7.000\n"),
-              std::string::npos);
-    EXPECT_NE(head.find("DATA TRELM EL CH_TERM          on\nDATA TRELM EL CUTOFF           6.000000e-06\n"),
-              std::string::npos);
     EXPECT_TRUE(head.ends_with("DATA TRELM S_DISC_RIM        0.250\n\n\n"));
+    struct {
+        const std::string &text;
+        const char *lines;
+    } const orders[] = {
+        {block, "GRID_SPACING        0.200\nDATA TRELM MODEL_RADIUS        20.000\n"},
+        {block, "DATA TRELM EL PH               7.000\nDATA TRELM EL NACL             0.200\n"},
+        {block, "DATA TRELM EL CUTOFF          6.000000e-06\nDATA TRELM INCLUDE_RIM      on\n"},
+        {head, "MODEL_RADIUS        20.000\nDATA TRELM GRID_SPACING        0.200\n"},
+        {head, "DATA TRELM EL NACL             0.200\nDATA TRELM EL PH               7.000\n"},
+        {head, "DATA TRELM EL CH_TERM          on\nDATA TRELM EL CUTOFF           6.000000e-06\n"},
+    };
+    for (const auto &order : orders)
+        EXPECT_NE(order.text.find(order.lines), std::string::npos) << order.lines;
     info.trelmMode = 11;
     info.includeRim = 0.0f;
     std::string nothing;

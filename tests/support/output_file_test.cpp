@@ -1,8 +1,10 @@
 // Results that replace those of an earlier run, or leave them alone.
 #include "support/output_file.h"
 
+#include "common/said.h"
 #include "common/temp_file.h"
 
+#include <filesystem>
 #include <fstream>
 
 namespace trelm {
@@ -36,6 +38,17 @@ TEST(OutputFile, TheOldResultGoesWhenThereIsANewOne)
         }
         EXPECT_EQ(contentOf(file), row.content) << row.why;
     }
+}
+
+TEST(OutputFile, AnOldResultThatWillNotGoIsNotContinued)
+{
+    const TempFile file("before");
+    OutFile out;
+    ASSERT_EQ(openOut(out, file.name, "w"), 0);
+    std::filesystem::remove(file.name);
+    writeOut(out, "new");
+    writeOut(out, "newer");
+    EXPECT_EQ(said([&] { EXPECT_EQ(closeOut(out), 1); }).err, "Error writing " + file.name + ".\n");
 }
 
 } // namespace

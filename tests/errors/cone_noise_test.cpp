@@ -1,23 +1,21 @@
 // Noise on a structure: laws, and the order of the draws.
-#include "errors/structure_noise.h"
+#include "errors/cone_noise.h"
 
 #include "structure/backbone.h"
 #include "structure/select.h"
 #include "structure/write.h"
 #include "support/random.h"
 
-#include <gtest/gtest.h>
+#include "common/temp_file.h"
+#include "couplings/prepared.h"
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <functional>
 #include <limits>
 #include <numeric>
 #include <set>
 #include <vector>
-
-#include <unistd.h>
 
 namespace trelm {
 namespace {
@@ -27,7 +25,7 @@ constexpr double degree = 3.14159265358979 / 180.0;
 constexpr ConeSetup fixedCone = {10.0, 4, 1, 90.0};
 constexpr ConeSetup gaussCone = {20.0, 360, 0, 1.0};
 
-/// A cone angle as gaussCone has it.
+/// A cone angle as gaussCone has it: a ring around the axis is as likely as its area is large.
 double takenAngle(int *seed)
 {
     for (;;) {
@@ -37,28 +35,26 @@ double takenAngle(int *seed)
     }
 }
 
-/// Ubiquitin from residue res1 on and a table of these couplings. Generators fresh.
-struct Molecule {
-    PDBInfo pdb;
-    DTable table;
+PDBSelectInfo residuesFrom(int res1)
+{
+    PDBSelectInfo range;
+    range.selectMode = 2;
+    range.resIDMode = 1;
+    range.res1 = res1;
+    range.resN = 76;
+    pdbSelectAdjust(range);
+    return range;
+}
 
-    explicit Molecule(const std::string &rows, int aOff = 0, int res1 = 1)
+/// Ubiquitin from residue res1 on and a table of these couplings. Generators fresh.
+struct Molecule : Prepared {
+    explicit Molecule(const std::string &rows, int aOff = 0, const PDBSelectInfo &range = residuesFrom(1))
+        : Prepared(
+              TempFile("VARS RESID_I ATOMNAME_I RESID_J ATOMNAME_J D DD\nFORMAT %d %s %d %s %f %f\n" + rows)
+                  .name,
+              aOff, &range)
     {
         resetRandom();
-        PDBSelectInfo range;
-        range.selectMode = 2;
-        range.resIDMode = 1;
-        range.res1 = res1;
-        range.resN = 76;
-        pdbSelectAdjust(range);
-        EXPECT_EQ(readPDB(TRELM_EXAMPLES "/ubiquitin/1d3z_model1.pdb", &pdb, &range), 0);
-        const std::string name = ::testing::TempDir() + "structure_noise_" + std::to_string(::getpid());
-        std::ofstream(name) << "VARS RESID_I ATOMNAME_I RESID_J ATOMNAME_J D DD\nFORMAT %d %s %d %s %f %f\n"
-                            << rows;
-        EXPECT_EQ(readDC(name, &table), 0);
-        std::remove(name.c_str());
-        selectD(table.observed(), 1, 200, 3);
-        buildDC(&pdb, &table, aOff, 0, {}, 1);
     }
     int move(const ConeSetup &cone, int aOff = 0)
     {
@@ -104,32 +100,6 @@ TEST(AddVecNoise, FixedConeKeepsLengthAndAngleAndTakesEveryPosition)
     Axis onAxis = {0.0, 0.0, 1.0}; // no ring to turn on
     rotCone({0.0, 0.0, 1.0}, 90.0, 0.0, onAxis);
     EXPECT_EQ(onAxis[2], 1.0);
-}
-
-TEST(AddVecNoise, GaussianConeIsWeightedByTheAreaOfItsRings)
-{
-    resetRandom();
-    double norm = 0.0, cosine = 0.0, square = 0.0;
-    for (double g = 0.0005; g < 180.0 * degree; g += 0.001) {
-        const double p = std::exp(-0.5 * std::pow(g / (gaussCone.coneWidth * degree), 2)) * std::sin(g);
-        norm += p;
-        cosine += p * std::cos(g);
-        square += p * std::cos(g) * std::cos(g);
-    }
-    constexpr int count = 20000;
-    int idum = -1;
-    std::array<double, 3> mean = {};
-    for (int n = 0; n < count; ++n) {
-        Vector v = {0, 0, 1};
-        addVecNoise(&idum, v, gaussCone);
-        for (std::size_t k = 0; k < 3; ++k)
-            mean[k] += static_cast<double>(v[k]) / count;
-    }
-    const double side = 4.0 * std::sqrt((1.0 - square / norm) / 2.0 / count); // four standard errors
-    EXPECT_NEAR(mean[0], 0.0, side);
-    EXPECT_NEAR(mean[1], 0.0, side);
-    EXPECT_NEAR(mean[2], cosine / norm,
-                4.0 * std::sqrt((square / norm - std::pow(cosine / norm, 2)) / count));
 }
 
 // Along x the result is a closed formula of the draws; an angle below 0 ends on the same side as one above.
@@ -215,7 +185,7 @@ TEST(AddPhiPsiNoise, TurnsEveryAngleByTheFixedWidth)
 TEST(AddPhiPsiNoise, ResidueZeroBehindTheListDraws)
 {
     for (const auto &[res1, angles] : {std::pair{1, 2 * 77}, {10, 2 * 67}}) {
-        Molecule m("20 N 20 H 1 1\n", 0, res1);
+        Molecule m("20 N 20 H 1 1\n", 0, residuesFrom(res1));
         int idum = -1, seed = -1;
         addPhiPsiNoise(&idum, &m.pdb, &m.table, gaussCone, {1, 1, 76}, 1);
         resetRandom();

@@ -11,6 +11,7 @@
 
 #include <array>
 #include <span>
+#include <string_view>
 
 namespace trelm {
 
@@ -42,18 +43,27 @@ ConeSetup coneOf(const TrelmInfo &trelmInfo);
 int checkCone(const TrelmInfo &trelmInfo);
 
 /// Turns r around the unit vector A, on the cone of half angle Gamma (radians), by w degrees. A vector on the
-/// axis stays as it is. Returns 0.
-int rotCone(const Axis &A, double w, double Gamma, Axis &r);
+/// axis stays as it is.
+void rotCone(const Axis &A, double w, double Gamma, Axis &r);
 
 /// Moves a vector, angstrom, to a random place on its cone; its length is kept. Draws gauss and ran1 in pairs
 /// until an angle is taken (none of them with a fixed cone), then ran3. Returns the length.
 float addVecNoise(int *idum, std::array<float, 3> &coor, const ConeSetup &cone);
 
 /// Turns phi and psi of every residue by random angles, phi drawn first, and builds the calculated rows anew
-/// (`verbose` is their allowFixedDI). Residue after residue along the list: a turn moves all atoms on the
-/// shorter side. Uses up the selection marks. Returns 0.
-int addPhiPsiNoise(int *idum, PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone,
-                   const ResidueOffset &offset, int verbose);
+/// with the run's allowFixedDI. Residue after residue along the list: a turn moves all atoms on the shorter
+/// side. Uses up the selection marks.
+void addPhiPsiNoise(int *idum, PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone,
+                    const ResidueOffset &offset, int allowFixedDI);
+
+/// Finds an atom again after it was moved. Nothing in the molecule changes: whoever moved the atom has
+/// written its place. Returns it, or null.
+AtomInfo *modifyAtomCoor(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
+                         std::string_view segName);
+
+/// The same for a name with wildcards, expanded with 1, 2, 3. Returns the number found.
+int modifyAtomCoorList(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
+                       std::string_view segName, std::span<AtomInfo *> atomList);
 
 /// Moves the vectors of the rows with a mark in dCalcValid (one for each row). Of a pair the second atom
 /// moves. Three equivalent atoms are moved to one place: their mean stands for them. A row whose atoms are

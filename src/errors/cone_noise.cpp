@@ -1,6 +1,5 @@
-#include "errors/structure_noise.h"
+#include "errors/cone_noise.h"
 
-#include "couplings/output.h"
 #include "structure/backbone.h"
 #include "support/random.h"
 #include "support/rounding.h"
@@ -9,8 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <limits>
-#include <string_view>
+#include <string>
 
 namespace trelm {
 namespace {
@@ -20,12 +18,6 @@ constexpr double pi = 3.14159265;
 constexpr double halfPi = 1.570796325;
 
 using Vector = std::array<float, 3>;
-
-int clampToInt(std::int64_t value)
-{
-    return static_cast<int>(
-        std::clamp<std::int64_t>(value, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
-}
 
 /// An angle of the cone, radians; below 0 on the other side of the axis. The draws are thinned by the sine:
 /// a ring around the axis holds places in proportion to it.
@@ -43,8 +35,7 @@ double drawAngle(int *idum, const ConeSetup &cone)
 
 /// One side of a coupling: how its atoms are looked up, and those that were found.
 struct RowSide {
-    std::int64_t resID;
-    std::string_view atomName, chainName, segName;
+    SideQuery query;
     std::array<AtomInfo *, maxPairAtoms> &atoms;
     int &count;
 
@@ -62,18 +53,9 @@ struct RowSides {
 
 RowSides sidesOf(const PDBInfo &pdbInfo, DTable &dTab, std::size_t row, int aOff)
 {
-    const DInfo &obs = dTab.dObsList[row];
+    const RowQueries queries = queriesOf(pdbInfo, dTab, dTab.dObsList[row], aOff);
     DInfo &calc = dTab.dCalcList[row];
-    const auto chain = [&](const Name &own) {
-        return (dTab.nullChainName != 0 ? pdbInfo.defChainName : own).view();
-    };
-    const auto segment = [&](const Name &own) {
-        return (dTab.nullSegName != 0 ? pdbInfo.defSegName : own).view();
-    };
-    return {{std::int64_t{obs.resIDI} + aOff, obs.atomNameI.view(), chain(obs.chainNameI),
-             segment(obs.segNameI), calc.atomI, calc.atomICount},
-            {std::int64_t{obs.resIDJ} + aOff, obs.atomNameJ.view(), chain(obs.chainNameJ),
-             segment(obs.segNameJ), calc.atomJ, calc.atomJCount}};
+    return {{queries.i, calc.atomI, calc.atomICount}, {queries.j, calc.atomJ, calc.atomJCount}};
 }
 
 Axis place(const AtomInfo &atom)
@@ -109,12 +91,9 @@ void moveTo(AtomInfo &atom, const Axis &from, const Vector &vector)
 /// Looks the moved side up again. Returns whether it has atoms.
 bool findAgain(PDBInfo *pdbInfo, const RowSide &side)
 {
-    side.count = 0;
-    if (side.resID == clampToInt(side.resID)) {
-        const AtomInfo &moved = *side.atoms[0];
-        side.count = modifyAtomCoorList(pdbInfo, static_cast<int>(side.resID), side.atomName, side.chainName,
-                                        side.segName, side.atoms, moved.x, moved.y, moved.z);
-    }
+    const SideQuery &query = side.query;
+    side.count = modifyAtomCoorList(pdbInfo, query.resID, query.atomName.view(), query.chainName.view(),
+                                    query.segName.view(), side.atoms);
     return side.count != 0;
 }
 
@@ -167,7 +146,7 @@ void turnResidue(int *idum, PDBInfo *pdbInfo, const ResInfo &residue, const Cone
 
 int offsetOf(const ResidueOffset &offset)
 {
-    return clampToInt(std::int64_t{offset.aFirst} - offset.segFirst);
+    return shiftedRes(offset.aFirst, -std::int64_t{offset.segFirst});
 }
 
 ConeSetup coneOf(const TrelmInfo &trelmInfo)
@@ -189,20 +168,19 @@ int checkCone(const TrelmInfo &trelmInfo)
     return 0;
 }
 
-int rotCone(const Axis &A, double w, double Gamma, Axis &r)
+void rotCone(const Axis &A, double w, double Gamma, Axis &r)
 {
     const double c = std::cos(Gamma), s = std::sin(Gamma);
     Axis u = {r[0] - c * A[0], r[1] - c * A[1], r[2] - c * A[2]};
     const auto length = static_cast<float>(std::sqrt(u[0] * u[0] + u[1] * u[1] + u[2] * u[2]));
     if (length == 0.0f)
-        return 0;
+        return;
     for (double &value : u)
         value /= static_cast<double>(length);
     const Axis v = {A[1] * u[2] - A[2] * u[1], A[2] * u[0] - A[0] * u[2], A[0] * u[1] - A[1] * u[0]};
     const double cosW = std::cos(w * pi / 180.0), sinW = std::sin(w * pi / 180.0);
     for (std::size_t k = 0; k < 3; ++k)
         r[k] = c * A[k] + s * (cosW * u[k] + sinW * v[k]);
-    return 0;
 }
 
 float addVecNoise(int *idum, Vector &coor, const ConeSetup &cone)
@@ -229,11 +207,11 @@ float addVecNoise(int *idum, Vector &coor, const ConeSetup &cone)
     return length;
 }
 
-int addPhiPsiNoise(int *idum, PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone,
-                   const ResidueOffset &offset, int verbose)
+void addPhiPsiNoise(int *idum, PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone,
+                    const ResidueOffset &offset, int allowFixedDI)
 {
     if (pdbInfo == nullptr || dTab == nullptr || cone.coneWidth <= 0.0)
-        return 0;
+        return;
     const std::int64_t first = std::int64_t{pdbInfo->minResID} - 1;
     const std::int64_t last = std::int64_t{pdbInfo->maxResID} + 1;
     for (const ResInfo &residue : pdbInfo->residues())
@@ -247,8 +225,33 @@ int addPhiPsiNoise(int *idum, PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &c
     }
     constexpr int inclusiveMax = 3;
     selectD(dTab->observed(), offset.segFirst, offset.segLast, inclusiveMax);
-    buildDC(pdbInfo, dTab, offsetOf(offset), offset.segFirst, {}, verbose);
-    return 0;
+    buildDC(pdbInfo, dTab, offsetOf(offset), offset.segFirst, {}, allowFixedDI);
+}
+
+AtomInfo *modifyAtomCoor(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
+                         std::string_view segName)
+{
+    return findAtom(pdbInfo, resID, atomName, chainName, segName);
+}
+
+int modifyAtomCoorList(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
+                       std::string_view segName, std::span<AtomInfo *> atomList)
+{
+    std::string format;
+    const bool isWild = isAtomExpr(atomName, format) != 0;
+    std::size_t count = 0;
+    for (const char digit : {'1', '2', '3'}) {
+        // Each wildcard takes the digit; a second text slot stays empty.
+        std::string name;
+        for (const char c : atomName)
+            name += c == '#' || c == '*' ? digit : c;
+        AtomInfo *atom = modifyAtomCoor(pdbInfo, resID, isWild ? name : atomName, chainName, segName);
+        if (atom != nullptr && count < atomList.size())
+            atomList[count++] = atom;
+        if (!isWild)
+            break;
+    }
+    return static_cast<int>(count);
 }
 
 int addPdbNoise(PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone, int aOff,

@@ -1,7 +1,7 @@
 #include "couplings/dipolar.h"
 
 #include "couplings/interaction.h"
-#include "structure/backbone.h"
+#include "structure/atom_columns.h"
 #include "support/table.h"
 #include "support/text.h"
 

@@ -1,7 +1,6 @@
 #include "driver/inputs.h"
 
 #include "couplings/table_input.h"
-#include "structure/backbone.h"
 #include "support/match.h"
 #include "support/text.h"
 
@@ -109,8 +108,6 @@ int readInputs(Run &run)
         return status;
     DcInfo &dcInfo = run.dcInfo[0];
     settleWindow(dcInfo, run.dTab[0]);
-    updatePDBAngles(&run.pdbInfo[0], dcInfo.segFirst, dcInfo.segLast);
-    updatePDBShifts(&run.pdbInfo[0]);
     status = allocateBuffers(run);
     if (status != 0)
         return status;

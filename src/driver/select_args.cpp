@@ -160,6 +160,7 @@ int getPDBSelectArgs(int argc, char **argv, PDBSelectInfo *sInfo)
         sInfo->selectMode = 2;
     readRows(argc, argv, matchRows, records);
     pdbSelectAdjust(*sInfo);
+    pdbSelectCheck(*sInfo);
     if (verb)
         reportSelection(*sInfo);
     return 0;

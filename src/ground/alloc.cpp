@@ -146,11 +146,9 @@ void *voidReMalloc(const char *caller, void *ptr, std::size_t newLength, std::si
     const std::size_t known = ptr == nullptr ? 0 : oldLength;
     bytesReused += static_cast<std::int64_t>(known);
     bytesUsed += static_cast<std::int64_t>(newLength) - static_cast<std::int64_t>(known);
-    const auto *oldBlock = static_cast<const unsigned char *>(ptr); // only its address is printed below
     const bool possible = isPossible(newLength, 1) && requestMayPass();
     if (verboseAlloc != 0)
-        std::fprintf(stderr, "\n_MEM CHR_RE_AL Name: %s Free: %p", caller,
-                     static_cast<const void *>(oldBlock));
+        std::fprintf(stderr, "\n_MEM CHR_RE_AL Name: %s Free: %p", caller, ptr);
     // At least one byte: a length of 0 would release the old block and look like a failure.
     void *block = possible ? std::realloc(ptr, std::max<std::size_t>(newLength, 1)) : nullptr;
     if (verboseAlloc != 0)
@@ -180,8 +178,10 @@ float **mat2Ptr(float *matrix, std::size_t xSize, std::size_t ySize)
 
 float **matAlloc(const char *caller, std::size_t xLength, std::size_t yLength)
 {
-    if (yLength != 0 && !isPossible(xLength, yLength * sizeof(float)))
+    if (yLength != 0 && !isPossible(xLength, yLength * sizeof(float))) {
+        tellFailure();
         return nullptr;
+    }
     // Counted here and once more by the two requests below: the balance stays high on purpose.
     bytesUsed += static_cast<std::int64_t>((xLength * yLength + yLength) * sizeof(float));
     float *data = fltAlloc(caller, xLength * yLength);

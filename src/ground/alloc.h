@@ -2,10 +2,10 @@
 // size.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <new>
 #include <span>
 #include <type_traits>
 #include <utility>
@@ -27,7 +27,8 @@ std::int64_t allocBytesReused();
 bool allocHasFailed();
 
 // Requests. `length` counts elements; the block is not initialised. Each returns null, after the line
-// "Memory allocation failure.", when the system has no memory; the request is on the account all the same.
+// "Memory allocation failure.", when the system has no memory. Such a request is on the account all the same,
+// unless it is larger than any number of bytes. A length of 0 is left to the system, which may return null.
 float *fltAlloc(const char *caller, std::size_t length);
 int *intAlloc(const char *caller, std::size_t length);
 double *dFltAlloc(const char *caller, std::size_t length);
@@ -51,7 +52,8 @@ void *voidReMalloc(const char *caller, void *ptr, std::size_t newLength, std::si
 float **mat2Ptr(float *matrix, std::size_t xSize, std::size_t ySize);
 
 /// A flat block of xLength * yLength floats with row pointers; element x of row y is matrix[y][x].
-/// Its account is out of balance on purpose: it adds more than matFree takes off.
+/// Its account is out of balance on purpose: it adds more than matFree takes off. Null, after the line of the
+/// requests, if there is no memory.
 float **matAlloc(const char *caller, std::size_t xLength, std::size_t yLength);
 
 /// Releases both parts of such a matrix. Returns 0.
@@ -161,15 +163,16 @@ class Block {
     std::size_t length_ = 0;
 };
 
-/// Room for one more element behind `count`: `first` elements at the start, `step` more each time it is full.
-/// Returns false when there is no memory.
+/// Room for `extra` more elements behind the `used` first: `first` elements at the start, twice as many each
+/// time it is full, so that a long list costs no more for each element than a short one. Returns false when
+/// there is no memory.
 template <class T>
-[[nodiscard]] bool makeRoom(Block<T> &block, const char *tag, std::size_t count, std::size_t first,
-                            std::size_t step)
+[[nodiscard]] bool makeRoom(Block<T> &block, const char *tag, std::size_t used, std::size_t extra,
+                            std::size_t first)
 {
-    if (count < block.length())
+    if (used + extra <= block.length())
         return true;
-    return block.grow(tag, block.length() == 0 ? first : block.length() + step);
+    return block.grow(tag, std::max({first, 2 * block.length(), used + extra}));
 }
 
 } // namespace trelm

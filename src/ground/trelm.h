@@ -14,7 +14,7 @@ constexpr int maxMedia = 3;            ///< values of -dcID
 
 /// Domains and ensembles. Most of it comes from the configuration file.
 struct GridInfo {
-    int outEflag = 0;       ///< ensemble output; 2 ends the run after the ensemble is set up
+    int outEflag = 0;       ///< ensemble output; 2 ends the run after the set-up, 3 only lists the states
     int densE = 200;        ///< ensemble density
     int angleDomFlag = 0;   ///< domain angle variation on
     float angleDom[3] = {}; ///< domain angles alpha, beta, gamma, degrees
@@ -27,7 +27,9 @@ struct GridInfo {
     int digPsiE = 1;        ///< third angle steps in the ensemble
     float lBetaCone = 0.0f; ///< low and high limit of the beta cone, degrees
     float hBetaCone = 30.0f;
-    float cAlphaCone = 0.0f; ///< centre and half width of the alpha cone, degrees
+    float cAlphaCone = 0.0f; ///< centre of the alpha cone: read from the file, and looked at by nobody
+    /// Called the half width of the alpha cone, but compared with a length: states whose axis of length 1
+    /// reaches further than this along y are left out. From 1 on none is.
     float errAlphaCone = 180.0f;
     int startResPart1 = 0; ///< residues of the angle definition
     int endResPart1 = 0;
@@ -53,25 +55,25 @@ struct ElInfo {
     float concNaCl = 0.2f;     ///< NaCl concentration, molar
     float chDensSurf = -0.47f; ///< surface charge density, e per square nanometre
     int chTerminiFlag = 1;     ///< put charges at the termini
-    float kEnergy = 1.0f;      ///< scale of energy and of potential
-    float kPot = 1.0f;
-    float kMonoCh = 1.0f; ///< scale of monopole, dipole and quadrupole charges
+    float kEnergy = 1.0f;      ///< scale of the energy, at the interaction face alone
+    float kPot = 1.0f;         ///< scale of the potential
+    float kMonoCh = 1.0f;      ///< scale of monopole, dipole and quadrupole charges
     float kDipoCh = 1.0f;
     float kQuadCh = 1.0f;
-    double cutoffPot = 6e-6; ///< cutoff for electrostatics
+    double cutoffPot = 6e-6; ///< end of the field: at a wall a distance, angstrom, at a rod a potential, kT/e
     float maxPot = 5.0f;     ///< maximum (plus or minus) used potential, kT/e
     int z1 = 0;              ///< first and last z position in the 3D grid
     int zN = 0;
     float temperaturePot = 298.15f; ///< Boltzmann temperature, kelvin
     int chFlag = 0;                 ///< report electrostatic information
     float iFace = 50.0f;            ///< surface distance of the interaction face, angstrom
-    float kNegCh = 1.0f;            ///< scale of negative and of positive charges, set with the charges
+    float kNegCh = 1.0f;            ///< scale of negative and of positive charges: nobody sets or reads them
     float kPosCh = 1.0f;
 };
 
 /// Magnitude estimation.
 struct HistInfo {
-    int binCount = 20;
+    int binCount = 20;  ///< not used: the bins are those of nBinIn and nBins
     float dcMin = 0.0f; ///< range of the data, Hz
     float dcMax = 0.0f;
     float Da2Par = 0.0f; ///< Da and R of the two-parameter result
@@ -111,7 +113,7 @@ struct HistInfo {
 /// Every parameter of a run. Option names stand in the table of driver/params.
 struct TrelmInfo {
     int validCountD = 0;  ///< couplings that survive selection and mapping
-    int idum = -1;        ///< seed of the random generators
+    int idum = -1;        ///< seed of the noise of -struc; all other modes draw from a fixed start
     int trelmMode = 1;    ///< the mode, 1 to 17
     int allowFixedDI = 1; ///< use fixed interaction constants when possible, else those of PDB distances
     int yzFlag = 0;       ///< exchange the ordering of the y and z axes in tensor analysis
@@ -149,8 +151,8 @@ struct TrelmInfo {
     int mapMode = 1;      ///< use only best-fit predictions within experimental errors
     int spreadMode = 0;   ///< best-fit: 0 single, 1 jack, 2 mcDc, 3 mcStruc, 4 rand, 5 exhaust, 6 exhaustSel
     int noiseMode = 1;    ///< structural noise on internuclear vectors (1) or dihedral angles (0)
-    float mapFrac = 0.2f; ///< fraction of the coupling data in jackknifing
-    int mapFixCount = 0;  ///< fixed number of couplings in jackknifing
+    float mapFrac = 0.2f; ///< couplings of each jackknife sample: a fraction, or a number with mapFixCount
+    int mapFixCount = 0;  ///< 1: mapFrac is the number of couplings
     int coneFix = 0;      ///< fix the size of the noise cone
     int coneDig = 360;    ///< digitisation of the cone
     double coneWidth = 5.0;    ///< standard deviation of the cone angle, degrees
@@ -198,22 +200,24 @@ struct DcInfo {
     int excludeMode = 3;    ///< 1 exclusive, 2 inclusive, 3 inclusive with the maximum range
 };
 
-/// State of an assignment search that its parts share.
+/// Values of an assignment search, set before a run. The configuration file may name Pmax; the search keeps
+/// its own state and looks at none of them.
 struct SearchState {
-    float Pmax = 0.0f;                 ///< the best score so far
-    int cGlobal = 0;                   ///< assignments seen
-    int idGlobal = 0;                  ///< index of the best
-    int nGlobal = 0;                   ///< used entries of aGlobal
-    std::array<int, 500> aGlobal = {}; ///< the best assignment
+    float Pmax = 0.0f;
+    int cGlobal = 0;
+    int idGlobal = 0;
+    int nGlobal = 0; ///< used entries of aGlobal
+    std::array<int, 500> aGlobal = {};
 };
 
-/// Before a search: the used entries of aGlobal 0, idGlobal -1, cGlobal 0, Pmax 1.0e8.
+/// Their start: the used entries of aGlobal 0, idGlobal -1, cGlobal 0, Pmax 1.0e8.
 void initializeGlobal(SearchState &search);
 
 /// 1 if the larger of the two residue ids stands among the first nFixAa entries of the list, else 0.
 int chkFixAa(int nFixAa, const int *fixResList, int resIDI, int resIDJ);
 
-/// The fatal exit of the numerical code: three lines on the standard error stream, status 1, no tear-down.
+/// The fatal exit of the numerical code: three lines on the standard error stream, then the process ends with
+/// status 1, without the tear-down and the memory balance of other failures.
 [[noreturn]] void mzerror(const char *text);
 
 } // namespace trelm

@@ -1,11 +1,10 @@
 #include "structure/backbone.h"
 
 #include "structure/transform.h"
-#include "support/text.h"
-
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <initializer_list>
 #include <limits>
 
 namespace trelm {
@@ -47,7 +46,7 @@ struct Torsion {
     }
     [[nodiscard]] float angle() const
     {
-        float value = 0.0f;
+        float value = 0.0f; // it stays so for an angle without a cosine, which finite coordinates do not make
         getDihedralAngle(place(atoms[0]), place(atoms[1]), place(atoms[2]), place(atoms[3]), value);
         return value;
     }
@@ -137,10 +136,8 @@ int getDihedralAngle(const Coord3D &r0, const Coord3D &r1, const Coord3D &r2, co
     const Vec n1 = cross(b1, b2), n2 = cross(b2, b3);
     const double norm = std::sqrt(dot(n1, n1)) * std::sqrt(dot(n2, n2));
     phi = 0.0f;
-    if (norm == 0.0) {
-        phi = dot(n1, n2) < 0.0 ? 180.0f : 0.0f;
+    if (norm == 0.0)
         return 0;
-    }
     const double cosine = dot(n1, n2) / norm;
     if (!(cosine >= -1.001 && cosine <= 1.001))
         return 1;
@@ -195,48 +192,6 @@ void updatePDBAngles(PDBInfo *pdbInfo, int res1, int resN)
         if (residue.resID >= std::int64_t{res1} - 1 && residue.resID <= std::int64_t{resN} + 1)
             getPDBPhiPsi(pdbInfo, residue.resID, residue.chainID.view(), residue.segID.view(), residue.phi,
                          residue.psi);
-}
-
-void updatePDBShifts(PDBInfo * /*pdbInfo*/) {}
-
-void getAtomTabLocs(const std::vector<tabVar> &varInfo, std::string_view suffix, AtomTabLocs &locs)
-{
-    const auto find = [&](std::string_view name) {
-        return getTabVar(varInfo, std::string(name).append(suffix));
-    };
-    locs = {find("RESID"), find("RESNAME"), find("ATOMNAME"), find("CHAINNAME"), find("SEGNAME")};
-}
-
-namespace {
-
-constexpr int maskResID = 1, maskAtomName = 2, maskResName = 4, maskChainName = 8, maskSegName = 16;
-
-/// Reads a name column. Returns the mask if there is one.
-int readName(const std::vector<tabVar> &varInfo, const float *rPtr, int loc, int (*fix)(Name &), int mask,
-             Name &name)
-{
-    if (loc < 0)
-        return 0;
-    pdbStrCpy(name, tabText(varInfo[static_cast<std::size_t>(loc)], rPtr[loc]));
-    fix(name);
-    return mask;
-}
-
-} // namespace
-
-int getAtomTabVals(const std::vector<tabVar> &varInfo, const float *rPtr, const AtomTabLocs &locs,
-                   AtomTabVals &vals)
-{
-    int result = 0;
-    if (locs.resID >= 0) {
-        vals.resID = truncated(rPtr[locs.resID]);
-        result += maskResID;
-    }
-    result += readName(varInfo, rPtr, locs.resName, fixResName, maskResName, vals.resName);
-    result += readName(varInfo, rPtr, locs.atomName, fixAtomName, maskAtomName, vals.atomName);
-    result += readName(varInfo, rPtr, locs.chainName, fixChainName, maskChainName, vals.chainName);
-    result += readName(varInfo, rPtr, locs.segName, fixSegName, maskSegName, vals.segName);
-    return result;
 }
 
 } // namespace trelm

@@ -5,31 +5,20 @@
 #include "support/text.h"
 
 #include <algorithm>
-#include <cstdint>
 
 namespace trelm {
 namespace {
 
-/// How much room a list gets at the start, and how much more each time it is full.
-struct Growth {
-    std::size_t first;
-    std::size_t step;
-};
+/// Room of a list at the start. A residue has some twenty atoms; a file may hold as many chains as atoms.
+constexpr std::size_t firstResidues = 512;
+constexpr std::size_t firstChains = 8;
+constexpr std::size_t firstAtoms = 32;
 
-constexpr Growth residueGrowth = {512, 150};
-constexpr Growth chainGrowth = {8, 8};
-constexpr Growth residueAtomGrowth = {32, 8};
-constexpr Growth chainAtomGrowth = {4096, 1024};
-constexpr Growth chainResidueGrowth = {512, 150};
-
-/// Appends to a list of pointers. Returns false if it cannot grow.
-template <class T>
-bool append(Block<T *> &list, int &count, T *item, const Growth &growth)
+/// A place that could not be given. Prints the message and returns -1.
+int noPlace(const char *message)
 {
-    if (!makeRoom(list, "pdb", static_cast<std::size_t>(count), growth.first, growth.step))
-        return false;
-    list[static_cast<std::size_t>(count++)] = item;
-    return true;
+    complain("%s", message);
+    return -1;
 }
 
 /// A list of records with the table of its keys, and what to say when one of them fails.
@@ -38,7 +27,7 @@ struct KeyedList {
     Block<T> &list;
     int &count;
     HTabInfo &table;
-    Growth growth;
+    std::size_t first;
     const char *memoryMessage;
     const char *tableMessage;
 };
@@ -50,12 +39,11 @@ int findOrAdd(const KeyedList<T> &keyed, const std::string &key)
     const HSymInfo *known = hFindSym(key, keyed.table);
     if (known != nullptr)
         return known->val.i;
-    if (!makeRoom(keyed.list, "pdb", static_cast<std::size_t>(keyed.count), keyed.growth.first,
-                  keyed.growth.step))
-        return complain("%s", keyed.memoryMessage), -1;
+    if (!makeRoom(keyed.list, "pdb", static_cast<std::size_t>(keyed.count), 1, keyed.first))
+        return noPlace(keyed.memoryMessage);
     HSymInfo *symbol = hAddSym(key, symIndex, keyed.table);
     if (symbol == nullptr)
-        return complain("%s", keyed.tableMessage), -1;
+        return noPlace(keyed.tableMessage);
     symbol->val.i = keyed.count;
     return keyed.count++;
 }
@@ -76,7 +64,7 @@ int insertAtom(PDBInfo &pdbInfo, int place, std::string &key)
     }
     HSymInfo *symbol = hAddSym(key, symIndex, pdbInfo.atomTab);
     if (symbol == nullptr)
-        return complain("PDB Atom Symbol Table Error.\n"), -1;
+        return noPlace("PDB Atom Symbol Table Error.\n");
     symbol->val.i = place;
     return place;
 }
@@ -84,7 +72,7 @@ int insertAtom(PDBInfo &pdbInfo, int place, std::string &key)
 int insertRes(PDBInfo &pdbInfo, const AtomInfo &atom, std::string &key)
 {
     buildResText(atom.resID, atom.chainID.view(), atom.segID.view(), key);
-    return findOrAdd<ResInfo>({pdbInfo.resList, pdbInfo.resCount, pdbInfo.resTab, residueGrowth,
+    return findOrAdd<ResInfo>({pdbInfo.resList, pdbInfo.resCount, pdbInfo.resTab, firstResidues,
                                "PDB Error Allocating Residue memory.\n", "PDB Residue Symbol Table Error.\n"},
                               key);
 }
@@ -92,7 +80,7 @@ int insertRes(PDBInfo &pdbInfo, const AtomInfo &atom, std::string &key)
 int insertChain(PDBInfo &pdbInfo, const AtomInfo &atom, std::string &key)
 {
     buildChainText(atom.chainID.view(), atom.segID.view(), key);
-    return findOrAdd<ChainInfo>({pdbInfo.chainList, pdbInfo.chainCount, pdbInfo.chainTab, chainGrowth,
+    return findOrAdd<ChainInfo>({pdbInfo.chainList, pdbInfo.chainCount, pdbInfo.chainTab, firstChains,
                                  "PDB Error Allocating Chain memory.\n", "PDB Chain Symbol Table Error.\n"},
                                 key);
 }
@@ -100,9 +88,22 @@ int insertChain(PDBInfo &pdbInfo, const AtomInfo &atom, std::string &key)
 int insertSeg(PDBInfo &pdbInfo, const AtomInfo &atom, std::string &key)
 {
     buildSegText(atom.segID.view(), atom.chainID.view(), key);
-    return findOrAdd<SegInfo>({pdbInfo.segList, pdbInfo.segCount, pdbInfo.segTab, chainGrowth,
+    return findOrAdd<SegInfo>({pdbInfo.segList, pdbInfo.segCount, pdbInfo.segTab, firstChains,
                                "PDB Error Allocating Seg memory.\n", "PDB Seg Symbol Table Error.\n"},
                               key);
+}
+
+/// Takes an atom into a residue, chain or segment, whose names are those of the last atom. Without memory it
+/// stays out and the loops go on; the molecule is then not whole, and no run may work with it: 1.
+template <class Group>
+int addAtom(Group &group, AtomInfo &atom)
+{
+    group.chainID = atom.chainID;
+    group.segID = atom.segID;
+    if (!makeRoom(group.atomList, "pdb", static_cast<std::size_t>(group.atomCount), 1, firstAtoms))
+        return complain("PDB Error Allocating Atom Index memory.\n");
+    group.atomList[static_cast<std::size_t>(group.atomCount++)] = &atom;
+    return 0;
 }
 
 int indexAtoms(PDBInfo &pdbInfo, std::string &key)
@@ -117,9 +118,7 @@ int indexAtoms(PDBInfo &pdbInfo, std::string &key)
     return 0;
 }
 
-/// Residues and their atoms. The last atom's names stand. Back pointers come last: the list moves as it
-/// grows. An atom for which there is no memory stays out, and the loop goes on; the molecule is then not
-/// whole, and no run may work with it.
+/// Residues and their atoms.
 int indexResidues(PDBInfo &pdbInfo, std::string &key)
 {
     int status = 0;
@@ -129,27 +128,10 @@ int indexResidues(PDBInfo &pdbInfo, std::string &key)
             return 1;
         ResInfo &residue = pdbInfo.resList[static_cast<std::size_t>(place)];
         residue.resID = atom.resID;
-        if (!append(residue.atomList, residue.atomCount, &atom, residueAtomGrowth))
-            status = complain("PDB Error Allocating Atom Index memory.\n");
         residue.resName = atom.resName;
-        residue.chainID = atom.chainID;
-        residue.segID = atom.segID;
+        status |= addAtom(residue, atom);
     }
-    for (ResInfo &residue : pdbInfo.residues())
-        for (int i = 0; i < residue.atomCount; ++i)
-            residue.atomList[static_cast<std::size_t>(i)]->resInfo = &residue;
     return status;
-}
-
-/// Takes an atom into a chain or segment. Returns 0, or 1 after a message if it stays out.
-template <class Group>
-int addAtom(Group &group, AtomInfo &atom)
-{
-    group.chainID = atom.chainID;
-    group.segID = atom.segID;
-    return append(group.atomList, group.atomCount, &atom, chainAtomGrowth)
-               ? 0
-               : complain("PDB Error Allocating Atom Index memory.\n");
 }
 
 int indexChains(PDBInfo &pdbInfo, std::string &key)
@@ -168,97 +150,42 @@ int indexChains(PDBInfo &pdbInfo, std::string &key)
     return status;
 }
 
-/// Back pointers and residue range of a chain or segment; `field` names the pointer of atoms and `resField`
-/// that of residues.
+/// The atoms' pointers to the record that lists them. They come last: the lists move as they grow.
 template <class Group>
-void linkGroup(Group &group, Group *AtomInfo::*field, Group *ResInfo::*resField)
+void linkAtoms(Group &group, Group *AtomInfo::*field)
 {
-    for (int i = 0; i < group.atomCount; ++i) {
-        AtomInfo &atom = *group.atomList[static_cast<std::size_t>(i)];
-        atom.*field = &group;
-        if (atom.resInfo != nullptr)
-            atom.resInfo->*resField = &group;
-        group.minResID = i == 0 ? atom.resID : std::min(group.minResID, atom.resID);
-        group.maxResID = i == 0 ? atom.resID : std::max(group.maxResID, atom.resID);
-    }
+    for (int i = 0; i < group.atomCount; ++i)
+        group.atomList[static_cast<std::size_t>(i)]->*field = &group;
 }
 
-/// Returns 0, or 1 after a message if the residue stays out.
 template <class Group>
-int addResidue(Group *group, ResInfo &residue)
+void setRange(Group &group)
 {
-    const bool isIn =
-        group == nullptr || append(group->resList, group->resCount, &residue, chainResidueGrowth);
-    return isIn ? 0 : complain("PDB Error Allocating Residue Index memory.\n");
+    const auto atoms = group.atomList.span().first(static_cast<std::size_t>(group.atomCount));
+    if (atoms.empty())
+        return;
+    const auto [low, high] = std::ranges::minmax(atoms, {}, [](const AtomInfo *atom) { return atom->resID; });
+    group.minResID = low->resID;
+    group.maxResID = high->resID;
 }
 
-/// The array of a chain's residues by number. Returns false if there is no memory.
-template <class Group>
-bool fillResArray(Group &group)
+void linkAll(PDBInfo &pdbInfo)
 {
-    if (group.resCount == 0)
-        return true;
-    const auto length = static_cast<std::size_t>(std::int64_t{group.maxResID} - group.minResID + 1);
-    group.resArray = Block<ResInfo *>("pdb", length);
-    if (!group.resArray)
-        return false;
-    for (int i = 0; i < group.resCount; ++i) {
-        ResInfo *residue = group.resList[static_cast<std::size_t>(i)];
-        group.resArray[static_cast<std::size_t>(std::int64_t{residue->resID} - group.minResID)] = residue;
+    for (ResInfo &residue : pdbInfo.residues())
+        linkAtoms(residue, &AtomInfo::resInfo);
+    for (ChainInfo &chain : pdbInfo.chainList.span().first(static_cast<std::size_t>(pdbInfo.chainCount))) {
+        linkAtoms(chain, &AtomInfo::chainInfo);
+        setRange(chain);
     }
-    return true;
-}
-
-int linkChains(PDBInfo &pdbInfo)
-{
-    const auto chains = pdbInfo.chainList.span().first(static_cast<std::size_t>(pdbInfo.chainCount));
-    const auto segs = pdbInfo.segList.span().first(static_cast<std::size_t>(pdbInfo.segCount));
-    for (ChainInfo &chain : chains)
-        linkGroup(chain, &AtomInfo::chainInfo, &ResInfo::chainInfo);
-    for (SegInfo &seg : segs)
-        linkGroup(seg, &AtomInfo::segInfo, &ResInfo::segInfo);
-    int status = 0;
-    for (ResInfo &residue : pdbInfo.residues()) {
-        status |= addResidue(residue.chainInfo, residue);
-        status |= addResidue(residue.segInfo, residue);
-    }
-    for (ChainInfo &chain : chains)
-        if (!fillResArray(chain))
-            return complain("PDB Error Allocating Chain Residue Array.\n");
-    for (SegInfo &seg : segs)
-        if (!fillResArray(seg))
-            return complain("PDB Error Allocating Seg Residue Array.\n");
-    return status;
-}
-
-const ResTypeInfo *findResType(std::string_view resName)
-{
-    const auto known = CanonicalResList.first(CanonicalResList.size() - 1);
-    for (const ResTypeInfo &row : known)
-        if (equalNoCase(resName, row.resName))
-            return &row;
-    return &CanonicalResList.back();
-}
-
-/// Neighbours by number, and the kind of each residue. The numbers next to the limits of int have no
-/// neighbour.
-void linkResidues(PDBInfo &pdbInfo)
-{
-    for (ResInfo &residue : pdbInfo.residues()) {
-        const std::string_view chain = residue.chainID.view();
-        const std::string_view seg = residue.segID.view();
-        if (residue.resID > pdbInfo.minResID)
-            residue.prev = findRes(&pdbInfo, residue.resID - 1, chain, seg);
-        if (residue.resID < pdbInfo.maxResID)
-            residue.next = findRes(&pdbInfo, residue.resID + 1, chain, seg);
-        residue.resType = findResType(residue.resName.view());
-        residue.phiPsiSurf = nullptr;
+    for (SegInfo &seg : pdbInfo.segList.span().first(static_cast<std::size_t>(pdbInfo.segCount))) {
+        linkAtoms(seg, &AtomInfo::segInfo);
+        setRange(seg);
     }
 }
 
 int saveCoordinates(PDBInfo &pdbInfo)
 {
-    pdbInfo.coordList = Block<Coord3D>("pdb", pdbInfo.atomList.length());
+    pdbInfo.coordList = Block<Coord3D>("pdb", pdbInfo.atoms().size());
     if (!pdbInfo.coordList)
         return complain("PDB Error Allocating PDB coords.\n");
     return storePDBCoords(&pdbInfo);
@@ -274,9 +201,9 @@ int indexPDB(PDBInfo *pdbInfo)
     pdbInfo->defSegName = pdbInfo->atomList[0].segID;
     std::string key;
     if (saveCoordinates(*pdbInfo) != 0 || indexAtoms(*pdbInfo, key) != 0 ||
-        indexResidues(*pdbInfo, key) != 0 || indexChains(*pdbInfo, key) != 0 || linkChains(*pdbInfo) != 0)
+        indexResidues(*pdbInfo, key) != 0 || indexChains(*pdbInfo, key) != 0)
         return 1;
-    linkResidues(*pdbInfo);
+    linkAll(*pdbInfo);
     return 0;
 }
 

@@ -3,18 +3,16 @@
 #include "structure/select.h"
 #include "support/text.h"
 #include "support/text_input.h"
+#include "support/token.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
 namespace trelm {
 namespace {
 
-constexpr std::size_t firstAtoms = 4096; ///< room for atoms at the start, and how it grows
-constexpr std::size_t stepAtoms = 1024;
-
-constexpr int atomChains = 4111; ///< hash chains of the atom table
+constexpr std::size_t firstAtoms = 4096; ///< room for atoms at the start
+constexpr int atomChains = 4111;         ///< hash chains of the atom table
 
 /// One column range of an ATOM line, counted from 1, inclusive.
 struct pdbFieldInfo {
@@ -56,12 +54,6 @@ float number(std::string_view line, const pdbFieldInfo &field)
     return static_cast<float>(toDouble(column(line, field).view()));
 }
 
-std::string_view firstWord(std::string_view line)
-{
-    const auto *start = std::find_if_not(line.begin(), line.end(), isSpace);
-    return {start, std::find_if(start, line.end(), isSpace)};
-}
-
 bool isAtomLine(std::string_view line, int hetatmFlag)
 {
     const std::string_view word = firstWord(line);
@@ -98,11 +90,9 @@ int readNumbers(std::string_view line, AtomInfo &atom)
 int appendAtom(const AtomInfo &atom, PDBInfo &pdbInfo)
 {
     const auto count = static_cast<std::size_t>(pdbInfo.atomCount);
-    if (!makeRoom(pdbInfo.atomList, "pdb", count, firstAtoms, stepAtoms))
+    if (!makeRoom(pdbInfo.atomList, "pdb", count, 1, firstAtoms))
         return complain("PDB Error Allocating Atom memory.\n");
     pdbInfo.atomList[count] = atom;
-    pdbInfo.minResID = count == 0 ? atom.resID : std::min(pdbInfo.minResID, atom.resID);
-    pdbInfo.maxResID = count == 0 ? atom.resID : std::max(pdbInfo.maxResID, atom.resID);
     ++pdbInfo.atomCount;
     return 0;
 }
@@ -131,22 +121,7 @@ int makeTables(PDBInfo &pdbInfo)
     return 0;
 }
 
-constexpr ResTypeInfo residueRows[] = {
-    {"ALA", 'A', 1, 1},    {"ARG", 'R', 2, 1},    {"ASN", 'N', 3, 1},    {"ASP", 'D', 4, 1},
-    {"CYS", 'C', 5, 1},    {"GLN", 'Q', 6, 1},    {"GLU", 'E', 7, 1},    {"GLY", 'G', 8, 1},
-    {"HIS", 'H', 9, 1},    {"ILE", 'I', 10, 1},   {"LEU", 'L', 11, 1},   {"LYS", 'K', 12, 1},
-    {"MET", 'M', 13, 1},   {"PHE", 'F', 14, 1},   {"PRO", 'P', 15, 1},   {"SER", 'S', 16, 1},
-    {"THR", 'T', 17, 1},   {"TRP", 'W', 18, 1},   {"TYR", 'Y', 19, 1},   {"VAL", 'V', 20, 1},
-    {"ADE", 'A', 101, 2},  {"CYT", 'C', 102, 2},  {"GUA", 'G', 103, 2},  {"THY", 'T', 104, 2},
-    {"URI", 'U', 105, 2},  {"dADE", 'A', 101, 3}, {"dCYT", 'C', 102, 3}, {"dGUA", 'G', 103, 3},
-    {"dTHY", 'T', 104, 3}, {"rADE", 'A', 301, 4}, {"rCYT", 'C', 302, 4}, {"rGUA", 'G', 303, 4},
-    {"rURI", 'T', 304, 4}, // the letter of rURI stands as it is
-    {"None", '\0', 0, 0},
-};
-
 } // namespace
-
-const std::span<const ResTypeInfo> CanonicalResList = residueRows;
 
 int pdbNull(PDBInfo *pdbInfo)
 {

@@ -4,7 +4,7 @@
 #include "ground/alloc.h"
 #include "support/symbol_table.h"
 
-#include <cstring>
+#include <cstddef>
 #include <span>
 #include <string>
 #include <string_view>
@@ -36,9 +36,8 @@ struct DCoord3D {
     double x = 0.0, y = 0.0, z = 0.0;
 };
 
-constexpr float noAngle = 9999.0f;   ///< a backbone angle that is not known
-constexpr float noValue = 777777.0f; ///< the `val` of a residue, chain or segment that nobody set
-constexpr int maxWildAtoms = 16;     ///< the most atoms that a name with wildcards gives
+constexpr float noAngle = 9999.0f; ///< a backbone angle that is not known
+constexpr int maxWildAtoms = 16;   ///< the most atoms that a name with wildcards gives
 
 /// One ATOM line. Coordinates in angstrom; x, y, z are the working copy that rotations change.
 struct AtomInfo {
@@ -48,67 +47,38 @@ struct AtomInfo {
     int resID = 0;
     Name icode;
     float x = 0.0f, y = 0.0f, z = 0.0f, occupancy = 0.0f, tempFactor = 0.0f;
-    float rcShift = 0.0f, secShift = 0.0f, shift = 0.0f, sigma = 0.0f; ///< no mode fills them
     Name segID, element, chargeStr;
     int selected = 0;           ///< mark of a selection
     ResInfo *resInfo = nullptr; ///< back pointers, set by indexPDB
     ChainInfo *chainInfo = nullptr;
     SegInfo *segInfo = nullptr;
-    double vdwfc = 1.0;
-    double radius = 0.0, charge = 0.0, mass = 0.0;
-};
-
-/// A row of the list of known residues.
-struct ResTypeInfo {
-    const char *resName;
-    char resLetter;
-    int resCode;
-    int resClass; ///< 1 amino acid, 2 nucleotide by plain name, 3 deoxy, 4 ribo, 0 closing row
 };
 
 struct ResInfo {
     int resID = 0;
     int atomCount = 0;
-    void *auxInfo = nullptr;
     Name resName, chainID, segID;
-    ChainInfo *chainInfo = nullptr;
-    SegInfo *segInfo = nullptr;
-    ResInfo *next = nullptr,
-            *prev = nullptr;            ///< numbers resID + 1 and resID - 1 in the same chain and segment
-    float phi = noAngle, psi = noAngle; ///< degrees
-    float val = noValue;
-    const ResTypeInfo *resType = nullptr;
-    void *phiPsiSurf = nullptr;
-    Block<AtomInfo *> atomList; ///< its atoms, in file order
+    float phi = noAngle, psi = noAngle; ///< degrees; updatePDBAngles alone fills them
+    Block<AtomInfo *> atomList;         ///< its atoms, in file order
 };
 
+/// A chain and a segment are each told by both names: of two chains in one segment each has a segment record
+/// of its own, so that there are as many of the one as of the other.
 struct ChainInfo {
-    int atomCount = 0, resCount = 0;
+    int atomCount = 0;
     int minResID = 0, maxResID = 0;
-    void *auxInfo = nullptr;
-    float val = noValue;
     Name chainID, segID;
     Block<AtomInfo *> atomList;
-    Block<ResInfo *> resList;
-    Block<ResInfo *> resArray; ///< entry resID - minResID: the residue, or null for a gap
-    SegInfo *segInfo = nullptr;
 };
 
 struct SegInfo {
-    int atomCount = 0, resCount = 0;
+    int atomCount = 0;
     int minResID = 0, maxResID = 0;
-    void *auxInfo = nullptr;
-    float val = noValue;
     Name segID, chainID;
     Block<AtomInfo *> atomList;
-    Block<ResInfo *> resList;
-    Block<ResInfo *> resArray;
-    ChainInfo *chainInfo = nullptr;
 };
 
 struct PDBInfo {
-    int pdbID = 0;
-    void *auxInfo = nullptr;
     Block<AtomInfo> atomList;
     Block<ResInfo> resList;
     Block<ChainInfo> chainList;
@@ -133,24 +103,26 @@ struct PDBInfo {
     }
 };
 
-/// The known residues, up to a closing row "None".
-extern const std::span<const ResTypeInfo> CanonicalResList;
-
 /// Empties a molecule.
 int pdbNull(PDBInfo *pdbInfo);
 
-/// Reads the ATOM lines of a file (standard input if the name is empty) that pass `sInfo` (null: all), and
-/// indexes them. Returns 0, or 1 after a message on the standard error stream. Numbers are read as atoi and
-/// atof read them: what is no number is 0.
+/// Reads the ATOM lines of a file (standard input if the name is empty) that pass `sInfo`, and indexes them.
+/// With the hetatmFlag of `sInfo` HETATM lines are atoms too. Null takes all ATOM lines and no HETATM line:
+/// the program itself reads with null, so that its options -hetatm and -protein do not touch what is read.
+/// Returns 0, or 1 after a message on the standard error stream. Numbers are read as atoi and atof read them:
+/// what is no number is 0; but a coordinate that is not finite is a failure.
 int readPDB(const std::string &pdbName, PDBInfo *pdbInfo, const PDBSelectInfo *sInfo);
 
-/// Builds the lists of residues, chains and segments and the look-ups from the atom array. Returns 0 or 1.
+/// Builds the lists of residues, chains and segments and the look-ups from the atom array. Once for a
+/// molecule, by readPDB: a second call would find every atom redundant. Returns 0 or 1.
 int indexPDB(PDBInfo *pdbInfo);
 
 /// The residue of this number in a chain and segment, or null.
 ResInfo *findRes(PDBInfo *pdbInfo, int resID, std::string_view chainName, std::string_view segName);
 
-/// The atom of this name, or null. Atoms with an insertion code are never found by key.
+/// The atom of this name, or null. The first of equal ones. An atom with an insertion code is not found by
+/// its own chain; but a chain name of two letters (which only a table can hold) is the same key as code and
+/// chain: "AB" finds the atom of chain B with code A.
 AtomInfo *findAtom(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
                    std::string_view segName);
 

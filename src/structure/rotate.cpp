@@ -1,5 +1,6 @@
 #include "structure/rotate.h"
 
+#include "support/constants.h"
 #include "support/text.h"
 
 #include <cmath>
@@ -19,7 +20,7 @@ void rotate_coorsystem(double theta, double phi, double psi, Axis &x_axis_tensor
 
 int rotateDomain(const std::array<double, 3> &angle, PDBInfo *pdbInfo, int resN, int resC)
 {
-    constexpr double radian = 3.14159265 / 180.0;
+    constexpr double radian = pi / 180.0;
     Axis x, y, z;
     // The columns of the turn by the negated angles are the rows of the turn itself.
     rotate_coorsystem(-angle[1] * radian, -angle[2] * radian, -angle[0] * radian, x, y, z);

@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 namespace trelm {
 namespace {
@@ -16,40 +18,77 @@ constexpr int classCanonical = 4;  ///< selectClass: canonical amino acids only
 constexpr int selectInverted = -1; ///< selectMode
 constexpr int caseCounts = 1;
 
+// The amino acids of selectClass, capitals or not. Nucleotides are none.
+constexpr std::string_view aminoAcids[] = {"ALA", "ARG", "ASN", "ASP", "CYS", "GLN", "GLU",
+                                           "GLY", "HIS", "ILE", "LEU", "LYS", "MET", "PHE",
+                                           "PRO", "SER", "THR", "TRP", "TYR", "VAL"};
+
 bool isCanonical(const AtomInfo &atom)
 {
-    for (const ResTypeInfo &row : CanonicalResList.first(CanonicalResList.size() - 1))
-        if (equalNoCase(atom.resName.view(), row.resName))
-            return row.resClass == 1;
-    return false;
+    return std::ranges::any_of(
+        aminoAcids, [&atom](std::string_view name) { return equalNoCase(atom.resName.view(), name); });
 }
 
-/// True if no test is asked for, or if one entry of the list matches.
-bool matchesList(const Name &name, const std::string &list, int count, int mode)
+/// A name test: the words of its list and how they match; mode 0 is no test.
+struct NameTest {
+    std::vector<std::string_view> words;
+    int mode = 0;
+
+    NameTest(const std::string &list, int matchMode) : mode(matchMode)
+    {
+        if (mode != 0)
+            splitTokens(list, words);
+    }
+    [[nodiscard]] bool passes(const Name &name) const
+    {
+        return mode == 0 || std::ranges::any_of(words, [&](std::string_view word) {
+                   return strMatch(name.view(), word, mode, caseCounts) != 0;
+               });
+    }
+};
+
+/// The tests of a record, with its lists cut into words once for all atoms. Views into the record.
+struct Tests {
+    const PDBSelectInfo &sInfo;
+    NameTest atom, residue, chain, segment;
+
+    explicit Tests(const PDBSelectInfo &info)
+        : sInfo(info), atom(info.atomNameList, info.atomNameMode),
+          residue(info.resNameList, info.resNameMode), chain(info.chainNameList, info.chainNameMode),
+          segment(info.segNameList, info.segNameMode)
+    {
+    }
+    [[nodiscard]] bool pass(const AtomInfo &a) const
+    {
+        if (sInfo.resIDMode != 0 && (a.resID < sInfo.res1 || a.resID > sInfo.resN))
+            return false;
+        return atom.passes(a.atomName) && residue.passes(a.resName) && chain.passes(a.chainID) &&
+               segment.passes(a.segID);
+    }
+};
+
+bool isSelective(const PDBSelectInfo &sInfo)
 {
-    if (mode == 0)
-        return true;
-    for (int i = 1; i <= count; ++i)
-        if (strMatch(name.view(), getToken(i, list), mode, caseCounts) != 0)
-            return true;
-    return false;
+    return sInfo.selectMode != 0 && sInfo.selectMode != 1;
 }
 
-bool passesTests(const PDBSelectInfo &sInfo, const AtomInfo &atom)
+/// The class, the modes that ask nothing else, and then the tests, which a mode that asks nothing needs not
+/// have.
+bool isIn(const PDBSelectInfo &sInfo, const Tests *tests, const AtomInfo *atom)
 {
-    if (sInfo.resIDMode != 0 && (atom.resID < sInfo.res1 || atom.resID > sInfo.resN))
+    if (sInfo.selectClass == classCanonical && (atom == nullptr || !isCanonical(*atom)))
         return false;
-    return matchesList(atom.atomName, sInfo.atomNameList, sInfo.atomNameCount, sInfo.atomNameMode) &&
-           matchesList(atom.resName, sInfo.resNameList, sInfo.resNameCount, sInfo.resNameMode) &&
-           matchesList(atom.chainID, sInfo.chainNameList, sInfo.chainNameCount, sInfo.chainNameMode) &&
-           matchesList(atom.segID, sInfo.segNameList, sInfo.segNameCount, sInfo.segNameMode);
+    if (tests == nullptr)
+        return sInfo.selectMode == 1;
+    const bool passes = atom != nullptr && tests->pass(*atom);
+    return passes != (sInfo.selectMode == selectInverted);
 }
 
-int markIfIn(const PDBSelectInfo &sInfo, AtomInfo &atom)
+int markIfIn(const Tests &tests, AtomInfo &atom)
 {
-    if (pdbSelectTest(&sInfo, &atom) == 0)
+    if (!isIn(tests.sInfo, &tests, &atom))
         return 0;
-    atom.selected = sInfo.selectID;
+    atom.selected = tests.sInfo.selectID;
     return 1;
 }
 
@@ -58,6 +97,7 @@ int selectSimple(PDBInfo &pdbInfo, const PDBSelectInfo &sInfo)
 {
     if (sInfo.dbgFlag != 0)
         std::fprintf(stderr, "GORVAT Info: Simple Selection.\n");
+    const Tests tests(sInfo);
     int marked = 0;
     const std::int64_t first = std::max(sInfo.res1, pdbInfo.minResID);
     const std::int64_t last = std::min(sInfo.resN, pdbInfo.maxResID);
@@ -65,26 +105,26 @@ int selectSimple(PDBInfo &pdbInfo, const PDBSelectInfo &sInfo)
         ResInfo *residue = findRes(&pdbInfo, static_cast<int>(resID), pdbInfo.defChainName.view(),
                                    pdbInfo.defSegName.view());
         for (int i = 0; residue != nullptr && i < residue->atomCount; ++i)
-            marked += markIfIn(sInfo, *residue->atomList[static_cast<std::size_t>(i)]);
+            marked += markIfIn(tests, *residue->atomList[static_cast<std::size_t>(i)]);
     }
     return marked;
 }
 
 int selectComplex(PDBInfo &pdbInfo, const PDBSelectInfo &sInfo)
 {
-    if (sInfo.dbgFlag != 0)
+    if (sInfo.dbgFlag != 0) // the names "Seg" and "Chain" stand the wrong way round, as scripts know the line
         std::fprintf(stderr, "GORVAT Info: Complex Selection Atom %d Res %d Seg %d Chain %d\n",
                      sInfo.atomNameMode, sInfo.resNameMode, sInfo.chainNameMode, sInfo.segNameMode);
+    const Tests tests(sInfo);
     int marked = 0;
     for (AtomInfo &atom : pdbInfo.atoms())
-        marked += markIfIn(sInfo, atom);
+        marked += markIfIn(tests, atom);
     return marked;
 }
 
-/// Counts a list, and switches off the test of one that is exactly "*".
-void adjustList(const std::string &list, int &count, int &mode)
+/// Switches off the test of a list that is exactly "*".
+void adjustList(const std::string &list, int &mode)
 {
-    count = cntToken(list);
     if (list == "*")
         mode = 0;
 }
@@ -101,23 +141,38 @@ void pdbSelectAdjust(PDBSelectInfo &sInfo)
 {
     if (sInfo.res1 > sInfo.resN)
         std::swap(sInfo.res1, sInfo.resN);
-    adjustList(sInfo.resNameList, sInfo.resNameCount, sInfo.resNameMode);
-    adjustList(sInfo.atomNameList, sInfo.atomNameCount, sInfo.atomNameMode);
-    adjustList(sInfo.chainNameList, sInfo.chainNameCount, sInfo.chainNameMode);
-    adjustList(sInfo.segNameList, sInfo.segNameCount, sInfo.segNameMode);
+    adjustList(sInfo.resNameList, sInfo.resNameMode);
+    adjustList(sInfo.atomNameList, sInfo.atomNameMode);
+    adjustList(sInfo.chainNameList, sInfo.chainNameMode);
+    adjustList(sInfo.segNameList, sInfo.segNameMode);
+}
+
+int pdbSelectCheck(const PDBSelectInfo &sInfo)
+{
+    if (!isSelective(sInfo))
+        return 0;
+    const Tests tests(sInfo);
+    int faulty = 0;
+    for (const NameTest *test : {&tests.atom, &tests.residue, &tests.chain, &tests.segment})
+        for (const std::string_view word : test->words) {
+            if (test->mode == matchRegex)
+                strMatch("", word, matchRegex, caseCounts);
+            if (test->mode == matchRegex && !strMatchError().empty())
+                faulty +=
+                    complain("PDB Warning: the regular expression %s is faulty and selects nothing: %s.\n",
+                             std::string(word).c_str(), strMatchError().c_str());
+        }
+    return faulty;
 }
 
 int pdbSelectTest(const PDBSelectInfo *sInfo, const AtomInfo *atomInfo)
 {
     if (sInfo == nullptr)
         return 1;
-    // The class is asked first and in every mode, also with inversion.
-    if (sInfo->selectClass == classCanonical && (atomInfo == nullptr || !isCanonical(*atomInfo)))
-        return 0;
-    if (sInfo->selectMode == 0 || sInfo->selectMode == 1)
-        return sInfo->selectMode;
-    const int match = sInfo->selectMode == selectInverted ? 0 : 1;
-    return atomInfo != nullptr && passesTests(*sInfo, *atomInfo) ? match : 1 - match;
+    if (!isSelective(*sInfo))
+        return isIn(*sInfo, nullptr, atomInfo) ? 1 : 0;
+    const Tests tests(*sInfo);
+    return isIn(*sInfo, &tests, atomInfo) ? 1 : 0;
 }
 
 int pdbSelect(PDBInfo *pdbInfo, PDBSelectInfo *sInfo)

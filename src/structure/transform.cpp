@@ -1,11 +1,11 @@
 #include "structure/transform.h"
 
+#include "support/constants.h"
+
 #include <cmath>
 
 namespace trelm {
 namespace {
-
-constexpr double pi = 3.14159265; ///< of all angle conversions here
 
 constexpr Matrix4 identity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
 
@@ -58,7 +58,7 @@ void m4x4Mult(const Matrix4 &a, Matrix4 &b)
 
 void pdb3dReset()
 {
-    currentMatrix = identity;
+    m4x4SetIdentity(currentMatrix);
 }
 
 void pdb3dCopyCurrentMatrix(Matrix4 &m)

@@ -1,5 +1,6 @@
-// The stack of 3D transformations: one current 4 by 4 matrix to which rotations and translations are
-// appended. A point transforms as x' = m00 x + m01 y + m02 z + m03 and so on. Angles are in degrees.
+// The current transformation: one 4 by 4 matrix for the whole program, to which rotations and translations
+// are appended. Each user resets it first, and what another one appended is lost. A point transforms as x' =
+// m00 x + m01 y + m02 z + m03 and so on. Angles are in degrees.
 #pragma once
 
 #include "structure/pdb.h"

@@ -6,6 +6,7 @@
 #include "support/text.h"
 
 #include <algorithm>
+#include <array>
 
 namespace trelm {
 namespace {
@@ -137,15 +138,13 @@ int writePDBRot(std::span<const double, 4> angleList1, std::span<const double, 4
 {
     int status = 0;
     for (std::size_t i = 0; i < 4; ++i) {
-        if (storePDBCoords(pdbInfo) != 0)
-            return complain("trelm: error in storePDBCoords.\n");
+        storePDBCoords(pdbInfo);
         const int turned = turnMolecule({-angleList1[i], -angleList2[i], -angleList3[i]}, pdbInfo);
         if (turned == 0) {
             const int written = writeSolution(static_cast<int>(i), rotID, pdbInfo, sInfo, outName, remark);
             status = status != 0 ? status : written;
         }
-        if (restorePDBCoords(pdbInfo) != 0)
-            return complain("trelm: error in storePDBCoords.\n");
+        restorePDBCoords(pdbInfo);
         if (turned != 0)
             return turned;
     }

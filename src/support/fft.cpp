@@ -1,5 +1,7 @@
 #include "support/fft.h"
 
+#include "support/text.h"
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -8,13 +10,11 @@
 #include <utility>
 #include <vector>
 
-#include "support/text.h"
-
 namespace trelm {
 
 namespace {
 
-/// Work arrays of convlv, kept because it is called in grids of thousands of points.
+/// Work arrays of convlv, kept from call to call.
 std::vector<float> padded, spectrum;
 
 int refuse(const char *message)

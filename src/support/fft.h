@@ -1,6 +1,9 @@
 // Fast Fourier transforms and convolution, single precision. A complex value is two floats, real part first.
 // Source: Danielson and Lanczos, J. Franklin Inst. 233 (1942) 365; the textbook's chapter on the FFT.
 // Lengths are powers of two; another length, or a span that is too short, is reported and returns 1.
+//
+// The program itself convolves with support/symmetric_filter; these are the plain form that tests and
+// benchmarks judge it by.
 #pragma once
 
 #include <span>

@@ -1,10 +1,10 @@
 #include "support/jacobi.h"
 
+#include "support/text.h"
+
 #include <cmath>
 #include <cstddef>
 #include <utility>
-
-#include "support/text.h"
 
 namespace trelm {
 

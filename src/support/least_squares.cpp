@@ -1,33 +1,23 @@
 #include "support/least_squares.h"
 
+#include "support/matrix_view.h"
+#include "support/text.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <utility>
 
-#include "support/text.h"
-
 namespace trelm {
 
 namespace {
-
-/// A row-major matrix that belongs to someone else.
-struct Rows {
-    std::span<float> data;
-    int columns;
-    float &operator()(int i, int j) const { return data[static_cast<std::size_t>(i) * columns + j]; }
-    [[nodiscard]] std::span<float> row(int i) const
-    {
-        return data.subspan(static_cast<std::size_t>(i) * columns, static_cast<std::size_t>(columns));
-    }
-};
 
 struct Place {
     int row = -1, column = -1;
 };
 
 /// The largest value in rows and columns that were no pivot yet; none if no value there is a number.
-Place findPivot(Rows a, const std::vector<char> &used)
+Place findPivot(MatrixView a, const std::vector<char> &used)
 {
     Place best;
     float big = -1.0f;
@@ -48,7 +38,7 @@ void subtract(std::span<float> row, std::span<const float> pivotRow, float facto
 }
 
 /// Clears the column of the pivot that stands at (c, c) in all other rows; the inverse grows in its place.
-void eliminate(Rows a, Rows b, int c)
+void eliminate(MatrixView a, MatrixView b, int c)
 {
     const float inverse = 1.0f / a(c, c);
     a(c, c) = 1.0f;
@@ -84,7 +74,7 @@ void begin(const ModelFit &model, std::span<const float> a, MarquardtState &stat
 /// Takes the covariance out of the inverse of the curvature.
 void finish(const ModelFit &model, int ma, int mfit, MarquardtState &state)
 {
-    const Rows inverse{state.trialA, mfit}, covar{state.covar, ma};
+    const MatrixView inverse{state.trialA.data(), mfit, mfit}, covar{state.covar.data(), ma, ma};
     std::ranges::fill(state.covar, 0.0f);
     for (int i = 0; i < mfit; ++i)
         for (int j = 0; j < mfit; ++j)
@@ -97,7 +87,7 @@ int solveStep(MarquardtState &state, int mfit)
 {
     state.trialA = state.alpha;
     state.trialB = state.beta;
-    const Rows damped{state.trialA, mfit};
+    const MatrixView damped{state.trialA.data(), mfit, mfit};
     for (int j = 0; j < mfit; ++j)
         damped(j, j) *= 1.0f + state.alamda;
     return gaussj(state.trialA, mfit, state.trialB, 1);
@@ -107,7 +97,7 @@ int solveStep(MarquardtState &state, int mfit)
 
 int gaussj(std::span<float> a, int n, std::span<float> b, int m)
 {
-    const Rows matrix{a, n}, sides{b, m};
+    const MatrixView matrix{a.data(), n, n}, sides{b.data(), n, m};
     std::vector<Place> pivots;
     std::vector<char> used(static_cast<std::size_t>(n), 0);
     for (int step = 0; step < n; ++step) {
@@ -128,7 +118,7 @@ int gaussj(std::span<float> a, int n, std::span<float> b, int m)
         pivots.push_back(pivot);
         eliminate(matrix, sides, pivot.column);
     }
-    // Rows were exchanged on the way: the columns of the inverse go back in the opposite order.
+    // MatrixView were exchanged on the way: the columns of the inverse go back in the opposite order.
     for (int step = n - 1; step >= 0; --step)
         for (int k = 0; k < n; ++k)
             std::swap(matrix(k, pivots[step].row), matrix(k, pivots[step].column));
@@ -137,7 +127,7 @@ int gaussj(std::span<float> a, int n, std::span<float> b, int m)
 
 void covsrt(std::span<float> covar, int ma, std::span<const int> ia, int mfit)
 {
-    const Rows matrix{covar, ma};
+    const MatrixView matrix{covar.data(), ma, ma};
     for (int i = mfit; i < ma; ++i)
         for (int j = 0; j <= i; ++j)
             matrix(i, j) = matrix(j, i) = 0.0f;
@@ -155,7 +145,8 @@ void covsrt(std::span<float> covar, int ma, std::span<const int> ia, int mfit)
 
 float mrqcof(const ModelFit &model, std::span<const float> a, std::span<float> alpha, std::span<float> beta)
 {
-    const Rows curvature{alpha, static_cast<int>(beta.size())};
+    const auto mfit = static_cast<int>(beta.size());
+    const MatrixView curvature{alpha.data(), mfit, mfit};
     std::vector<float> dyda(a.size(), 0.0f), fitted;
     std::ranges::fill(alpha, 0.0f);
     std::ranges::fill(beta, 0.0f);
@@ -212,8 +203,9 @@ int mrqmin(const ModelFit &model, std::span<float> a, MarquardtState &state)
 int nonlinearfit(const ModelFit &model, std::span<float> a, std::span<const float> guesa,
                  std::span<float> error)
 {
-    constexpr int stopCount = 4;   // steps without a fall of chi-square by leastFall
-    constexpr int maxSteps = 1000; // each other step lowers chi-square; this is there to end
+    constexpr int stopCount = 4; // steps without a fall of chi-square by leastFall
+    constexpr int maxSteps =
+        1000; // a step that is not counted lowers chi-square by leastFall; this is there to end
     constexpr float leastFall = 0.1f;
     std::ranges::copy(guesa, a.begin());
     std::ranges::fill(error, 0.0f);

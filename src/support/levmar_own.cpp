@@ -2,14 +2,14 @@
 
 #include "support/levmar_own.h"
 
+#include "support/text.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <limits>
 #include <span>
 #include <vector>
-
-#include "support/text.h"
 
 namespace trelm {
 

@@ -1,8 +1,8 @@
 #include "support/linear_assignment.h"
 
-#include <cmath>
 #include <cstddef>
 #include <limits>
+#include <utility>
 
 namespace trelm {
 namespace {

@@ -3,6 +3,8 @@
 #include "support/regexp.h"
 #include "support/text.h"
 
+#include <functional>
+#include <map>
 #include <memory>
 #include <utility>
 
@@ -11,24 +13,33 @@ namespace {
 
 std::string lastError;
 
-/// A selection matches the names of all atoms against one pattern: it is compiled once.
-struct LastPattern {
-    std::string pattern;
+struct CompiledPattern {
+    std::unique_ptr<Regexp> prog; ///< null for a faulty one
     std::string error;
-    std::unique_ptr<Regexp> prog;
-    bool compiled = false;
 };
-LastPattern last;
+
+/// A selection matches the names of all atoms against each pattern of a list in turn: each is compiled once.
+std::map<std::string, CompiledPattern, std::less<>> compiled;
+
+CompiledPattern &compiledPattern(std::string_view pattern)
+{
+    constexpr std::size_t maxPatterns = 1024; // no run has as many; this is there to end
+    const auto known = compiled.find(pattern);
+    if (known != compiled.end())
+        return known->second;
+    if (compiled.size() >= maxPatterns)
+        compiled.clear();
+    CompiledPattern &added = compiled[std::string(pattern)];
+    added.prog = strRegComp(pattern, added.error);
+    return added;
+}
 
 int matchRegularExpression(std::string_view string, std::string_view pattern)
 {
-    if (!last.compiled || last.pattern != pattern) {
-        last = LastPattern{.pattern = std::string(pattern), .error = {}, .prog = {}, .compiled = true};
-        last.prog = strRegComp(pattern, last.error);
-    }
-    if (last.prog)
-        return strRegExec2(*last.prog, string, 0, lastError);
-    lastError = last.error;
+    CompiledPattern &found = compiledPattern(pattern);
+    if (found.prog)
+        return strRegExec2(*found.prog, string, 0, lastError);
+    lastError = found.error;
     return 0;
 }
 

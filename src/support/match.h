@@ -1,4 +1,5 @@
-// Name matching: exact, by regular expression, by glob. Both dialects are the system's own.
+// Name matching: exact, by regular expression, by glob. The dialects of expressions and of globs are the
+// program's own, not those of the platform.
 #pragma once
 
 #include <string>
@@ -17,7 +18,8 @@ int strMatch(std::string_view string, std::string_view pattern, int matchMode, i
 /// 1 or 0, by the glob dialect: * ? [a-z] and a backslash before a literal.
 int strMatchGlob(std::string_view string, std::string_view pattern);
 
-/// The text of the last error, empty if there was none.
+/// What the last strMatch found wrong with its pattern or its memory, empty if nothing: a fault is no match
+/// and is not printed here.
 const std::string &strMatchError();
 
 } // namespace trelm

@@ -1,13 +1,13 @@
 #include "support/minimise.h"
 
+#include "ground/alloc.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <utility>
 #include <vector>
-
-#include "ground/alloc.h"
 
 #ifdef TRELM_LEVMAR_SCALING
 extern "C" {
@@ -56,18 +56,19 @@ std::vector<float> freeOf(std::span<const float> values)
     return picked;
 }
 
-/// One run of the minimiser over the free parameters: they alone are its unknowns.
-void minimise(int pointCount, std::span<float> residuals, std::span<const float> lower,
-              std::span<const float> upper, int itMax)
+/// One run of the minimiser over the free parameters: they alone are its unknowns. Returns 1 if it refused.
+int minimise(int pointCount, std::span<const float> lower, std::span<const float> upper, int itMax)
 {
     std::vector<float> p = freeOf(parameters.all), lb = freeOf(lower), ub = freeOf(upper);
-    slevmar_bc_dif(resCalc_wrap, p.data(), residuals.data(), static_cast<int>(p.size()), pointCount,
-                   lb.data(), ub.data(),
+    std::vector<float> measured(static_cast<std::size_t>(pointCount), 0.0f); // residuals are to become 0
+    const int iterations = slevmar_bc_dif(resCalc_wrap, p.data(), measured.data(), static_cast<int>(p.size()),
+                                          pointCount, lb.data(), ub.data(),
 #if defined(TRELM_LEVMAR_SCALING) && TRELM_LEVMAR_SCALING
-                   nullptr,
+                                          nullptr,
 #endif
-                   itMax, nullptr, nullptr, nullptr, nullptr, nullptr);
+                                          itMax, nullptr, nullptr, nullptr, nullptr, nullptr);
     takeFree(p);
+    return iterations < 0 ? 1 : 0;
 }
 
 } // namespace
@@ -78,8 +79,8 @@ void resCalc_wrap(float *coefs, float *data, int amount_of_coef, int amount_of_d
     globalResCalc(amount_of_data, static_cast<int>(parameters.all.size()), parameters.all.data(), data);
 }
 
-void nlsOpt(ResidualFunction resCalc, int pointCount, std::span<float> guess, std::span<float> lower,
-            std::span<float> upper, int itMax)
+int nlsOpt(ResidualFunction resCalc, int pointCount, std::span<float> guess, std::span<float> lower,
+           std::span<float> upper, int itMax)
 {
     const auto coefCount = static_cast<int>(guess.size());
     Block<float> residuals("nlsOpt", static_cast<std::size_t>(std::max(pointCount, 1)));
@@ -96,13 +97,13 @@ void nlsOpt(ResidualFunction resCalc, int pointCount, std::span<float> guess, st
             parameters.free.push_back(i);
     if (parameters.free.empty() || itMax == 0) {
         resCalc(pointCount, coefCount, guess.data(), residuals.data());
-        return;
+        return 0;
     }
-    minimise(pointCount, residuals.span(), lower, upper, itMax);
+    const int status = minimise(pointCount, lower, upper, itMax);
     // The minimiser's last evaluation need not be that of its answer.
     std::ranges::copy(parameters.all, guess.begin());
-    std::ranges::fill(residuals.span(), 0.0f);
     resCalc(pointCount, coefCount, guess.data(), residuals.data());
+    return status;
 }
 
 } // namespace trelm

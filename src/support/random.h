@@ -13,12 +13,14 @@ double genrand();
 double gauss();
 
 /// Uniform deviate, above 0 and below 1. A seed of 0 or below starts the sequence anew; afterwards the seed
-/// holds the generator's state. Source: Park and Miller, Commun. ACM 31 (1988) 1192, with the shuffle of
-/// Bays and Durham.
+/// holds the generator's state. On the first call of a process every seed starts it: those above 0 all the
+/// same sequence, that of -1. Source: Park and Miller, Commun. ACM 31 (1988) 1192, with the shuffle of Bays
+/// and Durham.
 float ran1(int *idum);
 
 /// Uniform deviate from 0 on. In single precision it can round to 1.0: bound an index taken from it. A
-/// negative seed starts the sequence anew and becomes 1. Source: Knuth, Seminumerical Algorithms, section
+/// negative seed, and any seed on the first call of a process, starts the sequence of its magnitude anew and
+/// becomes 1. Source: Knuth, Seminumerical Algorithms, section
 /// 3.2.2, subtractive method.
 float ran3(int *idum);
 

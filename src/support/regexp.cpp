@@ -1,6 +1,7 @@
 #include "support/regexp.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace trelm {
 namespace {
@@ -30,7 +31,7 @@ constexpr std::string_view metaCharacters = "^$.[()|?+*\\";
 /// What is known of a piece of an expression.
 constexpr unsigned hasWidth = 1;   ///< it never matches the empty text
 constexpr unsigned isSimple = 2;   ///< one character wide, and good as operand of STAR and PLUS
-constexpr unsigned startsLoop = 4; ///< begins with "*" or "+"
+constexpr unsigned startsLoop = 4; ///< begins with something that is repeated by "*", "+" or "?"
 
 using Program = std::vector<unsigned char>;
 

@@ -1,8 +1,8 @@
 #include "support/special.h"
 
-#include <cmath>
-
 #include "support/text.h"
+
+#include <cmath>
 
 namespace trelm {
 

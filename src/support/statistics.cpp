@@ -1,10 +1,10 @@
 #include "support/statistics.h"
 
-#include <algorithm>
-#include <cmath>
-
 #include "support/special.h"
 #include "support/text.h"
+
+#include <algorithm>
+#include <cmath>
 
 namespace trelm {
 

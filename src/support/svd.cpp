@@ -1,5 +1,8 @@
 #include "support/svd.h"
 
+#include "ground/alloc.h"
+#include "support/matrix_view.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -7,22 +10,13 @@
 #include <cstring>
 #include <utility>
 
-#include "ground/alloc.h"
-
 namespace trelm {
 
 namespace {
 
-/// A row-major matrix that belongs to someone else.
-struct View {
-    float *data;
-    int rows, columns;
-    float &operator()(int i, int j) const { return data[std::ptrdiff_t{i} * columns + j]; }
-};
-
 /// What one decomposition works on.
 struct Work {
-    View u, v;
+    MatrixView u, v;
     float *w;   ///< diagonal of the bidiagonal form, in the end the singular values
     float *rv1; ///< its superdiagonal: rv1[i] stands above w[i]
     float norm; ///< what does not change this number when added to it counts as 0
@@ -39,7 +33,7 @@ float pythag(float a, float b)
 }
 
 /// Householder reflection that clears column i below the diagonal. Returns the diagonal value that is left.
-float reflectColumn(View a, int i)
+float reflectColumn(MatrixView a, int i)
 {
     float scale = 0.0f;
     for (int k = i; k < a.rows; ++k)
@@ -70,7 +64,7 @@ float reflectColumn(View a, int i)
 
 /// Householder reflection that clears row i right of the superdiagonal. Returns the superdiagonal value that
 /// is left; rv1 from i + 1 on is room to work in.
-float reflectRow(View a, int i, float *rv1)
+float reflectRow(MatrixView a, int i, float *rv1)
 {
     float scale = 0.0f;
     for (int k = i + 1; k < a.columns; ++k)
@@ -116,7 +110,7 @@ void bidiagonalise(Work &work)
 /// Multiplies the row reflections into v.
 void accumulateRight(const Work &work)
 {
-    const View a = work.u, v = work.v;
+    const MatrixView a = work.u, v = work.v;
     const int n = a.columns;
     for (int i = n - 1; i >= 0; --i) {
         if (i < n - 1 && work.rv1[i + 1] != 0.0f) {
@@ -140,7 +134,7 @@ void accumulateRight(const Work &work)
 /// Multiplies the column reflections into u.
 void accumulateLeft(const Work &work)
 {
-    const View a = work.u;
+    const MatrixView a = work.u;
     for (int i = std::min(a.rows, a.columns) - 1; i >= 0; --i) {
         for (int j = i + 1; j < a.columns; ++j)
             a(i, j) = 0.0f;
@@ -159,7 +153,7 @@ void accumulateLeft(const Work &work)
     }
 }
 
-void rotateColumns(View a, int j, int i, float c, float s)
+void rotateColumns(MatrixView a, int j, int i, float c, float s)
 {
     for (int k = 0; k < a.rows; ++k) {
         const float x = a(k, j), z = a(k, i);
@@ -313,7 +307,7 @@ void decompose(std::span<const float> x)
 void covariance(std::span<float> covar)
 {
     const int n = cache.lastOrder;
-    const View v{cache.v.data(), n, n}, result{covar.data(), n, n};
+    const MatrixView v{cache.v.data(), n, n}, result{covar.data(), n, n};
     for (int i = 0; i < n; ++i)
         for (int j = 0; j <= i; ++j) {
             float sum = 0.0f;
@@ -340,7 +334,7 @@ void projectFixed(const float *u, std::span<const float> rhs, float *tmp)
     std::ranges::copy(sums, tmp);
 }
 
-void project(const View &u, std::span<const float> rhs, float *tmp)
+void project(const MatrixView &u, std::span<const float> rhs, float *tmp)
 {
     if (u.columns == 5) // a Saupe vector
         return projectFixed<5>(u.data, rhs, tmp);
@@ -353,7 +347,7 @@ void project(const View &u, std::span<const float> rhs, float *tmp)
 void backSubstitute(std::span<float> coef)
 {
     const int n = cache.lastOrder;
-    const View u{cache.u.data(), cache.lastLength, n}, v{cache.v.data(), n, n};
+    const MatrixView u{cache.u.data(), cache.lastLength, n}, v{cache.v.data(), n, n};
     const float *w = cache.w.data();
     float *tmp = cache.tmp.data();
     project(u, cache.rhs.span(), tmp);

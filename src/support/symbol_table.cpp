@@ -27,10 +27,7 @@ void linkFirst(HTabInfo &hTab, int place)
 {
     HSymInfo &symbol = symbolAt(hTab, place);
     int &head = hTab.base[chainOf(hSymName(symbol, hTab), hTab)];
-    symbol.prev = -1;
     symbol.next = head;
-    if (head >= 0)
-        symbolAt(hTab, head).prev = place;
     head = place;
 }
 
@@ -53,23 +50,14 @@ bool rehash(HTabInfo &hTab)
     return true;
 }
 
-/// Room for `extra` more elements: doubling, so that a long list costs no more for each than a short one.
-template <class T>
-bool growFor(Block<T> &block, std::size_t used, std::size_t extra)
-{
-    constexpr std::size_t first = 256;
-    if (used + extra <= block.length())
-        return true;
-    return block.grow(tag, std::max({first, 2 * block.length(), used + extra}));
-}
-
 bool roomForSymbol(HTabInfo &hTab, std::size_t nameLength)
 {
-    if (!growFor(hTab.symbols, static_cast<std::size_t>(hTab.symbolCount), 1)) {
+    constexpr std::size_t first = 256;
+    if (!makeRoom(hTab.symbols, tag, static_cast<std::size_t>(hTab.symbolCount), 1, first)) {
         complain("SymAlloc Error allocating memory.\n");
         return false;
     }
-    if (!growFor(hTab.names, hTab.namesUsed, nameLength)) {
+    if (!makeRoom(hTab.names, tag, hTab.namesUsed, nameLength, first)) {
         complain("NameAlloc Error allocating name.\n");
         return false;
     }
@@ -120,7 +108,6 @@ HSymInfo *hFindSym(std::string_view name, HTabInfo &hTab)
 
 HSymInfo *hAddSym(std::string_view name, int type, HTabInfo &hTab)
 {
-    static int lastId = 0; // one count for all tables: an id names one symbol of the run
     if (hTab.hashLength < 1 || !roomForSymbol(hTab, name.size())) {
         complain("AddSym Error Allocating Symbol.\n");
         return nullptr;
@@ -133,7 +120,6 @@ HSymInfo *hAddSym(std::string_view name, int type, HTabInfo &hTab)
     if (!name.empty())
         std::memcpy(hTab.names.data() + hTab.namesUsed, name.data(), name.size());
     hTab.namesUsed += name.size();
-    symbol.id = ++lastId;
     symbol.val.type = type;
     linkFirst(hTab, place);
     return &symbol;
@@ -164,26 +150,6 @@ std::string_view hSymName(const HSymInfo &symbol, const HTabInfo &hTab)
     if (symbol.nameLength == 0)
         return {};
     return {hTab.names.data() + symbol.nameStart, symbol.nameLength};
-}
-
-int hSymDepth(const HSymInfo &symbol, const HTabInfo &hTab)
-{
-    int depth = 0;
-    for (int place = symbol.prev; place >= 0; place = hTab.symbols[static_cast<std::size_t>(place)].prev)
-        ++depth;
-    return depth;
-}
-
-int hMaxDepth(const HTabInfo &hTab)
-{
-    int deepest = 0;
-    for (int head : hTab.base.span()) {
-        int length = 0;
-        for (int place = head; place >= 0; place = hTab.symbols[static_cast<std::size_t>(place)].next)
-            ++length;
-        deepest = std::max(deepest, length - 1);
-    }
-    return deepest;
 }
 
 void hSymTabFree(HTabInfo &hTab)

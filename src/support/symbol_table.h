@@ -8,29 +8,24 @@
 
 namespace trelm {
 
-constexpr int symInt = 1; ///< value types
-constexpr int symFloat = 2;
+constexpr int symFloat = 2; ///< value types
 constexpr int symIndex = 3; ///< the place of a record in its list
 
 /// A value.
 struct HValInfo {
     int type = 0;
-    long length = 0;
     union {
-        double d = 0.0;
+        int i = 0;
         float f;
-        int i;
     };
 };
 
-/// A symbol. Links are places in the table's symbol list, -1 for none.
+/// A symbol. `next` is the place of the one behind it in the table's symbol list, -1 for none.
 struct HSymInfo {
     std::size_t nameStart = 0; ///< in the table's text store
     std::size_t nameLength = 0;
-    int id = 0; ///< serial number, unique in the whole run
     HValInfo val;
     int next = -1;
-    int prev = -1;
 };
 
 /// A table. It owns its symbols and gives them back at its end. The number of chains grows with the number of
@@ -59,10 +54,8 @@ HSymInfo *hFindOrAddSym(std::string_view name, int type, HTabInfo &hTab);
 /// Stores a float under a name. Returns 0 or 1.
 int hSetSymFlt(std::string_view name, float val, HTabInfo &hTab);
 
-/// The name of a symbol; its place behind the head of its chain; the greatest such place in the table.
+/// The name of a symbol.
 std::string_view hSymName(const HSymInfo &symbol, const HTabInfo &hTab);
-int hSymDepth(const HSymInfo &symbol, const HTabInfo &hTab);
-int hMaxDepth(const HTabInfo &hTab);
 
 /// Releases everything the table owns.
 void hSymTabFree(HTabInfo &hTab);

@@ -41,19 +41,19 @@ void runStage(SymmetricFilter &filter, std::size_t n)
 {
     float *re = filter.real.data(), *im = filter.ans.data();
     const float *cosines = filter.cosines.data() + n, *sines = filter.sines.data() + n;
-    for (std::size_t i = 0; i < filter.resp.span().size(); i += 2 * n)
+    for (std::size_t i = 0; i < filter.resp.length(); i += 2 * n)
         join(re + i, im + i, re + i + n, im + i + n, cosines, sines, n);
 }
 
 void forward(SymmetricFilter &filter)
 {
-    for (std::size_t n = filter.resp.span().size() / 2; n >= 4; n /= 2)
+    for (std::size_t n = filter.resp.length() / 2; n >= 4; n /= 2)
         runStage<joinForward>(filter, n);
 }
 
 void backward(SymmetricFilter &filter)
 {
-    for (std::size_t n = 4; n < filter.resp.span().size(); n *= 2)
+    for (std::size_t n = 4; n < filter.resp.length(); n *= 2)
         runStage<joinBackward>(filter, n);
 }
 
@@ -90,7 +90,7 @@ void partFour(float *re, float *im)
 /// From the last stages forward, times the response, to the first ones back.
 void turnAround(SymmetricFilter &filter)
 {
-    const std::size_t length = filter.resp.span().size();
+    const std::size_t length = filter.resp.length();
     const float *__restrict resp = filter.resp.data();
     float *__restrict re = filter.real.data(), *__restrict im = filter.ans.data();
     for (std::size_t i = 0; i < length; i += 4) {
@@ -173,7 +173,7 @@ int startFilter(SymmetricFilter &filter, std::span<const float> response, std::s
 
 float applyFilter(SymmetricFilter &filter, std::span<const float> ring, std::size_t first)
 {
-    const std::size_t length = filter.resp.span().size();
+    const std::size_t length = filter.resp.length();
     const std::size_t start = first + ring.size() - filter.wing;
     copyRing(ring, start, filter.real.span());
     copyRing(ring, start + filter.half, filter.ans.span().first(length));

@@ -31,7 +31,8 @@ std::size_t filterLength(std::size_t wing, std::size_t window);
 int startFilter(SymmetricFilter &filter, std::span<const float> response, std::size_t window);
 
 /// Convolves the ring for the window that begins at place `first`. The result stands in the first `window`
-/// places of `ans`. Returns the largest value of the result.
+/// places of `ans` until the next call. Returns the largest value at all 2 `half` places that were computed,
+/// those behind the window with them: the rounding of the transforms goes by it.
 float applyFilter(SymmetricFilter &filter, std::span<const float> ring, std::size_t first);
 
 } // namespace trelm

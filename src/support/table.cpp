@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <optional>
 #include <ranges>
+#include <span>
 #include <unordered_map>
 
 namespace trelm {
@@ -38,13 +39,6 @@ struct RowReader {
     std::vector<std::string_view> words;
     std::string_view line;
 };
-
-std::string_view firstWord(std::string_view line)
-{
-    const auto *start = std::ranges::find_if_not(line, isSpace);
-    const auto *end = std::find_if(start, line.end(), isSpace);
-    return {start, end};
-}
 
 bool isComment(std::string_view word)
 {
@@ -143,19 +137,18 @@ int buildColumns(const Declarations &declared, TextTable &table)
         column.type = typeOf(column.fmt);
         if (column.type == 0)
             return complain("RdTable Error: bad format %s\n", std::string(*declared.format).c_str());
-        if (!tolerances.empty())
-            wordToFloat(tolerances[i], column.tol);
     }
     return 0;
 }
 
-int allocateMatrix(TextTable &table)
+int allocateMatrix(TextTable &table, std::size_t textBytes)
 {
-    // A text has room for half as many words as bytes. A table with more cells than that is mostly missing
-    // words, and a small file could ask for all memory with it.
+    // A text has room for half as many words as bytes. A table with more cells is mostly missing words: some
+    // are forgiven, but a small file must not ask for all memory with them.
+    constexpr std::size_t forgiven = std::size_t{1} << 24;
     const std::size_t rows = static_cast<std::size_t>(table.entryCount);
     const std::size_t columns = static_cast<std::size_t>(table.varCount);
-    if (columns <= maxTextBytes / 2 / rows)
+    if (columns <= (textBytes / 2 + forgiven) / rows)
         table.matrix = Block<float>("table", rows * columns);
     if (!table.matrix)
         return complain("RdTable error allocating data matrix.\n");
@@ -168,19 +161,19 @@ void warnBadItem(const RowReader &reader, char kind, std::size_t column)
 }
 
 /// The cell of a text: its place among the distinct texts of the column.
-int readText(RowReader &reader, std::size_t column, std::string_view word, float &cell)
+int readTextCell(RowReader &reader, std::size_t column, std::string_view word, float &cell)
 {
     if (reader.declared.nullString && word == *reader.declared.nullString) {
         cell = nullTextCell;
         return 0;
     }
     tabVar &info = reader.table.varInfo[column];
-    const auto [place, isNew] = reader.places[column].try_emplace(word, info.equivCount);
+    const auto next = static_cast<int>(info.equivList.size());
+    const auto [place, isNew] = reader.places[column].try_emplace(word, next);
     if (isNew) {
-        if (info.equivCount >= maxEquivCount)
+        if (next >= maxEquivCount)
             return complain("RdTable Error mapping text.\n");
         info.equivList.emplace_back(word);
-        ++info.equivCount;
     }
     cell = static_cast<float>(place->second);
     return 0;
@@ -194,7 +187,7 @@ int readCell(RowReader &reader, std::size_t column, float &cell)
     if (type == typeText) {
         if (missing)
             warnBadItem(reader, 'T', column);
-        return readText(reader, column, word, cell);
+        return readTextCell(reader, column, word, cell);
     }
     if (type == typeInteger) {
         int value = 0;
@@ -267,7 +260,7 @@ int rdTable2(const std::string &inName, TextTable &table, bool header, int defNu
         return emptyOk != 0 ? 0 : complain("RdTable Error: no entries in %s\n", inName.c_str());
     table.entryCount = declared.rowCount;
     const bool rows = readFlag == 1;
-    if (buildColumns(declared, table) != 0 || (rows && allocateMatrix(table) != 0))
+    if (buildColumns(declared, table) != 0 || (rows && allocateMatrix(table, input.text.size()) != 0))
         return 1;
     RowReader reader{table, declared, static_cast<float>(defNullValue), {}, {}, {}};
     reader.places.resize(table.varInfo.size());

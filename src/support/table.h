@@ -16,10 +16,8 @@ namespace trelm {
 /// One column.
 struct tabVar {
     int type = 0;                       ///< 1 text, 2 integer, 3 real
-    float tol = 0.0f;                   ///< tolerance; 0.0 without a TOLERANCE line
     std::string name;                   ///< from VARS
     std::string fmt;                    ///< from FORMAT, "%f" without one; "_" stands for a blank
-    int equivCount = 0;                 ///< number of distinct texts of a text column
     std::vector<std::string> equivList; ///< the distinct texts, in order of appearance
 };
 
@@ -36,7 +34,8 @@ struct TextTable {
 };
 
 /// Reads a table with rows. A cell of an integer or real column that equals NULLVALUE becomes `defNullValue`.
-/// Returns 0, or 1 after a message on the standard error stream; the table then holds what was read.
+/// A cell that is missing or no number is 0, after a warning with its line for each of them. Returns 0, or 1
+/// after a message on the standard error stream; the table then holds what was read.
 int rdTable(const std::string &inName, TextTable &table, int defNullValue);
 
 /// The reader itself. `header` asks for the header lines, `emptyOk` accepts a table with no rows, `readFlag`
@@ -44,7 +43,8 @@ int rdTable(const std::string &inName, TextTable &table, int defNullValue);
 int rdTable2(const std::string &inName, TextTable &table, bool header, int defNullValue, int emptyOk,
              int readFlag);
 
-/// The place of a column, compared in capitals; the last of two equal names wins. -1 if there is none.
+/// The place of a column; capitals and small letters are one. The last of two equal names wins. -1 if there
+/// is none.
 int getTabVar(const std::vector<tabVar> &varInfo, std::string_view varName);
 
 /// The text of a cell of a text column: empty where it is a NULLSTRING cell or names no text.
@@ -53,7 +53,7 @@ std::string_view tabText(const tabVar &column, float cell);
 /// Releases everything the table owns.
 void freeTab(TextTable &table);
 
-/// 1 if a line is a row.
+/// 1 if a line is a row, by its first word.
 int isDataLine(std::string_view line);
 
 /// The place of a text in a list by exact comparison, after it has been added at the end if it was not there.

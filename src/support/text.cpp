@@ -63,25 +63,18 @@ void appendRight(std::string &text, std::string_view word, std::size_t width)
 
 namespace {
 
-/// A number under construction, from its last character to its first, on a ground of blanks: what stands
-/// before it is its padding.
+/// A number under construction, from its last character to its first.
 struct NumberText {
-    std::array<char, 48> text;
+    std::array<char, 24> text; // ten digits, a point, four digits, a sign
     char *place = text.data() + text.size();
 
-    NumberText() { text.fill(' '); }
     void put(char c) { *--place = c; }
     void putDigits(std::uint64_t value, int count)
     {
         for (; count > 0 || value != 0; --count, value /= 10)
             put(static_cast<char>('0' + value % 10));
     }
-    /// The text, padded to `width`.
-    [[nodiscard]] std::string_view padded(std::size_t width) const
-    {
-        const char *end = text.data() + text.size();
-        return {std::min<const char *>(place, end - std::min(width, text.size())), end};
-    }
+    [[nodiscard]] std::string_view view() const { return {place, text.data() + text.size()}; }
 };
 
 } // namespace
@@ -92,7 +85,7 @@ void appendInt(std::string &text, int value, std::size_t width)
     number.putDigits(static_cast<std::uint64_t>(std::abs(std::int64_t{value})), 1);
     if (value < 0)
         number.put('-');
-    text.append(number.padded(width));
+    appendRight(text, number.view(), width);
 }
 
 void appendFixed(std::string &text, float value, std::size_t width, int decimals, SignPlace sign)
@@ -123,7 +116,7 @@ void appendFixed(std::string &text, float value, std::size_t width, int decimals
         number.put('-');
     else if (blank)
         number.put(' ');
-    text.append(number.padded(width));
+    appendRight(text, number.view(), width);
 }
 
 int complain(const char *format, ...)

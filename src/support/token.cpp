@@ -84,6 +84,12 @@ std::string_view getToken(int n, std::string_view text)
     return word;
 }
 
+std::string_view firstWord(std::string_view line)
+{
+    std::size_t place = 0;
+    return nextWord(line, place);
+}
+
 int getTokenI(int n, std::string_view text)
 {
     int value = 0;

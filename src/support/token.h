@@ -1,7 +1,6 @@
 // Words of a line. Words are separated by white space and counted from 1.
 #pragma once
 
-#include <cstddef>
 #include <string_view>
 #include <vector>
 
@@ -15,6 +14,9 @@ int cntToken(std::string_view text);
 
 /// Word number n; the empty text, with badToken set, if there is none. It is a view into `text`.
 std::string_view getToken(int n, std::string_view text);
+
+/// The first word of a line, empty for a blank one. Leaves badToken alone.
+std::string_view firstWord(std::string_view line);
 
 /// Word number n as an integer or a number, by "%d" and "%f"; 0, with badToken set, if there is none.
 int getTokenI(int n, std::string_view text);

@@ -58,6 +58,8 @@ Failures inputs()
         {"-pdb x.pdb", "Error reading PDB input x.pdb\n",
          "ATOM      1  CA  ALA A   1         nan   1.000   1.000\n"},
         {"-outD /dev/full", "Error writing /dev/full.\n"},
+        {"-aRegex -atom H(",
+         "PDB Warning: the regular expression H( is faulty and selects nothing: unmatched ().\n", "", 0},
         {"-anA -inS1 1 2 3 4",
          "GORVAT Error: -inS1 option requires 5 values.\nTRELM Error extracting command-line arguments.\n"},
     };

@@ -255,7 +255,6 @@ TEST(Params, TheSelectionIsReadWithAStructureOnly)
         {{"-pdb", "x", "-set", "-atom", "CA"}, mode, 1},
         {{"-pdb", "x", "-atom", "*"}, byAtom, 0},
         {{"-pdb", "x", "-atom", "CA N"}, byAtom, 1},
-        {{"-pdb", "x", "-atom", "CA N"}, [](const Parsed &p) { return p.sInfo.atomNameCount; }, 2},
         {{"-pdb", "x", "-glob", "-chain", "A"}, [](const Parsed &p) { return p.sInfo.chainNameMode; }, 3},
         {{"-pdb", "x", "-aRegex", "-glob", "-atom", "C"}, byAtom, 2},
     };

@@ -33,8 +33,6 @@ void checkResidue(PDBInfo &pdbInfo, ResInfo &residue)
 {
     require(findRes(&pdbInfo, residue.resID, residue.chainID.view(), residue.segID.view()) == &residue,
             "each residue is found by its number");
-    require(residue.next == nullptr || residue.next->resID == residue.resID + 1, "next is the next number");
-    require(residue.prev == nullptr || residue.prev->resID == residue.resID - 1, "prev is the one before");
     require(residue.atomCount > 0, "a residue has atoms");
 }
 

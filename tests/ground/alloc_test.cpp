@@ -1,9 +1,10 @@
 // The account of the allocation layer: what a leak, a double release or a wrong size would change.
 #include "ground/alloc.h"
+
+#include "common/said.h"
 #include "ground/trelm.h"
 
-#include <gtest/gtest.h>
-
+#include <array>
 #include <string>
 
 namespace trelm {
@@ -32,13 +33,19 @@ TEST(Alloc, BlocksGiveBackWhatTheyAskedFor)
     EXPECT_EQ(allocBytesUsed(), before);
 }
 
-TEST(Alloc, GrowthCountsTheOldSizeAsReused)
+TEST(Alloc, GrowthCountsTheOldSizeAsReusedAndDoubles)
 {
     const std::int64_t reused = allocBytesReused();
     char *block = charReMalloc("token", nullptr, 10, 99); // nothing there yet: the old size counts as 0
     block = charReMalloc("token", block, 30, 10);
     EXPECT_EQ(allocBytesReused() - reused, 10);
     unAlloc("token", block, 30);
+    Block<char> room;
+    for (const auto &[used, extra, length] : {std::array{0, 1, 8}, {7, 1, 8}, {8, 1, 16}, {16, 50, 66}}) {
+        ASSERT_TRUE(
+            makeRoom(room, "token", static_cast<std::size_t>(used), static_cast<std::size_t>(extra), 8));
+        EXPECT_EQ(room.length(), static_cast<std::size_t>(length)) << used;
+    }
 }
 
 TEST(Alloc, MatrixAccountStaysHighOnPurpose)
@@ -55,17 +62,16 @@ TEST(Alloc, MatrixAccountStaysHighOnPurpose)
 TEST(Alloc, TraceAndNullPointers)
 {
     const std::int64_t before = allocBytesUsed();
-    testing::internal::CaptureStderr();
-    setAlloc(1);
-    char *copy = strDup("six");
-    strFree(copy);
-    unAlloc("dc", nullptr, 12);
-    setAlloc(0);
-    const std::string trace = testing::internal::GetCapturedStderr();
-    EXPECT_NE(trace.find("\n_MEM CHR_ALLOC Name: strDup Alloc: 0x"), std::string::npos) << trace;
-    EXPECT_NE(trace.find(" Add: 4 Now: "), std::string::npos) << trace;
-    EXPECT_NE(trace.find("\n_MEM DEALLOC Name: strDup Free: 0x"), std::string::npos) << trace;
-    EXPECT_NE(trace.find("\n_MEM NOOP_AL Name: dc Free: (nil) Delete: 12 Now: "), std::string::npos) << trace;
+    const std::string trace = said([] {
+                                  setAlloc(1);
+                                  strFree(strDup("six"));
+                                  unAlloc("dc", nullptr, 12);
+                                  setAlloc(0);
+                              }).err;
+    for (const char *part :
+         {"\n_MEM CHR_ALLOC Name: strDup Alloc: 0x", " Add: 4 Now: ", "\n_MEM DEALLOC Name: strDup Free: 0x",
+          "\n_MEM NOOP_AL Name: dc Free: (nil) Delete: 12 Now: "})
+        EXPECT_NE(trace.find(part), std::string::npos) << trace;
     EXPECT_EQ(allocBytesUsed(), before);
 }
 
@@ -73,24 +79,24 @@ TEST(Alloc, ARequestBeyondAllNumbersIsTold)
 {
     const std::int64_t before = allocBytesUsed();
     volatile std::size_t tooLarge = std::size_t{1} << 61; // volatile: the compiler would warn
-    testing::internal::CaptureStderr();
-    const Block<double> block("matrix", tooLarge);
-    const Block<std::string> texts("matrix", tooLarge);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "Memory allocation failure.\nMemory allocation failure.\n");
-    EXPECT_FALSE(block);
-    EXPECT_FALSE(texts);
+    const auto ask = [&] {
+        EXPECT_FALSE(Block<double>("matrix", tooLarge));
+        EXPECT_FALSE(Block<std::string>("matrix", tooLarge));
+        EXPECT_EQ(matAlloc("matrix", tooLarge, 3), nullptr);
+    };
+    EXPECT_EQ(said(ask).err,
+              "Memory allocation failure.\nMemory allocation failure.\nMemory allocation failure.\n");
     EXPECT_EQ(allocBytesUsed(), before);
 }
 
 TEST(Trelm, FixedAminoAcidsLookAtTheLargerResidue)
 {
     const int list[] = {4, 9, 12};
-    EXPECT_EQ(chkFixAa(3, list, 9, 3), 1);
-    EXPECT_EQ(chkFixAa(3, list, 9, 10), 0);
-    EXPECT_EQ(chkFixAa(3, list, 12, 12), 1);
-    EXPECT_EQ(chkFixAa(1, list, 9, 3), 0);
-    EXPECT_EQ(chkFixAa(0, list, 4, 4), 0);
+    const struct {
+        int count, i, j, found;
+    } cases[] = {{3, 9, 3, 1}, {3, 9, 10, 0}, {3, 12, 12, 1}, {1, 9, 3, 0}, {0, 4, 4, 0}};
+    for (const auto &test : cases)
+        EXPECT_EQ(chkFixAa(test.count, list, test.i, test.j), test.found) << test.i << " " << test.j;
 }
 
 } // namespace

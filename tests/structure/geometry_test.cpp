@@ -1,17 +1,14 @@
 // Torsion angles, transformations, turns.
 #include "structure/backbone.h"
+
+#include "molecules.h"
 #include "structure/rotate.h"
 #include "structure/transform.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
-#include <string>
 
 namespace trelm {
 namespace {
-
-const std::string ubiquitin = TRELM_EXAMPLES "/ubiquitin/1d3z_model1.pdb";
 
 float distance(const AtomInfo &a, const AtomInfo &b)
 {
@@ -20,8 +17,7 @@ float distance(const AtomInfo &a, const AtomInfo &b)
 
 TEST(Backbone, AnglesOfUbiquitin)
 {
-    PDBInfo pdb;
-    ASSERT_EQ(readPDB(ubiquitin, &pdb, nullptr), 0);
+    PDBInfo pdb = readUbiquitin();
     updatePDBAngles(&pdb, 1, 76);
     float phi = 0.0f, psi = 0.0f;
     EXPECT_EQ(getPDBPhiPsi(&pdb, 1, "A", "", phi, psi), 2);
@@ -39,8 +35,7 @@ TEST(Backbone, AnglesOfUbiquitin)
 TEST(Backbone, SetAnglesAreFoundAgainAndBondsStay)
 {
     for (const int resID : {10, 60}) { // one in each half: another side moves
-        PDBInfo pdb;
-        ASSERT_EQ(readPDB(ubiquitin, &pdb, nullptr), 0);
+        PDBInfo pdb = readUbiquitin();
         const AtomInfo first = pdb.atomList[0], last = pdb.atomList[1230];
         const AtomInfo &ca = *findAtom(&pdb, resID, "CA", "A", ""), &c = *findAtom(&pdb, resID, "C", "A", "");
         const float bond = distance(ca, c);
@@ -78,32 +73,44 @@ TEST(Backbone, DihedralOfKnownPoints)
 
 TEST(Transform, OrderAndSense)
 {
-    Coord3D r = {1, 0, 0};
+    const struct {
+        const char *why;
+        void (*append)();
+        Coord3D from, to;
+    } cases[] = {
+        {"a quarter turn about z, after the translation",
+         [] {
+             pdb3dAppendTranslation(0, 1, 0);
+             pdb3dAppendRotation0(0, 0, 90);
+         },
+         {1, 0, 0},
+         {-1, 1, 0}},
+        {"about x, which brings y to z; then about y, which brings z to x",
+         [] { pdb3dAppendRotation0(90, 90, 0); },
+         {0, 1, 0},
+         {1, 0, 0}},
+        {"about a line parallel to z through (1, 1)",
+         [] { pdb3dAppendRotation2(1, 1, 0, 1, 1, 5, 90); },
+         {2, 1, 0},
+         {1, 2, 0}},
+        {"about no line", [] { pdb3dAppendRotation2(1, 2, 3, 1, 2, 3, 50); }, {2, 1, 0}, {2, 1, 0}},
+    };
+    for (const auto &test : cases) {
+        pdb3dReset();
+        test.append();
+        Coord3D r = test.from;
+        pdb3dCoordTransform({&r, 1});
+        EXPECT_LT(std::hypot(r.x - test.to.x, r.y - test.to.y, r.z - test.to.z), 1e-6f) << test.why;
+    }
+    Matrix4 m, turned, product;
     pdb3dReset();
-    pdb3dAppendTranslation(0, 1, 0);
-    pdb3dAppendRotation0(0, 0, 90); // a quarter turn about z, after the translation
-    pdb3dCoordTransform({&r, 1});
-    EXPECT_NEAR(r.x, -1.0f, 1e-6f);
-    EXPECT_NEAR(r.y, 1.0f, 1e-6f);
-
-    Coord3D y = {0, 1, 0};
-    pdb3dReset();
-    pdb3dAppendRotation0(90, 90, 0); // about x, which brings y to z; then about y, which brings z to x
-    pdb3dCoordTransform({&y, 1});
-    EXPECT_NEAR(y.x, 1.0f, 1e-6f);
-
-    Coord3D s = {2, 1, 0};
-    pdb3dReset();
-    pdb3dAppendRotation2(1, 1, 0, 1, 1, 5, 90); // about a line parallel to z through (1, 1)
-    pdb3dCoordTransform({&s, 1});
-    EXPECT_NEAR(s.x, 1.0f, 1e-6f);
-    EXPECT_NEAR(s.y, 2.0f, 1e-6f);
-
-    Matrix4 before, after;
-    pdb3dCopyCurrentMatrix(before);
-    pdb3dAppendRotation2(1, 2, 3, 1, 2, 3, 50);
-    pdb3dCopyCurrentMatrix(after);
-    EXPECT_EQ(before, after);
+    pdb3dAppendRotation0(10, 20, 30);
+    pdb3dCopyCurrentMatrix(m);
+    m4x4Transpose(turned, m); // a rotation's inverse
+    m4x4Mult(m, turned);
+    m4x4SetIdentity(product);
+    for (std::size_t i = 0; i < 16; ++i)
+        EXPECT_NEAR(turned[i], product[i], 1e-6f);
 }
 
 TEST(Rotate, TurnsBringAnAxisWhereItsAnglesSay)
@@ -111,8 +118,7 @@ TEST(Rotate, TurnsBringAnAxisWhereItsAnglesSay)
     // phi and theta of a direction, as polar angles, turn it onto z.
     const double phi = 35.0, theta = 70.0;
     const double degree = 3.14159265 / 180.0;
-    PDBInfo pdb;
-    ASSERT_EQ(readPDB(ubiquitin, &pdb, nullptr), 0);
+    PDBInfo pdb = readUbiquitin();
     AtomInfo &atom = pdb.atomList[0];
     atom.x = static_cast<float>(std::sin(theta * degree) * std::cos(phi * degree));
     atom.y = static_cast<float>(std::sin(theta * degree) * std::sin(phi * degree));
@@ -129,16 +135,14 @@ TEST(Rotate, TurnsBringAnAxisWhereItsAnglesSay)
 
 TEST(Rotate, ShiftNeedsAtoms)
 {
-    PDBInfo pdb;
-    ASSERT_EQ(readPDB(ubiquitin, &pdb, nullptr), 0);
+    PDBInfo pdb = readUbiquitin();
     EXPECT_EQ(shiftMol2Domain(&pdb, 1, 76), 0);
     double sum = 0.0;
     for (const AtomInfo &atom : pdb.atoms())
         sum += static_cast<double>(atom.x);
     EXPECT_NEAR(sum / 1231, 0.0, 1e-5);
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(shiftMol2Domain(&pdb, 100, 200), 1);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "Error in positionDomain: zero atoms selected.");
+    EXPECT_EQ(said([&] { EXPECT_EQ(shiftMol2Domain(&pdb, 100, 200), 1); }).err,
+              "Error in positionDomain: zero atoms selected.");
 }
 
 } // namespace

@@ -1,23 +1,14 @@
 #include "support/fft.h"
 
-#include <gtest/gtest.h>
+#include "common/said.h"
+#include "random_values.h"
 
 #include <cmath>
 #include <complex>
 #include <vector>
 
-#include "support/random.h"
-
 namespace trelm {
 namespace {
-
-std::vector<float> randomValues(std::size_t count, int seed)
-{
-    std::vector<float> values(count);
-    for (float &value : values)
-        value = 2.0f * ran1(&seed) - 1.0f;
-    return values;
-}
 
 /// The transform by its definition.
 std::vector<std::complex<double>> plainTransform(const std::vector<float> &data)
@@ -84,13 +75,13 @@ TEST(Fft, ConvolutionIsTheDirectSumAndGoesBack)
 TEST(Fft, WhatCannotBeTransformedIsRefused)
 {
     std::vector<float> odd(6), data(8, 1.0f), ans(16);
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(four1(odd, 1), 1);
-    EXPECT_EQ(convlv(odd, std::vector<float>{1.0f}, 1, ans), 1);
-    EXPECT_EQ(convlv(data, std::vector<float>(2), 1, ans), 1);
-    EXPECT_EQ(convlv(data, std::vector<float>(3, 0.0f), -1, ans), 1);
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("Deconvolving at response zero in convlv"),
-              std::string::npos);
+    const Said told = said([&] {
+        EXPECT_EQ(four1(odd, 1), 1);
+        EXPECT_EQ(convlv(odd, std::vector<float>{1.0f}, 1, ans), 1);
+        EXPECT_EQ(convlv(data, std::vector<float>(2), 1, ans), 1);
+        EXPECT_EQ(convlv(data, std::vector<float>(3, 0.0f), -1, ans), 1);
+    });
+    EXPECT_NE(told.err.find("Deconvolving at response zero in convlv"), std::string::npos);
 }
 
 } // namespace

@@ -1,11 +1,10 @@
 #include "support/jacobi.h"
 
-#include <gtest/gtest.h>
+#include "common/said.h"
+#include "support/random.h"
 
 #include <algorithm>
 #include <cmath>
-
-#include "support/random.h"
 
 namespace trelm {
 namespace {
@@ -89,10 +88,8 @@ TEST(Jacobi, ValuesThatAreNoNumbersFail)
     std::array<double, 3> dd = {};
     Matrix3d vv = {};
     int nrot = 0;
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(jacobimz({1, NAN, 0, NAN, 1, 0, 0, 0, 1}, dd, vv, nrot), 1);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "Utility Error: Too many iterations in routine jacobi\nAborting.\n");
+    const auto call = [&] { EXPECT_EQ(jacobimz({1, NAN, 0, NAN, 1, 0, 0, 0, 1}, dd, vv, nrot), 1); };
+    EXPECT_EQ(said(call).err, "Utility Error: Too many iterations in routine jacobi\nAborting.\n");
 }
 
 } // namespace

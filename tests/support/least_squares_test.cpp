@@ -1,6 +1,6 @@
 #include "support/least_squares.h"
 
-#include <gtest/gtest.h>
+#include "common/said.h"
 
 #include <cmath>
 #include <string>
@@ -32,10 +32,10 @@ TEST(LeastSquares, GaussJordanInvertsAndSolves)
 TEST(LeastSquares, SingularMatricesAreReported)
 {
     std::vector<float> zero = {1.0f, 1.0f, 1.0f, 1.0f}, noNumber = {NAN, NAN, NAN, NAN};
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(gaussj(zero, 2, {}, 0), 1);
-    EXPECT_EQ(gaussj(noNumber, 2, {}, 0), 1);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+    EXPECT_EQ(said([&] {
+                  EXPECT_EQ(gaussj(zero, 2, {}, 0), 1);
+                  EXPECT_EQ(gaussj(noNumber, 2, {}, 0), 1);
+              }).err,
               "Utility Error: gaussj: Singular Matrix-2\nAborting.\n"
               "Utility Error: gaussj: Singular Matrix-1\nAborting.\n");
 }
@@ -57,29 +57,17 @@ void decay(float x, std::span<const float> a, float &y, std::span<float> dyda)
     dyda[2] = 1.0f;
 }
 
-struct DecayData {
-    std::vector<float> x, y, sig;
-};
-
-DecayData decayData()
-{
-    DecayData data;
-    for (int i = 0; i < 40; ++i) {
-        data.x.push_back(0.1f * static_cast<float>(i));
-        data.y.push_back(5.0f * std::exp(-1.5f * data.x.back()) + 0.5f);
-        data.sig.push_back(0.01f);
-    }
-    return data;
-}
-
 TEST(LeastSquares, PerfectDataComeBack)
 {
-    const DecayData data = decayData();
+    std::vector<float> x, y;
+    for (int i = 0; i < 40; ++i) {
+        x.push_back(0.1f * static_cast<float>(i));
+        y.push_back(5.0f * std::exp(-1.5f * x.back()) + 0.5f);
+    }
+    const std::vector<float> sig(40, 0.01f);
     const std::vector<int> all = {1, 1, 1}, fixed = {1, 1, 0};
     std::vector<float> a(3), error(3);
-    ASSERT_EQ(
-        nonlinearfit({data.x, data.y, data.sig, all, decay}, a, std::vector<float>{2.0f, 0.5f, 0.0f}, error),
-        0);
+    ASSERT_EQ(nonlinearfit({x, y, sig, all, decay}, a, std::vector<float>{2.0f, 0.5f, 0.0f}, error), 0);
     EXPECT_NEAR(a[0], 5.0, 1.0e-3);
     EXPECT_NEAR(a[1], 1.5, 1.0e-3);
     EXPECT_NEAR(a[2], 0.5, 1.0e-3);
@@ -87,9 +75,7 @@ TEST(LeastSquares, PerfectDataComeBack)
 
     // With the last one fixed its error is 0, and those of the others shrink.
     std::vector<float> b(3), errorB(3);
-    ASSERT_EQ(nonlinearfit({data.x, data.y, data.sig, fixed, decay}, b, std::vector<float>{2.0f, 0.5f, 0.5f},
-                           errorB),
-              0);
+    ASSERT_EQ(nonlinearfit({x, y, sig, fixed, decay}, b, std::vector<float>{2.0f, 0.5f, 0.5f}, errorB), 0);
     EXPECT_NEAR(b[1], 1.5, 1.0e-3);
     EXPECT_EQ(b[2], 0.5f);
     EXPECT_EQ(errorB[2], 0.0f);
@@ -114,11 +100,10 @@ TEST(LeastSquares, ErrorsAreStandardDeviations)
     EXPECT_NEAR(a[1], 0.8, 1.0e-3);
     EXPECT_NEAR(error[1], 2.0 / std::sqrt(10.0), 1.0e-4);
 
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(nonlinearfit({x, y, none, ia, line}, a, guess, error), 1);
+    const Said told = said([&] { EXPECT_EQ(nonlinearfit({x, y, none, ia, line}, a, guess, error), 1); });
     EXPECT_EQ(a, guess);
     EXPECT_EQ(error, (std::vector<float>{0.0f, 0.0f}));
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("errors must be above 0"), std::string::npos);
+    EXPECT_NE(told.err.find("errors must be above 0"), std::string::npos);
 }
 
 } // namespace

@@ -1,24 +1,15 @@
 #include "support/svd.h"
 
+#include "ground/alloc.h"
+#include "random_values.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <vector>
-
-#include "ground/alloc.h"
-#include "support/random.h"
 
 namespace trelm {
 namespace {
-
-std::vector<float> randomValues(std::size_t count, int seed)
-{
-    std::vector<float> values(count);
-    for (float &value : values)
-        value = 2.0f * ran1(&seed) - 1.0f;
-    return values;
-}
 
 TEST(Svd, MultipliesBackWithOrthonormalVectors)
 {
@@ -124,11 +115,11 @@ TEST(Svd, OneCoefficientIsTheQuotientOfSums)
 {
     std::vector<float> coef(1), covar(1);
     const std::vector<float> x = {1.0f, 2.0f};
-    svdLSMat(x, std::vector<float>{2.0f, 4.0f}, 2, 1, coef, covar, 1);
-    EXPECT_FLOAT_EQ(coef[0], 0.5f);
-    EXPECT_EQ(covar[0], 1.0f);
-    svdLSMat(x, std::vector<float>{0.0f, 0.0f}, 2, 1, coef, covar, 1);
-    EXPECT_EQ(coef[0], 0.0f);
+    for (const auto &[y, expected] : {std::pair{2.0f, 0.5f}, {0.0f, 0.0f}}) {
+        EXPECT_EQ(svdLSMat(x, std::vector<float>{y, 2.0f * y}, 2, 1, coef, covar, 1), 0);
+        EXPECT_FLOAT_EQ(coef[0], expected);
+        EXPECT_EQ(covar[0], 1.0f);
+    }
 }
 
 } // namespace

@@ -1,28 +1,28 @@
-#include "support/output_file.h"
 #include "support/text.h"
+
+#include "common/said.h"
+#include "common/temp_file.h"
+#include "support/output_file.h"
 #include "support/text_input.h"
 #include "support/token.h"
-
-#include <gtest/gtest.h>
-#include <limits>
-#include <random>
-#include <utility>
-#include <vector>
 
 #include <array>
 #include <climits>
 #include <cmath>
 #include <cstdlib>
-#include <unistd.h>
+#include <limits>
+#include <random>
+#include <utility>
+#include <vector>
 
 using namespace trelm;
-using testing::internal::CaptureStderr;
-using testing::internal::GetCapturedStderr;
 
 TEST(Token, WordsAreCountedFromOne)
 {
     const char *text = "\t one  2x\r\n";
     EXPECT_EQ(cntToken(text), 2);
+    EXPECT_EQ(firstWord(text), "one");
+    EXPECT_EQ(firstWord(" \t"), "");
     EXPECT_EQ(getToken(1, text), "one");
     EXPECT_EQ(badToken, 0);
     EXPECT_EQ(getTokenI(2, text), 2);
@@ -106,19 +106,7 @@ TEST(TextInput, LinesWithAndWithoutTheLastNewline)
     EXPECT_EQ(all, "a||b|a||b|");
 }
 
-TEST(OutputFile, AFullDeviceIsOneLineAndFails)
-{
-    OutFile out;
-    CaptureStderr(); // it flushes all streams: behind the write it would make the fault an early one
-    ASSERT_EQ(openOut(out, "/dev/full", "w"), 0);
-    writeOut(out, "lost");
-    EXPECT_EQ(closeOut(out), 1);
-    EXPECT_EQ(GetCapturedStderr(), "Error writing /dev/full.\n");
-    EXPECT_EQ(openOut(out, "/none/such/file", "w"), 1);
-    EXPECT_EQ(out.fp, stdout);
-}
-
-TEST(Text, FixedNumbersAreThoseOfPrintf)
+TEST(Text, NumbersAreThoseOfPrintf)
 {
     std::mt19937 engine(11);
     std::vector<float> values = {0.0f,
@@ -138,36 +126,51 @@ TEST(Text, FixedNumbersAreThoseOfPrintf)
         values.push_back((i % 2 == 0 ? 1.0f : -1.0f) * std::pow(10.0f, exponent(engine)));
     for (int i = 0; i < 20000; ++i)
         values.push_back(static_cast<float>(i) / 1024.0f); // many of them half-way between two prints
-    for (const float value : values) {
-        for (const auto &[width, decimals] : {std::pair{8, 3}, {6, 2}, {0, 2}, {9, 4}, {5, 0}}) {
+    for (const float value : values)
+        for (const auto &[width, decimals] : {std::pair{8, 3}, {6, 2}, {0, 2}, {9, 4}, {5, 0}, {60, 1}}) {
             std::string plain, fast;
-            trelm::appendf(plain, "%*.*f % *.*f", width, decimals, static_cast<double>(value), width,
-                           decimals, static_cast<double>(value));
-            trelm::appendFixed(fast, value, static_cast<std::size_t>(width), decimals,
-                               trelm::SignPlace::none);
+            appendf(plain, "%*.*f % *.*f", width, decimals, static_cast<double>(value), width, decimals,
+                    static_cast<double>(value));
+            appendFixed(fast, value, static_cast<std::size_t>(width), decimals, SignPlace::none);
             fast += ' ';
-            trelm::appendFixed(fast, value, static_cast<std::size_t>(width), decimals,
-                               trelm::SignPlace::blank);
+            appendFixed(fast, value, static_cast<std::size_t>(width), decimals, SignPlace::blank);
             ASSERT_EQ(fast, plain);
         }
-    }
-    for (const int value : {0, 7, -7, 123456, 2147483647, -2147483647 - 1}) {
+    for (const int value : {0, 7, -7, 123456, INT_MAX, INT_MIN}) {
         std::string plain, fast;
-        trelm::appendf(plain, "%5d", value);
-        trelm::appendInt(fast, value, 5);
+        appendf(plain, "%5d%60d", value, value);
+        appendInt(fast, value, 5);
+        appendInt(fast, value, 60);
         EXPECT_EQ(fast, plain);
     }
 }
 
-TEST(OutputFile, WhatIsWrittenCanBeRead)
+TEST(Text, OnlyLettersAToZAreRaised)
 {
-    const std::string name = testing::TempDir() + "trelm_text_" + std::to_string(getpid()) + ".txt";
+    std::string text = "az\xe9 1_";
+    raiseStr(text);
+    EXPECT_EQ(text, "AZ\xe9 1_");
+}
+
+TEST(OutputFile, WhatIsWrittenCanBeReadAndAFullDeviceIsOneLineAndFails)
+{
+    const TempFile file;
     OutFile out;
-    ASSERT_EQ(openOut(out, name, "w"), 0);
+    ASSERT_EQ(openOut(out, file.name, "w"), 0);
     writeOut(out, "one\n");
     EXPECT_EQ(closeOut(out), 0);
     TextInput input;
-    EXPECT_EQ(readText(input, name), TextStatus::read);
+    EXPECT_EQ(readText(input, file.name), TextStatus::read);
     EXPECT_EQ(input.text, "one\n");
-    std::remove(name.c_str());
+
+    int status = 0;
+    const Said told = said([&] {
+        ASSERT_EQ(openOut(out, "/dev/full", "w"), 0);
+        writeOut(out, "lost");
+        status = closeOut(out);
+    });
+    EXPECT_EQ(status, 1);
+    EXPECT_EQ(told.err, "Error writing /dev/full.\n");
+    EXPECT_EQ(openOut(out, "/none/such/file", "w"), 1);
+    EXPECT_EQ(out.fp, stdout);
 }

@@ -1,0 +1,31 @@
+// The columns of a text table that name an atom.
+#pragma once
+
+#include "structure/pdb.h"
+#include "support/table.h"
+
+#include <string_view>
+#include <vector>
+
+namespace trelm {
+
+/// Places of the atom columns of a table, negative where absent.
+struct AtomTabLocs {
+    int resID = -1, resName = -1, atomName = -1, chainName = -1, segName = -1;
+};
+
+/// What the atom columns of one row hold.
+struct AtomTabVals {
+    int resID = 0;
+    Name resName, atomName, chainName, segName;
+};
+
+/// Finds RESID, RESNAME, ATOMNAME, CHAINNAME, SEGNAME with a suffix such as "_I".
+void getAtomTabLocs(const std::vector<tabVar> &varInfo, std::string_view suffix, AtomTabLocs &locs);
+
+/// Reads the atom columns of the row at rPtr; fields without a column stay. Returns a mask of what was found:
+/// 1 residue number, 2 atom name, 4 residue name, 8 chain name, 16 segment name.
+int getAtomTabVals(const std::vector<tabVar> &varInfo, const float *rPtr, const AtomTabLocs &locs,
+                   AtomTabVals &vals);
+
+} // namespace trelm

@@ -7,6 +7,7 @@
 #include "couplings/fit.h"
 #include "couplings/output.h"
 #include "ground/alloc.h"
+#include "ground/modes.h"
 #include "support/progress.h"
 #include "support/random.h"
 #include "support/text.h"
@@ -17,8 +18,6 @@
 
 namespace trelm {
 namespace {
-
-constexpr int randomSearch = 4, fullSearch = 5, selectedSearch = 6; ///< values of spreadMode
 
 /// What a coupling is left with when its residue has no peak.
 constexpr float noPeakSigma = 100000.0f, noPeakWeight = 1e-6f;
@@ -75,12 +74,12 @@ int search(const AssignmentProblem &problem, const AssignmentSetup &setup, BestA
 {
     best.bestIdList.assign(static_cast<std::size_t>(problem.peakCount), -1);
     switch (setup.trelmInfo->spreadMode) {
-    case randomSearch:
+    case spreadRand:
         searchRandomly(problem, setup.mapCount, best);
         return 0;
-    case fullSearch:
+    case spreadExhaust:
         return searchAll(problem, *setup.trelmInfo, best);
-    case selectedSearch:
+    case spreadExhaustSel:
         searchSelected(problem, *setup.trelmInfo, best);
         return 0;
     default:

@@ -1,6 +1,7 @@
 #include "assignment/bound.h"
 
 #include "couplings/design.h"
+#include "support/numbers.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,11 +14,6 @@ constexpr SaupeTerms sizeWeights = {1.5, 0.5, 2.0, 2.0, 2.0}; ///< of the square
 /// Below this part of its diagonal a pivot is lost in rounding: nothing is said about the tensor then.
 constexpr double pivotLimit = 1e-9;
 constexpr double infinity = std::numeric_limits<double>::infinity();
-
-double number(float value)
-{
-    return static_cast<double>(value);
-}
 
 constexpr std::size_t at(std::size_t i, std::size_t j)
 {

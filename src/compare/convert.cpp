@@ -2,6 +2,7 @@
 
 #include "couplings/output.h"
 #include "couplings/table_input.h"
+#include "support/numbers.h"
 #include "support/output_file.h"
 #include "support/random.h"
 #include "support/sort.h"
@@ -15,7 +16,6 @@
 namespace trelm {
 namespace {
 
-constexpr float noMeasurement = 999.0f; ///< values from here on stay out of the listing
 constexpr int systemFormat = 4;
 
 /// A table on its way out.
@@ -26,11 +26,6 @@ struct Conversion {
     std::span<const int> resIdList; ///< residues of the listing, ascending
     std::span<const int> indexList; ///< the row that names each of them
 };
-
-double number(float value)
-{
-    return value;
-}
 
 bool isAmideProton(const Name &name)
 {
@@ -143,7 +138,7 @@ std::vector<std::string> fillCells(const Conversion &job, std::span<const Column
     const auto observed = job.dTab.observed(), calculated = job.dTab.calculated();
     for (std::size_t i = 0; i < observed.size(); ++i) {
         const DInfo &row = observed[i];
-        if (row.valid == 0 || !(row.d < noMeasurement))
+        if (row.valid == 0 || !(row.d < missingCoupling))
             continue;
         for (std::size_t k = 0; k < shown.size(); ++k) {
             if (!isInColumn(row, shown[k]))
@@ -192,7 +187,7 @@ std::size_t indexResidues(const DTable &dTab, std::span<int> resIdList, std::spa
     int index = 0;
     for (const DInfo &row : dTab.observed()) {
         const int id = std::max(row.resIDI, row.resIDJ);
-        if (row.valid != 0 && row.d < noMeasurement && known.insert(id).second) {
+        if (row.valid != 0 && row.d < missingCoupling && known.insert(id).second) {
             resIdList[count] = id;
             indexList[count++] = index;
         }

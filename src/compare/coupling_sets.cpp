@@ -10,8 +10,6 @@
 namespace trelm {
 namespace {
 
-constexpr float noMeasurement = 999.0f; ///< values from here on stand for a coupling that was not measured
-
 /// What two rows of the same coupling share. Names hold no zero character, so that it separates them.
 std::string keyOf(const DInfo &row)
 {
@@ -44,7 +42,7 @@ int adjustDC(int opCode, float c1, float c2, DTable *dTab1, const DTable *dTab2)
     const auto observed = dTab1->observed(), calculated = dTab1->calculated();
     for (std::size_t i = 0; i < observed.size(); ++i) {
         DInfo &obs = observed[i];
-        if (obs.d >= noMeasurement)
+        if (obs.d >= missingCoupling)
             continue;
         const auto match = values.find(keyOf(obs));
         if (match == values.end()) {

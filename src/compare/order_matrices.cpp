@@ -2,6 +2,7 @@
 
 #include "compare/combine.h"
 #include "couplings/output.h"
+#include "support/numbers.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -13,7 +14,6 @@ namespace trelm {
 namespace {
 
 constexpr std::size_t solutions = 4; ///< right-handed frames of a tensor
-constexpr double pi = 3.14159265;    ///< of all angle conversions here
 constexpr double degrees = 180.0 / pi;
 
 /// The rotation from tensor 1 to one solution of tensor 2, as a turn about one axis.
@@ -49,7 +49,7 @@ struct Comparison {
 };
 
 /// Values that are no numbers print the same on every machine.
-double number(float value)
+double printable(float value)
 {
     return std::isnan(value) ? std::numeric_limits<double>::quiet_NaN() : static_cast<double>(value);
 }
@@ -142,9 +142,9 @@ Vector3f chooseHinge(const Vector3f &hingeAxis, const Vector3f &twist, const Vec
     if (isNotGiven(hingeAxis))
         return found;
     std::printf("REMARK %.2f degree between input hinge and twist axis.\n",
-                number(foldedAngle(hingeAxis, twist)));
+                printable(foldedAngle(hingeAxis, twist)));
     std::printf("REMARK This corresponds to %.2f %% closure motion.\n",
-                number(closurePart(hingeAxis, twist)));
+                printable(closurePart(hingeAxis, twist)));
     return hingeAxis;
 }
 
@@ -288,8 +288,8 @@ void appendOrientation(const Comparison &found, const Saupe &saupe1, const Saupe
             dcos[2] * degrees);
     float dcos5d = 0.0f, angle = 0.0f;
     irrCollinarity(single(saupe1), single(saupe2), dcos5d, angle);
-    appendf(text, "\nDATA ANGLE_5D_SPACE  %.2f\n", number(angle));
-    appendf(text, "DATA COLL_5D         %.5f\n", number(dcos5d));
+    appendf(text, "\nDATA ANGLE_5D_SPACE  %.2f\n", printable(angle));
+    appendf(text, "DATA COLL_5D         %.5f\n", printable(dcos5d));
 }
 
 void appendHinges(const std::array<Hinge, solutions> &hinges, std::string &text)
@@ -297,7 +297,7 @@ void appendHinges(const std::array<Hinge, solutions> &hinges, std::string &text)
     const auto row = [&](const char *name, float Hinge::*value) {
         appendf(text, "DATA %-18s", name);
         for (const Hinge &hinge : hinges)
-            appendf(text, "  %7.2f", number(hinge.*value));
+            appendf(text, "  %7.2f", printable(hinge.*value));
         text += '\n';
     };
     text += "\n\nREMARK Hinge rotation between Saupe frames.\n\n";
@@ -308,7 +308,7 @@ void appendHinges(const std::array<Hinge, solutions> &hinges, std::string &text)
     for (std::size_t i = 0; i < solutions; ++i) {
         const Vector3f &axis = hinges[i].axis;
         appendf(text, "DATA HINGE_AXIS (X/Y/Z) %2d  %6.3f  %6.3f  %6.3f\n", static_cast<int>(i),
-                number(axis[0]), number(axis[1]), number(axis[2]));
+                printable(axis[0]), printable(axis[1]), printable(axis[2]));
     }
 }
 
@@ -328,7 +328,7 @@ void appendSolutions(const char *heading, const std::array<const char *, 3> &nam
 void appendRotations(const std::array<RelativeAngles, solutions> &relative, std::string &text)
 {
     const auto values = [](const RotationAngles &angles) {
-        return std::array{number(angles.psi), number(angles.theta), number(angles.phi)};
+        return std::array{printable(angles.psi), printable(angles.theta), printable(angles.phi)};
     };
     text += "\n\nREMARK Euler rotation between Saupe frames.\n\n";
     appendSolutions(
@@ -347,8 +347,8 @@ void appendRotations(const std::array<RelativeAngles, solutions> &relative, std:
 void appendFrame(const ClosureFrame &frame, std::string &text)
 {
     const auto axis = [&](char name, const Vector3f &v) {
-        appendf(text, "DATA CTB_FRAME %c_AXIS (X/Y/Z) % .4e % .4e % .4e\n", name, number(v[0]), number(v[1]),
-                number(v[2]));
+        appendf(text, "DATA CTB_FRAME %c_AXIS (X/Y/Z) % .4e % .4e % .4e\n", name, printable(v[0]),
+                printable(v[1]), printable(v[2]));
     };
     text += "\n\nREMARK Closure, twist, bend frame.\n\n";
     axis('X', frame.closureAxis);

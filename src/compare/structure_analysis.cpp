@@ -8,6 +8,7 @@
 #include "simulation/inertia.h"
 #include "simulation/rotation.h"
 #include "structure/write.h"
+#include "support/numbers.h"
 #include "support/output_file.h"
 #include "support/text.h"
 
@@ -119,7 +120,6 @@ int findFrames(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, ChargeSet &charges,
 
 void appendDipole(const Dipole &dipole, std::string &text)
 {
-    const auto number = [](float value) { return static_cast<double>(value); };
     const auto place = [&](const char *name, const std::array<float, 3> &at) {
         appendf(text, "DATA PDB_EL %s  % e   % e   % e\n", name, number(at[0]), number(at[1]), number(at[2]));
     };
@@ -137,10 +137,7 @@ void appendInput(const TensorAnalysis &input, const Saupe &saupe, int eulerFlag,
     std::string block;
     writeEulerInfo(input, block, eulerFlag);
     text.append("\n\nREMARK Input tensor.").append(block);
-    appendf(text, "\nDATA SAUPE  % .4e % .4e % .4e % .4e % .4e\n\n", saupe[0], saupe[1], saupe[2], saupe[3],
-            saupe[4]);
-    const double R = input.da != 0.0 ? input.dr / input.da : 0.0;
-    appendf(text, "DATA Da(NH) = %.1f    R = Dr/Da = %.3f\n", input.da * amideScale, R);
+    appendSaupeLines(saupe, input, text);
 }
 
 int appendReport(const TrelmInfo &trelmInfo, const Findings &findings, const Saupe &saupe, std::string &text)
@@ -156,7 +153,7 @@ int appendReport(const TrelmInfo &trelmInfo, const Findings &findings, const Sau
         appendDipole(findings.dipole, text);
     appendInput(findings.input, saupe, trelmInfo.eulerFlag, text);
     text += "\n\nREMARK Relative orientation of two coordinate systems.\n\n";
-    constexpr double degrees = 180.0 / 3.14159265;
+    constexpr double degrees = 180.0 / pi;
     const auto dcos = calcDcos(findings.structure.eigVec, findings.input.eigVec);
     appendf(text, "DATA DCOS_DEG (x/y/z)    %.3f  %.3f  %.3f\n", dcos[0] * degrees, dcos[1] * degrees,
             dcos[2] * degrees);

@@ -239,15 +239,6 @@ void findSideOrDrop(PDBInfo *pdbInfo, const SideQuery &query, std::array<AtomInf
     obs.valid = 0;
 }
 
-void warnUnmapped(const DInfo &obs, int aOff)
-{
-    complain("GORVAT Warning: No Atom Map for DC, offset %d:\n", aOff);
-    complain("   ResIDI: %4d ResNameI: %4s AtomNameI: %4s SegI: %4s ChainI: %4s\n", obs.resIDI,
-             obs.resNameI.c_str(), obs.atomNameI.c_str(), obs.segNameI.c_str(), obs.chainNameI.c_str());
-    complain("   ResIDJ: %4d ResNameJ: %4s AtomNameJ: %4s SegJ: %4s ChainJ: %4s\n", obs.resIDJ,
-             obs.resNameJ.c_str(), obs.atomNameJ.c_str(), obs.segNameJ.c_str(), obs.chainNameJ.c_str());
-}
-
 /// The names that an atom's residue carries.
 void takeNames(const AtomInfo &atom, Name &resName, Name &chainName, Name &segName)
 {
@@ -383,8 +374,6 @@ int mapDCInfo(PDBInfo *pdbInfo, DTable *dTab, int aOff)
         findSide(pdbInfo, sides.j, obs.atomJ, obs.atomJCount);
         obs.valid = obs.atomICount > 0 && obs.atomJCount > 0 ? 1 : 0;
         mapped += obs.valid;
-        if (obs.valid == 0 && getPDBWarn() != 0)
-            warnUnmapped(obs, aOff);
     }
     return mapped;
 }

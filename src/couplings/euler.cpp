@@ -1,5 +1,7 @@
 #include "couplings/euler.h"
 
+#include "support/numbers.h"
+
 #include <algorithm>
 #include <cmath>
 #include <span>
@@ -8,7 +10,6 @@
 namespace trelm {
 namespace {
 
-constexpr double pi = 3.14159265; ///< of all angle conversions here
 constexpr double degreesOf = 180.0 / pi;
 constexpr float piSingle = 3.14159265f;
 constexpr float degreesSingle = 57.29577957855229f;

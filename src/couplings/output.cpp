@@ -4,6 +4,7 @@
 #include "couplings/run_report.h"
 #include "couplings/statistics.h"
 #include "structure/write.h"
+#include "support/numbers.h"
 #include "support/output_file.h"
 #include "support/text.h"
 
@@ -12,14 +13,6 @@
 
 namespace trelm {
 namespace {
-
-constexpr double pi = 3.14159265;
-constexpr double halfPi = 1.570796325;
-
-double number(float value)
-{
-    return static_cast<double>(value);
-}
 
 void appendOrderMatrix(const DTensor &tensor, std::string &text)
 {
@@ -311,6 +304,14 @@ int writeFit(const FittedRun &run)
     if (turned != 0)
         complain("trelm: error in writePDBRot.\n");
     return turned != 0 ? turned : written;
+}
+
+void appendSaupeLines(const Saupe &saupe, const TensorAnalysis &analysis, std::string &text)
+{
+    appendf(text, "\nDATA SAUPE  % .4e % .4e % .4e % .4e % .4e\n\n", saupe[0], saupe[1], saupe[2], saupe[3],
+            saupe[4]);
+    const double R = analysis.da != 0.0 ? analysis.dr / analysis.da : 0.0;
+    appendf(text, "DATA Da(NH) = %.1f    R = Dr/Da = %.3f\n", analysis.da * amideScale, R);
 }
 
 void writeEulerInfo(const TensorAnalysis &analysis, std::string &result, int eulerFlag)

@@ -37,4 +37,7 @@ int writeFit(const FittedRun &run);
 /// 0.
 void writeEulerInfo(const TensorAnalysis &analysis, std::string &result, int eulerFlag);
 
+/// The short form of an order matrix in reports: its five values, Da(NH) in Hz, and R; R is 0 without Da.
+void appendSaupeLines(const Saupe &saupe, const TensorAnalysis &analysis, std::string &text);
+
 } // namespace trelm

@@ -1,6 +1,8 @@
 #include "couplings/run_report.h"
 
 #include "couplings/dipolar.h"
+#include "ground/modes.h"
+#include "support/numbers.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -11,11 +13,6 @@ namespace {
 
 /// Appends one or more lines about a run.
 using Line = void (*)(const TrelmInfo &info, std::string &text);
-
-double number(float value)
-{
-    return static_cast<double>(value);
-}
 
 void lcType(const TrelmInfo &info, std::string &text)
 {
@@ -89,8 +86,8 @@ void tableFlags(const TrelmInfo &info, std::string &text)
 void action(const TrelmInfo &info, std::string &text)
 {
     constexpr const char *names[] = {"add", "sub", "mul", "div", "max"};
-    if (info.opCode >= 1 && info.opCode <= 5)
-        appendf(text, "DATA TRELM ACTION    %s\n", names[info.opCode - 1]);
+    if (info.opCode >= opAdd && info.opCode <= opMax)
+        appendf(text, "DATA TRELM ACTION    %s\n", names[info.opCode - opAdd]);
     appendf(text, "DATA TRELM C1     % .3f\n", number(info.c1));
     appendf(text, "DATA TRELM C2     % .3f\n", number(info.c2));
 }
@@ -171,7 +168,7 @@ constexpr Line tableConversion[] = {conversion};
 
 /// The name of a mode and the lines that follow it: in the parameter block, and at the head of a table. A
 /// null name has no line there.
-struct ModeRow {
+struct ReportRow {
     int trelmMode;
     const char *blockName;
     std::span<const Line> blockLines;
@@ -179,22 +176,22 @@ struct ModeRow {
     std::span<const Line> tableLines;
 };
 
-constexpr ModeRow modeRows[] = {
-    {1, "STERIC", blockSteric, "STERIC", tableSteric},
-    {2, "STERIC_FREE", blockSteric, "STERIC_FREE", tableSteric},
-    {3, "STERIC_GRID", blockSteric, "STERIC_GRID", tableSteric},
-    {4, "ELECTROSTATIC", blockElectrostatic, "ELECTROSTATIC", tableElectrostatic},
-    {5, "ELECTROSTATIC_FREE", blockSteric, "ELECTROSTATIC_FREE", tableSteric},
-    {6, "ELECTROSTATIC_GRID", blockSteric, "ELECTROSTATIC_GRID", tableSteric},
-    {7, "DC", {}, "DC", {}},
-    {8, "CS", {}, "CS", {}},
-    {9, "DA_HIST", blockHistogram, nullptr, {}},
-    {10, nullptr, {}, "DA_ML", tableLikelihood},
-    {12, nullptr, {}, "HIST", {}},
-    {13, "DC_CP", actionLines, "DC_CP", actionLines},
-    {14, "SAUPE_CP", actionLines, "SAUPE_CP", actionLines},
-    {15, "PDB", {}, nullptr, {}},
-    {17, nullptr, {}, "CONV", tableConversion},
+constexpr ReportRow reportRows[] = {
+    {modeStTrelm, "STERIC", blockSteric, "STERIC", tableSteric},
+    {modeStTrelmFree, "STERIC_FREE", blockSteric, "STERIC_FREE", tableSteric},
+    {modeStTrelmGrid, "STERIC_GRID", blockSteric, "STERIC_GRID", tableSteric},
+    {modeElTrelm, "ELECTROSTATIC", blockElectrostatic, "ELECTROSTATIC", tableElectrostatic},
+    {modeElTrelmFree, "ELECTROSTATIC_FREE", blockSteric, "ELECTROSTATIC_FREE", tableSteric},
+    {modeElTrelmGrid, "ELECTROSTATIC_GRID", blockSteric, "ELECTROSTATIC_GRID", tableSteric},
+    {modeBestFit, "DC", {}, "DC", {}},
+    {modeCsSim, "CS", {}, "CS", {}},
+    {modeDaHist, "DA_HIST", blockHistogram, nullptr, {}},
+    {modeDaMl, nullptr, {}, "DA_ML", tableLikelihood},
+    {modeAsRan, nullptr, {}, "HIST", {}},
+    {modeAnDc, "DC_CP", actionLines, "DC_CP", actionLines},
+    {modeAnA, "SAUPE_CP", actionLines, "SAUPE_CP", actionLines},
+    {modeAnPdb, "PDB", {}, nullptr, {}},
+    {modeConv, nullptr, {}, "CONV", tableConversion},
 };
 
 void appendMode(const char *name, std::span<const Line> lines, const TrelmInfo &info, std::string &text)
@@ -241,14 +238,12 @@ void appendTensorMode(const DTensor &tensor, std::string &text)
     }
 }
 
-constexpr int modeBestFit = 7;
-
 } // namespace
 
 int writeTrelm(const TrelmInfo &trelmInfo, std::string &result)
 {
-    const auto *row = std::ranges::find(modeRows, trelmInfo.trelmMode, &ModeRow::trelmMode);
-    if (row != std::end(modeRows))
+    const auto *row = std::ranges::find(reportRows, trelmInfo.trelmMode, &ReportRow::trelmMode);
+    if (row != std::end(reportRows))
         appendMode(row->blockName, row->blockLines, trelmInfo, result);
     rim(trelmInfo, result);
     return 0;
@@ -256,8 +251,8 @@ int writeTrelm(const TrelmInfo &trelmInfo, std::string &result)
 
 void appendModeBlock(const TrelmInfo &trelmInfo, const DTensor &dTensor, std::string &text)
 {
-    const auto *row = std::ranges::find(modeRows, trelmInfo.trelmMode, &ModeRow::trelmMode);
-    if (row != std::end(modeRows))
+    const auto *row = std::ranges::find(reportRows, trelmInfo.trelmMode, &ReportRow::trelmMode);
+    if (row != std::end(reportRows))
         appendMode(row->tableName, row->tableLines, trelmInfo, text);
     if (trelmInfo.trelmMode == modeBestFit)
         appendTensorMode(dTensor, text);

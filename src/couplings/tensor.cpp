@@ -1,5 +1,6 @@
 #include "couplings/tensor.h"
 
+#include "support/numbers.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -126,7 +127,6 @@ void irrCollinarity(const SaupeValues &saupe1, const SaupeValues &saupe2, float 
 
 void reportEuler(std::string &text, const DTensor &dTensor)
 {
-    const auto number = [](float value) { return static_cast<double>(value); };
     appendf(text, "DATA EULER_SOLUTIONS %d\n", dTensor.eulerCount);
     const auto count = static_cast<std::size_t>(std::clamp(dTensor.eulerCount, 0, 8));
     for (std::size_t i = 0; i < count; ++i)

@@ -4,21 +4,11 @@
 #include "support/match.h"
 #include "support/text.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <limits>
 
 namespace trelm {
 namespace {
-
-/// a - b for residue numbers, which a user may give as any int; a difference beyond int becomes its limit.
-int residueDifference(int a, int b)
-{
-    const std::int64_t difference = std::int64_t{a} - b;
-    return static_cast<int>(std::clamp<std::int64_t>(difference, std::numeric_limits<int>::min(),
-                                                     std::numeric_limits<int>::max()));
-}
 
 int readStructure(Run &run)
 {
@@ -61,10 +51,10 @@ void selectCouplings(Run &run)
     PDBInfo *pdbInfo = &run.pdbInfo[0];
     DTable *dTab = &run.dTab[0];
     // The offset is that of the window, not the one of buildDC, which looks the atoms up again.
-    mapDCInfo(pdbInfo, dTab, residueDifference(dcInfo.segFirst, dcInfo.segLast));
+    mapDCInfo(pdbInfo, dTab, shiftedRes(dcInfo.segFirst, -std::int64_t{dcInfo.segLast}));
     chooseRows(*dTab, dcInfo, options.atomNameS1, options.atomNameS2);
     run.trelmInfo[0].validCountD =
-        buildDC(pdbInfo, dTab, residueDifference(dcInfo.aFirst, dcInfo.segFirst), dcInfo.segFirst,
+        buildDC(pdbInfo, dTab, shiftedRes(dcInfo.aFirst, -std::int64_t{dcInfo.segFirst}), dcInfo.segFirst,
                 options.wList.span(), run.trelmInfo[0].allowFixedDI);
     tellRows(run.trelmInfo[0].validCountD, "selected", dcInfo.excludeMode);
 }

@@ -95,10 +95,7 @@ int reportAverage(Run &run, const Saupe &saupe, const TensorAnalysis &average)
         return status;
     }
     result += block;
-    appendf(result, "\nDATA SAUPE  % .4e % .4e % .4e % .4e % .4e\n\n", saupe[0], saupe[1], saupe[2], saupe[3],
-            saupe[4]);
-    const double R = average.da != 0.0 ? average.dr / average.da : 0.0;
-    appendf(result, "DATA Da(NH) = %.1f    R = Dr/Da = %.3f\n", average.da * amideScale, R);
+    appendSaupeLines(saupe, average, result);
     std::fputs(result.c_str(), stderr);
     return writeDCmod(run.options.aveName, "w", &dTab, &trelmInfo, result);
 }
@@ -111,6 +108,8 @@ int simulateEnsemble(Run &run)
     ChargeSet charges;
     if (checkEnsemble(trelmInfo) != 0)
         return 1;
+    if (!run.options.potName.empty())
+        complain("trelm: -stTrelmGrid reads no potential: -pot is not used.\n");
     int status = setUp(run, charges);
     if (status != 0)
         return status;

@@ -1,8 +1,8 @@
 #include "errors/cone_noise.h"
 
 #include "structure/backbone.h"
+#include "support/numbers.h"
 #include "support/random.h"
-#include "support/rounding.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -14,8 +14,6 @@ namespace trelm {
 namespace {
 
 // The digits decide the last places of every noisy coordinate.
-constexpr double pi = 3.14159265;
-constexpr double halfPi = 1.570796325;
 
 using Vector = std::array<float, 3>;
 

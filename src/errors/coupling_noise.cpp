@@ -2,6 +2,7 @@
 
 #include "couplings/fit.h"
 #include "couplings/output.h"
+#include "support/numbers.h"
 #include "support/progress.h"
 #include "support/random.h"
 #include "support/text.h"
@@ -14,11 +15,6 @@ namespace {
 
 constexpr float widestScale = 1e9f; ///< of the errors
 constexpr int mostScales = 200000;  ///< trial scales of the errors before the search gives up
-
-double number(float value)
-{
-    return static_cast<double>(value);
-}
 
 /// What the mapping remembers of each coupling, row by row.
 struct CouplingLists {

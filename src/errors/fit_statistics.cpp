@@ -3,6 +3,7 @@
 #include "couplings/fit.h"
 #include "couplings/output.h"
 #include "couplings/statistics.h"
+#include "support/numbers.h"
 #include "support/random.h"
 #include "support/text.h"
 
@@ -49,7 +50,6 @@ void collectPairs(const DTable &dTab, Pairs &pairs)
 /// The lines of a block. The offset is that of the exchanged regression, measured on calculated.
 void appendBlock(float stdDevD, float q, const Regression &line, std::string &result)
 {
-    const auto number = [](float value) { return static_cast<double>(value); };
     result += "\nDATA STATISTICS DC\n";
     appendf(result, "DATA STATISTICS DC STDDEV_DIFF  %.3f [Hz]\n", number(stdDevD));
     appendf(result, "DATA STATISTICS DC CORR R       %.3f\n", number(line.r));

@@ -3,6 +3,7 @@
 #include "couplings/fit.h"
 #include "couplings/statistics.h"
 #include "structure/write.h"
+#include "support/numbers.h"
 #include "support/progress.h"
 #include "support/text.h"
 
@@ -17,11 +18,6 @@ namespace {
 
 constexpr double mostWidths = 1e4;  ///< of the search
 constexpr float widestCone = 90.0f; ///< degrees: the search ends there
-
-double number(float value)
-{
-    return static_cast<double>(value);
-}
 
 /// An atom of a coupling, and where it was.
 struct SavedAtom {

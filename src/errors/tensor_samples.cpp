@@ -5,6 +5,7 @@
 #include "couplings/statistics.h"
 #include "simulation/rotation.h"
 #include "structure/write.h"
+#include "support/numbers.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -14,13 +15,7 @@
 namespace trelm {
 namespace {
 
-constexpr double pi = 3.14159265;
 constexpr float noTensor = 999.9f;
-
-double number(float value)
-{
-    return static_cast<double>(value);
-}
 
 Saupe saupeOf(const DTensor &dTensor)
 {
@@ -115,7 +110,7 @@ struct MapPoint {
 MapPoint mapPoint(const Matrix3d &eigVec, std::size_t column)
 {
     const double x = eigVec[column], y = eigVec[3 + column], z = eigVec[6 + column];
-    const double lambda = 1.570796325 - std::acos(std::clamp(z, -1.0, 1.0));
+    const double lambda = halfPi - std::acos(std::clamp(z, -1.0, 1.0));
     const double phi = std::atan2(y, x);
     const double opposite = phi > 0.0 ? phi - pi : phi < 0.0 ? phi + pi : 0.0;
     return {std::cos(lambda) * phi, lambda, std::cos(lambda) * opposite};

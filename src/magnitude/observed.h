@@ -35,7 +35,7 @@ struct ObservedCouplings {
 /// True if a measured row takes part: it is valid and has a value.
 [[nodiscard]] constexpr bool isObserved(const DInfo &row)
 {
-    return row.valid != 0 && row.d < 999.0f;
+    return row.valid != 0 && row.d < missingCoupling;
 }
 
 /// Reads the table, settles the window of residues, chooses the couplings, and tells the number left by both

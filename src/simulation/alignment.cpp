@@ -3,6 +3,7 @@
 #include "simulation/electrostatic.h"
 #include "simulation/grid3d.h"
 #include "simulation/sphere.h"
+#include "support/numbers.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -53,7 +54,7 @@ int printBlocks(const TrelmInfo &trelmInfo, const Saupe &saupeSteric, const Saup
 
 int refine_bicelle(TrelmInfo *trelmInfo)
 {
-    constexpr double pi = 3.14159265, piSquare = 9.869604378534024;
+    constexpr double piSquare = 9.869604378534024;
     const auto q = static_cast<double>(trelmInfo->molarRatio);
     const auto c = static_cast<double>(trelmInfo->concentration);
     const auto R = static_cast<double>(trelmInfo->radiusModel);

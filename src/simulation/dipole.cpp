@@ -1,5 +1,7 @@
 #include "simulation/dipole.h"
 
+#include "support/numbers.h"
+
 #include <cmath>
 #include <cstdio>
 
@@ -36,7 +38,6 @@ Matrix3d dipoleAxes(const std::array<float, 3> &direction)
 void printDipole(const Dipole &dipole, const std::array<float, 3> &monopolAt,
                  const std::array<float, 3> &dipolAt, const std::array<float, 3> &direction)
 {
-    const auto number = [](float value) { return static_cast<double>(value); };
     std::printf("REMARK Total positive charge %.3f [e], Total negative charge %.3f [e].\n",
                 number(dipole.chargeDipol[0]), number(dipole.chargeDipol[1]));
     std::printf("REMARK Monopol charge at (%.3f,%.3f,%.3f) [A] of %.3f [e].\n", number(monopolAt[0]),

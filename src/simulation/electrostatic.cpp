@@ -5,6 +5,7 @@
 #include "simulation/rod.h"
 #include "simulation/steric.h"
 #include "simulation/wall.h"
+#include "support/numbers.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -17,11 +18,6 @@ namespace {
 
 constexpr const char *tag = "sma";
 constexpr double mostSteps = 1e6; ///< from one rod to the next; their sum is rounded at each
-
-double number(float value)
-{
-    return static_cast<double>(value);
-}
 
 GridSetup gridSetup(const TrelmInfo &trelmInfo, const SmaSetup &setup)
 {

@@ -8,6 +8,7 @@
 #include "simulation/sphere.h"
 #include "structure/rotate.h"
 #include "structure/write.h"
+#include "support/numbers.h"
 #include "support/output_file.h"
 #include "support/text.h"
 #include "support/text_input.h"
@@ -22,8 +23,6 @@ namespace trelm {
 namespace {
 
 // Three precisions on purpose: the limits of the cone decide whether a direction on their rim is a state.
-constexpr double pi = 3.14159265;
-constexpr double quarterTurn = 1.570796325;
 constexpr double coneHalfTurn = 3.1415927;
 constexpr int outStates = 3; ///< outEflag: the states are listed, not simulated
 constexpr Axis unitZ = {0.0, 0.0, 1.0};
@@ -109,7 +108,7 @@ int generateStates(const GridInfo &gridInfo, Monitors &monitors, Ensemble &ensem
     for (std::size_t i = 0; i + 2 < dots.size(); i += 3) {
         const double x = dots[i], y = dots[i + 1], z = dots[i + 2];
         const Direction direction = {std::atan2(y, x),
-                                     std::abs(quarterTurn - std::atan2(z, std::sqrt(x * x + y * y)))};
+                                     std::abs(halfPi - std::atan2(z, std::sqrt(x * x + y * y)))};
         const auto beta = static_cast<float>(direction.beta * 180.0 / coneHalfTurn);
         if (beta < gridInfo.lBetaCone || beta > gridInfo.hBetaCone)
             continue;

@@ -7,6 +7,7 @@
 #include "structure/rotate.h"
 #include "structure/select.h"
 #include "structure/write.h"
+#include "support/numbers.h"
 #include "support/text.h"
 
 #include <cmath>
@@ -15,11 +16,6 @@
 
 namespace trelm {
 namespace {
-
-double number(float value)
-{
-    return static_cast<double>(value);
-}
 
 /// A column about its mean, in single precision throughout.
 std::vector<float> centred(std::span<const double> column)

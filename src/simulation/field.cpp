@@ -1,5 +1,6 @@
 #include "simulation/field.h"
 
+#include "support/numbers.h"
 #include "support/text.h"
 
 #include <cmath>
@@ -9,7 +10,6 @@ namespace trelm {
 
 FieldConstants fieldConstants(const ElInfo &elInfo)
 {
-    const auto number = [](float value) { return static_cast<double>(value); };
     FieldConstants field;
     field.rho = static_cast<float>(number(elInfo.concNaCl) * 0.6022);
     const auto kappaSquare = static_cast<float>(number(field.rho) * 25.132742 * 138.935 /

@@ -2,6 +2,7 @@
 
 #include "simulation/electrostatic.h"
 #include "simulation/rotation.h"
+#include "support/numbers.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -13,11 +14,6 @@ namespace trelm {
 namespace {
 
 constexpr const char *prefix = "REMARK  ";
-
-double number(float value)
-{
-    return static_cast<double>(value);
-}
 
 /// The edge of the cell that one particle of the liquid crystal has for itself, angstrom: the square root of
 /// the sample's volume per length of all particles, which lie side by side through it. The mass and molecular

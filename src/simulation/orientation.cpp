@@ -1,5 +1,6 @@
 #include "simulation/orientation.h"
 
+#include "support/numbers.h"
 #include "support/text.h"
 
 #include <cmath>
@@ -49,8 +50,7 @@ OrientationSet makeOrientationSet(std::span<const double> dots, int digit_psi)
     OrientationSet set{dots, {}};
     const float inc_psi = static_cast<float>(360.0 / digit_psi);
     for (int step = 0; step < digit_psi; ++step)
-        set.psi.push_back(
-            sinCos(static_cast<double>(static_cast<float>(step) * inc_psi) * 3.14159265 / 180.0));
+        set.psi.push_back(sinCos(static_cast<double>(static_cast<float>(step) * inc_psi) * pi / 180.0));
     return set;
 }
 
@@ -58,7 +58,7 @@ DotTurn makeDotTurn(const double *dot)
 {
     const double phi = std::atan2(dot[1], dot[0]);
     const double lat = std::atan2(dot[2], std::sqrt(dot[1] * dot[1] + dot[0] * dot[0]));
-    DotTurn turn{sinCos(1.570796325 - lat), sinCos(phi), {}};
+    DotTurn turn{sinCos(halfPi - lat), sinCos(phi), {}};
     Axis x, y, z;
     rotate_coorsystem(turn.theta, turn.phi, SinCos{}, x, y, z);
     turn.saupe = {Szz(z), Sxx(x) - Syy(y), Sxy(x, y), Sxz(x, z), Syz(y, z)};

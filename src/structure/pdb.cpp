@@ -186,13 +186,4 @@ int fixSegName(Name &name)
     return blankName(name);
 }
 
-int getPDBWarn()
-{
-    return 0;
-}
-int getPDBVerb()
-{
-    return 0;
-}
-
 } // namespace trelm

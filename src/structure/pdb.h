@@ -149,8 +149,4 @@ int fixResName(Name &name);
 int fixChainName(Name &name);
 int fixSegName(Name &name);
 
-/// The warning and verbose flags of the reader: both off, nothing sets them.
-int getPDBWarn();
-int getPDBVerb();
-
 } // namespace trelm

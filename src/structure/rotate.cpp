@@ -1,6 +1,6 @@
 #include "structure/rotate.h"
 
-#include "support/constants.h"
+#include "support/numbers.h"
 #include "support/text.h"
 
 #include <cmath>

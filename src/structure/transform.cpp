@@ -1,6 +1,6 @@
 #include "structure/transform.h"
 
-#include "support/constants.h"
+#include "support/numbers.h"
 
 #include <cmath>
 

@@ -1,4 +1,4 @@
-#include "support/rounding.h"
+#include "support/numbers.h"
 
 #include <gtest/gtest.h>
 

@@ -220,15 +220,13 @@ void putBack(NoiseRun &run, std::size_t i)
         run.dTab().dCalcList[i].d = average;
 }
 
-/// The table as measured, with the mean tensor and what it says of the couplings.
+/// The table as measured, with the mean Saupe vector and what it says of the couplings. Angles, Da and Dr of
+/// the tensor stay those of the last noisy fit.
 void restoreTable(NoiseRun &run)
 {
     DTensor &tensor = run.dTab().dTensor;
     for (std::size_t k = 0; k < run.samples.saupeAve.size(); ++k)
         tensor.saupe[k] = static_cast<float>(run.samples.saupeAve[k]);
-    // Else the report would show the angles, and take Q from the magnitude, of the last noisy fit.
-    if (tensor.eulerFlag != 0)
-        solveEuler(tensor);
     for (std::size_t i = 0; i < run.rows(); ++i)
         if (run.isValid(i))
             putBack(run, i);

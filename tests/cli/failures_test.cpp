@@ -113,6 +113,7 @@ Failures mappings()
         {"-mcStruc -incCone 0", "trelm: -incCone 0: "},
         {"-mcStruc -incCone 1e-30", "trelm: -incCone 1e-30: "},
         {"-mcStruc -lCone -1", "trelm: -lCone -1: "},
+        {"-mcStruc -nCone 0", "trelm: -nCone 0: the search needs one fit at least.\n"},
         {"-mcStruc -lCone 1e30", "trelm: -lCone 1e+30: "},
     };
     return f;

@@ -11,7 +11,6 @@
 namespace trelm {
 namespace {
 
-constexpr int lastPlace = maxGridPositions - 1;
 constexpr const char *tag = "stericAlignment";
 
 int noBuffers()

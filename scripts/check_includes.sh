@@ -1,5 +1,6 @@
 #!/bin/sh
-# Who may include whom in src: each folder names those below it; all stand on ground. Prints every include that goes elsewhere; status 1 if there is any.
+# Who may include whom in src: each folder names those below it; all stand on ground. Prints every include that goes
+# elsewhere; status 1 if there is any.
 set -eu
 cd "$(dirname "$0")/.."
 

@@ -16,8 +16,7 @@ unset NMRCHECK
 # These compare a time with a limit, and here everything takes twenty to fifty times as long.
 left_out=(Table.ManyTextsAndManyColumnsStayFast AdjustDC.LargeTablesTakeNoTime)
 # Likelihoods on whole grids: some twenty minutes here. Other tests go through the same lines on small grids.
-left_out+=(Likelihood.TensorsComeBackWithinTheirErrors Likelihood.LimitsOfEitherOrderAndSign
-    Likelihood.DefaultGridStopsShortOfItsLimits Likelihood.PatternsLeftOverFavourNarrowTensors)
+left_out+=(Likelihood.TensorsComeBackWithinTheirErrors Likelihood.LimitsOfEitherOrderAndSign)
 # Counts beyond 1e308: valgrind works with doubles where the processor has long doubles.
 left_out+=(Candidates.AreNeverWrapped)
 # test_cli and test_faults are not among the programs: they start the program hundreds and thousands of times and look

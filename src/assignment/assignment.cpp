@@ -13,7 +13,6 @@
 #include "support/text.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <vector>
 
 namespace trelm {

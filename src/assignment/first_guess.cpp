@@ -4,9 +4,11 @@
 #include "support/linear_assignment.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <random>
+#include <vector>
 
 namespace trelm {
 namespace {

@@ -10,10 +10,12 @@
 #include "support/text.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <limits>
 #include <numeric>
+#include <utility>
 
 namespace trelm {
 namespace {

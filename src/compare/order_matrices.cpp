@@ -6,6 +6,7 @@
 #include "support/text.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <limits>

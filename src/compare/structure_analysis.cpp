@@ -13,6 +13,7 @@
 #include "support/text.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <vector>

@@ -9,8 +9,9 @@
 #include "support/minimise.h"
 #include "support/text.h"
 
-#include <algorithm>
+#include <array>
 #include <cmath>
+#include <span>
 
 namespace trelm {
 namespace {

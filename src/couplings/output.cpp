@@ -9,6 +9,7 @@
 #include "support/text.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace trelm {

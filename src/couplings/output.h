@@ -18,7 +18,7 @@ namespace trelm {
 int writeDCmod(const std::string &outDName, const char *access, DTable *dTab, TrelmInfo *trelmInfo,
                std::string_view remark);
 
-/// A best-fit that is to be written.
+/// A best-fit that is to be written: an argument of writeFit, and no more, for it holds references.
 struct FittedRun {
     PDBInfo *pdbInfo = nullptr;
     const PDBSelectInfo *sInfo = nullptr; ///< atoms of the structures

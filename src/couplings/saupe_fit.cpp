@@ -8,6 +8,7 @@
 #include "support/svd.h"
 #include "support/text.h"
 
+#include <array>
 #include <cmath>
 
 namespace trelm {

@@ -12,7 +12,6 @@
 #include "support/text.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace trelm {
 namespace {

@@ -4,6 +4,7 @@
 
 #include "driver/help.h"
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>

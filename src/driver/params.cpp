@@ -6,6 +6,7 @@
 #include "support/text.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <type_traits>
 #include <utility>

@@ -3,6 +3,9 @@
 #include "support/match.h"
 #include "support/text.h"
 
+#include <span>
+#include <vector>
+
 namespace trelm {
 namespace {
 

@@ -2,6 +2,8 @@
 #include "driver/params.h"
 
 #include <array>
+#include <span>
+#include <vector>
 
 namespace trelm {
 namespace {

@@ -5,15 +5,13 @@
 #include "support/random.h"
 #include "support/text.h"
 
-#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <string>
 
 namespace trelm {
 namespace {
-
-// The digits decide the last places of every noisy coordinate.
 
 using Vector = std::array<float, 3>;
 

@@ -277,8 +277,10 @@ int mapSimDC(const MappingSetup &setup)
         return complain("Error allocating coord buffers.\n");
     if (makeSamples(run.samples) != 0 || openOutputs(setup.files, noiseWords, run.outputs) != 0)
         return 1;
+    if (fitMeasured(run) != 0 || setErrors(run) != 0)
+        return 1;
     writeOut(run.outputs.da, "# SVD_ID    Aa         R\n\n");
-    if (fitMeasured(run) != 0 || setErrors(run) != 0 || sampleTensors(run) != 0)
+    if (sampleTensors(run) != 0)
         return 1;
     averageSamples(run.samples);
     restoreTable(run);

@@ -257,7 +257,7 @@ int noiseStrucSimDC(const MappingSetup &setup, const ResidueOffset &offset)
         return 1;
     if (run.nD == 0) {
         complain("trelm: no coupling is left to fit.\n");
-        return 0;
+        return closeOutputs(run.outputs); // without content: nothing of an earlier run stays
     }
     return mapNoise(run);
 }

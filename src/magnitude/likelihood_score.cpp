@@ -11,11 +11,11 @@ namespace trelm {
 namespace {
 
 constexpr std::size_t places = axisPlaces;
-constexpr std::size_t lanes = 16;     // sums side by side, so that the compiler can use vectors
-constexpr std::size_t margin = 544;   // more than the longest wing and the padding of the taps
-constexpr double placesPerHz = 100.0; // not 1 / axisStep, which rounds
-constexpr double halfPi = 1.570795;
-constexpr double fullPi = 3.14159;
+constexpr std::size_t lanes = 16;          // sums side by side, so that the compiler can use vectors
+constexpr std::size_t margin = 544;        // more than the longest wing and the padding of the taps
+constexpr double placesPerHz = 100.0;      // to multiply with: a division by axisStep rounds differently
+constexpr double patternHalfPi = 1.570795; // of the pattern's series; more digits would move the scores
+constexpr double patternPi = 3.14159;
 constexpr double besideSingularity = 0.001; // Hz
 
 using Axis = std::array<double, places>;
@@ -59,7 +59,7 @@ void fillAbove(const Landmarks &mark, const double *x, std::size_t count, float 
     const double ab = mark.a - mark.b, bc = mark.b - mark.c;
     for (std::size_t i = 0; i < count; ++i) {
         const double inverse = 1.0 / (ab * (x[i] - mark.c));
-        out[i] = static_cast<float>(kooky(bc * (mark.a - x[i]) * inverse) * std::sqrt(inverse) / fullPi);
+        out[i] = static_cast<float>(kooky(bc * (mark.a - x[i]) * inverse) * std::sqrt(inverse) / patternPi);
     }
 }
 
@@ -68,7 +68,7 @@ void fillBelow(const Landmarks &mark, const double *x, std::size_t count, float 
     const double ab = mark.a - mark.b, bc = mark.b - mark.c;
     for (std::size_t i = 0; i < count; ++i) {
         const double inverse = 1.0 / (bc * (mark.a - x[i]));
-        out[i] = static_cast<float>(kooky((x[i] - mark.c) * ab * inverse) * std::sqrt(inverse) / fullPi);
+        out[i] = static_cast<float>(kooky((x[i] - mark.c) * ab * inverse) * std::sqrt(inverse) / patternPi);
     }
 }
 
@@ -235,7 +235,7 @@ void repeatEnds(Block<float> &data)
 double kooky(double m)
 {
     const double m2 = m * m;
-    return (1.0 + m2 * (0.25 + m2 * (0.1406 + m2 * 0.0977))) * halfPi;
+    return (1.0 + m2 * (0.25 + m2 * (0.1406 + m2 * 0.0977))) * patternHalfPi;
 }
 
 double normal(double m, double d, double x)
@@ -250,11 +250,11 @@ double analytical(double Dab, double R, double Fi)
     const double x = Fi == mark.b ? Fi - besideSingularity : Fi;
     if (x <= mark.a && x > mark.t) {
         const double B = (mark.a - mark.b) * (x - mark.c);
-        return kooky((mark.b - mark.c) * (mark.a - x) / B) / (std::sqrt(B) * fullPi);
+        return kooky((mark.b - mark.c) * (mark.a - x) / B) / (std::sqrt(B) * patternPi);
     }
     if (x < mark.b && x >= mark.c) {
         const double B = (mark.b - mark.c) * (mark.a - x);
-        return kooky((x - mark.c) * (mark.a - mark.b) / B) / (std::sqrt(B) * fullPi);
+        return kooky((x - mark.c) * (mark.a - mark.b) / B) / (std::sqrt(B) * patternPi);
     }
     return 0.0;
 }

@@ -140,9 +140,9 @@ int drawSets(const Pool &pool, TrelmInfo &trelmInfo, std::vector<MotionSet> &set
     SetBuffers buffers;
     sets.resize(static_cast<std::size_t>(trelmInfo.histRan));
     Progress progress = startProgress("REMARK Histogram ", trelmInfo.histRan);
-    int status = 0, number = 0;
+    int status = 0, drawn = 0;
     for (auto set = sets.begin(); set != sets.end() && status == 0; ++set) {
-        showProgress(progress, ++number);
+        showProgress(progress, ++drawn);
         pauseProgress(progress); // a set may have something to say
         status = drawSet(pool, trelmInfo.histInfo, idum, buffers, *set);
     }
@@ -163,9 +163,9 @@ void writeSets(std::span<const MotionSet> sets, std::size_t nDots, OutFile &out)
 {
     std::string text;
     appendf(text, "# nDots = %zu\n\n", nDots);
-    int number = 0;
+    int written = 0;
     for (const MotionSet &set : sets)
-        appendf(text, "%d  %.3f  %.3f  %4d  %8.3f %8.3f %8.3f\n", ++number, double{set.Dab}, double{set.R},
+        appendf(text, "%d  %.3f  %.3f  %4d  %8.3f %8.3f %8.3f\n", ++written, double{set.Dab}, double{set.R},
                 set.nDSel, set.scores[0], set.scores[1], set.scores[2]);
     writeOut(out, text);
 }

@@ -17,7 +17,7 @@ namespace trelm {
 namespace {
 
 constexpr const char *tag = "sma";
-constexpr double mostSteps = 1e6; ///< from one rod to the next; their sum is rounded at each
+constexpr double mostSteps = 1e8; ///< from one rod to the next
 
 GridSetup gridSetup(const TrelmInfo &trelmInfo, const SmaSetup &setup)
 {

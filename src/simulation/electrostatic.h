@@ -28,7 +28,8 @@ void reportSetBias(const OrientationSet &set, const char *prefix);
 /// The weighted simulation beside a wall or a rod. Divides the potential table by kPot and prints what it
 /// finds on standard output. Returns 0, or 1 after a message. `saupe`: in the sense of the surviving
 /// orientations. The weights of the free distances to the next rod are summed in single precision, one step
-/// of gridSpacing after the other: 1e5 steps leave their sum right to 2e-6, 1e6 to 4e-4. More are refused.
+/// of gridSpacing after the other: 1e5 steps leave their sum right to 2e-6, 1e6 to 4e-4, 1e8 to a half. More
+/// are refused.
 int sma(const TrelmInfo &trelmInfo, const Coordinates &atoms, std::span<const double> dots,
         const SmaSetup &setup, const ChargeSet &charges, Potential &potential, Saupe &saupe);
 

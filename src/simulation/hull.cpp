@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdio>
 #include <memory>
+#include <vector>
 
 // The library's header comes last: it is C, with macros.
 extern "C" {

@@ -9,7 +9,6 @@
 #include <cmath>
 #include <cstdarg>
 #include <cstddef>
-#include <cstdio>
 #include <limits>
 #include <memory>
 #include <new>

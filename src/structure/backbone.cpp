@@ -1,6 +1,7 @@
 #include "structure/backbone.h"
 
 #include "structure/transform.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>

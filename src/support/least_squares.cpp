@@ -118,7 +118,7 @@ int gaussj(std::span<float> a, int n, std::span<float> b, int m)
         pivots.push_back(pivot);
         eliminate(matrix, sides, pivot.column);
     }
-    // MatrixView were exchanged on the way: the columns of the inverse go back in the opposite order.
+    // Rows were exchanged on the way: the columns of the inverse go back in the opposite order.
     for (int step = n - 1; step >= 0; --step)
         for (int k = 0; k < n; ++k)
             std::swap(matrix(k, pivots[step].row), matrix(k, pivots[step].column));

@@ -22,7 +22,8 @@ struct OutFile {
 
 /// Opens a file to be replaced ("w") or continued ("a"); an empty name is standard output. What a file to be
 /// replaced held before stays until there is a result: it goes with the first text written or, without any,
-/// at closeOut. A run that fails before leaves the result of an earlier one as it was. Returns 0, or 1 if the
+/// at closeOut. A run that fails before leaves the result of an earlier one as it was, so
+/// that every road of success has to end in closeOut. Returns 0, or 1 if the
 /// file cannot be opened: the message is the caller's, and `out` is then standard output.
 [[nodiscard]] int openOut(OutFile &out, const std::string &name, const char *access);
 

@@ -108,6 +108,16 @@ TEST(Search, IsTheFullEnumeration)
             }
 }
 
+TEST(Search, EightPeaks)
+{
+    for (const unsigned seed : {1U, 2U, 3U}) {
+        const AssignmentProblem problem = make({.kind = {.noise = 3.0, .equalWeights = seed != 3U}}, 8, seed);
+        BestAssignment best;
+        said([&] { visitExh(problem, best); });
+        expectSame(best, visitExhPlain(problem));
+    }
+}
+
 TEST(Search, ClassesAreTheirProduct)
 {
     const std::vector<std::vector<int>> classes = {{3, 4},       {1, 2, 4}, {7},

@@ -105,7 +105,9 @@ Failures mappings()
         {"-mcDc -fracAdjustMc 1e30", "trelm: -fracAdjustMc 1e+30 "},
         {"-mcDc -noautoMc -kAdjustMc 1e38", "trelm: -kAdjustMc 1e+38: "},
         {"-mcDc -incAdjustMc 0", "trelm: -incAdjustMc 0: "},
+        {"-mcDc -incAdjustMc -0.1", "trelm: -incAdjustMc -0.1: "},
         {"-mcDc -outMap /none/x", "TRELM Error opening log file for error space mapping /none/x\n"},
+        {"-mcDc -outMap ./da", "trelm: ./da is another file of this run: give each a name of its own.\n"},
         {"-mcDc -map 20 -outDa /dev/full", "Error writing /dev/full.\n"},
         {"-jack -dFrac 0", "trelm: -dFrac 0: "},
         {"-jack -dFrac 1.5", "trelm: -dFrac 1.5: "},
@@ -139,13 +141,16 @@ Failures simulations()
     f.result = "out.tab";
     f.cases = {
         {"-dot 0", "trelm: -dot 0: the number of orientation points must be positive.\n"},
+        {"-dot -5", "trelm: -dot -5: "},
         {"-dot 50000", "trelm: -dot 50000 gives 50412 orientation points, the limit "},
         {"-dot 2147483647", "the limit is 40001.\n"},
         {"-digPsi 0", "trelm: -digPsi 0: "},
         {"-digPsi 2147483647", "trelm: -digPsi 2147483647 with 122 "},
         {"-dGrid 0", "trelm: -dGrid 0: the step must be positive.\n"},
+        {"-dGrid -0.2", "trelm: -dGrid -0.2: "},
         {"-dGrid 0.002", "WARNING: concentration too low - magnitude of alignment tensor incorrect\n", "", 0},
         {"-wv 0", "trelm: -wv 0: "},
+        {"-wv -0.1", "trelm: -wv -0.1: "},
         {"-wv 1.5", "trelm: -wv 1.5: "},
         {"-rM 0", "trelm: -rM 0: "},
         {"-3D", "trelm: the 3D grid has z planes out of order or out of range"},
@@ -160,7 +165,7 @@ Failures withoutStructure()
     for (int i = 0; i < 5000; ++i)
         tooMany += "ATOM 1 N MET 1 1.0 2.0 3.0\n";
     const std::string read = "-stTrelmFree -pdbF atoms.txt";
-    Failures f{"WithoutStructure", "-outD out.tab -outA t.tab", "atoms.txt"};
+    Failures f{"WithoutStructure", "-outD out.tab -outA out.tab", "atoms.txt"};
     f.result = "out.tab";
     f.cases = {
         {"-stTrelm", "trelm: error reading selection of atoms.\n"},
@@ -243,6 +248,7 @@ Failures ensembles()
         {"", "error in readEnsemble: digitization of ensemble too high.\n", tooMany},
         {"-inE none", "RdTable File open error: none.\n"},
         {"-3D", "trelm: -stTrelmGrid knows the models -bic and -pf1 only.\n", state},
+        {"-pot x", "trelm: -stTrelmGrid reads no potential: -pot is not used.\n", state, 0},
         {"-flex /none/log", "TRELM Error opening log file for grid search /none/log\n", state},
         {"-flex /dev/full", "Error writing /dev/full.\n", state},
         {"-outE /none/e", "TRELM Error opening ensemble monitoring file /none/e\n", state},

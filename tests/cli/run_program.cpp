@@ -73,6 +73,8 @@ Ran runProgram(std::string_view words, const RunSetting &setting)
     for (const auto &[name, text] : setting.files)
         std::ofstream(ran.folder / name, std::ios::binary) << text;
     const pid_t child = fork();
+    if (child < 0)
+        return ran;
     if (child == 0)
         runChild(words, setting, ran.folder);
     if (setting.interruptedAfter > 0) {

@@ -21,17 +21,19 @@ struct Line {
         pointers.push_back(nullptr);
     }
     /// Words that stand apart by blanks, behind the name of the program.
-    Line(const std::string &program, const std::string &options) : Line(wordsOf(program + " " + options)) {}
+    Line(const std::string &program, const std::string &options) : Line(wordsOf(program, options)) {}
     Line(const Line &) = delete;
     Line &operator=(const Line &) = delete;
     [[nodiscard]] int argc() const { return static_cast<int>(words.size()); }
     char **argv() { return pointers.data(); }
 
   private:
-    static std::vector<std::string> wordsOf(const std::string &text)
+    static std::vector<std::string> wordsOf(const std::string &program, const std::string &options)
     {
-        std::istringstream in(text);
-        return {std::istream_iterator<std::string>(in), {}};
+        std::istringstream in(options);
+        std::vector<std::string> words = {program};
+        words.insert(words.end(), std::istream_iterator<std::string>(in), {});
+        return words;
     }
 };
 

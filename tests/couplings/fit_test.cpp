@@ -24,6 +24,7 @@ double apart(const SaupeValues &a, const SaupeValues &b)
 TEST(FitD, EvaluatesOnceWhereAllIsFixed)
 {
     Prepared p(ubiquitinFolder + "bicelle_hn.tab");
+    ASSERT_EQ(p.valid, p.table.dCount);
     DTensor &tensor = p.table.dTensor;
     tensor = DTensor{};
     tensor.tensorMode = 5;
@@ -54,6 +55,7 @@ TEST(FitD, RepeatedFitsHaveTheSameBits)
     // Rows of one, two, three and six pairs, of weight 0, and out of use.
     const std::string name = ubiquitinFolder + "bicelle_backbone.tab";
     Prepared kept(name), plain(name);
+    ASSERT_EQ(kept.valid, kept.table.dCount);
     for (Prepared *p : {&kept, &plain})
         for (std::size_t i = 0; i < 40; ++i) {
             DInfo &row = p->table.dCalcList[i];
@@ -92,6 +94,7 @@ TEST(FitD, RepeatedFitsHaveTheSameBits)
 TEST(FitD, LeavesZeroAnglesWithFewerCouplingsThanParameters)
 {
     Prepared p(ubiquitinFolder + "bicelle_hn.tab");
+    ASSERT_EQ(p.valid, p.table.dCount);
     for (DInfo &row : p.table.calculated().subspan(3))
         row.w = 0.0f;
     p.table.dTensor.tensorMode = 3;

@@ -131,9 +131,10 @@ TEST(Tensor, RotationGivesItsOwnAnglesBack)
                                [](double value) { return static_cast<float>(value); });
         RotationLists lists;
         EXPECT_EQ(rot2euler(r, lists), 2) << theta;
-        EXPECT_NEAR(lists.psi[0], psi, 0.05f) << theta;
-        EXPECT_NEAR(lists.theta[0], theta, 0.05f) << theta;
-        EXPECT_NEAR(lists.phi[0], phi, 0.05f) << theta;
+        const float bound = theta == 0.0f ? 0.0f : 0.05f;
+        EXPECT_NEAR(lists.psi[0], psi, bound) << theta;
+        EXPECT_NEAR(lists.theta[0], theta, bound) << theta;
+        EXPECT_NEAR(lists.phi[0], phi, bound) << theta;
     }
 }
 

@@ -28,6 +28,24 @@ TEST(OptionGuide, HasEveryOptionAndNoOther)
     EXPECT_EQ(told, std::set<std::string_view>(flags.begin(), flags.end()));
 }
 
+TEST(OptionGuide, TheHelpTextLeavesOutTheOldOptionsAlone)
+{
+    const std::set<std::string_view> silent = {
+        "-asRan",  "-clearMl", "-noclearMl",   "-csSim",       "-csThresh",    "-d1",      "-dN",   "-dStep",
+        "-daFlex", "-dbg",     "-dcEns",       "-elTrelmFree", "-elTrelmGrid", "-fit",     "-flex", "-in",
+        "-inCS",   "-inE",     "-inc",         "-inp",         "-kAtt",        "-lM",      "-list", "-nRun",
+        "-nofit",  "-out",     "-outCS",       "-outCol",      "-outE",        "-outEAx",  "-outS", "-pRatio",
+        "-path",   "-pow",     "-rList",       "-ref",         "-rim",         "-rimDisc", "-sID",  "-sList",
+        "-sPath",  "-sStep",   "-stTrelmGrid", "-vcThresh",    "-version"};
+    std::set<std::string_view> helped;
+    for (const HelpSection &help : helpSections())
+        for (const HelpBlock &block : help.blocks)
+            for (const HelpEntry &entry : block.entries)
+                helped.insert(entry.flag);
+    for (const std::string_view flag : knownFlags())
+        EXPECT_NE(helped.contains(flag), silent.contains(flag)) << flag;
+}
+
 TEST(OptionGuide, LeavesOutNothingOfTheHelpText)
 {
     std::multiset<std::string_view> titles;

@@ -102,6 +102,32 @@ TEST(AddVecNoise, FixedConeKeepsLengthAndAngleAndTakesEveryPosition)
     EXPECT_EQ(onAxis[2], 1.0);
 }
 
+TEST(AddVecNoise, GaussianConeIsWeightedByTheAreaOfItsRings)
+{
+    resetRandom();
+    double norm = 0.0, cosine = 0.0, square = 0.0;
+    for (double g = 0.0005; g < 180.0 * degree; g += 0.001) {
+        const double p = std::exp(-0.5 * std::pow(g / (gaussCone.coneWidth * degree), 2)) * std::sin(g);
+        norm += p;
+        cosine += p * std::cos(g);
+        square += p * std::cos(g) * std::cos(g);
+    }
+    constexpr int count = 20000;
+    int idum = -1;
+    std::array<double, 3> mean = {};
+    for (int n = 0; n < count; ++n) {
+        Vector v = {0, 0, 1};
+        addVecNoise(&idum, v, gaussCone);
+        for (std::size_t k = 0; k < 3; ++k)
+            mean[k] += static_cast<double>(v[k]) / count;
+    }
+    const double side = 4.0 * std::sqrt((1.0 - square / norm) / 2.0 / count); // four standard errors
+    EXPECT_NEAR(mean[0], 0.0, side);
+    EXPECT_NEAR(mean[1], 0.0, side);
+    EXPECT_NEAR(mean[2], cosine / norm,
+                4.0 * std::sqrt((square / norm - std::pow(cosine / norm, 2)) / count));
+}
+
 // Along x the result is a closed formula of the draws; an angle below 0 ends on the same side as one above.
 TEST(AddVecNoise, DrawsInOrderFromOneSeed)
 {

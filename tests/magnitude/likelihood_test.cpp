@@ -230,6 +230,17 @@ TEST(Likelihood, TakesWhatIsJustWithinTheLimits)
     EXPECT_EQ(std::ranges::count(fine.scores, '\n'), 20000 + 3);
 }
 
+// Patterns that are kept favour narrow tensors; one R at a time widens the pattern only, and leaves nothing
+// over.
+TEST(Likelihood, OneRLeavesNothingOver)
+{
+    Search search = {.powder = {.count = 2000}};
+    search.histInfo.lRMl = 0.22f;
+    search.histInfo.hRMl = 0.23f;
+    search.run();
+    EXPECT_NEAR(search.histInfo.DaMl, -10.3, 0.3) << search.err;
+}
+
 TEST(Likelihood, AGridWithoutPointsHasNone)
 {
     const std::vector<float> couplings = {1.0f, -2.0f};

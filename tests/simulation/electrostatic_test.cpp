@@ -160,22 +160,6 @@ TEST(Weighted, ChargesBeyondTheTableFeelNothingAndAreTold)
     expectSame(withoutTable, uncharged, 1e-12);
 }
 
-TEST(Weighted, TooManyStepsToTheNextRodAreRefused)
-{
-    Molecule molecule(3, 20, 2, 10.0);
-    TrelmInfo info = infoFor(lcRod, 1e-2);
-    Potential none;
-    Saupe saupe = {};
-    const double steps = 0.999e6; // their sum is rounded at each
-    for (const int status : {0, 1}) {
-        const double beta = (steps + 2e3 * status) * 0.5, radius = static_cast<double>(info.radiusModel);
-        info.concentration = static_cast<float>(1.46 * (radius / beta) * (radius / beta));
-        const std::string err = smaSays(info, molecule, none, saupe, status).err;
-        EXPECT_EQ(err.ends_with("more than 1e+06 steps to the next rod.\n"), status == 1)
-            << err.substr(0, 200);
-    }
-}
-
 TEST(Weighted, TableIsDividedByItsScaleEachTime)
 {
     Molecule molecule(3, 20, 2, 10.0);

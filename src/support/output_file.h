@@ -22,9 +22,9 @@ struct OutFile {
 
 /// Opens a file to be replaced ("w") or continued ("a"); an empty name is standard output. What a file to be
 /// replaced held before stays until there is a result: it goes with the first text written or, without any,
-/// at closeOut. A run that fails before leaves the result of an earlier one as it was, so
-/// that every road of success has to end in closeOut. Returns 0, or 1 if the
-/// file cannot be opened: the message is the caller's, and `out` is then standard output.
+/// at closeOut. So a run that fails before leaves the result of an earlier one as it was, and every road of
+/// success has to end in closeOut. Returns 0, or 1 if the file cannot be opened: the message is the caller's,
+/// and `out` is then standard output.
 [[nodiscard]] int openOut(OutFile &out, const std::string &name, const char *access);
 
 /// True if both names lead to one file, by whatever path; false if one of them is empty. A device can be

@@ -12,18 +12,27 @@
 # What builds first installs the packages of scripts/packages.txt that the machine lacks; what checks or measures, those
 # of scripts/packages-checks.txt, too.
 
-.PHONY: demo check check-docs bench release sanitize fuzz install package check-package reference \
+.PHONY: demo check check-docs bench program release sanitize fuzz install package check-package reference \
 	format format-check tidy setup setup-checks clean
 
 JOBS = $(shell nproc)
 
-demo: release
+demo: program
 	@scripts/demo.sh build/release/trelm
+
+# The same folder as release, so that what one has built the other need not build again.
+program: setup
+	cmake --preset release -DTRELM_TESTS=OFF
+	cmake --build --preset release --target trelm
+
+release: setup-checks
+	cmake --preset release
+	cmake --build --preset release
 
 check: release
 	ctest --preset release -j $(JOBS)
 
-check-docs: setup-checks release
+check-docs: setup-checks program
 	scripts/check_docs.sh build/release/trelm
 
 bench: setup-checks
@@ -31,35 +40,31 @@ bench: setup-checks
 	cmake --build --preset bench
 	build/bench/bench/trelm_bench
 
-release: setup
-	cmake --preset release
-	cmake --build --preset release
-
 PREFIX = /usr/local
-install: release
+install: program
+	cmake --build --preset release --target trelm_guides
 	DESTDIR='$(DESTDIR)' cmake --install build/release --prefix '$(PREFIX)'
 
-package: setup-checks release
+package: setup-checks program
 	rm -f build/release/package/*.deb
 	cmake --build --preset release --target package
 
 check-package: package
 	scripts/check_package.sh build/release/package/*.deb
 
-reference: setup
-	cmake --preset release
+reference: program
 	cmake --build --preset release --target reference
 
-sanitize: setup
+sanitize: setup-checks
 	cmake --preset sanitize
 	cmake --build --preset sanitize
 	ctest --preset sanitize -j $(JOBS)
 
 SECONDS = 20
 fuzz: setup-checks
-	cmake --preset fuzz
-	cmake --build --preset fuzz
-	scripts/fuzz.sh build/fuzz $(SECONDS)
+	cmake --preset sanitize
+	cmake --build --preset sanitize --target fuzzers
+	scripts/fuzz.sh build/sanitize $(SECONDS)
 
 sources = $(shell git ls-files 'src/*.h' 'src/*.cpp' 'tests/*.h' 'tests/*.cpp' 'bench/*.h' 'bench/*.cpp' \
 	'tools/*.h' 'tools/*.cpp')
@@ -70,9 +75,11 @@ format: setup-checks
 format-check: setup-checks
 	clang-format --dry-run -Werror $(sources)
 
-tidy: setup-checks release
+# From a folder that is only configured: clang cannot read the headers that gcc has precompiled.
+tidy: setup-checks
+	cmake --preset release -B build/tidy -DTRELM_TESTS=OFF -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON
 	printf '%s\n' $(filter src/%.cpp tools/%.cpp,$(sources)) | \
-		xargs -P $(JOBS) -n 8 clang-tidy -p build/release --quiet --extra-arg=-Wno-unknown-warning-option
+		xargs -P $(JOBS) -n 4 clang-tidy -p build/tidy --quiet --extra-arg=-Wno-unknown-warning-option
 
 setup:
 	@scripts/setup.sh scripts/packages.txt

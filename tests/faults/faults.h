@@ -4,8 +4,10 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 
 enum class Fault {
+    block,  ///< the program's own allocation layer
     memory, ///< operator new: texts, lists, trees of the standard library
     open,   ///< fopen
     read,   ///< a piece of a file or of standard input
@@ -14,15 +16,19 @@ enum class Fault {
     tell,   ///< a piece of the standard error stream
 };
 
-constexpr std::array faultNames = {"memory", "open", "read", "write", "close", "tell"};
+constexpr std::array faultNames = {"block", "memory", "open", "read", "write", "close", "tell"};
 constexpr std::size_t faultCount = faultNames.size();
+
+constexpr std::size_t placeCount = 4096; ///< requests of a kind whose places are noted; later ones are not
 
 /// What a process writes down for the one that started it.
 struct FaultRecord {
     std::array<long, faultCount> counts; ///< requests of each kind
     bool hasFailed;                      ///< the chosen one was reached
-    bool mayGoOn;      ///< by its form nothing depends on it: memory that is a favour, a stream to nowhere
-    long openFiles;    ///< files opened and not closed
+    bool mayGoOn;     ///< by its form nothing depends on it: memory that is a favour, a stream to nowhere
+    long openFiles;   ///< files opened and not closed
+    bool notesPlaces; ///< set by the one who starts the process: fill `places`
+    std::array<std::array<std::uint64_t, placeCount>, faultCount> places; ///< who made request n, at n - 1
     char stream[4096]; ///< the file that failed, (stdin), (stdout) or (stderr)
 };
 

@@ -6,6 +6,10 @@
 #include <cstdlib>
 #include <new>
 
+namespace trelm {
+bool requestMayPass();
+}
+
 namespace {
 
 void *blockOf(std::size_t size)
@@ -35,6 +39,12 @@ void *orNull(void *block)
 }
 
 } // namespace
+
+/// Asked by the program's allocation layer.
+bool trelm::requestMayPass()
+{
+    return !mustFail(Fault::block);
+}
 
 // clang-format off
 void *operator new(std::size_t size) { return orThrow(blockOf(size)); }

@@ -44,11 +44,9 @@ void redirect(const char *path, int flags, int stream)
     unsetenv("NMRCHECK");
     if (run.checkMode != nullptr)
         setenv("NMRCHECK", run.checkMode, 1);
-    if (fault.isBlock)
-        setenv("TRELM_FAIL_ALLOC", std::to_string(fault.n).c_str(), 1);
     trelm::Line line("trelm", run.options);
     alarm(longestRun);
-    startFaults(fault.kind, fault.isBlock ? 0 : fault.n, *folder.shared);
+    startFaults(fault.kind, fault.n, *folder.shared);
     std::exit(trelmMain(line.argc(), line.argv()));
 }
 
@@ -78,6 +76,7 @@ ForkedRun runForked(const WalkFolder &folder, const SmallRun &run, const ChosenF
     fs::remove_all(folder.root / "run");
     fs::create_directory(folder.root / "run");
     *folder.shared = {};
+    folder.shared->notesPlaces = fault.notesPlaces;
     std::fflush(nullptr); // the child must not write what waits here
     const pid_t child = fork();
     if (child == 0)

@@ -9,11 +9,11 @@
 #include <map>
 #include <string>
 
-/// What to let fail: request `n` of a kind, or, with `isBlock`, of the program's own allocation layer.
+/// What to let fail: request `n` of a kind.
 struct ChosenFault {
     Fault kind = Fault::memory;
-    long n = 0; ///< 0: none
-    bool isBlock = false;
+    long n = 0;               ///< 0: none
+    bool notesPlaces = false; ///< note who made each request
 };
 
 struct ForkedRun {

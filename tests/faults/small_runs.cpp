@@ -22,6 +22,22 @@ std::string couplings(const std::string &name, int last)
     return text;
 }
 
+/// So many couplings, with such errors, that a likelihood goes through transforms.
+std::string denseCouplings()
+{
+    std::string text = "VARS RESID_I ATOMNAME_I RESID_J ATOMNAME_J D DD\nFORMAT %d %s %d %s %f %f\n";
+    for (int i = 0; i < 101; ++i)
+        text += "2 H 2 N " + std::to_string(0.1 * (i - 50)) + " 1.7\n";
+    return text;
+}
+
+/// A peak without a coupling: an assignment can put another's on its residue, which makes a row of its own.
+std::string withoutRow(std::string text, const std::string &start)
+{
+    const std::size_t at = text.find("\n" + start);
+    return text.erase(at, text.find('\n', at + 1) - at);
+}
+
 std::string firstLines(const std::string &name, int count)
 {
     std::istringstream lines(fileText(TRELM_EXAMPLES "/" + name));
@@ -90,6 +106,8 @@ const std::vector<SmallRun> &smallRuns()
         {"daHistFit", "-daHist -nFit 2" + magnitude},
         {"daMl", "-daMl -incDa 2 -incR 0.2" + magnitude},
         {"daMlMap", "-daMl -mapMl -incDa 2 -incR 0.2" + magnitude},
+        {"daMlDense",
+         "-daMl -lDa -4 -incDa 2 -hR 0.1 -incR 0.2 -inD ../in/dense.tab -outD fit.tab -outSc scores"},
         {"daFlex", "-daFlex -nRun 4 -nSel 8" + magnitude},
         {"anA", tensors},
         {"anASum", tensors + " -add"},
@@ -118,7 +136,9 @@ void writeSmallInputs(const std::filesystem::path &folder)
         {"d.tab", couplings("ubiquitin/bicelle_hn.tab", 8)},
         {"d2.tab", couplings("ubiquitin/bicelle2_hn.tab", 8)},
         {"long.tab", couplings("ubiquitin/bicelle_hn.tab", 30)},
-        {"types.tab", couplings("ubiquitin/bicelle_backbone.tab", 8)},
+        {"dense.tab", denseCouplings()},
+        {"types.tab",
+         withoutRow(couplings("ubiquitin/bicelle_backbone.tab", 8), "    7    THR      H     6")},
         {"free.txt", firstLines("ubiquitin/heavy_atoms.txt", 60)},
         {"pot.txt", firstLines("ubiquitin/rod_potential.txt", 301)},
         {"grid.txt", cylinderGrid(10, 10)},

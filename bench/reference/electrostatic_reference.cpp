@@ -93,7 +93,8 @@ double freeRestPlain(const TrelmInfo &info, float last, int orientations)
     return rest;
 }
 
-/// The potential at the atom's point; 0 off the grid.
+/// The potential at the atom's point; 0 off the grid. A number behind the end of a row is one of the next
+/// row.
 double gridPotentialPlain(const Grid3D &grid, std::span<const double> pot3D,
                           const std::array<double, 3> &position, bool &isOff)
 {
@@ -107,11 +108,9 @@ double gridPotentialPlain(const Grid3D &grid, std::span<const double> pot3D,
         point[2] -= grid.planes();
     else if (point[2] < grid.z1)
         point[2] += grid.planes();
-    isOff = isOff || point[0] > grid.count[0] || point[1] > grid.count[1] || point[2] < 1 ||
-            point[2] > grid.count[2];
-    return isOff ? 0.0
-                 : pot3D[static_cast<std::size_t>(
-                       ((point[0] - 1) * grid.count[1] + (point[1] - 1)) * grid.count[2] + point[2] - 1)];
+    const int place = ((point[0] - 1) * grid.count[1] + (point[1] - 1)) * grid.count[2] + point[2] - 1;
+    const bool isValue = !isOff && place >= 0 && place < static_cast<int>(pot3D.size());
+    return isValue ? pot3D[static_cast<std::size_t>(place)] : 0.0;
 }
 
 /// The weight of one position of the molecule's centre.

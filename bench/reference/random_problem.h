@@ -115,11 +115,11 @@ class ProblemMaker {
             const trelm::FixedCoupling made1 = coupling(kind, saupe, di);
             const std::size_t residue = problem.at(k, column);
             const std::size_t peak = problem.at(made.truth[static_cast<std::size_t>(k)], column);
-            if (uniform(0.0, 1.0) < kind.missing)
-                continue;
             problem.xMat[residue] = made1.x;
             problem.yMat[residue] = made1.y;
             problem.zMat[residue] = made1.z;
+            if (uniform(0.0, 1.0) < kind.missing)
+                continue; // the residue keeps its vector
             problem.dcMat[peak] = made1.d;
             problem.diValMat[peak] = di;
             problem.sigMat[peak] = made1.sigma;

@@ -156,12 +156,19 @@ int checkCone(const TrelmInfo &trelmInfo)
     const double width = trelmInfo.coneWidth;
     if (trelmInfo.coneDig < 1)
         return complain("trelm: -digCone %d: a cone needs at least one position.\n", trelmInfo.coneDig);
-    if (!std::isfinite(width) || width >= 180.0)
-        return complain("trelm: -stdCone %g: an angle below 180 degrees is needed.\n", width);
-    if (width > 0.0 && width < minConeWidth * (1.0 - 1e-6) && trelmInfo.coneFix == 0)
-        return complain("trelm: -stdCone %g: a Gaussian cone of less than %g degrees moves no atom.\n", width,
-                        minConeWidth);
-    return 0;
+    if (!std::isfinite(width))
+        return complain("trelm: -stdCone %g: the width of a cone must be a finite number.\n", width);
+    if (width >= 180.0)
+        complain("Warning: -stdCone %g: an angle to an axis is below 180 degrees.\n", width);
+    return checkWidth(width, trelmInfo.coneFix);
+}
+
+int checkWidth(double width, int coneFix)
+{
+    if (coneFix != 0 || width <= 0.0 || width >= minConeWidth * (1.0 - 1e-6))
+        return 0;
+    return complain("trelm: a Gaussian cone of %g degrees: one of less than %g moves no atom.\n", width,
+                    minConeWidth);
 }
 
 void rotCone(const Axis &A, double w, double Gamma, Axis &r)

@@ -16,8 +16,8 @@
 namespace trelm {
 
 /// The narrowest Gaussian cone, degrees: the narrower it is, the more angles are drawn in vain, about 72 /
-/// width of them for each that is taken.
-constexpr double minConeWidth = 0.01;
+/// width of them for each that is taken. Below this one structure takes minutes, and soon no end.
+constexpr double minConeWidth = 1e-6;
 
 /// The cone on which a noisy vector lies around the true one.
 struct ConeSetup {
@@ -39,8 +39,12 @@ int offsetOf(const ResidueOffset &offset);
 /// The cone of a run.
 ConeSetup coneOf(const TrelmInfo &trelmInfo);
 
-/// Returns 0, or 1 after a message if no noise can be drawn on the cone of a run.
+/// Returns 0, or 1 after a message if no noise can be drawn on the cone of a run. Warns of one that is wider
+/// than an angle can be.
 int checkCone(const TrelmInfo &trelmInfo);
+
+/// Returns 0, or 1 after a message if angles on a cone of this width would be drawn for ever.
+int checkWidth(double width, int coneFix);
 
 /// Turns r around the unit vector A, on the cone of half angle Gamma (radians), by w degrees. A vector on the
 /// axis stays as it is.

@@ -110,6 +110,24 @@ int checkSearch(const TrelmInfo &info, int nAdjust)
     return 0;
 }
 
+/// A coupling without an error gets no noise, and no scale widens its range: missed by the fit, it is missed
+/// by the noisy fits as well. Returns 0, or 1 after a message if there is such a one.
+int checkErrors(NoiseRun &run)
+{
+    int missed = 0;
+    for (std::size_t i = 0; i < run.rows(); ++i) {
+        const DInfo &calculated = run.dTab().dCalcList[i];
+        if (run.isValid(i) && calculated.w != 0.0f && run.lists.dSigma[i] == 0.0f &&
+            calculated.d != run.lists.dVal[i])
+            ++missed;
+    }
+    if (missed == 0)
+        return 0;
+    return complain("trelm: -mcDc: the fit misses %d couplings whose error (DD) is 0: no scale of the errors"
+                    " lets it pass. See -noautoMc.\n",
+                    missed);
+}
+
 /// Counts the noisy fits that pass at the scale in use. Returns 0, or 1 after a message.
 int countGood(NoiseRun &run, int &good)
 {
@@ -129,7 +147,7 @@ int searchScale(NoiseRun &run)
 {
     TrelmInfo &info = *run.setup.trelmInfo;
     const int nAdjust = truncated(static_cast<float>(info.nAdjustMc) * info.mcAdjustFrac);
-    if (checkSearch(info, nAdjust) != 0)
+    if (checkSearch(info, nAdjust) != 0 || (info.mapMode != 0 && nAdjust >= 0 && checkErrors(run) != 0))
         return 1;
     std::printf("REMARK Adjusting DC error bars ...\n");
     info.kSigma = info.kLSigma;
@@ -277,10 +295,8 @@ int mapSimDC(const MappingSetup &setup)
         return complain("Error allocating coord buffers.\n");
     if (makeSamples(run.samples) != 0 || openOutputs(setup.files, noiseWords, run.outputs) != 0)
         return 1;
-    if (fitMeasured(run) != 0 || setErrors(run) != 0)
-        return 1;
-    writeOut(run.outputs.da, "# SVD_ID    Aa         R\n\n");
-    if (sampleTensors(run) != 0)
+    writeOut(run.outputs.da, daHead); // before all else: the search and failures come behind it
+    if (fitMeasured(run) != 0 || setErrors(run) != 0 || sampleTensors(run) != 0)
         return 1;
     averageSamples(run.samples);
     restoreTable(run);

@@ -6,20 +6,17 @@
 #include "support/text.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
 
 namespace trelm {
 namespace {
 
-int checkFraction(const TrelmInfo &info)
+/// What a user who means a number of couplings should hear.
+void tellFraction(const TrelmInfo &info)
 {
-    const auto frac = static_cast<double>(info.mapFrac);
-    if (!(info.mapFrac > 0.0f) || !std::isfinite(info.mapFrac))
-        return complain("trelm: -dFrac %g: the part of the couplings must be positive.\n", frac);
     if (info.mapFixCount == 0 && info.mapFrac > 1.0f)
-        return complain("trelm: -dFrac %g: a fraction is at most 1; -nDfixed takes a number.\n", frac);
-    return 0;
+        complain("Warning: -dFrac %g: above 1 each fit takes all couplings; -nDfixed takes a number.\n",
+                 static_cast<double>(info.mapFrac));
 }
 
 struct JackknifeRun {
@@ -79,15 +76,14 @@ int aeraSimDC(const MappingSetup &setup)
 {
     if (setup.dTab == nullptr || setup.dTab->dCount == 0)
         return 0;
-    if (checkFraction(*setup.trelmInfo) != 0)
-        return 1;
+    tellFraction(*setup.trelmInfo);
     JackknifeRun run = {setup, Block<int>("trelm", static_cast<std::size_t>(setup.dTab->dCount)), {}, {}};
     if (!run.selectTab)
         return complain("Error allocating coord buffers.\n");
     if (makeSamples(run.samples) != 0 || openOutputs(setup.files, mappingWords, run.outputs) != 0 ||
         fitAll(run) != 0)
         return 1;
-    writeOut(run.outputs.da, "# SVD_ID    Aa         R\n\n");
+    writeOut(run.outputs.da, daHead);
     if (sampleParts(run) != 0)
         return 1;
     averageSamples(run.samples);

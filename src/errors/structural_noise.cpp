@@ -16,7 +16,6 @@
 namespace trelm {
 namespace {
 
-constexpr double mostWidths = 1e4;  ///< of the search
 constexpr float widestCone = 90.0f; ///< degrees: the search ends there
 
 /// An atom of a coupling, and where it was.
@@ -122,7 +121,8 @@ int meanMisfit(NoiseRun &run, double &rSumAve)
     return 0;
 }
 
-/// Finds the widest noise that does not misfit more than the measured couplings do.
+/// Finds the widest noise that does not misfit more than the measured couplings do. Returns 0, or 1 after a
+/// message.
 int adjustCone(NoiseRun &run)
 {
     TrelmInfo &info = run.info();
@@ -132,7 +132,7 @@ int adjustCone(NoiseRun &run)
     double rSumAve = 0.0, rSumAveOld = 0.0;
     while (info.coneWidth < number(widestCone)) {
         rSumAveOld = rSumAve;
-        if (meanMisfit(run, rSumAve) != 0)
+        if (checkWidth(info.coneWidth, info.coneFix) != 0 || meanMisfit(run, rSumAve) != 0)
             return 1;
         info.coneWidth += step;
         if (rSumAve > target)
@@ -142,28 +142,28 @@ int adjustCone(NoiseRun &run)
     std::printf("REMARK Amount of structural noise automatically determined.\n");
     std::printf("REMARK Width of Gaussian cone %.2f degree and %.3f Hz DC Rms.\n", info.coneWidth,
                 rSumAveOld);
-    return 0;
+    return checkWidth(info.coneWidth, info.coneFix); // a step back may leave the rounding of 0
 }
 
-/// Whether the search can find a width. Returns 0, or 1 after one line that names the option.
+/// Whether the search can ever end. Returns 0, or 1 after one line that names the option. Settings with which
+/// it finds nothing draw a warning.
 int checkSearch(const TrelmInfo &info)
 {
+    const double first = number(info.nConeStart), step = number(info.nConeInc), last = number(widestCone);
+    if (!(step > 0.0) || !std::isfinite(step))
+        return complain("trelm: -incCone %g: the step of the cone must be positive.\n", step);
+    if (!std::isfinite(first))
+        return complain("trelm: -lCone %g: the first cone must be a finite number.\n", first);
+    // A step that is lost in the rounding leads nowhere.
+    if (first < last && !(first + step > first && last + step > last))
+        return complain("trelm: -incCone %g: too small a step from a cone of %g degrees.\n", step, first);
     if (info.nConeAdjust < 1)
-        return complain("trelm: -nCone %d: the search needs one fit at least.\n", info.nConeAdjust);
-    if (!(info.nConeInc > 0.0f) || !std::isfinite(info.nConeInc))
-        return complain("trelm: -incCone %g: the step of the cone must be positive.\n",
-                        number(info.nConeInc));
-    if (!(info.nConeStart >= 0.0f))
-        return complain("trelm: -lCone %g: the first cone must not be negative.\n", number(info.nConeStart));
-    if (!(info.nConeStart < 180.0f))
-        return complain("trelm: -lCone %g: a cone is narrower than 180 degrees.\n", number(info.nConeStart));
-    if (number(widestCone - info.nConeStart) / number(info.nConeInc) > mostWidths)
-        return complain("trelm: -incCone %g: more than %g widths to try.\n", number(info.nConeInc),
-                        mostWidths);
-    const bool isNarrow = info.nConeStart > 0.0f && number(info.nConeStart) < minConeWidth;
-    if (info.coneFix == 0 && (isNarrow || number(info.nConeInc) < minConeWidth))
-        return complain("trelm: -lCone %g, -incCone %g: a cone is %g degrees wide at least.\n",
-                        number(info.nConeStart), number(info.nConeInc), minConeWidth);
+        complain("Warning: -nCone %d: without fits the search of the cone finds no misfit.\n",
+                 info.nConeAdjust);
+    if (first < 0.0)
+        complain("Warning: -lCone %g: a cone below 0 degrees moves no atom.\n", first);
+    if (first >= 180.0)
+        complain("Warning: -lCone %g: an angle to an axis is below 180 degrees.\n", first);
     return 0;
 }
 
@@ -188,7 +188,7 @@ int setCone(NoiseRun &run)
 
 int sampleStructures(NoiseRun &run)
 {
-    writeOut(run.outputs.da, "# SVD_ID    Aa         R\n\n");
+    writeOut(run.outputs.da, daHead);
     Progress progress = startProgress("REMARK Sampled ", run.setup.mapCount);
     for (int n = 1; n <= run.setup.mapCount; ++n) {
         showProgress(progress, n);

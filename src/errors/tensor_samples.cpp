@@ -152,7 +152,7 @@ void writeMagnitude(const DTable &dTab, const TensorAnalysis &analysis, int n, s
     getStatDC(dTab.observed(), dTab.calculated(), rSum, pSum, nD);
     text.clear();
     appendf(text, "%6d  %e  %.3f   %9.3f   %9.3f\n", n - 1, analysis.da * amideHertz,
-            analysis.da != 0.0 ? analysis.dr / analysis.da : 0.0, number(rSum), number(pSum));
+            analysis.dr / analysis.da, number(rSum), number(pSum)); // no number without a tensor
     writeOut(out, text);
 }
 

@@ -51,6 +51,7 @@ struct MappingWords {
     const char *dot;      ///< behind this name and that of the file of Da and R
     const char *saupeGap; ///< between number and values in the file of Saupe vectors
 };
+constexpr const char *daHead = "# SVD_ID    Aa         R\n\n"; ///< of the file of Da and R
 constexpr const char *noDaWords = "TRELM Error opening log file for Da distribution mapping ";
 constexpr MappingWords noiseWords = {noDaWords, "", " "};
 constexpr MappingWords mappingWords = {"TRELM Error opening log file for Angular distribution ", ".", "  "};

@@ -220,7 +220,8 @@ AveragedExtremes getDzzDyy(std::span<float> coupList, float delta, float sdevNeg
 int checkHistogram(const HistInfo &histInfo)
 {
     if (histInfo.optExtrem != 0 && !(histInfo.sdevDzz > 0.0f && histInfo.sdevDyy > 0.0f))
-        return complain("Error: -sdevDzz and -sdevDyy must be above 0.\n");
+        complain("Warning: -sdevDzz %g, -sdevDyy %g: without a factor above 0 an extreme is averaged to 0.\n",
+                 double{histInfo.sdevDzz}, double{histInfo.sdevDyy});
     if (histInfo.modeFit == 3 && histInfo.nBinIn == 1)
         return complain("Error: -bin 1: a histogram needs two bins at least.\n");
     return 0;

@@ -14,14 +14,14 @@ namespace trelm {
 
 constexpr int maxBins = 250; ///< bins of a histogram
 
-/// What both roads ask of the options of averaging and binning. Returns 0, or 1 after a message: factors that
-/// are not above 0, or a single bin, which has no width.
+/// What both roads ask of the options of averaging and binning. Returns 0, or 1 after a message: a single
+/// bin, which has no width. Warns of factors that are not above 0.
 int checkHistogram(const HistInfo &histInfo);
 
 /// Estimates Da and R of a coupling file and writes the report with the table. Without one most populated bin
 /// the extremes' own Da and R are the result, after a message. Returns 0, or 1 after a message: no couplings,
-/// an error of 0 where one is needed, averaging factors that are not above 0, one bin, too many bins, a fit
-/// without a solution, or an output that cannot be written.
+/// an error of 0 where one is needed, one bin, too many bins, a fit without a solution, or an output that
+/// cannot be written.
 int getHistDabR(const MagnitudeJob &job);
 
 /// The same method on lists, Hz, of at least two couplings that are not all 0, with the fit within bounds: to

@@ -26,13 +26,21 @@ double countSteps(double low, double high, double inc)
     return std::max(1.0, std::ceil((high - low) / inc - hair));
 }
 
-/// Refuses a grid that cannot be searched. Returns 0, or 1 after a message.
+/// Whether limits meet or cross, so that there is no point between them.
+bool isEmpty(const MlGrid &grid)
+{
+    return !(grid.highR > grid.lowR && grid.highDab > grid.lowDab);
+}
+
+/// Refuses a grid that cannot be searched. Returns 0, also for one without points, or 1 after a message.
 int checkGrid(const MlGrid &grid)
 {
+    if (!(grid.incR > 0.0 && grid.incDa > 0.0))
+        return complain("Error: the grid of Da and R has a step of 0.\n");
+    if (isEmpty(grid))
+        return 0;
     const double points =
         countSteps(grid.lowR, grid.highR, grid.incR) * countSteps(grid.lowDab, grid.highDab, grid.incDa);
-    if (!(points > 0.0))
-        return complain("Error: the grid of Da and R has no point: a step is 0 or limits cross.\n");
     if (!(points <= maxMlPoints))
         return complain("Error: the grid of Da and R has %.0f points, the limit is %d.\n", points,
                         maxMlPoints);
@@ -89,7 +97,9 @@ MagnitudeRange findBest(std::span<const MlPoint> list, int nD)
         best.Dab = point.Dab;
         best.R = point.R;
     }
-    if (bestScore == 0.0)
+    if (list.empty())
+        complain("Warning: the grid of Da and R has no point between its limits, Da and R stay 0.\n");
+    else if (bestScore == 0.0)
         complain("Warning: no grid point scores above 0, Da and R stay 0.\n");
     const auto *row = std::ranges::find_if(errorRows, [&](const ErrorRow &entry) {
         return nD <= entry.maxCount && best.R <= entry.maxR + rounding;
@@ -163,8 +173,12 @@ int searchGrid(const ObservedCouplings &observed, HistInfo &histInfo, std::span<
         return 1;
     const double reach = 2.0 * std::max(std::fabs(grid.lowDab), std::fabs(grid.highDab));
     const double largest = std::max(std::fabs(observed.minD), std::fabs(observed.maxD));
-    if (largest > reach + reachOfResponse * observed.rAveDD)
+    if (!isEmpty(grid) && largest > reach + reachOfResponse * observed.rAveDD)
         complain("Warning: a coupling of %.2f Hz is beyond all tensors of the grid.\n", largest);
+    if (!isEmpty(grid) && observed.rAveDD > maxWholeError)
+        complain("Warning: the mean error of the couplings, %.3f Hz, is above %.2f Hz: the response runs into"
+                 " itself.\n",
+                 double{observed.rAveDD}, maxWholeError);
     if (mlMagTensor({observed.coupList, observed.rAveDD}, grid, histInfo.mlClear != 0, list, lCount) != 0)
         return complain("Error in mlMagTensor.\n");
     best = findBest(list.first(static_cast<std::size_t>(lCount)), static_cast<int>(observed.coupList.size()));
@@ -247,7 +261,7 @@ int mlMagTensor(const MlCouplings &couplings, const MlGrid &grid, bool clear, st
         return complain("Error: the patterns up to Da %.3f Hz, R %.3f do not fit the axis of %.2f Hz.\n",
                         lastDab, lastR, axisLength);
     PatternScorer scorer;
-    if (startScorer(scorer, couplings.coup_mat, couplings.delta) != 0)
+    if (stepsR * stepsDa > 0.0 && startScorer(scorer, couplings.coup_mat, couplings.delta) != 0)
         return 1;
     Progress progress = startProgress("", 0);
     std::string line;

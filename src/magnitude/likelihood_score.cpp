@@ -122,20 +122,39 @@ int collectPlaces(std::span<const float> couplings, std::vector<ScorePlace> &lis
     return 0;
 }
 
-/// The response, mirrored about its centre, with zeros behind it up to a whole number of lanes.
-void makeTaps(double delta, PatternScorer &scorer)
+constexpr std::size_t respPlaces = 1024;
+constexpr std::size_t longestWing = 510; // places on either side of the centre, beside the two of the rim
+
+/// The response as an array that wraps around has it: from place 0 up, and once more from place 1023 down.
+/// Where the two meet, the later value stays: the far side of one over the near side of the other.
+std::array<float, respPlaces> foldResponse(double delta, std::size_t &count)
 {
-    std::vector<float> half;
+    std::array<float, respPlaces> resp = {};
     const double reach = reachOfResponse * delta;
+    count = 0;
     double x = 0.0; // summed up step by step, as the method has it
-    while (x <= reach) {
-        half.push_back(static_cast<float>(normal(0.0, delta, x)));
-        x += axisStep;
+    for (; x <= reach && count < respPlaces; x += axisStep) {
+        resp[respPlaces - 1 - count] = resp[count] = static_cast<float>(normal(0.0, delta, x));
+        ++count;
     }
-    scorer.wing = static_cast<int>(half.size()) - 1;
-    scorer.taps.assign(half.rbegin(), half.rend());
+    return resp;
+}
+
+/// The response, mirrored about its centre, with zeros behind it up to a whole number of lanes. A long one
+/// has two places more on its low side: those in the middle of the array, which both count as high ones.
+/// Returns the response from its centre to its end.
+std::vector<float> makeTaps(double delta, PatternScorer &scorer)
+{
+    std::size_t count = 0;
+    const std::array<float, respPlaces> resp = foldResponse(delta, count);
+    const std::vector<float> half(resp.begin(), resp.begin() + std::min(count, longestWing + 1));
+    scorer.rim = resp[longestWing + 1];
+    scorer.taps.assign(scorer.rim != 0.0f ? 2 : 0, scorer.rim);
+    scorer.taps.insert(scorer.taps.end(), half.rbegin(), half.rend());
+    scorer.below = static_cast<int>(scorer.taps.size()) - 1;
     scorer.taps.insert(scorer.taps.end(), half.begin() + 1, half.end());
     scorer.taps.resize((scorer.taps.size() + lanes - 1) / lanes * lanes, 0.0f);
+    return half;
 }
 
 /// The shortest part of the axis that has all places: it begins behind the longest gap.
@@ -162,25 +181,24 @@ Window findWindow(std::span<const ScorePlace> list)
 }
 
 /// Sums cost one product a tap and place, the filter what some products a value of its transform cost.
-int chooseMethod(PatternScorer &scorer)
+/// Returns 0, or 1 after a message.
+int chooseMethod(PatternScorer &scorer, std::span<const float> half)
 {
     constexpr std::size_t transformCost = 50;
     const Window window = findWindow(scorer.places);
-    const auto wing = static_cast<std::size_t>(scorer.wing);
-    scorer.isDense =
-        scorer.places.size() * scorer.taps.size() > transformCost * filterLength(wing, window.count);
+    scorer.isDense = scorer.places.size() * scorer.taps.size() >
+                     transformCost * filterLength(half.size() - 1, window.count);
     if (!scorer.isDense)
         return 0;
     scorer.first = window.first;
-    return startFilter(scorer.filter, std::span<const float>(scorer.taps).subspan(wing, wing + 1),
-                       window.count);
+    return startFilter(scorer.filter, half, window.count);
 }
 
 /// The broadened pattern at one place, as a sum. The response is symmetric, its centre one place higher.
 float sumAt(const PatternScorer &scorer, int place)
 {
     const float *data =
-        scorer.data.data() + static_cast<std::size_t>(static_cast<int>(margin) + place + 1 - scorer.wing);
+        scorer.data.data() + static_cast<std::size_t>(static_cast<int>(margin) + place + 1 - scorer.below);
     std::array<float, lanes> sums = {};
     for (std::size_t i = 0; i < scorer.taps.size(); i += lanes)
         for (std::size_t k = 0; k < lanes; ++k)
@@ -200,10 +218,17 @@ float filterAll(PatternScorer &scorer)
                                static_cast<std::size_t>(scorer.first + 1));
 }
 
+/// One place of these; the rim of the response, which the filter has not, is added.
 float filteredAt(const PatternScorer &scorer, int place)
 {
     const int behind = place - scorer.first;
-    return scorer.filter.ans[static_cast<std::size_t>(behind < 0 ? behind + axisPlaces : behind)];
+    const float value =
+        scorer.filter.ans[static_cast<std::size_t>(behind < 0 ? behind + axisPlaces : behind)];
+    if (scorer.rim == 0.0f)
+        return value;
+    const float *lowest =
+        scorer.data.data() + static_cast<std::size_t>(static_cast<int>(margin) + place + 1 - scorer.below);
+    return value + scorer.rim * (lowest[0] + lowest[1]);
 }
 
 /// Sum of logarithms, as the logarithm of a product for as long as that is a number.
@@ -276,8 +301,7 @@ int startScorer(PatternScorer &scorer, std::span<const float> couplings, double 
         nrerror("allocation failure for data");
         return 1;
     }
-    makeTaps(delta, scorer);
-    return chooseMethod(scorer);
+    return chooseMethod(scorer, makeTaps(delta, scorer));
 }
 
 double scorePattern(PatternScorer &scorer, double Dab, double R, bool clear)
@@ -286,11 +310,8 @@ double scorePattern(PatternScorer &scorer, double Dab, double R, bool clear)
     if (clear)
         std::ranges::fill(data, 0.0f);
     fillPattern(Dab, R, data);
-    float nothing = 0.0f;
-    if (scorer.isDense)
-        nothing = filterAll(scorer);
-    else
-        repeatEnds(scorer.data);
+    repeatEnds(scorer.data);
+    const float nothing = scorer.isDense ? filterAll(scorer) : 0.0f;
     LogSum score;
     for (const ScorePlace &entry : scorer.places) {
         const float value = scorer.isDense ? filteredAt(scorer, entry.place) : sumAt(scorer, entry.place);

@@ -23,7 +23,8 @@ constexpr double axisStep = 0.01; ///< Hz
 constexpr double axisLength = axisPlaces * axisStep;
 constexpr double minMeanError = 1e-6;    ///< Hz; densities of a smaller one leave single precision
 constexpr double reachOfResponse = 3.0;  ///< mean errors
-constexpr double maxMeanError = 1.703;   ///< Hz; three times a larger error passes the response's 1023 places
+constexpr double maxWholeError = 1.703;  ///< Hz; beyond, the halves of the response overwrite each other
+constexpr double maxMeanError = 3.413;   ///< Hz; three times a larger error passes the response's 1024 places
 constexpr double maxPatternReach = 81.9; ///< Hz; neither half of a pattern may be longer than the axis
 
 /// The density of couplings of a rigid molecule at `Fi`, per Hz, not broadened; 0 outside the pattern. Dab
@@ -48,7 +49,8 @@ struct ScorePlace {
 struct PatternScorer {
     std::vector<ScorePlace> places; ///< ascending
     std::vector<float> taps;        ///< the response, from its lowest to its highest frequency
-    int wing = 0;                   ///< places of the response on either side of its centre
+    int below = 0;                  ///< places of the response below its centre
+    float rim = 0.0f;               ///< the value of the two lowest that have no counterpart above; 0: none
     Block<float> data;              ///< the pattern, with margins that repeat its other end
     bool isDense = false;           ///< so many places that `filter` is quicker than a sum for each
     SymmetricFilter filter;         ///< for the part of the axis that has couplings

@@ -34,9 +34,11 @@ int checkSettings(const TrelmInfo &info, const ObservedCouplings &observed)
 {
     const HistInfo &hist = info.histInfo;
     if (hist.modeFit != 2 && hist.modeFit != 3)
-        return complain("motionHist: -nFit %d: a set is fitted with 2 or 3.\n", hist.modeFit);
-    if (info.histRan < 1 || info.histRan > maxSets)
-        return complain("motionHist: -nRun %d: the number of sets is 1 to %d.\n", info.histRan, maxSets);
+        complain("Warning: -nFit %d: no set is fitted, all have Da and R 0.\n", hist.modeFit);
+    if (info.histRan < 1)
+        complain("Warning: -nRun %d: no set is drawn.\n", info.histRan);
+    if (info.histRan > maxSets)
+        return complain("motionHist: -nRun %d: the number of sets is at most %d.\n", info.histRan, maxSets);
     if (info.sCount < 0)
         return complain("motionHist: -nSel %d: a set cannot have fewer than 0 residues.\n", info.sCount);
     if (checkHistogram(hist) != 0)
@@ -96,6 +98,7 @@ int makePool(const MagnitudeJob &job, Pool &pool)
 /// Buffers of a set, kept from set to set.
 struct SetBuffers {
     std::vector<float> coupList, sigma, dc;
+    float largestError = 0.0f; ///< of the mean errors so far
 };
 
 /// The set's score over that of an even distribution; 0 for a tensor that no pattern has.
@@ -123,6 +126,7 @@ int drawSet(const Pool &pool, HistInfo &histInfo, int &idum, SetBuffers &buffers
     if (rAveDD > maxMeanError)
         return complain("motionHist: the mean error of a set, %.3f Hz, is above %.2f Hz.\n", double{rAveDD},
                         maxMeanError);
+    buffers.largestError = std::max(buffers.largestError, rAveDD);
     const Extremes extremes = findExtremes(buffers.coupList);
     const bool hasPattern =
         set.nDSel > 1 && rAveDD > 0.0f && (extremes.minD != 0.0f || extremes.maxD != 0.0f);
@@ -134,11 +138,27 @@ int drawSet(const Pool &pool, HistInfo &histInfo, int &idum, SetBuffers &buffers
     return 0;
 }
 
+/// What the user should hear of the sets drawn.
+void tellSets(std::span<const MotionSet> sets, float largestError)
+{
+    const auto without =
+        std::ranges::count_if(sets, [](const MotionSet &set) { return set.scores[0] == 0.0; });
+    if (without > 0)
+        complain(
+            "motionHist: %td of %zu sets have no ratio: too few couplings, one outside the pattern of their"
+            " tensor, or a tensor without a pattern.\n",
+            without, sets.size());
+    if (largestError > maxWholeError)
+        complain("Warning: the mean error of a set, %.3f Hz, is above %.2f Hz: the response runs into"
+                 " itself.\n",
+                 double{largestError}, maxWholeError);
+}
+
 int drawSets(const Pool &pool, TrelmInfo &trelmInfo, std::vector<MotionSet> &sets)
 {
     int idum = -1;
     SetBuffers buffers;
-    sets.resize(static_cast<std::size_t>(trelmInfo.histRan));
+    sets.resize(static_cast<std::size_t>(std::max(trelmInfo.histRan, 0)));
     Progress progress = startProgress("REMARK Histogram ", trelmInfo.histRan);
     int status = 0, drawn = 0;
     for (auto set = sets.begin(); set != sets.end() && status == 0; ++set) {
@@ -147,16 +167,9 @@ int drawSets(const Pool &pool, TrelmInfo &trelmInfo, std::vector<MotionSet> &set
         status = drawSet(pool, trelmInfo.histInfo, idum, buffers, *set);
     }
     endProgress(progress);
-    if (status != 0)
-        return status;
-    const auto without =
-        std::ranges::count_if(sets, [](const MotionSet &set) { return set.scores[0] == 0.0; });
-    if (without > 0)
-        complain(
-            "motionHist: %td of %zu sets have no ratio: too few couplings, one outside the pattern of their"
-            " tensor, or a tensor without a pattern.\n",
-            without, sets.size());
-    return 0;
+    if (status == 0)
+        tellSets(sets, buffers.largestError);
+    return status;
 }
 
 void writeSets(std::span<const MotionSet> sets, std::size_t nDots, OutFile &out)

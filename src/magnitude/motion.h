@@ -34,9 +34,9 @@ struct MotionRanges {
 /// Draws histRan sets of sCount residues and writes the table (outScName), the map over Da and R (outColName)
 /// and the report of the run, which has no couplings. An empty name is standard output. Returns 0, or 1 after
 /// a message: an output that cannot be opened or written to its end, or that is another file of the run, no
-/// couplings, settings without sense (modeFit other than 2 and 3, fewer than one or more than maxSets sets, a
-/// negative sCount, factors not above 0), a mean error of 0, a window of more than maxWindow residues, too
-/// many bins in a set, or a map of more than maxCells.
+/// couplings, settings without sense (more than maxSets sets, a negative sCount), a mean error of 0 or beyond
+/// maxMeanError, a window of more than maxWindow residues, too many bins in a set, or a map of more than
+/// maxCells. Without a set, and with a modeFit other than 2 and 3, all that is written is 0.
 int motionHist(const MagnitudeJob &job, const std::string &outScName, const std::string &outColName);
 
 /// The couplings of an even distribution, Hz: one for each dot of x, y, z on the unit sphere.

@@ -117,7 +117,7 @@ int checkCount(const char *keyword, std::size_t varCount, std::size_t count, std
 }
 
 /// Makes the columns from the declarations.
-int buildColumns(const Declarations &declared, TextTable &table)
+int buildColumns(const std::string &inName, const Declarations &declared, TextTable &table)
 {
     const auto names = declaredWords(declared.vars);
     const auto formats = declaredWords(declared.format);
@@ -127,6 +127,9 @@ int buildColumns(const Declarations &declared, TextTable &table)
     if (checkCount("FORMAT", names.size(), formats.size(), *declared.vars, declared.format) != 0 ||
         checkCount("TOLERANCE", names.size(), tolerances.size(), *declared.vars, declared.tolerance) != 0)
         return 1;
+    if (formats.empty())
+        complain("RdTable Warning: %s has no FORMAT line: all its columns are read as numbers.\n",
+                 inName.c_str());
     table.varInfo.resize(names.size());
     table.varCount = static_cast<int>(names.size());
     for (std::size_t i = 0; i < names.size(); ++i) {
@@ -260,7 +263,7 @@ int rdTable2(const std::string &inName, TextTable &table, bool header, int defNu
         return emptyOk != 0 ? 0 : complain("RdTable Error: no entries in %s\n", inName.c_str());
     table.entryCount = declared.rowCount;
     const bool rows = readFlag == 1;
-    if (buildColumns(declared, table) != 0 || (rows && allocateMatrix(table, input.text.size()) != 0))
+    if (buildColumns(inName, declared, table) != 0 || (rows && allocateMatrix(table, input.text.size()) != 0))
         return 1;
     RowReader reader{table, declared, static_cast<float>(defNullValue), {}, {}, {}};
     reader.places.resize(table.varInfo.size());

@@ -34,8 +34,9 @@ struct TextTable {
 };
 
 /// Reads a table with rows. A cell of an integer or real column that equals NULLVALUE becomes `defNullValue`.
-/// A cell that is missing or no number is 0, after a warning with its line for each of them. Returns 0, or 1
-/// after a message on the standard error stream; the table then holds what was read.
+/// A cell that is missing or no number is 0, after a warning with its line for each of them; a table without
+/// FORMAT is told of. Returns 0, or 1 after a message on the standard error stream; the table then holds what
+/// was read.
 int rdTable(const std::string &inName, TextTable &table, int defNullValue);
 
 /// The reader itself. `header` asks for the header lines, `emptyOk` accepts a table with no rows, `readFlag`

@@ -11,6 +11,8 @@
 namespace trelm {
 namespace {
 
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF"; ///< of UTF-8
+
 struct CloseInput {
     void operator()(std::FILE *stream) const
     {
@@ -50,8 +52,11 @@ TextStatus readText(TextInput &input, const std::string &name)
         if (std::ferror(stream.get()) != 0)
             return refuse(input, shownName,
                           error != 0 ? std::strerror(error) : "it cannot be read to its end");
-        if (count < chunk.size())
-            return TextStatus::read;
+        if (count == chunk.size())
+            continue;
+        if (input.text.starts_with(byteOrderMark))
+            input.text.erase(0, byteOrderMark.size());
+        return TextStatus::read;
     }
 }
 

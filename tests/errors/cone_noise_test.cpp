@@ -168,6 +168,28 @@ TEST(AddPdbNoise, MovesTheSecondAtomAloneAndTheSameWayFromTheSavedCopy)
     EXPECT_EQ(m.all(), after);
 }
 
+TEST(AddPdbNoise, PutsTheAtomOnTheConeAroundTheOldVector)
+{
+    Molecule m("10 N 10 H 1 1\n20 N 20 H 1 1\n30 N 30 H 1 1\n");
+    const auto vectors = [&m] {
+        std::vector<Vector> list;
+        for (const int residue : {10, 20, 30}) {
+            const Vector n = m.at(residue, "N"), h = m.at(residue, "H");
+            list.push_back({h[0] - n[0], h[1] - n[1], h[2] - n[2]});
+        }
+        return list;
+    };
+    const std::vector<Vector> before = vectors();
+    EXPECT_EQ(m.move(fixedCone), 3);
+    const std::vector<Vector> after = vectors();
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        const float square = std::inner_product(before[i].begin(), before[i].end(), before[i].begin(), 0.0f);
+        EXPECT_NEAR(std::inner_product(before[i].begin(), before[i].end(), after[i].begin(), 0.0f),
+                    square * std::cos(10.0f * static_cast<float>(degree)), 1e-4f)
+            << i;
+    }
+}
+
 // The mean of three methyl protons lies a third of the bond from CB, away from CA; with the protons first
 // they land on the side of CA, 1.53 angstrom from CB.
 TEST(AddPdbNoise, ThreeEquivalentAtomsCollapse)
@@ -228,9 +250,9 @@ TEST(CheckCone, RefusesWhatHasNoNoise)
         int dig, fix, status;
     } const rows[] = {
         {5.0, 360, 0, 0},  {0.0, 1, 0, 0},
-        {-5.0, 360, 0, 0}, {179.9, 360, 1, 0},
-        {1e-9, 360, 1, 0}, {1e-9, 360, 0, 1},
-        {5.0, 0, 0, 1},    {180.0, 360, 1, 1},
+        {-5.0, 360, 0, 0}, {200.0, 360, 0, 0},
+        {1e-9, 360, 1, 0}, {1e-6, 360, 0, 0},
+        {1e-9, 360, 0, 1}, {5.0, 0, 0, 1},
         {5.0, -360, 0, 1}, {std::numeric_limits<double>::quiet_NaN(), 360, 0, 1},
     };
     for (const auto &row : rows) {

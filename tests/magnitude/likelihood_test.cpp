@@ -21,24 +21,28 @@ TEST(Likelihood, FastScoreIsThePlainOne)
     std::mt19937 engine(7);
     std::uniform_real_distribution<double> any(0.0, 1.0);
     int scored = 0, outOfRace = 0;
-    for (const int count : {20, 63, 2000, 5000}) {
-        for (const double sigma : {0.05, 0.5, 1.7}) {
-            for (const double Da : {-3.5, -10.3, -24.0}) {
-                std::vector<float> couplings = powderCouplings(
-                    {.da = Da, .rhombicity = 0.3 * any(engine), .count = count, .sigma = sigma});
-                turnPositive(couplings);
-                for (const bool clear : {false, true}) {
-                    PatternScorer scorer;
-                    ASSERT_EQ(startScorer(scorer, couplings, sigma), 0);
-                    std::vector<float> data(axisPlaces);
-                    for (const double R : {0.0, 0.1 + 0.3 * any(engine), 0.69, 0.4 * any(engine)}) {
-                        const MlPoint point = {.Dab = Da * (0.9 + 0.14 * any(engine)), .R = R};
-                        const double plain = scorePlain(couplings, sigma, point, clear, data);
-                        const double fast = scorePattern(scorer, point.Dab, point.R, clear);
-                        EXPECT_NEAR(fast, plain, 1e-5 * std::max(1.0, std::fabs(plain)))
-                            << count << ' ' << sigma << ' ' << Da;
-                        ++(plain == 0.0 ? outOfRace : scored);
-                    }
+    std::vector<std::pair<int, double>> cases;
+    for (const int count : {20, 63, 2000, 5000})
+        for (const double sigma : {0.05, 0.5, 1.7})
+            cases.emplace_back(count, sigma);
+    for (const double sigma : {2.5, 3.413}) // the response runs into itself
+        cases.insert(cases.end(), {{20, sigma}, {2000, sigma}});
+    for (const auto &[count, sigma] : cases) {
+        for (const double Da : {-3.5, -10.3, -24.0}) {
+            std::vector<float> couplings =
+                powderCouplings({.da = Da, .rhombicity = 0.3 * any(engine), .count = count, .sigma = sigma});
+            turnPositive(couplings);
+            for (const bool clear : {false, true}) {
+                PatternScorer scorer;
+                ASSERT_EQ(startScorer(scorer, couplings, sigma), 0);
+                std::vector<float> data(axisPlaces);
+                for (const double R : {0.0, 0.1 + 0.3 * any(engine), 0.69, 0.4 * any(engine)}) {
+                    const MlPoint point = {.Dab = Da * (0.9 + 0.14 * any(engine)), .R = R};
+                    const double plain = scorePlain(couplings, sigma, point, clear, data);
+                    const double fast = scorePattern(scorer, point.Dab, point.R, clear);
+                    EXPECT_NEAR(fast, plain, 1e-5 * std::max(1.0, std::fabs(plain)))
+                        << count << ' ' << sigma << ' ' << Da;
+                    ++(plain == 0.0 ? outOfRace : scored);
                 }
             }
         }
@@ -185,22 +189,20 @@ TEST(Likelihood, RefusesWhatItCannotSearch)
              s.histInfo.incDaMl = 0.001f;
              s.histInfo.hRMl = 0.01f;
          }},
-        {"Error: the grid of Da and R has no point: a step is 0 or limits cross.\n",
-         [](Search &s) { s.histInfo.incRMl = 0.0f; }},
-        {"Error: the grid of Da and R has no point: a step is 0 or limits cross.\n",
-         [](Search &s) { s.histInfo.lRMl = 0.8f; }},
-        {"Error: the grid of Da and R has no point: a step is 0 or limits cross.\n",
-         [](Search &s) { s.histInfo.incDaMl = NAN; }},
+        {"Error: the grid of Da and R has a step of 0.\n", [](Search &s) { s.histInfo.incRMl = 0.0f; }},
+        {"Error: the grid of Da and R has a step of 0.\n", [](Search &s) { s.histInfo.incDaMl = NAN; }},
         {"Error: the grid of Da runs from -25.000 to 3.000, its limits must have one sign.\n",
          [](Search &s) { s.histInfo.hDaMl = 3.0f; }},
         {"Error: the grid of R runs from -0.100 to 0.700, it must lie between 0 and 2.\n",
          [](Search &s) { s.histInfo.lRMl = -0.1f; }},
+        {"Error: the grid of R runs from 0.000 to 2.100, it must lie between 0 and 2.\n",
+         [](Search &s) { s.histInfo.hRMl = 2.1f; }},
         {"Error: the patterns up to Da -44.800 Hz, R 0.680 do not fit the axis of 81.92 Hz.\n",
          [](Search &s) { s.histInfo.lDaMl = -45.0f; }},
-        {"Error: the mean error of the couplings is 0 Hz, it must be 1e-06 to 1.70 Hz.\n",
+        {"Error: the mean error of the couplings is 0 Hz, it must be 1e-06 to 3.41 Hz.\n",
          [](Search &s) { s.powder.sigma = 0.0; }},
-        {"Error: the mean error of the couplings is 1.71 Hz, it must be 1e-06 to 1.70 Hz.\n",
-         [](Search &s) { s.powder.sigma = 1.71; }},
+        {"Error: the mean error of the couplings is 3.42 Hz, it must be 1e-06 to 3.41 Hz.\n",
+         [](Search &s) { s.powder.sigma = 3.42; }},
         {" Hz, more than the frequency axis of 81.92 Hz.\n", [](Search &s) { s.powder.da = -45.0; }},
     };
     for (const Case &fault : cases) {
@@ -211,6 +213,9 @@ TEST(Likelihood, RefusesWhatItCannotSearch)
         EXPECT_NE(search.err.find(fault.message), std::string::npos) << fault.message << search.err;
         EXPECT_EQ(search.err.find("Grid point"), std::string::npos) << fault.message;
     }
+    PatternScorer scorer;
+    EXPECT_EQ(said([&] { EXPECT_EQ(startScorer(scorer, std::vector{85.0f}, 0.5), 1); }).err,
+              "Error: the coupling 85.000 Hz lies outside the frequency axis of 81.92 Hz.\n");
 }
 
 TEST(Likelihood, TakesWhatIsJustWithinTheLimits)

@@ -233,7 +233,7 @@ TEST(Motion, ASetLargerThanTheMoleculeIsAllOfIt)
 TEST(Motion, ARefusedRunLeavesTheResultsOfAnEarlierOne)
 {
     TrelmInfo info;
-    info.histRan = 0;
+    info.sCount = -1;
     const MotionRun run = runMotion({.count = 60}, info);
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.table, "before");

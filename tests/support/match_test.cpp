@@ -6,8 +6,6 @@
 #include <chrono>
 #include <random>
 
-// The library's header warns of itself under the sanitizers.
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #include <regex>
 
 using namespace trelm;

@@ -3,14 +3,12 @@
 
   shuffle_peaks.py COUPLINGS.tab STRUCTURE.pdb NAME|FEWEST > shuffled.tab
 
-NAME takes the residues of one type (LYS), a number all residues whose peak has at least so many couplings. The
-couplings of a peak stay together and go to another residue of the set, by a permutation that is the same in
-every run; the table tells it in REMARK lines as "peak P is residue R". The peak of residue R has the couplings
-N-H of R, H-C, N-C, CA-HA and CA-C of R and the residue before it. A residue keeps a row for each of them, so that the search
-knows its vectors; where the peak has no such coupling the row says 888.000, which is no coupling, with a weight of
-next to nothing. Where the structure has no such pair for a peak of the set, a row of another residue stands for the
-type, likewise with next to no weight: without it the search would call the missing row an error. W is 1/DD, so
-that all types weigh alike in the score.
+NAME takes the residues of one type (LYS), a number all residues whose peak has at least so many couplings (1: every
+residue with an N-H coupling). The couplings of a peak stay together and go to another residue of the set, by a
+permutation that is the same in every run; the table tells it in REMARK lines as "peak P is residue R". The peak of
+residue R has the couplings N-H of R, H-C, N-C, CA-HA and CA-C of R and the residue before it, as far as they were
+measured. They are written under the number of the peak, also where the structure lacks the atoms there (HA of a
+glycine): then the coupling takes no part in the search. W is 1/DD, so that all types weigh alike in the score.
 """
 import random
 import sys
@@ -34,22 +32,16 @@ def read_couplings(name):
     return couplings
 
 
-def read_structure(name):
-    """Residue names, and the atoms of each residue."""
-    residues, atoms = {}, set()
-    for line in open(name):
-        if line.startswith("ATOM"):
-            number = int(line[22:26])
-            residues[number] = line[17:20].strip()
-            atoms.add((number, line[12:16].strip()))
-    return residues, atoms
+def read_residues(name):
+    """Residue number -> residue name."""
+    return {int(line[22:26]): line[17:20].strip() for line in open(name) if line.startswith("ATOM")}
 
 
 def main():
     if len(sys.argv) != 4:
         sys.exit(__doc__)
     couplings = read_couplings(sys.argv[1])
-    residues, atoms = read_structure(sys.argv[2])
+    residues = read_residues(sys.argv[2])
     peaks = sorted(peak for peak, pair in couplings if pair == ("H", "N"))
     if sys.argv[3].isdigit():
         peaks = [p for p in peaks if sum((p, pair) in couplings for pair in TYPES) >= int(sys.argv[3])]
@@ -62,20 +54,15 @@ def main():
     print("VARS   RESID_I RESNAME_I ATOMNAME_I RESID_J RESNAME_J ATOMNAME_J D DD W")
     print("FORMAT %5d %6s %6s %5d %6s %6s %9.3f %12.3f %.6f\n")
     for pair, offsets in TYPES.items():
-        def exists(peak):
-            return all((peak + offset, atom) in atoms for offset, atom in zip(offsets, pair))
-
         def write(peak, value, error, weight):
             i, j = peak + offsets[0], peak + offsets[1]
             print(f"{i:5d} {residues[i]:>6s} {pair[0]:>6s} {j:5d} {residues[j]:>6s} {pair[1]:>6s}"
                   f" {value:9.3f} {error:12.3f} {weight:.6f}")
 
         for label, residue in zip(peaks, shuffled):
-            if exists(label):
-                value, error = couplings.get((residue, pair), (888.0, 100000.0))
-                write(label, value, error, 1.0 / error if value != 888.0 else 1e-6)
-        if not all(exists(peak) for peak in peaks):
-            write(next(p for p in residues if p not in peaks and exists(p)), 0.0, 100000.0, 1e-6)
+            if (residue, pair) in couplings:
+                value, error = couplings[(residue, pair)]
+                write(label, value, error, 1.0 / error)
 
 
 if __name__ == "__main__":

@@ -1,5 +1,6 @@
 #include "assignment/assignment.h"
 
+#include "assignment/moved_row.h"
 #include "assignment/problem.h"
 #include "assignment/score.h"
 #include "assignment/search.h"
@@ -199,7 +200,8 @@ int exhSimDC(const AssignmentSetup &setup)
         return complain("trelm: a fit of the search found no memory: no assignment is written.\n");
     warnIfNothingFound(problem, best);
     applyAssignment(problem, peaks, best, dTab);
-    if (fitMedia(setup, peaks) != 0)
+    if (appendMovedRows(*setup.pdbInfo, peaks, problem, best.bestIdList, dTab) != 0 ||
+        fitMedia(setup, peaks) != 0)
         return 1;
     const int status = writeResults(setup);
     if (status == 0 && !best.isProved)

@@ -1,5 +1,6 @@
 #include "assignment/problem.h"
 
+#include "assignment/moved_row.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -137,10 +138,12 @@ int findRows(const DTable &dTab, PeakTable &peaks, const AssignmentProblem &prob
              std::array<TypeList, maxMedia> &types)
 {
     for (std::size_t medium = 0; medium < peaks.media.size(); ++medium)
-        forEachUnassigned(dTab, peaks, [&](std::size_t, const DInfo &obs, int type) {
+        forEachUnassigned(dTab, peaks, [&](std::size_t i, const DInfo &obs, int type) {
             if (!isOfMedium(peaks, medium, obs))
                 return;
             types[medium][static_cast<std::size_t>(type)] = true;
+            int &firstRow = peaks.firstRow[medium][static_cast<std::size_t>(type)];
+            firstRow = firstRow == noRow ? static_cast<int>(i) : firstRow;
             const auto row = static_cast<int>(peaks.resIdList.size());
             if (type == amideType && peaks.rowResList.try_emplace(obs.resIDI, row).second)
                 peaks.resIdList.push_back(obs.resIDI);
@@ -174,39 +177,61 @@ void putCell(AssignmentProblem &problem, std::size_t cell, const FixedCoupling &
     problem.wMat[cell] = coupling.w;
 }
 
-/// Fills the column of a medium's type. A row without a coupling is an error in a table in which every
-/// coupling of the type belongs to a peak of the search, else the cell stays empty. Returns 0, or 1 after a
-/// message.
-int fillColumn(const DTable &dTab, const PeakTable &peaks, std::size_t medium, int type,
-               AssignmentProblem &problem)
+/// Fills the cells of a column that have a row in the table. Returns 0, or 1 after a message.
+int fillRows(const DTable &dTab, PeakTable &peaks, std::size_t medium, int type, AssignmentProblem &problem)
 {
     const int column = peaks.dcIndex[medium][static_cast<std::size_t>(type)];
-    std::vector<bool> found(peaks.resIdList.size(), false);
-    bool others = false;
     int status = 0;
     forEachUnassigned(dTab, peaks, [&](std::size_t i, const DInfo &obs, int rowType) {
-        if (status != 0 || rowType != type)
+        if (status != 0 || rowType != type || !isOfMedium(peaks, medium, obs))
             return;
         const int peakId = peakIdOf(obs, type);
         const auto row = peaks.rowResList.find(peakId);
-        if (row == peaks.rowResList.end() || !isOfMedium(peaks, medium, obs)) {
-            others = true;
+        if (row == peaks.rowResList.end())
             return;
-        }
-        const auto place = static_cast<std::size_t>(row->second);
-        if (found[place])
+        const std::size_t cell = problem.at(row->second, column);
+        if (peaks.hasRow[cell])
             complain("Warning: %s coupling for PeakID %d stands in the table again, the last one counts.\n",
                      typeRow(type).label, peakId);
         FixedCoupling coupling;
         status = readCoupling(dTab, i, coupling);
-        putCell(problem, problem.at(row->second, column), coupling);
-        found[place] = true;
+        putCell(problem, cell, coupling);
+        peaks.hasRow[cell] = true;
     });
-    const auto missing = std::ranges::find(found, false);
-    if (status != 0 || others || missing == found.end())
-        return status;
-    return complain("Error: %s coupling for PeakID %d not found.\n", typeRow(type).label,
-                    peaks.resIdList[static_cast<std::size_t>(missing - found.begin())]);
+    return status;
+}
+
+/// The vector that a residue has without a row in the table. It stays 0 where the structure lacks the pair.
+void putVector(const MovedRow &moved, AssignmentProblem &problem, std::size_t cell)
+{
+    if (moved.calc.atomICount != 1 || moved.calc.atomJCount != 1)
+        return;
+    const AtomInfo &atomI = *moved.calc.atomI[0], &atomJ = *moved.calc.atomJ[0];
+    problem.xMat[cell] = atomJ.x - atomI.x;
+    problem.yMat[cell] = atomJ.y - atomI.y;
+    problem.zMat[cell] = atomJ.z - atomI.z;
+}
+
+/// Completes a column: the residues without a row get their vectors, and the peaks among them are told.
+void fillMissing(PDBInfo &pdbInfo, const DTable &dTab, const PeakTable &peaks, std::size_t medium, int type,
+                 AssignmentProblem &problem)
+{
+    const int column = peaks.dcIndex[medium][static_cast<std::size_t>(type)];
+    const int firstRow = peaks.firstRow[medium][static_cast<std::size_t>(type)];
+    std::string missing;
+    for (int row = 0; row < problem.peakCount; ++row) {
+        const std::size_t cell = problem.at(row, column);
+        if (peaks.hasRow[cell])
+            continue;
+        const int resID = peaks.resIdList[static_cast<std::size_t>(row)];
+        appendf(missing, " %d", resID);
+        putVector(moveRow(pdbInfo, dTab, firstRow, resID), problem, cell);
+    }
+    if (missing.empty())
+        return;
+    const std::string ofMedium = peaks.media.size() == 1 ? "" : " of SegId " + peaks.media[medium];
+    complain("Warning: no %s coupling%s for peaks%s: they take part without it.\n", typeRow(type).label,
+             ofMedium.c_str(), missing.c_str());
 }
 
 /// Gives each type of each medium its column.
@@ -231,16 +256,20 @@ void clearMatrices(AssignmentProblem &problem)
 }
 
 /// Makes the matrices. Returns 0, or 1 after a message.
-int fillMatrices(const DTable &dTab, const std::array<TypeList, maxMedia> &types, PeakTable &peaks,
-                 AssignmentProblem &problem)
+int fillMatrices(PDBInfo &pdbInfo, const DTable &dTab, const std::array<TypeList, maxMedia> &types,
+                 PeakTable &peaks, AssignmentProblem &problem)
 {
     numberColumns(types, peaks, problem);
     clearMatrices(problem);
+    peaks.hasRow.assign(problem.dcMat.size(), false);
     for (std::size_t medium = 0; medium < peaks.media.size(); ++medium)
-        for (int type = 0; type < couplingTypeCount; ++type)
-            if (types[medium][static_cast<std::size_t>(type)] &&
-                fillColumn(dTab, peaks, medium, type, problem) != 0)
+        for (int type = 0; type < couplingTypeCount; ++type) {
+            if (!types[medium][static_cast<std::size_t>(type)])
+                continue;
+            if (fillRows(dTab, peaks, medium, type, problem) != 0)
                 return 1;
+            fillMissing(pdbInfo, dTab, peaks, medium, type, problem);
+        }
     return 0;
 }
 
@@ -344,16 +373,18 @@ bool isFixed(const PeakTable &peaks, int resID)
     return std::ranges::find(peaks.fixResList, resID) != peaks.fixResList.end();
 }
 
-int makeProblem(const PDBInfo &pdbInfo, const DTable &dTab, PeakTable &peaks, AssignmentProblem &problem)
+int makeProblem(PDBInfo &pdbInfo, const DTable &dTab, PeakTable &peaks, AssignmentProblem &problem)
 {
     if (peaks.media.size() > maxMedia)
         return complain("Error: %zu alignment media, the limit is %d.\n", peaks.media.size(), maxMedia);
     for (auto &columns : peaks.dcIndex)
         columns.fill(noType);
+    for (auto &rows : peaks.firstRow)
+        rows.fill(noRow);
     problem.nLcType = static_cast<int>(peaks.media.size());
     std::array<TypeList, maxMedia> types = {};
     if (findPeaks(pdbInfo, dTab, peaks, problem) != 0 || findRows(dTab, peaks, problem, types) != 0 ||
-        fillMatrices(dTab, types, peaks, problem) != 0)
+        fillMatrices(pdbInfo, dTab, types, peaks, problem) != 0)
         return 1;
     reportMatrices(peaks, problem);
     return fillFixed(dTab, peaks, problem);

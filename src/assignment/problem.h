@@ -20,6 +20,7 @@ constexpr int couplingTypeCount = 8; ///< coupling types of a medium
 /// that.
 constexpr float outsideWindow = 1.0e8f;
 constexpr int noType = -1; ///< a coupling that is of none of the types
+constexpr int noRow = -1;
 
 /// A coupling that stays with its residue whatever the assignment.
 struct FixedCoupling {
@@ -62,6 +63,10 @@ struct PeakTable {
     std::map<int, int> rowResList;   ///< row of each of these residues
     std::array<std::array<int, couplingTypeCount>, maxMedia> dcIndex =
         {}; ///< column of medium and type, or noType
+    /// The table's first row of medium and type, or noRow: other residues' rows of that type are made like
+    /// it.
+    std::array<std::array<int, couplingTypeCount>, maxMedia> firstRow = {};
+    std::vector<bool> hasRow; ///< by cell of the matrices: the residue has a row of the type
 };
 
 /// Type of a measured coupling by its atom names, in either order, or noType.
@@ -76,9 +81,11 @@ bool isFixed(const PeakTable &peaks, int resID);
 
 /// Makes the problem of a table: peaks, residues, matrices and fixed couplings. peaks.fixResList and
 /// peaks.media are given, the rest of it and the problem are made here, but for the window. What is found is
-/// told on standard output. Couplings of unknown kind are passed over. Returns 0, or 1 after a message: more
-/// than maxPeaks peaks, couplings of several atoms, a coupling that is missing, a fixed one of unknown kind.
-/// Where there is no peak at all the remark that there are 0 of them is all that is told, and 1 returned.
-int makeProblem(const PDBInfo &pdbInfo, const DTable &dTab, PeakTable &peaks, AssignmentProblem &problem);
+/// told on standard output. Couplings of unknown kind are passed over. A peak without a coupling of some type
+/// takes part without it, which is told; the vector of its residue comes from the structure, and has length 0
+/// where that lacks the atoms. Returns 0, or 1 after a message: more than maxPeaks peaks, couplings of
+/// several atoms, a fixed one of unknown kind. Where there is no peak at all the remark that there are 0 of
+/// them is all that is told, and 1 returned.
+int makeProblem(PDBInfo &pdbInfo, const DTable &dTab, PeakTable &peaks, AssignmentProblem &problem);
 
 } // namespace trelm

@@ -43,9 +43,11 @@ struct Descent {
     LinearAssignment solution;
 };
 
-/// The progress line, which the next one overwrites.
+/// The progress line, which the next one overwrites. There is none before the first candidate is settled.
 void printoutput(const Descent &descent)
 {
+    if (descent.nodes == 0)
+        return;
     std::fprintf(stderr, "REMARK Sampled %s\r", countText(descent.settled).c_str());
     std::fflush(stderr);
 }
@@ -286,7 +288,6 @@ void searchSpace(const SearchSpace &space, BestAssignment &best)
                        .costs = {},
                        .solution = {}};
     const InterruptGuard guard;
-    printoutput(descent);
     searchFrom(descent);
     printoutput(descent);
     std::fputs("\n", stderr);

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <functional>
 #include <limits>
+#include <numeric>
 #include <utility>
 
 namespace trelm {
@@ -47,7 +48,7 @@ int reportCounts(int nSel, PeakValues &peaks)
     std::ranges::sort(peaks.largest, std::greater());
     std::printf("REMARK Maximum of %d available RDCs per peak.\n",
                 peaks.largest.empty() ? 0 : peaks.largest.front());
-    peaks.largest.resize(static_cast<std::size_t>(std::max(nSel, 0)));
+    peaks.largest.resize(std::min(peaks.largest.size(), static_cast<std::size_t>(std::max(nSel, 0))));
     int nDMax = 0;
     std::printf("REMARK %d peaks with", nSel);
     for (const int count : peaks.largest) {
@@ -211,15 +212,19 @@ std::vector<int> mostEvenRows(const PeakValues &peaks)
     return search.best;
 }
 
-int reportSelection(int nSel, const std::vector<int> &selected)
+void reportSelection(const std::vector<int> &selected)
 {
-    if (static_cast<int>(selected.size()) != nSel)
-        return complain("Error: # of selected peaks != %d.\n", nSel);
     std::printf("REMARK DC Peaks");
     for (const int row : selected)
         std::printf(" %d", row + 1);
     std::printf(" have been selected.\n.");
-    return 0;
+}
+
+std::vector<int> firstRows(int count)
+{
+    std::vector<int> rows(static_cast<std::size_t>(std::max(count, 0)));
+    std::iota(rows.begin(), rows.end(), 0);
+    return rows;
 }
 
 } // namespace
@@ -227,21 +232,24 @@ int reportSelection(int nSel, const std::vector<int> &selected)
 int selectPeaks(const AssignmentProblem &problem, int nSel, int dcSelOpt, std::vector<int> &selected)
 {
     selected.clear();
-    if (nSel > problem.peakCount)
+    const bool isAllowed = nSel >= minSelected && nSel <= maxSelected;
+    if (isAllowed && nSel > problem.peakCount)
         return complain("Error: -nSel %d, but there are only %d peaks.\n", nSel, problem.peakCount);
     PeakValues peaks;
     collectValues(problem, peaks);
     const int nDMax = reportCounts(nSel, peaks);
     makeLadder(nDMax, peaks);
-    if (dcSelOpt == 0) {
-        for (int row = 0; row < nSel; ++row)
-            selected.push_back(row);
-    } else {
-        if (nSel < minSelected || nSel > maxSelected)
-            return complain("Warning: only subset of 2 to 7 peaks allowed!");
+    if (dcSelOpt == 0)
+        reportSelection(selected = firstRows(std::min(nSel, problem.peakCount)));
+    if (!isAllowed)
+        return complain("Warning: only subset of 2 to 7 peaks allowed!");
+    if (dcSelOpt != 0) {
         selected = mostEvenRows(peaks);
+        if (static_cast<int>(selected.size()) != nSel)
+            return complain("Error: # of selected peaks != %d.\n", nSel);
+        reportSelection(selected);
     }
-    return reportSelection(nSel, selected);
+    return 0;
 }
 
 } // namespace trelm

@@ -279,29 +279,6 @@ void setDI(DInfo &obs, DInfo &calc, int allowFixedDI)
     calc.diFixedFlag = obs.diFixedFlag;
 }
 
-/// The atoms, names and values of a calculated row, all but weight and constant. `valid` is 0 without atoms.
-void buildRow(PDBInfo *pdbInfo, const DTable &dTab, int aOff, DInfo &obs, DInfo &calc)
-{
-    calc.valid = 1;
-    calc.id = obs.id;
-    calc.count = obs.count;
-    const RowQueries sides = queriesOf(*pdbInfo, dTab, obs, aOff);
-    findSideOrDrop(pdbInfo, sides.i, calc.atomI, calc.atomICount, obs);
-    findSideOrDrop(pdbInfo, sides.j, calc.atomJ, calc.atomJCount, obs);
-    if (calc.atomICount == 0 || calc.atomJCount == 0) {
-        calc.valid = 0;
-        return;
-    }
-    calc.resIDI = sides.i.resID;
-    calc.resIDJ = sides.j.resID;
-    calc.atomNameI = obs.atomNameI;
-    calc.atomNameJ = obs.atomNameJ;
-    takeNames(*calc.atomI[0], calc.resNameI, calc.chainNameI, calc.segNameI);
-    takeNames(*calc.atomJ[0], calc.resNameJ, calc.chainNameJ, calc.segNameJ);
-    calc.sigma = obs.sigma;
-    calc.w = obs.w;
-}
-
 } // namespace
 
 int dTensorNull(DTensor *tInfo)
@@ -406,6 +383,40 @@ int selTypDC(std::span<DInfo> dList, std::string_view atomNameI, std::string_vie
         count += row.valid != 0 ? 1 : 0;
     }
     return count;
+}
+
+int addRows(DTable *dTab, int count)
+{
+    const auto rows = static_cast<std::size_t>(dTab->dCount) + static_cast<std::size_t>(count);
+    const auto pairs = static_cast<std::size_t>(dTab->maxCount) + static_cast<std::size_t>(count);
+    if (!dTab->dObsList.grow("dc", rows) || !dTab->dCalcList.grow("dc", rows))
+        return complain("DC Error Allocating DC Values.\n");
+    if (allocateWork(dTab, pairs) != 0)
+        return 1;
+    dTab->dCount = static_cast<int>(rows);
+    return 0;
+}
+
+void buildRow(PDBInfo *pdbInfo, const DTable &dTab, int aOff, DInfo &obs, DInfo &calc)
+{
+    calc.valid = 1;
+    calc.id = obs.id;
+    calc.count = obs.count;
+    const RowQueries sides = queriesOf(*pdbInfo, dTab, obs, aOff);
+    findSideOrDrop(pdbInfo, sides.i, calc.atomI, calc.atomICount, obs);
+    findSideOrDrop(pdbInfo, sides.j, calc.atomJ, calc.atomJCount, obs);
+    if (calc.atomICount == 0 || calc.atomJCount == 0) {
+        calc.valid = 0;
+        return;
+    }
+    calc.resIDI = sides.i.resID;
+    calc.resIDJ = sides.j.resID;
+    calc.atomNameI = obs.atomNameI;
+    calc.atomNameJ = obs.atomNameJ;
+    takeNames(*calc.atomI[0], calc.resNameI, calc.chainNameI, calc.segNameI);
+    takeNames(*calc.atomJ[0], calc.resNameJ, calc.chainNameJ, calc.segNameJ);
+    calc.sigma = obs.sigma;
+    calc.w = obs.w;
 }
 
 int buildDC(PDBInfo *pdbInfo, DTable *dTab, int aOff, int wOff, std::span<const float> wList,

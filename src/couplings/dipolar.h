@@ -162,6 +162,13 @@ int selectD(std::span<DInfo> dList, int segFirst, int segLast, int excludeMode);
 /// valid count.
 int selTypDC(std::span<DInfo> dList, std::string_view atomNameI, std::string_view atomNameJ);
 
+/// Adds rows of single pairs to the end of a table, in their starting state. Returns 0, or 1 after a message.
+int addRows(DTable *dTab, int count);
+
+/// Fills one calculated row, which starts as DInfo{}: atoms, names and values of the observed one, all but
+/// the weight of its residue and the constant. `valid` is 0 where the structure lacks the atoms.
+void buildRow(PDBInfo *pdbInfo, const DTable &dTab, int aOff, DInfo &obs, DInfo &calc);
+
 /// Fills the calculated rows of the valid observed ones: atoms, names, weights by residue (wList, entry 0 is
 /// residue wOff; empty: none), interaction constants. A residue's weight multiplies `w` by its root and
 /// divides the calculated row's sigma, which no fit reads; 0 takes the row out. A name that resolves to more

@@ -101,12 +101,12 @@ Filled putRows(const DTable &dTab, const Slices &s)
     return filled;
 }
 
-/// The couplings back to the rows, in the order in which putRows went.
+/// The couplings back to the rows, in the order in which putRows went. The other rows keep theirs: in a table
+/// of several media the fits of one medium leave those of the others alone.
 void takeRows(DTable &dTab, const Slices &s)
 {
     std::size_t k = 0;
     for (DInfo &calc : dTab.calculated()) {
-        calc.d = noCoupling;
         const std::size_t entries = entryCount(calc);
         if (!takesPart(calc) || k + entries > s.d.size())
             continue;
@@ -121,13 +121,11 @@ void takeRows(DTable &dTab, const Slices &s)
 void calculateRows(const RepeatedFit &fit, const SaupeValues &saupe, DTable &dTab)
 {
     std::size_t k = 0;
-    for (std::size_t row = 0; row < dTab.calculated().size(); ++row) {
-        DInfo &calc = dTab.dCalcList[row];
-        calc.d = noCoupling;
-        if (k == fit.rows.size() || fit.rows[k] != static_cast<int>(row))
-            continue;
+    while (k < fit.rows.size()) {
+        const int row = fit.rows[k];
+        DInfo &calc = dTab.dCalcList[static_cast<std::size_t>(row)];
         calc.d = 0.0f;
-        for (; k < fit.rows.size() && fit.rows[k] == static_cast<int>(row); ++k) {
+        for (; k < fit.rows.size() && fit.rows[k] == row; ++k) {
             float sum = 0.0f;
             for (std::size_t j = 0; j < saupe.size(); ++j)
                 sum += fit.entries[k].terms[j] * saupe[j];

@@ -1,5 +1,7 @@
 #include "assignment/problem.h"
 
+#include "assignment/moved_row.h"
+
 #include "common/said.h"
 #include "common/temp_file.h"
 #include "couplings/prepared.h"
@@ -50,8 +52,8 @@ std::string tableText(const std::string &lines)
 
 /// A table that a search starts from.
 struct Table : Prepared {
-    explicit Table(const std::string &lines)
-        : Prepared(TempFile(tableText(lines)).name, 0, nullptr,
+    explicit Table(const std::string &lines, int aOff = 0)
+        : Prepared(TempFile(tableText(lines)).name, aOff, nullptr,
                    TempFile(structureText(lines.find('@') != std::string::npos)).name)
     {
     }
@@ -64,8 +66,7 @@ struct Made {
     PeakTable peaks;
 };
 
-Made make(const Table &table, std::span<const int> fixResList = {},
-          const std::vector<std::string> &media = {""})
+Made make(Table &table, std::span<const int> fixResList = {}, const std::vector<std::string> &media = {""})
 {
     Made made;
     made.peaks.fixResList = fixResList;
@@ -106,7 +107,9 @@ TEST(MakeProblem, PutsEachCouplingInItsPlace)
     Table table(lysines + "26 CA 26 C\n30 CA 30 C\n47 C 48 N\n29 C 30 N\n");
     const Made made = make(table);
     ASSERT_EQ(made.status, 0) << made.said.err;
-    EXPECT_EQ(made.said.err, "");
+    EXPECT_EQ(made.said.err,
+              "Warning: no C-N coupling for peaks 6 11 27 29 33 63: they take part without it.\n"
+              "Warning: no CA-C coupling for peaks 6 11 29 33 48 63: they take part without it.\n");
     const AssignmentProblem &problem = made.problem;
     const auto row = [&](int column) {
         std::vector<float> d;
@@ -124,7 +127,6 @@ TEST(MakeProblem, PutsEachCouplingInItsPlace)
     EXPECT_NE(problem.diValMat[cell], 0.0f);
     EXPECT_EQ(problem.diValMat[empty], 0.0f);
     EXPECT_EQ(problem.wMat[empty], 0.0f);
-    EXPECT_EQ(problem.xMat[empty], 0.0f);
     // Row 2 is given as N to H, row 0 as H to N: the vectors run from I to J.
     const AtomInfo *n = findAtom(&table.pdb, 27, "N", "A", ""), *h = findAtom(&table.pdb, 27, "H", "A", "");
     ASSERT_TRUE(n != nullptr && h != nullptr);
@@ -134,10 +136,51 @@ TEST(MakeProblem, PutsEachCouplingInItsPlace)
     EXPECT_EQ(problem.xMat[problem.at(0, 0)], n->x - h->x);
 }
 
+TEST(MakeProblem, TakesMissingVectorsFromTheStructure)
+{
+    // Numbers one below those of the structure: the pairs of peaks 26 and 10 are those of residues 26 and 10
+    // there, the second a glycine, which has no HA.
+    Table table("26 H 26 N\n28 H 28 N\n10 H 10 N\n27 HA 27 CA\n", 1);
+    Made made = make(table);
+    ASSERT_EQ(made.status, 0) << made.said.err;
+    AssignmentProblem &problem = made.problem;
+    const AtomInfo *ca = findAtom(&table.pdb, 26, "CA", "A", ""),
+                   *ha = findAtom(&table.pdb, 26, "HA", "A", "");
+    ASSERT_TRUE(ca != nullptr && ha != nullptr);
+    EXPECT_EQ(problem.xMat[problem.at(0, 1)], ca->x - ha->x);
+    EXPECT_EQ(problem.yMat[problem.at(0, 1)], ca->y - ha->y);
+    EXPECT_EQ(problem.zMat[problem.at(0, 1)], ca->z - ha->z);
+    EXPECT_EQ(problem.zMat[problem.at(2, 1)], 0.0f);
+
+    // The CA-HA coupling of peak 28 on each of the others.
+    for (const std::vector<int> &best : {std::vector<int>{1, 0, 2}, {0, 2, 1}}) {
+        const bool hasAtoms = best[0] == 1;
+        const auto row = static_cast<std::size_t>(table.table.dCount);
+        ASSERT_EQ(appendMovedRows(table.pdb, made.peaks, problem, best, table.table), 0);
+        ASSERT_EQ(table.table.observed().size(), row + 1);
+        const DInfo &obs = table.table.dObsList[row], &calc = table.table.dCalcList[row];
+        EXPECT_EQ(obs.resIDI, hasAtoms ? 25 : 9);
+        EXPECT_EQ(obs.resIDJ, obs.resIDI);
+        EXPECT_EQ(obs.resNameI, hasAtoms ? "VAL" : "GLY");
+        EXPECT_EQ(obs.atomNameI, "HA");
+        EXPECT_EQ((std::array{obs.d, obs.sigma, obs.w}), (std::array{4.0f, 0.4f, 5.0f}));
+        EXPECT_EQ((std::array{obs.valid, calc.valid}), (std::array{1, 1}));
+        EXPECT_EQ(calc.di, table.table.dCalcList[3].di);
+        EXPECT_EQ(takesPart(calc), hasAtoms);
+        EXPECT_EQ(hasAtoms ? calc.atomI[0] : ha, ha);
+    }
+    EXPECT_EQ(table.table.maxCount, 6);
+    const std::vector<int> none = {-1, -1, -1}, same = {0, 1, 2};
+    for (const std::vector<int> &best : {none, same})
+        appendMovedRows(table.pdb, made.peaks, problem, best, table.table);
+    EXPECT_EQ(table.table.dCount, 6);
+}
+
 TEST(MakeProblem, KeepsFixedCouplingsByMedium)
 {
     const int fixed[] = {6, 11};
-    Made made = make(Table("27 H 27 N\n29 H 29 N\n6 H 6 N\n11 H 11 N\n"), fixed);
+    Table table("27 H 27 N\n29 H 29 N\n6 H 6 N\n11 H 11 N\n");
+    Made made = make(table, fixed);
     ASSERT_EQ(made.status, 0) << made.said.err;
     EXPECT_NE(made.said.out.find("REMARK No couplings for residue. 6 11 are fixed.\n"
                                  "REMARK 2 couplings fixed in total.\n"),
@@ -147,7 +190,7 @@ TEST(MakeProblem, KeepsFixedCouplingsByMedium)
     ASSERT_EQ(made.problem.fixed.size(), 2U);
     EXPECT_EQ(made.problem.fixed[1].d, 4.0f);
 
-    const Table media("27 H 27 N @A\n27 H 27 N @B\n26 CA 26 C @B\n6 H 6 N @B\n11 H 11 N @A\n6 H 6 N @A\n");
+    Table media("27 H 27 N @A\n27 H 27 N @B\n26 CA 26 C @B\n6 H 6 N @B\n11 H 11 N @A\n6 H 6 N @A\n");
     made = make(media, fixed, {"A", "B"});
     ASSERT_EQ(made.status, 0) << made.said.err;
     for (const char *line : {"REMARK Available Types of Unassigned Couplings of SegId A: N-HN.\n"
@@ -181,7 +224,13 @@ TEST(MakeProblem, RefusesWhatItCannotSearch)
         {"all peaks fixed", "6 H 6 N\n27 H 27 N\n", "", 1, fixed},
         {"of no medium", "6 H 6 N @A\n11 H 11 N @B\n", noRow, 1, {}, {"A"}},
         {"a coupling is missing, and all there are belong to peaks", lysines + "26 CA 26 C\n",
-         "Error: CA-C coupling for PeakID 6 not found.\n"},
+         "Warning: no CA-C coupling for peaks 6 11 29 33 48 63: they take part without it.\n", 0},
+        {"a coupling is missing in one medium",
+         "6 H 6 N @A\n11 H 11 N @A\n6 H 6 N @B\n",
+         "Warning: no N-HN coupling of SegId B for peaks 11: they take part without it.\n",
+         0,
+         {},
+         {"A", "B"}},
         {"a fixed coupling of unknown kind", "11 H 11 N\n6 HA 6 H\n", notAll, 1, fixed},
         {"an open coupling of unknown kind", "27 H 27 N\n11 HA 11 H\n", "", 0, std::span(fixed).first(1)},
         {"fixed by its peak, not by its residue", "11 H 11 N\n26 CA 26 C\n6 H 6 N\n", notAll, 1, fixed},
@@ -191,7 +240,8 @@ TEST(MakeProblem, RefusesWhatItCannotSearch)
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.why);
-        const Made made = make(Table(c.lines), c.fixResList, c.media);
+        Table table(c.lines);
+        const Made made = make(table, c.fixResList, c.media);
         EXPECT_EQ(made.status, c.status);
         const std::size_t behind = made.said.err.find("Residues!\n"); // the warning of a test's few peaks
         EXPECT_EQ(behind == std::string::npos ? made.said.err : made.said.err.substr(behind + 10), c.err);

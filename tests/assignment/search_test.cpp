@@ -8,6 +8,7 @@
 #include "support/linear_assignment.h"
 
 #include "common/said.h"
+#include "couplings/prepared.h"
 
 #include <algorithm>
 #include <cmath>
@@ -105,7 +106,21 @@ TEST(Search, IsTheFullEnumeration)
                 const PlainAssignment plain = visitExhPlain(problem);
                 expectSame(best, plain);
                 EXPECT_TRUE(err.ends_with(lastLine(plain.count))) << err;
+                EXPECT_EQ(err.find("Sampled 0"), std::string::npos);
             }
+}
+
+TEST(Search, MeasuredCouplingsOfWhichSomeAreMissing)
+{
+    Prepared p(TRELM_EXAMPLES "/assignment/lysines.tab");
+    PeakTable peaks;
+    peaks.media = {""};
+    AssignmentProblem problem;
+    BestAssignment best;
+    said([&] { ASSERT_EQ(makeProblem(p.pdb, p.table, peaks, problem), 0); });
+    ASSERT_EQ(std::ranges::count(problem.dcMat, noPeakCoupling), 5);
+    said([&] { visitExh(problem, best); });
+    expectSame(best, visitExhPlain(problem));
 }
 
 TEST(Search, EightPeaks)

@@ -41,6 +41,7 @@ AssignmentProblem fourPeaks()
 
 TEST(SelectPeaks, TellsWhatItDoes)
 {
+    const std::string only2To7 = "Warning: only subset of 2 to 7 peaks allowed!";
     struct {
         const char *why;
         int nSel, dcSelOpt;
@@ -50,9 +51,12 @@ TEST(SelectPeaks, TellsWhatItDoes)
         {"the two with most couplings", 2, 1, " 2 2", "4", " 1 3", "", {0, 2}},
         {"the evener of the rest", 3, 1, " 2 2 1", "5", " 1 3 4", "", {0, 2, 3}},
         {"the first rows", 2, 0, " 2 2", "4", " 1 2", "", {0, 1}},
-        {"one", 1, 1, " 2", "2", "", "Warning: only subset of 2 to 7 peaks allowed!", {}},
+        {"one", 1, 1, " 2", "2", "", only2To7, {}},
         {"more than there are", 5, 1, "", "", "", "Error: -nSel 5, but there are only 4 peaks.\n", {}},
-        {"a negative number", -2, 0, "", "0", "", "Error: # of selected peaks != -2.\n", {}},
+        {"more than any search takes", 8, 1, " 2 2 1 1", "6", "", only2To7, {}},
+        {"as many of the first rows", 8, 0, " 2 2 1 1", "6", " 1 2 3 4", only2To7, {0, 1, 2, 3}},
+        {"none", 0, 1, "", "0", "", only2To7, {}},
+        {"a negative number", -2, 1, "", "0", "", only2To7, {}},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.why);
@@ -66,7 +70,7 @@ TEST(SelectPeaks, TellsWhatItDoes)
         if (!c.chosen.empty())
             expected += "REMARK DC Peaks" + c.chosen + " have been selected.\n.";
         std::vector<int> selected = {9};
-        const int status = c.chosen.empty() ? 1 : 0;
+        const int status = c.err.empty() ? 0 : 1;
         const Said told =
             said([&] { EXPECT_EQ(selectPeaks(fourPeaks(), c.nSel, c.dcSelOpt, selected), status); });
         EXPECT_EQ(told.out, expected);

@@ -50,6 +50,31 @@ TEST(FitD, EvaluatesOnceWhereAllIsFixed)
     EXPECT_NEAR(tensor.dr, -1.0e-4f, 1.0e-8f);
 }
 
+TEST(FitD, DebugLinesOfAnEvaluation)
+{
+    Prepared p(ubiquitinFolder + "bicelle_hn.tab");
+    for (DInfo &row : p.table.calculated().subspan(2))
+        row.w = 0.0f;
+    DTensor &tensor = p.table.dTensor;
+    tensor.tensorMode = tensorFixed;
+    tensor.rh = tensor.rhMin = tensor.rhMax = 0.25f;
+    tensor.da = tensor.daMin = tensor.daMax = -4.0e-4f;
+    tensor.dr = tensor.drMin = tensor.drMax = -1.0e-4f;
+    tensor.psi = tensor.psiMin = tensor.psiMax = 30.0f;
+    tensor.theta = tensor.thetaMin = tensor.thetaMax = -20.0f;
+    tensor.phi = tensor.phiMin = tensor.phiMax = 110.0f;
+    for (const int rhFlag : {1, 0}) {
+        tensor.rhFlag = rhFlag;
+        const std::string second = rhFlag != 0 ? "Rh 0.250" : "Dr -1.000e-04";
+        EXPECT_EQ(said([&] { fitD(&p.pdb, &p.table, 3); }).err,
+                  "2 Couplings, 4 Atoms Selected.\n"
+                  " DC   1   -8.170   -1.153   -7.017\n"
+                  " DC   2    8.271   -9.864   18.135\n"
+                  "Rot(30.000 -20.000 110.000) Da -4.000e-04 " +
+                      second + " RMS(2): 85.9340\n"); // errors of 0.16 Hz
+    }
+}
+
 TEST(FitD, RepeatedFitsHaveTheSameBits)
 {
     // Rows of one, two, three and six pairs, of weight 0, and out of use.

@@ -198,10 +198,11 @@ std::size_t indexResidues(const DTable &dTab, std::span<int> resIdList, std::spa
 }
 
 /// What goes out stands in the calculated rows. A normalised table carries all scaling in its couplings.
-/// Returns 0, or 1 after a message: a coupling is no finite number with its weight or noise.
-int fillCalculated(const TrelmInfo &trelmInfo, DTable &dTab)
+/// Warns where a coupling is no finite number with its weight or noise.
+void fillCalculated(const TrelmInfo &trelmInfo, DTable &dTab)
 {
     const auto observed = dTab.observed(), calculated = dTab.calculated();
+    bool areFinite = true;
     for (std::size_t i = 0; i < observed.size(); ++i) {
         DInfo &obs = observed[i], &calc = calculated[i];
         if (obs.valid == 0)
@@ -218,11 +219,10 @@ int fillCalculated(const TrelmInfo &trelmInfo, DTable &dTab)
             obs.sigma *= f;
             calc.w = obs.w = 1.0f;
         }
-        if (!std::isfinite(calc.d) || !std::isfinite(calc.sigma))
-            return complain("Error: The coupling of row %d is out of range with its weight or noise.\n",
-                            obs.id);
+        areFinite = areFinite && std::isfinite(calc.d) && std::isfinite(calc.sigma);
     }
-    return 0;
+    if (!areFinite)
+        complain("Warning: with its weight or noise a coupling is no finite number.\n");
 }
 
 using Writer = void (*)(const Conversion &job, std::string &text);
@@ -265,8 +265,7 @@ int convertTab(const std::string &inDName, TrelmInfo *trelmInfo, DcInfo *dcInfo,
     if (!resIdList || !indexList)
         return complain("Error allocating coord buffers.\n");
     const std::size_t residues = indexResidues(dTab, resIdList.span(), indexList.span());
-    if (fillCalculated(*trelmInfo, dTab) != 0)
-        return 1;
+    fillCalculated(*trelmInfo, dTab);
     if (trelmInfo->outFormat == systemFormat)
         return writeDCmod(outName, "w", &dTab, trelmInfo, "");
     std::string text;

@@ -138,15 +138,12 @@ Hinge hingeOf(const Matrix3f &m, const Vector3f &twist)
 }
 
 /// The axis that the closure frame is built on.
-Vector3f chooseHinge(const Vector3f &hingeAxis, const Vector3f &twist, const Vector3f &found)
+void tellHinge(const Vector3f &hingeAxis, const Vector3f &twist)
 {
-    if (isNotGiven(hingeAxis))
-        return found;
     std::printf("REMARK %.2f degree between input hinge and twist axis.\n",
                 printable(foldedAngle(hingeAxis, twist)));
     std::printf("REMARK This corresponds to %.2f %% closure motion.\n",
                 printable(closurePart(hingeAxis, twist)));
-    return hingeAxis;
 }
 
 ClosureFrame closureFrame(const Vector3f &hinge, const Vector3f &twist)
@@ -258,8 +255,11 @@ void compareFrames(const TrelmInfo &trelmInfo, const Vector3f &hingeAxis, const 
         const Matrix3f back2 = rotationOf(euler2.beta[i], euler2.alpha[i], euler2.gamma[i]);
         found.hinges[i] = hingeOf(matMult(turn1, back2), twist);
     }
-    const Vector3f &own = found.hinges[static_cast<std::size_t>(trelmInfo.rotN)].axis;
-    found.frame = closureFrame(chooseHinge(hingeAxis, twist, own), twist);
+    const bool isOwn = isNotGiven(hingeAxis);
+    const Vector3f &hinge = isOwn ? found.hinges[static_cast<std::size_t>(trelmInfo.rotN)].axis : hingeAxis;
+    if (!isOwn)
+        tellHinge(hinge, twist);
+    found.frame = closureFrame(hinge, twist);
     const Matrix3f turnClosure = turnInto(found.frame);
     FrameLists frames1, frames2;
     make_eigVecList(found.tensor1.eigVec, frames1);
@@ -375,6 +375,9 @@ int compareSaupe(TrelmInfo *trelmInfo, const Saupe &userSaupe1, const Saupe &use
                  const std::string &outName, DTable *dTab, const Vector3f &hingeAxis,
                  const Vector3f &twistAxis)
 {
+    if (isNotGiven(hingeAxis) && (trelmInfo->rotN < 0 || trelmInfo->rotN > 3))
+        return complain("trelm: -rotID %d: the four solutions for the hinge axis have the numbers 0 to 3.\n",
+                        trelmInfo->rotN);
     Saupe saupe;
     addSaupe(trelmInfo->opCode, trelmInfo->c1, trelmInfo->c2, userSaupe1, userSaupe2, saupe);
     Comparison found;

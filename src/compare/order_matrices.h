@@ -20,7 +20,8 @@ int addSaupe(int opCode, float c1, float c2, const Saupe &userSaupe1, const Saup
 /// hinge axis that of solution rotN, 0 to 3. A hinge axis that is given is told of on standard output, and is
 /// taken at the length it has. An axis without direction (the hinge between equal frames) is printed as no
 /// number, and so are closure, twist and bend about it; those between equal frames are 0. Returns 0, or 1
-/// after a message: values that are no finite numbers, or an output that cannot be written to its end.
+/// after a message: values that are no finite numbers, an output that cannot be written to its end, or rotN
+/// out of range where the hinge axis is taken from it.
 int compareSaupe(TrelmInfo *trelmInfo, const Saupe &userSaupe1, const Saupe &userSaupe2,
                  const std::string &outName, DTable *dTab, const Vector3f &hingeAxis,
                  const Vector3f &twistAxis);

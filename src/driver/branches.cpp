@@ -55,6 +55,8 @@ const SpreadRow &spreadRow(int spreadMode)
 
 int bestFit(Run &run)
 {
+    if (run.options.pdbName.empty())
+        complain("trelm: -pdb is missing: without a structure no coupling can be fitted.\n");
     return spreadRow(run.trelmInfo[0].spreadMode).road(run);
 }
 
@@ -84,8 +86,6 @@ int runMode(Run &run)
 {
     const TrelmInfo &trelmInfo = run.trelmInfo[0];
     const ModeRow &mode = *std::ranges::find(modeRows, trelmInfo.trelmMode, &ModeRow::trelmMode);
-    if (trelmInfo.rotN < 0 || trelmInfo.rotN > 3)
-        return complain("trelm: -rotID %d: the four frames have the numbers 0 to 3.\n", trelmInfo.rotN);
     const int status = mode.commonInput ? readInputs(run) : 0;
     return status != 0 ? status : mode.road(run);
 }

@@ -194,7 +194,7 @@ int setUp(Run &run, ChargeSet &charges)
 int makeDots(Run &run, std::span<const double> &ddots)
 {
     std::span<const double> dots;
-    if (do_unsp(run.trelmInfo[0].densityNSC, dots) != 0)
+    if (do_unsp(run.trelmInfo[0].densityNSC, dots) != 0 || dots.size() > run.ddots.span().size())
         return complain("Matrix: unsp error occured.\n");
     std::ranges::copy(dots, run.ddots.data());
     ddots = run.ddots.span().first(dots.size());

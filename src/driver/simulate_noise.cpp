@@ -35,10 +35,10 @@ int moveAtoms(Run &run)
 
 int addStructureNoise(Run &run)
 {
-    if (run.pdbInfo[0].atomCount == 0)
-        return complain("trelm: -struc needs a structure: see -pdb.\n");
     int status = checkCone(run.trelmInfo[0]);
-    if (status == 0)
+    if (status == 0 && run.pdbInfo[0].atomCount == 0)
+        complain("trelm: -struc has no atoms to move: see -pdb.\n");
+    else if (status == 0)
         status = moveAtoms(run);
     if (status != 0)
         return status;

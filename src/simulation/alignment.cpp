@@ -18,6 +18,11 @@ constexpr double mw_DMPC = 677.94; ///< molecular weights of the two lipids, g/m
 constexpr double mw_DHPC = 453.51;
 constexpr double freeLipid = 0.005; ///< mol/l of the short lipid that stays outside the bicelles
 
+void warn(const char *option, double value, const char *rule)
+{
+    complain("WARNING: %s %g: %s.\n", option, value, rule);
+}
+
 int refuse(const char *option, double value, const char *rule)
 {
     return complain("trelm: %s %g: %s.\n", option, value, rule);
@@ -74,9 +79,11 @@ int refine_bicelle(TrelmInfo *trelmInfo)
 
 int checkSample(const TrelmInfo &trelmInfo)
 {
-    if (!isPositive(trelmInfo.concentration) || trelmInfo.concentration > 1.0f)
-        return refuse("-wv", static_cast<double>(trelmInfo.concentration),
-                      "the concentration is a fraction, above 0 and at most 1");
+    const auto concentration = static_cast<double>(trelmInfo.concentration);
+    if (!isPositive(trelmInfo.concentration))
+        return refuse("-wv", concentration, "the concentration is a fraction, above 0");
+    if (concentration > 1.0)
+        warn("-wv", concentration, "the concentration is a fraction, above 1 no sample has it");
     return 0;
 }
 
@@ -95,10 +102,14 @@ int checkSimulation(const TrelmInfo &trelmInfo)
                         trelmInfo.digPsiNSC, dots, std::numeric_limits<int>::max());
     if (!isPositive(trelmInfo.gridSpacing))
         return refuse("-dGrid", static_cast<double>(trelmInfo.gridSpacing), "the step must be positive");
+    if (trelmInfo.lcType == lcRod && trelmInfo.radiusModel == 0.0f)
+        return refuse("-rM", 0.0, "a rod needs a radius");
+    if (!std::isfinite(trelmInfo.radiusModel + trelmInfo.radiusAtom))
+        return refuse("-rA", static_cast<double>(trelmInfo.radiusAtom), "with -rM it is out of range");
     if (trelmInfo.lcType != lcGrid && !isPositive(trelmInfo.radiusModel))
-        return refuse("-rM", static_cast<double>(trelmInfo.radiusModel), "the radius must be positive");
-    if (!(trelmInfo.radiusAtom >= 0.0f) || !std::isfinite(trelmInfo.radiusAtom))
-        return refuse("-rA", static_cast<double>(trelmInfo.radiusAtom), "the radius must not be negative");
+        warn("-rM", static_cast<double>(trelmInfo.radiusModel), "no liquid crystal has such a radius");
+    if (trelmInfo.radiusAtom < 0.0f)
+        warn("-rA", static_cast<double>(trelmInfo.radiusAtom), "no atom has such a radius");
     if (!std::isfinite(trelmInfo.lcOrder))
         return refuse("-lcS", static_cast<double>(trelmInfo.lcOrder), "the order is no number");
     return 0;
@@ -171,7 +182,7 @@ int simulateAlignment(TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, std:
         status = inGrid ? sma3D(trelmInfo, view, ddots, charges, fields.pot3D.span(), saupeEl)
                         : runCharged(trelmInfo, atoms, distance, ddots, charges, fields.potential, saupeEl);
     else if (inGrid)
-        status = ssia3D(trelmInfo, view, ddots, fields.pot3Dst.span(), saupeSteric);
+        ssia3D(trelmInfo, ddots, saupeSteric);
     else if ((status = runSteric(trelmInfo, atoms, distance, ddots, saupeSteric)) != 0)
         complain("simulateAlignment: error in stericAlignment.");
     if (status != 0)

@@ -16,11 +16,13 @@ namespace trelm {
 /// orderDiscRim. Once a run: it starts from the molar ratio that it replaces. Returns 0.
 int refine_bicelle(TrelmInfo *trelmInfo);
 
-/// Refuses a concentration outside 0 to 1, which refine_bicelle divides by. Returns 0, or 1 after one line.
+/// Refuses a concentration of 0 or below, which refine_bicelle divides by, and warns of one above 1. Returns
+/// 0, or 1 after one line.
 int checkSample(const TrelmInfo &trelmInfo);
 
-/// Refuses parameters that no simulation can work with: densities, steps and radii that are not positive, too
-/// many orientation points. Returns 0, or 1 after one line that names the option.
+/// Refuses parameters that no simulation can work with: densities and steps that are not positive, a rod
+/// without a radius, too many orientation points. Radii below 0 are warned of. Returns 0, or 1 after
+/// one line that names the option.
 int checkSimulation(const TrelmInfo &trelmInfo);
 
 /// The mean of one coordinate, summed in single precision.
@@ -45,7 +47,7 @@ int runCharged(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, float
 struct AlignmentFields {
     Potential potential;  ///< table of a rod
     Block<double> pot3D;  ///< grid, kT/e
-    Block<float> pot3Dst; ///< grid of where atoms may be
+    Block<float> pot3Dst; ///< grid of where atoms may be; the run ends before it is asked
 };
 
 /// Simulates the alignment of the atoms, which are moved to their geometric centre, and prints the three

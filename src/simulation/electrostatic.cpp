@@ -32,7 +32,7 @@ void scalePotential(const ElInfo &elInfo, Potential &potential)
     std::printf("trelmInfo->elInfo.kPot: %.1f \n", number(elInfo.kPot));
     for (int i = 0; i < potential.count; ++i) {
         double &value = potential.values[static_cast<std::size_t>(i)];
-        value = number(static_cast<float>(value)) / number(elInfo.kPot);
+        value = number(static_cast<float>(value) / elInfo.kPot);
     }
 }
 
@@ -263,7 +263,8 @@ int simulateRod(const Charged &charged, PositionGrid &grid, Potential &potential
     reportField(charged.field);
     const double end_dist = radius / std::sqrt(number(info.concentration) / rodDensity) - radius;
     const double beta = end_dist + radius;
-    if (!(beta / spacing <= mostSteps))
+    const double start = std::min(0.0, number(grid.positionDist[0])); // below 0 with a radius below 0
+    if (!((beta - start) / spacing <= mostSteps))
         return complain("trelm: -wv %g, -dGrid %g: more than %g steps to the next rod.\n",
                         number(info.concentration), spacing, mostSteps);
     extendRodGrid(charged, beta, grid);
@@ -305,8 +306,9 @@ int sma(const TrelmInfo &trelmInfo, const Coordinates &atoms, std::span<const do
         const SmaSetup &setup, const ChargeSet &charges, Potential &potential, Saupe &saupe)
 {
     saupe = {};
-    if (checkField(trelmInfo.elInfo) != 0)
-        return 1;
+    if (!potential.isFieldTold)
+        checkField(trelmInfo.elInfo);
+    potential.isFieldTold = true;
     const Charged charged{trelmInfo,
                           {atoms, &charges},
                           fieldConstants(trelmInfo.elInfo),
@@ -314,10 +316,8 @@ int sma(const TrelmInfo &trelmInfo, const Coordinates &atoms, std::span<const do
     reportSetBias(charged.set, "");
     scalePotential(trelmInfo.elInfo, potential);
     PositionGrid grid;
-    if (!layPositions(tag, gridSetup(trelmInfo, setup), grid)) {
-        nrerror("allocation failure for grid_el");
-        return 1;
-    }
+    if (!layPositions(tag, gridSetup(trelmInfo, setup), grid))
+        mzerror("allocation failure for grid_el");
     reportGrid(trelmInfo, setup, grid);
     return trelmInfo.lcType == lcWall ? simulateWall(charged, grid, saupe)
                                       : simulateRod(charged, grid, potential, saupe);

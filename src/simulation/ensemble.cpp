@@ -103,6 +103,10 @@ int generateStates(const GridInfo &gridInfo, Monitors &monitors, Ensemble &ensem
     std::span<const double> dots;
     if (gridInfo.densE < 1 || do_unsp(gridInfo.densE, dots) != 0)
         return complain("setupEnsemble: unsp error occured.\n");
+    const std::size_t count = dots.size() / 3;
+    if (count > maxOrientations)
+        complain("WARNING: ENSEMBLE_DENSITY %d: %zu directions are more than a simulation takes.\n",
+                 gridInfo.densE, count);
     if (gridInfo.digPsiE >= maxEnsembleStates) // each direction alone would be too much
         return complain("setupEnsemble: ensemble too big.\n");
     for (std::size_t i = 0; i + 2 < dots.size(); i += 3) {

@@ -17,13 +17,13 @@
 namespace trelm {
 namespace {
 
-/// A column about its mean, in single precision throughout.
-std::vector<float> centred(std::span<const double> column)
+/// A column about its mean, and `shift` angstrom on; each sum is rounded once.
+std::vector<float> centred(std::span<const double> column, double shift)
 {
     const double mean = number(singleMean(column));
     std::vector<float> result;
     for (const double value : column)
-        result.push_back(static_cast<float>(value - mean));
+        result.push_back(static_cast<float>(value - mean + shift));
     return result;
 }
 
@@ -87,10 +87,9 @@ int weighFace(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const ChargeSet &ori
         complain("trelm: error reading selection of atoms.\n");
         return status;
     }
-    // Without atoms there is no face, and two weights that are no numbers could not be compared.
-    const bool isWeighed =
+    const bool isWeighed = // without atoms there is no face
         !chosen.atoms.x.empty() && iFace(trelmInfo, chosen.atoms, chosen.charges, potential, prob) == 0;
-    return isWeighed && !std::isnan(prob) ? 0 : complain("trelm: error determining interaction face.\n");
+    return isWeighed ? 0 : complain("trelm: error determining interaction face.\n");
 }
 
 /// Weighs both faces. `isFlipped` tells whether the flipped one is written.
@@ -109,6 +108,8 @@ int weighBothFaces(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const ChargeSet
         return status;
     std::printf("REMARK Probability of 180 deg. rotated orientation %e.\n", rotated);
     isFlipped = initial > rotated;
+    if (std::isnan(initial) || std::isnan(rotated))
+        complain("Warning: the weight of a face is no number, the molecule is not flipped.\n");
     return 0;
 }
 
@@ -131,14 +132,13 @@ int iFace(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, const Char
 {
     for (int i = 0; i < potential.count; ++i) {
         double &value = potential.values[static_cast<std::size_t>(i)];
-        value = number(static_cast<float>(value)) * number(trelmInfo.elInfo.kPot);
+        value = number(static_cast<float>(value) * trelmInfo.elInfo.kPot);
     }
     if (trelmInfo.lcType != lcWall && trelmInfo.lcType != lcRod)
         return 0;
-    const std::vector<float> y = centred(atoms.y);
-    std::vector<float> z = centred(atoms.z);
-    for (float &value : z)
-        value = value + trelmInfo.radiusModel + trelmInfo.elInfo.iFace;
+    const std::vector<float> y = centred(atoms.y, 0.0);
+    const std::vector<float> z =
+        centred(atoms.z, number(trelmInfo.radiusModel) + number(trelmInfo.elInfo.iFace));
     const Obstacle obstacle = {trelmInfo, fieldConstants(trelmInfo.elInfo)};
     if (!obstacle.isWall() || trelmInfo.elInfo.chFlag != 0)
         reportField(obstacle.field);

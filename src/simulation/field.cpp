@@ -34,22 +34,16 @@ void reportField(const FieldConstants &field)
     std::printf("REMARK Potential at surface %e [e/kB*T].\n", static_cast<double>(field.y0));
 }
 
-int checkField(const ElInfo &elInfo)
+void checkField(const ElInfo &elInfo)
 {
-    const auto refuse = [](const char *option, float value, const char *rule) {
-        return complain("trelm: %s %g: %s.\n", option, static_cast<double>(value), rule);
-    };
-    if (!(elInfo.concNaCl > 1e-20f) || !std::isfinite(elInfo.concNaCl)) // less is no number of ions
-        return refuse("-nacl", elInfo.concNaCl, "the salt concentration must be positive");
-    if (!(elInfo.temperaturePot > 0.0f) || !std::isfinite(elInfo.temperaturePot))
-        return refuse("-temp", elInfo.temperaturePot, "the temperature must be positive");
-    if (elInfo.kPot == 0.0f || !std::isfinite(elInfo.kPot))
-        return refuse("-kPot", elInfo.kPot, "the scale of the potential must not be 0");
-    if (!(elInfo.cutoffPot >= 0.0) || !std::isfinite(elInfo.cutoffPot))
-        return complain("trelm: -cut %g: the cutoff must not be negative.\n", elInfo.cutoffPot);
-    if (!std::isfinite(fieldConstants(elInfo).u))
-        return refuse("-chSurf", elInfo.chDensSurf, "the surface charge is no finite number");
-    return 0;
+    const FieldConstants field = fieldConstants(elInfo);
+    if (!(field.kappa > 0.0) || !std::isfinite(field.kappa) || std::isnan(field.gamma))
+        complain("Warning: -nacl %g, -temp %g, -chSurf %g: the field of the surface is no number.\n",
+                 number(elInfo.concNaCl), number(elInfo.temperaturePot), number(elInfo.chDensSurf));
+    if (elInfo.kPot == 0.0f)
+        complain("Warning: -kPot 0: the potential is divided by 0.\n");
+    if (elInfo.cutoffPot < 0.0)
+        complain("Warning: -cut %g: the cutoff is negative.\n", elInfo.cutoffPot);
 }
 
 } // namespace trelm

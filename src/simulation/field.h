@@ -14,7 +14,6 @@ struct FieldConstants {
     float gamma = 0.0f;          ///< tanh(y0 / 4)
 };
 
-/// concNaCl and temperaturePot must be above 0.
 FieldConstants fieldConstants(const ElInfo &elInfo);
 
 /// The potential, kT/e, at a distance from the surface, angstrom.
@@ -23,8 +22,8 @@ double surfacePotential(const FieldConstants &field, double distance);
 /// Density, Debye length and surface potential as REMARK lines on standard output.
 void reportField(const FieldConstants &field);
 
-/// Refuses salt, temperature and scale that the field can not be computed with. Returns 0, or 1 after one
-/// line that names the option.
-int checkField(const ElInfo &elInfo);
+/// Warns of salt, temperature, surface charge, scale and cutoff that make no sense: the run goes on with the
+/// numbers, or no numbers, that they give.
+void checkField(const ElInfo &elInfo);
 
 } // namespace trelm

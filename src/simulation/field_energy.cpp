@@ -91,6 +91,8 @@ void turnCharges(WallEnergy &energy, const PlacedCharges &placed, const Axis &no
 
 double energyAt(const WallEnergy &energy, float distance)
 {
+    if (energy.near.empty())
+        return 0.0; // even in a field that is no number
     // y = 4 atanh(z) with z = gamma e^(-kappa D / 10): the exponential falls apart into one for the position
     // and one for each charge, and a sum of atanh into moments of the charges where z is small.
     const double height = static_cast<double>(distance) + energy.nearest - energy.radiusModel;
@@ -109,9 +111,10 @@ RodEnergy makeRodEnergy(const Potential &potential, double radiusModel, std::spa
     RodEnergy energy;
     energy.radiusModel = radiusModel;
     energy.distances.assign(distances.begin(), distances.end());
-    if (potential.count > 0)
+    const auto entries = hasStep(potential) ? static_cast<std::size_t>(potential.count) : 0;
+    if (entries > 0)
         energy.stepsize = potential.stepsize;
-    for (std::size_t n = 0; n + 1 < static_cast<std::size_t>(potential.count); ++n) {
+    for (std::size_t n = 0; n + 1 < entries; ++n) {
         const double value = potential.values[n];
         const double slope = (potential.values[n + 1] - value) / potential.stepsize;
         energy.steps.push_back({value - slope * (static_cast<double>(n) * potential.stepsize), slope});

@@ -125,7 +125,7 @@ int ssiaFree(TrelmInfo *trelmInfo, const std::string &pdbFreeName, const std::st
         return readError();
     std::fprintf(stderr, "%s, %d Atoms, Free format.\n", pdbFreeName.c_str(), atomCount);
     std::span<const double> dots;
-    if (do_unsp(trelmInfo->densityNSC, dots) != 0)
+    if (do_unsp(trelmInfo->densityNSC, dots) != 0 || dots.size() > buffers.ddots.span().size())
         return complain("Matrix: unsp error occured.\n");
     // A copy, since the surface takes dots of its own from the same generator.
     std::ranges::copy(dots, buffers.ddots.data());

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 
 namespace trelm {
 namespace {
@@ -58,22 +59,21 @@ void reportGrid(const TrelmInfo &info, const Grid3D &grid, const OrientationSet 
     std::printf("REMARK startGrid (x,y,z): %f  %f  %f\n", grid.start[0], grid.start[1], grid.start[2]);
 }
 
-/// What both forms do before they look at a position. Returns 0, or 1 after a message.
-int startGrid(TrelmInfo &info, const OrientationSet &set, Grid3D &grid)
+/// What both forms do before they look at a position.
+Grid3D startGrid(TrelmInfo &info, const OrientationSet &set)
 {
-    const float cell = cellSize(info);
-    if (!(cell > 0.0f) || !std::isfinite(cell))
-        return complain("trelm: -vol, -mwLC, -massLC, -unitLC, -polyLC give no size of the cell (%g).\n",
-                        number(cell));
     reportSetBias(set, prefix);
-    info.rSingleCell = cell;
+    info.rSingleCell = cellSize(info);
+    if (!(info.rSingleCell > 0.0f) || !std::isfinite(info.rSingleCell))
+        complain("Warning: -vol, -mwLC, -massLC, -unitLC, -polyLC give no size of the cell (%g).\n",
+                 number(info.rSingleCell));
     if (isNarrow(info))
         std::fputs("WARNING: Potentials between neighbouring cells overlapping!\n"
                    "         ---> Magnitude of alignment tensor might be wrong!\n",
                    stderr);
-    grid = makeGrid3D(info);
+    const Grid3D grid = makeGrid3D(info);
     reportGrid(info, grid, set);
-    return 0;
+    return grid;
 }
 
 /// The orientations at the free positions of the cell beyond the grid.
@@ -96,27 +96,26 @@ float inSteps(double shift, float turnedCoordinate, float spacing)
     return static_cast<float>((shift + number(turnedCoordinate)) / number(spacing));
 }
 
-/// Where an atom comes to lie along x or y: points from 0, or off the grid.
+/// Where an atom comes to lie along x or y: points from 0, or off the grid. With an even count the last half
+/// step on the positive side has the number behind the last point: that of the next row but along x.
 int pointAlong(const Grid3D &grid, std::size_t axis, double shift, float coordinate)
 {
     const float steps = inSteps(shift, coordinate, grid.spacing[axis]);
     if (!(std::fabs(steps) <= static_cast<float>(grid.half[axis])))
         return GridPlaces::off;
-    const int point = getGridPoint(steps) + grid.half[axis];
-    return point < grid.count[axis] ? point : GridPlaces::off;
+    return getGridPoint(steps) + grid.half[axis];
 }
 
-/// Where an atom comes to lie along z, where the planes in use repeat, one period to each side.
+/// Where an atom comes to lie along z, where the planes in use repeat, one period to each side: points from
+/// 0, those of the neighbouring rows beyond the ends.
 int pointAlongZ(const Grid3D &grid, double shift, float coordinate)
 {
+    constexpr float farthest = 1e9f; // and a number that no grid has
     const float steps = inSteps(shift, coordinate, grid.spacing[2]);
-    if (!(std::fabs(steps) <= static_cast<float>(grid.count[2]) + static_cast<float>(grid.planes())))
-        return GridPlaces::off;
+    if (!(std::fabs(steps) <= farthest))
+        return std::numeric_limits<int>::max();
     const int point = getGridPoint(steps) + grid.half[2] + 1;
-    const int wrapped = point > grid.zN   ? point - grid.planes()
-                        : point < grid.z1 ? point + grid.planes()
-                                          : point;
-    return wrapped >= 1 && wrapped <= grid.count[2] ? wrapped - 1 : GridPlaces::off;
+    return (point > grid.zN ? point - grid.planes() : point < grid.z1 ? point + grid.planes() : point) - 1;
 }
 
 double shiftAlong(const Grid3D &grid, std::size_t axis, int step)
@@ -147,7 +146,7 @@ void placeAlongZ(const Grid3D &grid, GridPlaces &places)
         bool isWithin = true;
         for (int step = 0; step < grid.planes(); ++step) {
             places.z.push_back(pointAlongZ(grid, shiftAlong(grid, 2, step), coordinate));
-            isWithin = isWithin && places.z.back() != GridPlaces::off;
+            isWithin = isWithin && places.z.back() >= 0 && places.z.back() < grid.count[2];
         }
         places.isWithin.push_back(isWithin ? 1 : 0);
     }
@@ -166,19 +165,26 @@ struct Row {
     {
         return x[j] == GridPlaces::off || y[j] == GridPlaces::off;
     }
+    [[nodiscard]] std::size_t number(std::size_t j) const
+    {
+        return static_cast<std::size_t>(x[j]) + static_cast<std::size_t>(y[j]);
+    }
+    /// What the row holds; mixed where the atom leaves it.
     [[nodiscard]] GridRows::Kind kind(std::size_t j) const
     {
-        return rows.kind[static_cast<std::size_t>(x[j] + y[j])];
+        return places.isWithin[j] != 0 && number(j) < rows.kind.size() ? rows.kind[number(j)]
+                                                                       : GridRows::mixed;
     }
     /// Calls visit(position, potential) at each position for an atom that is not off the row.
     template <class Visit>
     void forEachPosition(std::size_t j, Visit visit) const
     {
-        const double *const points =
-            &rows.pot3D[static_cast<std::size_t>(x[j] + y[j]) * static_cast<std::size_t>(grid.count[2])];
+        const auto first = static_cast<std::ptrdiff_t>(number(j)) * grid.count[2];
         const int *const z = &places.z[j * length()];
-        for (std::size_t k = 0; k < length(); ++k)
-            visit(k, z[k] == GridPlaces::off ? 0.0 : points[z[k]]);
+        for (std::size_t k = 0; k < length(); ++k) {
+            const auto point = static_cast<std::size_t>(first + z[k]); // wraps where it would be below 0
+            visit(k, point < rows.pot3D.size() ? rows.pot3D[point] : 0.0);
+        }
     }
 };
 
@@ -186,15 +192,12 @@ struct Row {
 bool blocksRow(const Row &row, std::size_t j, RowSearch &search)
 {
     // Where no potential is allowed at all, the one beyond the grid, which is 0, is not either.
-    const bool leavingClashes = row.grid.maxPot <= 0.0f;
     if (row.isOff(j))
-        return leavingClashes;
+        return row.grid.maxPot <= 0.0f;
     const GridRows::Kind kind = row.kind(j);
-    if (kind == GridRows::full && (row.places.isWithin[j] != 0 || leavingClashes))
-        return true;
-    if (kind != GridRows::free || (leavingClashes && row.places.isWithin[j] == 0))
+    if (kind == GridRows::mixed)
         search.mixed.push_back(j);
-    return false;
+    return kind == GridRows::full;
 }
 
 /// Marks the free positions of a row. Returns their number.
@@ -259,7 +262,7 @@ Grid3D makeGrid3D(const TrelmInfo &info)
     grid.zN = info.elInfo.zN;
     grid.maxPot = info.elInfo.maxPot;
     for (std::size_t axis = 0; axis < 3; ++axis) {
-        grid.half[axis] = grid.count[axis] / 2;
+        grid.half[axis] = static_cast<int>(std::floor(grid.count[axis] / 2.0));
         const int before = axis == 2 ? grid.half[2] - grid.z1 : grid.half[axis];
         grid.start[axis] = -before * number(grid.spacing[axis]);
     }
@@ -270,6 +273,8 @@ GridRows makeGridRows(const Grid3D &grid, std::span<const double> pot3D)
 {
     GridRows rows;
     rows.pot3D = pot3D;
+    if (grid.count[2] < 1)
+        return rows;
     const auto length = static_cast<std::size_t>(grid.count[2]);
     const auto maxPot = number(grid.maxPot);
     for (std::size_t from = 0; from + length <= pot3D.size(); from += length) {
@@ -301,8 +306,10 @@ double weighPositions(const Grid3D &grid, const GridRows &rows, const GridPlaces
                       const ChargeSet &charges, RowSearch &search)
 {
     const std::size_t atoms = places.isWithin.size();
-    const auto nX = static_cast<std::size_t>(grid.count[0]), nY = static_cast<std::size_t>(grid.count[1]);
     double sum = 0.0;
+    if (!grid.hasPositions())
+        return sum;
+    const auto nX = static_cast<std::size_t>(grid.count[0]), nY = static_cast<std::size_t>(grid.count[1]);
     for (std::size_t iii = 0; iii < nX; ++iii)
         for (std::size_t jjj = 0; jjj < nY; ++jjj) {
             const Row row = {grid, rows, places, &places.x[iii * atoms], &places.y[jjj * atoms]};
@@ -317,9 +324,7 @@ int sma3D(TrelmInfo &trelmInfo, const Coordinates &atoms, std::span<const double
 {
     saupe = {};
     const OrientationSet set = makeOrientationSet(dots, trelmInfo.digPsiNSC);
-    Grid3D grid;
-    if (startGrid(trelmInfo, set, grid) != 0)
-        return 1;
+    const Grid3D grid = startGrid(trelmInfo, set);
     const GridRows rows = makeGridRows(grid, pot3D);
     GridPlaces places;
     RowSearch search;
@@ -331,24 +336,24 @@ int sma3D(TrelmInfo &trelmInfo, const Coordinates &atoms, std::span<const double
         total += weight;
     });
     // The free rest of a cell can be less than the grid that it leaves out: the sum may be negative.
-    total += freeRest(trelmInfo, grid, set.count());
-    return divideByWeights("sma3D", total, saupe);
+    const double rest = freeRest(trelmInfo, grid, set.count());
+    if (std::isinf(rest)) { // a cell without an end, of which no order is left
+        saupe = {};
+        return 0;
+    }
+    return divideByWeights("sma3D", total + rest, saupe);
 }
 
-int ssia3D(TrelmInfo &trelmInfo, const Coordinates &atoms, std::span<const double> dots,
-           std::span<const float> pot3Dst, Saupe &saupe)
+void ssia3D(TrelmInfo &trelmInfo, std::span<const double> dots, Saupe &saupe)
 {
     saupe = {};
     const OrientationSet set = makeOrientationSet(dots, trelmInfo.digPsiNSC);
-    Grid3D grid;
-    if (startGrid(trelmInfo, set, grid) != 0)
-        return 1;
+    const Grid3D grid = startGrid(trelmInfo, set);
     // What the atoms would meet at the first position changes nothing that is seen.
-    if (set.count() > 0 && !pot3Dst.empty() && atoms.count() > 0)
+    if (set.count() > 0 && grid.hasPositions())
         endQuietly();
     if (freeRest(trelmInfo, grid, set.count()) <= 0.0)
         std::fputs("WARNING: Error in simulation\n", stderr);
-    return 0;
 }
 
 } // namespace trelm

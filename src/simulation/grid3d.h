@@ -23,6 +23,7 @@ struct Grid3D {
     int z1 = 1, zN = 1;
     float maxPot = 5.0f; ///< an atom clashes where the magnitude is at or above, kT/e
     [[nodiscard]] int planes() const { return zN - z1 + 1; }
+    [[nodiscard]] bool hasPositions() const { return count[0] > 0 && count[1] > 0 && planes() > 0; }
 };
 
 Grid3D makeGrid3D(const TrelmInfo &trelmInfo);
@@ -42,8 +43,9 @@ GridRows makeGridRows(const Grid3D &grid, std::span<const double> pot3D);
 struct GridPlaces {
     static constexpr int off = -1; ///< off the grid
     std::vector<int> x, y;      ///< shift by shift, an entry an atom: what it adds to the number of the row
-    std::vector<int> z;         ///< atom by atom, an entry a shift: the point in the row, from 0
-    std::vector<char> isWithin; ///< whether an atom has a point at every shift along z
+    std::vector<int> z;         ///< atom by atom, an entry a shift: the point in the row, from 0; the row
+                                ///< before has -1, and beyond the values there is no potential
+    std::vector<char> isWithin; ///< whether an atom stays in its row at every shift along z
     std::vector<float> turnedAxis; ///< work space
 };
 
@@ -63,13 +65,12 @@ double weighPositions(const Grid3D &grid, const GridRows &rows, const GridPlaces
                       const ChargeSet &charges, RowSearch &search);
 
 /// The weighted simulation. Writes rSingleCell. Prints its parameters on standard output. Returns 0, or 1
-/// after a message.
+/// after a message. gridPoints has accepted the grid.
 int sma3D(TrelmInfo &trelmInfo, const Coordinates &atoms, std::span<const double> dots,
           const ChargeSet &charges, std::span<const double> pot3D, Saupe &saupe);
 
 /// The steric form of it, which looks at the first position of the first orientation and then ends the
-/// process with status 0. Returns only if there is no position: 0, or 1 after a message.
-int ssia3D(TrelmInfo &trelmInfo, const Coordinates &atoms, std::span<const double> dots,
-           std::span<const float> pot3Dst, Saupe &saupe);
+/// process with status 0. Returns only if there is no position, and then there is no order.
+void ssia3D(TrelmInfo &trelmInfo, std::span<const double> dots, Saupe &saupe);
 
 } // namespace trelm

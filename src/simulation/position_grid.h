@@ -14,7 +14,7 @@ constexpr double rodDensity = 1.46;    ///< of the rods' material, g/ml
 /// Lengths in angstrom.
 struct GridSetup {
     double gridSpacing = 0.0;        ///< step of the distances; above 0
-    double max_obstruction = 0.0;    ///< half thickness of the wall, radius of the rod; above 0
+    double max_obstruction = 0.0;    ///< half thickness of the wall, radius of the rod
     double max_protein_length = 0.0; ///< the grid ends where the solute's centre is this far from the surface
     double min_protein_length = 0.0; ///< and starts here
 };

@@ -17,16 +17,22 @@ struct Potential {
     int count = 0;                       ///< entries in use
     double offset = 0.0, stepsize = 0.0; ///< distance of the first line and between two, angstrom
     bool isTold = false;                 ///< the user knows that charges were out of its reach
+    bool isFieldTold = false;            ///< and what is odd about the field
 };
 
 /// Reads lines of a distance in nanometres and a potential. An empty name reads nothing: a table without
-/// entries. Returns 0, or 1 after a message: no memory, no file, fewer than two lines, a line that is no pair
-/// of numbers, a step larger than the first one, too many lines.
+/// entries. Without two lines of rising distances there is no step, and no charge feels a potential: a
+/// warning. Returns 0, or 1 after a message: no memory, no file, a line that is no pair of numbers, a step
+/// larger than the first one, too many lines.
 int readPotential(const std::string &inName, Potential &potential);
 
-/// The number of points of the grid of a run, or 0 after a message if its counts or spacings are not
-/// positive, its z planes lie outside it or there are more points than an index can have.
-std::size_t gridPoints(const TrelmInfo &trelmInfo);
+/// Whether there is a distance between two entries: else nothing can be looked up.
+bool hasStep(const Potential &potential);
+
+/// The number of points of the grid of a run. Returns 0, or 1 after a message if a spacing is 0 or there are
+/// more points or positions than an index can have. Warns of a grid without positions, of z planes beyond it
+/// and of negative spacings.
+int gridPoints(const TrelmInfo &trelmInfo, std::size_t &points);
 
 /// Read a grid, z fastest, then y, then x, behind a header of eleven lines: its values, kT/e, or for each 1
 /// if an atom may be there (its magnitude is below maxPot), else 0. An empty name reads nothing: all zero.

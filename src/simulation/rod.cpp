@@ -14,6 +14,8 @@ constexpr std::size_t blockSize = QuickColumns::blockSize;
 /// of distances would.
 float squareOf(float limit)
 {
+    if (limit < 0.0f) // no root is as small as that
+        return limit;
     float square = limit * limit;
     while (std::sqrt(square) > limit)
         square = std::nextafter(square, 0.0f);

@@ -19,9 +19,10 @@ namespace {
 
 constexpr int typeDodecahedron = 9;
 constexpr int typeIcosahedron = 10;
-constexpr int cubeEdge = 4;     ///< cells an edge of do_unsp
-constexpr int vertexCount = 12; ///< of the icosahedron
-constexpr int centreCount = 20; ///< of its faces
+constexpr int cubeEdge = 4;        ///< cells an edge of do_unsp
+constexpr int mostDots = 10000000; ///< of a set: arcs between more are too short to divide
+constexpr int vertexCount = 12;    ///< of the icosahedron
+constexpr int centreCount = 20;    ///< of its faces
 constexpr int baseCount = vertexCount + centreCount;
 constexpr double sameDistance = 0.001; ///< tolerance of squared distances of neighbours
 
@@ -357,7 +358,7 @@ int make_unsp(int densit, int mode, int &num_dot, int cubus)
 int do_unsp(int densit, std::span<const double> &dots)
 {
     int count = 0;
-    if (dotCount(densit) > maxOrientations || make_unsp(densit, -unsp_type(densit), count, cubeEdge) != 0)
+    if (dotCount(densit) > mostDots || make_unsp(densit, -unsp_type(densit), count, cubeEdge) != 0)
         return 1;
     dots = {xpunsp.get(), std::size_t{3} * static_cast<std::size_t>(count)};
     return 0;

@@ -16,7 +16,8 @@ struct DotCells {
 
 /// Builds the smaller of the two tessellations that reach the density, in the order of the cells of a 4 by 4
 /// by 4 cube. `dots` gets x, y, z of each unit vector; it belongs to the generator and is void after its next
-/// build. Returns 0, or 1 if the set could not be made or would have more than maxOrientations dots.
+/// build. Returns 0, or 1 if the set could not be made or would have more than ten million dots. Who
+/// copies them has to look how many there are: maxOrientations is the room of a run.
 int do_unsp(int densit, std::span<const double> &dots);
 
 /// The same, unless the last build already is this set; with the cells.

@@ -27,7 +27,7 @@ struct StericSetup {
     GridSetup grid;             ///< the distances
     double stepOutLength = 0.0; ///< wall: from its middle plane to the edge of its cell
     double radius = 0.0;        ///< of every atom
-    double wvAmount = 0.0;      ///< concentration, a fraction; above 0
+    double wvAmount = 0.0;      ///< concentration, above 0
     int digit_psi = 1;          ///< steps of the third angle
 };
 

@@ -97,6 +97,16 @@ int appendAtom(const AtomInfo &atom, PDBInfo &pdbInfo)
     return 0;
 }
 
+/// The other form of structure files, whose atoms stand in ATOM lines, too. It begins with "data_".
+bool isMmcif(TextInput &input)
+{
+    std::string_view line, word;
+    while ((word.empty() || word.starts_with('#')) && fgetsAlloc(input, line))
+        word = firstWord(line);
+    rewindText(input);
+    return equalNoCase(word.substr(0, 5), "data_");
+}
+
 int readAtoms(TextInput &input, PDBInfo &pdbInfo, const PDBSelectInfo *sInfo)
 {
     const int hetatmFlag = sInfo != nullptr ? sInfo->hetatmFlag : 0;
@@ -138,10 +148,17 @@ int readPDB(const std::string &pdbName, PDBInfo *pdbInfo, const PDBSelectInfo *s
     const TextStatus status = readText(input, pdbName);
     if (status == TextStatus::noFile)
         return complain("PDB Error opening PDB file %s\n", pdbName.c_str());
-    if (status != TextStatus::read || readAtoms(input, *pdbInfo, sInfo) != 0)
+    if (status != TextStatus::read)
         return 1;
+    const char *shownName = pdbName.empty() ? "(stdin)" : pdbName.c_str();
+    if (isMmcif(input))
+        return complain("PDB Error: %s is an mmCIF file: the PDB format is wanted.\n", shownName);
+    if (readAtoms(input, *pdbInfo, sInfo) != 0)
+        return 1;
+    if (pdbInfo->atomCount == 0 && sInfo == nullptr)
+        complain("PDB Warning: no ATOM line in %s: is it a PDB file?\n", shownName);
     if (indexPDB(pdbInfo) != 0)
-        return complain("PDB Error Indexing PDB File %s\n", pdbName.empty() ? "(stdin)" : pdbName.c_str());
+        return complain("PDB Error Indexing PDB File %s\n", shownName);
     return 0;
 }
 

@@ -109,8 +109,9 @@ int pdbNull(PDBInfo *pdbInfo);
 /// Reads the ATOM lines of a file (standard input if the name is empty) that pass `sInfo`, and indexes them.
 /// With the hetatmFlag of `sInfo` HETATM lines are atoms too. Null takes all ATOM lines and no HETATM line:
 /// the program itself reads with null, so that its options -hetatm and -protein do not touch what is read.
-/// Returns 0, or 1 after a message on the standard error stream. Numbers are read as atoi and atof read them:
-/// what is no number is 0; but a coordinate that is not finite is a failure.
+/// Returns 0, or 1 after a message on the standard error stream; a file without ATOM lines is told of, one in
+/// the mmCIF format is refused. Numbers are read as atoi and atof read them: what is no number is 0; but a
+/// coordinate that is not finite is a failure.
 int readPDB(const std::string &pdbName, PDBInfo *pdbInfo, const PDBSelectInfo *sInfo);
 
 /// Builds the lists of residues, chains and segments and the look-ups from the atom array. Once for a

@@ -182,4 +182,20 @@ TEST(BestFit, WindowAndAtomPairChooseRows)
         EXPECT_EQ(countOf(runProgram(bestFit(options)).out, line), 1) << options;
 }
 
+TEST(BestFit, InputsAsUsersHaveThem)
+{
+    const auto marked = [](std::string_view name) { return "\xEF\xBB\xBF" + fileText(example(name)); };
+    const std::string line = "-bestFit -outD fit.tab -H -inD ";
+    const Ran plain = goodRun(line + "ubi/bicelle_hn.tab -pdb ubi/1d3z_model1.pdb");
+    const Ran ran =
+        goodRun(line + "m.tab -pdb m.pdb",
+                {.files = {{"m.tab", marked("bicelle_hn.tab")}, {"m.pdb", marked("1d3z_model1.pdb")}}});
+    EXPECT_EQ(ran.file("fit.tab"), plain.file("fit.tab"));
+
+    const Ran none = runProgram(line + "ubi/bicelle_hn.tab");
+    EXPECT_EQ(none.status, 1);
+    EXPECT_EQ(countOf(none.err, "trelm: -pdb is missing: without a structure no coupling can be fitted.\n"),
+              1);
+}
+
 } // namespace

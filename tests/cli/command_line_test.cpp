@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+
 namespace {
 
 TEST(CommandLine, VersionIsOneLineAndNothingElse)
@@ -66,13 +68,39 @@ TEST(CommandLine, WordsNobodyUsedAreTold)
          "Warning from " TRELM_PROGRAM ":\n  Arguments 8 to 9 may be unknown or unused:\n  ' -ind x.tab '\n"
          "  -ind: did you mean -inD?\n"},
         {"flags", "Warning from " TRELM_PROGRAM ":\n  Argument 8 may be unknown or unused:\n  ' -ind '\n"
-                  "  -ind: did you mean -inD?\n"},
-        {"Debug", "  8. 0   4 Characters: '-ind'\n"}};
+                  "  -ind: did you mean -inD?\n"}};
     for (const auto &[mode, told] : cases) {
         const Ran ran = goodRun(line, {.environment = {{"NMRCHECK", mode}}});
         EXPECT_EQ(countOf(ran.err, told), 1) << ran.err;
         EXPECT_EQ(countOf(ran.err, "may be unknown"), 1) << ran.err;
     }
+    const Ran debug = goodRun(line, {.environment = {{"NMRCHECK", "Debug"}}});
+    const std::string program = TRELM_PROGRAM;
+    int sum = 0;
+    for (const char c : program + line)
+        sum += c != ' ' ? c : 0;
+    char start[600];
+    std::snprintf(start, sizeof start,
+                  "Debug Info from %s. Original Checksum: %d Final Checksum: %d.\n"
+                  "  0. 1 %3zu Characters: '%s'\n",
+                  program.c_str(), sum, sum, program.size(), program.c_str());
+    EXPECT_EQ(ownErrors(debug.err), start +
+                                        std::string("  1. 1   8 Characters: '-bestFit'\n"
+                                                    "  2. 1   4 Characters: '-pdb'\n"
+                                                    "  3. 1  19 Characters: 'ubi/1d3z_model1.pdb'\n"
+                                                    "  4. 1   5 Characters: '-outD'\n"
+                                                    "  5. 1   7 Characters: 'fit.tab'\n"
+                                                    "  6. 1   7 Characters: '-pdbRot'\n"
+                                                    "  7. 1   5 Characters: 't.pdb'\n"
+                                                    "  8. 0   4 Characters: '-ind'\n"
+                                                    "  9. 0   5 Characters: 'x.tab'\n"
+                                                    " 10. 1   4 Characters: '-dot'\n"
+                                                    " 11. 1   1 Characters: '5'\n") +
+                                        cases[0].second +
+                                        "ubi/1d3z_model1.pdb, 1231 Atoms, Residues 1 to 76.\n"
+                                        ", 0 Couplings, Residues 0 to 0.\n"
+                                        "trelm: no coupling is left to fit.\n");
+    EXPECT_EQ(debug.out, "REMARK 0 couplings selected (inclusive max).\nREMARK PDB Selection: All Atoms.\n");
     const Ran unchecked = goodRun(line);
     EXPECT_EQ(countOf(unchecked.err, "may be unknown"), 0);
     EXPECT_EQ(countOf(unchecked.err, "did you mean"), 0);

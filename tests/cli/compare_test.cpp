@@ -352,8 +352,8 @@ TEST(OrderMatrixRun, FindsTheTurnBetweenTwoCopies)
         // One of the four solutions is the turn itself; its hinge is the axis of the turn, x and y exchanged.
         const std::vector<double> angles = numbersAfter(report, "DATA HINGE_ANGLES");
         ASSERT_EQ(angles.size(), 4U);
-        const auto nearest =
-            std::ranges::min_element(angles, {}, [&](double found) { return std::fabs(found - degrees); });
+        const auto nearest = std::ranges::min_element(
+            angles, {}, [turn = degrees](double found) { return std::fabs(found - turn); });
         EXPECT_NEAR(*nearest, degrees, 0.02);
         const std::vector<double> hinge =
             numbersAfter(report, "DATA HINGE_AXIS (X/Y/Z)  " + std::to_string(nearest - angles.begin()));
@@ -384,6 +384,8 @@ TEST(OrderMatrixRun, HingeAndTwistOfTheUser)
     EXPECT_EQ(axis(given, "X"), (std::vector<double>{1.0, 0.0, 0.0}));
     EXPECT_EQ(axis(given, "Y"), (std::vector<double>{0.0, 0.0, 1.0}));
     EXPECT_EQ(axis(given, "Z"), (std::vector<double>{0.0, -1.0, 0.0}));
+    // Without bearing on a hinge that is given.
+    EXPECT_EQ(compareTensors(tensor, other, "-rotID 4 -hinge 1 1 0").status, 0);
     // Equal components mean that none was given.
     const Ran equal = compareTensors(tensor, other, "-hinge 1 1 1 -twist 1 1 1"),
               plain = compareTensors(tensor, other);

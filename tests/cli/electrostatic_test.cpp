@@ -77,36 +77,99 @@ TEST(ElectrostaticRun, PositiveWallFitsTheSecondMedium)
     EXPECT_LT(corr("-chSurf 0.1"), corr("-chSurf 0.0") - 0.1);
 }
 
+// Beside a rod, with a potential that is small where it begins, and two charges.
+const char *const rodOutput = R"(REMARK 63 couplings selected (inclusive max).
+REMARK PDB Selection: All Atoms.
+REMARK 2 charges placed, Total charge -0.500 [e].
+REMARK charges used in simulation:
+REMARK ===========================
+REMARK chargeID    atom serial number  charge [e] 
+REMARK 0:    900    55.598  -80.978    2.799   -1.000
+REMARK 1:     40    49.315  -84.725    4.258    0.500
+REMARK Total positive charge 0.500 [e], Total negative charge -1.000 [e].
+REMARK Monopol charge at (55.598,-80.978,2.799) [A] of -0.500 [e].
+REMARK Dipol at (49.315,-84.725,4.258) [A] of 17.903 [Debye].
+REMARK Dipol direction (-0.842,-0.502,0.196).
+REMARK 159 atoms selected for simulation.
+REMARK 2 charges selected for simulation.
+REMARK Molecule shifted to geometric center.
+o_pts: 216    saupe_dev[0]: -7.697533e-08
+o_pts: 216    saupe_dev[1]: 2.378669e-08
+o_pts: 216    saupe_dev[2]: -8.641019e-09
+o_pts: 216    saupe_dev[3]: -1.852543e-09
+o_pts: 216    saupe_dev[4]: -4.320510e-09
+deviation from uniform distribution:  1.252595e-07   6.262973e-06
+trelmInfo->elInfo.kPot: 2.0 
+REMARK Minimum molecule dimension 0.000 [A].
+REMARK Maximum molecule dimension 23.879 [A].
+@@@ offset_grid = 33.500 [A]  t_pts = 23.
+@@@ REMARK grid_el[0] = 33.500 [A].
+@@@ REMARK grid_el[23] = 56.500 [A].
+REMARK Equilibrium density of ion pairs 1.204400e-01 [1/nm_3].
+REMARK Debye length 6.793048e-01 nm.
+REMARK Potential at surface -2.317641e+00 [e/kB*T].
+@@ trelmInfo->elInfo.cutoffPot: 1.000000e+00
+@@ trelmInfo->radiusModel: 33.500000
+@@ trelmInfo->concentration: 0.050000
+@@ density: 1.460000
+@@ end_dist: 147.524030
+@@ beta: 181.024030
+@@ no_pt_ph: 23
+@@ lengthGrid: 23
+digPsi = 18    dots = 12   inc_psi = 20.0
+total_ph: 2.429623e+03    test: 1.151668e+01    p: -4.833226e-01  ln(p): nan
+grid_el[0] = 33.5   grid_el[lengthGrid 23] = 56.5   d = 23.0
+  33.5   38.5  0.000000e+00
+  38.5   43.5  0.000000e+00
+  43.5   48.5  4.771290e-02
+  48.5   53.5  4.226705e-01
+  53.5   56.5  5.296167e-01
+  33.5   38.5  0.000000e+00  0.000000e+00
+  38.5   43.5  0.000000e+00  0.000000e+00
+  43.5   48.5  1.557859e-01  4.095931e+01
+  48.5   53.5  6.682941e-01  1.757082e+02
+  53.5   56.5  2.562907e-01  6.738408e+01
+SaupeSteric  gMag 2.155687e-03
+0.000000e+00  0.000000e+00  0.000000e+00  0.000000e+00  0.000000e+00  
+SaupeEl  gMag 2.155687e-03
+1.037653e-03 1.714671e-04 3.843136e-05 2.078058e-04 -7.260712e-04 
+SaupeSum  gMag 2.155687e-03
+1.037653e-03  1.714671e-04  3.843136e-05  2.078058e-04  -7.260712e-04  
+REMARK Equilibrium density of ion pairs 1.204400e-01 [1/nm_3].
+REMARK Debye length 6.793048e-01 nm.
+REMARK Potential at surface -2.317641e+00 [e/kB*T].
+REMARK Probability of initial orientation 9.997048e-01.
+REMARK Equilibrium density of ion pairs 1.204400e-01 [1/nm_3].
+REMARK Debye length 6.793048e-01 nm.
+REMARK Potential at surface -2.317641e+00 [e/kB*T].
+REMARK Probability of 180 deg. rotated orientation 9.987745e-01.
+)";
+const char *const rodErrors = R"(ubi/1d3z_model1.pdb, 1231 Atoms, Residues 1 to 76.
+ubi/bicelle_hn.tab, 63 Couplings, Residues 2 to 70.
+REMARK charges, 2 Charges/pka Values, Net Charge -0.500 Residues 3 to 56.
+
+
+REMARK 1D Potential ubi/rod_potential.txt, Digitization 301, Offset 0.0, Stepsize 0.5 [A].
+Warning: Potential drops within clash region to below 1.000000e+00!
+         ---> Magnitude of alignment tensor wrong!
+REMARK Value of potential at cutoff: -7.071836e-02
+REMARK # of translational points for EL: 23
+REMARK Maximum distance: 5.650000e+01
+
+)";
+
 TEST(ElectrostaticRun, Rod)
 {
-    const Ran ran = goodRun(charged("-pf1 -pot ubi/rod_potential.txt -kPot 2"));
-    expectOrder(ran.out, {"trelmInfo->elInfo.kPot: 2.0 \n",
-                          "REMARK Equilibrium density of ion pairs ",
-                          "REMARK Debye length ",
-                          "REMARK Potential at surface ",
-                          "@@ trelmInfo->elInfo.cutoffPot: ",
-                          "@@ trelmInfo->radiusModel: 33.500000\n",
-                          "@@ trelmInfo->concentration: 0.050000\n",
-                          "@@ density: 1.460000\n",
-                          "@@ end_dist: 147.524030\n",
-                          "@@ beta: 181.024030\n",
-                          "@@ no_pt_ph: 120\n",
-                          "@@ lengthGrid: 433\n",
-                          "digPsi = 18    dots = 122   inc_psi = 20.0\n",
-                          "total_ph: ",
-                          "grid_el[0] = 33.5 ",
-                          "  33.5   38.5  0.000000e+00\n",
-                          " 118.5  120.1  ",
-                          "  33.5   38.5  0.000000e+00  0.000000e+00\n",
-                          "SaupeSteric",
-                          "REMARK Equilibrium density of ion pairs ",
-                          "REMARK Probability of initial orientation ",
-                          "REMARK Equilibrium density of ion pairs ",
-                          "REMARK Probability of 180 deg."});
-    expectOrder(ran.err,
-                {"REMARK 1D Potential ", ", Digitization 301, Offset 0.0, Stepsize 0.5 [A].\n",
-                 "REMARK Value of potential at cutoff: ", "REMARK # of translational points for EL: 433\n",
-                 "REMARK Maximum distance: 1.201000e+02\n", "REMARK Orientation 2196 of 2196\r"});
+    const std::string rod = "-pf1 -pot ubi/rod_potential.txt ";
+    const Ran near = goodRun(charged(rod + "-kPot 2 -elInfo -pka charges -dot 12 -dGrid 1 -cut 1"),
+                             {.files = {{"charges", "56 charge HD21 -1.0\n3 charge CB 0.5\n"}}});
+    EXPECT_EQ(near.out, rodOutput);
+    EXPECT_EQ(ownErrors(near.err), rodErrors);
+
+    const Ran ran = goodRun(charged(rod));
+    expectOrder(ran.out, {"@@ no_pt_ph: 120\n", "@@ lengthGrid: 433\n", " 118.5  120.1  "});
+    expectOrder(ran.err, {"REMARK # of translational points for EL: 433\n",
+                          "REMARK Maximum distance: 1.201000e+02\n", "REMARK Orientation 2196 of 2196\r"});
     EXPECT_EQ(countOf(ran.err, "beyond"), 0);
 
     EXPECT_EQ(countOf(goodRun(charged("-pf1")).err,
@@ -140,6 +203,45 @@ TEST(ElectrostaticRun, Grid)
     EXPECT_EQ(countOf(ran.out, "Probability"), 0);
 }
 
+TEST(ElectrostaticRun, OddValuesRunWithOneWarning)
+{
+    const std::string planes = "the 3D grid has z planes beyond its own: see -z1, -zN.\n",
+                      positions = "the 3D grid has no positions: see -nX, -nY, -z1, -zN.\n",
+                      cell = "-vol, -mwLC, -massLC, -unitLC, -polyLC give no size of the cell (",
+                      field =
+                          "-nacl 0, -temp 298.15, -chSurf -0.47: the field of the surface is no number.\n",
+                      noStep = "one.txt has no two lines of rising distances: charges feel no potential.\n";
+    const std::string start = "REMARK startGrid (x,y,z): 0.000000  0.000000  0.", sum = "SaupeSum  gMag ",
+                      none = sum + "0.000000e+00\n",
+                      flipped = "REMARK Probability of 180 deg. rotated orientation ";
+    const struct {
+        std::string options, warning, last; ///< a line of standard output that shows how far the run came
+    } cases[] = {
+        {"-stTrelm -3D", planes, start + "000000\n"}, // no grid, no planes: it ends as it does with one
+        {"-stTrelm -3D -z1 1 -zN 1 -massLC -1", cell, start + "200000\n"},
+        {"-stTrelm -3D -nX 0", positions, none},
+        {"-elTrelm -3D -z1 3 -zN 2", positions, none},
+        {"-elTrelm -3D -z1 1 -zN 1 -massLC 0", cell + "inf).\n", none},
+        {"-elTrelm -3D", planes, sum},
+        {"-elTrelm -3D -dY -0.2 -z1 1 -zN 1", "the 3D grid has a negative spacing: see -dX, -dY, -dZ.\n",
+         sum},
+        {"-elTrelm -nacl 0 -nopkaDef", field, flipped + "1.000000e+00.\n"},
+        {"-elTrelm -kPot 0", "-kPot 0: the potential is divided by 0.\n", flipped},
+        {"-elTrelm -cut -100", "-cut -100: the cutoff is negative.\n", flipped},
+        {"-elTrelm -pf1 -pot one.txt", noStep, flipped},
+    };
+    const std::string run = " -dot 12 -digPsi 2 -dGrid 1 -pdb ubi/1d3z_model1.pdb -outD out.tab";
+    for (const auto &c : cases) {
+        const Ran ran = goodRun(c.options + run, {.files = {{"one.txt", "0.0 1.5\n"}}});
+        EXPECT_EQ(countOf(ran.err, "Warning: " + c.warning), 1) << c.options << ran.err;
+        EXPECT_EQ(countOf(ran.err, "Warning: ") - countOf(ran.err, "Warning: Potential"), 1) << ran.err;
+        EXPECT_EQ(countOf(ran.out, c.last), 1) << c.options << ran.out;
+        EXPECT_EQ(ran.exists("out.tab"), !c.last.starts_with(start));
+    }
+    EXPECT_EQ(countOf(goodRun("-stTrelm -3D -nX 0 -massLC -1" + run).err, "WARNING: Error in simulation\n"),
+              1);
+}
+
 TEST(ElectrostaticRun, StericGridEndsQuietly)
 {
     const std::string line = "-stTrelm -pdb ubi/1d3z_model1.pdb -H -outD out.tab -pdbRot turned.pdb" + inGrid;
@@ -152,6 +254,7 @@ TEST(ElectrostaticRun, StericGridEndsQuietly)
     EXPECT_FALSE(ran.exists("turned.pdb"));
     EXPECT_EQ(runProgram(line, {.files = files, .stdoutFile = "/dev/full"}).status,
               1); // what was printed is lost
+    EXPECT_EQ(runProgram(line, {.files = files, .stderrFile = "/dev/full"}).status, 1);
 }
 
 } // namespace

@@ -206,6 +206,13 @@ TEST(EnsembleRun, OutputChoices)
     EXPECT_EQ(countOf(setUp.file("e"), "\n"), 6);
     EXPECT_EQ(countOf(setUp.file("ax"), "\n"), 6);
     EXPECT_FALSE(setUp.exists("rot.pdb"));
+    // More directions than a simulation has room for, of which a cone holds few enough.
+    const Ran dense = ensembleRun("OUTPUT_ENSEMBLE: 2\nENSEMBLE_DENSITY: 40000\nBETA_H: 30\n", nullptr);
+    EXPECT_EQ(countOf(dense.out, "REMARK 2756 states in ensemble.\n"), 1) << dense.out;
+    EXPECT_EQ(countOf(dense.err, "WARNING: ENSEMBLE_DENSITY 40000: 40962 directions are more than a "
+                                 "simulation takes.\n"),
+              1)
+        << dense.err;
     EXPECT_FALSE(setUp.exists("log"));
     // What was written is read again.
     const Ran again =

@@ -73,6 +73,39 @@ TEST(LikelihoodRun, DefaultGrid)
     }
 }
 
+TEST(LikelihoodRun, LimitsThatCrossLeaveNoPoint)
+{
+    for (const char *limits : {"-lR 0.3 -hR 0.3", "-lR 0.8", "-lDa -5 -hDa -5", "-lR 5 -hR 3 -hDa 3"}) {
+        const Ran ran = search(std::string(limits) + " -outSc scores");
+        EXPECT_EQ(ran.out, "REMARK 63 couplings selected (inclusive max).\n");
+        EXPECT_EQ(complaints(ran.err),
+                  "Warning: the grid of Da and R has no point between its limits, Da and R stay 0.\n");
+        EXPECT_EQ(ran.file("scores"), "VARS   DA R SCORE\nFORMAT %3.1f %1.2f %e\n\n");
+        EXPECT_EQ(countOf(ran.file("out.tab"),
+                          "DATA ML Da             0.000\nDATA ML Da Err         0.500\n"
+                          "DATA ML R              0.000\nDATA ML R Err          0.050\n"),
+                  1)
+            << ran.file("out.tab");
+        EXPECT_EQ(tableRows(ran.file("out.tab")).size(), 63U);
+    }
+}
+
+TEST(LikelihoodRun, LargeErrorsFoldTheResponse)
+{
+    const auto told = [](const std::string &error) {
+        std::string table = "VARS RESID_I ATOMNAME_I RESID_J ATOMNAME_J D DD\nFORMAT %d %s %d %s %f %f\n";
+        for (const char *coupling : {"-20.0", "-18.0", "9.0", "8.0", "10.0", "1.0"})
+            table.append("2 H 2 N ").append(coupling).append(" ").append(error).append("\n");
+        const Ran ran = runProgram("-daMl -incDa 1 -incR 0.1 -inD in.tab -outD out.tab -outSc scores",
+                                   {.files = {{"in.tab", table}}});
+        return std::to_string(ran.status) + " " + complaints(ran.err);
+    };
+    EXPECT_EQ(told("1.7"), "0 ");
+    const std::string folded = " Hz, is above 1.70 Hz: the response runs into itself.\n";
+    EXPECT_EQ(told("1.71"), "0 Warning: the mean error of the couplings, 1.710" + folded);
+    EXPECT_EQ(told("2.5"), "0 Warning: the mean error of the couplings, 2.500" + folded);
+}
+
 TEST(LikelihoodRun, MappedCouplings)
 {
     // Row: ..., measured, calculated, difference, error, weight.

@@ -31,6 +31,8 @@ TEST(HistogramRun, MeasuredCouplings)
         {"bicelle_hn.tab", "-bin 20", -15.431, 11.567, 7.574, 20, -8.334, 0.065, 0.160, 0.009},
         {"bicelle_hn.tab", "-noave -bin 15", 0, 0, 7.974, 15, -8.959, 0.065, 0.143, 0.008},
         {"bicelle_hn.tab", "-nFit 5", -15.431, 11.567, 0, 0, -8.491, 0, 0.261, 0},
+        // An extreme of which no value agrees with another is 0.
+        {"bicelle_hn.tab", "-nFit 5 -sdevDzz 0", 0, 11.567, 0, 0, -8.491, 0, 0.261, 0},
         {"bicelle2_hn.tab", "-noave -bin 10", 0, 0, 4.025, 10, 12.190, 0.069, 0.776, 0.008},
         // No bin is the most populated one: the extremes decide.
         {"bicelle2_hn.tab", "", 25.831, -23.669, 3.871, 147, 13.200, 0, 0.564, 0},
@@ -74,6 +76,8 @@ TEST(HistogramRun, Report)
                                            "\n\nREMARK Nonlinear least-square opimization.\n\n"
                                            "DATA Dzz_Dyy_Dxx   -15.431  11.567  9.849\n"),
               1);
+    EXPECT_EQ(complaints(magnitudeRun("-daHist -sdevDzz 0").err),
+              "Warning: -sdevDzz 0, -sdevDyy 0.9: without a factor above 0 an extreme is averaged to 0.\n");
     // The couplings that took part stand in both columns.
     const Ran part = magnitudeRun("-daHist -s1 10 -sN 40");
     const auto rows = tableRows(part.file("out.tab"));
@@ -113,6 +117,109 @@ TEST(MotionRun, MeasuredCouplings)
     const auto table0 = bare.out.find("# nDots = 32\n"), map0 = bare.out.find("-9.000  0.000  "),
                report = bare.out.find("REMARK Molecular");
     EXPECT_TRUE(table0 < map0 && map0 < report && report != std::string::npos) << bare.out;
+}
+
+/// N-H couplings of residues 1, 2, ..., with one error.
+std::string amides(const std::vector<double> &couplings, const std::string &error)
+{
+    std::ostringstream table;
+    table << "VARS RESID_I ATOMNAME_I RESID_J ATOMNAME_J D DD\nFORMAT %d %s %d %s %f %f\n";
+    for (std::size_t i = 1; i <= couplings.size(); ++i)
+        table << i << " H " << i << " N " << couplings[i - 1] << ' ' << error << '\n';
+    return table.str();
+}
+
+const std::vector<double> few = {-2.0, -1.9, 1.1, 1.0, 0.9, 0.8, 0.3, -0.4};
+const std::string motionReport =
+    "REMARK Molecular Alignment Simulation.\n\nREMARK Simulation parameters.\n\n\n\n"
+    "REMARK Dipolar couplings.\n\nDATA N                    0\nDATA SEQUENCE \n";
+
+/// The ranges of Da and R and of a list of scores.
+std::string motionRange(const std::string &da, const std::string &r, const std::string &score)
+{
+    return "\n\n# DATA MAX_MIN Da     " + da + "\n# DATA MAX_MIN R      " + r + "\n# DATA MAX_MIN Score  " +
+           score + "\n";
+}
+
+TEST(MotionRun, WholeTexts)
+{
+    const Ran ran =
+        goodRun("-daFlex -nFit 2 -nRun 2 -nSel 6 -inD in.tab", {.files = {{"in.tab", amides(few, "0.5")}}});
+    EXPECT_EQ(ran.out, "REMARK 8 couplings selected (inclusive max).\n"
+                       "REMARK 12 simulated couplings (isotropic).\n"
+                       "# nDots = 12\n"
+                       "\n"
+                       "1  -1.000  0.067     6     0.481    0.481    0.481\n"
+                       "2  -0.950  0.105     6     0.475    0.475    0.475\n" +
+                           motionRange("-0.950  -1.000", "0.105  0.067", "0.481  0.475") +
+                           motionRange("-0.950  -1.000", "0.105  0.067", "0.481  0.475") +
+                           motionRange("-0.950  -1.000", "0.105  0.067", "0.481  0.475") +
+                           "-1.000  0.000     0     0     0\n"
+                           "-1.000  0.020     0     0     0\n"
+                           "-1.000  0.040     0     0     0\n"
+                           "-1.000  0.060     1     1     1\n"
+                           "-1.000  0.080     0     0     0\n"
+                           "-1.000  0.100     1     0     0\n"
+                           "-0.800  0.000     0     0     0\n"
+                           "-0.800  0.020     0     0     0\n"
+                           "-0.800  0.040     0     0     0\n"
+                           "-0.800  0.060     0     0     0\n"
+                           "-0.800  0.080     0     0     0\n"
+                           "-0.800  0.100     0     0     0\n" +
+                           motionReport);
+    EXPECT_EQ(ran.err.substr(0, ran.err.find("REMARK Memory Allocation Status.")),
+              "\n"
+              "\n"
+              "*--------------------------------------------------*\n"
+              "|                      TRELM                       |\n"
+              "*--------------------------------------------------*\n"
+              "\n"
+              "\n"
+              "in.tab, 8 Couplings, Residues 1 to 8.\n"
+              "REMARK Histogram 1 of 2\rREMARK Histogram 2 of 2\r\n");
+}
+
+// Settings that have no sense, and run all the same.
+TEST(MotionRun, OddSettings)
+{
+    const std::string noScores = motionRange("0.000  0.000", "0.000  0.000", "0.000  0.000");
+    const std::string
+        start = "REMARK 8 couplings selected (inclusive max).\nREMARK 12 simulated couplings (isotropic).\n"
+                "# nDots = 12\n\n",
+        none = noScores + noScores + noScores;
+    const std::string noRatio =
+        "motionHist: 1 of 1 sets have no ratio: too few couplings, one outside the pattern of"
+        " their tensor, or a tensor without a pattern.\n";
+    struct {
+        const char *options, *error;
+        std::string told, out; ///< before the report
+    } const cases[] = {
+        {"-nRun 0", "0.5", "Warning: -nRun 0: no set is drawn.\n",
+         start + none + "0.000  0.000     0     0     0\n0.200  0.000     0     0     0\n"},
+        {"-nRun 1 -nFit 5", "0.5", "Warning: -nFit 5: no set is fitted, all have Da and R 0.\n" + noRatio,
+         start + "1  0.000  0.000     6     0.000    0.000    0.000\n" + none +
+             "0.000  0.000     1     0     0\n0.200  0.000     0     0     0\n"},
+        {"-nRun 1 -nFit 2", "2.0",
+         "Warning: the mean error of a set, 2.000 Hz, is above 1.70 Hz: the response runs into itself.\n",
+         start + "1  -1.000  0.067     6     0.494    0.494    0.494\n" +
+             motionRange("-1.000  -1.000", "0.067  0.067", "0.494  0.494") +
+             motionRange("-1.000  -1.000", "0.067  0.067", "0.494  0.494") +
+             motionRange("-1.000  -1.000", "0.067  0.067", "0.494  0.494") +
+             "-1.000  0.000     0     0     0\n"
+             "-1.000  0.020     0     0     0\n"
+             "-1.000  0.040     0     0     0\n"
+             "-1.000  0.060     1     0     0\n"
+             "-0.800  0.000     0     0     0\n"
+             "-0.800  0.020     0     0     0\n"
+             "-0.800  0.040     0     0     0\n"
+             "-0.800  0.060     0     0     0\n"},
+    };
+    for (const auto &row : cases) {
+        const Ran ran = goodRun(std::string(row.options) + " -daFlex -nSel 6 -inD in.tab",
+                                {.files = {{"in.tab", amides(few, row.error)}}});
+        EXPECT_EQ(complaints(ran.err), row.told);
+        EXPECT_EQ(ran.out, row.out + motionReport) << row.options;
+    }
 }
 
 TEST(MotionRun, SetsWithoutARatioAreCounted)

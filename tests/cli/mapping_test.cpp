@@ -97,6 +97,101 @@ TEST(CouplingNoise, NoSamples)
     EXPECT_EQ(linesOf(many.file("ang.txt")), 11002);
 }
 
+/// What a run without output files writes before its report: all of the samples, in the order of the method.
+TEST(MappingRun, SamplesOnStandardOutput)
+{
+    const std::string fit = " -bestFit -pdb ubi/1d3z_model1.pdb -inD ubi/bicelle_hn.tab -H -map 1";
+    const std::string head = "REMARK Molecular Alignment Simulation.\n";
+    const std::string start =
+        "REMARK 63 couplings selected (inclusive max).\nREMARK PDB Selection: All Atoms.\n";
+    const std::string da = "# SVD_ID    Aa         R\n\n";
+    const std::string tables = "# SVD_ID  ANGLE_X  ANGLE_Y  ANGLE_Z       ANGLE_5D        COLL_5D\n\n"
+                               "VARS     ID   S_ZZ     S_XXYY     S_XY     S_XZ     S_YZ\n"
+                               "FORMAT  %5d  %e       %e       %e     %e     %e\n\n";
+    const std::string same = "    0      0.000    0.000    0.000          0.000       1.000000e+00\n";
+    struct {
+        const char *options;
+        std::string text;
+    } const cases[] = {
+        {"-mcDc -kLAdjustMc 7.2", start + da +
+                                      "REMARK Adjusting DC error bars ...\n"
+                                      "REMARK DC Error Scaling factor 7.2\rREMARK DC Error Scaling factor "
+                                      "7.4\rREMARK DC error bars automatically adjusted by factor of 7.4.\n" +
+                                      tables},
+        {"-mcDc -d1 2 -dN 5", "REMARK 4 couplings selected (inclusive max).\n"
+                              "REMARK PDB Selection: All Atoms.\n" +
+                                  da},
+        {"-mcStruc -noautoCone",
+         start +
+             "REMARK Experimental DC and structure have 0.375 Hz DC Rms.\n"
+             "REMARK Amount of structural noise by user specified.\n"
+             "REMARK Width of Gaussian cone 5.00 degree.\n" +
+             da +
+             "     0  -9.103306e+00  0.150       1.274    3997.266\n"
+             "  -0.601692       1.084145    1.562826       0.485035    0.214916       -0.036546\n"
+             " 0.867532\t-1.084145   -1.216412\t-0.485035   -2.924579\t0.036546\n"
+             "REMARK 1 SVD runs of 1 succesful.\n" +
+             tables + "    0  -5.461962e-04  7.797692e-05  4.045357e-05  -1.508964e-04  5.412694e-04\n" +
+             same},
+        {"-jack -dFrac 0.9",
+         start + da +
+             "     0  -9.366331e+00  0.158       0.378     313.329\n"
+             "  -0.614187       1.086330    1.586360       0.484276    0.228244       -0.012519\n"
+             " 0.848966\t-1.086330   -1.193988\t-0.484276   -2.913102\t0.012519\n"
+             "REMARK 56 DC of 63 picked.\n"
+             "REMARK 1 SVD runs of 1 succesful.\n" +
+             tables + "    0  -5.631845e-04  8.203240e-05  2.821689e-05  -1.418721e-04  5.612278e-04\n" +
+             same},
+    };
+    for (const auto &row : cases) {
+        const Ran ran = runProgram(row.options + fit);
+        EXPECT_EQ(ran.out.substr(0, ran.out.find(head)), row.text) << row.options;
+    }
+    EXPECT_EQ(runProgram("-mcDc -d1 2 -dN 5 -outDa da.txt" + fit).file("da.txt"), da);
+}
+
+// Settings that have no sense, and run all the same: a word on the error stream, and what the steps give.
+TEST(MappingRun, OddSettings)
+{
+    const std::string fits = "REMARK 3 SVD runs of 3 succesful.\n",
+                      unknowns = " couplings: a tensor has five unknowns.\n";
+    const std::string
+        found = "REMARK Amount of structural noise automatically determined.\nREMARK Width of Gaussian cone ",
+        tooWide = ": an angle to an axis is below 180 degrees.\n";
+    struct {
+        const char *options;
+        std::string told, out;
+    } const cases[] = {
+        {"-jack -dFrac 1.5",
+         "Warning: -dFrac 1.5: above 1 each fit takes all couplings; -nDfixed takes a number.\n",
+         "REMARK 63 DC of 63 picked.\n" + fits},
+        {"-jack -dFrac 0", "trelm: -dFrac 0 picks 0" + unknowns, "REMARK 0 DC of 63 picked.\n" + fits},
+        {"-jack -dFrac -2 -nDfixed", "trelm: -dFrac -2 picks 0" + unknowns,
+         "REMARK 0 DC of 63 picked.\n" + fits},
+        {"-jack -dFrac 4 -nDfixed", "trelm: -dFrac 4 picks 4" + unknowns,
+         "REMARK 4 DC of 63 picked.\n" + fits},
+        {"-jack -dFrac 5 -nDfixed", "", "REMARK 5 DC of 63 picked.\n" + fits},
+        {"-mcStruc -nCone 0", "Warning: -nCone 0: without fits the search of the cone finds no misfit.\n",
+         found + "89.75 degree and 0.000 Hz DC Rms.\n" + fits},
+        {"-mcStruc -nCone 3 -lCone -1", "Warning: -lCone -1: a cone below 0 degrees moves no atom.\n",
+         found + "1.00 degree and 0.284 Hz DC Rms.\n" + fits},
+        {"-mcStruc -lCone 180", "Warning: -lCone 180" + tooWide,
+         found + "179.75 degree and 0.000 Hz DC Rms.\n" + fits},
+        {"-mcStruc -noautoCone -stdCone 200", "Warning: -stdCone 200" + tooWide,
+         "REMARK Amount of structural noise by user specified.\nREMARK Width of Gaussian cone 200.00 "
+         "degree.\n" +
+             fits},
+    };
+    for (const auto &row : cases) {
+        const Ran ran = mapping(std::string(row.options) + " -map 3");
+        EXPECT_EQ(complaints(ran.err), row.told);
+        EXPECT_NE(ran.out.find(row.out), std::string::npos) << row.options << ran.out;
+        EXPECT_EQ(linesOf(ran.file("da.txt")), 5) << row.options;
+        EXPECT_EQ(countOf(ran.file("da.txt"), "  -nan  "), row.told.ends_with(unknowns) ? 3 : 0)
+            << row.options;
+    }
+}
+
 TEST(Jackknife, SubsetsScatterAroundTheFit)
 {
     const Ran ran = mapping("-jack -map 300 -dFrac 0.5 -pdbRot turned.pdb");
@@ -154,6 +249,13 @@ TEST(StructuralNoise, WritesANoisyStructure)
             EXPECT_TRUE(atom.substr(12, 4) == " H  " || atom.substr(12, 4) == " N  ") << atom;
         }
     EXPECT_EQ(moved, 63); // one atom of each coupling
+
+    for (const char *options : {"", "-angNoise ", "-inD ubi/bicelle_hn.tab "}) { // nothing to move
+        const Ran empty = goodRun(options + std::string("-struc -pdbRot noisy.pdb"));
+        EXPECT_EQ(empty.file("noisy.pdb"), "END\n");
+        EXPECT_EQ(countOf(empty.err, "trelm: "), 1);
+        EXPECT_EQ(countOf(empty.err, "trelm: -struc has no atoms to move: see -pdb.\n"), 1);
+    }
 }
 
 } // namespace

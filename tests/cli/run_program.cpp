@@ -1,6 +1,7 @@
 #include "cli/run_program.h"
 
 #include "common/line.h"
+#include "common/line_ends.h"
 
 #include <gtest/gtest.h>
 
@@ -31,12 +32,13 @@ void redirect(const std::string &path, int stream)
     if (chdir(folder.c_str()) != 0)
         _exit(126);
     redirect(setting.stdoutFile.empty() ? "stdout.txt" : setting.stdoutFile, STDOUT_FILENO);
-    redirect("stderr.txt", STDERR_FILENO);
+    redirect(setting.stderrFile.empty() ? "stderr.txt" : setting.stderrFile, STDERR_FILENO);
     unsetenv("NMRCHECK");
     for (const auto &[name, value] : setting.environment)
         setenv(name.c_str(), value.c_str(), 1);
     trelm::Line line(TRELM_PROGRAM, std::string(words));
-    alarm(60); // a run that hangs is a failure
+    std::signal(SIGINT, SIG_DFL); // the job of a script may ignore it, and a child takes that over
+    alarm(60);                    // a run that hangs is a failure
     execv(TRELM_PROGRAM, line.argv());
     _exit(127);
 }
@@ -86,6 +88,7 @@ Ran runProgram(std::string_view words, const RunSetting &setting)
     ran.status = WIFEXITED(state) ? WEXITSTATUS(state) : 128 + WTERMSIG(state);
     ran.out = fileText(ran.folder / "stdout.txt");
     ran.err = fileText(ran.folder / "stderr.txt");
+    expectLineEnds(ran.err);
     return ran;
 }
 
@@ -167,6 +170,29 @@ std::string withoutProgress(const std::string &err)
     for (std::string line; std::getline(in, line);)
         text += line.substr(line.rfind('\r') + 1) + "\n";
     return text;
+}
+
+std::string complaints(const std::string &err)
+{
+    std::istringstream lines(withoutProgress(err));
+    std::string text;
+    for (std::string line; std::getline(lines, line);)
+        if (!line.empty() && line.find_first_of("*|") != 0 &&
+            line.find(" Couplings, Residues ") == std::string::npos &&
+            line.find(" Atoms, Residues ") == std::string::npos &&
+            !line.starts_with("REMARK Memory Allocation Status."))
+            text += line + '\n';
+    return text;
+}
+
+std::string ownErrors(const std::string &err)
+{
+    constexpr std::string_view bannerEnd = "-*\n\n\n";
+    const std::string text = withoutProgress(err);
+    const std::size_t from = text.find(bannerEnd), to = text.find("REMARK Memory Allocation Status.");
+    if (from == std::string::npos || to == std::string::npos)
+        return "no banner or no balance: " + text;
+    return text.substr(from + bannerEnd.size(), to - from - bannerEnd.size());
 }
 
 std::vector<std::vector<std::string>> tableRows(std::string_view text)

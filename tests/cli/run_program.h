@@ -33,6 +33,7 @@ struct RunSetting {
     Files files = {}; ///< written into the folder before the run
     std::map<std::string, std::string> environment = {};
     std::string stdoutFile = {};   ///< for standard output
+    std::string stderrFile = {};   ///< for the standard error stream
     unsigned interruptedAfter = 0; ///< seconds; 0: never
 };
 
@@ -65,6 +66,14 @@ void expectOrder(const std::string &text, const std::vector<std::string> &parts)
 
 /// The standard error stream without the lines that tell of the progress.
 std::string withoutProgress(const std::string &err);
+
+/// What a run says on the standard error stream beside progress, banner, the inputs it has read and the
+/// balance.
+std::string complaints(const std::string &err);
+
+/// What a run says on the standard error stream between the banner and the balance of memory, without the
+/// lines that tell of the progress.
+std::string ownErrors(const std::string &err);
 
 /// The rows of a coupling table written by the program: the words of each line behind the FORMAT line.
 std::vector<std::vector<std::string>> tableRows(std::string_view text);

@@ -1,6 +1,8 @@
 // What a call prints.
 #pragma once
 
+#include "common/line_ends.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -12,14 +14,16 @@ struct Said {
     std::string err; ///< on the standard error stream
 };
 
-/// Calls, and takes what it prints on both streams.
+/// Calls, and takes what it prints on both streams. Each message has to end its line.
 template <class Call>
 Said said(Call &&call)
 {
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
     call();
-    return {testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
+    Said both = {testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
+    expectLineEnds(both.err);
+    return both;
 }
 
 } // namespace trelm

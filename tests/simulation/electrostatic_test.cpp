@@ -164,26 +164,27 @@ TEST(Weighted, TableIsDividedByItsScaleEachTime)
 {
     Molecule molecule(3, 20, 2, 10.0);
     TrelmInfo info = infoFor(lcRod, 1e-2);
-    info.elInfo.kPot = 2.0f;
+    info.elInfo.kPot = 3.0f;
     Potential potential = makeTable(100, 1.0);
     Saupe saupe = {};
     smaSays(info, molecule, potential, saupe);
     smaSays(info, molecule, potential, saupe);
-    EXPECT_DOUBLE_EQ(potential.values[0], 0.25);
+    EXPECT_EQ(potential.values[0], static_cast<double>(1.0f / 3.0f / 3.0f)); // in single precision
 }
 
-TEST(Weighted, ImpossibleFieldsAreRefused)
+TEST(Weighted, FieldThatIsNoNumberIsToldOnceAndMattersToChargesAlone)
 {
-    const std::pair<float ElInfo::*, float> faults[] = {{&ElInfo::temperaturePot, -1.0f},
-                                                        {&ElInfo::chDensSurf, HUGE_VALF}};
-    for (const auto &[field, value] : faults) {
-        Molecule molecule(3, 20, 2, 10.0);
-        TrelmInfo info = infoFor(lcWall, 6e-6);
-        info.elInfo.*field = value;
+    TrelmInfo info = infoFor(lcWall, 6e-6);
+    info.elInfo.temperaturePot = -1.0f;
+    const char *const warning =
+        "Warning: -nacl 0.2, -temp -1, -chSurf -0.47: the field of the surface is no number.\n";
+    for (const int charges : {0, 2}) {
+        Molecule molecule(3, 20, charges, 10.0);
         Potential none;
         Saupe saupe = {};
-        const std::string err = smaSays(info, molecule, none, saupe, 1).err;
-        EXPECT_EQ(std::ranges::count(err, '\n'), 1) << err;
+        EXPECT_TRUE(smaSays(info, molecule, none, saupe, charges > 0 ? 1 : 0).err.starts_with(warning));
+        EXPECT_EQ(smaSays(info, molecule, none, saupe, charges > 0 ? 1 : 0).err.find("Warning"),
+                  std::string::npos);
     }
 }
 
@@ -250,6 +251,9 @@ TEST(Grid, FastIsPlain)
         {14, 14, 14, 1, 14, 1.5f, 0.5f, 3.0, 5.0},  // a low threshold: mixed rows
         {15, 15, 15, 1, 15, 1.5f, 0.0f, 0.0, 2.0},  // no potential allowed: an atom must not leave the grid
         {15, 15, 15, 2, 14, 1.0f, -1.0f, 3.0, 3.0}, // nothing is free
+        {10, 12, 9, 0, 0, 1.2f, 0.8f, 2.0, 5.0},    // planes before the first: the values of other rows
+        {11, 10, 4, 3, 7, 1.2f, 5.0f, 2.0, 4.0},    // planes behind the last
+        {12, 12, 9, 2, 8, -1.0f, 5.0f, 2.0, 4.0},   // the grid in a mirror
     };
     unsigned seed = 40;
     for (const Case &c : cases) {
@@ -300,26 +304,44 @@ std::string tableOf(int lines)
 
 TEST(PotentialFile, TableInNanometres)
 {
-    const TempFile file("0.5 -2.0 more\n 0.7\t-1.5\n0.9 -1.0\n0.95 -0.5\n\n");
+    const TempFile file("0.5 -2.0 more\n 0.7\t-1.5e0x\n0.9-1.0\n0.95 -0.5\n");
     Potential potential;
     ASSERT_EQ(readPotential(file.name, potential), 0); // a smaller step passes
     EXPECT_EQ(potential.count, 4);
     EXPECT_DOUBLE_EQ(potential.offset, 5.0);
     EXPECT_NEAR(potential.stepsize, 2.0, 1e-12);
+    EXPECT_DOUBLE_EQ(potential.values[2], -1.0);
     EXPECT_DOUBLE_EQ(potential.values[3], -0.5);
     EXPECT_EQ(readPotential("", potential), 0);
     EXPECT_EQ(potential.count, 0);
 }
 
+TEST(PotentialFile, TablesWithoutAStepAreWarnedOf)
+{
+    Molecule molecule(3, 20, 2, 10.0);
+    for (const char *text :
+         {"", "0.1 1.0\n", "0.1 1.0\n0.1 1.0\n", "0.2 1.0\n0.1 1.0\n", "0.1 1.0\ninf 1.0\n"}) {
+        const TempFile file(text);
+        Potential potential;
+        EXPECT_NE(said([&] {
+                      EXPECT_EQ(readPotential(file.name, potential), 0);
+                  }).err.find(" has no two lines of rising distances: charges feel no potential.\n"),
+                  std::string::npos)
+            << text;
+        Potential none;
+        Saupe saupe = {}, withoutTable = {};
+        smaSays(infoFor(lcRod, 1e-2), molecule, potential, saupe);
+        smaSays(infoFor(lcRod, 1e-2), molecule, none, withoutTable);
+        EXPECT_EQ(saupe, withoutTable) << text;
+    }
+}
+
 TEST(PotentialFile, FaultsOfTables)
 {
     const std::pair<std::string, const char *> faults[] = {
-        {"", "two lines at least"},
-        {"0.1 1.0\n", "two lines at least"},
-        {"0.1 1.0\n0.1 1.0\n", "two lines at least"},
         {"0.1 1.0\nno number\n", "wrong format\nLine:no number\n"},
         {"0.1 1.0\n0.2\n", "wrong format\nLine:0.2\n"},
-        {"0.1 nan\n0.2 1\n", "wrong format"},
+        {"0.1 1\n0.2 1\n\n", "wrong format\nLine:\n"},
         {"0 1\n0.1 1\n0.25 1\n", "uniform stepsize\nLine:0.25 1\n1.500000e-01 1.000000e-01 ==> diff = 5.0"},
         {tableOf(9999), "digitization of potential too high."},
     };
@@ -338,7 +360,7 @@ const std::string gridHeader = "1\n2\n3\n4\n5\n6\n7\n8\n9\n10\n11\n";
 
 TEST(PotentialFile, GridBehindItsHeader)
 {
-    const TempFile file(gridHeader + "1 -7 3\n4 5\n6\n");
+    const TempFile file(gridHeader + "1 -7 3\n4 5\n6\n\n");
     const TrelmInfo info = gridInfo(1, 2, 3, 1, 3, 1.0f);
     Block<double> pot3D;
     Block<float> pot3Dst;
@@ -351,6 +373,8 @@ TEST(PotentialFile, GridBehindItsHeader)
                    "WARNING: File with 3D Potential may contain line with wrong input format!\nLine:4 5\n"
                    "REMARK Reading values of 3D potential 5 of 6\r"
                    "WARNING: File with 3D Potential may contain line with wrong input format!\nLine:6\n"
+                   "REMARK Reading values of 3D potential 6 of 6\r"
+                   "WARNING: File with 3D Potential may contain line with wrong input format!\nLine:\n"
                    "REMARK Reading values of 3D potential 6 of 6\r\n");
     said([&] { ASSERT_EQ(read3DPotSteric(file.name, info, pot3Dst, read), 0); });
     const std::vector<float> expected = {1.0f, 0.0f, 1.0f, 1.0f, 0.0f, 0.0f};
@@ -372,12 +396,12 @@ TEST(PotentialFile, FaultsOfGrids)
         {gridHeader + "1 2 3\n4 5 6\n7\n", fine, "Total size of 3D grid"},
         {gridHeader + "1 x 3\n4 5 6\n", fine, "wrong input format!\nLine:1 x 3\n"},
         {"", fine, "Total size of 3D grid"},
-        {gridHeader, gridInfo(0, 2, 3, 1, 3, 1.0f), "-nX"},
-        {gridHeader, gridInfo(1, 2, 3, 0, 3, 1.0f), "-z1, -zN"},
-        {gridHeader, gridInfo(1, 2, 3, 3, 2, 1.0f), "-z1, -zN"},
-        {gridHeader, gridInfo(1, 2, 3, 1, 4, 1.0f), "-z1, -zN"},
-        {gridHeader, gridInfo(50000, 50000, 3, 1, 3, 1.0f), "more points"},
-        {gridHeader, flat, "-dX, -dY, -dZ"},
+        {gridHeader + "1 2 3\n", gridInfo(0, 2, 3, 1, 3, 1.0f), "Total size of 3D grid"},
+        {gridHeader, gridInfo(-1, 2, 3, 1, 3, 1.0f), "a negative number of points: see -nX, -nY, -nZ"},
+        {gridHeader, gridInfo(50000, 50000, 0, 1, 3, 1.0f), "more points"},
+        {gridHeader, gridInfo(1, 2, 3, -2147483647, 3, 1.0f), "more points"},
+        {gridHeader, gridInfo(1, 2, 3, 1, 200000, 1.0f), "far more positions than points"},
+        {gridHeader, flat, "a spacing of 0: see -dX, -dY, -dZ"},
     };
     for (const Case &c : cases) {
         const TempFile file(c.text);

@@ -135,7 +135,10 @@ struct GridCase {
 TEST(EnsembleSphere, FailuresAreTold)
 {
     const std::vector<GridCase> cases = {
-        {"too many dots", [](GridInfo &g) { g.densE = 2000000; }, {}, "setupEnsemble: unsp error occured.\n"},
+        {"too many dots",
+         [](GridInfo &g) { g.densE = 2000000000; },
+         {},
+         "setupEnsemble: unsp error occured.\n"},
         {"too many turns",
          [](GridInfo &g) { g.digPsiE = 2147483647; },
          {},

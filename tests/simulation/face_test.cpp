@@ -85,7 +85,7 @@ TEST(Face, OtherModelsKeepTheWeightAndAMoleculeThatTouchesTheParticleHasNone)
 TEST(Face, EachCallMultipliesTheTableByItsScale)
 {
     TrelmInfo info = sample(lcRod);
-    info.elInfo.kPot = 3.0f;
+    info.elInfo.kPot = 0.1f;
     std::vector<double> zero = {0.0};
     Charges none;
     Potential potential;
@@ -98,8 +98,8 @@ TEST(Face, EachCallMultipliesTheTableByItsScale)
         iFace(info, {zero, zero, zero}, none.set(), potential, prob);
         iFace(info, {zero, zero, zero}, none.set(), potential, prob);
     });
-    EXPECT_EQ(potential.values[0], 18.0);
-    EXPECT_EQ(potential.values[1], 18.0);
+    EXPECT_EQ(potential.values[0], static_cast<double>(2.0f * 0.1f * 0.1f)); // in single precision
+    EXPECT_EQ(potential.values[1], potential.values[0]);
     EXPECT_EQ(potential.values[2], 2.0); // not in use
     EXPECT_EQ(prob, 1.0);                // no charges
 }

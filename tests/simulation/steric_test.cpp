@@ -53,11 +53,11 @@ StericSetup setupFor(int lcType, double size)
     return setup;
 }
 
-/// A cloud of atoms of some shape: a ball, a flat box, a hollow shell.
+/// A cloud of atoms of some shape: a ball, a flat box, a hollow shell, a needle along y.
 Solute randomSolute(std::mt19937 &engine, int count, double size)
 {
     std::normal_distribution<double> normal;
-    std::uniform_int_distribution<int> shape(0, 2);
+    std::uniform_int_distribution<int> shape(0, 3);
     const int kind = shape(engine);
     Solute solute;
     for (int i = 0; i < count; ++i) {
@@ -65,7 +65,8 @@ Solute randomSolute(std::mt19937 &engine, int count, double size)
         const double length = std::hypot(p[0], p[1], p[2]) + 1e-9;
         for (double &value : p)
             value *= size * (kind == 2 ? 1.0 / length : 0.4);
-        p[2] *= kind == 1 ? 0.1 : 1.0;
+        p[0] *= kind == 3 ? 0.1 : 1.0;
+        p[2] *= kind == 1 || kind == 3 ? 0.1 : 1.0;
         solute.add(p);
     }
     return solute;
@@ -239,7 +240,7 @@ TEST(Steric, GridEndsAtTheTable)
     rod.wvAmount = 0.0001;
     for (const auto &[setup, grid_el] : {std::pair{&wall, 4999}, std::pair{&rod, 125}}) {
         StericGrid grid;
-        EXPECT_EQ(said([&] { ASSERT_EQ(makeStericGrid(*setup, grid), 0); }).err,
+        EXPECT_EQ(said([&grid, &run = *setup] { ASSERT_EQ(makeStericGrid(run, grid), 0); }).err,
                   "WARNING: concentration too low - magnitude of alignment tensor incorrect\n");
         EXPECT_EQ(grid.at.grid_el, grid_el);
         EXPECT_EQ(grid.at.last, 4999);

@@ -234,7 +234,7 @@ TEST(Write, ANumberedFileMayBeRefusedButNotBeCut)
             fs::create_directory(second);
         int status = -1;
         const Said told =
-            said([&] { status = writePDBRot(angles, angles, angles, 7, &pdb, nullptr, file.name, nullptr); });
+            said([&] { status = writePDBRot(angles, angles, angles, 2, &pdb, nullptr, file.name, nullptr); });
         EXPECT_EQ(status, fault == cut ? 1 : 0);
         EXPECT_EQ(told.err, fault == cut       ? "Error writing " + second + ".\n"
                             : fault == refused ? "PDB Error opening PDB file " + second + "\n"

@@ -93,6 +93,23 @@ TEST(Select, TheTestAsksTheClassInEveryMode)
     EXPECT_EQ(sInfo.selectClass, 1);
 }
 
+TEST(Select, TheRoadIsToldOnRequest)
+{
+    PDBInfo pdb = readUbiquitin();
+    PDBSelectInfo simple = {.resN = 76, .selectMode = 2, .dbgFlag = 1};
+    EXPECT_EQ(said([&] { pdbSelect(&pdb, &simple); }).err, "GORVAT Info: Simple Selection.\n");
+    PDBSelectInfo complex = {.resNameList = "LYS",
+                             .atomNameList = "C?",
+                             .chainNameList = "A",
+                             .resNameMode = 2,
+                             .atomNameMode = 3,
+                             .chainNameMode = 1,
+                             .selectMode = 2,
+                             .dbgFlag = 1};
+    EXPECT_EQ(said([&] { pdbSelect(&pdb, &complex); }).err,
+              "GORVAT Info: Complex Selection Atom 3 Res 2 Seg 1 Chain 0\n");
+}
+
 TEST(Select, FaultyExpressionsAreTold)
 {
     PDBSelectInfo sInfo = {

@@ -1,11 +1,11 @@
 // The weighted kernels, fast forms against plain forms: ubiquitin with its default charges beside a wall and
 // a rod, and a molecule of 300 atoms in a grid.
 #include "reference/electrostatic_reference.h"
-#include "simulation/alignment.h"
-#include "simulation/atom_selection.h"
-#include "simulation/grid3d.h"
-#include "simulation/sphere.h"
-#include "simulation/steric.h"
+#include "simulation/alignment/alignment.h"
+#include "simulation/alignment/grid3d.h"
+#include "simulation/obstacle/atom_selection.h"
+#include "simulation/obstacle/steric.h"
+#include "simulation/orientations/sphere.h"
 #include "structure/pdb.h"
 #include "structure/select.h"
 

@@ -2,8 +2,8 @@
 // sample. The plain form decomposes each time.
 #include "couplings/fit.h"
 #include "structure/pdb.h"
-#include "support/random.h"
-#include "support/svd.h"
+#include "support/numerics/random.h"
+#include "support/numerics/svd.h"
 
 #include <benchmark/benchmark.h>
 

@@ -3,7 +3,7 @@
 #include "couplings/fit.h"
 #include "errors/fit_statistics.h"
 #include "structure/pdb.h"
-#include "support/table.h"
+#include "support/text/table.h"
 
 #include <benchmark/benchmark.h>
 

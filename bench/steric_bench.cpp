@@ -1,9 +1,9 @@
 // The steric kernels and the surface, fast forms against plain forms, on ubiquitin and on copies of it.
 #include "reference/steric_reference.h"
 #include "reference/surface_reference.h"
-#include "simulation/sphere.h"
-#include "simulation/steric.h"
-#include "simulation/surface.h"
+#include "simulation/obstacle/steric.h"
+#include "simulation/obstacle/surface.h"
+#include "simulation/orientations/sphere.h"
 #include "structure/pdb.h"
 
 #include <benchmark/benchmark.h>

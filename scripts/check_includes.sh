@@ -1,38 +1,46 @@
 #!/bin/sh
-# Who may include whom in src: each folder names those below it; all stand on ground. Prints every include that goes
+# Who may include whom in src: each room names those below it; all stand on ground. Prints every include that goes
 # elsewhere; status 1 if there is any.
 set -eu
 cd "$(dirname "$0")/.."
 
-allowed() {
-    case $1 in
-    ground | support) echo "" ;;
-    structure) echo "support" ;;
-    couplings) echo "structure support" ;;
-    simulation) echo "couplings structure support" ;;
-    errors | compare) echo "simulation couplings structure support" ;;
-    assignment) echo "couplings structure support" ;;
-    magnitude) echo "errors simulation couplings structure support" ;;
-    driver) echo "magnitude assignment compare errors simulation couplings structure support" ;;
-    *) echo "unknown" ;;
-    esac
-}
+structure="support structure"
+couplings="$structure couplings"
+obstacle="simulation/orientations simulation/charges simulation/obstacle"
+simulation="$couplings simulation"
+modes="$simulation errors compare assignment magnitude modes"
+
+# Room, and the rooms that its files may include beside ground; a room holds its sub-rooms.
+rooms="
+ground                  : ground
+support                 : support
+structure               : $structure
+couplings               : $couplings
+simulation/orientations : $couplings simulation/orientations
+simulation/charges      : $couplings simulation/orientations simulation/charges
+simulation/obstacle     : $couplings $obstacle
+simulation/alignment    : $couplings $obstacle simulation/alignment
+simulation/domains      : $simulation
+errors                  : $simulation errors
+compare                 : $simulation compare
+assignment              : $couplings assignment
+magnitude               : $simulation errors magnitude
+modes                   : $modes
+command                 : $modes command
+"
 
 status=0
-for folder in src/*/; do
-    name=$(basename "$folder")
-    below=$(allowed "$name")
-    if [ "$below" = unknown ]; then
-        echo "src/$name: this folder has no place in scripts/check_includes.sh" >&2
+for file in $(git ls-files 'src/*.h' 'src/*.cpp'); do
+    place=${file#src/}
+    below=$(echo "$rooms" | awk -v place="$place" '$1 != "" && index(place, $1 "/") == 1 { $1 = $2 = ""; print }')
+    if [ -z "$below" ]; then
+        echo "$file: this folder has no place in scripts/check_includes.sh" >&2
         status=1
         continue
     fi
-    pattern="ground/|$name/"
-    for other in $below; do
-        pattern="$pattern|$other/"
-    done
-    if grep -nE '^#include "' "$folder"*.h "$folder"*.cpp | grep -vE "#include \"($pattern)"; then
-        echo "src/$name may include only: $below ground" >&2
+    pattern=$(echo "ground $below" | sed 's/  */ /g; s/ $//; s| |/\||g')/
+    if grep -HnE '^#include "' "$file" | grep -vE "#include \"($pattern)"; then
+        echo "$file may include only: ground $below" >&2
         status=1
     fi
 done

@@ -1,7 +1,7 @@
 // The guides that are made from the table of options. Each function returns the whole text of one file.
 #pragma once
 
-#include "driver/option_guide.h"
+#include "command/option_guide.h"
 
 #include <string>
 #include <vector>

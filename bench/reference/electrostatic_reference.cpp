@@ -1,8 +1,8 @@
 #include "reference/electrostatic_reference.h"
 
 #include "reference/steric_reference.h"
-#include "simulation/rotation.h"
-#include "simulation/steric.h"
+#include "simulation/obstacle/steric.h"
+#include "simulation/orientations/rotation.h"
 
 #include <algorithm>
 #include <cmath>

@@ -3,10 +3,10 @@
 #pragma once
 
 #include "ground/trelm.h"
-#include "simulation/charges.h"
-#include "simulation/columns.h"
-#include "simulation/electrostatic.h"
-#include "simulation/grid3d.h"
+#include "simulation/alignment/electrostatic.h"
+#include "simulation/alignment/grid3d.h"
+#include "simulation/charges/charges.h"
+#include "simulation/orientations/columns.h"
 
 #include <span>
 

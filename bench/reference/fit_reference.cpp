@@ -1,6 +1,6 @@
 #include "reference/fit_reference.h"
 
-#include "support/svd.h"
+#include "support/numerics/svd.h"
 
 namespace trelm {
 

@@ -1,7 +1,7 @@
 // Plain forms of the steric kernels: positions times atoms, as the method tells it. They judge the fast ones.
 #pragma once
 
-#include "simulation/steric.h"
+#include "simulation/obstacle/steric.h"
 
 #include <span>
 #include <vector>

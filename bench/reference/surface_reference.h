@@ -1,7 +1,7 @@
 // Plain form of the exposed surface: every dot against every neighbour, neighbours found among all atoms.
 #pragma once
 
-#include "simulation/surface.h"
+#include "simulation/obstacle/surface.h"
 
 #include <span>
 #include <vector>

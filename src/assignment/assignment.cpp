@@ -9,9 +9,9 @@
 #include "couplings/output.h"
 #include "ground/alloc.h"
 #include "ground/modes.h"
-#include "support/progress.h"
-#include "support/random.h"
-#include "support/text.h"
+#include "support/numerics/random.h"
+#include "support/text/progress.h"
+#include "support/text/text.h"
 
 #include <algorithm>
 #include <vector>

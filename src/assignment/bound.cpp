@@ -1,7 +1,7 @@
 #include "assignment/bound.h"
 
 #include "couplings/design.h"
-#include "support/numbers.h"
+#include "support/numerics/numbers.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "assignment/candidates.h"
 
-#include "support/text.h"
+#include "support/text/text.h"
 
 #include <limits>
 

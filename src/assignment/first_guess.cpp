@@ -1,7 +1,7 @@
 #include "assignment/first_guess.h"
 
 #include "assignment/interrupt.h"
-#include "support/linear_assignment.h"
+#include "support/numerics/linear_assignment.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #include "assignment/problem.h"
 
 #include "assignment/moved_row.h"
-#include "support/text.h"
+#include "support/text/text.h"
 
 #include <algorithm>
 #include <cstdio>

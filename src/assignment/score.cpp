@@ -2,7 +2,7 @@
 
 #include "couplings/fit.h"
 #include "couplings/tensor.h"
-#include "support/text.h"
+#include "support/text/text.h"
 
 #include <algorithm>
 

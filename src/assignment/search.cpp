@@ -6,8 +6,8 @@
 #include "assignment/search_space.h"
 #include "assignment/selection.h"
 #include "couplings/fit.h"
-#include "support/linear_assignment.h"
-#include "support/text.h"
+#include "support/numerics/linear_assignment.h"
+#include "support/text/text.h"
 
 #include <algorithm>
 #include <array>

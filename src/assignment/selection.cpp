@@ -1,6 +1,6 @@
 #include "assignment/selection.h"
 
-#include "support/text.h"
+#include "support/text/text.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,11 +2,11 @@
 
 #include "couplings/output.h"
 #include "couplings/table_input.h"
-#include "support/numbers.h"
-#include "support/output_file.h"
-#include "support/random.h"
-#include "support/sort.h"
-#include "support/text.h"
+#include "support/numerics/numbers.h"
+#include "support/numerics/random.h"
+#include "support/numerics/sort.h"
+#include "support/text/output_file.h"
+#include "support/text/text.h"
 
 #include <algorithm>
 #include <cmath>

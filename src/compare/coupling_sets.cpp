@@ -3,7 +3,7 @@
 #include "compare/combine.h"
 #include "couplings/output.h"
 #include "couplings/table_input.h"
-#include "support/text.h"
+#include "support/text/text.h"
 
 #include <unordered_map>
 

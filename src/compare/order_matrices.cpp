@@ -2,8 +2,8 @@
 
 #include "compare/combine.h"
 #include "couplings/output.h"
-#include "support/numbers.h"
-#include "support/text.h"
+#include "support/numerics/numbers.h"
+#include "support/text/text.h"
 
 #include <algorithm>
 #include <array>

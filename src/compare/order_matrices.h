@@ -4,7 +4,7 @@
 
 #include "couplings/tensor.h"
 #include "ground/trelm.h"
-#include "simulation/rotation.h"
+#include "simulation/orientations/rotation.h"
 
 #include <string>
 

@@ -2,15 +2,15 @@
 
 #include "couplings/output.h"
 #include "couplings/run_report.h"
-#include "simulation/atom_selection.h"
-#include "simulation/charge_labels.h"
-#include "simulation/dipole.h"
-#include "simulation/inertia.h"
-#include "simulation/rotation.h"
+#include "simulation/charges/charge_labels.h"
+#include "simulation/charges/dipole.h"
+#include "simulation/domains/inertia.h"
+#include "simulation/obstacle/atom_selection.h"
+#include "simulation/orientations/rotation.h"
 #include "structure/write.h"
-#include "support/numbers.h"
-#include "support/output_file.h"
-#include "support/text.h"
+#include "support/numerics/numbers.h"
+#include "support/text/output_file.h"
+#include "support/text/text.h"
 
 #include <algorithm>
 #include <array>

@@ -3,7 +3,7 @@
 
 #include "couplings/tensor.h"
 #include "ground/trelm.h"
-#include "simulation/charges.h"
+#include "simulation/charges/charges.h"
 #include "structure/pdb.h"
 
 #include <string>

@@ -6,8 +6,8 @@
 #include "structure/select.h"
 #include "structure/transform.h"
 #include "structure/write.h"
-#include "support/minimise.h"
-#include "support/text.h"
+#include "support/numerics/minimise.h"
+#include "support/text/text.h"
 
 #include <array>
 #include <cmath>

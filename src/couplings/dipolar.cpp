@@ -2,8 +2,8 @@
 
 #include "couplings/interaction.h"
 #include "structure/atom_columns.h"
-#include "support/table.h"
-#include "support/text.h"
+#include "support/text/table.h"
+#include "support/text/text.h"
 
 #include <algorithm>
 #include <climits>

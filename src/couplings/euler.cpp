@@ -1,6 +1,6 @@
 #include "couplings/euler.h"
 
-#include "support/numbers.h"
+#include "support/numerics/numbers.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 // Euler angles: about z, y', z'' in double precision for reports, about x, y, z in single precision for fits.
 #pragma once
 
-#include "support/jacobi.h"
+#include "support/numerics/jacobi.h"
 
 #include <array>
 

@@ -1,8 +1,8 @@
 #include "couplings/fit.h"
 
 #include "couplings/design.h"
-#include "support/svd.h"
-#include "support/text.h"
+#include "support/numerics/svd.h"
+#include "support/text/text.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "couplings/interaction.h"
 
-#include "support/text.h"
+#include "support/text/text.h"
 
 #include <cstdint>
 #include <string>

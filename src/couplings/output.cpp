@@ -4,9 +4,9 @@
 #include "couplings/run_report.h"
 #include "couplings/statistics.h"
 #include "structure/write.h"
-#include "support/numbers.h"
-#include "support/output_file.h"
-#include "support/text.h"
+#include "support/numerics/numbers.h"
+#include "support/text/output_file.h"
+#include "support/text/text.h"
 
 #include <algorithm>
 #include <array>

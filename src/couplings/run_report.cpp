@@ -2,8 +2,8 @@
 
 #include "couplings/dipolar.h"
 #include "ground/modes.h"
-#include "support/numbers.h"
-#include "support/text.h"
+#include "support/numerics/numbers.h"
+#include "support/text/text.h"
 
 #include <algorithm>
 #include <span>

@@ -4,9 +4,9 @@
 
 #include "ground/alloc.h"
 #include "structure/transform.h"
-#include "support/jacobi.h"
-#include "support/svd.h"
-#include "support/text.h"
+#include "support/numerics/jacobi.h"
+#include "support/numerics/svd.h"
+#include "support/text/text.h"
 
 #include <array>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "couplings/statistics.h"
 
-#include "support/text.h"
+#include "support/text/text.h"
 
 #include <algorithm>
 #include <cmath>

@@ -10,7 +10,7 @@
 #pragma once
 
 #include "couplings/dipolar.h"
-#include "support/statistics.h"
+#include "support/numerics/statistics.h"
 
 #include <span>
 

@@ -1,6 +1,6 @@
 #include "couplings/table_input.h"
 
-#include "support/text.h"
+#include "support/text/text.h"
 
 #include <cstdio>
 #include <utility>

@@ -1,7 +1,7 @@
 #include "couplings/tensor.h"
 
-#include "support/numbers.h"
-#include "support/text.h"
+#include "support/numerics/numbers.h"
+#include "support/text/text.h"
 
 #include <algorithm>
 #include <cmath>

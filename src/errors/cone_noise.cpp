@@ -1,9 +1,9 @@
 #include "errors/cone_noise.h"
 
 #include "structure/backbone.h"
-#include "support/numbers.h"
-#include "support/random.h"
-#include "support/text.h"
+#include "support/numerics/numbers.h"
+#include "support/numerics/random.h"
+#include "support/text/text.h"
 
 #include <array>
 #include <cmath>

@@ -1,7 +1,7 @@
 // Noise on a structure: on the vectors between coupled atoms, or on the backbone angles.
 //
-// All draws come from the generators of support/random.h, in the order told at each function: the same run
-// gives the same structure. One seed serves ran1 and ran3 in turns.
+// All draws come from the generators of support/numerics/random.h, in the order told at each function: the
+// same run gives the same structure. One seed serves ran1 and ran3 in turns.
 #pragma once
 
 #include "couplings/dipolar.h"

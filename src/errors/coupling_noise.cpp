@@ -2,10 +2,10 @@
 
 #include "couplings/fit.h"
 #include "couplings/output.h"
-#include "support/numbers.h"
-#include "support/progress.h"
-#include "support/random.h"
-#include "support/text.h"
+#include "support/numerics/numbers.h"
+#include "support/numerics/random.h"
+#include "support/text/progress.h"
+#include "support/text/text.h"
 
 #include <cmath>
 #include <cstdio>

@@ -3,9 +3,9 @@
 #include "couplings/fit.h"
 #include "couplings/output.h"
 #include "couplings/statistics.h"
-#include "support/numbers.h"
-#include "support/random.h"
-#include "support/text.h"
+#include "support/numerics/numbers.h"
+#include "support/numerics/random.h"
+#include "support/text/text.h"
 
 #include <algorithm>
 #include <cmath>

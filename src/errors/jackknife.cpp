@@ -2,8 +2,8 @@
 
 #include "couplings/fit.h"
 #include "errors/fit_statistics.h"
-#include "support/progress.h"
-#include "support/text.h"
+#include "support/text/progress.h"
+#include "support/text/text.h"
 
 #include <algorithm>
 #include <cstdio>

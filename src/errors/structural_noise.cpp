@@ -3,9 +3,9 @@
 #include "couplings/fit.h"
 #include "couplings/statistics.h"
 #include "structure/write.h"
-#include "support/numbers.h"
-#include "support/progress.h"
-#include "support/text.h"
+#include "support/numerics/numbers.h"
+#include "support/text/progress.h"
+#include "support/text/text.h"
 
 #include <algorithm>
 #include <cmath>

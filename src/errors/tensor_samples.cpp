@@ -3,10 +3,10 @@
 #include "couplings/fit.h"
 #include "couplings/output.h"
 #include "couplings/statistics.h"
-#include "simulation/rotation.h"
+#include "simulation/orientations/rotation.h"
 #include "structure/write.h"
-#include "support/numbers.h"
-#include "support/text.h"
+#include "support/numerics/numbers.h"
+#include "support/text/text.h"
 
 #include <algorithm>
 #include <cmath>

@@ -7,7 +7,7 @@
 #include "ground/alloc.h"
 #include "ground/trelm.h"
 #include "structure/select.h"
-#include "support/output_file.h"
+#include "support/text/output_file.h"
 
 #include <array>
 #include <string>

@@ -110,7 +110,7 @@ struct HistInfo {
     float RErrMl = 0.0f;
 };
 
-/// Every parameter of a run. Option names stand in the table of driver/params.
+/// Every parameter of a run. Option names stand in the table of command/params.
 struct TrelmInfo {
     int validCountD = 0;  ///< couplings that survive selection and mapping
     int idum = -1;        ///< seed of the noise of -struc; all other modes draw from a fixed start

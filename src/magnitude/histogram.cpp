@@ -2,11 +2,11 @@
 
 #include "couplings/output.h"
 #include "couplings/run_report.h"
-#include "support/least_squares.h"
-#include "support/minimise.h"
-#include "support/sort.h"
-#include "support/statistics.h"
-#include "support/text.h"
+#include "support/numerics/least_squares.h"
+#include "support/numerics/minimise.h"
+#include "support/numerics/sort.h"
+#include "support/numerics/statistics.h"
+#include "support/text/text.h"
 
 #include <algorithm>
 #include <array>

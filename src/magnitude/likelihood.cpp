@@ -2,9 +2,9 @@
 
 #include "couplings/output.h"
 #include "couplings/run_report.h"
-#include "support/output_file.h"
-#include "support/progress.h"
-#include "support/text.h"
+#include "support/text/output_file.h"
+#include "support/text/progress.h"
+#include "support/text/text.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "magnitude/likelihood_score.h"
 
-#include "support/text.h"
+#include "support/text/text.h"
 
 #include <algorithm>
 #include <array>

@@ -11,7 +11,7 @@
 #pragma once
 
 #include "ground/alloc.h"
-#include "support/symmetric_filter.h"
+#include "support/numerics/symmetric_filter.h"
 
 #include <span>
 #include <vector>

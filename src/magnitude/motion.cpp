@@ -5,10 +5,10 @@
 #include "errors/fit_statistics.h"
 #include "magnitude/histogram.h"
 #include "magnitude/likelihood_score.h"
-#include "simulation/sphere.h"
-#include "support/output_file.h"
-#include "support/progress.h"
-#include "support/text.h"
+#include "simulation/orientations/sphere.h"
+#include "support/text/output_file.h"
+#include "support/text/progress.h"
+#include "support/text/text.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,8 +1,8 @@
 #include "magnitude/observed.h"
 
 #include "couplings/table_input.h"
-#include "support/statistics.h"
-#include "support/text.h"
+#include "support/numerics/statistics.h"
+#include "support/text/text.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 #include "structure/atom_columns.h"
 
-#include "support/text.h"
+#include "support/text/text.h"
 
 #include <string>
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "structure/pdb.h"
-#include "support/table.h"
+#include "support/text/table.h"
 
 #include <string_view>
 #include <vector>

@@ -2,7 +2,7 @@
 #include "structure/keys.h"
 #include "structure/pdb.h"
 #include "structure/write.h"
-#include "support/text.h"
+#include "support/text/text.h"
 
 #include <algorithm>
 

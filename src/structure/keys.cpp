@@ -1,6 +1,6 @@
 #include "structure/keys.h"
 
-#include "support/text.h"
+#include "support/text/text.h"
 
 namespace trelm {
 namespace {

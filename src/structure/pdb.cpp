@@ -1,9 +1,9 @@
 #include "structure/pdb.h"
 
 #include "structure/select.h"
-#include "support/text.h"
-#include "support/text_input.h"
-#include "support/token.h"
+#include "support/text/text.h"
+#include "support/text/text_input.h"
+#include "support/text/token.h"
 
 #include <algorithm>
 #include <cmath>

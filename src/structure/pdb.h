@@ -2,7 +2,7 @@
 #pragma once
 
 #include "ground/alloc.h"
-#include "support/symbol_table.h"
+#include "support/text/symbol_table.h"
 
 #include <cstddef>
 #include <span>

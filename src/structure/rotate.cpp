@@ -1,7 +1,7 @@
 #include "structure/rotate.h"
 
-#include "support/numbers.h"
-#include "support/text.h"
+#include "support/numerics/numbers.h"
+#include "support/text/text.h"
 
 #include <cmath>
 

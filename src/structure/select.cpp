@@ -1,8 +1,8 @@
 #include "structure/select.h"
 
-#include "support/match.h"
-#include "support/text.h"
-#include "support/token.h"
+#include "support/text/match.h"
+#include "support/text/text.h"
+#include "support/text/token.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "structure/transform.h"
 
-#include "support/numbers.h"
+#include "support/numerics/numbers.h"
 
 #include <cmath>
 

@@ -2,8 +2,8 @@
 
 #include "structure/rotate.h"
 #include "structure/select.h"
-#include "support/output_file.h"
-#include "support/text.h"
+#include "support/text/output_file.h"
+#include "support/text/text.h"
 
 #include <algorithm>
 #include <array>

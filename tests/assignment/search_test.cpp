@@ -5,7 +5,7 @@
 #include "assignment/score.h"
 #include "reference/assignment_reference.h"
 #include "reference/random_problem.h"
-#include "support/linear_assignment.h"
+#include "support/numerics/linear_assignment.h"
 
 #include "common/said.h"
 #include "couplings/prepared.h"

@@ -1,7 +1,7 @@
 // Whole runs of the analysis of one structure: the frames that it is turned into, and the report.
 #include "cli/run_program.h"
 #include "couplings/tensor.h"
-#include "simulation/inertia.h"
+#include "simulation/domains/inertia.h"
 #include "structure/pdb.h"
 
 #include <gtest/gtest.h>

@@ -4,7 +4,7 @@
 #include "structure/backbone.h"
 #include "structure/select.h"
 #include "structure/write.h"
-#include "support/random.h"
+#include "support/numerics/random.h"
 
 #include "common/temp_file.h"
 #include "couplings/prepared.h"

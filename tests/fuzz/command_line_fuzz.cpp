@@ -1,10 +1,10 @@
 // Command lines: each line of the input is a word. The first byte chooses how unused words are reported.
 #include "fuzz_input.h"
 
-#include "driver/cmndargs.h"
-#include "driver/run.h"
-#include "simulation/alignment.h"
-#include "simulation/potential.h"
+#include "command/cmndargs.h"
+#include "command/run.h"
+#include "simulation/alignment/alignment.h"
+#include "simulation/charges/potential.h"
 
 #include <algorithm>
 #include <cmath>

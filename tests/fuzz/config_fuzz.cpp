@@ -1,7 +1,7 @@
 // Configuration files.
 #include "fuzz_input.h"
 
-#include "simulation/config.h"
+#include "simulation/domains/config.h"
 
 #include <cmath>
 

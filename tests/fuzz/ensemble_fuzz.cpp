@@ -1,7 +1,7 @@
 // Ensemble files.
 #include "fuzz_input.h"
 
-#include "simulation/ensemble.h"
+#include "simulation/domains/ensemble.h"
 
 #include <cmath>
 

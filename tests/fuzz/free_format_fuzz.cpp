@@ -1,7 +1,7 @@
 // Atoms in free format.
 #include "fuzz_input.h"
 
-#include "simulation/free_format.h"
+#include "simulation/alignment/free_format.h"
 
 #include <cmath>
 #include <vector>

@@ -4,7 +4,7 @@
 #include "structure/backbone.h"
 #include "structure/select.h"
 #include "structure/write.h"
-#include "support/match.h"
+#include "support/text/match.h"
 
 #include <cmath>
 

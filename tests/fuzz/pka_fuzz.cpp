@@ -1,7 +1,7 @@
 // pKa files: read, and what is written of them read again.
 #include "fuzz_input.h"
 
-#include "simulation/charge_file.h"
+#include "simulation/charges/charge_file.h"
 
 #include <array>
 #include <cmath>

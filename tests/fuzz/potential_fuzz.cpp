@@ -1,8 +1,8 @@
 // Potential files: the same bytes as the table of a rod and as a grid.
 #include "fuzz_input.h"
 
-#include "simulation/field_energy.h"
-#include "simulation/potential.h"
+#include "simulation/charges/field_energy.h"
+#include "simulation/charges/potential.h"
 
 #include <cmath>
 

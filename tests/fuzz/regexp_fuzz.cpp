@@ -1,8 +1,8 @@
 // Regular expressions and globs: the first line is the pattern, the rest the text.
 #include "fuzz_input.h"
 
-#include "support/match.h"
-#include "support/regexp.h"
+#include "support/text/match.h"
+#include "support/text/regexp.h"
 
 #include <algorithm>
 #include <memory>

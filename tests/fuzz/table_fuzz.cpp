@@ -2,7 +2,7 @@
 #include "fuzz_input.h"
 
 #include "couplings/dipolar.h"
-#include "support/table.h"
+#include "support/text/table.h"
 
 #include <cmath>
 #include <cstdint>

@@ -6,7 +6,7 @@
 #include "magnitude/histogram.h"
 #include "magnitude/likelihood_score.h"
 #include "magnitude/powder.h"
-#include "simulation/sphere.h"
+#include "simulation/orientations/sphere.h"
 
 #include <algorithm>
 #include <cmath>

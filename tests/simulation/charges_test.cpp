@@ -1,9 +1,9 @@
-#include "simulation/charges.h"
+#include "simulation/charges/charges.h"
 
 #include "common/said.h"
-#include "simulation/charge_tables.h"
+#include "simulation/charges/charge_tables.h"
 #include "simulation/molecules.h"
-#include "support/text.h"
+#include "support/text/text.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "simulation/config.h"
+#include "simulation/domains/config.h"
 
 #include "common/said.h"
 #include "common/temp_file.h"

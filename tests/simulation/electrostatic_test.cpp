@@ -1,13 +1,13 @@
 // The weighted kernels against their plain forms, and what a weighted simulation must obey.
-#include "simulation/electrostatic.h"
+#include "simulation/alignment/electrostatic.h"
 
 #include "common/said.h"
 #include "reference/electrostatic_reference.h"
-#include "simulation/alignment.h"
-#include "simulation/grid3d.h"
+#include "simulation/alignment/alignment.h"
+#include "simulation/alignment/grid3d.h"
+#include "simulation/charges/potential.h"
 #include "simulation/molecules.h"
-#include "simulation/potential.h"
-#include "simulation/steric.h"
+#include "simulation/obstacle/steric.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,12 +1,12 @@
 // The states of an ensemble, and the domains that they put in place.
-#include "simulation/ensemble.h"
+#include "simulation/domains/ensemble.h"
 
 #include "common/said.h"
-#include "simulation/domains.h"
+#include "simulation/domains/domains.h"
 #include "simulation/molecules.h"
-#include "simulation/rotation.h"
+#include "simulation/orientations/rotation.h"
 #include "simulation/two_domains.h"
-#include "support/text.h"
+#include "support/text/text.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,14 +1,14 @@
 // The face of a molecule beside a charged particle, and the dipole and second moments that describe it.
-#include "simulation/face.h"
+#include "simulation/alignment/face.h"
 
 #include "common/said.h"
-#include "simulation/charge_labels.h"
-#include "simulation/dipole.h"
-#include "simulation/field.h"
-#include "simulation/inertia.h"
+#include "simulation/charges/charge_labels.h"
+#include "simulation/charges/dipole.h"
+#include "simulation/charges/field.h"
+#include "simulation/domains/inertia.h"
 #include "simulation/molecules.h"
-#include "simulation/steric.h"
-#include "support/text.h"
+#include "simulation/obstacle/steric.h"
+#include "support/text/text.h"
 
 #include <cmath>
 #include <vector>

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "common/temp_file.h"
-#include "simulation/charges.h"
-#include "simulation/sphere.h"
+#include "simulation/charges/charges.h"
+#include "simulation/orientations/sphere.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
-#include "simulation/sphere.h"
+#include "simulation/orientations/sphere.h"
 
 #include "common/said.h"
 #include "simulation/molecules.h"
-#include "simulation/rotation.h"
+#include "simulation/orientations/rotation.h"
 
 #include <cmath>
 #include <vector>

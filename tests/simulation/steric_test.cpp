@@ -1,12 +1,12 @@
 // The kernels against their plain forms, and what a steric simulation must obey.
-#include "simulation/steric.h"
+#include "simulation/obstacle/steric.h"
 
 #include "common/said.h"
 #include "reference/steric_reference.h"
-#include "simulation/alignment.h"
+#include "simulation/alignment/alignment.h"
 #include "simulation/molecules.h"
-#include "simulation/rod.h"
-#include "simulation/wall.h"
+#include "simulation/obstacle/rod.h"
+#include "simulation/obstacle/wall.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,9 +1,9 @@
-#include "simulation/surface.h"
+#include "simulation/obstacle/surface.h"
 
 #include "common/said.h"
 #include "reference/surface_reference.h"
-#include "simulation/atom_selection.h"
 #include "simulation/molecules.h"
+#include "simulation/obstacle/atom_selection.h"
 
 #include <cmath>
 #include <random>

@@ -2,7 +2,7 @@
 #include "structure/select.h"
 
 #include "molecules.h"
-#include "support/match.h"
+#include "support/text/match.h"
 
 #include <string>
 

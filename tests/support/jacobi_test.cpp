@@ -1,7 +1,7 @@
-#include "support/jacobi.h"
+#include "support/numerics/jacobi.h"
 
 #include "common/said.h"
-#include "support/random.h"
+#include "support/numerics/random.h"
 
 #include <algorithm>
 #include <cmath>

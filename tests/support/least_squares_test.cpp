@@ -1,4 +1,4 @@
-#include "support/least_squares.h"
+#include "support/numerics/least_squares.h"
 
 #include "common/said.h"
 

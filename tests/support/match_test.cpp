@@ -1,5 +1,5 @@
-#include "support/match.h"
-#include "support/regexp.h"
+#include "support/text/match.h"
+#include "support/text/regexp.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
-#include "support/minimise.h"
+#include "support/numerics/minimise.h"
 
 #include "common/said.h"
-#include "support/random.h"
+#include "support/numerics/random.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "support/numbers.h"
+#include "support/numerics/numbers.h"
 
 #include <gtest/gtest.h>
 

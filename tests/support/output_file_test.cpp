@@ -1,5 +1,5 @@
 // Results that replace those of an earlier run, or leave them alone.
-#include "support/output_file.h"
+#include "support/text/output_file.h"
 
 #include "common/said.h"
 #include "common/temp_file.h"

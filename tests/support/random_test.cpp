@@ -1,4 +1,4 @@
-#include "support/random.h"
+#include "support/numerics/random.h"
 
 #include <gtest/gtest.h>
 

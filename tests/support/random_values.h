@@ -1,7 +1,7 @@
 // Input of the numerical tests.
 #pragma once
 
-#include "support/random.h"
+#include "support/numerics/random.h"
 
 #include <vector>
 

@@ -1,4 +1,4 @@
-#include "support/special.h"
+#include "support/numerics/special.h"
 
 #include "common/said.h"
 

@@ -1,7 +1,7 @@
-#include "support/statistics.h"
+#include "support/numerics/statistics.h"
 
 #include "common/said.h"
-#include "support/sort.h"
+#include "support/numerics/sort.h"
 
 #include <cmath>
 #include <vector>

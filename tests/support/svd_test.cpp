@@ -1,4 +1,4 @@
-#include "support/svd.h"
+#include "support/numerics/svd.h"
 
 #include "ground/alloc.h"
 #include "random_values.h"

@@ -1,4 +1,4 @@
-#include "support/symbol_table.h"
+#include "support/text/symbol_table.h"
 
 #include "common/said.h"
 

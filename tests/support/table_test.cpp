@@ -1,4 +1,4 @@
-#include "support/table.h"
+#include "support/text/table.h"
 
 #include "common/said.h"
 #include "common/temp_file.h"

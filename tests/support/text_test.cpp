@@ -1,10 +1,10 @@
-#include "support/text.h"
+#include "support/text/text.h"
 
 #include "common/said.h"
 #include "common/temp_file.h"
-#include "support/output_file.h"
-#include "support/text_input.h"
-#include "support/token.h"
+#include "support/text/output_file.h"
+#include "support/text/text_input.h"
+#include "support/text/token.h"
 
 #include <array>
 #include <climits>

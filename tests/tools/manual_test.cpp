@@ -1,7 +1,7 @@
 // The guides as the tool prints them, against the options that the run knows.
+#include "command/flag_hint.h"
 #include "common/file_text.h"
 #include "common/temp_file.h"
-#include "driver/flag_hint.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,28 @@
+#include "command/run.h"
+#include "command/version.h"
+
+#include <cstdio>
+#include <new>
+#include <stdexcept>
+
+int main(int argc, char **argv)
+{
+    if (trelm::asksVersion(argc, argv))
+        return trelm::printVersion();
+    trelm::Run run;
+    int status = 1;
+    try {
+        status = trelm::startRun(run);
+        if (status == 0)
+            status = trelm::readOptions(argc, argv, run);
+        if (status == 0)
+            status = trelm::runMode(run);
+    } catch (const std::bad_alloc &) {
+        std::fprintf(stderr, "Memory allocation failure.\n");
+        status = 1;
+    } catch (const std::length_error &) { // a container of more elements than there can be memory for
+        std::fprintf(stderr, "Memory allocation failure.\n");
+        status = 1;
+    }
+    return trelm::endRun(run, status);
+}

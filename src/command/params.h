@@ -1,0 +1,112 @@
+// The options: rows of tables that say which field an option fills, and the walk over them.
+#pragma once
+
+#include "couplings/dipolar.h"
+#include "ground/trelm.h"
+#include "modes/run_options.h"
+#include "structure/select.h"
+
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace trelm {
+
+/// A field that an option fills.
+using Target =
+    std::variant<int RunOptions::*, float RunOptions::*, std::string RunOptions::*,
+                 const char * RunOptions::*, int TrelmInfo::*, float TrelmInfo::*, double TrelmInfo::*,
+                 int ElInfo::*, float ElInfo::*, int HistInfo::*, float HistInfo::*, int DcInfo::*,
+                 int PDBSelectInfo::*, std::string PDBSelectInfo::*, int DTensor::*, float DTensor::*>;
+
+/// One option and one field. Rows stand in look-up order: of two contradicting flags the later row wins. An
+/// option that fills several fields has several rows.
+struct OptionRow {
+    std::string_view flag;             ///< as typed, with its minus sign
+    Target target;                     ///< the field that it fills
+    std::optional<double> preset = {}; ///< what a bare flag stores; empty: the next word is the value
+    bool quiet = false;                ///< no word on a missing or faulty value: it may be missing, or
+                                       ///< another row tells
+};
+
+/// The records that hold the fields. One that no row of a table names may be null.
+struct OptionRecords {
+    RunOptions *options = nullptr;
+    TrelmInfo *trelmInfo = nullptr;
+    DcInfo *dcInfo = nullptr;
+    PDBSelectInfo *sInfo = nullptr;
+    DTensor *dTensor = nullptr;
+};
+
+// The field of a row, in the record that holds it.
+template <class Value>
+Value &fieldOf(const OptionRecords &records, Value RunOptions::*field)
+{
+    return records.options->*field;
+}
+template <class Value>
+Value &fieldOf(const OptionRecords &records, Value TrelmInfo::*field)
+{
+    return records.trelmInfo->*field;
+}
+template <class Value>
+Value &fieldOf(const OptionRecords &records, Value ElInfo::*field)
+{
+    return records.trelmInfo->elInfo.*field;
+}
+template <class Value>
+Value &fieldOf(const OptionRecords &records, Value HistInfo::*field)
+{
+    return records.trelmInfo->histInfo.*field;
+}
+template <class Value>
+Value &fieldOf(const OptionRecords &records, Value DcInfo::*field)
+{
+    return records.dcInfo->*field;
+}
+template <class Value>
+Value &fieldOf(const OptionRecords &records, Value PDBSelectInfo::*field)
+{
+    return records.sInfo->*field;
+}
+template <class Value>
+Value &fieldOf(const OptionRecords &records, Value DTensor::*field)
+{
+    return records.dTensor->*field;
+}
+
+/// Reads the options of a table in the order of its rows. Returns the number of rows that filled their field.
+int readRows(int argc, char **argv, std::span<const OptionRow> rows, const OptionRecords &records);
+
+/// The words from an option to the next flag, marked as used.
+std::vector<const char *> listWords(int argc, char **argv, std::string_view flag);
+
+/// Reads an option that takes exactly values.size() numbers. Returns 0, also without the option; 1 after
+/// "GORVAT Error: %s option requires %d values.\n" with `name` if the count is another.
+int readValues(int argc, char **argv, std::string_view flag, std::string_view name, std::span<double> values);
+
+/// All tables in look-up order, those of the selection and the tensor included.
+std::vector<std::span<const OptionRow>> optionTables();
+std::vector<std::span<const OptionRow>> selectionTables();
+std::vector<std::span<const OptionRow>> tensorTables();
+
+/// The options that are read by steps of their own, not by rows.
+std::span<const std::string_view> specialFlags();
+
+/// Reads the command line into the records, which hold their defaults. Returns 0, or 1 after the help text
+/// (asked for, or no arguments at all) or after the message on a list of the wrong length. What follows such
+/// a list in look-up order is then not read.
+int getparams(int argc, char **argv, RunOptions &options, TrelmInfo &trelmInfo, DcInfo &dcInfo,
+              PDBSelectInfo &sInfo, DTensor &dTensor);
+
+/// Reads the selection options. Returns 0; 1 if it printed its help text and set nothing.
+int getPDBSelectArgs(int argc, char **argv, PDBSelectInfo *sInfo);
+
+/// Reads the tensor options into a tensor with its defaults. Returns 0, or 1 after the message on a Saupe
+/// vector that has not five values.
+int getDCTensorParams(int argc, char **argv, DTensor *tInfo);
+
+} // namespace trelm

@@ -1,0 +1,89 @@
+#include "command/cmndargs.h"
+#include "command/params.h"
+
+#include <array>
+#include <span>
+#include <vector>
+
+namespace trelm {
+namespace {
+
+constexpr OptionRow methodRows[] = {
+    {"-svd", &DTensor::tensorMode, tensorSvd},
+    {"-saupe", &DTensor::tensorMode, tensorSaupe},
+    {"-align", &DTensor::tensorMode, tensorSaupe},
+    {"-fixed", &DTensor::tensorMode, tensorFixed},
+    {"-nofixed", &DTensor::tensorMode, tensorNofixed},
+    {"-dadr", &DTensor::tensorMode, tensorDaDr},
+    {"-euler", &DTensor::eulerFlag, 1},
+    {"-noeuler", &DTensor::eulerFlag, 0},
+};
+
+constexpr OptionRow magnitudeRows[] = {
+    {"-da", &DTensor::da},
+    {"-dr", &DTensor::dr},
+};
+
+// Read after the limits were pinned to a given magnitude, so that a limit on the line still holds.
+constexpr OptionRow limitRows[] = {
+    {"-daMin", &DTensor::daMin}, {"-daMax", &DTensor::daMax}, {"-drMin", &DTensor::drMin},
+    {"-drMax", &DTensor::drMax}, {"-psi", &DTensor::psi},     {"-theta", &DTensor::theta},
+    {"-phi", &DTensor::phi},
+};
+
+constexpr OptionRow angleLimitRows[] = {
+    {"-psiMin", &DTensor::psiMin},     {"-psiMax", &DTensor::psiMax}, {"-thetaMin", &DTensor::thetaMin},
+    {"-thetaMax", &DTensor::thetaMax}, {"-phiMin", &DTensor::phiMin}, {"-phiMax", &DTensor::phiMax},
+};
+
+void pinMagnitude(DTensor &tensor)
+{
+    tensor.daMin = tensor.daMax = tensor.da;
+    tensor.drMin = tensor.drMax = tensor.dr;
+}
+
+void pinAngles(DTensor &tensor)
+{
+    tensor.psiMin = tensor.psiMax = tensor.psi;
+    tensor.thetaMin = tensor.thetaMax = tensor.theta;
+    tensor.phiMin = tensor.phiMax = tensor.phi;
+}
+
+int readUserSaupe(int argc, char **argv, DTensor &tensor)
+{
+    const char *flag = flagLoc(argc, argv, "-saupe") != 0 ? "-saupe" : "-align";
+    std::array<double, 5> values = {};
+    if (readValues(argc, argv, flag, "-saupe", values) != 0)
+        return 1;
+    if (flagLoc(argc, argv, flag) == 0)
+        return 0;
+    for (std::size_t i = 0; i < values.size(); ++i)
+        tensor.userSaupe[i] = boundedFloat(values[i]);
+    return 0;
+}
+
+} // namespace
+
+std::vector<std::span<const OptionRow>> tensorTables()
+{
+    return {methodRows, magnitudeRows, limitRows, angleLimitRows};
+}
+
+int getDCTensorParams(int argc, char **argv, DTensor *tInfo)
+{
+    const OptionRecords records = {.dTensor = tInfo};
+    dTensorNull(tInfo);
+    readRows(argc, argv, methodRows, records);
+    // A magnitude on the line is meant to be used: the linear fit, which would ignore it, gives way.
+    if (readRows(argc, argv, magnitudeRows, records) > 0 && tInfo->tensorMode == tensorSvd)
+        tInfo->tensorMode = tensorDaDr;
+    if (tInfo->tensorMode == tensorDaDr || tInfo->tensorMode == tensorFixed)
+        pinMagnitude(*tInfo);
+    readRows(argc, argv, limitRows, records);
+    if (tInfo->tensorMode == tensorFixed)
+        pinAngles(*tInfo);
+    readRows(argc, argv, angleLimitRows, records);
+    return readUserSaupe(argc, argv, *tInfo);
+}
+
+} // namespace trelm

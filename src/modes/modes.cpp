@@ -1,0 +1,93 @@
+#include "ground/modes.h"
+#include "errors/fit_statistics.h"
+#include "modes/assignment.h"
+#include "modes/comparison.h"
+#include "modes/ensemble.h"
+#include "modes/inputs.h"
+#include "modes/likelihood.h"
+#include "modes/magnitude.h"
+#include "modes/mappings.h"
+#include "modes/simulation.h"
+#include "modes/structural_noise.h"
+#include "support/text/text.h"
+
+#include <algorithm>
+
+namespace trelm {
+namespace {
+
+/// A mode and what it does with a run.
+struct ModeRow {
+    int trelmMode;
+    bool commonInput; ///< the common input phase comes first
+    int (*road)(Run &run);
+};
+
+/// A kind of best-fit.
+struct SpreadRow {
+    int spreadMode;
+    int (*road)(Run &run);
+};
+
+int bestFitSingle(Run &run)
+{
+    const RunOptions &options = run.options;
+    if (run.trelmInfo[0].validCountD == 0)
+        complain("trelm: no coupling is left to fit.\n");
+    const int status = simDC(&run.pdbInfo[0], &run.sInfo, &run.dTab[0], &run.trelmInfo[0], options.remark,
+                             options.outDName, options.pRotName, run.trelmInfo[0].verbFlag);
+    if (status != 0)
+        complain("trelm: error in best-fit of data.\n");
+    return status;
+}
+
+constexpr SpreadRow spreadRows[] = {
+    {spreadSingle, bestFitSingle},        {spreadJack, mapJackknife},     {spreadMcDc, mapCouplingNoise},
+    {spreadMcStruc, mapStructuralNoise},  {spreadRand, searchAssignment}, {spreadExhaust, searchAssignment},
+    {spreadExhaustSel, searchAssignment},
+};
+
+const SpreadRow &spreadRow(int spreadMode)
+{
+    const auto *row = std::ranges::find(spreadRows, spreadMode, &SpreadRow::spreadMode);
+    return row != std::end(spreadRows) ? *row : spreadRows[0];
+}
+
+int bestFit(Run &run)
+{
+    if (run.options.pdbName.empty())
+        complain("trelm: -pdb is missing: without a structure no coupling can be fitted.\n");
+    return spreadRow(run.trelmInfo[0].spreadMode).road(run);
+}
+
+constexpr ModeRow modeRows[] = {
+    {modeStTrelm, true, simulateSteric},
+    {modeStTrelmFree, false, simulateFree},
+    {modeStTrelmGrid, true, simulateEnsemble},
+    {modeElTrelm, true, simulateElectrostatic},
+    {modeElTrelmFree, true, setUpCharges},
+    {modeElTrelmGrid, true, setUpCharges},
+    {modeBestFit, true, bestFit},
+    {modeCsSim, true, setUpCharges},
+    {modeDaHist, false, estimateByHistogram},
+    {modeDaMl, false, estimateByLikelihood},
+    {modeDaFlex, false, estimateByMotion},
+    {modeAsRan, true, setUpCharges},
+    {modeAnDc, false, combineCouplings},
+    {modeAnA, false, compareTensors},
+    {modeAnPdb, true, analyzeStructure},
+    {modeStruc, true, addStructureNoise},
+    {modeConv, false, convertTable},
+};
+
+} // namespace
+
+int runMode(Run &run)
+{
+    const TrelmInfo &trelmInfo = run.trelmInfo[0];
+    const ModeRow &mode = *std::ranges::find(modeRows, trelmInfo.trelmMode, &ModeRow::trelmMode);
+    const int status = mode.commonInput ? readInputs(run) : 0;
+    return status != 0 ? status : mode.road(run);
+}
+
+} // namespace trelm

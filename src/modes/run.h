@@ -1,0 +1,34 @@
+// What one run owns.
+#pragma once
+
+#include "couplings/dipolar.h"
+#include "ground/alloc.h"
+#include "ground/trelm.h"
+#include "modes/run_options.h"
+#include "structure/pdb.h"
+#include "structure/select.h"
+
+namespace trelm {
+
+/// The records and buffers of a run, in the order in which the tear-down gives them back. The arrays behind
+/// dcInfo are asked for by the common input phase, once and for the whole run.
+struct Run {
+    RunOptions options;
+    PDBSelectInfo sInfo;
+    SearchState search;
+    Block<PDBInfo> pdbInfo;
+    Block<DTable> dTab;
+    Block<TrelmInfo> trelmInfo;
+    Block<DcInfo> dcInfo;
+    Block<double> xI, yI, zI;    ///< atoms chosen for simulation, counted from 1
+    Block<int> chargeAtomID;     ///< atom of each charge, counted from 1
+    Block<float> charges;        ///< value of each charge, counted from 1
+    Block<int> chargeAtomIDOrig; ///< the same, before a simulation renumbers them
+    Block<float> chargesOrig;
+    Block<double> ddots; ///< orientation points on the unit sphere, three values each
+};
+
+/// Does what the run's mode asks for. Returns 0, or the status of the failing step after its messages.
+int runMode(Run &run);
+
+} // namespace trelm

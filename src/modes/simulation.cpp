@@ -1,0 +1,275 @@
+#include "modes/simulation.h"
+
+#include "compare/structure_analysis.h"
+#include "couplings/fit.h"
+#include "couplings/output.h"
+#include "couplings/tensor.h"
+#include "simulation/alignment/alignment.h"
+#include "simulation/alignment/face.h"
+#include "simulation/alignment/free_format.h"
+#include "simulation/charges/charges.h"
+#include "simulation/domains/config.h"
+#include "simulation/orientations/sphere.h"
+#include "structure/select.h"
+#include "structure/write.h"
+#include "support/text/text.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+namespace trelm {
+namespace {
+
+/// The charges as listed for the user of an electrostatic run.
+void listCharges(const PDBInfo &pdbInfo, const ChargeSet &charges)
+{
+    std::printf("REMARK charges used in simulation:\n"
+                "REMARK ===========================\n"
+                "REMARK chargeID    atom serial number  charge [e] \n");
+    for (int i = 0; i < charges.chCount; ++i) {
+        const int place = charges.chargeAtomID[static_cast<std::size_t>(i)];
+        const AtomInfo &atom = pdbInfo.atomList[static_cast<std::size_t>(place)];
+        std::printf("REMARK %d:  %5d  %8.3f %8.3f %8.3f %8.3f\n", i, place, static_cast<double>(atom.x),
+                    static_cast<double>(atom.y), static_cast<double>(atom.z),
+                    static_cast<double>(charges.charges[static_cast<std::size_t>(i)]));
+    }
+    std::fputs("\n\n", stderr);
+}
+
+/// From the simulated order matrix to couplings and report. `analysis` gets the tensor with its own sign.
+int finishAlignment(Run &run, Saupe saupe, TensorAnalysis &analysis)
+{
+    TrelmInfo &trelmInfo = run.trelmInfo[0];
+    DTable &dTab = run.dTab[0];
+    // What survives beside the obstacle averages to the opposite sign.
+    for (double &element : saupe)
+        element = -element;
+    if (analyzeSaupe(saupe, trelmInfo.yzFlag, trelmInfo.eulerFlag, analysis) != 0)
+        return complain("Matrix: error in analyzeSaupe.\n");
+    DTensor &tensor = dTab.dTensor;
+    tensor.tensorMode = tensorGiven;
+    auto &target = trelmInfo.validCountD != 0 ? tensor.userSaupe : tensor.saupe;
+    std::ranges::transform(saupe, target.begin(), [](double element) { return static_cast<float>(element); });
+    if (trelmInfo.validCountD != 0 && fitD(&run.pdbInfo[0], &dTab, trelmInfo.verbFlag) < 0)
+        return 1;
+    return writeDCmod(run.options.outDName, "w", &dTab, &trelmInfo, "");
+}
+
+/// What is simulated.
+struct Solute {
+    ChargeSet charges; ///< by their places in `atoms`
+    CoordinateBuffers atoms;
+    std::span<const double> ddots;
+    std::vector<int> marks; ///< the selection of the run, which a surface uses up
+};
+
+/// The charges by their atoms in the molecule, as many as the simulation had.
+ChargeSet originalCharges(Run &run, ChargeSet charges)
+{
+    charges.chargeAtomID = run.chargeAtomIDOrig.span();
+    charges.charges = run.chargesOrig.span();
+    return charges;
+}
+
+/// Everything before the simulation itself. `complaint` is said if there is no selection of atoms.
+int chooseSolute(Run &run, const char *complaint, Solute &solute)
+{
+    int status = setUp(run, solute.charges);
+    if (status == 0)
+        status = makeDots(run, solute.ddots);
+    if (status != 0)
+        return status;
+    solute.marks = selectionMarks(run.pdbInfo[0]);
+    const CoordinateBuffers places = {run.xI.span(), run.yI.span(), run.zI.span()};
+    int atomSelCount = 0;
+    status = chCoorSelect(&run.pdbInfo[0], run.trelmInfo[0], places, solute.charges, 1, atomSelCount);
+    if (status != 0) {
+        std::fputs(complaint, stderr);
+        return status;
+    }
+    std::printf("REMARK %d atoms selected for simulation.\n", atomSelCount);
+    std::printf("REMARK %d charges selected for simulation.\n", solute.charges.chCount);
+    const auto count = static_cast<std::size_t>(atomSelCount);
+    solute.atoms = {places.x.first(count), places.y.first(count), places.z.first(count)};
+    return 0;
+}
+
+/// Simulates, and finishes what the modes share.
+int alignSolute(Run &run, const Solute &solute, AlignmentFields &fields, TensorAnalysis &analysis)
+{
+    Saupe saupe = {};
+    const int status =
+        simulateAlignment(run.trelmInfo[0], solute.atoms, solute.ddots, solute.charges, fields, saupe);
+    if (status != 0) {
+        complain("Matrix: Error simulating alignment.\n");
+        return status;
+    }
+    return finishAlignment(run, saupe, analysis);
+}
+
+void reportGridFile(const Run &run, int digPotential)
+{
+    const TrelmInfo &info = run.trelmInfo[0];
+    if (!run.options.pot3DName.empty())
+        complain("REMARK 3D Potential %s, Total # of gridpositions %d (x: %d, y: %d, z: %d).\n",
+                 run.options.pot3DName.c_str(), digPotential, info.grid3DnX, info.grid3DnY, info.grid3DnZ);
+}
+
+int turnStructure(Run &run, const EulerLists &euler)
+{
+    const int status = writePDBRot(euler.gamma, euler.beta, euler.alpha, run.trelmInfo[0].rotN,
+                                   &run.pdbInfo[0], &run.sInfo, run.options.pRotName, run.options.remark);
+    if (status != 0)
+        complain("matrix: error in writePDBRot.\n");
+    return status;
+}
+
+/// The molecule beside a charged wall or rod, and which of its faces that prefers.
+int alignBesideParticle(Run &run, const Solute &solute)
+{
+    const RunOptions &options = run.options;
+    AlignmentFields fields;
+    Potential &potential = fields.potential;
+    int status = readPotential(options.potName, potential);
+    if (status != 0) {
+        complain("ERROR Reading of 1D potential not successful.\n");
+        return status;
+    }
+    if (!options.potName.empty())
+        complain("REMARK 1D Potential %s, Digitization %d, Offset %.1f, Stepsize %.1f [A].\n",
+                 options.potName.c_str(), potential.count, potential.offset, potential.stepsize);
+    TensorAnalysis analysis;
+    status = alignSolute(run, solute, fields, analysis);
+    if (status != 0)
+        return status;
+    restoreMarks(&run.pdbInfo[0], solute.marks);
+    status = iFacePDB(analysis.euler, &run.pdbInfo[0], run.trelmInfo[0], {options.pRotName, options.remark},
+                      potential, originalCharges(run, solute.charges));
+    if (status != 0)
+        complain("trelm: error in iFacePDB.\n");
+    return status;
+}
+
+int alignInGrid(Run &run, const Solute &solute)
+{
+    AlignmentFields fields;
+    int digPotential = 0;
+    const int status = read3DPotential(run.options.pot3DName, run.trelmInfo[0], fields.pot3D, digPotential);
+    if (status != 0) {
+        complain("ERROR: Reading of 3D potential not successful.\n");
+        return status;
+    }
+    reportGridFile(run, digPotential);
+    TensorAnalysis analysis;
+    return alignSolute(run, solute, fields, analysis);
+}
+
+} // namespace
+
+int setUp(Run &run, ChargeSet &charges)
+{
+    TrelmInfo &trelmInfo = run.trelmInfo[0];
+    const RunOptions &options = run.options;
+    if (checkSample(trelmInfo) != 0)
+        return 1;
+    if (readConfig(options.inpName, trelmInfo, run.search) != 0)
+        return complain("Error reading configuration file %s\n", options.inpName.c_str());
+    charges.chargeAtomID = run.chargeAtomID.span();
+    charges.charges = run.charges.span();
+    const int status = chargeSetup(options.pkaName, &run.pdbInfo[0], trelmInfo, charges, options.outPkaName);
+    if (status != 0) {
+        complain("WARNING: Error setting up charges!\n");
+        return status;
+    }
+    std::ranges::copy(charges.chargeAtomID, run.chargeAtomIDOrig.data());
+    std::ranges::copy(charges.charges, run.chargesOrig.data());
+    std::printf("REMARK %d charges placed, Total charge %.3f [e].\n", charges.chCount,
+                static_cast<double>(charges.chSum));
+    if (trelmInfo.elInfo.elFlag != 0 && trelmInfo.elInfo.chFlag != 0)
+        listCharges(run.pdbInfo[0], charges);
+    return refine_bicelle(&trelmInfo);
+}
+
+int makeDots(Run &run, std::span<const double> &ddots)
+{
+    std::span<const double> dots;
+    if (do_unsp(run.trelmInfo[0].densityNSC, dots) != 0 || dots.size() > run.ddots.span().size())
+        return complain("Matrix: unsp error occured.\n");
+    std::ranges::copy(dots, run.ddots.data());
+    ddots = run.ddots.span().first(dots.size());
+    return 0;
+}
+
+int simulateSteric(Run &run)
+{
+    TrelmInfo &trelmInfo = run.trelmInfo[0];
+    const bool inGrid = trelmInfo.lcType == lcGrid;
+    if (inGrid && trelmInfo.elInfo.elFlag != 0)
+        return complain("trelm: -stTrelm -3D knows no charges: see -elTrelm.\n");
+    if (checkSimulation(trelmInfo) != 0)
+        return 1;
+    Solute solute;
+    int status = chooseSolute(run, "trelm: error reading selection of atoms.\n", solute);
+    if (status != 0)
+        return status;
+    AlignmentFields fields;
+    int digPotential = 0;
+    if (inGrid) { // the run ends in the kernel, with status 0, once the grid has been looked at
+        status = read3DPotSteric(run.options.pot3DName, trelmInfo, fields.pot3Dst, digPotential);
+        if (status != 0) {
+            complain("ERROR: Reading of 3D potential not successful.\n");
+            return status;
+        }
+        reportGridFile(run, digPotential);
+    }
+    TensorAnalysis analysis;
+    status = alignSolute(run, solute, fields, analysis);
+    return status != 0 ? status : turnStructure(run, analysis.euler);
+}
+
+int simulateElectrostatic(Run &run)
+{
+    if (checkSimulation(run.trelmInfo[0]) != 0)
+        return 1;
+    Solute solute;
+    const int status = chooseSolute(run, "Matrix: Error reading selection of atoms.\n", solute);
+    if (status != 0)
+        return status;
+    return run.trelmInfo[0].lcType == lcGrid ? alignInGrid(run, solute) : alignBesideParticle(run, solute);
+}
+
+int simulateFree(Run &run)
+{
+    TrelmInfo &trelmInfo = run.trelmInfo[0];
+    if (trelmInfo.lcType != lcWall && trelmInfo.lcType != lcRod)
+        return complain("trelm: -stTrelmFree knows the models -bic and -pf1 only.\n");
+    if (checkSample(trelmInfo) != 0 || checkSimulation(trelmInfo) != 0)
+        return 1;
+    const int status = ssiaFree(&trelmInfo, run.options.pdbFName, run.options.outAName, &run.dTab[0]);
+    if (status != 0)
+        complain("matrix: error in ssiaFree.\n");
+    return status;
+}
+
+int setUpCharges(Run &run)
+{
+    ChargeSet charges;
+    return setUp(run, charges);
+}
+
+int analyzeStructure(Run &run)
+{
+    ChargeSet charges;
+    int status = setUp(run, charges);
+    if (status != 0)
+        return status;
+    const RunOptions &options = run.options;
+    status = analyzePDB(&run.pdbInfo[0], &run.sInfo, run.trelmInfo[0], charges, options.userSaupe1,
+                        {options.pRotName, options.outPName, options.remark});
+    if (status != 0)
+        complain("trelm: error in analysis of PDB.\n");
+    return status;
+}
+
+} // namespace trelm

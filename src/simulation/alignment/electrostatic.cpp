@@ -1,0 +1,326 @@
+#include "simulation/alignment/electrostatic.h"
+
+#include "simulation/charges/field_energy.h"
+#include "simulation/obstacle/position_grid.h"
+#include "simulation/obstacle/rod.h"
+#include "simulation/obstacle/steric.h"
+#include "simulation/obstacle/wall.h"
+#include "support/numerics/numbers.h"
+#include "support/text/text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <vector>
+
+namespace trelm {
+namespace {
+
+constexpr const char *tag = "sma";
+constexpr double mostSteps = 1e8; ///< from one rod to the next
+
+GridSetup gridSetup(const TrelmInfo &trelmInfo, const SmaSetup &setup)
+{
+    return {.gridSpacing = number(trelmInfo.gridSpacing),
+            .max_obstruction = number(trelmInfo.radiusModel),
+            .max_protein_length = setup.max_protein_length,
+            .min_protein_length = setup.min_protein_length};
+}
+
+void scalePotential(const ElInfo &elInfo, Potential &potential)
+{
+    std::printf("trelmInfo->elInfo.kPot: %.1f \n", number(elInfo.kPot));
+    for (int i = 0; i < potential.count; ++i) {
+        double &value = potential.values[static_cast<std::size_t>(i)];
+        value = number(static_cast<float>(value) / elInfo.kPot);
+    }
+}
+
+void reportGrid(const TrelmInfo &trelmInfo, const SmaSetup &setup, const PositionGrid &grid)
+{
+    std::printf("REMARK Minimum molecule dimension %.3f [A].\n", setup.min_protein_length);
+    std::printf("REMARK Maximum molecule dimension %.3f [A].\n", setup.max_protein_length);
+    if (trelmInfo.elInfo.kAtt != 0.0f)
+        std::printf("REMARK trelmInfo->elInfo.kAtt = %.3f [A].\n", number(trelmInfo.elInfo.kAtt));
+    std::printf("@@@ offset_grid = %.3f [A]  t_pts = %d.\n",
+                setup.min_protein_length + number(trelmInfo.radiusModel), grid.grid_el);
+    std::printf("@@@ REMARK grid_el[0] = %.3f [A].\n", number(grid.positionDist[0]));
+    std::printf("@@@ REMARK grid_el[%d] = %.3f [A].\n", grid.grid_el, grid.lastDist());
+}
+
+/// What all roads of a charged molecule share.
+struct Charged {
+    const TrelmInfo &trelmInfo;
+    PlacedCharges placed;
+    FieldConstants field;
+    OrientationSet set;
+};
+
+int simulateWall(const Charged &charged, PositionGrid &grid, Saupe &saupe)
+{
+    const TrelmInfo &info = charged.trelmInfo;
+    const double spacing = number(info.gridSpacing), cell = number(info.rSingleCell);
+    const double limit = std::min(cell, info.elInfo.cutoffPot);
+    if (!extendPositions(grid, spacing, [limit](double last, double) { return last <= limit; }))
+        warnShortGrid(grid);
+    if (info.elInfo.chFlag != 0)
+        reportField(charged.field);
+
+    NearestKernel kernel = makeNearestKernel(charged.placed.atoms);
+    WallEnergy energy;
+    energy.field = charged.field;
+    energy.radiusModel = number(info.radiusModel);
+    const float reach = info.radiusModel + info.radiusAtom;
+    const auto positions = grid.positions();
+    const auto touchable = grid.touchable();
+    double total = 0.0;
+    forEachTurnShown(charged.set, [&](const Turn &turn) {
+        const float nearest = nearestToWall(kernel, turn.column1);
+        const auto free = std::ranges::partition_point(
+            touchable, [&](float distance) { return nearest + distance <= reach; });
+        turnCharges(energy, charged.placed, turn.column1);
+        double weight = 0.0;
+        for (const float distance : positions.subspan(static_cast<std::size_t>(free - touchable.begin())))
+            weight += std::exp(-energyAt(energy, distance));
+        addWeighted(saupe, turn.saupe, weight);
+        total += weight;
+    });
+    if (cell - info.elInfo.cutoffPot > 0.0)
+        total += (cell - info.elInfo.cutoffPot) * charged.set.count() / spacing;
+    return divideByWeights(tag, total, saupe);
+}
+
+/// Sums over the orientations at each position of a rod.
+struct RodSums {
+    std::vector<Saupe> saupe_dis;
+    std::vector<double> total, totalNew;
+    std::vector<int> pCount;
+
+    explicit RodSums(std::size_t positions)
+        : saupe_dis(positions), total(positions), totalNew(positions), pCount(positions)
+    {
+    }
+};
+
+/// Extends the grid as far as the potential reaches, and tells how far that is.
+void extendRodGrid(const Charged &charged, double beta, PositionGrid &grid)
+{
+    const TrelmInfo &info = charged.trelmInfo;
+    const double radius = number(info.radiusModel), cutoff = info.elInfo.cutoffPot;
+    const auto isBelow = [&](double distance) {
+        return std::fabs(surfacePotential(charged.field, distance - radius)) < cutoff;
+    };
+    if (isBelow(grid.lastDist()))
+        std::fprintf(stderr,
+                     "Warning: Potential drops within clash region to below %e!\n"
+                     "         ---> Magnitude of alignment tensor wrong!\n",
+                     cutoff);
+    bool isFound = false;
+    const auto reachesOn = [&](double last, double next) {
+        isFound = last <= beta && isBelow(next);
+        return last <= beta && !isFound;
+    };
+    if (!extendPositions(grid, number(info.gridSpacing), reachesOn))
+        warnShortGrid(grid);
+    std::fprintf(stderr, "REMARK Value of potential at cutoff: %e\n",
+                 surfacePotential(charged.field, grid.lastDist() - radius));
+    std::fprintf(stderr, "REMARK # of translational points for EL: %d\n", grid.last);
+    std::fprintf(stderr, "REMARK Maximum distance: %e\n", grid.lastDist());
+    if (!isFound)
+        std::fprintf(stderr,
+                     "Warning: Potentials between neighbouring cells overlapping, cutoff %e!\n"
+                     "         ---> Magnitude of alignment tensor wrong!\n",
+                     cutoff);
+}
+
+void reportRod(const Charged &charged, double end_dist, double beta, const PositionGrid &grid)
+{
+    const TrelmInfo &info = charged.trelmInfo;
+    std::printf("@@ trelmInfo->elInfo.cutoffPot: %e\n", info.elInfo.cutoffPot);
+    std::printf("@@ trelmInfo->radiusModel: %f\n", number(info.radiusModel));
+    std::printf("@@ trelmInfo->concentration: %f\n", number(info.concentration));
+    std::printf("@@ density: %f\n", rodDensity);
+    std::printf("@@ end_dist: %f\n", end_dist);
+    std::printf("@@ beta: %f\n", beta);
+    std::printf("@@ no_pt_ph: %d\n", grid.grid_el);
+    std::printf("@@ lengthGrid: %d\n", grid.last);
+    std::printf("digPsi = %d    dots = %d   inc_psi = %.1f\n", info.digPsiNSC,
+                static_cast<int>(charged.set.dots.size() / 3), 360.0 / info.digPsiNSC);
+}
+
+void sumBesideRod(const Charged &charged, const PositionGrid &grid, RodEnergy &energy, RodSums &sums)
+{
+    const TrelmInfo &info = charged.trelmInfo;
+    RodKernel kernel = makeRodKernel(charged.placed.atoms, grid.touchable(), number(info.radiusModel),
+                                     number(info.radiusAtom));
+    std::vector<Interval> blocked;
+    const auto addPositions = [&](const Turn &turn, int from, int to) {
+        const auto first = static_cast<std::size_t>(from), beyond = static_cast<std::size_t>(to);
+        if (first >= beyond)
+            return;
+        const std::span<const double> energies = energiesAt(energy, first, beyond);
+        for (std::size_t i = first; i < beyond; ++i) {
+            const double weight = std::exp(-energies[i - first]);
+            addWeighted(sums.saupe_dis[i], turn.saupe, weight);
+            sums.total[i] += weight;
+            sums.totalNew[i] += weight - 1.0;
+            ++sums.pCount[i];
+        }
+    };
+    forEachTurnShown(charged.set, [&](const Turn &turn) {
+        turnCharges(energy, charged.placed, turn);
+        blockedByRod(kernel, turn.column1, turn.column2, blocked);
+        int free = 0;
+        for (const Interval &interval : blocked) {
+            addPositions(turn, free, interval.first);
+            free = interval.last + 1;
+        }
+        addPositions(turn, free, grid.last + 1);
+    });
+}
+
+/// Distances in bins of at least 5 angstrom, each from `first` up to the next one's first.
+std::vector<std::size_t> binStarts(std::span<const float> distances)
+{
+    constexpr float width = 5.0f;
+    std::vector<std::size_t> starts = {0};
+    for (std::size_t i = 1; i < distances.size(); ++i)
+        if (distances[i] - distances[starts.back()] >= width)
+            starts.push_back(i);
+    return starts;
+}
+
+/// What each range of distances adds to the weights and to the order.
+void reportBins(std::span<const float> distances, const RodSums &sums, double radius, float total_ph,
+                const Saupe &saupe)
+{
+    const std::vector<std::size_t> starts = binStarts(distances);
+    struct Bin {
+        double from, to, share;
+        Saupe sum;
+    };
+    std::vector<Bin> bins;
+    for (std::size_t b = 0; b < starts.size(); ++b) {
+        const std::size_t beyond = b + 1 < starts.size() ? starts[b + 1] : distances.size();
+        Bin bin{
+            number(distances[starts[b]]), number(distances[std::min(beyond, distances.size() - 1)]), 0.0, {}};
+        for (std::size_t i = starts[b]; i < beyond; ++i) {
+            const double ring = number(distances[i]) / radius;
+            bin.share += sums.total[i] * ring / number(total_ph);
+            addWeighted(bin.sum, sums.saupe_dis[i], ring);
+        }
+        bins.push_back(bin);
+    }
+    for (const Bin &bin : bins)
+        std::printf("%6.1f %6.1f  %e\n", bin.from, bin.to, bin.share);
+    double whole = 0.0;
+    Saupe irreducible;
+    irreducRepres(saupe, whole, irreducible);
+    for (const Bin &bin : bins) {
+        double magnitude = 0.0;
+        irreducRepres(bin.sum, magnitude, irreducible);
+        std::printf("%6.1f %6.1f  %e  %e\n", bin.from, bin.to, whole > 0.0 ? magnitude / whole : 0.0,
+                    magnitude);
+    }
+}
+
+/// The weights of the grid with the growth of the rings; prints how they spread over the distances.
+float reportWeights(const PositionGrid &grid, const RodSums &sums, double radius, const Saupe &saupe)
+{
+    const std::span<const float> distances = grid.positions();
+    float total_ph = 0.0f;
+    double test = 0.0, p = 0.0;
+    for (std::size_t i = 0; i < distances.size(); ++i) {
+        total_ph = static_cast<float>(number(total_ph) + sums.total[i] * number(distances[i]) / radius);
+        if (sums.pCount[i] == 0)
+            continue;
+        test += sums.total[i] / sums.pCount[i];
+        p += sums.totalNew[i] / sums.pCount[i];
+    }
+    std::printf("total_ph: %e    test: %e    p: %e  ln(p): %e\n", number(total_ph), test, p,
+                p < 0.0 ? std::nan("") : std::log(p));
+    std::printf("grid_el[0] = %.1f   grid_el[lengthGrid %d] = %.1f   d = %.1f\n", number(distances.front()),
+                grid.last, grid.lastDist(), grid.lastDist() - number(distances.front()));
+    reportBins(distances, sums, radius, total_ph, saupe);
+    return total_ph;
+}
+
+/// Once a run: charges that feel nothing.
+void tellBeyond(bool isBeyond, Potential &potential)
+{
+    if (!isBeyond || potential.isTold)
+        return;
+    potential.isTold = true;
+    complain(potential.count == 0
+                 ? "REMARK Without a potential table charges beside a rod feel no potential.\n"
+                 : "REMARK Charges beyond the distances of the potential table feel no potential.\n");
+}
+
+int simulateRod(const Charged &charged, PositionGrid &grid, Potential &potential, Saupe &saupe)
+{
+    const TrelmInfo &info = charged.trelmInfo;
+    const double radius = number(info.radiusModel), spacing = number(info.gridSpacing);
+    reportField(charged.field);
+    const double end_dist = radius / std::sqrt(number(info.concentration) / rodDensity) - radius;
+    const double beta = end_dist + radius;
+    const double start = std::min(0.0, number(grid.positionDist[0])); // below 0 with a radius below 0
+    if (!((beta - start) / spacing <= mostSteps))
+        return complain("trelm: -wv %g, -dGrid %g: more than %g steps to the next rod.\n",
+                        number(info.concentration), spacing, mostSteps);
+    extendRodGrid(charged, beta, grid);
+    reportRod(charged, end_dist, beta, grid);
+
+    const std::span<const float> distances = grid.positions();
+    RodSums sums(distances.size());
+    RodEnergy energy = makeRodEnergy(potential, radius, distances);
+    sumBesideRod(charged, grid, energy, sums);
+    tellBeyond(energy.isBeyond, potential);
+    for (std::size_t i = 0; i < distances.size(); ++i)
+        addWeighted(saupe, sums.saupe_dis[i], number(distances[i]) / radius);
+    float total_ph = reportWeights(grid, sums, radius, saupe);
+    double v = grid.lastDist() + spacing; // the free rest, up to the next rod, rounded as the rest is
+    while (v <= beta) {
+        total_ph = static_cast<float>(number(total_ph) + v / radius * charged.set.count());
+        v += spacing;
+    }
+    return divideByWeights(tag, number(total_ph), saupe);
+}
+
+} // namespace
+
+void reportSetBias(const OrientationSet &set, const char *prefix)
+{
+    Saupe saupe_dev = {};
+    forEachTurn(set, [&](const Turn &turn) { addWeighted(saupe_dev, turn.saupe, 1.0); });
+    for (std::size_t k = 0; k < saupe_dev.size(); ++k) {
+        saupe_dev[k] /= set.count();
+        std::printf("%so_pts: %d    saupe_dev[%zu]: %e\n", prefix, set.count(), k, saupe_dev[k]);
+    }
+    double gMag = 0.0;
+    Saupe irreducible;
+    irreducRepres(saupe_dev, gMag, irreducible);
+    std::printf("%sdeviation from uniform distribution:  %e   %e\n", prefix, gMag, 50.0 * gMag);
+}
+
+int sma(const TrelmInfo &trelmInfo, const Coordinates &atoms, std::span<const double> dots,
+        const SmaSetup &setup, const ChargeSet &charges, Potential &potential, Saupe &saupe)
+{
+    saupe = {};
+    if (!potential.isFieldTold)
+        checkField(trelmInfo.elInfo);
+    potential.isFieldTold = true;
+    const Charged charged{trelmInfo,
+                          {atoms, &charges},
+                          fieldConstants(trelmInfo.elInfo),
+                          makeOrientationSet(dots, trelmInfo.digPsiNSC)};
+    reportSetBias(charged.set, "");
+    scalePotential(trelmInfo.elInfo, potential);
+    PositionGrid grid;
+    if (!layPositions(tag, gridSetup(trelmInfo, setup), grid))
+        mzerror("allocation failure for grid_el");
+    reportGrid(trelmInfo, setup, grid);
+    return trelmInfo.lcType == lcWall ? simulateWall(charged, grid, saupe)
+                                      : simulateRod(charged, grid, potential, saupe);
+}
+
+} // namespace trelm

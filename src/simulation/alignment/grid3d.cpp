@@ -1,0 +1,359 @@
+#include "simulation/alignment/grid3d.h"
+
+#include "simulation/alignment/electrostatic.h"
+#include "simulation/orientations/rotation.h"
+#include "support/numerics/numbers.h"
+#include "support/text/text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+
+namespace trelm {
+namespace {
+
+constexpr const char *prefix = "REMARK  ";
+
+/// The edge of the cell that one particle of the liquid crystal has for itself, angstrom: the square root of
+/// the sample's volume per length of all particles, which lie side by side through it. The mass and molecular
+/// weight of the particles give their number, the unit length times the degree of polymerisation the length
+/// of each.
+float cellSize(const TrelmInfo &info)
+{
+    return static_cast<float>(1.0e10 *
+                              std::sqrt(1.0e-9 * number(info.volSample) * number(info.mwLC) /
+                                        (6.0221367 * number(info.massLC) * 1.0e23 *
+                                         number(info.unitLengthLC) * 1.0e-10 * number(info.polymerDeg))));
+}
+
+bool isNarrow(const TrelmInfo &info)
+{
+    return info.rSingleCell - static_cast<float>(info.grid3DnX) * info.grid3DdeltaX < 0.0f ||
+           info.rSingleCell - static_cast<float>(info.grid3DnY) * info.grid3DdeltaY < 0.0f;
+}
+
+void reportGrid(const TrelmInfo &info, const Grid3D &grid, const OrientationSet &set)
+{
+    std::printf("REMARK trelmInfo->volSample: %f\n", number(info.volSample));
+    std::printf("REMARK trelmInfo->mwLC: %f\n", number(info.mwLC));
+    std::printf("REMARK trelmInfo->massLC: %f\n", number(info.massLC));
+    std::printf("REMARK trelmInfo->unitLengthLC: %f\n", number(info.unitLengthLC));
+    std::printf("REMARK trelmInfo->polymerDeg: %f\n", number(info.polymerDeg));
+    std::printf("REMARK trelmInfo->rSingleCell: %e\n", number(info.rSingleCell));
+    std::printf("REMARK trelmInfo->elInfo.maxPot: %f\n", number(info.elInfo.maxPot));
+    std::printf("REMARK trelmInfo->grid3DdeltaX: %f\n", number(info.grid3DdeltaX));
+    std::printf("REMARK trelmInfo->grid3DdeltaY: %f\n", number(info.grid3DdeltaY));
+    std::printf("REMARK trelmInfo->grid3DdeltaZ: %f\n", number(info.grid3DdeltaZ));
+    std::printf("REMARK trelmInfo->grid3DnX: %d\n", info.grid3DnX);
+    std::printf("REMARK trelmInfo->grid3DnY: %d\n", info.grid3DnY);
+    std::printf("REMARK trelmInfo->grid3DnZ: %d\n", info.grid3DnZ);
+    std::printf("REMARK trelmInfo->elInfo.z1: %d\n", info.elInfo.z1);
+    std::printf("REMARK trelmInfo->elInfo.zN: %d\n", info.elInfo.zN);
+    std::printf("REMARK nZGridSel: %d\n", grid.planes());
+    std::printf("REMARK lengthGrid: %d\n", grid.count[0] * grid.count[1] * grid.planes());
+    std::printf("REMARK Digitization of orientations: digPsi = %d    dots = %d   inc_psi = %.1f\n",
+                info.digPsiNSC, static_cast<int>(set.dots.size() / 3), 360.0 / info.digPsiNSC);
+    std::printf("REMARK nX2 nY2 nZ2: %d  %d  %d\n", grid.half[0], grid.half[1], grid.half[2]);
+    std::printf("REMARK startGrid (x,y,z): %f  %f  %f\n", grid.start[0], grid.start[1], grid.start[2]);
+}
+
+/// What both forms do before they look at a position.
+Grid3D startGrid(TrelmInfo &info, const OrientationSet &set)
+{
+    reportSetBias(set, prefix);
+    info.rSingleCell = cellSize(info);
+    if (!(info.rSingleCell > 0.0f) || !std::isfinite(info.rSingleCell))
+        complain("Warning: -vol, -mwLC, -massLC, -unitLC, -polyLC give no size of the cell (%g).\n",
+                 number(info.rSingleCell));
+    if (isNarrow(info))
+        std::fputs("WARNING: Potentials between neighbouring cells overlapping!\n"
+                   "         ---> Magnitude of alignment tensor might be wrong!\n",
+                   stderr);
+    const Grid3D grid = makeGrid3D(info);
+    reportGrid(info, grid, set);
+    return grid;
+}
+
+/// The orientations at the free positions of the cell beyond the grid.
+double freeRest(const TrelmInfo &info, const Grid3D &grid, int orientations)
+{
+    const float cell = info.rSingleCell;
+    const bool isWider = cell - static_cast<float>(info.grid3DnX) * info.grid3DdeltaX > 0.0f ||
+                         cell - static_cast<float>(info.grid3DnY) * info.grid3DdeltaY > 0.0f;
+    if (!isWider)
+        return 0.0;
+    const double inGrid = static_cast<double>(grid.count[0]) * grid.count[1] * grid.planes();
+    return std::floor(number(cell) / number(info.grid3DdeltaX) * (number(cell) / number(info.grid3DdeltaY)) -
+                      inGrid) *
+           orientations;
+}
+
+/// Place of an atom relative to the grid's middle, in steps, rounded as the comparison wants it.
+float inSteps(double shift, float turnedCoordinate, float spacing)
+{
+    return static_cast<float>((shift + number(turnedCoordinate)) / number(spacing));
+}
+
+/// Where an atom comes to lie along x or y: points from 0, or off the grid. With an even count the last half
+/// step on the positive side has the number behind the last point: that of the next row but along x.
+int pointAlong(const Grid3D &grid, std::size_t axis, double shift, float coordinate)
+{
+    const float steps = inSteps(shift, coordinate, grid.spacing[axis]);
+    if (!(std::fabs(steps) <= static_cast<float>(grid.half[axis])))
+        return GridPlaces::off;
+    return getGridPoint(steps) + grid.half[axis];
+}
+
+/// Where an atom comes to lie along z, where the planes in use repeat, one period to each side: points from
+/// 0, those of the neighbouring rows beyond the ends.
+int pointAlongZ(const Grid3D &grid, double shift, float coordinate)
+{
+    constexpr float farthest = 1e9f; // and a number that no grid has
+    const float steps = inSteps(shift, coordinate, grid.spacing[2]);
+    if (!(std::fabs(steps) <= farthest))
+        return std::numeric_limits<int>::max();
+    const int point = getGridPoint(steps) + grid.half[2] + 1;
+    return (point > grid.zN ? point - grid.planes() : point < grid.z1 ? point + grid.planes() : point) - 1;
+}
+
+double shiftAlong(const Grid3D &grid, std::size_t axis, int step)
+{
+    return step * number(grid.spacing[axis]) + grid.start[axis];
+}
+
+/// The entries of x or y.
+void placeAlong(const Grid3D &grid, std::size_t axis, std::span<const float> turnedAxis,
+                std::vector<int> &points)
+{
+    const int stride = axis == 0 ? grid.count[1] : 1;
+    points.clear();
+    for (int step = 0; step < grid.count[axis]; ++step) {
+        const double shift = shiftAlong(grid, axis, step);
+        for (const float coordinate : turnedAxis) {
+            const int point = pointAlong(grid, axis, shift, coordinate);
+            points.push_back(point == GridPlaces::off ? GridPlaces::off : point * stride);
+        }
+    }
+}
+
+void placeAlongZ(const Grid3D &grid, GridPlaces &places)
+{
+    places.z.clear();
+    places.isWithin.clear();
+    for (const float coordinate : places.turnedAxis) {
+        bool isWithin = true;
+        for (int step = 0; step < grid.planes(); ++step) {
+            places.z.push_back(pointAlongZ(grid, shiftAlong(grid, 2, step), coordinate));
+            isWithin = isWithin && places.z.back() >= 0 && places.z.back() < grid.count[2];
+        }
+        places.isWithin.push_back(isWithin ? 1 : 0);
+    }
+}
+
+/// A row of positions along z, and where its atoms lie.
+struct Row {
+    const Grid3D &grid;
+    const GridRows &rows;
+    const GridPlaces &places;
+    const int *x, *y; ///< entries of the row's shifts along x and y
+
+    [[nodiscard]] std::size_t atoms() const { return places.isWithin.size(); }
+    [[nodiscard]] std::size_t length() const { return static_cast<std::size_t>(grid.planes()); }
+    [[nodiscard]] bool isOff(std::size_t j) const
+    {
+        return x[j] == GridPlaces::off || y[j] == GridPlaces::off;
+    }
+    [[nodiscard]] std::size_t number(std::size_t j) const
+    {
+        return static_cast<std::size_t>(x[j]) + static_cast<std::size_t>(y[j]);
+    }
+    /// What the row holds; mixed where the atom leaves it.
+    [[nodiscard]] GridRows::Kind kind(std::size_t j) const
+    {
+        return places.isWithin[j] != 0 && number(j) < rows.kind.size() ? rows.kind[number(j)]
+                                                                       : GridRows::mixed;
+    }
+    /// Calls visit(position, potential) at each position for an atom that is not off the row.
+    template <class Visit>
+    void forEachPosition(std::size_t j, Visit visit) const
+    {
+        const auto first = static_cast<std::ptrdiff_t>(number(j)) * grid.count[2];
+        const int *const z = &places.z[j * length()];
+        for (std::size_t k = 0; k < length(); ++k) {
+            const auto point = static_cast<std::size_t>(first + z[k]); // wraps where it would be below 0
+            visit(k, point < rows.pot3D.size() ? rows.pot3D[point] : 0.0);
+        }
+    }
+};
+
+/// Whether atom j takes the whole row; if it may take some positions of it, it is noted.
+bool blocksRow(const Row &row, std::size_t j, RowSearch &search)
+{
+    // Where no potential is allowed at all, the one beyond the grid, which is 0, is not either.
+    if (row.isOff(j))
+        return row.grid.maxPot <= 0.0f;
+    const GridRows::Kind kind = row.kind(j);
+    if (kind == GridRows::mixed)
+        search.mixed.push_back(j);
+    return kind == GridRows::full;
+}
+
+/// Marks the free positions of a row. Returns their number.
+std::size_t findFree(const Row &row, RowSearch &search)
+{
+    search.mixed.clear();
+    if (blocksRow(row, search.lastClash, search))
+        return 0;
+    for (std::size_t j = 0; j < row.atoms(); ++j)
+        if (j != search.lastClash && blocksRow(row, j, search)) {
+            search.lastClash = j;
+            return 0;
+        }
+    const auto maxPot = number(row.grid.maxPot);
+    std::size_t free = row.length();
+    search.isFree.assign(free, 1);
+    for (std::size_t m = 0; m < search.mixed.size() && free > 0; ++m)
+        row.forEachPosition(search.mixed[m], [&](std::size_t k, double potential) {
+            if (search.isFree[k] != 0 && std::fabs(potential) >= maxPot) {
+                search.isFree[k] = 0;
+                --free;
+            }
+        });
+    return free;
+}
+
+/// The weights of the free positions of a row.
+double weighFree(const Row &row, const ChargeSet &charges, RowSearch &search)
+{
+    search.energy.assign(row.length(), 0.0);
+    for (std::size_t c = 0; c < static_cast<std::size_t>(charges.chCount); ++c) {
+        const auto j = static_cast<std::size_t>(charges.chargeAtomID[c]);
+        const auto q = number(charges.charges[c]);
+        if (!row.isOff(j))
+            row.forEachPosition(j,
+                                [&](std::size_t k, double potential) { search.energy[k] += potential * q; });
+    }
+    double sum = 0.0;
+    for (std::size_t k = 0; k < row.length(); ++k)
+        if (search.isFree[k] != 0)
+            sum += std::exp(-search.energy[k]);
+    return sum;
+}
+
+[[noreturn]] void endQuietly()
+{
+    // The model ends here on purpose: what is written is flushed, and no more is said than that it is cut.
+    std::fflush(stdout);
+    if (std::ferror(stdout) != 0)
+        std::exit(complain("Error writing %s.\n", "(stdout)"));
+    std::exit(std::ferror(stderr) != 0 ? 1 : 0);
+}
+
+} // namespace
+
+Grid3D makeGrid3D(const TrelmInfo &info)
+{
+    Grid3D grid;
+    grid.count = {info.grid3DnX, info.grid3DnY, info.grid3DnZ};
+    grid.spacing = {info.grid3DdeltaX, info.grid3DdeltaY, info.grid3DdeltaZ};
+    grid.z1 = info.elInfo.z1;
+    grid.zN = info.elInfo.zN;
+    grid.maxPot = info.elInfo.maxPot;
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        grid.half[axis] = static_cast<int>(std::floor(grid.count[axis] / 2.0));
+        const int before = axis == 2 ? grid.half[2] - grid.z1 : grid.half[axis];
+        grid.start[axis] = -before * number(grid.spacing[axis]);
+    }
+    return grid;
+}
+
+GridRows makeGridRows(const Grid3D &grid, std::span<const double> pot3D)
+{
+    GridRows rows;
+    rows.pot3D = pot3D;
+    if (grid.count[2] < 1)
+        return rows;
+    const auto length = static_cast<std::size_t>(grid.count[2]);
+    const auto maxPot = number(grid.maxPot);
+    for (std::size_t from = 0; from + length <= pot3D.size(); from += length) {
+        const auto row = pot3D.subspan(from, length);
+        const auto clashing =
+            std::ranges::count_if(row, [maxPot](double value) { return std::fabs(value) >= maxPot; });
+        rows.kind.push_back(clashing == 0                                     ? GridRows::free
+                            : clashing == static_cast<std::ptrdiff_t>(length) ? GridRows::full
+                                                                              : GridRows::mixed);
+    }
+    return rows;
+}
+
+void placeAtoms(const Grid3D &grid, const Coordinates &atoms, const std::array<Axis, 3> &columns,
+                GridPlaces &places)
+{
+    places.turnedAxis.resize(atoms.count());
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        for (std::size_t j = 0; j < atoms.count(); ++j)
+            places.turnedAxis[j] = turned(atoms, j, columns[axis]);
+        if (axis < 2)
+            placeAlong(grid, axis, places.turnedAxis, axis == 0 ? places.x : places.y);
+        else
+            placeAlongZ(grid, places);
+    }
+}
+
+double weighPositions(const Grid3D &grid, const GridRows &rows, const GridPlaces &places,
+                      const ChargeSet &charges, RowSearch &search)
+{
+    const std::size_t atoms = places.isWithin.size();
+    double sum = 0.0;
+    if (!grid.hasPositions())
+        return sum;
+    const auto nX = static_cast<std::size_t>(grid.count[0]), nY = static_cast<std::size_t>(grid.count[1]);
+    for (std::size_t iii = 0; iii < nX; ++iii)
+        for (std::size_t jjj = 0; jjj < nY; ++jjj) {
+            const Row row = {grid, rows, places, &places.x[iii * atoms], &places.y[jjj * atoms]};
+            if (findFree(row, search) > 0)
+                sum += weighFree(row, charges, search);
+        }
+    return sum;
+}
+
+int sma3D(TrelmInfo &trelmInfo, const Coordinates &atoms, std::span<const double> dots,
+          const ChargeSet &charges, std::span<const double> pot3D, Saupe &saupe)
+{
+    saupe = {};
+    const OrientationSet set = makeOrientationSet(dots, trelmInfo.digPsiNSC);
+    const Grid3D grid = startGrid(trelmInfo, set);
+    const GridRows rows = makeGridRows(grid, pot3D);
+    GridPlaces places;
+    RowSearch search;
+    double total = 0.0;
+    forEachTurnShown(set, [&](const Turn &turn) {
+        placeAtoms(grid, atoms, {turn.column1, turn.column2, turn.column3}, places);
+        const double weight = weighPositions(grid, rows, places, charges, search);
+        addWeighted(saupe, turn.saupe, weight);
+        total += weight;
+    });
+    // The free rest of a cell can be less than the grid that it leaves out: the sum may be negative.
+    const double rest = freeRest(trelmInfo, grid, set.count());
+    if (std::isinf(rest)) { // a cell without an end, of which no order is left
+        saupe = {};
+        return 0;
+    }
+    return divideByWeights("sma3D", total + rest, saupe);
+}
+
+void ssia3D(TrelmInfo &trelmInfo, std::span<const double> dots, Saupe &saupe)
+{
+    saupe = {};
+    const OrientationSet set = makeOrientationSet(dots, trelmInfo.digPsiNSC);
+    const Grid3D grid = startGrid(trelmInfo, set);
+    // What the atoms would meet at the first position changes nothing that is seen.
+    if (set.count() > 0 && grid.hasPositions())
+        endQuietly();
+    if (freeRest(trelmInfo, grid, set.count()) <= 0.0)
+        std::fputs("WARNING: Error in simulation\n", stderr);
+}
+
+} // namespace trelm

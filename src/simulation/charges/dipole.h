@@ -1,0 +1,33 @@
+// The electric dipole of a set of point charges.
+#pragma once
+
+#include "support/numerics/jacobi.h"
+
+#include <array>
+#include <span>
+
+namespace trelm {
+
+/// Positive and negative charges, each drawn together in its charge-weighted centre. Lengths in angstrom.
+struct Dipole {
+    float magnitude = 0.0f;                ///< e times angstrom
+    float chSum = 0.0f;                    ///< net charge, e
+    std::array<float, 3> avePos = {};      ///< centre of the positive charges
+    std::array<float, 3> aveNeg = {};      ///< centre of the negative charges
+    std::array<float, 2> chargeDipol = {}; ///< total positive, total negative charge, e
+    /// Columns: the direction, and two at right angles to it, not normalised. These two are no numbers where
+    /// the direction has no z, and none at all where there is no dipole: the caller has to look.
+    Matrix3d dipoleVec = {};
+};
+
+/// Places of charges, views of equal length.
+struct ChargePlaces {
+    std::span<const double> x, y, z;
+    std::span<const int> chargeAtomID; ///< the place of each charge in x, y, z
+    std::span<const float> charges;    ///< e
+};
+
+/// The dipole; with `verb` also four REMARK lines on standard output.
+Dipole dipoleMoment(const ChargePlaces &places, int verb);
+
+} // namespace trelm

@@ -1,0 +1,49 @@
+#include "simulation/charges/field.h"
+
+#include "support/numerics/numbers.h"
+#include "support/text/text.h"
+
+#include <cmath>
+#include <cstdio>
+
+namespace trelm {
+
+FieldConstants fieldConstants(const ElInfo &elInfo)
+{
+    FieldConstants field;
+    field.rho = static_cast<float>(number(elInfo.concNaCl) * 0.6022);
+    const auto kappaSquare = static_cast<float>(number(field.rho) * 25.132742 * 138.935 /
+                                                (number(elInfo.temperaturePot) * 0.6509039));
+    field.kappa = std::sqrt(number(kappaSquare));
+    field.u = field.kappa * number(elInfo.chDensSurf) / (number(field.rho) * 4.0);
+    field.y0 = static_cast<float>(2.0 * std::log(std::sqrt(field.u * field.u + 1.0) + field.u));
+    field.gamma = static_cast<float>(std::tanh(0.25 * number(field.y0)));
+    return field;
+}
+
+double surfacePotential(const FieldConstants &field, double distance)
+{
+    const double decayed = static_cast<double>(field.gamma) * std::exp(-field.kappa * distance / 10.0);
+    return 2.0 * std::log((1.0 + decayed) / (1.0 - decayed));
+}
+
+void reportField(const FieldConstants &field)
+{
+    std::printf("REMARK Equilibrium density of ion pairs %e [1/nm_3].\n", static_cast<double>(field.rho));
+    std::printf("REMARK Debye length %e nm.\n", 1.0 / field.kappa);
+    std::printf("REMARK Potential at surface %e [e/kB*T].\n", static_cast<double>(field.y0));
+}
+
+void checkField(const ElInfo &elInfo)
+{
+    const FieldConstants field = fieldConstants(elInfo);
+    if (!(field.kappa > 0.0) || !std::isfinite(field.kappa) || std::isnan(field.gamma))
+        complain("Warning: -nacl %g, -temp %g, -chSurf %g: the field of the surface is no number.\n",
+                 number(elInfo.concNaCl), number(elInfo.temperaturePot), number(elInfo.chDensSurf));
+    if (elInfo.kPot == 0.0f)
+        complain("Warning: -kPot 0: the potential is divided by 0.\n");
+    if (elInfo.cutoffPot < 0.0)
+        complain("Warning: -cut %g: the cutoff is negative.\n", elInfo.cutoffPot);
+}
+
+} // namespace trelm

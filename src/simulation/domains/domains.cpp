@@ -1,0 +1,196 @@
+#include "simulation/domains/domains.h"
+
+#include "couplings/tensor.h"
+#include "simulation/domains/inertia.h"
+#include "simulation/obstacle/atom_selection.h"
+#include "simulation/orientations/rotation.h"
+#include "structure/rotate.h"
+#include "structure/select.h"
+#include "support/text/text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+namespace trelm {
+namespace {
+
+bool isInRange(const AtomInfo &atom, int resN, int resC)
+{
+    return atom.resID >= resN && atom.resID <= resC;
+}
+
+Axis positionOf(const AtomInfo &atom)
+{
+    return {static_cast<double>(atom.x), static_cast<double>(atom.y), static_cast<double>(atom.z)};
+}
+
+/// Calls visit(const Axis &) for each atom of the residues, which may be given in either order, whose name
+/// does not begin with H. Returns their number.
+template <class Visit>
+int forEachHeavy(const PDBInfo &pdbInfo, int resN, int resC, Visit visit)
+{
+    const auto [first, last] = std::minmax(resN, resC);
+    int count = 0;
+    for (const AtomInfo &atom : pdbInfo.atoms()) {
+        if (!isInRange(atom, first, last) || atom.atomName.text[0] == 'H')
+            continue;
+        visit(positionOf(atom));
+        ++count;
+    }
+    return count;
+}
+
+/// The mean of the residues, hydrogens left out. Returns 0, or 1 after a message if there are no such atoms.
+int meanOfResidues(const PDBInfo &pdbInfo, int resN, int resC, Axis &mean)
+{
+    mean = {};
+    const int count = forEachHeavy(pdbInfo, resN, resC, [&](const Axis &position) {
+        for (std::size_t k = 0; k < 3; ++k)
+            mean[k] += position[k];
+    });
+    if (count == 0)
+        return complain("Error in initOrient: zero atoms selected.");
+    for (double &element : mean)
+        element /= count;
+    return 0;
+}
+
+void moveToOrigin(PDBInfo *pdbInfo, const Axis &point)
+{
+    for (AtomInfo &atom : pdbInfo->atoms()) {
+        atom.x = static_cast<float>(static_cast<double>(atom.x) - point[0]);
+        atom.y = static_cast<float>(static_cast<double>(atom.y) - point[1]);
+        atom.z = static_cast<float>(static_cast<double>(atom.z) - point[2]);
+    }
+}
+
+/// Moves the CA of a residue to the origin. `key` is the line of the configuration that names the residue.
+int moveToPivot(PDBInfo *pdbInfo, int resID, const char *key)
+{
+    const auto atoms = pdbInfo->atoms();
+    const auto pivot = std::ranges::find_if(
+        atoms, [resID](const AtomInfo &atom) { return atom.resID == resID && atom.atomName == "CA"; });
+    if (pivot == atoms.end())
+        return complain("initOrient: %s residue %d has no atom CA.\n", key, resID);
+    moveToOrigin(pdbInfo, positionOf(*pivot));
+    return 0;
+}
+
+bool isBackbone(const AtomInfo &atom)
+{
+    return atom.atomName == "C" || atom.atomName == "CA" || atom.atomName == "N";
+}
+
+/// The exposed ones of the backbone atoms for which isWanted holds. The marks of the atoms are used up.
+template <class IsWanted>
+int exposedBackbone(PDBInfo *pdbInfo, IsWanted isWanted, std::vector<std::size_t> &exposed)
+{
+    std::vector<std::size_t> measured;
+    pdbClearSelection(pdbInfo);
+    for (std::size_t i = 0; i < pdbInfo->atoms().size(); ++i) {
+        AtomInfo &atom = pdbInfo->atomList[i];
+        if (!isBackbone(atom) || !isWanted(atom))
+            continue;
+        atom.selected = 1;
+        measured.push_back(i);
+    }
+    if (measured.empty())
+        return complain("Error in chkDomClash: zero atoms selected.");
+    if (callNSC(pdbInfo) != 0)
+        return 1;
+    exposed.clear();
+    // The marks go by the count of the measured atoms, not by their places.
+    for (std::size_t k = 0; k < measured.size(); ++k)
+        if (pdbInfo->atomList[k].selected != 0)
+            exposed.push_back(measured[k]);
+    return 0;
+}
+
+} // namespace
+
+int initOrient(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo)
+{
+    const GridInfo &gridInfo = trelmInfo.gridInfo;
+    Axis mean;
+    if (meanOfResidues(*pdbInfo, gridInfo.startResPart1, gridInfo.endResPart1, mean) != 0)
+        return 1;
+    moveToOrigin(pdbInfo, mean);
+    Matrix3d inertiaTensor;
+    TensorAnalysis analysis;
+    if (calcInertiaSel(*pdbInfo, gridInfo.startResPart1, gridInfo.endResPart1, inertiaTensor) != 0)
+        return 1;
+    if (analyzeMatrix3D(inertiaTensor, trelmInfo.yzFlag, analysis) != 0)
+        return complain("initOrient: error in analyzeMatrix3D.");
+    const EulerLists &euler = analysis.euler;
+    if (gridInfo.initOrientFlag != 0 && rotateDomain({-euler.gamma[0], -euler.beta[0], -euler.alpha[0]},
+                                                     pdbInfo, pdbInfo->minResID, pdbInfo->maxResID) != 0)
+        return complain("initOrient: error in rotateDomain.");
+    if (gridInfo.angleDomFlag != 0 &&
+        positionDomain(pdbInfo, trelmInfo, gridInfo.startResDom2, gridInfo.endResDom2, gridInfo.resDom1Origin,
+                       gridInfo.resDom2Origin) != 0)
+        return 1;
+    return moveToPivot(pdbInfo, gridInfo.resDom1Origin, "ORIGIN_DOM1:");
+}
+
+int positionDomain(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, int resN, int resC, int origin1, int origin2)
+{
+    if (std::ranges::none_of(pdbInfo->atoms(),
+                             [&](const AtomInfo &atom) { return isInRange(atom, resN, resC); }))
+        return complain("positionDomain: no atoms in residues %d to %d of domain 2.\n", resN, resC);
+    if (moveToPivot(pdbInfo, origin2, "ORIGIN_DOM2:") != 0)
+        return 1;
+    const auto &angle = trelmInfo.gridInfo.angleDom;
+    if (rotateDomain(
+            {static_cast<double>(angle[0]), static_cast<double>(angle[1]), static_cast<double>(angle[2])},
+            pdbInfo, resN, resC) != 0)
+        return complain("initOrient: error in rotateDomain.");
+    return moveToPivot(pdbInfo, origin1, "ORIGIN_DOM1:");
+}
+
+int selectSurfDom(PDBInfo *pdbInfo, int resN, int resC, std::vector<std::size_t> &indI,
+                  std::vector<std::size_t> &indJ)
+{
+    const std::vector<int> marks = selectionMarks(*pdbInfo);
+    const auto isInDomain = [=](const AtomInfo &atom) { return isInRange(atom, resN, resC); };
+    int status = exposedBackbone(pdbInfo, isInDomain, indI);
+    if (status == 0)
+        status = exposedBackbone(
+            pdbInfo, [&](const AtomInfo &atom) { return !isInDomain(atom); }, indJ);
+    restoreMarks(pdbInfo, marks);
+    return status;
+}
+
+int chkClashDom(const PDBInfo &pdbInfo, const TrelmInfo &trelmInfo, std::span<const std::size_t> indI,
+                std::span<const std::size_t> indJ)
+{
+    const float clashDist = trelmInfo.gridInfo.clashDist;
+    for (const std::size_t i : indI) {
+        const AtomInfo &a = pdbInfo.atomList[i];
+        for (const std::size_t j : indJ) {
+            const AtomInfo &b = pdbInfo.atomList[j];
+            const float dx = a.x - b.x;
+            if (std::fabs(dx) >= clashDist) // no distance is below its x part, rounded or not
+                continue;
+            const float distance = calcNorm(dx, a.y - b.y, a.z - b.z);
+            if (distance >= clashDist)
+                continue;
+            std::printf("\nREMARK steric clash of %5d %6s %6s   and  %5d %6s %6s : %6.2f A\n", a.resID,
+                        a.resName.c_str(), a.atomName.c_str(), b.resID, b.resName.c_str(), b.atomName.c_str(),
+                        static_cast<double>(distance));
+            return 1;
+        }
+    }
+    return 0;
+}
+
+int calcInertiaSel(const PDBInfo &pdbInfo, int resN, int resC, Matrix3d &inertiaTensor)
+{
+    std::vector<Axis> points;
+    if (forEachHeavy(pdbInfo, resN, resC, [&](const Axis &position) { points.push_back(position); }) == 0)
+        return complain("Error in initOrient: zero atoms selected.");
+    inertiaTensor = secondMoments(points);
+    return 0;
+}
+
+} // namespace trelm

@@ -1,0 +1,79 @@
+// The ensemble: states of a molecule in which domain 1 is turned against the rest, each simulated by itself,
+// and the average of what they would show.
+#pragma once
+
+#include "couplings/dipolar.h"
+#include "couplings/tensor.h"
+#include "ground/alloc.h"
+#include "ground/trelm.h"
+#include "simulation/charges/charges.h"
+#include "simulation/charges/potential.h"
+#include "simulation/obstacle/atom_selection.h"
+#include "structure/select.h"
+
+#include <span>
+#include <string>
+
+namespace trelm {
+
+constexpr int maxEnsembleStates = 39999; ///< an ensemble that reaches this number of states is refused
+
+/// A turn of domain 1, degrees: rotateDomain takes them in this order.
+struct EnsembleState {
+    double alpha = 0.0, beta = 0.0, gamma = 0.0;
+};
+
+/// States, counted from 0. `states` has room for maxEnsembleStates from the start.
+struct Ensemble {
+    Block<EnsembleState> states;
+    int count = 0;
+    [[nodiscard]] std::span<const EnsembleState> used() const
+    {
+        return states.span().first(static_cast<std::size_t>(count));
+    }
+};
+
+/// Files of an ensemble; an empty name is no file.
+struct EnsembleFiles {
+    std::string outEName;   ///< written: the generated states
+    std::string outEAxName; ///< written: where the z axis goes in each
+    std::string inEName;    ///< read: states that replace the generated ones
+};
+
+/// Reads lines of alpha, beta, gamma. An empty name gives no states. Returns 0, or 1 with no states after a
+/// message: no file, a line without three finite numbers, too many lines.
+int readEnsemble(const std::string &inName, Ensemble &ensemble);
+
+/// The ensemble of a run: the directions of a sphere of density densE within the limits of beta and of the
+/// sideways displacement, each with digPsiE steps of gamma; or the states of a file, if that has any. Returns
+/// 0, or 1 after a message.
+int setupEnsemble(const TrelmInfo &trelmInfo, const EnsembleFiles &files, Ensemble &ensemble);
+
+/// What the simulation of an ensemble is given beside the records of a run.
+struct EnsembleSetup {
+    std::span<const EnsembleState> states;
+    ChargeSet charges;                    ///< as placed; every state works on a copy
+    std::span<const double> dots;         ///< of the simulation, three values each, in the caller's buffer
+    const PDBSelectInfo *sInfo = nullptr; ///< atoms of the PDB files
+    const char *remark = nullptr;         ///< of the PDB files; may be null
+    std::string outName;                  ///< log; empty: standard output
+    std::string outDcEnsName;             ///< couplings of all states, appended; empty: standard output
+    int verbose = 0;                      ///< of the fits
+};
+
+/// Simulates each state from the coordinates that the molecule comes with, to which it returns at the end.
+/// States whose domains clash count in the averages with nothing. `saupeAve` gets the average order matrix
+/// with its own sign, the calculated rows of dTab the average couplings, which are summed in single
+/// precision; the tensor of dTab is that of the last state. Beside a rod there is no potential table, and
+/// charges feel nothing. A state without Da logs the R of the state before it. Writes "rot.pdb" in the
+/// current folder, and with outEflag 3, which lists the states without simulating them, "rotEns.pdb". Returns
+/// 0, or non-zero after a message; the coordinates stay as they are then.
+int ensembleAlignment(PDBInfo *pdbInfo, DTable *dTab, TrelmInfo *trelmInfo, const EnsembleSetup &setup,
+                      Saupe &saupeAve);
+
+/// The simulation of one state; the coordinates are moved to their centre with pivotCenter. `saupe`: in the
+/// sense of the surviving orientations. Returns 0, or non-zero after a message.
+int simEnsAlignment(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, const ChargeSet &charges,
+                    std::span<const double> ddots, Potential &potential, Saupe &saupe);
+
+} // namespace trelm

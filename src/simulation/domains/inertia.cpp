@@ -1,0 +1,41 @@
+#include "simulation/domains/inertia.h"
+
+#include "support/text/text.h"
+
+#include <vector>
+
+namespace trelm {
+
+Matrix3d secondMoments(std::span<const Axis> points)
+{
+    const auto count = static_cast<double>(points.size());
+    Axis mean = {};
+    for (const Axis &point : points)
+        for (std::size_t k = 0; k < 3; ++k)
+            mean[k] += point[k];
+    for (double &element : mean)
+        element /= count;
+    Matrix3d moments = {};
+    for (const Axis &point : points)
+        for (std::size_t i = 0; i < 3; ++i)
+            for (std::size_t j = 0; j < 3; ++j)
+                moments[3 * i + j] += (point[i] - mean[i]) * (point[j] - mean[j]);
+    for (double &element : moments)
+        element /= count;
+    return moments;
+}
+
+int calcInertia(const PDBInfo &pdbInfo, Matrix3d &inertiaTensor)
+{
+    std::vector<Axis> points;
+    for (const AtomInfo &atom : pdbInfo.atoms())
+        if (atom.selected != 0)
+            points.push_back(
+                {static_cast<double>(atom.x), static_cast<double>(atom.y), static_cast<double>(atom.z)});
+    if (points.empty())
+        return complain("WARNING: Zero atoms for inertia tensor selected.");
+    inertiaTensor = secondMoments(points);
+    return 0;
+}
+
+} // namespace trelm

@@ -1,0 +1,19 @@
+// Second moments of the molecule: their axes are those of its shape.
+#pragma once
+
+#include "structure/pdb.h"
+#include "structure/rotate.h"
+#include "support/numerics/jacobi.h"
+
+#include <span>
+
+namespace trelm {
+
+/// The second moments of points about their mean, divided by their number; square angstrom, row-major. There
+/// must be one at least. Not the moment of inertia: the longest axis has the largest eigenvalue.
+Matrix3d secondMoments(std::span<const Axis> points);
+
+/// Those of the selected atoms, all of one weight. Returns 0, or 1 after a message if none is selected.
+int calcInertia(const PDBInfo &pdbInfo, Matrix3d &inertiaTensor);
+
+} // namespace trelm

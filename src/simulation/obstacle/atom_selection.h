@@ -1,0 +1,58 @@
+// The atoms and charges that a simulation is given.
+#pragma once
+
+#include "ground/alloc.h"
+#include "ground/trelm.h"
+#include "simulation/charges/charges.h"
+#include "structure/pdb.h"
+
+#include <span>
+#include <vector>
+
+namespace trelm {
+
+/// Coordinates of a simulation, angstrom, counted from 0.
+struct CoordinateBuffers {
+    std::span<double> x, y, z;
+};
+
+/// Keeps `selected` on the exposed atoms only. Hydrogens in the molecule that a selection left out make the
+/// marks land on other atoms than those measured: they go by the count of the selected atoms, as the field is
+/// used to. Returns 0, or 1 after a message.
+int callNSC(PDBInfo *pdbInfo);
+
+/// Moves the exposed atoms of bare coordinates, all of one radius, to the front. `atomSelCount` gets their
+/// number. Returns 0, or 1 after a message.
+int surfSel(int atomCount, const CoordinateBuffers &atoms, int &atomSelCount);
+
+/// Fills the coordinates of a simulation: the charges first (in an electrostatic run; chargeAtomID then
+/// numbers these places, and the atoms that carry the charges are known to the caller's copy alone), then the
+/// selected atoms, exposed ones only with surfFlag. With chSelFlag the charges stand alone, and with
+/// dipoleFlag the two of the dipole that replaces them: without electrostatics that is nothing. The buffers
+/// need room for charges and atoms. Returns 0, or 1 after a message.
+int chCoorSelect(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms,
+                 ChargeSet &charges, int verb, int &chAtomSelCount);
+
+/// Room for chCoorSelect, asked for once for many selections of one molecule.
+struct SelectionBuffers {
+    Block<double> x, y, z;
+    Block<int> chargeAtomID;
+    Block<float> charges;
+    std::vector<int> marks; ///< the selection of the run, which a surface uses up
+};
+
+/// Asks for the room and keeps the marks. Returns 0, or 1 after a message if there is no memory.
+int makeSelectionBuffers(const char *tag, const PDBInfo &pdbInfo, SelectionBuffers &buffers);
+
+/// What a simulation is given, views of the buffers.
+struct Chosen {
+    CoordinateBuffers atoms;
+    ChargeSet charges;
+};
+
+/// chCoorSelect with the marks of the run and a copy of the charges, which it renumbers. The marks of the
+/// molecule's atoms are then used up.
+int selectSolute(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const ChargeSet &original,
+                 SelectionBuffers &buffers, int verb, Chosen &chosen);
+
+} // namespace trelm

@@ -1,0 +1,40 @@
+// Small vector and rotation routines of the simulation, single precision where told.
+#pragma once
+
+#include "couplings/euler.h"
+#include "structure/rotate.h"
+#include "support/numerics/jacobi.h"
+
+#include <array>
+
+namespace trelm {
+
+using Vector3f = std::array<float, 3>;
+
+inline double dot(const Axis &a, const Axis &b)
+{
+    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+}
+
+/// M applied to a vector, with M = Rz(psi) Ry(theta) Rz(phi) in passive form. Radians.
+Axis rotate_vector(double theta, double phi, double psi, const Axis &input_vector);
+
+/// M itself, row by row, in single precision.
+Matrix3f getRotMat(float theta, float phi, float psi);
+
+/// The product of two matrices, summed in single precision.
+Matrix3f matMult(const Matrix3f &matrix1, const Matrix3f &matrix2);
+
+/// vec1 x vec2, with double intermediates.
+Vector3f crossProduct(const Vector3f &vec1, const Vector3f &vec2);
+
+float calcNorm(float x, float y, float z);
+
+/// The angles between the axes (columns) of two frames, radians: third with third, second with second, first
+/// with first.
+std::array<double, 3> calcDcos(const Matrix3d &eigVec, const Matrix3d &eigVec_svd);
+
+/// The nearest integer, halves toward zero; beyond the range of int its limit, 0 for what is no number.
+int getGridPoint(float pRel);
+
+} // namespace trelm

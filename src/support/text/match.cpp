@@ -1,0 +1,137 @@
+#include "support/text/match.h"
+
+#include "support/text/regexp.h"
+#include "support/text/text.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <utility>
+
+namespace trelm {
+namespace {
+
+std::string lastError;
+
+struct CompiledPattern {
+    std::unique_ptr<Regexp> prog; ///< null for a faulty one
+    std::string error;
+};
+
+/// A selection matches the names of all atoms against each pattern of a list in turn: each is compiled once.
+std::map<std::string, CompiledPattern, std::less<>> compiled;
+
+CompiledPattern &compiledPattern(std::string_view pattern)
+{
+    constexpr std::size_t maxPatterns = 1024; // no run has as many; this is there to end
+    const auto known = compiled.find(pattern);
+    if (known != compiled.end())
+        return known->second;
+    if (compiled.size() >= maxPatterns)
+        compiled.clear();
+    CompiledPattern &added = compiled[std::string(pattern)];
+    added.prog = strRegComp(pattern, added.error);
+    return added;
+}
+
+int matchRegularExpression(std::string_view string, std::string_view pattern)
+{
+    CompiledPattern &found = compiledPattern(pattern);
+    if (found.prog)
+        return strRegExec2(*found.prog, string, 0, lastError);
+    lastError = found.error;
+    return 0;
+}
+
+/// True if a character is in the set whose text begins behind a "[". `size` gets the length of the set with
+/// its "]"; a set that is never closed has no member.
+bool isInSet(char c, std::string_view text, std::size_t &size)
+{
+    const std::size_t close = text.find(']');
+    if (close == std::string_view::npos)
+        return false;
+    const auto wanted = static_cast<unsigned char>(c);
+    const std::string_view set = text.substr(0, close);
+    size = close + 1;
+    for (std::size_t i = 0; i < set.size(); ++i) {
+        auto low = static_cast<unsigned char>(set[i]), high = low;
+        if (i + 2 < set.size() && set[i + 1] == '-') {
+            high = static_cast<unsigned char>(set[i + 2]);
+            i += 2;
+        }
+        if (low > high)
+            std::swap(low, high);
+        if (low <= wanted && wanted <= high)
+            return true;
+    }
+    return false;
+}
+
+/// The length of the pattern's first element if it matches the character, else 0. The element is no "*".
+std::size_t matchedElement(char c, std::string_view pattern)
+{
+    std::size_t size = 0;
+    switch (pattern.front()) {
+    case '?':
+        return 1;
+    case '[':
+        return isInSet(c, pattern.substr(1), size) ? size + 1 : 0;
+    case '\\':
+        return pattern.size() > 1 && pattern[1] == c ? 2 : 0;
+    default:
+        return pattern.front() == c ? 1 : 0;
+    }
+}
+
+} // namespace
+
+int strMatchGlob(std::string_view string, std::string_view pattern)
+{
+    // Every element but "*" takes one character, so that after a mismatch only the last "*" has to take one
+    // more: an earlier one could gain nothing. That keeps the time below string times pattern.
+    constexpr std::size_t none = std::string_view::npos;
+    std::size_t place = 0, element = 0;
+    std::size_t starElement = none, starPlace = 0; // behind the last "*", and where its rest was tried
+    for (;;) {
+        if (element < pattern.size() && pattern[element] == '*') {
+            starElement = ++element;
+            starPlace = place;
+            continue;
+        }
+        if (place == string.size())
+            return element == pattern.size() ? 1 : 0;
+        const std::size_t size =
+            element < pattern.size() ? matchedElement(string[place], pattern.substr(element)) : 0;
+        if (size > 0) {
+            element += size;
+            ++place;
+        } else if (starElement != none) {
+            element = starElement;
+            place = ++starPlace;
+        } else {
+            return 0;
+        }
+    }
+}
+
+int strMatch(std::string_view string, std::string_view pattern, int matchMode, int caseMode)
+{
+    lastError.clear();
+    switch (matchMode) {
+    case matchExact:
+        return (caseMode != 0 ? string == pattern : equalNoCase(string, pattern)) ? 1 : 0;
+    case matchRegex:
+        return matchRegularExpression(string, pattern);
+    case matchGlob:
+        return strMatchGlob(string, pattern);
+    default:
+        return 0;
+    }
+}
+
+const std::string &strMatchError()
+{
+    return lastError;
+}
+
+} // namespace trelm

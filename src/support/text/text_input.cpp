@@ -1,0 +1,87 @@
+#include "support/text/text_input.h"
+
+#include "support/text/text.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+namespace trelm {
+namespace {
+
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF"; ///< of UTF-8
+
+struct CloseInput {
+    void operator()(std::FILE *stream) const
+    {
+        if (stream != stdin)
+            std::fclose(stream);
+    }
+};
+
+TextStatus refuse(TextInput &input, const char *shownName, const char *why)
+{
+    input = TextInput{};
+    complain("Error reading %s: %s.\n", shownName, why);
+    return TextStatus::bad;
+}
+
+} // namespace
+
+TextStatus readText(TextInput &input, const std::string &name)
+{
+    input = TextInput{};
+    const std::unique_ptr<std::FILE, CloseInput> stream(name.empty() ? stdin
+                                                                     : std::fopen(name.c_str(), "rb"));
+    if (!stream)
+        return TextStatus::noFile;
+    const char *shownName = name.empty() ? "(stdin)" : name.c_str();
+    std::array<char, 65536> chunk;
+    for (;;) {
+        errno = 0;
+        const std::size_t count = std::fread(chunk.data(), 1, chunk.size(), stream.get());
+        const int error = errno;
+        // Each piece is looked at as it comes, so that a device of zero bytes ends here at once.
+        if (std::memchr(chunk.data(), '\0', count) != nullptr)
+            return refuse(input, shownName, "it holds binary data");
+        if (count > maxTextBytes - input.text.size())
+            return refuse(input, shownName, "it is too large for a text file");
+        input.text.append(chunk.data(), count);
+        if (std::ferror(stream.get()) != 0)
+            return refuse(input, shownName,
+                          error != 0 ? std::strerror(error) : "it cannot be read to its end");
+        if (count == chunk.size())
+            continue;
+        if (input.text.starts_with(byteOrderMark))
+            input.text.erase(0, byteOrderMark.size());
+        return TextStatus::read;
+    }
+}
+
+bool fgetsAlloc(TextInput &input, std::string_view &line)
+{
+    const std::string_view text = input.text;
+    if (input.place >= text.size())
+        return false;
+    const std::size_t end = text.find('\n', input.place);
+    line = text.substr(input.place, end == std::string_view::npos ? end : end - input.place);
+    input.place = end == std::string_view::npos ? text.size() : end + 1;
+    if (line.ends_with('\r'))
+        line.remove_suffix(1);
+    return true;
+}
+
+void trimEnd(TextInput &input)
+{
+    while (!input.text.empty() && isSpace(input.text.back()))
+        input.text.pop_back();
+}
+
+void rewindText(TextInput &input)
+{
+    input.place = 0;
+}
+
+} // namespace trelm

@@ -1,0 +1,138 @@
+#include "support/text/token.h"
+
+#include "support/text/text.h"
+
+#include <charconv>
+#include <cstdlib>
+#include <limits>
+#include <string>
+#include <system_error>
+#include <type_traits>
+
+namespace trelm {
+namespace {
+
+/// The next word at or behind `place`, which then stands behind the word; the empty text at the end.
+std::string_view nextWord(std::string_view text, std::size_t &place)
+{
+    while (place < text.size() && isSpace(text[place]))
+        ++place;
+    const std::size_t start = place;
+    while (place < text.size() && !isSpace(text[place]))
+        ++place;
+    return text.substr(start, place - start);
+}
+
+/// Cuts a leading plus sign, which std::from_chars does not know. A second sign makes it no number.
+bool cutPlus(std::string_view &word)
+{
+    if (!word.starts_with('+'))
+        return true;
+    word.remove_prefix(1);
+    return !word.starts_with('-') && !word.starts_with('+');
+}
+
+bool isHexadecimal(std::string_view word)
+{
+    if (word.starts_with('-'))
+        word.remove_prefix(1);
+    return word.starts_with("0x") || word.starts_with("0X");
+}
+
+template <class T>
+bool wordToReal(std::string_view word, T &value)
+{
+    value = T{0};
+    if (!cutPlus(word))
+        return false;
+    const auto [end, status] = std::from_chars(word.data(), word.data() + word.size(), value);
+    if (status == std::errc{} && !isHexadecimal(word))
+        return true;
+    if (status == std::errc::invalid_argument)
+        return false;
+    // Rare, so a copy does no harm: beyond the range (it becomes infinite or 0), or hexadecimal.
+    const std::string copy(word);
+    if constexpr (std::is_same_v<T, float>)
+        value = std::strtof(copy.c_str(), nullptr);
+    else
+        value = std::strtod(copy.c_str(), nullptr);
+    return true;
+}
+
+} // namespace
+
+int badToken = 0;
+
+int cntToken(std::string_view text)
+{
+    int count = 0;
+    for (std::size_t place = 0; !nextWord(text, place).empty();)
+        ++count;
+    return count;
+}
+
+std::string_view getToken(int n, std::string_view text)
+{
+    std::size_t place = 0;
+    std::string_view word;
+    for (int i = 0; i < n; ++i) {
+        word = nextWord(text, place);
+        if (word.empty())
+            break;
+    }
+    badToken = word.empty() ? 1 : 0;
+    return word;
+}
+
+std::string_view firstWord(std::string_view line)
+{
+    std::size_t place = 0;
+    return nextWord(line, place);
+}
+
+int getTokenI(int n, std::string_view text)
+{
+    int value = 0;
+    const std::string_view word = getToken(n, text);
+    badToken = wordToInt(word, value) ? 0 : 1;
+    return value;
+}
+
+float getTokenR(int n, std::string_view text)
+{
+    float value = 0.0f;
+    const std::string_view word = getToken(n, text);
+    badToken = wordToFloat(word, value) ? 0 : 1;
+    return value;
+}
+
+void splitTokens(std::string_view text, std::vector<std::string_view> &words)
+{
+    words.clear();
+    std::size_t place = 0;
+    for (auto word = nextWord(text, place); !word.empty(); word = nextWord(text, place))
+        words.push_back(word);
+}
+
+bool wordToInt(std::string_view word, int &value)
+{
+    value = 0;
+    if (!cutPlus(word))
+        return false;
+    const auto [end, status] = std::from_chars(word.data(), word.data() + word.size(), value);
+    if (status == std::errc::result_out_of_range)
+        value = word.starts_with('-') ? std::numeric_limits<int>::min() : std::numeric_limits<int>::max();
+    return status != std::errc::invalid_argument;
+}
+
+bool wordToFloat(std::string_view word, float &value)
+{
+    return wordToReal(word, value);
+}
+
+bool wordToDouble(std::string_view word, double &value)
+{
+    return wordToReal(word, value);
+}
+
+} // namespace trelm

@@ -109,6 +109,10 @@ void assignRow(const AssignmentProblem &problem, int row, int column, DInfo &obs
     obs.sigma = problem.sigMat[cell];
     obs.w = problem.wMat[cell];
     calc.di = problem.diValMat[cell];
+    if (obs.d == noPeakCoupling) { // the peak takes part without it, in the final fit too
+        calc.w = 0.0f;
+        calc.d = 0.0f;
+    }
 }
 
 /// Brings an assignment into the table. Rows go by their peak alone, also where the search went by the larger
@@ -126,8 +130,10 @@ void applyAssignment(const AssignmentProblem &problem, const PeakTable &peaks, c
         if (row == peaks.rowResList.end() || medium == peaks.media.end())
             continue;
         const auto place = static_cast<std::size_t>(medium - peaks.media.begin());
-        assignRow(problem, best.bestIdList[static_cast<std::size_t>(row->second)],
-                  peaks.dcIndex[place][static_cast<std::size_t>(type)], obs, dTab.calculated()[i]);
+        const int column = peaks.dcIndex[place][static_cast<std::size_t>(type)];
+        if (column != noType) // else all rows of the type are fixed
+            assignRow(problem, best.bestIdList[static_cast<std::size_t>(row->second)], column, obs,
+                      dTab.calculated()[i]);
     }
 }
 
@@ -143,6 +149,22 @@ void markRows(DTable &dTab, Predicate isIn)
     }
 }
 
+/// Fits the rows marked, and leaves the calculated couplings of all others as they are: a non-linear fit
+/// would mark them as without a value. Returns 0, or 1 after a message.
+int fitMarked(const AssignmentSetup &setup)
+{
+    DTable &dTab = *setup.dTab;
+    std::vector<float> kept;
+    for (const DInfo &calc : dTab.calculated())
+        kept.push_back(calc.d);
+    if (fitD(setup.pdbInfo, &dTab, setup.verbose) < 0)
+        return 1;
+    for (std::size_t i = 0; i < kept.size(); ++i)
+        if (DInfo &calc = dTab.calculated()[i]; calc.valid == 0 || calc.w == 0.0f)
+            calc.d = kept[i];
+    return 0;
+}
+
 /// Fits medium after medium, and the first once more: its tensor is the one that is reported. Returns 0, or 1
 /// after a message.
 int fitMedia(const AssignmentSetup &setup, const PeakTable &peaks)
@@ -151,7 +173,7 @@ int fitMedia(const AssignmentSetup &setup, const PeakTable &peaks)
     media.push_back(peaks.media.front());
     for (const std::string &medium : media) {
         markRows(*setup.dTab, [&](const DInfo &obs) { return obs.segNameI == std::string_view(medium); });
-        if (fitD(setup.pdbInfo, setup.dTab, setup.verbose) < 0)
+        if (fitMarked(setup) != 0)
             return 1;
     }
     markRows(*setup.dTab, [](const DInfo &) { return true; });

@@ -78,7 +78,7 @@ int appendMovedRows(PDBInfo &pdbInfo, const PeakTable &peaks, const AssignmentPr
         return 1;
     for (const Landed &coupling : landed) {
         MovedRow moved = moveRow(pdbInfo, dTab, coupling.firstRow, coupling.resID);
-        const bool hasAtoms = moved.calc.valid != 0;
+        const bool hasAtoms = moved.calc.atomICount == 1 && moved.calc.atomJCount == 1;
         moved.obs.id = moved.calc.id = static_cast<int>(row) + 1;
         moved.obs.d = problem.dcMat[coupling.from];
         moved.obs.sigma = moved.calc.sigma = problem.sigMat[coupling.from];

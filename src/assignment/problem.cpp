@@ -143,7 +143,8 @@ int findRows(const DTable &dTab, PeakTable &peaks, const AssignmentProblem &prob
                 return;
             types[medium][static_cast<std::size_t>(type)] = true;
             int &firstRow = peaks.firstRow[medium][static_cast<std::size_t>(type)];
-            firstRow = firstRow == noRow ? static_cast<int>(i) : firstRow;
+            if (firstRow == noRow)
+                firstRow = static_cast<int>(i);
             const auto row = static_cast<int>(peaks.resIdList.size());
             if (type == amideType && peaks.rowResList.try_emplace(obs.resIDI, row).second)
                 peaks.resIdList.push_back(obs.resIDI);

@@ -98,17 +98,35 @@ TEST(AssignmentRun, EachMediumKeepsItsCouplings)
         for (std::string line; std::getline(atoms, line);)
             structure += line.starts_with("ATOM") ? line.replace(72, 4, segment + "   ") + "\n" : "";
     }
+    for (const auto &[fit, tolerance] : {std::pair{"-svd", 0.001}, {"-nofixed", 0.05}}) {
+        const Ran ran = goodRun(
+            std::string(
+                "-bestFit -exhaust -dcID A B -pdb s.pdb -inD t.tab -outD a.tab -H -pdbRot turned.pdb ") +
+                fit,
+            {.files = {{"s.pdb", structure}, {"t.tab", table}}});
+        std::map<std::string, std::vector<double>> calculated;
+        for (const auto &row : tableRows(ran.file("a.tab")))
+            if (row[9] != "888.0000")
+                calculated[row[0] + row[2] + row[4] + row[6]].push_back(std::stod(row[10]));
+        EXPECT_EQ(number(ran.file("a.tab"), "DATA N "), 60);
+        EXPECT_EQ(calculated.size(), 30U);
+        for (const auto &[name, values] : calculated)
+            EXPECT_NEAR(values.at(0), 2 * values.at(1), tolerance) << name;
+    }
+}
+
+TEST(AssignmentRun, TypeWhoseRowsAreAllFixedStaysAsMeasured)
+{
+    // The pair C 5, HA 6 belongs to peak 6, but is fixed with residue 7, one behind the larger.
+    std::string table = "VARS RESID_I RESNAME_I ATOMNAME_I RESID_J RESNAME_J ATOMNAME_J D DD W\nFORMAT %d %s "
+                        "%s %d %s %s %f %f %f\n";
+    for (const auto &row : tableRows(fileText(TRELM_EXAMPLES "/assignment/lysines.tab")))
+        if (row[2] == "H")
+            table += row[0] + " LYS H " + row[0] + " LYS N " + row[6] + " 1 1\n";
     const Ran ran =
-        goodRun("-bestFit -exhaust -dcID A B -pdb s.pdb -inD t.tab -outD a.tab -H -pdbRot turned.pdb",
-                {.files = {{"s.pdb", structure}, {"t.tab", table}}});
-    std::map<std::string, std::vector<double>> calculated;
-    for (const auto &row : tableRows(ran.file("a.tab")))
-        if (row[9] != "888.0000")
-            calculated[row[0] + row[2] + row[4] + row[6]].push_back(std::stod(row[10]));
-    EXPECT_EQ(number(ran.file("a.tab"), "DATA N "), 60);
-    EXPECT_EQ(calculated.size(), 30U);
-    for (const auto &[name, values] : calculated)
-        EXPECT_NEAR(values.at(0), 2 * values.at(1), 0.001) << name;
+        goodRun("-bestFit -exhaust -fixRes 7 -inD t.tab -outD a.tab -H -pdb " + example("1d3z_model1.pdb"),
+                {.files = {{"t.tab", table + "5 VAL C 6 LYS HA 1.234 1 1\n"}}});
+    EXPECT_NE(ran.file("a.tab").find("1.2340"), std::string::npos) << ran.file("a.tab");
 }
 
 TEST(AssignmentRun, InterruptedKeepsTheBestSoFar)

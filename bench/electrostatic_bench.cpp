@@ -69,7 +69,7 @@ struct ChargedUbiquitin {
     {
         PDBInfo pdb;
         info.lcType = lcType;
-        info.elInfo.elFlag = 1;
+        info.elFlag = 1;
         if (readPDB(std::string(TRELM_EXAMPLES) + "/ubiquitin/1d3z_model1.pdb", &pdb, nullptr) != 0)
             return;
         for (AtomInfo &atom : pdb.atoms())
@@ -110,7 +110,7 @@ void weighted(benchmark::State &state, bool plain)
     const QuietStreams quiet;
     const ChargedUbiquitin molecule(static_cast<int>(state.range(0)));
     TrelmInfo info = molecule.info;
-    info.elInfo.cutoffPot = 1e-6 * static_cast<double>(state.range(1));
+    info.cutoffPot = 1e-6 * static_cast<double>(state.range(1));
     Potential potential = rodTable();
     Saupe saupe = {};
     for (auto step : state) {
@@ -174,8 +174,8 @@ struct GridCase {
         charges.charges = charge;
         charges.chCount = 30;
         info.lcType = lcGrid;
-        info.grid3DnX = info.grid3DnY = info.grid3DnZ = info.elInfo.zN = 64;
-        info.elInfo.z1 = 1;
+        info.grid3DnX = info.grid3DnY = info.grid3DnZ = info.zN = 64;
+        info.z1 = 1;
         info.grid3DdeltaX = info.grid3DdeltaY = info.grid3DdeltaZ = 1.5f;
         grid = makeGrid3D(info);
         std::uniform_real_distribution<double> wiggle(0.0, isRough ? 6.0 : 0.0);

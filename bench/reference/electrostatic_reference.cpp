@@ -62,7 +62,7 @@ std::vector<float> positionsPlain(const TrelmInfo &info, const FieldConstants &f
     for (int i = 0; i <= t_pts; ++i)
         grid_el.push_back(static_cast<float>(i * spacing + (setup.min_protein_length + radius)));
     const double from = number(grid_el.back());
-    const double cutoff = info.elInfo.cutoffPot;
+    const double cutoff = info.cutoffPot;
     const double beta = radius / std::sqrt(number(info.concentration) / 1.46);
     for (int j = 1;; ++j) {
         const double last = number(grid_el.back()), p = from + j * spacing;
@@ -86,7 +86,7 @@ double freeRestPlain(const TrelmInfo &info, float last, int orientations)
     const double spacing = number(info.gridSpacing), radius = number(info.radiusModel);
     double rest = 0.0;
     if (info.lcType == lcWall)
-        return std::max(0.0, (number(info.rSingleCell) - info.elInfo.cutoffPot) * orientations / spacing);
+        return std::max(0.0, (number(info.rSingleCell) - info.cutoffPot) * orientations / spacing);
     const double beta = radius / std::sqrt(number(info.concentration) / 1.46);
     for (double v = number(last) + spacing; v <= beta; v += spacing)
         rest += v / radius * orientations;
@@ -138,7 +138,7 @@ double gridWeightPlain(const Grid3D &grid, const std::array<std::vector<float>, 
 void smaPlain(const TrelmInfo &info, const Coordinates &atoms, std::span<const double> dots,
               const SmaSetup &setup, const ChargeSet &charges, const Potential &potential, Saupe &saupe)
 {
-    const FieldConstants field = fieldConstants(info.elInfo);
+    const FieldConstants field = fieldConstants(info);
     const bool isWall = info.lcType == lcWall;
     int t_pts = 0;
     const std::vector<float> grid_el = positionsPlain(info, field, setup, t_pts);

@@ -207,7 +207,7 @@ int exhSimDC(const AssignmentSetup &setup)
     dTab.dTensor.saupe = {};
     dTab.dTensor.dSaupe.fill(1.0f);
     PeakTable peaks = peakTableOf(setup);
-    const HistInfo &window = setup.trelmInfo->histInfo;
+    const MagnitudeOptions &window = *setup.trelmInfo;
     AssignmentProblem problem;
     problem.lDa = window.lDaMl;
     problem.hDa = window.hDaMl;

@@ -16,11 +16,10 @@
 namespace trelm {
 
 /// A field that an option fills.
-using Target =
-    std::variant<int RunOptions::*, float RunOptions::*, std::string RunOptions::*,
-                 const char * RunOptions::*, int TrelmInfo::*, float TrelmInfo::*, double TrelmInfo::*,
-                 int ElInfo::*, float ElInfo::*, int HistInfo::*, float HistInfo::*, int DcInfo::*,
-                 int PDBSelectInfo::*, std::string PDBSelectInfo::*, int DTensor::*, float DTensor::*>;
+using Target = std::variant<int RunOptions::*, float RunOptions::*, std::string RunOptions::*,
+                            const char * RunOptions::*, int TrelmInfo::*, float TrelmInfo::*,
+                            double TrelmInfo::*, int DcInfo::*, int PDBSelectInfo::*,
+                            std::string PDBSelectInfo::*, int DTensor::*, float DTensor::*>;
 
 /// One option and one field. Rows stand in look-up order: of two contradicting flags the later row wins. An
 /// option that fills several fields has several rows.
@@ -51,16 +50,6 @@ template <class Value>
 Value &fieldOf(const OptionRecords &records, Value TrelmInfo::*field)
 {
     return records.trelmInfo->*field;
-}
-template <class Value>
-Value &fieldOf(const OptionRecords &records, Value ElInfo::*field)
-{
-    return records.trelmInfo->elInfo.*field;
-}
-template <class Value>
-Value &fieldOf(const OptionRecords &records, Value HistInfo::*field)
-{
-    return records.trelmInfo->histInfo.*field;
 }
 template <class Value>
 Value &fieldOf(const OptionRecords &records, Value DcInfo::*field)

@@ -30,7 +30,6 @@ int startRun(Run &run)
     dipolarNull();
     pdb3dReset();
     legalNotice();
-    initializeGlobal(run.search);
     run.dTab = Block<DTable>("matrix", 1);
     run.pdbInfo = Block<PDBInfo>("matrix", 1);
     run.trelmInfo = Block<TrelmInfo>("matrix", 1);

@@ -53,15 +53,15 @@ void selection(const TrelmInfo &info, std::string &text)
 }
 void pH(const TrelmInfo &info, std::string &text)
 {
-    appendf(text, "DATA TRELM EL PH              % .3f\n", number(info.elInfo.pH));
+    appendf(text, "DATA TRELM EL PH              % .3f\n", number(info.pH));
 }
 void salt(const TrelmInfo &info, std::string &text)
 {
-    appendf(text, "DATA TRELM EL NACL            % .3f\n", number(info.elInfo.concNaCl));
+    appendf(text, "DATA TRELM EL NACL            % .3f\n", number(info.concNaCl));
 }
 void surfaceCharge(const TrelmInfo &info, std::string &text)
 {
-    appendf(text, "DATA TRELM EL SURF_CH         % .3f\n", number(info.elInfo.chDensSurf));
+    appendf(text, "DATA TRELM EL SURF_CH         % .3f\n", number(info.chDensSurf));
 }
 const char *onOff(int flag)
 {
@@ -71,16 +71,16 @@ const char *onOff(int flag)
 /// The electrostatic flags as the parameter block has them, and as the head of a table has them.
 void blockFlags(const TrelmInfo &info, std::string &text)
 {
-    appendf(text, "DATA TRELM EL PKA_DEFAULT         %s\n", onOff(info.elInfo.pkaFlag));
-    appendf(text, "DATA TRELM EL CH_TERM             %s\n", onOff(info.elInfo.chTerminiFlag));
-    appendf(text, "DATA TRELM EL CUTOFF         % e\n", info.elInfo.cutoffPot);
+    appendf(text, "DATA TRELM EL PKA_DEFAULT         %s\n", onOff(info.pkaFlag));
+    appendf(text, "DATA TRELM EL CH_TERM             %s\n", onOff(info.chTerminiFlag));
+    appendf(text, "DATA TRELM EL CUTOFF         % e\n", info.cutoffPot);
 }
 void tableFlags(const TrelmInfo &info, std::string &text)
 {
-    appendf(text, "DATA TRELM EL DIPOLE           %s\n", onOff(info.elInfo.dipoleFlag));
-    appendf(text, "DATA TRELM EL PKA_DEFAULT      %s\n", onOff(info.elInfo.pkaFlag));
-    appendf(text, "DATA TRELM EL CH_TERM          %s\n", onOff(info.elInfo.chTerminiFlag));
-    appendf(text, "DATA TRELM EL CUTOFF           %e\n", info.elInfo.cutoffPot);
+    appendf(text, "DATA TRELM EL DIPOLE           %s\n", onOff(info.dipoleFlag));
+    appendf(text, "DATA TRELM EL PKA_DEFAULT      %s\n", onOff(info.pkaFlag));
+    appendf(text, "DATA TRELM EL CH_TERM          %s\n", onOff(info.chTerminiFlag));
+    appendf(text, "DATA TRELM EL CUTOFF           %e\n", info.cutoffPot);
 }
 
 void action(const TrelmInfo &info, std::string &text)
@@ -94,7 +94,7 @@ void action(const TrelmInfo &info, std::string &text)
 
 void histogram(const TrelmInfo &info, std::string &text)
 {
-    const HistInfo &hist = info.histInfo;
+    const MagnitudeOptions &hist = info;
     appendf(text, "DATA DC MIN_MAX    % .3f % .3f\n", number(hist.dcMin), number(hist.dcMax));
     appendf(text, "DATA FIT_PAR       % d\n", hist.modeFit);
     text += hist.optExtrem == 1 ? "DATA AVE_EXTREM     YES\n" : "DATA AVE_EXTREM     NO\n";
@@ -116,7 +116,7 @@ void histogram(const TrelmInfo &info, std::string &text)
 
 void likelihood(const TrelmInfo &info, std::string &text)
 {
-    const HistInfo &hist = info.histInfo;
+    const MagnitudeOptions &hist = info;
     appendf(text, "DATA TRELM DA LOW_GRID     % .3f\n", number(hist.lDaMl));
     appendf(text, "DATA TRELM DA HIGH_GRID    % .3f\n", number(hist.hDaMl));
     appendf(text, "DATA TRELM DA INCREMENT    % .3f\n", number(hist.incDaMl));

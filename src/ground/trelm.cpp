@@ -6,15 +6,6 @@
 
 namespace trelm {
 
-void initializeGlobal(SearchState &search)
-{
-    std::fill_n(search.aGlobal.begin(),
-                std::clamp<int>(search.nGlobal, 0, static_cast<int>(search.aGlobal.size())), 0);
-    search.idGlobal = -1;
-    search.cGlobal = 0;
-    search.Pmax = 1.0e8f;
-}
-
 int chkFixAa(int nFixAa, const int *fixResList, int resIDI, int resIDJ)
 {
     const int *last = fixResList + std::max(nFixAa, 0);

@@ -13,7 +13,7 @@ constexpr int maxFixAaList = 25;       ///< values of -fixAa
 constexpr int maxMedia = 3;            ///< values of -dcID
 
 /// Domains and ensembles. Most of it comes from the configuration file.
-struct GridInfo {
+struct DomainOptions {
     int outEflag = 0;       ///< ensemble output; 2 ends the run after the set-up, 3 only lists the states
     int densE = 200;        ///< ensemble density
     int angleDomFlag = 0;   ///< domain angle variation on
@@ -27,7 +27,6 @@ struct GridInfo {
     int digPsiE = 1;        ///< third angle steps in the ensemble
     float lBetaCone = 0.0f; ///< low and high limit of the beta cone, degrees
     float hBetaCone = 30.0f;
-    float cAlphaCone = 0.0f; ///< centre of the alpha cone: read from the file, and looked at by nobody
     /// Called the half width of the alpha cone, but compared with a length: states whose axis of length 1
     /// reaches further than this along y are left out. From 1 on none is.
     float errAlphaCone = 180.0f;
@@ -43,7 +42,7 @@ struct GridInfo {
 };
 
 /// Electrostatics.
-struct ElInfo {
+struct ChargeOptions {
     float pow = 1.0f;   ///< power of the potential term
     float kAtt = 0.0f;  ///< attraction term
     int elFlag = 0;     ///< electrostatic run
@@ -67,13 +66,10 @@ struct ElInfo {
     float temperaturePot = 298.15f; ///< Boltzmann temperature, kelvin
     int chFlag = 0;                 ///< report electrostatic information
     float iFace = 50.0f;            ///< surface distance of the interaction face, angstrom
-    float kNegCh = 1.0f;            ///< scale of negative and of positive charges: nobody sets or reads them
-    float kPosCh = 1.0f;
 };
 
 /// Magnitude estimation.
-struct HistInfo {
-    int binCount = 20;  ///< not used: the bins are those of nBinIn and nBins
+struct MagnitudeOptions {
     float dcMin = 0.0f; ///< range of the data, Hz
     float dcMax = 0.0f;
     float Da2Par = 0.0f; ///< Da and R of the two-parameter result
@@ -110,22 +106,21 @@ struct HistInfo {
     float RErrMl = 0.0f;
 };
 
-/// Every parameter of a run. Option names stand in the table of command/params.
-struct TrelmInfo {
-    int validCountD = 0;  ///< couplings that survive selection and mapping
-    int idum = -1;        ///< seed of the noise of -struc; all other modes draw from a fixed start
-    int trelmMode = 1;    ///< the mode, 1 to 17
-    int allowFixedDI = 1; ///< use fixed interaction constants when possible, else those of PDB distances
-    int yzFlag = 0;       ///< exchange the ordering of the y and z axes in tensor analysis
-    int lcType = 1;       ///< liquid crystal model: 1 wall, 2 rod, 3 general 3D potential
+/// The mode, and the kind of best-fit.
+struct ModeOptions {
+    int trelmMode = 1;  ///< the mode, 1 to 17
+    int spreadMode = 0; ///< best-fit: 0 single, 1 jack, 2 mcDc, 3 mcStruc, 4 rand, 5 exhaust, 6 exhaustSel
+};
+
+/// The liquid crystal: its particles, its composition, and how finely it is looked at.
+struct ObstacleOptions {
+    int lcType = 1;              ///< liquid crystal model: 1 wall, 2 rod, 3 general 3D potential
     float concentration = 0.05f; ///< liquid crystal concentration
     float volSample = 515.0f;    ///< sample volume, microlitres
     float mwLC = 268000.0f;      ///< liquid crystal molecular weight, g/mol
     float massLC = 0.05f;        ///< liquid crystal mass, g
     float unitLengthLC = 1.574f; ///< liquid crystal unit height, angstrom
     float polymerDeg = 1707.0f;  ///< polymerisation degree
-    int densityNSC = 100;        ///< density of orientations on the sphere
-    int digPsiNSC = 18;          ///< number of steps of the third angle
     float radiusModel = 20.0f;   ///< half model thickness, angstrom
     float gridSpacing = 0.2f;    ///< angstrom
     int grid3DnX = 1;            ///< grid positions along each axis of a 3D potential
@@ -139,52 +134,107 @@ struct TrelmInfo {
     float lengthModel = 200.0f; ///< length of the model, angstrom
     float orderDiscRim = 0.25f; ///< disc-to-rim fraction
     float lcOrder = 0.8f;       ///< liquid crystal order, 0 to 1
-    int Hflag = 0;              ///< 0 drops hydrogens from the simple PDB selection
-    int surfFlag = 1;           ///< select surface accessible atoms
     float radiusAtom = 0.0f;    ///< angstrom
     float rSingleCell = 0.0f;   ///< single-cell radius of the wall model, angstrom
-    int opCode = 2;             ///< comparison: one of modes.h
-    float c1 = 1.0f;            ///< scale factors of the two operands
-    float c2 = 1.0f;
+};
+
+/// The orientations of a simulation.
+struct SamplingOptions {
+    int densityNSC = 100; ///< density of orientations on the sphere
+    int digPsiNSC = 18;   ///< number of steps of the third angle
+};
+
+/// The atoms of a simulation.
+struct AtomOptions {
+    int Hflag = 0;    ///< 0 drops hydrogens from the simple PDB selection
+    int surfFlag = 1; ///< select surface accessible atoms
+};
+
+/// How couplings are fitted.
+struct FitOptions {
+    int allowFixedDI = 1; ///< use fixed interaction constants when possible, else those of PDB distances
+    int yzFlag = 0;       ///< exchange the ordering of the y and z axes in tensor analysis
     int eulerFlag = 1;    ///< solve for Euler angles
-    int verbFlag = 1;     ///< coupling output in extended format
-    int mapMode = 1;      ///< use only best-fit predictions within experimental errors
-    int spreadMode = 0;   ///< best-fit: 0 single, 1 jack, 2 mcDc, 3 mcStruc, 4 rand, 5 exhaust, 6 exhaustSel
-    int noiseMode = 1;    ///< structural noise on internuclear vectors (1) or dihedral angles (0)
-    float mapFrac = 0.2f; ///< couplings of each jackknife sample: a fraction, or a number with mapFixCount
-    int mapFixCount = 0;  ///< 1: mapFrac is the number of couplings
-    int coneFix = 0;      ///< fix the size of the noise cone
-    int coneDig = 360;    ///< digitisation of the cone
-    double coneWidth = 5.0;    ///< standard deviation of the cone angle, degrees
-    int nConeFlag = 1;         ///< adjust structural noise automatically
-    int nConeAdjust = 100;     ///< steps in structural noise determination
-    float nConeStart = 0.0f;   ///< starting structural noise, degrees
-    float nConeInc = 0.25f;    ///< structural noise increment, degrees
-    int mcAdjustFlag = 1;      ///< adjust the scaling of coupling errors automatically
-    int nAdjustMc = 100;       ///< steps in the determination of the error scaling
+};
+
+/// What a report shows.
+struct ReportOptions {
+    int verbFlag = 1; ///< coupling output in extended format
+    int qFlag = 1;    ///< 0 Q from rms, 1 Q from the order matrix, 2 a standard deviation
+    int rotN = 0;     ///< index of the rotation of the PDB, or of a hinge axis
+};
+
+/// Errors of a fit: noise of couplings and structures, and parts of the couplings.
+struct NoiseOptions {
+    int idum = -1;           ///< seed of the noise of -struc; all other modes draw from a fixed start
+    int mapMode = 1;         ///< use only best-fit predictions within experimental errors
+    int noiseMode = 1;       ///< structural noise on internuclear vectors (1) or dihedral angles (0)
+    float mapFrac = 0.2f;    ///< couplings of each jackknife sample: a fraction, or a number with mapFixCount
+    int mapFixCount = 0;     ///< 1: mapFrac is the number of couplings
+    int coneFix = 0;         ///< fix the size of the noise cone
+    int coneDig = 360;       ///< digitisation of the cone
+    double coneWidth = 5.0;  ///< standard deviation of the cone angle, degrees
+    int nConeFlag = 1;       ///< adjust structural noise automatically
+    int nConeAdjust = 100;   ///< steps in structural noise determination
+    float nConeStart = 0.0f; ///< starting structural noise, degrees
+    float nConeInc = 0.25f;  ///< structural noise increment, degrees
+    int mcAdjustFlag = 1;    ///< adjust the scaling of coupling errors automatically
+    int nAdjustMc = 100;     ///< steps in the determination of the error scaling
     float mcAdjustFrac = 0.7f; ///< required fraction of self-consistent best-fits
     float kSigma = 1.0f;       ///< scaling factor of the experimental coupling errors
     float kLSigma = 1.0f;      ///< starting scaling factor
     float incSigma = 0.2f;     ///< increment of the scaling factor
-    int dcProton = 0;          ///< include proton-proton couplings in conversion
-    int dcID = 500;            ///< tensor molecule id of conversion output
-    int normDc = 0;            ///< normalise couplings in conversion
-    int outFormat = 2;         ///< conversion: 0 xplor, 1 cns, 2 tbl, 3 dyana, 4 trelm, 5 rosetta
-    int dcNoise = 0;           ///< add noise to couplings in conversion
-    int elPdbFlag = 0;         ///< structure analysis treats the PDB as: 0 steric, 1 electrostatic, 2 user
-    int qFlag = 1;             ///< 0 Q from rms, 1 Q from the order matrix, 2 a standard deviation
-    int rotN = 0;              ///< index of the rotation of the PDB, or of a hinge axis
-    int sCount = 30;           ///< selection count, one of the two fields of -nSel
-    int histRan = 1000;        ///< number of random runs of the magnitude analyses
-    int nAaCheck = 1;          ///< used entries of exCheckList
+};
+
+/// Comparison of tensors and of coupling sets, analysis of structures.
+struct ComparisonOptions {
+    int opCode = 2;  ///< comparison: one of modes.h
+    float c1 = 1.0f; ///< scale factors of the two operands
+    float c2 = 1.0f;
+    int elPdbFlag = 0; ///< structure analysis treats the PDB as: 0 steric, 1 electrostatic, 2 user
+};
+
+/// Conversion of coupling tables.
+struct ConversionOptions {
+    int dcProton = 0;  ///< include proton-proton couplings in conversion
+    int dcID = 500;    ///< tensor molecule id of conversion output
+    int normDc = 0;    ///< normalise couplings in conversion
+    int outFormat = 2; ///< conversion: 0 xplor, 1 cns, 2 tbl, 3 dyana, 4 trelm, 5 rosetta
+    int dcNoise = 0;   ///< add noise to couplings in conversion
+};
+
+/// Sets of couplings drawn at random.
+struct DrawOptions {
+    int sCount = 30;    ///< selection count, one of the two fields of -nSel
+    int histRan = 1000; ///< number of random runs of the magnitude analyses
+};
+
+/// Search of assignments.
+struct AssignmentOptions {
+    int nAaCheck = 1;                               ///< used entries of exCheckList
     std::array<int, maxFixAaList> exCheckList = {}; ///< number of peaks of each amino acid type
     int nSel = 0;                                   ///< peaks to select for -exhaustSel
     int dcSelOpt = 1;                               ///< optimise the peak selection
     int nChainDc = 1;                               ///< used entries of chainDc
     std::array<std::string, maxMedia> chainDc;      ///< alignment media ids, the segment names in the PDB
-    GridInfo gridInfo;                              ///< domains and ensembles
-    ElInfo elInfo;                                  ///< electrostatics
-    HistInfo histInfo;                              ///< magnitude estimation
+};
+
+/// Every parameter of a run. Option names stand in the table of command/params.
+struct TrelmInfo : DomainOptions,
+                   ChargeOptions,
+                   MagnitudeOptions,
+                   ModeOptions,
+                   ObstacleOptions,
+                   SamplingOptions,
+                   AtomOptions,
+                   FitOptions,
+                   ReportOptions,
+                   NoiseOptions,
+                   ComparisonOptions,
+                   ConversionOptions,
+                   DrawOptions,
+                   AssignmentOptions {
+    int validCountD = 0; ///< couplings that survive selection and mapping
 };
 
 /// A field of DcInfo below this counts as unset.
@@ -199,19 +249,6 @@ struct DcInfo {
     int aFirst = -999999;   ///< first residue in the PDB that corresponds to segFirst
     int excludeMode = 3;    ///< 1 exclusive, 2 inclusive, 3 inclusive with the maximum range
 };
-
-/// Values of an assignment search, set before a run. The configuration file may name Pmax; the search keeps
-/// its own state and looks at none of them.
-struct SearchState {
-    float Pmax = 0.0f;
-    int cGlobal = 0;
-    int idGlobal = 0;
-    int nGlobal = 0; ///< used entries of aGlobal
-    std::array<int, 500> aGlobal = {};
-};
-
-/// Their start: the used entries of aGlobal 0, idGlobal -1, cGlobal 0, Pmax 1.0e8.
-void initializeGlobal(SearchState &search);
 
 /// 1 if the larger of the two residue ids stands among the first nFixAa entries of the list, else 0.
 int chkFixAa(int nFixAa, const int *fixResList, int resIDI, int resIDJ);

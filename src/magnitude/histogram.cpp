@@ -43,7 +43,7 @@ struct PrincipalCouplings {
 
 /// The extremes as they stand or, with optExtrem, averaged. Averaging sorts the couplings.
 PrincipalCouplings principalCouplings(std::span<float> coupList, const Extremes &extremes, float rAveDD,
-                                      const HistInfo &histInfo)
+                                      const MagnitudeOptions &histInfo)
 {
     const bool negative = isNegativeSide(extremes.minD, extremes.maxD);
     AveragedExtremes values = {.dNeg = extremes.minD, .dPos = extremes.maxD};
@@ -68,7 +68,7 @@ int layBins(const PrincipalCouplings &principal, float rAveDD, int nUserBins, Bi
                     nUserBins, bins);
 }
 
-void storeBins(const Bins &bins, HistInfo &histInfo)
+void storeBins(const Bins &bins, MagnitudeOptions &histInfo)
 {
     histInfo.nBins = bins.nBins;
     histInfo.binWidth = bins.binWidth;
@@ -87,7 +87,7 @@ int checkPrincipal(const PrincipalCouplings &principal)
 }
 
 /// The fit of a run to `count` principal couplings: DaFit, RFit and their errors.
-int fitPrincipal(const PrincipalCouplings &principal, int count, float rAveDD, HistInfo &histInfo)
+int fitPrincipal(const PrincipalCouplings &principal, int count, float rAveDD, MagnitudeOptions &histInfo)
 {
     constexpr std::array<float, 3> x = {0.0f, 1.0f, -1.0f};
     constexpr std::array<int, 2> ia = {1, 1};
@@ -111,7 +111,7 @@ int fitPrincipal(const PrincipalCouplings &principal, int count, float rAveDD, H
 
 /// The three-parameter fit. Couplings without one peak leave the guess.
 int fitWithPeak(std::span<const float> coupList, const PrincipalCouplings &principal, float rAveDD,
-                HistInfo &histInfo)
+                MagnitudeOptions &histInfo)
 {
     Bins bins;
     if (layBins(principal, rAveDD, histInfo.nBinIn, bins) != 0)
@@ -128,7 +128,7 @@ int fitWithPeak(std::span<const float> coupList, const PrincipalCouplings &princ
 /// and the values for a fit. From there on the two differ. A run reports only averaged extremes, fits two of
 /// them as well as three, without bounds, and looks for the peak once. A set reports the extremes in any
 /// case, takes two as they are, looks for the peak in up to four histograms, and fits within bounds.
-PrincipalCouplings startEstimate(std::span<float> coupList, float rAveDD, HistInfo &histInfo)
+PrincipalCouplings startEstimate(std::span<float> coupList, float rAveDD, MagnitudeOptions &histInfo)
 {
     const Extremes extremes = findExtremes(coupList);
     solveExtremes(extremes.minD, extremes.maxD, histInfo);
@@ -138,7 +138,7 @@ PrincipalCouplings startEstimate(std::span<float> coupList, float rAveDD, HistIn
 }
 
 /// Da and R of a run into the record.
-int fitRun(ObservedCouplings &observed, HistInfo &histInfo)
+int fitRun(ObservedCouplings &observed, MagnitudeOptions &histInfo)
 {
     const PrincipalCouplings principal = startEstimate(observed.coupList, observed.rAveDD, histInfo);
     // What is reported are averages: without averaging there are none.
@@ -159,7 +159,7 @@ int fitRun(ObservedCouplings &observed, HistInfo &histInfo)
 }
 
 /// What averaging and fit cannot do without.
-int checkSettings(const ObservedCouplings &observed, const HistInfo &histInfo)
+int checkSettings(const ObservedCouplings &observed, const MagnitudeOptions &histInfo)
 {
     if (observed.coupList.size() < 2)
         return complain("Error: One coupling has no distribution.\n");
@@ -187,7 +187,7 @@ void copyObserved(DTable &dTab)
 /// The most populated value, in up to four histograms. With automatic bins all four are the same. Returns 0
 /// with the flag of getDxx, or 1 after a message.
 int findPeak(std::span<const float> coupList, const PrincipalCouplings &principal, float rAveDD,
-             HistInfo &histInfo, int &isSingle)
+             MagnitudeOptions &histInfo, int &isSingle)
 {
     constexpr int tries = 4;
     constexpr int fewer = 2; // bins, from try to try
@@ -205,7 +205,8 @@ int findPeak(std::span<const float> coupList, const PrincipalCouplings &principa
     return 0;
 }
 
-const HistInfo *extHistList = nullptr; ///< what fitDCHistTarget is to meet: the minimiser passes no context
+const MagnitudeOptions *extHistList =
+    nullptr; ///< what fitDCHistTarget is to meet: the minimiser passes no context
 int extVerbose = 0;
 
 } // namespace
@@ -217,7 +218,7 @@ AveragedExtremes getDzzDyy(std::span<float> coupList, float delta, float sdevNeg
             .dPos = averageSide(coupList.rbegin(), coupList.rend(), delta * sdevPos)};
 }
 
-int checkHistogram(const HistInfo &histInfo)
+int checkHistogram(const MagnitudeOptions &histInfo)
 {
     if (histInfo.optExtrem != 0 && !(histInfo.sdevDzz > 0.0f && histInfo.sdevDyy > 0.0f))
         complain("Warning: -sdevDzz %g, -sdevDyy %g: without a factor above 0 an extreme is averaged to 0.\n",
@@ -293,10 +294,10 @@ int getHistDabR(const MagnitudeJob &job)
     TrelmInfo &trelmInfo = *job.trelmInfo;
     ObservedCouplings observed;
     if (readObserved(job) != 0 || collectObserved(*job.dTab, observed) != 0 ||
-        checkSettings(observed, trelmInfo.histInfo) != 0)
+        checkSettings(observed, trelmInfo) != 0)
         return 1;
     copyObserved(*job.dTab);
-    if (fitRun(observed, trelmInfo.histInfo) != 0)
+    if (fitRun(observed, trelmInfo) != 0)
         return 1;
     std::string text;
     if (writeTrelm(trelmInfo, text) != 0)
@@ -304,7 +305,7 @@ int getHistDabR(const MagnitudeJob &job)
     return writeDCmod(job.outDName, "w", job.dTab, &trelmInfo, text);
 }
 
-int histoExtFit(std::span<float> coupList, std::span<const float> sigma, HistInfo &histInfo)
+int histoExtFit(std::span<float> coupList, std::span<const float> sigma, MagnitudeOptions &histInfo)
 {
     const Extremes extremes = findExtremes(coupList);
     if (coupList.size() < 2 || (extremes.minD == 0.0f && extremes.maxD == 0.0f))
@@ -331,7 +332,7 @@ int histoExtFit(std::span<float> coupList, std::span<const float> sigma, HistInf
 
 int fitDCHistTarget(int xCnt, int, float *cg, float *res)
 {
-    const HistInfo &hist = *extHistList;
+    const MagnitudeOptions &hist = *extHistList;
     const double da = cg[0], rh = cg[1];
     const double dzz = 2.0 * da, dyy = -da * (1.0 + 1.5 * rh), dxx = -da * (1.0 - 1.5 * rh);
     res[0] = static_cast<float>(hist.Dzz - dzz);
@@ -350,7 +351,7 @@ int fitDCHistTarget(int xCnt, int, float *cg, float *res)
     return 0;
 }
 
-int fitDCHisto(HistInfo &histInfo, int verbFlag)
+int fitDCHisto(MagnitudeOptions &histInfo, int verbFlag)
 {
     extHistList = &histInfo;
     extVerbose = verbFlag;

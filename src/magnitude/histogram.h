@@ -16,7 +16,7 @@ constexpr int maxBins = 250; ///< bins of a histogram
 
 /// What both roads ask of the options of averaging and binning. Returns 0, or 1 after a message: a single
 /// bin, which has no width. Warns of factors that are not above 0.
-int checkHistogram(const HistInfo &histInfo);
+int checkHistogram(const MagnitudeOptions &histInfo);
 
 /// Estimates Da and R of a coupling file and writes the report with the table. Without one most populated bin
 /// the extremes' own Da and R are the result, after a message. Returns 0, or 1 after a message: no couplings,
@@ -28,7 +28,7 @@ int getHistDabR(const MagnitudeJob &job);
 /// DaFit and RFit, which stay as they were without one most populated bin. modeFit 2 takes the extremes' own
 /// tensor, others than 2 and 3 do nothing. `coupList` may be sorted afterwards. Returns 0, or 1 after a
 /// message: fewer couplings, all of them 0, or too many bins.
-int histoExtFit(std::span<float> coupList, std::span<const float> sigma, HistInfo &histInfo);
+int histoExtFit(std::span<float> coupList, std::span<const float> sigma, MagnitudeOptions &histInfo);
 
 /// Sorts the couplings. Averages each extreme over as many couplings as agree with one value: sdev * sqrt(n)
 /// stays below delta times the factor of the side. The mean of the first set that no longer agrees, or of all
@@ -60,7 +60,7 @@ void alignpoly(float x, std::span<const float> a, float &y, std::span<float> dyd
 
 /// Fits DaFit and RFit to Dzz, Dyy and, with modeFit 3, Dxx, within daLo, daHi, rhLo, rhHi, from Da2Par and
 /// R2Par. verbFlag above 1 tells each step on the standard error stream. Returns 0.
-int fitDCHisto(HistInfo &histInfo, int verbFlag);
+int fitDCHisto(MagnitudeOptions &histInfo, int verbFlag);
 
 /// The residuals of fitDCHisto; cg is Da, R. Returns 0.
 int fitDCHistTarget(int xCnt, int cCnt, float *cg, float *res);

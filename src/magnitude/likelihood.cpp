@@ -54,7 +54,7 @@ int checkGrid(const MlGrid &grid)
 }
 
 /// The limits as asked for, laid on the negative side. `invertFlag`: they were positive.
-MlGrid settleGrid(const HistInfo &histInfo, bool &invertFlag)
+MlGrid settleGrid(const MagnitudeOptions &histInfo, bool &invertFlag)
 {
     const double l = histInfo.lDaMl, h = histInfo.hDaMl;
     MlGrid grid = {.lowDab = std::min(l, h),
@@ -158,14 +158,14 @@ int readMlCouplings(const MagnitudeJob &job, ObservedCouplings &observed)
     if (!(span < axisLength)) // one end of the pattern would stand on the other
         return complain("Error: the couplings span %.2f Hz, more than the frequency axis of %.2f Hz.\n", span,
                         axisLength);
-    solveExtremes(observed.minD, observed.maxD, job.trelmInfo->histInfo);
+    solveExtremes(observed.minD, observed.maxD, *job.trelmInfo);
     turnPositive(observed.coupList);
     return 0;
 }
 
 /// The search and what it says of the tensor. Returns 0, or 1 after a message.
-int searchGrid(const ObservedCouplings &observed, HistInfo &histInfo, std::span<MlPoint> list, int &lCount,
-               MagnitudeRange &best)
+int searchGrid(const ObservedCouplings &observed, MagnitudeOptions &histInfo, std::span<MlPoint> list,
+               int &lCount, MagnitudeRange &best)
 {
     bool invertFlag = false;
     const MlGrid grid = settleGrid(histInfo, invertFlag);
@@ -339,7 +339,7 @@ int getMlDabR(const MagnitudeJob &job, const std::string &outScName)
     Block<MlPoint> list("mlGrid", maxMlPoints);
     if (!list)
         return complain("Error allocating the grid of Da and R.\n");
-    HistInfo &histInfo = job.trelmInfo->histInfo;
+    MagnitudeOptions &histInfo = *job.trelmInfo;
     ObservedCouplings observed;
     MagnitudeRange best;
     int lCount = 0;

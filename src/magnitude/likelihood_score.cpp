@@ -147,7 +147,7 @@ std::vector<float> makeTaps(double delta, PatternScorer &scorer)
 {
     std::size_t count = 0;
     const std::array<float, respPlaces> resp = foldResponse(delta, count);
-    const std::vector<float> half(resp.begin(), resp.begin() + std::min(count, longestWing + 1));
+    std::vector<float> half(resp.begin(), resp.begin() + std::min(count, longestWing + 1));
     scorer.rim = resp[longestWing + 1];
     scorer.taps.assign(scorer.rim != 0.0f ? 2 : 0, scorer.rim);
     scorer.taps.insert(scorer.taps.end(), half.rbegin(), half.rend());

@@ -32,7 +32,7 @@ struct Pool {
 
 int checkSettings(const TrelmInfo &info, const ObservedCouplings &observed)
 {
-    const HistInfo &hist = info.histInfo;
+    const MagnitudeOptions &hist = info;
     if (hist.modeFit != 2 && hist.modeFit != 3)
         complain("Warning: -nFit %d: no set is fitted, all have Da and R 0.\n", hist.modeFit);
     if (info.histRan < 1)
@@ -117,7 +117,7 @@ double scoreRatio(const Pool &pool, const MotionSet &set, float rAveDD, SetBuffe
 /// Draws a set and scores it. One of fewer than two couplings, of zeros only, or whose errors cancel by their
 /// weights, has no histogram: it keeps the tensor of the set before, as one without a peak does, and the
 /// ratio 0.
-int drawSet(const Pool &pool, HistInfo &histInfo, int &idum, SetBuffers &buffers, MotionSet &set)
+int drawSet(const Pool &pool, MagnitudeOptions &histInfo, int &idum, SetBuffers &buffers, MotionSet &set)
 {
     buffers.coupList.clear();
     buffers.sigma.clear();
@@ -164,7 +164,7 @@ int drawSets(const Pool &pool, TrelmInfo &trelmInfo, std::vector<MotionSet> &set
     for (auto set = sets.begin(); set != sets.end() && status == 0; ++set) {
         showProgress(progress, ++drawn);
         pauseProgress(progress); // a set may have something to say
-        status = drawSet(pool, trelmInfo.histInfo, idum, buffers, *set);
+        status = drawSet(pool, trelmInfo, idum, buffers, *set);
     }
     endProgress(progress);
     if (status == 0)

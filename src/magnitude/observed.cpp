@@ -65,7 +65,7 @@ void turnPositive(std::span<float> coupList)
         d = -d;
 }
 
-void solveExtremes(float minD, float maxD, HistInfo &histInfo)
+void solveExtremes(float minD, float maxD, MagnitudeOptions &histInfo)
 {
     const bool negative = isNegativeSide(minD, maxD);
     const float larger = negative ? minD : maxD;

@@ -61,6 +61,6 @@ void turnPositive(std::span<float> coupList);
 
 /// Da2Par and R2Par: the tensor of two extremes that are not both 0. R comes out below 0 if no tensor has
 /// such extremes.
-void solveExtremes(float minD, float maxD, HistInfo &histInfo);
+void solveExtremes(float minD, float maxD, MagnitudeOptions &histInfo);
 
 } // namespace trelm

@@ -49,8 +49,7 @@ int makeEnsemble(const Run &run, Ensemble &ensemble)
         return status;
     }
     std::printf("REMARK ENSEMBLE MODE.\n");
-    std::printf("REMARK STERIC CLASH CHECK %s.\n",
-                trelmInfo.gridInfo.clashFlag != 0 ? "ENABLED" : "DISABLED");
+    std::printf("REMARK STERIC CLASH CHECK %s.\n", trelmInfo.clashFlag != 0 ? "ENABLED" : "DISABLED");
     std::printf("REMARK %d states in ensemble.\n", ensemble.count);
     return 0;
 }
@@ -121,7 +120,7 @@ int simulateEnsemble(Run &run)
     if (makeDots(run, ddots) != 0 || orientMolecule(run) != 0)
         return 1;
     status = makeEnsemble(run, ensemble);
-    if (status != 0 || trelmInfo.gridInfo.outEflag == outSetupOnly)
+    if (status != 0 || trelmInfo.outEflag == outSetupOnly)
         return status;
     Saupe saupeAve = {};
     status = averageEnsemble(run, ensemble, charges, ddots, saupeAve);

@@ -15,7 +15,6 @@ namespace trelm {
 struct Run {
     RunOptions options;
     PDBSelectInfo sInfo;
-    SearchState search;
     Block<PDBInfo> pdbInfo;
     Block<DTable> dTab;
     Block<TrelmInfo> trelmInfo;

@@ -173,7 +173,7 @@ int setUp(Run &run, ChargeSet &charges)
     const RunOptions &options = run.options;
     if (checkSample(trelmInfo) != 0)
         return 1;
-    if (readConfig(options.inpName, trelmInfo, run.search) != 0)
+    if (readConfig(options.inpName, trelmInfo) != 0)
         return complain("Error reading configuration file %s\n", options.inpName.c_str());
     charges.chargeAtomID = run.chargeAtomID.span();
     charges.charges = run.charges.span();
@@ -186,7 +186,7 @@ int setUp(Run &run, ChargeSet &charges)
     std::ranges::copy(charges.charges, run.chargesOrig.data());
     std::printf("REMARK %d charges placed, Total charge %.3f [e].\n", charges.chCount,
                 static_cast<double>(charges.chSum));
-    if (trelmInfo.elInfo.elFlag != 0 && trelmInfo.elInfo.chFlag != 0)
+    if (trelmInfo.elFlag != 0 && trelmInfo.chFlag != 0)
         listCharges(run.pdbInfo[0], charges);
     return refine_bicelle(&trelmInfo);
 }
@@ -205,7 +205,7 @@ int simulateSteric(Run &run)
 {
     TrelmInfo &trelmInfo = run.trelmInfo[0];
     const bool inGrid = trelmInfo.lcType == lcGrid;
-    if (inGrid && trelmInfo.elInfo.elFlag != 0)
+    if (inGrid && trelmInfo.elFlag != 0)
         return complain("trelm: -stTrelm -3D knows no charges: see -elTrelm.\n");
     if (checkSimulation(trelmInfo) != 0)
         return 1;

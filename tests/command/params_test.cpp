@@ -133,7 +133,8 @@ TEST(Params, NoTwoOptionsShareAFieldByMistake)
     for (std::size_t i = 0; i < rows.size(); ++i) {
         for (std::size_t j = i + 1; j < rows.size(); ++j) {
             const bool same = rows[i].target == rows[j].target && rows[i].preset == rows[j].preset;
-            const bool mode = rows[i].target == Target(&ElInfo::elFlag); // of the simulation modes, and -el
+            const bool mode =
+                rows[i].target == Target(&ChargeOptions::elFlag); // of the simulation modes, and -el
             const bool comparison = rows[i].flag.starts_with("-an") || rows[i].flag == rows[j].flag;
             const bool allNames =
                 rows[i].flag == "-exact" || rows[i].flag == "-regex" || rows[i].flag == "-glob";
@@ -171,7 +172,7 @@ TEST(Params, OfTwoContradictingFlagsTheLaterRowWins)
     const auto action = [](const Parsed &p) { return p.trelmInfo.opCode; };
     const auto format = [](const Parsed &p) { return p.trelmInfo.outFormat; };
     const auto radius = [](const Parsed &p) { return p.trelmInfo.radiusModel; };
-    const auto electric = [](const Parsed &p) { return p.trelmInfo.elInfo.elFlag; };
+    const auto electric = [](const Parsed &p) { return p.trelmInfo.elFlag; };
     const Case cases[] = {
         {{"-x"}, mode, 1},
         {{"-daMl", "-daFlex"}, mode, 10},
@@ -197,8 +198,8 @@ TEST(Params, OfTwoContradictingFlagsTheLaterRowWins)
         {{"-rM", "5", "-rM", "6"}, radius, 5},
         {{"-inc", "-excl"}, [](const Parsed &p) { return p.dcInfo.excludeMode; }, 2},
         {{"-s1", "4", "-d1", "9"}, [](const Parsed &p) { return p.dcInfo.segFirst; }, 4},
-        {{"-nocharmm", "-charmm22"}, [](const Parsed &p) { return p.trelmInfo.elInfo.charmm; }, 0},
-        {{"-ave", "file", "-noave"}, [](const Parsed &p) { return p.trelmInfo.histInfo.optExtrem; }, 1},
+        {{"-nocharmm", "-charmm22"}, [](const Parsed &p) { return p.trelmInfo.charmm; }, 0},
+        {{"-ave", "file", "-noave"}, [](const Parsed &p) { return p.trelmInfo.optExtrem; }, 1},
         {{"-qStd", "-qDa"}, [](const Parsed &p) { return p.trelmInfo.qFlag; }, 2},
         {{"-nSel", "5"}, [](const Parsed &p) { return p.trelmInfo.sCount; }, 5},
         {{"-nSel", "5"}, [](const Parsed &p) { return p.trelmInfo.nSel; }, 5},
@@ -206,7 +207,7 @@ TEST(Params, OfTwoContradictingFlagsTheLaterRowWins)
         {{"-dbg", "2"}, [](const Parsed &p) { return p.options.dbgFlag; }, 2},
         {{"-pdb", "x", "-nofit"}, [](const Parsed &p) { return p.options.fitFlag; }, 0},
         {{"-noeuler", "-euler"}, [](const Parsed &p) { return p.trelmInfo.eulerFlag; }, 0},
-        {{"-cut", "-1e-7"}, [](const Parsed &p) { return p.trelmInfo.elInfo.cutoffPot; }, -1e-7},
+        {{"-cut", "-1e-7"}, [](const Parsed &p) { return p.trelmInfo.cutoffPot; }, -1e-7},
         {{"-x"}, [](const Parsed &p) { return p.trelmInfo.coneWidth; }, 5.0},
     };
     expectAll(cases);

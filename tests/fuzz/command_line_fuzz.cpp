@@ -48,10 +48,10 @@ void checkRecords(const Run &run)
     require(trelmInfo.nAaCheck >= 0 && trelmInfo.nAaCheck <= maxFixAaList, "peak counts have room");
     require(run.options.nFixAa >= 0 && run.options.nFixAa <= maxFixResList, "fixed residues have room");
     require(run.options.wCount == static_cast<int>(run.options.wList.length()), "weights are counted");
-    for (const float value : {trelmInfo.concentration, trelmInfo.radiusModel, trelmInfo.elInfo.pH,
-                              trelmInfo.histInfo.daLo, run.dTab[0].dTensor.da})
+    for (const float value : {trelmInfo.concentration, trelmInfo.radiusModel, trelmInfo.pH, trelmInfo.daLo,
+                              run.dTab[0].dTensor.da})
         require(std::isfinite(value), "a number is finite whatever was typed");
-    require(std::isfinite(trelmInfo.coneWidth) && std::isfinite(trelmInfo.elInfo.cutoffPot),
+    require(std::isfinite(trelmInfo.coneWidth) && std::isfinite(trelmInfo.cutoffPot),
             "a number is finite whatever was typed");
 }
 

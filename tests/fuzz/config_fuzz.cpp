@@ -10,15 +10,12 @@ using fuzz::require;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    TrelmInfo trelmInfo;
-    SearchState search;
-    static_cast<void>(readConfig(fuzz::fileOf(fuzz::asText(data, size)), trelmInfo, search));
-    const GridInfo &gridInfo = trelmInfo.gridInfo;
-    for (const float value :
-         {gridInfo.angleDom[0], gridInfo.angleDom[1], gridInfo.angleDom[2], gridInfo.lBetaCone,
-          gridInfo.hBetaCone, gridInfo.cAlphaCone, gridInfo.errAlphaCone, gridInfo.clashDist, search.Pmax})
+    DomainOptions options;
+    static_cast<void>(readConfig(fuzz::fileOf(fuzz::asText(data, size)), options));
+    for (const float value : {options.angleDom[0], options.angleDom[1], options.angleDom[2],
+                              options.lBetaCone, options.hBetaCone, options.errAlphaCone, options.clashDist})
         require(std::isfinite(value), "numbers of a configuration are finite");
-    require(gridInfo.angleDom[2] == 0.0f || gridInfo.resDom1Origin == 0,
+    require(options.angleDom[2] == 0.0f || options.resDom1Origin == 0,
             "the third angle and the origin exclude each other");
     return 0;
 }

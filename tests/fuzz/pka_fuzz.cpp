@@ -21,8 +21,8 @@ struct Charges {
 TrelmInfo electrostaticRun(float pH)
 {
     TrelmInfo trelmInfo;
-    trelmInfo.elInfo.elFlag = 1;
-    trelmInfo.elInfo.pH = pH;
+    trelmInfo.elFlag = 1;
+    trelmInfo.pH = pH;
     return trelmInfo;
 }
 
@@ -51,11 +51,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     ChargeLines lines, again;
     ResidueRange range;
     Charges second, third;
-    require(readChargeFile(name, molecule, trelmInfo.elInfo.pH, second.set, lines, range) == 0,
+    require(readChargeFile(name, molecule, trelmInfo.pH, second.set, lines, range) == 0,
             "a file is read twice");
-    require(
-        readChargeFile(fuzz::fileOf(lines.text), molecule, trelmInfo.elInfo.pH, third.set, again, range) == 0,
-        "what is written can be read");
+    require(readChargeFile(fuzz::fileOf(lines.text), molecule, trelmInfo.pH, third.set, again, range) == 0,
+            "what is written can be read");
     require(again.text == lines.text, "what is read again is written alike");
     return 0;
 }

@@ -27,8 +27,8 @@ void checkGrid(const std::string &name)
     TrelmInfo trelmInfo;
     trelmInfo.grid3DnX = trelmInfo.grid3DnY = 2;
     trelmInfo.grid3DnZ = 3;
-    trelmInfo.elInfo.z1 = 1;
-    trelmInfo.elInfo.zN = 3;
+    trelmInfo.z1 = 1;
+    trelmInfo.zN = 3;
     constexpr int points = 12;
     Block<double> weighted;
     Block<float> steric;
@@ -40,8 +40,7 @@ void checkGrid(const std::string &name)
         return;
     require(read == points && readSteric == points, "a grid has a value for each point");
     for (std::size_t i = 0; i < points; ++i) {
-        const float within =
-            std::fabs(weighted[i]) < static_cast<double>(trelmInfo.elInfo.maxPot) ? 1.0f : 0.0f;
+        const float within = std::fabs(weighted[i]) < static_cast<double>(trelmInfo.maxPot) ? 1.0f : 0.0f;
         require(steric[i] == within, "both readers see the same values");
     }
 }

@@ -12,21 +12,21 @@ namespace trelm {
 namespace {
 
 /// A run on a synthetic pattern.
-HistInfo estimate(const Powder &powder, int modeFit, int optExtrem)
+MagnitudeOptions estimate(const Powder &powder, int modeFit, int optExtrem)
 {
     const TempFile table;
     DTable dTab;
     DcInfo dcInfo;
     TrelmInfo info;
     info.trelmMode = 9;
-    info.histInfo.modeFit = modeFit;
-    info.histInfo.optExtrem = optExtrem;
+    info.modeFit = modeFit;
+    info.optExtrem = optExtrem;
     const MagnitudeJob job = {
         .inDName = table.name, .outDName = "/dev/null", .dTab = &dTab, .trelmInfo = &info, .dcInfo = &dcInfo};
     EXPECT_TRUE(writePowder(table.name, powder));
     said([&] { EXPECT_EQ(getHistDabR(job), 0); });
     EXPECT_EQ(info.validCountD, powder.count);
-    return info.histInfo;
+    return info;
 }
 
 TEST(Histogram, PatternsComeBackWithinTheClaimedErrors)
@@ -43,7 +43,7 @@ TEST(Histogram, PatternsComeBackWithinTheClaimedErrors)
             for (const double rhombicity : {0.05, 0.22, 0.45, 0.6}) {
                 SCOPED_TRACE(testing::Message() << run.modeFit << run.optExtrem << ' ' << run.count << ' '
                                                 << run.sigma << ' ' << da << ' ' << rhombicity);
-                const HistInfo found =
+                const MagnitudeOptions found =
                     estimate({.da = da, .rhombicity = rhombicity, .count = run.count, .sigma = run.sigma},
                              run.modeFit, run.optExtrem);
                 EXPECT_NEAR(found.DaFit, da, run.errors * double{found.DaErrFit});
@@ -150,7 +150,7 @@ TEST(HistogramOfASet, FitStaysWithinItsBounds)
     for (const Case &set :
          {Case{3, 5.0f, 0.667f, -10.0f, 1.0f / 3.0f}, Case{2, 5.0f, 0.667f, -10.0f, 1.0f / 3.0f},
           Case{3, 5.0f, 0.2f, -10.1942f, 0.2f}, Case{1, 5.0f, 0.667f, -7.0f, 0.1f}}) {
-        HistInfo hist;
+        MagnitudeOptions hist;
         hist.modeFit = set.modeFit;
         hist.Dzz = -20.0f, hist.Dyy = 15.0f, hist.Dxx = set.dxx;
         hist.Da2Par = -7.0f, hist.R2Par = 0.1f;
@@ -185,7 +185,7 @@ TEST(HistogramOfASet, WithoutAPeakTheTensorBeforeStays)
         {{-20.0f}, 2, 0, 1, 0, 99.0f},
         {{0.0f, 0.0f}, 2, 0, 1, 0, 99.0f}};
     for (const Case &set : cases) {
-        HistInfo hist;
+        MagnitudeOptions hist;
         hist.modeFit = set.modeFit;
         hist.nBinIn = set.nBinIn;
         hist.optExtrem = 0;

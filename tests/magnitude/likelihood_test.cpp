@@ -77,7 +77,7 @@ TEST(Likelihood, PatternIsADensityBetweenItsExtremes)
 /// A run on a table, in files of this process.
 struct Search {
     Powder powder = {.count = 300};
-    HistInfo histInfo = {.incDaMl = 0.2f, .incRMl = 0.02f};
+    MagnitudeOptions options = {.incDaMl = 0.2f, .incRMl = 0.02f};
     int status = -1;
     std::string err = {}, scores = {};
 
@@ -88,7 +88,7 @@ struct Search {
         DTable dTab;
         TrelmInfo trelmInfo;
         trelmInfo.trelmMode = 10;
-        trelmInfo.histInfo = histInfo;
+        static_cast<MagnitudeOptions &>(trelmInfo) = options;
         DcInfo dcInfo;
         const MagnitudeJob job = {.inDName = table.name,
                                   .outDName = "/dev/null",
@@ -96,7 +96,7 @@ struct Search {
                                   .trelmInfo = &trelmInfo,
                                   .dcInfo = &dcInfo};
         err = said([&] { status = getMlDabR(job, scoreFile.name); }).err;
-        histInfo = trelmInfo.histInfo;
+        options = trelmInfo;
         std::ifstream file(scoreFile.name);
         scores.assign(std::istreambuf_iterator<char>(file), {});
     }
@@ -107,16 +107,16 @@ TEST(Likelihood, TensorsComeBackWithinTheirErrors)
     for (const double Da : {-5.0, -10.3, -18.0, 10.3}) {
         for (const double R : {0.04, 0.22, 0.5}) {
             Search search = {.powder = {.da = Da, .rhombicity = R, .count = 300}};
-            search.histInfo.mlClear = 1;
+            search.options.mlClear = 1;
             if (Da > 0.0) {
-                search.histInfo.lDaMl = 3.0f;
-                search.histInfo.hDaMl = 25.0f;
+                search.options.lDaMl = 3.0f;
+                search.options.hDaMl = 25.0f;
             }
             search.run();
             ASSERT_EQ(search.status, 0) << search.err;
             // At low R the pattern comes out a little wide: see the guide.
-            EXPECT_NEAR(search.histInfo.DaMl, Da, search.histInfo.DaErrMl + 0.02 * std::fabs(Da)) << R;
-            EXPECT_NEAR(search.histInfo.RMl, R, search.histInfo.RErrMl) << Da;
+            EXPECT_NEAR(search.options.DaMl, Da, search.options.DaErrMl + 0.02 * std::fabs(Da)) << R;
+            EXPECT_NEAR(search.options.RMl, R, search.options.RErrMl) << Da;
         }
     }
 }
@@ -130,13 +130,13 @@ TEST(Likelihood, LimitsOfEitherOrderAndSign)
     for (const Case &limits : {Case{-25.0f, -3.0f, 1.0}, Case{-3.0f, -25.0f, 1.0}, Case{3.0f, 25.0f, -1.0},
                                Case{25.0f, 3.0f, -1.0}, Case{0.0f, -25.0f, 1.0}, Case{0.0f, 25.0f, -1.0}}) {
         Search search;
-        search.histInfo.mlClear = 1;
-        search.histInfo.lDaMl = limits.lDa;
-        search.histInfo.hDaMl = limits.hDa;
-        search.histInfo.incDaMl = -0.2f; // its sign does not count
+        search.options.mlClear = 1;
+        search.options.lDaMl = limits.lDa;
+        search.options.hDaMl = limits.hDa;
+        search.options.incDaMl = -0.2f; // its sign does not count
         search.run();
         ASSERT_EQ(search.status, 0) << search.err;
-        EXPECT_NEAR(search.histInfo.DaMl, -10.3 * limits.sign, search.histInfo.DaErrMl) << limits.lDa;
+        EXPECT_NEAR(search.options.DaMl, -10.3 * limits.sign, search.options.DaErrMl) << limits.lDa;
         EXPECT_NE(search.scores.find("\n-10.0 0.20 "), std::string::npos) << "scores have the Da of the grid";
     }
 }
@@ -153,24 +153,24 @@ TEST(Likelihood, ErrorsGoByCountAndR)
           Row{41, 0.1f, 0.5f, 0.05f}, Row{90, 0.3f, 1.3f, 0.13f}, Row{90, 0.31f, 0.8f, 0.13f},
           Row{91, 0.1f, 0.3f, 0.05f}, Row{91, 0.11f, 0.9f, 0.1f}, Row{91, 0.5f, 0.6f, 0.1f}}) {
         Search search = {.powder = {.rhombicity = row.R, .count = row.count, .sigma = 0.3}};
-        search.histInfo.lRMl = row.R;
-        search.histInfo.hRMl = row.R + 0.01f;
+        search.options.lRMl = row.R;
+        search.options.hRMl = row.R + 0.01f;
         search.run();
-        ASSERT_EQ(search.histInfo.RMl, row.R) << search.err;
-        EXPECT_EQ(search.histInfo.DaErrMl, row.DaErr) << row.count << ' ' << row.R;
-        EXPECT_EQ(search.histInfo.RErrMl, row.RErr) << row.count << ' ' << row.R;
+        ASSERT_EQ(search.options.RMl, row.R) << search.err;
+        EXPECT_EQ(search.options.DaErrMl, row.DaErr) << row.count << ' ' << row.R;
+        EXPECT_EQ(search.options.RErrMl, row.RErr) << row.count << ' ' << row.R;
     }
 }
 
 TEST(Likelihood, NoPatternReachesTheCouplings)
 {
     Search search;
-    search.histInfo.hDaMl = -3.0f;
-    search.histInfo.lDaMl = -4.0f;
+    search.options.hDaMl = -3.0f;
+    search.options.lDaMl = -4.0f;
     search.run();
     EXPECT_EQ(search.status, 0);
     EXPECT_TRUE(search.err.ends_with("Warning: no grid point scores above 0, Da and R stay 0.\n"));
-    EXPECT_EQ(search.histInfo.DaMl, 0.0f);
+    EXPECT_EQ(search.options.DaMl, 0.0f);
     EXPECT_NE(search.scores.find("-3.0 0.00 0.000000e+00\n"), std::string::npos);
 }
 
@@ -185,20 +185,20 @@ TEST(Likelihood, RefusesWhatItCannotSearch)
          [](Search &s) { s.powder.count = 5001; }},
         {"Error: the grid of Da and R has 20001 points, the limit is 20000.\n",
          [](Search &s) {
-             s.histInfo.lDaMl = -3.0f - 2.0001e1f;
-             s.histInfo.incDaMl = 0.001f;
-             s.histInfo.hRMl = 0.01f;
+             s.options.lDaMl = -3.0f - 2.0001e1f;
+             s.options.incDaMl = 0.001f;
+             s.options.hRMl = 0.01f;
          }},
-        {"Error: the grid of Da and R has a step of 0.\n", [](Search &s) { s.histInfo.incRMl = 0.0f; }},
-        {"Error: the grid of Da and R has a step of 0.\n", [](Search &s) { s.histInfo.incDaMl = NAN; }},
+        {"Error: the grid of Da and R has a step of 0.\n", [](Search &s) { s.options.incRMl = 0.0f; }},
+        {"Error: the grid of Da and R has a step of 0.\n", [](Search &s) { s.options.incDaMl = NAN; }},
         {"Error: the grid of Da runs from -25.000 to 3.000, its limits must have one sign.\n",
-         [](Search &s) { s.histInfo.hDaMl = 3.0f; }},
+         [](Search &s) { s.options.hDaMl = 3.0f; }},
         {"Error: the grid of R runs from -0.100 to 0.700, it must lie between 0 and 2.\n",
-         [](Search &s) { s.histInfo.lRMl = -0.1f; }},
+         [](Search &s) { s.options.lRMl = -0.1f; }},
         {"Error: the grid of R runs from 0.000 to 2.100, it must lie between 0 and 2.\n",
-         [](Search &s) { s.histInfo.hRMl = 2.1f; }},
+         [](Search &s) { s.options.hRMl = 2.1f; }},
         {"Error: the patterns up to Da -44.800 Hz, R 0.680 do not fit the axis of 81.92 Hz.\n",
-         [](Search &s) { s.histInfo.lDaMl = -45.0f; }},
+         [](Search &s) { s.options.lDaMl = -45.0f; }},
         {"Error: the mean error of the couplings is 0 Hz, it must be 1e-06 to 3.41 Hz.\n",
          [](Search &s) { s.powder.sigma = 0.0; }},
         {"Error: the mean error of the couplings is 3.42 Hz, it must be 1e-06 to 3.41 Hz.\n",
@@ -221,15 +221,15 @@ TEST(Likelihood, RefusesWhatItCannotSearch)
 TEST(Likelihood, TakesWhatIsJustWithinTheLimits)
 {
     Search search = {.powder = {.count = 5000, .sigma = 1.7}};
-    search.histInfo.mlClear = 1;
-    search.histInfo.lRMl = 0.2f;
-    search.histInfo.hRMl = 0.24f;
+    search.options.mlClear = 1;
+    search.options.lRMl = 0.2f;
+    search.options.hRMl = 0.24f;
     search.run();
     ASSERT_EQ(search.status, 0) << search.err;
-    EXPECT_NEAR(search.histInfo.DaMl, -10.3, 0.9);
+    EXPECT_NEAR(search.options.DaMl, -10.3, 0.9);
 
     Search fine = {.powder = {.da = -2.0, .count = 20}};
-    fine.histInfo = {.lDaMl = -3.0f, .hDaMl = -1.0f, .incDaMl = 0.01f, .hRMl = 1.0f, .incRMl = 0.01f};
+    fine = {.lDaMl = -3.0f, .hDaMl = -1.0f, .incDaMl = 0.01f, .hRMl = 1.0f, .incRMl = 0.01f};
     fine.run();
     EXPECT_EQ(fine.status, 0) << fine.err;
     EXPECT_EQ(std::ranges::count(fine.scores, '\n'), 20000 + 3);
@@ -240,10 +240,10 @@ TEST(Likelihood, TakesWhatIsJustWithinTheLimits)
 TEST(Likelihood, OneRLeavesNothingOver)
 {
     Search search = {.powder = {.count = 2000}};
-    search.histInfo.lRMl = 0.22f;
-    search.histInfo.hRMl = 0.23f;
+    search.options.lRMl = 0.22f;
+    search.options.hRMl = 0.23f;
     search.run();
-    EXPECT_NEAR(search.histInfo.DaMl, -10.3, 0.3) << search.err;
+    EXPECT_NEAR(search.options.DaMl, -10.3, 0.3) << search.err;
 }
 
 TEST(Likelihood, AGridWithoutPointsHasNone)

@@ -148,7 +148,7 @@ TEST(Motion, SetsOfARigidMolecule)
 {
     TrelmInfo info;
     info.histRan = 200;
-    info.histInfo.modeFit = 2;
+    info.modeFit = 2;
     info.sCount = 100;
     const MotionRun run = runMotion({.count = 400, .sigma = 0.5}, info);
     ASSERT_EQ(run.status, 0);
@@ -194,12 +194,12 @@ TEST(Motion, RatioIsThatOfTheCouplingsOverAnEvenDistribution)
     TrelmInfo info;
     info.histRan = 1;
     info.sCount = 0;
-    info.histInfo.modeFit = 2;
+    info.modeFit = 2;
     const auto sets = numbers(runMotion(powder, info).table);
     ASSERT_EQ(sets.size(), 1u);
     std::vector<float> couplings = powderCouplings(powder);
     const Extremes extremes = findExtremes(couplings);
-    HistInfo hist;
+    MagnitudeOptions hist;
     solveExtremes(extremes.minD, extremes.maxD, hist);
     const float da = -std::fabs(hist.Da2Par);
     turnPositive(couplings);
@@ -219,7 +219,7 @@ TEST(Motion, ASetLargerThanTheMoleculeIsAllOfIt)
     for (const int sCount : {0, 60, 1000}) {
         TrelmInfo info;
         info.histRan = 3;
-        info.histInfo.modeFit = 2;
+        info.modeFit = 2;
         info.sCount = sCount;
         const auto sets = numbers(runMotion({.count = 60, .sigma = 0.3}, info).table);
         ASSERT_EQ(sets.size(), 3u) << sCount;

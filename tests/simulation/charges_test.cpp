@@ -37,14 +37,14 @@ struct Placed {
     std::vector<std::pair<int, float>> charges; ///< in the order of the list
 };
 
-Placed place(PDBInfo &pdbInfo, const ElInfo &elInfo, const std::string &inName = "",
+Placed place(PDBInfo &pdbInfo, const ChargeOptions &elInfo, const std::string &inName = "",
              const std::string &outName = "")
 {
     std::vector<int> atoms(maxCharges + 1);
     std::vector<float> charges(maxCharges + 1);
     ChargeSet set{atoms, charges};
     TrelmInfo trelmInfo;
-    trelmInfo.elInfo = elInfo;
+    static_cast<ChargeOptions &>(trelmInfo) = elInfo;
     Placed placed;
     placed.messages =
         said([&] { placed.status = chargeSetup(inName, &pdbInfo, trelmInfo, set, outName); }).err;
@@ -54,7 +54,7 @@ Placed place(PDBInfo &pdbInfo, const ElInfo &elInfo, const std::string &inName =
     return placed;
 }
 
-Placed placeLines(PDBInfo &pdbInfo, const ElInfo &elInfo, const std::string &lines)
+Placed placeLines(PDBInfo &pdbInfo, const ChargeOptions &elInfo, const std::string &lines)
 {
     const TempFile file(lines);
     return place(pdbInfo, elInfo, file.name);
@@ -68,7 +68,7 @@ MATCHER(SameCharge, "")
 
 /// What a run writes, a second run places again: every atom as before, up to the three decimals. Returns what
 /// was written.
-std::string expectRoundTrip(PDBInfo &pdbInfo, const ElInfo &elInfo, const std::string &inName = "")
+std::string expectRoundTrip(PDBInfo &pdbInfo, const ChargeOptions &elInfo, const std::string &inName = "")
 {
     const TempFile out;
     Placed first = place(pdbInfo, elInfo, inName, out.name);
@@ -81,9 +81,9 @@ std::string expectRoundTrip(PDBInfo &pdbInfo, const ElInfo &elInfo, const std::s
     return written;
 }
 
-ElInfo electrostatics(int charmm = 0, float pH = 7.0f)
+ChargeOptions electrostatics(int charmm = 0, float pH = 7.0f)
 {
-    ElInfo elInfo;
+    ChargeOptions elInfo;
     elInfo.elFlag = 1;
     elInfo.charmm = charmm;
     elInfo.pH = pH;
@@ -106,7 +106,7 @@ TEST(Charges, FractionHasItsLimits)
 TEST(Charges, DefaultsTitrateGroupsAndWriteThem)
 {
     PDBInfo pdbInfo = makeMolecule(peptide);
-    ElInfo elInfo = electrostatics(0, 50.0f); // acids have lost their protons, bases too
+    ChargeOptions elInfo = electrostatics(0, 50.0f); // acids have lost their protons, bases too
     const Placed basic = place(pdbInfo, elInfo);
     EXPECT_FLOAT_EQ(basic.sum, -4.0f); // -1, -1 for each phosphate oxygen, -1 for the end
     EXPECT_EQ(basic.charges.size(), 12u);
@@ -175,7 +175,7 @@ TEST(Charges, PartialChargesSumToTheFormalOnes)
     for (const auto &c : cases) {
         SCOPED_TRACE(testing::Message()
                      << "charmm " << c.charmm << " pH " << c.pH << " termini " << c.termini);
-        ElInfo elInfo = electrostatics(c.charmm, c.pH);
+        ChargeOptions elInfo = electrostatics(c.charmm, c.pH);
         elInfo.chTerminiFlag = c.termini;
         const Placed placed = place(pdbInfo, elInfo);
         EXPECT_NEAR(placed.sum, c.sum, 1e-5f);
@@ -249,7 +249,7 @@ TEST(Charges, TooManyAreRefused)
 TEST(Charges, ScalesApplyToPlacesOfTheList)
 {
     PDBInfo pdbInfo = makeMolecule(peptide);
-    ElInfo elInfo = electrostatics();
+    ChargeOptions elInfo = electrostatics();
     elInfo.kMonoCh = 2.0f, elInfo.kQuadCh = 3.0f, elInfo.kDipoCh = 5.0f;
     std::string lines;
     for (int i = 0; i < 11; ++i)

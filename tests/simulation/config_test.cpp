@@ -16,14 +16,13 @@ struct Read {
     int status = 0;
     std::string messages;
     TrelmInfo trelmInfo;
-    SearchState search;
 };
 
 Read readLines(const std::string &text)
 {
     const TempFile file(text);
     Read read;
-    read.messages = said([&] { read.status = readConfig(file.name, read.trelmInfo, read.search); }).err;
+    read.messages = said([&] { read.status = readConfig(file.name, read.trelmInfo); }).err;
     return read;
 }
 
@@ -39,24 +38,24 @@ TEST(Config, EachKeySetsItsField)
                                 "BETA_L: 20.5\nBETA_H: 21.5\nALPHA_CENTER: 22.5\nALPHA_WIDTH: 23.5\n"
                                 "START_RES_ANGLE_1: 24\nEND_RES_ANGLE_1: 25\nSTART_RES_ANGLE_2: 26\n"
                                 "END_RES_ANGLE_2: -27.9\n");
-    const GridInfo &g = read.trelmInfo.gridInfo;
+    const DomainOptions &g = read.trelmInfo;
     EXPECT_EQ(read.messages, "");
     EXPECT_THAT((std::array{g.pivotCenter, g.outEflag, g.initOrientFlag, g.fixRotDomain, g.clashFlag, g.densE,
                             g.digPsiE, g.angleDomFlag, g.resDom1Origin, g.resDom2Origin, g.startResDom1,
                             g.endResDom1, g.startResDom2, g.endResDom2, g.startResPart1, g.endResPart1,
                             g.startResPart2, g.endResPart2}),
                 testing::ElementsAre(2, 4, 5, 6, 7, 9, 10, 11, 14, 15, 16, 17, 18, 19, 24, 25, 26, -27));
-    EXPECT_THAT((std::array{read.search.Pmax, g.clashDist, g.angleDom[0], g.angleDom[1], g.lBetaCone,
-                            g.hBetaCone, g.cAlphaCone, g.errAlphaCone}),
-                testing::ElementsAre(3.5f, 8.5f, 12.5f, 13.5f, 20.5f, 21.5f, 22.5f, 23.5f));
+    EXPECT_THAT(
+        (std::array{g.clashDist, g.angleDom[0], g.angleDom[1], g.lBetaCone, g.hBetaCone, g.errAlphaCone}),
+        testing::ElementsAre(8.5f, 12.5f, 13.5f, 20.5f, 21.5f, 23.5f));
 }
 
 TEST(Config, LaterOfThirdAngleAndOriginWins)
 {
-    const GridInfo angle = readLines("ORIGIN_DOM1: 7\nDOM_ANG_GAMMA: 30\n").trelmInfo.gridInfo;
+    const DomainOptions angle = readLines("ORIGIN_DOM1: 7\nDOM_ANG_GAMMA: 30\n").trelmInfo;
     EXPECT_EQ(angle.angleDom[2], 30.0f);
     EXPECT_EQ(angle.resDom1Origin, 0);
-    const GridInfo origin = readLines("DOM_ANG_GAMMA: 30\nORIGIN_DOM1: 7\n").trelmInfo.gridInfo;
+    const DomainOptions origin = readLines("DOM_ANG_GAMMA: 30\nORIGIN_DOM1: 7\n").trelmInfo;
     EXPECT_EQ(origin.angleDom[2], 0.0f);
     EXPECT_EQ(origin.resDom1Origin, 7);
 }
@@ -93,7 +92,7 @@ TEST(Config, LinesAreReadOrRefused)
         SCOPED_TRACE(c.why);
         const Read read = readLines(c.text);
         EXPECT_EQ(read.status, c.status);
-        EXPECT_EQ(read.trelmInfo.gridInfo.densE, c.densE);
+        EXPECT_EQ(read.trelmInfo.densE, c.densE);
         EXPECT_EQ(read.messages, c.messages);
     }
 }
@@ -102,8 +101,8 @@ TEST(Config, MissingFileIsToldAndNoNameIsNone)
 {
     Read read;
     const Said messages = said([&] {
-        EXPECT_EQ(readConfig("", read.trelmInfo, read.search), 0);
-        EXPECT_EQ(readConfig("none.inp", read.trelmInfo, read.search), 1);
+        EXPECT_EQ(readConfig("", read.trelmInfo), 0);
+        EXPECT_EQ(readConfig("none.inp", read.trelmInfo), 1);
     });
     EXPECT_EQ(messages.err, "readConfig File open error: none.inp.\n");
 }

@@ -48,8 +48,8 @@ TrelmInfo infoFor(int lcType, double cutoffPot)
 {
     TrelmInfo info;
     info.lcType = lcType;
-    info.elInfo.elFlag = 1;
-    info.elInfo.cutoffPot = cutoffPot;
+    info.elFlag = 1;
+    info.cutoffPot = cutoffPot;
     info.rSingleCell = 120.0f;
     info.gridSpacing = 0.5f;
     info.digPsiNSC = 6;
@@ -110,8 +110,8 @@ TEST(Weighted, FastIsPlain)
         Molecule molecule(seed++, 120, c.charges, 18.0);
         TrelmInfo info = infoFor(c.lcType, c.cutoffPot);
         info.radiusAtom = c.radiusAtom;
-        info.elInfo.chDensSurf = c.chDensSurf;
-        info.elInfo.concNaCl = c.concNaCl;
+        info.chDensSurf = c.chDensSurf;
+        info.concNaCl = c.concNaCl;
         Potential potential = makeTable(40, -0.8);
         Saupe fast = {}, plain = {};
         smaSays(info, molecule, potential, fast);
@@ -130,7 +130,7 @@ TEST(Weighted, SignsOfChargesAndSurfaceCancel)
         Potential potential = makeTable(60, -0.6), opposite = makeTable(60, 0.6);
         Saupe one = {}, other = {};
         smaSays(info, molecule, potential, one);
-        info.elInfo.chDensSurf = -info.elInfo.chDensSurf;
+        info.chDensSurf = -info.chDensSurf;
         for (float &q : molecule.placed.values)
             q = -q;
         smaSays(info, molecule, opposite, other);
@@ -164,7 +164,7 @@ TEST(Weighted, TableIsDividedByItsScaleEachTime)
 {
     Molecule molecule(3, 20, 2, 10.0);
     TrelmInfo info = infoFor(lcRod, 1e-2);
-    info.elInfo.kPot = 3.0f;
+    info.kPot = 3.0f;
     Potential potential = makeTable(100, 1.0);
     Saupe saupe = {};
     smaSays(info, molecule, potential, saupe);
@@ -175,7 +175,7 @@ TEST(Weighted, TableIsDividedByItsScaleEachTime)
 TEST(Weighted, FieldThatIsNoNumberIsToldOnceAndMattersToChargesAlone)
 {
     TrelmInfo info = infoFor(lcWall, 6e-6);
-    info.elInfo.temperaturePot = -1.0f;
+    info.temperaturePot = -1.0f;
     const char *const warning =
         "Warning: -nacl 0.2, -temp -1, -chSurf -0.47: the field of the surface is no number.\n";
     for (const int charges : {0, 2}) {
@@ -197,8 +197,8 @@ TrelmInfo gridInfo(int nX, int nY, int nZ, int z1, int zN, float spacing)
     info.grid3DnY = nY;
     info.grid3DnZ = nZ;
     info.grid3DdeltaX = info.grid3DdeltaY = info.grid3DdeltaZ = spacing;
-    info.elInfo.z1 = z1;
-    info.elInfo.zN = zN;
+    info.z1 = z1;
+    info.zN = zN;
     info.digPsiNSC = 3;
     return info;
 }
@@ -260,7 +260,7 @@ TEST(Grid, FastIsPlain)
         SCOPED_TRACE(testing::Message() << c.nX << " by " << c.nY << " by " << c.nZ);
         Molecule molecule(seed++, 25, 8, c.size, 6);
         TrelmInfo info = gridInfo(c.nX, c.nY, c.nZ, c.z1, c.zN, c.spacing);
-        info.elInfo.maxPot = c.maxPot;
+        info.maxPot = c.maxPot;
         const Grid3D grid = makeGrid3D(info);
         std::vector<double> pot3D = obstacle(grid, c.obstacle);
         Saupe fast = {}, plain = {};

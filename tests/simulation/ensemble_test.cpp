@@ -76,7 +76,7 @@ TEST(EnsembleFile, LinesAreStatesOrRefused)
 TEST(EnsembleSphere, StatesLieWithinTheLimits)
 {
     TrelmInfo info;
-    GridInfo &grid = info.gridInfo;
+    DomainOptions &grid = info;
     grid.densE = 162; // 162 dots
     grid.lBetaCone = 10.0f;
     grid.hBetaCone = 60.0f;
@@ -127,7 +127,7 @@ TEST(EnsembleSphere, StatesLieWithinTheLimits)
 
 struct GridCase {
     const char *why;
-    void (*change)(GridInfo &);
+    void (*change)(DomainOptions &);
     EnsembleFiles files;
     const char *message; ///< empty: no failure, and no states
 };
@@ -136,22 +136,31 @@ TEST(EnsembleSphere, FailuresAreTold)
 {
     const std::vector<GridCase> cases = {
         {"too many dots",
-         [](GridInfo &g) { g.densE = 2000000000; },
+         [](DomainOptions &g) { g.densE = 2000000000; },
          {},
          "setupEnsemble: unsp error occured.\n"},
         {"too many turns",
-         [](GridInfo &g) { g.digPsiE = 2147483647; },
+         [](DomainOptions &g) { g.digPsiE = 2147483647; },
          {},
          "setupEnsemble: ensemble too big.\n"},
-        {"too many states", [](GridInfo &g) { g.digPsiE = 39998; }, {}, "setupEnsemble: ensemble too big.\n"},
-        {"no turns", [](GridInfo &g) { g.digPsiE = -1; }, {}, ""},
-        {"angles", [](GridInfo &) {}, {"/none/e", "", ""}, "TRELM Error opening ensemble monitoring file "},
-        {"axes", [](GridInfo &) {}, {"", "/none/a", ""}, "TRELM Error opening ensemble monitoring file "},
+        {"too many states",
+         [](DomainOptions &g) { g.digPsiE = 39998; },
+         {},
+         "setupEnsemble: ensemble too big.\n"},
+        {"no turns", [](DomainOptions &g) { g.digPsiE = -1; }, {}, ""},
+        {"angles",
+         [](DomainOptions &) {},
+         {"/none/e", "", ""},
+         "TRELM Error opening ensemble monitoring file "},
+        {"axes",
+         [](DomainOptions &) {},
+         {"", "/none/a", ""},
+         "TRELM Error opening ensemble monitoring file "},
     };
     for (const GridCase &one : cases) {
         SCOPED_TRACE(one.why);
         TrelmInfo info;
-        one.change(info.gridInfo);
+        one.change(info);
         Ensemble ensemble = emptyEnsemble();
         int status = -1;
         const std::string err = said([&] { status = setupEnsemble(info, one.files, ensemble); }).err;
@@ -172,7 +181,7 @@ PDBInfo smallMolecule(double shift)
 TrelmInfo smallInfo()
 {
     TrelmInfo info;
-    GridInfo &g = info.gridInfo;
+    DomainOptions &g = info;
     g.startResDom1 = g.startResPart1 = 1;
     g.endResDom1 = g.endResPart1 = 20;
     g.startResDom2 = g.startResPart2 = 101;
@@ -214,7 +223,7 @@ TEST(Domains, StartOnTheirAxesWithThePivotAtTheOrigin)
     // Not turned onto the axes: moved only.
     PDBInfo moved = smallMolecule(30.0);
     const PDBInfo fresh = smallMolecule(30.0);
-    info.gridInfo.initOrientFlag = 0;
+    info.initOrientFlag = 0;
     ASSERT_EQ(initOrient(&moved, info), 0);
     const Axis a = alphaCarbon(fresh, 10), b = alphaCarbon(fresh, 115), c = alphaCarbon(moved, 115);
     for (std::size_t k = 0; k < 3; ++k)
@@ -224,11 +233,11 @@ TEST(Domains, StartOnTheirAxesWithThePivotAtTheOrigin)
 TEST(Domains, SecondOneTurnsAboutItsPivot)
 {
     TrelmInfo info = smallInfo();
-    info.gridInfo.initOrientFlag = 0;
+    info.initOrientFlag = 0;
     PDBInfo straight = smallMolecule(30.0), turned = smallMolecule(30.0);
     ASSERT_EQ(initOrient(&straight, info), 0);
-    info.gridInfo.angleDomFlag = 1;
-    info.gridInfo.angleDom[0] = 90.0f; // x' = y, y' = -x
+    info.angleDomFlag = 1;
+    info.angleDom[0] = 90.0f; // x' = y, y' = -x
     ASSERT_EQ(initOrient(&turned, info), 0);
     const Axis pivot = alphaCarbon(straight, 110), before = alphaCarbon(straight, 117),
                after = alphaCarbon(turned, 117);
@@ -277,13 +286,13 @@ TEST(Domains, ClashIsTheFirstPairBelowTheDistance)
     for (const std::size_t i : indI)
         for (const std::size_t j : indJ)
             smallest = std::min(smallest, apart(i, j));
-    info.gridInfo.clashDist = smallest; // not below it
+    info.clashDist = smallest; // not below it
     EXPECT_EQ(chkClashDom(pdb, info, indI, indJ), 0);
-    info.gridInfo.clashDist = smallest + 3.0f;
+    info.clashDist = smallest + 3.0f;
     std::string expected;
     for (const std::size_t i : indI)
         for (const std::size_t j : indJ)
-            if (expected.empty() && apart(i, j) < info.gridInfo.clashDist) {
+            if (expected.empty() && apart(i, j) < info.clashDist) {
                 const AtomInfo &a = pdb.atomList[i], &b = pdb.atomList[j];
                 appendf(expected, "\nREMARK steric clash of %5d %6s %6s   and  %5d %6s %6s : %6.2f A\n",
                         a.resID, a.resName.c_str(), a.atomName.c_str(), b.resID, b.resName.c_str(),

@@ -34,9 +34,9 @@ TrelmInfo sample(int lcType)
     TrelmInfo info;
     info.lcType = lcType;
     info.surfFlag = 0;
-    info.elInfo.elFlag = 1;
-    info.elInfo.iFace = 30.0f;
-    info.elInfo.kEnergy = 0.5f;
+    info.elFlag = 1;
+    info.iFace = 30.0f;
+    info.kEnergy = 0.5f;
     return info;
 }
 
@@ -62,8 +62,8 @@ TEST(Face, WeighsTheChargeInTheFieldAtItsPlace)
                 {lcRod, -1.0, std::hypot(45.0, 6.0) - 20.0}};
     for (const auto &row : rows) {
         TrelmInfo info = sample(row.lcType);
-        info.elInfo.concNaCl = 0.001f; // the field must reach as far
-        const FieldConstants field = fieldConstants(info.elInfo);
+        info.concNaCl = 0.001f; // the field must reach as far
+        const FieldConstants field = fieldConstants(info);
         const double y =
             4.0 * std::atanh(static_cast<double>(field.gamma) * std::exp(-field.kappa * row.distance / 10.0));
         const double expected = std::exp(-0.5 * y);
@@ -76,16 +76,16 @@ TEST(Face, OtherModelsKeepTheWeightAndAMoleculeThatTouchesTheParticleHasNone)
 {
     EXPECT_EQ(weightOf(sample(3), 1.0), -1.0);
     TrelmInfo info = sample(lcWall);
-    info.elInfo.iFace = 5.0f; // the lower atom lies on the surface exactly
+    info.iFace = 5.0f; // the lower atom lies on the surface exactly
     EXPECT_EQ(weightOf(info, 1.0), 0.0);
-    info.elInfo.iFace = 5.001f;
+    info.iFace = 5.001f;
     EXPECT_GT(weightOf(info, 1.0), 0.0);
 }
 
 TEST(Face, EachCallMultipliesTheTableByItsScale)
 {
     TrelmInfo info = sample(lcRod);
-    info.elInfo.kPot = 0.1f;
+    info.kPot = 0.1f;
     std::vector<double> zero = {0.0};
     Charges none;
     Potential potential;
@@ -141,7 +141,7 @@ TEST(FacePDB, WritesTheOrientationOfTheLowerWeight)
 TEST(FacePDB, AMoleculeWithinTheParticleIsNotFlipped)
 {
     TrelmInfo info = sample(lcRod);
-    info.elInfo.iFace = -10.0f;
+    info.iFace = -10.0f;
     PDBInfo written;
     const Said lines = runFace({-1.0f, 0.0f}, info, written);
     EXPECT_NE(lines.out.find("REMARK Probability of initial orientation 0.000000e+00.\n"), std::string::npos);

@@ -112,9 +112,9 @@ TEST(AtomSelection, ChargesComeFirstAndADipoleReplacesThem)
             atom.selected = isHydrogen(atom) ? 0 : 1;
         Charges placed = {{100, 200, 300}, {1.0f, -0.5f, -1.5f}};
         ChargeSet charges = placed.set();
-        info.elInfo.elFlag = row.elFlag;
-        info.elInfo.chSelFlag = row.chSelFlag;
-        info.elInfo.dipoleFlag = row.dipoleFlag;
+        info.elFlag = row.elFlag;
+        info.chSelFlag = row.chSelFlag;
+        info.dipoleFlag = row.dipoleFlag;
         int count = 0;
         ASSERT_EQ(chCoorSelect(&pdb, info, {x, y, z}, charges, 0, count), 0);
         EXPECT_EQ(count, row.atoms);

@@ -178,7 +178,7 @@ int simulateAlignment(TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, std:
     const bool inGrid = trelmInfo.lcType == lcGrid;
     const Coordinates view = {atoms.x, atoms.y, atoms.z};
     int status = 0;
-    if (trelmInfo.elInfo.elFlag != 0)
+    if (trelmInfo.elFlag != 0)
         status = inGrid ? sma3D(trelmInfo, view, ddots, charges, fields.pot3D.span(), saupeEl)
                         : runCharged(trelmInfo, atoms, distance, ddots, charges, fields.potential, saupeEl);
     else if (inGrid)

@@ -27,9 +27,9 @@ GridSetup gridSetup(const TrelmInfo &trelmInfo, const SmaSetup &setup)
             .min_protein_length = setup.min_protein_length};
 }
 
-void scalePotential(const ElInfo &elInfo, Potential &potential)
+void scalePotential(const ChargeOptions &elInfo, Potential &potential)
 {
-    std::printf("trelmInfo->elInfo.kPot: %.1f \n", number(elInfo.kPot));
+    std::printf("trelmInfo->kPot: %.1f \n", number(elInfo.kPot));
     for (int i = 0; i < potential.count; ++i) {
         double &value = potential.values[static_cast<std::size_t>(i)];
         value = number(static_cast<float>(value) / elInfo.kPot);
@@ -40,8 +40,8 @@ void reportGrid(const TrelmInfo &trelmInfo, const SmaSetup &setup, const Positio
 {
     std::printf("REMARK Minimum molecule dimension %.3f [A].\n", setup.min_protein_length);
     std::printf("REMARK Maximum molecule dimension %.3f [A].\n", setup.max_protein_length);
-    if (trelmInfo.elInfo.kAtt != 0.0f)
-        std::printf("REMARK trelmInfo->elInfo.kAtt = %.3f [A].\n", number(trelmInfo.elInfo.kAtt));
+    if (trelmInfo.kAtt != 0.0f)
+        std::printf("REMARK trelmInfo->kAtt = %.3f [A].\n", number(trelmInfo.kAtt));
     std::printf("@@@ offset_grid = %.3f [A]  t_pts = %d.\n",
                 setup.min_protein_length + number(trelmInfo.radiusModel), grid.grid_el);
     std::printf("@@@ REMARK grid_el[0] = %.3f [A].\n", number(grid.positionDist[0]));
@@ -60,10 +60,10 @@ int simulateWall(const Charged &charged, PositionGrid &grid, Saupe &saupe)
 {
     const TrelmInfo &info = charged.trelmInfo;
     const double spacing = number(info.gridSpacing), cell = number(info.rSingleCell);
-    const double limit = std::min(cell, info.elInfo.cutoffPot);
+    const double limit = std::min(cell, info.cutoffPot);
     if (!extendPositions(grid, spacing, [limit](double last, double) { return last <= limit; }))
         warnShortGrid(grid);
-    if (info.elInfo.chFlag != 0)
+    if (info.chFlag != 0)
         reportField(charged.field);
 
     NearestKernel kernel = makeNearestKernel(charged.placed.atoms);
@@ -85,8 +85,8 @@ int simulateWall(const Charged &charged, PositionGrid &grid, Saupe &saupe)
         addWeighted(saupe, turn.saupe, weight);
         total += weight;
     });
-    if (cell - info.elInfo.cutoffPot > 0.0)
-        total += (cell - info.elInfo.cutoffPot) * charged.set.count() / spacing;
+    if (cell - info.cutoffPot > 0.0)
+        total += (cell - info.cutoffPot) * charged.set.count() / spacing;
     return divideByWeights(tag, total, saupe);
 }
 
@@ -106,7 +106,7 @@ struct RodSums {
 void extendRodGrid(const Charged &charged, double beta, PositionGrid &grid)
 {
     const TrelmInfo &info = charged.trelmInfo;
-    const double radius = number(info.radiusModel), cutoff = info.elInfo.cutoffPot;
+    const double radius = number(info.radiusModel), cutoff = info.cutoffPot;
     const auto isBelow = [&](double distance) {
         return std::fabs(surfacePotential(charged.field, distance - radius)) < cutoff;
     };
@@ -136,7 +136,7 @@ void extendRodGrid(const Charged &charged, double beta, PositionGrid &grid)
 void reportRod(const Charged &charged, double end_dist, double beta, const PositionGrid &grid)
 {
     const TrelmInfo &info = charged.trelmInfo;
-    std::printf("@@ trelmInfo->elInfo.cutoffPot: %e\n", info.elInfo.cutoffPot);
+    std::printf("@@ trelmInfo->cutoffPot: %e\n", info.cutoffPot);
     std::printf("@@ trelmInfo->radiusModel: %f\n", number(info.radiusModel));
     std::printf("@@ trelmInfo->concentration: %f\n", number(info.concentration));
     std::printf("@@ density: %f\n", rodDensity);
@@ -307,14 +307,14 @@ int sma(const TrelmInfo &trelmInfo, const Coordinates &atoms, std::span<const do
 {
     saupe = {};
     if (!potential.isFieldTold)
-        checkField(trelmInfo.elInfo);
+        checkField(trelmInfo);
     potential.isFieldTold = true;
     const Charged charged{trelmInfo,
                           {atoms, &charges},
-                          fieldConstants(trelmInfo.elInfo),
+                          fieldConstants(trelmInfo),
                           makeOrientationSet(dots, trelmInfo.digPsiNSC)};
     reportSetBias(charged.set, "");
-    scalePotential(trelmInfo.elInfo, potential);
+    scalePotential(trelmInfo, potential);
     PositionGrid grid;
     if (!layPositions(tag, gridSetup(trelmInfo, setup), grid))
         mzerror("allocation failure for grid_el");

@@ -132,15 +132,14 @@ int iFace(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, const Char
 {
     for (int i = 0; i < potential.count; ++i) {
         double &value = potential.values[static_cast<std::size_t>(i)];
-        value = number(static_cast<float>(value) * trelmInfo.elInfo.kPot);
+        value = number(static_cast<float>(value) * trelmInfo.kPot);
     }
     if (trelmInfo.lcType != lcWall && trelmInfo.lcType != lcRod)
         return 0;
     const std::vector<float> y = centred(atoms.y, 0.0);
-    const std::vector<float> z =
-        centred(atoms.z, number(trelmInfo.radiusModel) + number(trelmInfo.elInfo.iFace));
-    const Obstacle obstacle = {trelmInfo, fieldConstants(trelmInfo.elInfo)};
-    if (!obstacle.isWall() || trelmInfo.elInfo.chFlag != 0)
+    const std::vector<float> z = centred(atoms.z, number(trelmInfo.radiusModel) + number(trelmInfo.iFace));
+    const Obstacle obstacle = {trelmInfo, fieldConstants(trelmInfo)};
+    if (!obstacle.isWall() || trelmInfo.chFlag != 0)
         reportField(obstacle.field);
     for (std::size_t j = 0; j < z.size(); ++j)
         if (obstacle.touches(y[j], z[j])) {
@@ -155,7 +154,7 @@ int iFace(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, const Char
         const auto place = static_cast<std::size_t>(charges.chargeAtomID[c]);
         energy += obstacle.potential(y[place], z[place]) * number(charges.charges[c]);
     }
-    prob = std::exp(-number(trelmInfo.elInfo.kEnergy * static_cast<float>(energy)));
+    prob = std::exp(-number(trelmInfo.kEnergy * static_cast<float>(energy)));
     return 0;
 }
 

@@ -42,15 +42,15 @@ void reportGrid(const TrelmInfo &info, const Grid3D &grid, const OrientationSet 
     std::printf("REMARK trelmInfo->unitLengthLC: %f\n", number(info.unitLengthLC));
     std::printf("REMARK trelmInfo->polymerDeg: %f\n", number(info.polymerDeg));
     std::printf("REMARK trelmInfo->rSingleCell: %e\n", number(info.rSingleCell));
-    std::printf("REMARK trelmInfo->elInfo.maxPot: %f\n", number(info.elInfo.maxPot));
+    std::printf("REMARK trelmInfo->maxPot: %f\n", number(info.maxPot));
     std::printf("REMARK trelmInfo->grid3DdeltaX: %f\n", number(info.grid3DdeltaX));
     std::printf("REMARK trelmInfo->grid3DdeltaY: %f\n", number(info.grid3DdeltaY));
     std::printf("REMARK trelmInfo->grid3DdeltaZ: %f\n", number(info.grid3DdeltaZ));
     std::printf("REMARK trelmInfo->grid3DnX: %d\n", info.grid3DnX);
     std::printf("REMARK trelmInfo->grid3DnY: %d\n", info.grid3DnY);
     std::printf("REMARK trelmInfo->grid3DnZ: %d\n", info.grid3DnZ);
-    std::printf("REMARK trelmInfo->elInfo.z1: %d\n", info.elInfo.z1);
-    std::printf("REMARK trelmInfo->elInfo.zN: %d\n", info.elInfo.zN);
+    std::printf("REMARK trelmInfo->z1: %d\n", info.z1);
+    std::printf("REMARK trelmInfo->zN: %d\n", info.zN);
     std::printf("REMARK nZGridSel: %d\n", grid.planes());
     std::printf("REMARK lengthGrid: %d\n", grid.count[0] * grid.count[1] * grid.planes());
     std::printf("REMARK Digitization of orientations: digPsi = %d    dots = %d   inc_psi = %.1f\n",
@@ -258,9 +258,9 @@ Grid3D makeGrid3D(const TrelmInfo &info)
     Grid3D grid;
     grid.count = {info.grid3DnX, info.grid3DnY, info.grid3DnZ};
     grid.spacing = {info.grid3DdeltaX, info.grid3DdeltaY, info.grid3DdeltaZ};
-    grid.z1 = info.elInfo.z1;
-    grid.zN = info.elInfo.zN;
-    grid.maxPot = info.elInfo.maxPot;
+    grid.z1 = info.z1;
+    grid.zN = info.zN;
+    grid.maxPot = info.maxPot;
     for (std::size_t axis = 0; axis < 3; ++axis) {
         grid.half[axis] = static_cast<int>(std::floor(grid.count[axis] / 2.0));
         const int before = axis == 2 ? grid.half[2] - grid.z1 : grid.half[axis];

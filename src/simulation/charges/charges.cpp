@@ -21,7 +21,7 @@ void scalePlaces(ChargeSet &set, std::size_t first, std::size_t count, float sca
 }
 
 /// The scales belong to hand-made pKa files that hold a monopole, a quadrupole and a dipole in this order.
-void scaleMoments(const ElInfo &elInfo, ChargeSet &set)
+void scaleMoments(const ChargeOptions &elInfo, ChargeSet &set)
 {
     if (elInfo.kMonoCh == 1.0f && elInfo.kDipoCh == 1.0f && elInfo.kQuadCh == 1.0f)
         return;
@@ -32,7 +32,7 @@ void scaleMoments(const ElInfo &elInfo, ChargeSet &set)
 
 /// Scales and sums the placed charges. Returns 1 if the sum is no number, which one question tells for pH,
 /// scales and values alike.
-int settle(const ElInfo &elInfo, ChargeSet &set)
+int settle(const ChargeOptions &elInfo, ChargeSet &set)
 {
     scaleMoments(elInfo, set);
     set.chSum = 0.0f;
@@ -41,8 +41,8 @@ int settle(const ElInfo &elInfo, ChargeSet &set)
     return std::isfinite(set.chSum) ? 0 : complain("Error: The net charge is not a finite number.\n");
 }
 
-int chargeFromFile(const std::string &inName, const PDBInfo &pdbInfo, const ElInfo &elInfo, ChargeSet &set,
-                   ChargeLines &lines)
+int chargeFromFile(const std::string &inName, const PDBInfo &pdbInfo, const ChargeOptions &elInfo,
+                   ChargeSet &set, ChargeLines &lines)
 {
     ResidueRange range;
     if (readChargeFile(inName, pdbInfo, elInfo.pH, set, lines, range) != 0 || settle(elInfo, set) != 0)
@@ -146,7 +146,7 @@ int titrateAtom(ResidueGroups &groups, std::size_t place, std::string_view name,
     return 0;
 }
 
-int titrateDefaults(const PDBInfo &pdbInfo, const ElInfo &elInfo, ChargeSet &set, ChargeLines &lines)
+int titrateDefaults(const PDBInfo &pdbInfo, const ChargeOptions &elInfo, ChargeSet &set, ChargeLines &lines)
 {
     ResidueGroups groups;
     const auto atoms = pdbInfo.atoms();
@@ -201,7 +201,7 @@ const ChargeRow *rowOf(const ResidueRows &rows, std::string_view name)
     return findRow(rows.own, name);
 }
 
-int placePartialCharges(ChargeTableID id, const PDBInfo &pdbInfo, const ElInfo &elInfo, ChargeSet &set,
+int placePartialCharges(ChargeTableID id, const PDBInfo &pdbInfo, const ChargeOptions &elInfo, ChargeSet &set,
                         ChargeLines &lines)
 {
     const ChargeTable table = chargeTable(id);
@@ -227,8 +227,8 @@ int placePartialCharges(ChargeTableID id, const PDBInfo &pdbInfo, const ElInfo &
     return 0;
 }
 
-int placeCharges(const std::string &inName, const PDBInfo &pdbInfo, const ElInfo &elInfo, ChargeSet &set,
-                 ChargeLines &lines)
+int placeCharges(const std::string &inName, const PDBInfo &pdbInfo, const ChargeOptions &elInfo,
+                 ChargeSet &set, ChargeLines &lines)
 {
     if (!inName.empty())
         return elInfo.elFlag != 0 ? chargeFromFile(inName, pdbInfo, elInfo, set, lines) : 0;
@@ -268,7 +268,7 @@ void warnMixedNumbers(const PDBInfo &pdbInfo)
 int chargeSetup(const std::string &inName, PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, ChargeSet &set,
                 const std::string &outName)
 {
-    const ElInfo &elInfo = trelmInfo.elInfo;
+    const ChargeOptions &elInfo = trelmInfo;
     set.chCount = 0;
     set.chSum = 0.0f;
     if (isSameFile(inName, outName))

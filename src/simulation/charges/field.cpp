@@ -8,7 +8,7 @@
 
 namespace trelm {
 
-FieldConstants fieldConstants(const ElInfo &elInfo)
+FieldConstants fieldConstants(const ChargeOptions &elInfo)
 {
     FieldConstants field;
     field.rho = static_cast<float>(number(elInfo.concNaCl) * 0.6022);
@@ -34,7 +34,7 @@ void reportField(const FieldConstants &field)
     std::printf("REMARK Potential at surface %e [e/kB*T].\n", static_cast<double>(field.y0));
 }
 
-void checkField(const ElInfo &elInfo)
+void checkField(const ChargeOptions &elInfo)
 {
     const FieldConstants field = fieldConstants(elInfo);
     if (!(field.kappa > 0.0) || !std::isfinite(field.kappa) || std::isnan(field.gamma))

@@ -14,7 +14,7 @@ struct FieldConstants {
     float gamma = 0.0f;          ///< tanh(y0 / 4)
 };
 
-FieldConstants fieldConstants(const ElInfo &elInfo);
+FieldConstants fieldConstants(const ChargeOptions &elInfo);
 
 /// The potential, kT/e, at a distance from the surface, angstrom.
 double surfacePotential(const FieldConstants &field, double distance);
@@ -24,6 +24,6 @@ void reportField(const FieldConstants &field);
 
 /// Warns of salt, temperature, surface charge, scale and cutoff that make no sense: the run goes on with the
 /// numbers, or no numbers, that they give.
-void checkField(const ElInfo &elInfo);
+void checkField(const ChargeOptions &elInfo);
 
 } // namespace trelm

@@ -171,7 +171,7 @@ int gridPoints(const TrelmInfo &trelmInfo, std::size_t &points)
     const auto tell = [](const char *kind, const char *what) {
         return complain("%s the 3D grid has %s.\n", kind, what);
     };
-    const ElInfo &elInfo = trelmInfo.elInfo;
+    const ChargeOptions &elInfo = trelmInfo;
     const double nX = trelmInfo.grid3DnX, nY = trelmInfo.grid3DnY, nZ = trelmInfo.grid3DnZ;
     const double planes = 1.0 + elInfo.zN - elInfo.z1;
     bool isNegative = false;
@@ -216,7 +216,7 @@ int read3DPotSteric(const std::string &inName, const TrelmInfo &trelmInfo, Block
         return 1;
     if (inName.empty())
         return 0;
-    const auto maxPot = static_cast<double>(trelmInfo.elInfo.maxPot);
+    const auto maxPot = static_cast<double>(trelmInfo.maxPot);
     return readGrid(inName, pot3Dst.span().size(), read, [&](std::size_t i, double value) {
         pot3Dst[i] = std::fabs(value) < maxPot ? 1.0f : 0.0f;
     });

@@ -7,11 +7,11 @@
 
 namespace trelm {
 
-/// Reads a configuration file: lines of a key with its colon and a number. It fills gridInfo of the run
-/// record (angles in degrees, distances in angstrom) and Pmax of the search; what no line names stays as it
-/// is. An empty name does nothing. An unknown key is told and skipped. Returns 0; 1 after a message for a
-/// file that cannot be read, a line without a key and a number, or a number that is not finite. The lines
-/// before that one have been applied then.
-int readConfig(const std::string &inName, TrelmInfo &trelmInfo, SearchState &search);
+/// Reads a configuration file: lines of a key with its colon and a number. It fills the
+/// options (angles in degrees, distances in angstrom); what no line names stays as it is. An empty name does
+/// nothing. An unknown key is told and skipped. Returns 0; 1 after a message for a file that cannot be read,
+/// a line without a key and a number, or a number that is not finite. The lines before that one have been
+/// applied then.
+int readConfig(const std::string &inName, DomainOptions &options);
 
 } // namespace trelm

@@ -111,7 +111,7 @@ int exposedBackbone(PDBInfo *pdbInfo, IsWanted isWanted, std::vector<std::size_t
 
 int initOrient(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo)
 {
-    const GridInfo &gridInfo = trelmInfo.gridInfo;
+    const DomainOptions &gridInfo = trelmInfo;
     Axis mean;
     if (meanOfResidues(*pdbInfo, gridInfo.startResPart1, gridInfo.endResPart1, mean) != 0)
         return 1;
@@ -140,7 +140,7 @@ int positionDomain(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, int resN, int r
         return complain("positionDomain: no atoms in residues %d to %d of domain 2.\n", resN, resC);
     if (moveToPivot(pdbInfo, origin2, "ORIGIN_DOM2:") != 0)
         return 1;
-    const auto &angle = trelmInfo.gridInfo.angleDom;
+    const auto &angle = trelmInfo.angleDom;
     if (rotateDomain(
             {static_cast<double>(angle[0]), static_cast<double>(angle[1]), static_cast<double>(angle[2])},
             pdbInfo, resN, resC) != 0)
@@ -164,7 +164,7 @@ int selectSurfDom(PDBInfo *pdbInfo, int resN, int resC, std::vector<std::size_t>
 int chkClashDom(const PDBInfo &pdbInfo, const TrelmInfo &trelmInfo, std::span<const std::size_t> indI,
                 std::span<const std::size_t> indJ)
 {
-    const float clashDist = trelmInfo.gridInfo.clashDist;
+    const float clashDist = trelmInfo.clashDist;
     for (const std::size_t i : indI) {
         const AtomInfo &a = pdbInfo.atomList[i];
         for (const std::size_t j : indJ) {

@@ -68,7 +68,8 @@ struct Direction {
 };
 
 /// Appends the states of a direction. Returns 0, or 1 after a message if there are too many.
-int appendStates(const GridInfo &gridInfo, const Direction &direction, Monitors &monitors, Ensemble &ensemble)
+int appendStates(const DomainOptions &gridInfo, const Direction &direction, Monitors &monitors,
+                 Ensemble &ensemble)
 {
     std::string text;
     for (int g = 0; g < gridInfo.digPsiE; ++g) {
@@ -97,7 +98,7 @@ int appendStates(const GridInfo &gridInfo, const Direction &direction, Monitors 
     return 0;
 }
 
-int generateStates(const GridInfo &gridInfo, Monitors &monitors, Ensemble &ensemble)
+int generateStates(const DomainOptions &gridInfo, Monitors &monitors, Ensemble &ensemble)
 {
     ensemble.count = 0;
     std::span<const double> dots;
@@ -179,7 +180,7 @@ int startEnsemble(EnsembleRun &run)
         return complain("TRELM Error opening log file for grid search %s\n", run.setup.outName.c_str());
     if (storePDBCoords(run.pdbInfo) != 0)
         return complain("matrix: error in storePDBCoords.\n");
-    const GridInfo &gridInfo = run.trelmInfo->gridInfo;
+    const DomainOptions &gridInfo = *run.trelmInfo;
     if (selectSurfDom(run.pdbInfo, gridInfo.startResDom1, gridInfo.endResDom1, run.indI, run.indJ) != 0)
         return complain("ensembleAlignment: error in chkDomClash.\n");
     return 0;
@@ -188,7 +189,7 @@ int startEnsemble(EnsembleRun &run)
 /// Turns domain 1 and shows the molecule.
 int turnState(EnsembleRun &run, StateAtWork &state)
 {
-    const GridInfo &gridInfo = run.trelmInfo->gridInfo;
+    const DomainOptions &gridInfo = *run.trelmInfo;
     const auto &[alpha, beta, gamma] = state.angles;
     if (restorePDBCoords(run.pdbInfo) != 0)
         return complain("matrix: error in storePDBCoords.\n");
@@ -208,7 +209,7 @@ int turnState(EnsembleRun &run, StateAtWork &state)
 /// Puts the turned molecule where it is simulated.
 int placeState(EnsembleRun &run, const StateAtWork &state)
 {
-    const GridInfo &gridInfo = run.trelmInfo->gridInfo;
+    const DomainOptions &gridInfo = *run.trelmInfo;
     PDBInfo *pdbInfo = run.pdbInfo;
     const auto &[alpha, beta, gamma] = state.angles;
     if (gridInfo.fixRotDomain != 0 &&
@@ -227,7 +228,7 @@ int placeState(EnsembleRun &run, const StateAtWork &state)
 /// Whether the state goes no further: its domains clash, or only a list was asked for.
 bool endsHere(EnsembleRun &run, const StateAtWork &state)
 {
-    const GridInfo &gridInfo = run.trelmInfo->gridInfo;
+    const DomainOptions &gridInfo = *run.trelmInfo;
     if (gridInfo.clashFlag != 0 && chkClashDom(*run.pdbInfo, *run.trelmInfo, run.indI, run.indJ) != 0) {
         std::printf("REMARK steric clash of domains in state %d.\n", state.id);
         return true;
@@ -241,7 +242,7 @@ bool endsHere(EnsembleRun &run, const StateAtWork &state)
 /// Logs the angles between the axes of the two parts of the angle definition.
 int logPartAngles(EnsembleRun &run)
 {
-    const GridInfo &gridInfo = run.trelmInfo->gridInfo;
+    const DomainOptions &gridInfo = *run.trelmInfo;
     Matrix3d tensor1, tensor2;
     if (calcInertiaSel(*run.pdbInfo, gridInfo.startResPart1, gridInfo.endResPart1, tensor1) != 0 ||
         calcInertiaSel(*run.pdbInfo, gridInfo.startResPart2, gridInfo.endResPart2, tensor2) != 0)
@@ -377,7 +378,7 @@ int setupEnsemble(const TrelmInfo &trelmInfo, const EnsembleFiles &files, Ensemb
     if (openMonitor(monitors.axes, files.outEAxName, monitors.hasAxes) != 0 ||
         openMonitor(monitors.angles, files.outEName, monitors.hasAngles) != 0)
         return 1;
-    if (generateStates(trelmInfo.gridInfo, monitors, ensemble) != 0)
+    if (generateStates(trelmInfo, monitors, ensemble) != 0)
         return 1;
     if ((monitors.hasAxes && closeOut(monitors.axes) != 0) ||
         (monitors.hasAngles && closeOut(monitors.angles) != 0))
@@ -421,11 +422,11 @@ int simEnsAlignment(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, 
 {
     if (atoms.x.empty())
         return complain("simulateAlignment: no atoms selected.\n");
-    if (trelmInfo.gridInfo.pivotCenter != 0)
+    if (trelmInfo.pivotCenter != 0)
         centreSingle(atoms);
     const float distance = largestDistance(atoms);
     int status = 0;
-    if (trelmInfo.elInfo.elFlag == 0) {
+    if (trelmInfo.elFlag == 0) {
         status = runSteric(trelmInfo, atoms, distance, ddots, saupe);
         if (status != 0)
             complain("simulateAlignment: error in stericAlignment.");

@@ -142,7 +142,7 @@ int chCoorSelect(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const CoordinateB
 {
     if (trelmInfo.surfFlag != 0 && callNSC(pdbInfo) != 0)
         return complain("Error reading selection of atoms.\n");
-    const ElInfo &elInfo = trelmInfo.elInfo;
+    const ChargeOptions &elInfo = trelmInfo;
     if (elInfo.elFlag != 0)
         placeCharges(*pdbInfo, elInfo.dipoleFlag != 0, atoms, charges, verb);
     else

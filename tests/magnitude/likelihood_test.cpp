@@ -229,7 +229,7 @@ TEST(Likelihood, TakesWhatIsJustWithinTheLimits)
     EXPECT_NEAR(search.options.DaMl, -10.3, 0.9);
 
     Search fine = {.powder = {.da = -2.0, .count = 20}};
-    fine = {.lDaMl = -3.0f, .hDaMl = -1.0f, .incDaMl = 0.01f, .hRMl = 1.0f, .incRMl = 0.01f};
+    fine.options = {.lDaMl = -3.0f, .hDaMl = -1.0f, .incDaMl = 0.01f, .hRMl = 1.0f, .incRMl = 0.01f};
     fine.run();
     EXPECT_EQ(fine.status, 0) << fine.err;
     EXPECT_EQ(std::ranges::count(fine.scores, '\n'), 20000 + 3);

@@ -137,7 +137,7 @@ Hinge hingeOf(const Matrix3f &m, const Vector3f &twist)
     return hinge;
 }
 
-/// The axis that the closure frame is built on.
+/// How a hinge axis that was given lies to the twist axis.
 void tellHinge(const Vector3f &hingeAxis, const Vector3f &twist)
 {
     std::printf("REMARK %.2f degree between input hinge and twist axis.\n",
@@ -255,9 +255,9 @@ void compareFrames(const TrelmInfo &trelmInfo, const Vector3f &hingeAxis, const 
         const Matrix3f back2 = rotationOf(euler2.beta[i], euler2.alpha[i], euler2.gamma[i]);
         found.hinges[i] = hingeOf(matMult(turn1, back2), twist);
     }
-    const bool isOwn = isNotGiven(hingeAxis);
-    const Vector3f &hinge = isOwn ? found.hinges[static_cast<std::size_t>(trelmInfo.rotN)].axis : hingeAxis;
-    if (!isOwn)
+    const bool isGiven = !isNotGiven(hingeAxis);
+    const Vector3f &hinge = isGiven ? hingeAxis : found.hinges[static_cast<std::size_t>(trelmInfo.rotN)].axis;
+    if (isGiven)
         tellHinge(hinge, twist);
     found.frame = closureFrame(hinge, twist);
     const Matrix3f turnClosure = turnInto(found.frame);

@@ -388,7 +388,8 @@ int selTypDC(std::span<DInfo> dList, std::string_view atomNameI, std::string_vie
 int addRows(DTable *dTab, int count)
 {
     const auto rows = static_cast<std::size_t>(dTab->dCount) + static_cast<std::size_t>(count);
-    const auto pairs = static_cast<std::size_t>(dTab->maxCount) + static_cast<std::size_t>(count);
+    const auto pairs = static_cast<std::size_t>(dTab->maxCount) +
+                       static_cast<std::size_t>(count); // one for each row that is added
     if (!dTab->dObsList.grow("dc", rows) || !dTab->dCalcList.grow("dc", rows))
         return complain("DC Error Allocating DC Values.\n");
     if (allocateWork(dTab, pairs) != 0)

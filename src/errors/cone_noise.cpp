@@ -154,7 +154,7 @@ ConeSetup coneOf(const TrelmInfo &trelmInfo)
 int checkCone(const TrelmInfo &trelmInfo)
 {
     const double width = trelmInfo.coneWidth;
-    if (trelmInfo.coneDig < 1)
+    if (trelmInfo.noiseMode != 0 && trelmInfo.coneDig < 1) // backbone angles have no place on a cone
         return complain("trelm: -digCone %d: a cone needs at least one position.\n", trelmInfo.coneDig);
     if (!std::isfinite(width))
         return complain("trelm: -stdCone %g: the width of a cone must be a finite number.\n", width);

@@ -39,8 +39,8 @@ int offsetOf(const ResidueOffset &offset);
 /// The cone of a run.
 ConeSetup coneOf(const TrelmInfo &trelmInfo);
 
-/// Returns 0, or 1 after a message if no noise can be drawn on the cone of a run. Warns of one that is wider
-/// than an angle can be.
+/// Returns 0, or 1 after a message if no noise of its kind can be drawn on the cone of a run. Warns of one
+/// that is wider than an angle can be.
 int checkCone(const TrelmInfo &trelmInfo);
 
 /// Returns 0, or 1 after a message if angles on a cone of this width would be drawn for ever.

@@ -6,6 +6,7 @@
 #include "errors/fit_statistics.h"
 #include "modes/simulation.h"
 #include "simulation/alignment/alignment.h"
+#include "simulation/charges/field.h"
 #include "simulation/domains/domains.h"
 #include "simulation/domains/ensemble.h"
 #include "structure/write.h"
@@ -68,6 +69,8 @@ int averageEnsemble(Run &run, const Ensemble &ensemble, const ChargeSet &charges
                                  .outName = options.flexName,
                                  .outDcEnsName = options.oDcEName,
                                  .verbose = run.trelmInfo[0].verbFlag};
+    if (run.trelmInfo[0].elFlag != 0) // once: all states lie in one field
+        checkField(run.trelmInfo[0]);
     const int status = ensembleAlignment(&run.pdbInfo[0], &run.dTab[0], &run.trelmInfo[0], setup, saupeAve);
     if (status != 0)
         complain("matrix: ensembleAlignment error occured.\n");

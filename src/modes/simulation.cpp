@@ -8,6 +8,7 @@
 #include "simulation/alignment/face.h"
 #include "simulation/alignment/free_format.h"
 #include "simulation/charges/charges.h"
+#include "simulation/charges/field.h"
 #include "simulation/domains/config.h"
 #include "simulation/orientations/sphere.h"
 #include "structure/select.h"
@@ -99,6 +100,8 @@ int chooseSolute(Run &run, const char *complaint, Solute &solute)
 int alignSolute(Run &run, const Solute &solute, AlignmentFields &fields, TensorAnalysis &analysis)
 {
     Saupe saupe = {};
+    if (run.trelmInfo[0].elFlag != 0 && run.trelmInfo[0].lcType != lcGrid)
+        checkField(run.trelmInfo[0]);
     const int status =
         simulateAlignment(run.trelmInfo[0], solute.atoms, solute.ddots, solute.charges, fields, saupe);
     if (status != 0) {
@@ -114,6 +117,18 @@ void reportGridFile(const Run &run, int digPotential)
     if (!run.options.pot3DName.empty())
         complain("REMARK 3D Potential %s, Total # of gridpositions %d (x: %d, y: %d, z: %d).\n",
                  run.options.pot3DName.c_str(), digPotential, info.grid3DnX, info.grid3DnY, info.grid3DnZ);
+}
+
+/// Reads the grid of a steric run for what there is to tell of it: the run ends in the kernel, with status 0,
+/// before a point is asked for.
+int readStericGrid(const Run &run)
+{
+    Block<float> pot3Dst;
+    int digPotential = 0;
+    if (read3DPotSteric(run.options.pot3DName, run.trelmInfo[0], pot3Dst, digPotential) != 0)
+        return complain("ERROR: Reading of 3D potential not successful.\n");
+    reportGridFile(run, digPotential);
+    return 0;
 }
 
 int turnStructure(Run &run, const EulerLists &euler)
@@ -194,7 +209,8 @@ int setUp(Run &run, ChargeSet &charges)
 int makeDots(Run &run, std::span<const double> &ddots)
 {
     std::span<const double> dots;
-    if (do_unsp(run.trelmInfo[0].densityNSC, dots) != 0 || dots.size() > run.ddots.span().size())
+    if (do_unsp(run.trelmInfo[0].densityNSC, dots) != 0 ||
+        dots.size() > run.ddots.span().size()) // checkSimulation has bounded them
         return complain("Matrix: unsp error occured.\n");
     std::ranges::copy(dots, run.ddots.data());
     ddots = run.ddots.span().first(dots.size());
@@ -213,16 +229,9 @@ int simulateSteric(Run &run)
     int status = chooseSolute(run, "trelm: error reading selection of atoms.\n", solute);
     if (status != 0)
         return status;
+    if (inGrid && readStericGrid(run) != 0)
+        return 1;
     AlignmentFields fields;
-    int digPotential = 0;
-    if (inGrid) { // the run ends in the kernel, with status 0, once the grid has been looked at
-        status = read3DPotSteric(run.options.pot3DName, trelmInfo, fields.pot3Dst, digPotential);
-        if (status != 0) {
-            complain("ERROR: Reading of 3D potential not successful.\n");
-            return status;
-        }
-        reportGridFile(run, digPotential);
-    }
     TensorAnalysis analysis;
     status = alignSolute(run, solute, fields, analysis);
     return status != 0 ? status : turnStructure(run, analysis.euler);

@@ -35,14 +35,11 @@ int moveAtoms(Run &run)
 
 int addStructureNoise(Run &run)
 {
-    int status = checkCone(run.trelmInfo[0]);
-    if (status == 0 && run.pdbInfo[0].atomCount == 0)
+    if (run.pdbInfo[0].atomCount == 0)
         complain("trelm: -struc has no atoms to move: see -pdb.\n");
-    else if (status == 0)
-        status = moveAtoms(run);
-    if (status != 0)
-        return status;
-    status = writePDB(run.options.pRotName, &run.pdbInfo[0], &run.sInfo, run.options.remark);
+    else if (checkCone(run.trelmInfo[0]) != 0 || moveAtoms(run) != 0)
+        return 1;
+    const int status = writePDB(run.options.pRotName, &run.pdbInfo[0], &run.sInfo, run.options.remark);
     if (status != 0)
         complain("trelm: error in writePDB.\n");
     return status;

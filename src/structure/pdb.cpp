@@ -155,7 +155,7 @@ int readPDB(const std::string &pdbName, PDBInfo *pdbInfo, const PDBSelectInfo *s
         return complain("PDB Error: %s is an mmCIF file: the PDB format is wanted.\n", shownName);
     if (readAtoms(input, *pdbInfo, sInfo) != 0)
         return 1;
-    if (pdbInfo->atomCount == 0 && sInfo == nullptr)
+    if (pdbInfo->atomCount == 0 && sInfo == nullptr) // a selection may leave out all atoms of a good file
         complain("PDB Warning: no ATOM line in %s: is it a PDB file?\n", shownName);
     if (indexPDB(pdbInfo) != 0)
         return complain("PDB Error Indexing PDB File %s\n", shownName);

@@ -136,7 +136,7 @@ int writePDBRot(std::span<const double, 4> angleList1, std::span<const double, 4
                 std::span<const double, 4> angleList3, int rotID, PDBInfo *pdbInfo,
                 const PDBSelectInfo *sInfo, const std::string &outName, const char *remark)
 {
-    if (rotID < 0 || rotID > 3)
+    if (!outName.empty() && (rotID < 0 || rotID > 3))
         complain("trelm: -rotID %d: the four frames have the numbers 0 to 3, none goes to the plain name.\n",
                  rotID);
     int status = 0;

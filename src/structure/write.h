@@ -23,11 +23,11 @@ void pdbCopyCoords(std::span<Coord3D> dest, std::span<const Coord3D> src);
 int writePDB(const std::string &pdbName, PDBInfo *pdbInfo, const PDBSelectInfo *sInfo, const char *remark);
 
 /// Writes the molecule turned into each of the four frames, centred, to `outName`.0 to `outName`.3, and the
-/// one of number `rotID` to `outName` too; any other number than 0 to 3 is told of, and it and an empty name
-/// give the files .0 to .3 alone. The angles are those of the frames, degrees, in the order gamma, beta,
-/// alpha. The molecule itself stays as it was, and the saved copy of its coordinates is overwritten with
-/// them. Returns the first failure's result, or 0; a numbered file that cannot be opened is told and passed
-/// over.
+/// one of number `rotID` to `outName` too. An empty name gives the files .0 to .3 alone, and so does any
+/// other number than 0 to 3, which is told of where there is a name. The angles are those of the frames,
+/// degrees, in the order gamma, beta, alpha. The molecule itself stays as it was, and the saved copy of its
+/// coordinates is overwritten with them. Returns the first failure's result, or 0; a numbered file that
+/// cannot be opened is told and passed over.
 int writePDBRot(std::span<const double, 4> angleList1, std::span<const double, 4> angleList2,
                 std::span<const double, 4> angleList3, int rotID, PDBInfo *pdbInfo,
                 const PDBSelectInfo *sInfo, const std::string &outName, const char *remark);

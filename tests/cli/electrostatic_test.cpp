@@ -222,11 +222,12 @@ TEST(ElectrostaticRun, OddValuesRunWithOneWarning)
         {"-stTrelm -3D -nX 0", positions, none},
         {"-elTrelm -3D -z1 3 -zN 2", positions, none},
         {"-elTrelm -3D -z1 1 -zN 1 -massLC 0", cell + "inf).\n", none},
-        {"-elTrelm -3D", planes, sum},
+        {"-elTrelm -3D -dGrid 0 -rM -3e38 -rA -3e38", planes, sum}, // a grid has neither
         {"-elTrelm -3D -dY -0.2 -z1 1 -zN 1", "the 3D grid has a negative spacing: see -dX, -dY, -dZ.\n",
          sum},
         {"-elTrelm -nacl 0 -nopkaDef", field, flipped + "1.000000e+00.\n"},
         {"-elTrelm -kPot 0", "-kPot 0: the potential is divided by 0.\n", flipped},
+        {"-stTrelm -el -kPot 0", "-kPot 0: the potential is divided by 0.\n", sum},
         {"-elTrelm -cut -100", "-cut -100: the cutoff is negative.\n", flipped},
         {"-elTrelm -pf1 -pot one.txt", noStep, flipped},
     };

@@ -209,8 +209,8 @@ TEST(EnsembleRun, OutputChoices)
     // More directions than a simulation has room for, of which a cone holds few enough.
     const Ran dense = ensembleRun("OUTPUT_ENSEMBLE: 2\nENSEMBLE_DENSITY: 40000\nBETA_H: 30\n", nullptr);
     EXPECT_EQ(countOf(dense.out, "REMARK 2756 states in ensemble.\n"), 1) << dense.out;
-    EXPECT_EQ(countOf(dense.err, "WARNING: ENSEMBLE_DENSITY 40000: 40962 directions are more than a "
-                                 "simulation takes.\n"),
+    EXPECT_EQ(countOf(dense.err, "WARNING: ENSEMBLE_DENSITY 40000: 40962 directions, a run holds 39998 "
+                                 "states of those within the limits.\n"),
               1)
         << dense.err;
     EXPECT_FALSE(setUp.exists("log"));

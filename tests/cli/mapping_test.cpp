@@ -250,7 +250,8 @@ TEST(StructuralNoise, WritesANoisyStructure)
         }
     EXPECT_EQ(moved, 63); // one atom of each coupling
 
-    for (const char *options : {"", "-angNoise ", "-inD ubi/bicelle_hn.tab "}) { // nothing to move
+    for (const char *options :
+         {"", "-angNoise ", "-inD ubi/bicelle_hn.tab ", "-digCone 0 "}) { // nothing to move
         const Ran empty = goodRun(options + std::string("-struc -pdbRot noisy.pdb"));
         EXPECT_EQ(empty.file("noisy.pdb"), "END\n");
         EXPECT_EQ(countOf(empty.err, "trelm: "), 1);

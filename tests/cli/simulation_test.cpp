@@ -129,6 +129,8 @@ TEST(TurnedStructures, AFrameThatIsNoneGoesToNoPlainName)
         for (const char *name : {"t.pdb.0", "t.pdb.1", "t.pdb.2", "t.pdb.3"})
             EXPECT_EQ(ran.exists(name), isTurned) << name;
     }
+    // Without a plain name there is none that could miss its structure.
+    EXPECT_EQ(countOf(goodRun(steric("-anPdb -rotID 4")).err, "-rotID"), 0);
 }
 
 TEST(FreeFormatRun, AgreesWithTheStructure)

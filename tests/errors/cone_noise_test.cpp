@@ -247,20 +247,22 @@ TEST(CheckCone, RefusesWhatHasNoNoise)
 {
     struct {
         double width;
-        int dig, fix, status;
+        int dig, fix, noiseMode, status;
     } const rows[] = {
-        {5.0, 360, 0, 0},  {0.0, 1, 0, 0},
-        {-5.0, 360, 0, 0}, {200.0, 360, 0, 0},
-        {1e-9, 360, 1, 0}, {1e-6, 360, 0, 0},
-        {1e-9, 360, 0, 1}, {5.0, 0, 0, 1},
-        {5.0, -360, 0, 1}, {std::numeric_limits<double>::quiet_NaN(), 360, 0, 1},
+        {5.0, 360, 0, 1, 0},  {0.0, 1, 0, 1, 0},
+        {-5.0, 360, 0, 1, 0}, {200.0, 360, 0, 1, 0},
+        {1e-9, 360, 1, 1, 0}, {1e-6, 360, 0, 1, 0},
+        {1e-9, 360, 0, 1, 1}, {5.0, 0, 0, 1, 1},
+        {5.0, -360, 0, 1, 1}, {std::numeric_limits<double>::quiet_NaN(), 360, 0, 1, 1},
+        {5.0, 0, 0, 0, 0},    {1e-9, 360, 0, 0, 1},
     };
     for (const auto &row : rows) {
         TrelmInfo info;
         info.coneWidth = row.width;
         info.coneDig = row.dig;
         info.coneFix = row.fix;
-        EXPECT_EQ(checkCone(info), row.status) << row.width << " " << row.dig;
+        info.noiseMode = row.noiseMode;
+        EXPECT_EQ(checkCone(info), row.status) << row.width << " " << row.dig << " " << row.noiseMode;
     }
 }
 

@@ -52,7 +52,8 @@ TEST(EnsembleFile, LinesAreStatesOrRefused)
     const std::vector<FileCase> cases = {
         {"1 2.5 -3e1\n \t4 5 6 words behind\r\n", 0, 2, ""},
         {"", 0, 0, ""},
-        {"1 2 3\n\n \n", 0, 1, ""},
+        {"1 2 3\n\n", 1, 0, format},
+        {"1-2+3x\n0x10 5 6\n", 0, 2, ""},
         {repeated("1 2 3\n", 39998), 0, 39998, ""},
         {"1 2 3\n\n4 5 6\n", 1, 0, format},
         {"1,2,3\n", 1, 0, format},
@@ -67,8 +68,12 @@ TEST(EnsembleFile, LinesAreStatesOrRefused)
         EXPECT_EQ(err.empty(), one.status == 0) << err;
         EXPECT_EQ(ensemble.count, one.count) << one.text.substr(0, 40);
         if (one.count == 2) {
-            EXPECT_EQ(ensemble.states[0].gamma, -30.0);
-            EXPECT_EQ(ensemble.states[1].alpha, 4.0);
+            const auto &[alpha, beta, gamma] = ensemble.states[0];
+            const bool isJoined = one.text.starts_with("1-2");
+            EXPECT_EQ(alpha, 1.0);
+            EXPECT_EQ(beta, isJoined ? -2.0 : 2.5);
+            EXPECT_EQ(gamma, isJoined ? 3.0 : -30.0);
+            EXPECT_EQ(ensemble.states[1].alpha, isJoined ? 16.0 : 4.0);
         }
     }
 }
@@ -116,7 +121,7 @@ TEST(EnsembleSphere, StatesLieWithinTheLimits)
     ASSERT_EQ(setupEnsemble(info, {}, ensemble), 0);
     EXPECT_TRUE(std::ranges::all_of(ensemble.used(), [](const EnsembleState &s) { return s.gamma == 0.0; }));
 
-    const TempFile two("1 2 3\n4 5 6\n"), none("\n");
+    const TempFile two("1 2 3\n4 5 6\n"), none("");
     Ensemble read = emptyEnsemble();
     ASSERT_EQ(setupEnsemble(info, {.outEName = "", .outEAxName = "", .inEName = two.name}, read), 0);
     EXPECT_EQ(read.count, 2);

@@ -55,6 +55,41 @@ int printBlocks(const TrelmInfo &trelmInfo, const Saupe &saupeSteric, const Saup
     return 0;
 }
 
+int checkOrientations(const TrelmInfo &trelmInfo)
+{
+    if (trelmInfo.densityNSC < 1)
+        return refuse("-dot", trelmInfo.densityNSC, "the number of orientation points must be positive");
+    const int dots = dotCount(trelmInfo.densityNSC);
+    if (dots > maxOrientations)
+        return complain("trelm: -dot %d gives %d orientation points, the limit is %d.\n",
+                        trelmInfo.densityNSC, dots, maxOrientations);
+    if (trelmInfo.digPsiNSC < 1)
+        return refuse("-digPsi", trelmInfo.digPsiNSC, "the number of angle steps must be positive");
+    if (trelmInfo.digPsiNSC > std::numeric_limits<int>::max() / dots)
+        return complain("trelm: -digPsi %d with %d orientation points gives more than %d orientations.\n",
+                        trelmInfo.digPsiNSC, dots, std::numeric_limits<int>::max());
+    if (!std::isfinite(trelmInfo.lcOrder))
+        return refuse("-lcS", number(trelmInfo.lcOrder), "the order is no number");
+    return 0;
+}
+
+/// The wall or rod, and the steps away from it.
+int checkObstacle(const TrelmInfo &trelmInfo)
+{
+    const double radiusModel = number(trelmInfo.radiusModel), radiusAtom = number(trelmInfo.radiusAtom);
+    if (!isPositive(trelmInfo.gridSpacing))
+        return refuse("-dGrid", number(trelmInfo.gridSpacing), "the step must be positive");
+    if (trelmInfo.lcType == lcRod && radiusModel == 0.0)
+        return refuse("-rM", 0.0, "a rod needs a radius");
+    if (!std::isfinite(trelmInfo.radiusModel + trelmInfo.radiusAtom))
+        return complain("trelm: -rM %g, -rA %g: the radii are out of range.\n", radiusModel, radiusAtom);
+    if (!isPositive(trelmInfo.radiusModel))
+        warn("-rM", radiusModel, "no liquid crystal has such a radius");
+    if (radiusAtom < 0.0)
+        warn("-rA", radiusAtom, "no atom has such a radius");
+    return 0;
+}
+
 } // namespace
 
 int refine_bicelle(TrelmInfo *trelmInfo)
@@ -89,30 +124,8 @@ int checkSample(const TrelmInfo &trelmInfo)
 
 int checkSimulation(const TrelmInfo &trelmInfo)
 {
-    if (trelmInfo.densityNSC < 1)
-        return refuse("-dot", trelmInfo.densityNSC, "the number of orientation points must be positive");
-    const int dots = dotCount(trelmInfo.densityNSC);
-    if (dots > maxOrientations)
-        return complain("trelm: -dot %d gives %d orientation points, the limit is %d.\n",
-                        trelmInfo.densityNSC, dots, maxOrientations);
-    if (trelmInfo.digPsiNSC < 1)
-        return refuse("-digPsi", trelmInfo.digPsiNSC, "the number of angle steps must be positive");
-    if (trelmInfo.digPsiNSC > std::numeric_limits<int>::max() / dots)
-        return complain("trelm: -digPsi %d with %d orientation points gives more than %d orientations.\n",
-                        trelmInfo.digPsiNSC, dots, std::numeric_limits<int>::max());
-    if (!isPositive(trelmInfo.gridSpacing))
-        return refuse("-dGrid", static_cast<double>(trelmInfo.gridSpacing), "the step must be positive");
-    if (trelmInfo.lcType == lcRod && trelmInfo.radiusModel == 0.0f)
-        return refuse("-rM", 0.0, "a rod needs a radius");
-    if (!std::isfinite(trelmInfo.radiusModel + trelmInfo.radiusAtom))
-        return refuse("-rA", static_cast<double>(trelmInfo.radiusAtom), "with -rM it is out of range");
-    if (trelmInfo.lcType != lcGrid && !isPositive(trelmInfo.radiusModel))
-        warn("-rM", static_cast<double>(trelmInfo.radiusModel), "no liquid crystal has such a radius");
-    if (trelmInfo.radiusAtom < 0.0f)
-        warn("-rA", static_cast<double>(trelmInfo.radiusAtom), "no atom has such a radius");
-    if (!std::isfinite(trelmInfo.lcOrder))
-        return refuse("-lcS", static_cast<double>(trelmInfo.lcOrder), "the order is no number");
-    return 0;
+    const int status = checkOrientations(trelmInfo);
+    return status != 0 || trelmInfo.lcType == lcGrid ? status : checkObstacle(trelmInfo);
 }
 
 float singleMean(std::span<const double> column)

@@ -20,9 +20,10 @@ int refine_bicelle(TrelmInfo *trelmInfo);
 /// 0, or 1 after one line.
 int checkSample(const TrelmInfo &trelmInfo);
 
-/// Refuses parameters that no simulation can work with: densities and steps that are not positive, a rod
-/// without a radius, too many orientation points. Radii below 0 are warned of. Returns 0, or 1 after
-/// one line that names the option.
+/// Refuses parameters that no simulation can work with: densities that are not positive, too many orientation
+/// points, an order that is no number; beside a wall or a rod a step that is not positive, radii out of
+/// range, a rod without a radius. Radii that make no sense are warned of. A grid has neither step nor radii.
+/// Returns 0, or 1 after one line that names the option.
 int checkSimulation(const TrelmInfo &trelmInfo);
 
 /// The mean of one coordinate, summed in single precision.
@@ -45,9 +46,8 @@ int runCharged(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, float
 
 /// The potentials of a run; it has one of them at most.
 struct AlignmentFields {
-    Potential potential;  ///< table of a rod
-    Block<double> pot3D;  ///< grid, kT/e
-    Block<float> pot3Dst; ///< grid of where atoms may be; the run ends before it is asked
+    Potential potential; ///< table of a rod
+    Block<double> pot3D; ///< grid, kT/e
 };
 
 /// Simulates the alignment of the atoms, which are moved to their geometric centre, and prints the three

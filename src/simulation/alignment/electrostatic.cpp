@@ -306,9 +306,6 @@ int sma(const TrelmInfo &trelmInfo, const Coordinates &atoms, std::span<const do
         const SmaSetup &setup, const ChargeSet &charges, Potential &potential, Saupe &saupe)
 {
     saupe = {};
-    if (!potential.isFieldTold)
-        checkField(trelmInfo);
-    potential.isFieldTold = true;
     const Charged charged{trelmInfo,
                           {atoms, &charges},
                           fieldConstants(trelmInfo),

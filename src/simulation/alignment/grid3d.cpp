@@ -96,8 +96,9 @@ float inSteps(double shift, float turnedCoordinate, float spacing)
     return static_cast<float>((shift + number(turnedCoordinate)) / number(spacing));
 }
 
-/// Where an atom comes to lie along x or y: points from 0, or off the grid. With an even count the last half
-/// step on the positive side has the number behind the last point: that of the next row but along x.
+/// Where an atom comes to lie along x or y: points from 0, or off the grid. An even count reaches half of it
+/// to each side, so that the last half step on the positive side has the number of the count itself: along y
+/// that is the first row at the next point of x, along x it is beyond the values.
 int pointAlong(const Grid3D &grid, std::size_t axis, double shift, float coordinate)
 {
     const float steps = inSteps(shift, coordinate, grid.spacing[axis]);
@@ -350,7 +351,7 @@ void ssia3D(TrelmInfo &trelmInfo, std::span<const double> dots, Saupe &saupe)
     const OrientationSet set = makeOrientationSet(dots, trelmInfo.digPsiNSC);
     const Grid3D grid = startGrid(trelmInfo, set);
     // What the atoms would meet at the first position changes nothing that is seen.
-    if (set.count() > 0 && grid.hasPositions())
+    if (grid.hasPositions())
         endQuietly();
     if (freeRest(trelmInfo, grid, set.count()) <= 0.0)
         std::fputs("WARNING: Error in simulation\n", stderr);

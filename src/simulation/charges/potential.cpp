@@ -3,12 +3,12 @@
 #include "support/text/progress.h"
 #include "support/text/text.h"
 #include "support/text/text_input.h"
+#include "support/text/token.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
 #include <limits>
 #include <string_view>
 
@@ -28,22 +28,6 @@ int openPotential(TextInput &input, const std::string &name, const char *reader)
     if (status == TextStatus::noFile)
         return complain("%s File open error: %s.\n", reader, name.c_str());
     return status == TextStatus::read ? 0 : 1;
-}
-
-/// The numbers at the start of a line, as many as `values` takes; what follows does not matter. Returns how
-/// many there are.
-std::size_t scanNumbers(std::string_view line, std::span<double> values)
-{
-    const std::string text(line);
-    const char *place = text.c_str();
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        char *end = nullptr;
-        values[i] = std::strtod(place, &end);
-        if (end == place)
-            return i;
-        place = end;
-    }
-    return values.size();
 }
 
 void warnValues(const std::string &name, bool areFinite)

@@ -17,7 +17,6 @@ struct Potential {
     int count = 0;                       ///< entries in use
     double offset = 0.0, stepsize = 0.0; ///< distance of the first line and between two, angstrom
     bool isTold = false;                 ///< the user knows that charges were out of its reach
-    bool isFieldTold = false;            ///< and what is odd about the field
 };
 
 /// Reads lines of a distance in nanometres and a potential. An empty name reads nothing: a table without
@@ -29,9 +28,10 @@ int readPotential(const std::string &inName, Potential &potential);
 /// Whether there is a distance between two entries: else nothing can be looked up.
 bool hasStep(const Potential &potential);
 
-/// The number of points of the grid of a run. Returns 0, or 1 after a message if a spacing is 0 or there are
-/// more points or positions than an index can have. Warns of a grid without positions, of z planes beyond it
-/// and of negative spacings.
+/// The number of points of the grid of a run. Returns 0, or 1 after a message if a spacing is 0 or no finite
+/// number, the product of the counts is negative, there are more points or positions than an index can have,
+/// or many positions with far fewer points. Warns of a grid without positions, of z planes beyond it and of
+/// negative spacings.
 int gridPoints(const TrelmInfo &trelmInfo, std::size_t &points);
 
 /// Read a grid, z fastest, then y, then x, behind a header of eleven lines: its values, kT/e, or for each 1

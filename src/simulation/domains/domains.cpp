@@ -137,7 +137,8 @@ int positionDomain(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, int resN, int r
 {
     if (std::ranges::none_of(pdbInfo->atoms(),
                              [&](const AtomInfo &atom) { return isInRange(atom, resN, resC); }))
-        return complain("positionDomain: no atoms in residues %d to %d of domain 2.\n", resN, resC);
+        complain("Warning: no atoms in residues %d to %d of domain 2: nothing of it is turned.\n", resN,
+                 resC);
     if (moveToPivot(pdbInfo, origin2, "ORIGIN_DOM2:") != 0)
         return 1;
     const auto &angle = trelmInfo.angleDom;

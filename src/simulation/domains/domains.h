@@ -19,7 +19,7 @@ namespace trelm {
 int initOrient(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo);
 
 /// Turns residues resN to resC by angleDom about the CA of residue origin2, then moves the CA of origin1 to
-/// the origin. Returns 0, or 1 after a message if a residue has no CA or the range no atoms.
+/// the origin. Warns of a range without atoms. Returns 0, or 1 after a message if a residue has no CA.
 int positionDomain(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, int resN, int resC, int origin1,
                    int origin2);
 

@@ -14,6 +14,8 @@
 #include "support/text/text_input.h"
 #include "support/text/token.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <string_view>
@@ -40,12 +42,14 @@ constexpr double degrees(double angle)
 // ---- the states ----
 
 /// Three finite numbers at the start of a line.
-bool readState(std::string_view line, std::vector<std::string_view> &words, EnsembleState &state)
+bool readState(std::string_view line, EnsembleState &state)
 {
-    splitTokens(line, words);
-    return words.size() >= 3 && wordToDouble(words[0], state.alpha) && wordToDouble(words[1], state.beta) &&
-           wordToDouble(words[2], state.gamma) && std::isfinite(state.alpha) && std::isfinite(state.beta) &&
-           std::isfinite(state.gamma);
+    std::array<double, 3> angles = {};
+    if (scanNumbers(line, angles) < angles.size() ||
+        !std::ranges::all_of(angles, [](double angle) { return std::isfinite(angle); }))
+        return false;
+    state = {angles[0], angles[1], angles[2]};
+    return true;
 }
 
 /// The files that show the states as they are made.
@@ -105,11 +109,12 @@ int generateStates(const DomainOptions &gridInfo, Monitors &monitors, Ensemble &
     if (gridInfo.densE < 1 || do_unsp(gridInfo.densE, dots) != 0)
         return complain("setupEnsemble: unsp error occured.\n");
     const std::size_t count = dots.size() / 3;
-    if (count > maxOrientations)
-        complain("WARNING: ENSEMBLE_DENSITY %d: %zu directions are more than a simulation takes.\n",
-                 gridInfo.densE, count);
     if (gridInfo.digPsiE >= maxEnsembleStates) // each direction alone would be too much
         return complain("setupEnsemble: ensemble too big.\n");
+    if (count >= maxEnsembleStates)
+        complain("WARNING: ENSEMBLE_DENSITY %d: %zu directions, a run holds %d states of those within the "
+                 "limits.\n",
+                 gridInfo.densE, count, maxEnsembleStates - 1);
     for (std::size_t i = 0; i + 2 < dots.size(); i += 3) {
         const double x = dots[i], y = dots[i + 1], z = dots[i + 2];
         const Direction direction = {std::atan2(y, x),
@@ -355,12 +360,10 @@ int readEnsemble(const std::string &inName, Ensemble &ensemble)
         return complain("RdTable File open error: %s.\n", inName.c_str());
     if (status != TextStatus::read)
         return 1;
-    trimEnd(input);
-    std::vector<std::string_view> words;
     int count = 0;
     for (std::string_view line; fgetsAlloc(input, line); ++count) {
         EnsembleState state;
-        if (!readState(line, words, state))
+        if (!readState(line, state))
             return complain("Error: Input data in file with measured dipolar couplings have wrong format\n"
                             "Line:%s\n",
                             std::string(line).c_str());

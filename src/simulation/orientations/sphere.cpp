@@ -19,10 +19,11 @@ namespace {
 
 constexpr int typeDodecahedron = 9;
 constexpr int typeIcosahedron = 10;
-constexpr int cubeEdge = 4;        ///< cells an edge of do_unsp
-constexpr int mostDots = 10000000; ///< of a set: arcs between more are too short to divide
-constexpr int vertexCount = 12;    ///< of the icosahedron
-constexpr int centreCount = 20;    ///< of its faces
+constexpr int cubeEdge = 4; ///< cells an edge of do_unsp
+/// Of a set; a round number not far below those whose arcs are too short to divide.
+constexpr int mostDots = 10000000;
+constexpr int vertexCount = 12; ///< of the icosahedron
+constexpr int centreCount = 20; ///< of its faces
 constexpr int baseCount = vertexCount + centreCount;
 constexpr double sameDistance = 0.001; ///< tolerance of squared distances of neighbours
 
@@ -212,7 +213,7 @@ int startBuild(int densit, int step, const char *name)
 {
     const int tess = static_cast<int>(levelOf(densit, step));
     n_dot = step * tess * tess + 2;
-    if (n_dot < densit)
+    if (n_dot < densit) // never: the level reaches the density
         fatal("%s: error in formula for tessalation level (%d->%d, %d)", name, tess, n_dot, densit);
     xpunsp = zeroed<double>(std::size_t{3} * static_cast<std::size_t>(n_dot), __LINE__);
     return tess;

@@ -39,9 +39,9 @@ TextStatus readText(TextInput &input, const std::string &name)
         return TextStatus::noFile;
     const char *shownName = name.empty() ? "(stdin)" : name.c_str();
     std::array<char, 65536> chunk;
-    for (;;) {
+    for (std::size_t count = chunk.size(); count == chunk.size();) { // a short one is the last
         errno = 0;
-        const std::size_t count = std::fread(chunk.data(), 1, chunk.size(), stream.get());
+        count = std::fread(chunk.data(), 1, chunk.size(), stream.get());
         const int error = errno;
         // Each piece is looked at as it comes, so that a device of zero bytes ends here at once.
         if (std::memchr(chunk.data(), '\0', count) != nullptr)
@@ -52,12 +52,10 @@ TextStatus readText(TextInput &input, const std::string &name)
         if (std::ferror(stream.get()) != 0)
             return refuse(input, shownName,
                           error != 0 ? std::strerror(error) : "it cannot be read to its end");
-        if (count == chunk.size())
-            continue;
-        if (input.text.starts_with(byteOrderMark))
-            input.text.erase(0, byteOrderMark.size());
-        return TextStatus::read;
     }
+    if (input.text.starts_with(byteOrderMark))
+        input.text.erase(0, byteOrderMark.size());
+    return TextStatus::read;
 }
 
 bool fgetsAlloc(TextInput &input, std::string_view &line)

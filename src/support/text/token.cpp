@@ -135,4 +135,18 @@ bool wordToDouble(std::string_view word, double &value)
     return wordToReal(word, value);
 }
 
+std::size_t scanNumbers(std::string_view line, std::span<double> values)
+{
+    const std::string text(line);
+    const char *place = text.c_str();
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        char *end = nullptr;
+        values[i] = std::strtod(place, &end);
+        if (end == place)
+            return i;
+        place = end;
+    }
+    return values.size();
+}
+
 } // namespace trelm

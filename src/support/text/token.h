@@ -1,6 +1,8 @@
 // Words of a line. Words are separated by white space and counted from 1.
 #pragma once
 
+#include <cstddef>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -32,5 +34,9 @@ void splitTokens(std::string_view text, std::vector<std::string_view> &words);
 bool wordToInt(std::string_view word, int &value);
 bool wordToFloat(std::string_view word, float &value);
 bool wordToDouble(std::string_view word, double &value);
+
+/// The numbers at the start of a line, as many as `values` takes, as a row of "%lf" reads them; what follows
+/// does not matter. Returns how many there are.
+std::size_t scanNumbers(std::string_view line, std::span<double> values);
 
 } // namespace trelm

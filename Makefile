@@ -75,11 +75,8 @@ format: setup-checks
 format-check: setup-checks
 	clang-format --dry-run -Werror $(sources)
 
-# From a folder that is only configured: clang cannot read the headers that gcc has precompiled.
 tidy: setup-checks
-	cmake --preset release -B build/tidy -DTRELM_TESTS=OFF -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON
-	printf '%s\n' $(filter src/%.cpp tools/%.cpp,$(sources)) | \
-		xargs -P $(JOBS) -n 4 clang-tidy -p build/tidy --quiet --extra-arg=-Wno-unknown-warning-option
+	scripts/tidy.sh $(JOBS)
 
 setup:
 	@scripts/setup.sh scripts/packages.txt

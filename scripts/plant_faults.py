@@ -49,7 +49,7 @@ def changes_of(path, lines, table):
         for pattern, new in table:
             for match in re.finditer(pattern, code):
                 inside_text = code[: match.start()].count('"') % 2 == 1
-                if table is CODE and inside_text:
+                if inside_text == (table is CODE) and new != "SWAP" and "std" not in pattern:
                     continue
                 if new == "SWAP":
                     if at + 1 < len(lines) and re.match(pattern, lines[at + 1]) and lines[at + 1] != line:
@@ -94,7 +94,7 @@ def main():
         status, output = run(command, tree, 3600)
         if status != 0:
             sys.exit(output[-2000:])
-    tests = ["ctest", "-j2", "-E", "EveryFaultIsTold|ConvertedText|Manual", "--stop-on-failure"]
+    tests = ["ctest", "-j2", "-E", "EveryFaultIsTold", "--stop-on-failure"]
     status, output = run(tests, build, 900)
     if status != 0:
         sys.exit("the tests fail before any fault: " + caught_by(output))

@@ -151,24 +151,21 @@ ConeSetup coneOf(const TrelmInfo &trelmInfo)
             360.0 / static_cast<double>(trelmInfo.coneDig)};
 }
 
-int checkCone(const TrelmInfo &trelmInfo)
+int checkPositions(const TrelmInfo &trelmInfo)
 {
-    const double width = trelmInfo.coneWidth;
-    if (trelmInfo.noiseMode != 0 && trelmInfo.coneDig < 1) // backbone angles have no place on a cone
-        return complain("trelm: -digCone %d: a cone needs at least one position.\n", trelmInfo.coneDig);
-    if (!std::isfinite(width))
-        return complain("trelm: -stdCone %g: the width of a cone must be a finite number.\n", width);
-    if (width >= 180.0)
-        complain("Warning: -stdCone %g: an angle to an axis is below 180 degrees.\n", width);
-    return checkWidth(width, trelmInfo.coneFix);
+    if (trelmInfo.noiseMode != 0 && trelmInfo.coneDig == 0) // backbone angles have no place on a cone
+        return complain("trelm: -digCone 0: a cone needs at least one position.\n");
+    return 0;
 }
 
-int checkWidth(double width, int coneFix)
+void warnOfWidth(const TrelmInfo &trelmInfo)
 {
-    if (coneFix != 0 || width <= 0.0 || width >= minConeWidth * (1.0 - 1e-6))
-        return 0;
-    return complain("trelm: a Gaussian cone of %g degrees: one of less than %g moves no atom.\n", width,
-                    minConeWidth);
+    const double width = trelmInfo.coneWidth;
+    if (width >= 180.0)
+        complain("Warning: -stdCone %g: an angle to an axis is below 180 degrees.\n", width);
+    if (width > 0.0 && !coneOf(trelmInfo).hasNoise())
+        complain("Warning: -stdCone %g: a Gaussian cone below %g degrees moves no atom.\n", width,
+                 minConeWidth);
 }
 
 void rotCone(const Axis &A, double w, double Gamma, Axis &r)
@@ -192,7 +189,7 @@ float addVecNoise(int *idum, Vector &coor, const ConeSetup &cone)
                          static_cast<double>(coor[2])};
     const auto length =
         static_cast<float>(std::sqrt(vector[0] * vector[0] + vector[1] * vector[1] + vector[2] * vector[2]));
-    if (cone.coneWidth <= 0.0)
+    if (!cone.hasNoise())
         return length;
     Axis unit = {};
     if (length != 0.0f)
@@ -213,7 +210,7 @@ float addVecNoise(int *idum, Vector &coor, const ConeSetup &cone)
 void addPhiPsiNoise(int *idum, PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone,
                     const ResidueOffset &offset, int allowFixedDI)
 {
-    if (pdbInfo == nullptr || dTab == nullptr || cone.coneWidth <= 0.0)
+    if (pdbInfo == nullptr || dTab == nullptr || !cone.hasNoise())
         return;
     const std::int64_t first = std::int64_t{pdbInfo->minResID} - 1;
     const std::int64_t last = std::int64_t{pdbInfo->maxResID} + 1;

@@ -16,7 +16,7 @@
 namespace trelm {
 
 /// The narrowest Gaussian cone, degrees: the narrower it is, the more angles are drawn in vain, about 72 /
-/// width of them for each that is taken. Below this one structure takes minutes, and soon no end.
+/// width of them for each that is taken, and soon without end. A narrower one moves no atom.
 constexpr double minConeWidth = 1e-6;
 
 /// The cone on which a noisy vector lies around the true one.
@@ -25,6 +25,8 @@ struct ConeSetup {
     int coneDig = 360;      ///< positions around the cone
     int coneFix = 0;        ///< 1: coneWidth is the half angle itself
     double rotInc = 1.0;    ///< degrees from one position to the next
+
+    [[nodiscard]] bool hasNoise() const { return coneFix != 0 ? coneWidth > 0.0 : coneWidth >= minConeWidth; }
 };
 
 /// Which residue of the structure belongs to the first of the couplings.
@@ -39,12 +41,12 @@ int offsetOf(const ResidueOffset &offset);
 /// The cone of a run.
 ConeSetup coneOf(const TrelmInfo &trelmInfo);
 
-/// Returns 0, or 1 after a message if no noise of its kind can be drawn on the cone of a run. Warns of one
-/// that is wider than an angle can be.
-int checkCone(const TrelmInfo &trelmInfo);
+/// Returns 0, or 1 after a message if the vectors of a run have no place on its cone.
+int checkPositions(const TrelmInfo &trelmInfo);
 
-/// Returns 0, or 1 after a message if angles on a cone of this width would be drawn for ever.
-int checkWidth(double width, int coneFix);
+/// Warns of a width set by the user that moves no atom though it is above 0, or is wider than an angle can
+/// be.
+void warnOfWidth(const TrelmInfo &trelmInfo);
 
 /// Turns r around the unit vector A, on the cone of half angle Gamma (radians), by w degrees. A vector on the
 /// axis stays as it is.

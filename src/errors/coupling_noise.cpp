@@ -7,14 +7,14 @@
 #include "support/text/progress.h"
 #include "support/text/text.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 
 namespace trelm {
 namespace {
 
-constexpr float widestScale = 1e9f; ///< of the errors
-constexpr int mostScales = 200000;  ///< trial scales of the errors before the search gives up
+constexpr int mostScales = 200000; ///< trial scales before the search gives up
 
 /// What the mapping remembers of each coupling, row by row.
 struct CouplingLists {
@@ -94,26 +94,24 @@ bool isWithinErrors(NoiseRun &run)
     return isWithin;
 }
 
-/// Whether the search can ever end. Returns 0, or 1 after one line that names the option.
-int checkSearch(const TrelmInfo &info, int nAdjust)
+/// Whether so many fits can pass. Returns 0, or 1 after one line that names the option.
+int checkWanted(const TrelmInfo &info, int nAdjust)
 {
+    if (std::max(info.nAdjustMc, 0) > nAdjust)
+        return 0;
     if (info.nAdjustMc < 1)
         return complain("trelm: -nAdjustMc %d: the search needs one fit at least.\n", info.nAdjustMc);
-    if (info.nAdjustMc <= nAdjust)
-        return complain("trelm: -fracAdjustMc %g of -nAdjustMc %d: more fits than there are can not pass.\n",
-                        number(info.mcAdjustFrac), info.nAdjustMc);
-    if (!(info.incSigma > 0.0f) || !std::isfinite(info.incSigma))
-        return complain("trelm: -incAdjustMc %g: the step of the error scale must be positive.\n",
-                        number(info.incSigma));
-    if (!std::isfinite(info.kLSigma))
-        return complain("trelm: -kLAdjustMc %g: the first error scale is no number.\n", number(info.kLSigma));
-    return 0;
+    return complain("trelm: -fracAdjustMc %g of -nAdjustMc %d: more fits than there are can not pass.\n",
+                    number(info.mcAdjustFrac), info.nAdjustMc);
 }
 
 /// A coupling without an error gets no noise, and no scale widens its range: missed by the fit, it is missed
-/// by the noisy fits as well. Returns 0, or 1 after a message if there is such a one.
-int checkErrors(NoiseRun &run)
+/// by the noisy fits as well. That matters where fits are tested and some have to pass. Returns 0, or 1 after
+/// a message if there is such a one.
+int checkErrors(NoiseRun &run, int nAdjust)
 {
+    if (run.setup.trelmInfo->mapMode == 0 || nAdjust < 0)
+        return 0;
     int missed = 0;
     for (std::size_t i = 0; i < run.rows(); ++i) {
         const DInfo &calculated = run.dTab().dCalcList[i];
@@ -123,9 +121,23 @@ int checkErrors(NoiseRun &run)
     }
     if (missed == 0)
         return 0;
-    return complain("trelm: -mcDc: the fit misses %d couplings whose error (DD) is 0: no scale of the errors"
+    return complain("trelm: -mcDc: the fit misses %d coupling%s whose error (DD) is 0: no scale of the errors"
                     " lets it pass. See -noautoMc.\n",
-                    missed);
+                    missed, missed == 1 ? "" : "s");
+}
+
+/// The next scale to try. Returns 0, or 1 after a message if there is none.
+int nextScale(const TrelmInfo &info, float &kSigma)
+{
+    const float last = kSigma;
+    kSigma += info.incSigma;
+    if (kSigma > last)
+        return 0;
+    if (!(info.incSigma > 0.0f))
+        return complain("\ntrelm: -incAdjustMc %g: the step of the error scale must be positive.\n",
+                        number(info.incSigma));
+    return complain("\ntrelm: -incAdjustMc %g: too small a step from an error scale of %g.\n",
+                    number(info.incSigma), number(last));
 }
 
 /// Counts the noisy fits that pass at the scale in use. Returns 0, or 1 after a message.
@@ -147,11 +159,11 @@ int searchScale(NoiseRun &run)
 {
     TrelmInfo &info = *run.setup.trelmInfo;
     const int nAdjust = truncated(static_cast<float>(info.nAdjustMc) * info.mcAdjustFrac);
-    if (checkSearch(info, nAdjust) != 0 || (info.mapMode != 0 && nAdjust >= 0 && checkErrors(run) != 0))
+    if (checkWanted(info, nAdjust) != 0 || checkErrors(run, nAdjust) != 0)
         return 1;
     std::printf("REMARK Adjusting DC error bars ...\n");
     info.kSigma = info.kLSigma;
-    for (int trial = 1;; ++trial, info.kSigma += info.incSigma) {
+    for (int trial = 1;; ++trial) {
         std::printf("REMARK DC Error Scaling factor %.1f\r", number(info.kSigma));
         scaleErrors(run, info.kSigma);
         int good = 0;
@@ -162,6 +174,8 @@ int searchScale(NoiseRun &run)
         if (trial == mostScales)
             return complain("\ntrelm: no error scale up to %g lets more than %d of %d fits pass.\n",
                             number(info.kSigma), nAdjust, info.nAdjustMc);
+        if (nextScale(info, info.kSigma) != 0)
+            return 1;
     }
     std::fputs("\n", stderr);
     std::printf("REMARK DC error bars automatically adjusted by factor of %.1f.\n", number(info.kSigma));
@@ -175,8 +189,6 @@ int setErrors(NoiseRun &run)
         std::printf("REMARK DC error bars scaled by user supplied factor of %.1f.\n", number(info.kSigma));
     else if (searchScale(run) != 0)
         return 1;
-    if (!(std::fabs(info.kSigma) <= widestScale))
-        return complain("trelm: -kAdjustMc %g: no couplings have such errors.\n", number(info.kSigma));
     scaleErrors(run, info.kSigma);
     for (int &fails : run.lists.countFail.span())
         fails = 0; // those of the search do not count
@@ -293,7 +305,7 @@ int mapSimDC(const MappingSetup &setup)
     NoiseRun run = {setup, CouplingLists(static_cast<std::size_t>(setup.dTab->dCount)), {}, {}, {}};
     if (!run.lists)
         return complain("Error allocating coord buffers.\n");
-    if (makeSamples(run.samples) != 0 || openOutputs(setup.files, noiseWords, run.outputs) != 0)
+    if (makeSamples(run.samples) != 0 || openOutputs(setup, noiseWords, run.outputs) != 0)
         return 1;
     writeOut(run.outputs.da, daHead); // before all else: the search and failures come behind it
     if (fitMeasured(run) != 0 || setErrors(run) != 0 || sampleTensors(run) != 0)

@@ -80,7 +80,7 @@ int aeraSimDC(const MappingSetup &setup)
     JackknifeRun run = {setup, Block<int>("trelm", static_cast<std::size_t>(setup.dTab->dCount)), {}, {}};
     if (!run.selectTab)
         return complain("Error allocating coord buffers.\n");
-    if (makeSamples(run.samples) != 0 || openOutputs(setup.files, mappingWords, run.outputs) != 0 ||
+    if (makeSamples(run.samples) != 0 || openOutputs(setup, mappingWords, run.outputs) != 0 ||
         fitAll(run) != 0)
         return 1;
     writeOut(run.outputs.da, daHead);

@@ -121,6 +121,31 @@ int meanMisfit(NoiseRun &run, double &rSumAve)
     return 0;
 }
 
+/// Warns of settings with which the search finds nothing.
+void warnOfStart(const TrelmInfo &info)
+{
+    const double first = number(info.nConeStart);
+    if (info.nConeAdjust < 1)
+        complain("Warning: -nCone %d: without fits the search of the cone finds no misfit.\n",
+                 info.nConeAdjust);
+    if (first < 0.0)
+        complain("Warning: -lCone %g: a cone below 0 degrees moves no atom.\n", first);
+    if (first >= 180.0)
+        complain("Warning: -lCone %g: an angle to an axis is below 180 degrees.\n", first);
+}
+
+/// Whether steps from this width ever end the search. Returns 0, or 1 after a message.
+int checkStep(double width, double step)
+{
+    if (!(step > 0.0))
+        return complain("trelm: -incCone %g: the step of the cone must be positive.\n", step);
+    // A step that is lost in the rounding leads nowhere.
+    const double last = number(widestCone);
+    if (!(width + step > width && last + step > last))
+        return complain("trelm: -incCone %g: too small a step from a cone of %g degrees.\n", step, width);
+    return 0;
+}
+
 /// Finds the widest noise that does not misfit more than the measured couplings do. Returns 0, or 1 after a
 /// message.
 int adjustCone(NoiseRun &run)
@@ -132,7 +157,7 @@ int adjustCone(NoiseRun &run)
     double rSumAve = 0.0, rSumAveOld = 0.0;
     while (info.coneWidth < number(widestCone)) {
         rSumAveOld = rSumAve;
-        if (checkWidth(info.coneWidth, info.coneFix) != 0 || meanMisfit(run, rSumAve) != 0)
+        if (meanMisfit(run, rSumAve) != 0 || (!(rSumAve > target) && checkStep(info.coneWidth, step) != 0))
             return 1;
         info.coneWidth += step;
         if (rSumAve > target)
@@ -142,28 +167,6 @@ int adjustCone(NoiseRun &run)
     std::printf("REMARK Amount of structural noise automatically determined.\n");
     std::printf("REMARK Width of Gaussian cone %.2f degree and %.3f Hz DC Rms.\n", info.coneWidth,
                 rSumAveOld);
-    return checkWidth(info.coneWidth, info.coneFix); // a step back may leave the rounding of 0
-}
-
-/// Whether the search can ever end. Returns 0, or 1 after one line that names the option. Settings with which
-/// it finds nothing draw a warning.
-int checkSearch(const TrelmInfo &info)
-{
-    const double first = number(info.nConeStart), step = number(info.nConeInc), last = number(widestCone);
-    if (!(step > 0.0) || !std::isfinite(step))
-        return complain("trelm: -incCone %g: the step of the cone must be positive.\n", step);
-    if (!std::isfinite(first))
-        return complain("trelm: -lCone %g: the first cone must be a finite number.\n", first);
-    // A step that is lost in the rounding leads nowhere.
-    if (first < last && !(first + step > first && last + step > last))
-        return complain("trelm: -incCone %g: too small a step from a cone of %g degrees.\n", step, first);
-    if (info.nConeAdjust < 1)
-        complain("Warning: -nCone %d: without fits the search of the cone finds no misfit.\n",
-                 info.nConeAdjust);
-    if (first < 0.0)
-        complain("Warning: -lCone %g: a cone below 0 degrees moves no atom.\n", first);
-    if (first >= 180.0)
-        complain("Warning: -lCone %g: an angle to an axis is below 180 degrees.\n", first);
     return 0;
 }
 
@@ -172,10 +175,13 @@ int setCone(NoiseRun &run)
     TrelmInfo &info = run.info();
     const int known = std::min(info.validCountD, run.nD);
     if (info.nConeFlag == 0 || known < static_cast<int>(fewestCouplings)) {
+        warnOfWidth(info);
         std::printf("REMARK Amount of structural noise by user specified.\n");
         std::printf("REMARK Width of Gaussian cone %.2f degree.\n", info.coneWidth);
-    } else if (checkSearch(info) != 0 || adjustCone(run) != 0) {
-        return 1;
+    } else {
+        warnOfStart(info);
+        if (adjustCone(run) != 0)
+            return 1;
     }
     if (known < static_cast<int>(fewestCouplings))
         return complain("TRELM Error: Only %d couplings available. Exiting ....\n", run.nD);
@@ -241,7 +247,7 @@ int mapNoise(NoiseRun &run)
 
 int noiseStrucSimDC(const MappingSetup &setup, const ResidueOffset &offset)
 {
-    if (checkCone(*setup.trelmInfo) != 0)
+    if (checkPositions(*setup.trelmInfo) != 0)
         return 1;
     NoiseRun run = {.setup = setup,
                     .offset = offset,
@@ -252,7 +258,7 @@ int noiseStrucSimDC(const MappingSetup &setup, const ResidueOffset &offset)
                     .atoms = {},
                     .samples = {},
                     .outputs = {}};
-    if (makeSamples(run.samples) != 0 || openOutputs(setup.files, mappingWords, run.outputs) != 0 ||
+    if (makeSamples(run.samples) != 0 || openOutputs(setup, mappingWords, run.outputs) != 0 ||
         fitMeasured(run) != 0)
         return 1;
     if (run.nD == 0) {

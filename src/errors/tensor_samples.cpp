@@ -11,7 +11,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <iterator>
+#include <vector>
 
 namespace trelm {
 namespace {
@@ -25,16 +25,30 @@ Saupe saupeOf(const DTensor &dTensor)
     return saupe;
 }
 
-/// Each file is written from its start: two under one name would take each other's rows.
-int checkNames(const MappingFiles &files)
+/// The files that a mapping writes, those of the turned structures included.
+std::vector<std::string> namesOf(const MappingSetup &setup)
 {
-    const std::string *const names[] = {&files.outDaName, &files.outMapName, &files.outAngName,
-                                        &files.outAName,  &files.outDName,   &files.outDFailName};
-    for (const auto *first = std::begin(names); first != std::end(names); ++first)
-        for (const auto *second = first + 1; second != std::end(names); ++second)
-            if (isSameFile(**first, **second))
+    const MappingFiles &files = setup.files;
+    std::vector<std::string> names = {files.outDaName, files.outMapName, files.outAngName,
+                                      files.outAName,  files.outDName,   files.outDFailName};
+    constexpr int frames = 4;
+    for (int k = 0; k < frames; ++k) {
+        names.push_back(files.pdbRotName + '.' + std::to_string(k));
+        if (k == setup.trelmInfo->rotN)
+            names.push_back(files.pdbRotName);
+    }
+    return names;
+}
+
+/// Each file is written from its start: two under one name would take each other's rows.
+int checkNames(const MappingSetup &setup)
+{
+    const std::vector<std::string> names = namesOf(setup);
+    for (auto first = names.begin(); first != names.end(); ++first)
+        for (auto second = first + 1; second != names.end(); ++second)
+            if (isSameFile(*first, *second))
                 return complain("trelm: %s is another file of this run: give each a name of its own.\n",
-                                (*second)->c_str());
+                                second->c_str());
     return 0;
 }
 
@@ -244,10 +258,11 @@ EulerSolution eulerSolution(const DTensor &dTensor, std::size_t j)
     return {dTensor.phiList[j], dTensor.psiList[j], dTensor.thetaList[j]};
 }
 
-int openOutputs(const MappingFiles &files, const MappingWords &words, SampleOutputs &outputs)
+int openOutputs(const MappingSetup &setup, const MappingWords &words, SampleOutputs &outputs)
 {
-    if (checkNames(files) != 0)
+    if (checkNames(setup) != 0)
         return 1;
+    const MappingFiles &files = setup.files;
     constexpr const char *noMap = "TRELM Error opening log file for error space mapping ";
     constexpr const char *noSaupe = "TRELM Error opening log file for Saupe distribution ";
     if (openOne(outputs.map, files.outMapName, noMap, "") != 0 ||

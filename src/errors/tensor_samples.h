@@ -18,11 +18,12 @@ constexpr int maxSamples = 11000; ///< tensors that are kept; the averages cover
 
 /// Results of a mapping. An empty name is standard output.
 struct MappingFiles {
-    std::string outDName;         ///< couplings with the statistics of the mapping
-    std::string pdbRotName;       ///< structure in the frame of the mean tensor
-    std::string outDaName;        ///< Da and R of each sample
-    std::string outMapName;       ///< principal axes of each sample on a map of the world
-    std::string outDFailName;     ///< couplings with the number of fits that missed them; coupling noise only
+    std::string outDName;   ///< couplings with the statistics of the mapping
+    std::string pdbRotName; ///< structure in the frame of the mean tensor
+    std::string outDaName;  ///< Da and R of each sample
+    std::string outMapName; ///< principal axes of each sample on a map of the world
+    std::string
+        outDFailName; ///< couplings with the number of fits that missed them; empty but for coupling noise
     std::string outAngName;       ///< each sample's angles to the mean tensor
     std::string outAName;         ///< the samples' Saupe vectors
     const char *remark = nullptr; ///< for the structures; may be null
@@ -51,13 +52,13 @@ struct MappingWords {
     const char *dot;      ///< behind this name and that of the file of Da and R
     const char *saupeGap; ///< between number and values in the file of Saupe vectors
 };
-constexpr const char *daHead = "# SVD_ID    Aa         R\n\n"; ///< of the file of Da and R
+constexpr const char *daHead = "# SVD_ID    Aa         R\n\n"; ///< first lines of the file of Da and R
 constexpr const char *noDaWords = "TRELM Error opening log file for Da distribution mapping ";
 constexpr MappingWords noiseWords = {noDaWords, "", " "};
 constexpr MappingWords mappingWords = {"TRELM Error opening log file for Angular distribution ", ".", "  "};
 
 /// Opens the four files. Returns 0, or 1 after a message.
-int openOutputs(const MappingFiles &files, const MappingWords &words, SampleOutputs &outputs);
+int openOutputs(const MappingSetup &setup, const MappingWords &words, SampleOutputs &outputs);
 
 /// Closes them. Returns 0, or 1 after a message if one could not be written to its end.
 int closeOutputs(SampleOutputs &outputs);

@@ -19,7 +19,7 @@ MappingSetup mappingSetup(Run &run)
                       .pdbRotName = options.pRotName,
                       .outDaName = options.outDaName,
                       .outMapName = options.outMapName,
-                      .outDFailName = options.outDFailName,
+                      .outDFailName = {},
                       .outAngName = options.outAngName,
                       .outAName = options.outAName,
                       .remark = options.remark},
@@ -38,7 +38,9 @@ int ended(int status)
 
 int mapCouplingNoise(Run &run)
 {
-    return ended(mapSimDC(mappingSetup(run)));
+    MappingSetup setup = mappingSetup(run);
+    setup.files.outDFailName = run.options.outDFailName;
+    return ended(mapSimDC(setup));
 }
 
 int mapJackknife(Run &run)

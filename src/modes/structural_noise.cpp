@@ -16,6 +16,9 @@ int moveAtoms(Run &run)
     const DcInfo &dcInfo = run.dcInfo[0];
     PDBInfo *pdbInfo = &run.pdbInfo[0];
     DTable *dTab = &run.dTab[0];
+    if (checkPositions(trelmInfo) != 0)
+        return 1;
+    warnOfWidth(trelmInfo);
     const auto rows = static_cast<std::size_t>(dTab->dCount);
     Block<int> dCalcValid("trelm", rows);
     if (rows != 0 && !dCalcValid)
@@ -37,7 +40,7 @@ int addStructureNoise(Run &run)
 {
     if (run.pdbInfo[0].atomCount == 0)
         complain("trelm: -struc has no atoms to move: see -pdb.\n");
-    else if (checkCone(run.trelmInfo[0]) != 0 || moveAtoms(run) != 0)
+    else if (moveAtoms(run) != 0)
         return 1;
     const int status = writePDB(run.options.pRotName, &run.pdbInfo[0], &run.sInfo, run.options.remark);
     if (status != 0)

@@ -145,27 +145,27 @@ int offsetOf(const ResidueOffset &offset)
     return shiftedRes(offset.aFirst, -std::int64_t{offset.segFirst});
 }
 
-ConeSetup coneOf(const TrelmInfo &trelmInfo)
+ConeSetup coneOf(const ConeOptions &options)
 {
-    return {trelmInfo.coneWidth, trelmInfo.coneDig, trelmInfo.coneFix,
-            360.0 / static_cast<double>(trelmInfo.coneDig)};
+    return {options.coneWidth, options.coneDig, options.coneFix,
+            360.0 / static_cast<double>(options.coneDig)};
 }
 
-int checkPositions(const TrelmInfo &trelmInfo)
+Status checkPositions(const ConeOptions &options, Messages &messages)
 {
-    if (trelmInfo.noiseMode != 0 && trelmInfo.coneDig == 0) // backbone angles have no place on a cone
-        return complain("trelm: -digCone 0: a cone needs at least one position.\n");
-    return 0;
+    if (options.noiseMode != 0 && options.coneDig == 0) // backbone angles have no place on a cone
+        return messages.fail("trelm: -digCone 0: a cone needs at least one position.\n");
+    return Status::ok;
 }
 
-void warnOfWidth(const TrelmInfo &trelmInfo)
+void warnOfWidth(const ConeOptions &options, Messages &messages)
 {
-    const double width = trelmInfo.coneWidth;
+    const double width = options.coneWidth;
     if (width >= 180.0)
-        complain("Warning: -stdCone %g: an angle to an axis is below 180 degrees.\n", width);
-    if (width > 0.0 && !coneOf(trelmInfo).hasNoise())
-        complain("Warning: -stdCone %g: a Gaussian cone below %g degrees moves no atom.\n", width,
-                 minConeWidth);
+        messages.err("Warning: -stdCone %g: an angle to an axis is below 180 degrees.\n", width);
+    if (width > 0.0 && !coneOf(options).hasNoise())
+        messages.err("Warning: -stdCone %g: a Gaussian cone below %g degrees moves no atom.\n", width,
+                     minConeWidth);
 }
 
 void rotCone(const Axis &A, double w, double Gamma, Axis &r)
@@ -228,12 +228,6 @@ void addPhiPsiNoise(int *idum, PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &
     buildDC(pdbInfo, dTab, offsetOf(offset), offset.segFirst, {}, allowFixedDI);
 }
 
-AtomInfo *modifyAtomCoor(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
-                         std::string_view segName)
-{
-    return findAtom(pdbInfo, resID, atomName, chainName, segName);
-}
-
 int modifyAtomCoorList(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
                        std::string_view segName, std::span<AtomInfo *> atomList)
 {
@@ -245,7 +239,7 @@ int modifyAtomCoorList(PDBInfo *pdbInfo, int resID, std::string_view atomName, s
         std::string name;
         for (const char c : atomName)
             name += c == '#' || c == '*' ? digit : c;
-        AtomInfo *atom = modifyAtomCoor(pdbInfo, resID, isWild ? name : atomName, chainName, segName);
+        AtomInfo *atom = findAtom(pdbInfo, resID, isWild ? name : atomName, chainName, segName);
         if (atom != nullptr && count < atomList.size())
             atomList[count++] = atom;
         if (!isWild)

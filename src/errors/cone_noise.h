@@ -5,7 +5,8 @@
 #pragma once
 
 #include "couplings/dipolar.h"
-#include "ground/trelm.h"
+#include "errors/options.h"
+#include "ground/messages.h"
 #include "structure/pdb.h"
 #include "structure/rotate.h"
 
@@ -38,15 +39,14 @@ struct ResidueOffset {
 /// What has to be added to a coupling's residue number; a sum beyond int becomes its limit.
 int offsetOf(const ResidueOffset &offset);
 
-/// The cone of a run.
-ConeSetup coneOf(const TrelmInfo &trelmInfo);
+ConeSetup coneOf(const ConeOptions &options);
 
-/// Returns 0, or 1 after a message if the vectors of a run have no place on its cone.
-int checkPositions(const TrelmInfo &trelmInfo);
+/// Fails after a message if vectors have no place on the cone.
+Status checkPositions(const ConeOptions &options, Messages &messages);
 
 /// Warns of a width set by the user that moves no atom though it is above 0, or is wider than an angle can
 /// be.
-void warnOfWidth(const TrelmInfo &trelmInfo);
+void warnOfWidth(const ConeOptions &options, Messages &messages);
 
 /// Turns r around the unit vector A, on the cone of half angle Gamma (radians), by w degrees. A vector on the
 /// axis stays as it is.
@@ -62,12 +62,8 @@ float addVecNoise(int *idum, std::array<float, 3> &coor, const ConeSetup &cone);
 void addPhiPsiNoise(int *idum, PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone,
                     const ResidueOffset &offset, int allowFixedDI);
 
-/// Finds an atom again after it was moved. Nothing in the molecule changes: whoever moved the atom has
-/// written its place. Returns it, or null.
-AtomInfo *modifyAtomCoor(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
-                         std::string_view segName);
-
-/// The same for a name with wildcards, expanded with 1, 2, 3. Returns the number found.
+/// Finds the atoms of a name again after they were moved, a name with wildcards expanded with 1, 2, 3.
+/// Nothing in the molecule changes: whoever moved them has written their places. Returns the number found.
 int modifyAtomCoorList(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
                        std::string_view segName, std::span<AtomInfo *> atomList);
 

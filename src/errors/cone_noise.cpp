@@ -210,7 +210,7 @@ float addVecNoise(int *idum, Vector &coor, const ConeSetup &cone)
 void addPhiPsiNoise(int *idum, PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone,
                     const ResidueOffset &offset, int allowFixedDI)
 {
-    if (pdbInfo == nullptr || dTab == nullptr || !cone.hasNoise())
+    if (!cone.hasNoise())
         return;
     const std::int64_t first = std::int64_t{pdbInfo->minResID} - 1;
     const std::int64_t last = std::int64_t{pdbInfo->maxResID} + 1;

@@ -229,7 +229,7 @@ int structuralNoise(Run &run)
     return ended(reportMeanTensor(run, result.samples, result.mapCount), files);
 }
 
-int told(int status)
+int tellFailure(int status)
 {
     if (status != 0)
         standardMessages().err("Matrix: error in best-fit of data.\n");
@@ -240,17 +240,17 @@ int told(int status)
 
 int mapCouplingNoise(Run &run)
 {
-    return run.dTab[0].dCount == 0 ? 0 : told(couplingNoise(run));
+    return run.dTab[0].dCount == 0 ? 0 : tellFailure(couplingNoise(run));
 }
 
 int mapJackknife(Run &run)
 {
-    return run.dTab[0].dCount == 0 ? 0 : told(jackknife(run));
+    return run.dTab[0].dCount == 0 ? 0 : tellFailure(jackknife(run));
 }
 
 int mapStructuralNoise(Run &run)
 {
-    return told(structuralNoise(run));
+    return tellFailure(structuralNoise(run));
 }
 
 } // namespace trelm

@@ -1,7 +1,7 @@
 // Reading: large files, and a whole best-fit against the reading of its input.
 #include "couplings/dipolar.h"
 #include "couplings/fit.h"
-#include "errors/fit_statistics.h"
+#include "couplings/output.h"
 #include "structure/pdb.h"
 #include "support/text/table.h"
 
@@ -132,8 +132,9 @@ void wholeBestFit(benchmark::State &state)
             return state.SkipWithError("the input was not read");
         selectD(dTab.observed(), dTab.dMinRes, dTab.dMaxRes, 3);
         buildDC(&pdbInfo, &dTab, 0, 0, {}, 1);
-        if (simDC(&pdbInfo, nullptr, &dTab, &trelmInfo, nullptr, (folder / "fit.tab").string(),
-                  (folder / "turned.pdb").string(), 1) != 0)
+        const std::string table = (folder / "fit.tab").string(), turned = (folder / "turned.pdb").string();
+        if (fitD(&pdbInfo, &dTab, 1) < 0 ||
+            writeFit({&pdbInfo, nullptr, &dTab, &trelmInfo, table, turned, nullptr}) != 0)
             return state.SkipWithError("the best-fit failed");
     }
     fs::remove_all(folder);

@@ -145,30 +145,27 @@ int offsetOf(const ResidueOffset &offset)
     return shiftedRes(offset.aFirst, -std::int64_t{offset.segFirst});
 }
 
-ConeSetup coneOf(const TrelmInfo &trelmInfo)
+ConeSetup coneOf(const ConeOptions &options)
 {
-    return {trelmInfo.coneWidth, trelmInfo.coneDig, trelmInfo.coneFix,
-            360.0 / static_cast<double>(trelmInfo.coneDig)};
+    return {options.coneWidth, options.coneDig, options.coneFix,
+            360.0 / static_cast<double>(options.coneDig)};
 }
 
-int checkCone(const TrelmInfo &trelmInfo)
+Status checkPositions(const ConeOptions &options, Messages &messages)
 {
-    const double width = trelmInfo.coneWidth;
-    if (trelmInfo.noiseMode != 0 && trelmInfo.coneDig < 1) // backbone angles have no place on a cone
-        return complain("trelm: -digCone %d: a cone needs at least one position.\n", trelmInfo.coneDig);
-    if (!std::isfinite(width))
-        return complain("trelm: -stdCone %g: the width of a cone must be a finite number.\n", width);
+    if (options.noiseMode != 0 && options.coneDig == 0) // backbone angles have no place on a cone
+        return messages.fail("trelm: -digCone 0: a cone needs at least one position.\n");
+    return Status::ok;
+}
+
+void warnOfWidth(const ConeOptions &options, Messages &messages)
+{
+    const double width = options.coneWidth;
     if (width >= 180.0)
-        complain("Warning: -stdCone %g: an angle to an axis is below 180 degrees.\n", width);
-    return checkWidth(width, trelmInfo.coneFix);
-}
-
-int checkWidth(double width, int coneFix)
-{
-    if (coneFix != 0 || width <= 0.0 || width >= minConeWidth * (1.0 - 1e-6))
-        return 0;
-    return complain("trelm: a Gaussian cone of %g degrees: one of less than %g moves no atom.\n", width,
-                    minConeWidth);
+        messages.err("Warning: -stdCone %g: an angle to an axis is below 180 degrees.\n", width);
+    if (width > 0.0 && !coneOf(options).hasNoise())
+        messages.err("Warning: -stdCone %g: a Gaussian cone below %g degrees moves no atom.\n", width,
+                     minConeWidth);
 }
 
 void rotCone(const Axis &A, double w, double Gamma, Axis &r)
@@ -192,7 +189,7 @@ float addVecNoise(int *idum, Vector &coor, const ConeSetup &cone)
                          static_cast<double>(coor[2])};
     const auto length =
         static_cast<float>(std::sqrt(vector[0] * vector[0] + vector[1] * vector[1] + vector[2] * vector[2]));
-    if (cone.coneWidth <= 0.0)
+    if (!cone.hasNoise())
         return length;
     Axis unit = {};
     if (length != 0.0f)
@@ -213,7 +210,7 @@ float addVecNoise(int *idum, Vector &coor, const ConeSetup &cone)
 void addPhiPsiNoise(int *idum, PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone,
                     const ResidueOffset &offset, int allowFixedDI)
 {
-    if (pdbInfo == nullptr || dTab == nullptr || cone.coneWidth <= 0.0)
+    if (!cone.hasNoise())
         return;
     const std::int64_t first = std::int64_t{pdbInfo->minResID} - 1;
     const std::int64_t last = std::int64_t{pdbInfo->maxResID} + 1;
@@ -231,12 +228,6 @@ void addPhiPsiNoise(int *idum, PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &
     buildDC(pdbInfo, dTab, offsetOf(offset), offset.segFirst, {}, allowFixedDI);
 }
 
-AtomInfo *modifyAtomCoor(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
-                         std::string_view segName)
-{
-    return findAtom(pdbInfo, resID, atomName, chainName, segName);
-}
-
 int modifyAtomCoorList(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
                        std::string_view segName, std::span<AtomInfo *> atomList)
 {
@@ -248,7 +239,7 @@ int modifyAtomCoorList(PDBInfo *pdbInfo, int resID, std::string_view atomName, s
         std::string name;
         for (const char c : atomName)
             name += c == '#' || c == '*' ? digit : c;
-        AtomInfo *atom = modifyAtomCoor(pdbInfo, resID, isWild ? name : atomName, chainName, segName);
+        AtomInfo *atom = findAtom(pdbInfo, resID, isWild ? name : atomName, chainName, segName);
         if (atom != nullptr && count < atomList.size())
             atomList[count++] = atom;
         if (!isWild)

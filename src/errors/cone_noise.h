@@ -5,7 +5,8 @@
 #pragma once
 
 #include "couplings/dipolar.h"
-#include "ground/trelm.h"
+#include "errors/options.h"
+#include "ground/messages.h"
 #include "structure/pdb.h"
 #include "structure/rotate.h"
 
@@ -16,7 +17,7 @@
 namespace trelm {
 
 /// The narrowest Gaussian cone, degrees: the narrower it is, the more angles are drawn in vain, about 72 /
-/// width of them for each that is taken. Below this one structure takes minutes, and soon no end.
+/// width of them for each that is taken, and soon without end. A narrower one moves no atom.
 constexpr double minConeWidth = 1e-6;
 
 /// The cone on which a noisy vector lies around the true one.
@@ -25,6 +26,8 @@ struct ConeSetup {
     int coneDig = 360;      ///< positions around the cone
     int coneFix = 0;        ///< 1: coneWidth is the half angle itself
     double rotInc = 1.0;    ///< degrees from one position to the next
+
+    [[nodiscard]] bool hasNoise() const { return coneFix != 0 ? coneWidth > 0.0 : coneWidth >= minConeWidth; }
 };
 
 /// Which residue of the structure belongs to the first of the couplings.
@@ -36,15 +39,14 @@ struct ResidueOffset {
 /// What has to be added to a coupling's residue number; a sum beyond int becomes its limit.
 int offsetOf(const ResidueOffset &offset);
 
-/// The cone of a run.
-ConeSetup coneOf(const TrelmInfo &trelmInfo);
+ConeSetup coneOf(const ConeOptions &options);
 
-/// Returns 0, or 1 after a message if no noise of its kind can be drawn on the cone of a run. Warns of one
-/// that is wider than an angle can be.
-int checkCone(const TrelmInfo &trelmInfo);
+/// Fails after a message if vectors have no place on the cone.
+Status checkPositions(const ConeOptions &options, Messages &messages);
 
-/// Returns 0, or 1 after a message if angles on a cone of this width would be drawn for ever.
-int checkWidth(double width, int coneFix);
+/// Warns of a width set by the user that moves no atom though it is above 0, or is wider than an angle can
+/// be.
+void warnOfWidth(const ConeOptions &options, Messages &messages);
 
 /// Turns r around the unit vector A, on the cone of half angle Gamma (radians), by w degrees. A vector on the
 /// axis stays as it is.
@@ -60,12 +62,8 @@ float addVecNoise(int *idum, std::array<float, 3> &coor, const ConeSetup &cone);
 void addPhiPsiNoise(int *idum, PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone,
                     const ResidueOffset &offset, int allowFixedDI);
 
-/// Finds an atom again after it was moved. Nothing in the molecule changes: whoever moved the atom has
-/// written its place. Returns it, or null.
-AtomInfo *modifyAtomCoor(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
-                         std::string_view segName);
-
-/// The same for a name with wildcards, expanded with 1, 2, 3. Returns the number found.
+/// Finds the atoms of a name again after they were moved, a name with wildcards expanded with 1, 2, 3.
+/// Nothing in the molecule changes: whoever moved them has written their places. Returns the number found.
 int modifyAtomCoorList(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
                        std::string_view segName, std::span<AtomInfo *> atomList);
 

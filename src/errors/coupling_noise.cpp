@@ -1,46 +1,26 @@
 #include "errors/coupling_noise.h"
 
 #include "couplings/fit.h"
-#include "couplings/output.h"
 #include "support/numerics/numbers.h"
 #include "support/numerics/random.h"
-#include "support/text/progress.h"
 #include "support/text/text.h"
 
+#include <algorithm>
 #include <cmath>
-#include <cstdio>
 
 namespace trelm {
 namespace {
 
-constexpr float widestScale = 1e9f; ///< of the errors
-constexpr int mostScales = 200000;  ///< trial scales of the errors before the search gives up
-
-/// What the mapping remembers of each coupling, row by row.
-struct CouplingLists {
-    explicit CouplingLists(std::size_t rows)
-        : dcSum("trelm", rows), dcSqrSum("trelm", rows), dVal("trelm", rows), dSigma("trelm", rows),
-          dSigmaOpt("trelm", rows), countFail("trelm", rows)
-    {
-    }
-    [[nodiscard]] explicit operator bool() const
-    {
-        return dcSum && dcSqrSum && dVal && dSigma && dSigmaOpt && countFail;
-    }
-    Block<float> dcSum, dcSqrSum; ///< of the calculated coupling, over the samples
-    Block<float> dVal, dSigma;    ///< coupling and error as read
-    Block<float> dSigmaOpt;       ///< error in use
-    Block<int> countFail;         ///< checks that failed here
-};
+constexpr int mostScales = 200000; ///< trial scales before the search gives up
 
 struct NoiseRun {
-    const MappingSetup &setup;
-    CouplingLists lists;
-    TensorSamples samples;
-    SampleOutputs outputs;
+    const MappingInput &input;
+    const CouplingNoiseOptions &options;
+    Messages &messages;
+    CouplingNoiseResult &result;
     RepeatedFit fit;
 
-    [[nodiscard]] DTable &dTab() const { return *setup.dTab; }
+    [[nodiscard]] DTable &dTab() const { return input.dTab; }
     [[nodiscard]] std::size_t rows() const { return static_cast<std::size_t>(dTab().dCount); }
     [[nodiscard]] bool isValid(std::size_t i) const { return dTab().dCalcList[i].valid != 0; }
 };
@@ -52,28 +32,30 @@ int keepMeasured(NoiseRun &run)
     for (std::size_t i = 0; i < run.rows(); ++i) {
         if (!run.isValid(i))
             continue;
-        run.lists.dVal[i] = run.dTab().dObsList[i].d;
-        run.lists.dSigma[i] = run.dTab().dObsList[i].sigma;
+        run.result.dVal[i] = run.dTab().dObsList[i].d;
+        run.result.dSigma[i] = run.dTab().dObsList[i].sigma;
         ++used;
     }
     return used;
 }
 
-void scaleErrors(NoiseRun &run, float kSigma)
+void scaleErrors(NoiseRun &run)
 {
     for (std::size_t i = 0; i < run.rows(); ++i)
         if (run.isValid(i))
-            run.lists.dSigmaOpt[i] = run.lists.dSigma[i] * kSigma;
+            run.result.dSigmaOpt[i] = run.result.dSigma[i] * run.result.kSigma;
 }
 
-/// Noise of half the error in use, onto what was measured, and a fit. Returns 0, or 1 after a message.
-int fitNoisy(NoiseRun &run)
+/// Noise of half the error in use, onto what was measured, and a fit. Fails after a message.
+Status fitNoisy(NoiseRun &run)
 {
     for (std::size_t i = 0; i < run.rows(); ++i)
         if (run.isValid(i))
-            run.dTab().dObsList[i].d = static_cast<float>(gauss() * number(run.lists.dSigmaOpt[i]) * 0.5 +
-                                                          number(run.lists.dVal[i]));
-    return refitD(run.fit, run.setup.pdbInfo, run.setup.dTab, run.setup.verbose) < 0 ? 1 : 0;
+            run.dTab().dObsList[i].d = static_cast<float>(gauss() * number(run.result.dSigmaOpt[i]) * 0.5 +
+                                                          number(run.result.dVal[i]));
+    const MappingInput &input = run.input;
+    const int used = refitD(run.fit, &input.pdbInfo, &input.dTab, input.verbose);
+    return used < 0 ? Status::failed : Status::ok;
 }
 
 /// Whether all calculated couplings lie within the errors in use; counts those that do not. A row of weight 0
@@ -82,105 +64,118 @@ bool isWithinErrors(NoiseRun &run)
 {
     bool isWithin = true;
     for (std::size_t i = 0; i < run.rows(); ++i) {
-        if (!run.isValid(i) || run.dTab().dCalcList[i].w == 0.0f)
+        if (!takesPart(run.dTab().dCalcList[i]))
             continue;
-        const double value = number(run.lists.dVal[i]), sigma = number(run.lists.dSigmaOpt[i]);
+        const double value = number(run.result.dVal[i]), sigma = number(run.result.dSigmaOpt[i]);
         const double calculated = number(run.dTab().dCalcList[i].d);
         if (calculated >= value - sigma && calculated <= value + sigma)
             continue;
-        ++run.lists.countFail[i];
+        ++run.result.countFail[i];
         isWithin = false;
     }
     return isWithin;
 }
 
-/// Whether the search can ever end. Returns 0, or 1 after one line that names the option.
-int checkSearch(const TrelmInfo &info, int nAdjust)
+/// Whether so many fits can pass. Fails after one line that names the option.
+Status checkWanted(const CouplingNoiseOptions &options, int nAdjust, Messages &messages)
 {
-    if (info.nAdjustMc < 1)
-        return complain("trelm: -nAdjustMc %d: the search needs one fit at least.\n", info.nAdjustMc);
-    if (info.nAdjustMc <= nAdjust)
-        return complain("trelm: -fracAdjustMc %g of -nAdjustMc %d: more fits than there are can not pass.\n",
-                        number(info.mcAdjustFrac), info.nAdjustMc);
-    if (!(info.incSigma > 0.0f) || !std::isfinite(info.incSigma))
-        return complain("trelm: -incAdjustMc %g: the step of the error scale must be positive.\n",
-                        number(info.incSigma));
-    if (!std::isfinite(info.kLSigma))
-        return complain("trelm: -kLAdjustMc %g: the first error scale is no number.\n", number(info.kLSigma));
-    return 0;
+    if (std::max(options.nAdjustMc, 0) > nAdjust)
+        return Status::ok;
+    if (options.nAdjustMc < 1)
+        return messages.fail("trelm: -nAdjustMc %d: the search needs one fit at least.\n", options.nAdjustMc);
+    return messages.fail("trelm: -fracAdjustMc %g of -nAdjustMc %d: more fits than there are can not pass.\n",
+                         number(options.mcAdjustFrac), options.nAdjustMc);
 }
 
 /// A coupling without an error gets no noise, and no scale widens its range: missed by the fit, it is missed
-/// by the noisy fits as well. Returns 0, or 1 after a message if there is such a one.
-int checkErrors(NoiseRun &run)
+/// by the noisy fits as well. That matters where fits are tested and some have to pass. Fails after
+/// a message if there is such a one.
+Status checkErrors(NoiseRun &run, int nAdjust)
 {
+    if (run.options.mapMode == 0 || nAdjust < 0)
+        return Status::ok;
     int missed = 0;
     for (std::size_t i = 0; i < run.rows(); ++i) {
         const DInfo &calculated = run.dTab().dCalcList[i];
-        if (run.isValid(i) && calculated.w != 0.0f && run.lists.dSigma[i] == 0.0f &&
-            calculated.d != run.lists.dVal[i])
+        if (takesPart(calculated) && run.result.dSigma[i] == 0.0f && calculated.d != run.result.dVal[i])
             ++missed;
     }
     if (missed == 0)
-        return 0;
-    return complain("trelm: -mcDc: the fit misses %d couplings whose error (DD) is 0: no scale of the errors"
-                    " lets it pass. See -noautoMc.\n",
-                    missed);
+        return Status::ok;
+    return run.messages.fail(
+        "trelm: -mcDc: the fit misses %d coupling%s whose error (DD) is 0: no scale of the errors"
+        " lets it pass. See -noautoMc.\n",
+        missed, missed == 1 ? "" : "s");
 }
 
-/// Counts the noisy fits that pass at the scale in use. Returns 0, or 1 after a message.
-int countGood(NoiseRun &run, int &good)
+/// The next scale to try. Fails after a message if there is none.
+Status nextScale(const CouplingNoiseOptions &options, float &kSigma, Messages &messages)
 {
-    const TrelmInfo &info = *run.setup.trelmInfo;
+    const float last = kSigma;
+    kSigma += options.incSigma;
+    if (kSigma > last)
+        return Status::ok;
+    if (!(options.incSigma > 0.0f))
+        return messages.fail("\ntrelm: -incAdjustMc %g: the step of the error scale must be positive.\n",
+                             number(options.incSigma));
+    return messages.fail("\ntrelm: -incAdjustMc %g: too small a step from an error scale of %g.\n",
+                         number(options.incSigma), number(last));
+}
+
+/// Counts the noisy fits that pass at the scale in use. Fails after a message.
+Status countGood(NoiseRun &run, int &good)
+{
     good = 0;
-    for (int n = 0; n < info.nAdjustMc; ++n) {
-        if (fitNoisy(run) != 0)
-            return 1;
-        if (info.mapMode == 0 || isWithinErrors(run))
+    for (int n = 0; n < run.options.nAdjustMc; ++n) {
+        if (fitNoisy(run) != Status::ok)
+            return Status::failed;
+        if (run.options.mapMode == 0 || isWithinErrors(run))
             ++good;
     }
-    return 0;
+    return Status::ok;
 }
 
-/// Finds the error scale. Returns 0, or 1 after a message.
-int searchScale(NoiseRun &run)
+/// Finds the error scale. Fails after a message.
+Status searchScale(NoiseRun &run)
 {
-    TrelmInfo &info = *run.setup.trelmInfo;
-    const int nAdjust = truncated(static_cast<float>(info.nAdjustMc) * info.mcAdjustFrac);
-    if (checkSearch(info, nAdjust) != 0 || (info.mapMode != 0 && nAdjust >= 0 && checkErrors(run) != 0))
-        return 1;
-    std::printf("REMARK Adjusting DC error bars ...\n");
-    info.kSigma = info.kLSigma;
-    for (int trial = 1;; ++trial, info.kSigma += info.incSigma) {
-        std::printf("REMARK DC Error Scaling factor %.1f\r", number(info.kSigma));
-        scaleErrors(run, info.kSigma);
+    const CouplingNoiseOptions &options = run.options;
+    Messages &messages = run.messages;
+    float &kSigma = run.result.kSigma;
+    const int nAdjust = truncated(static_cast<float>(options.nAdjustMc) * options.mcAdjustFrac);
+    if (checkWanted(options, nAdjust, messages) != Status::ok || checkErrors(run, nAdjust) != Status::ok)
+        return Status::failed;
+    messages.out("REMARK Adjusting DC error bars ...\n");
+    kSigma = options.kLSigma;
+    for (int trial = 1;; ++trial) {
+        messages.out("REMARK DC Error Scaling factor %.1f\r", number(kSigma));
+        scaleErrors(run);
         int good = 0;
-        if (countGood(run, good) != 0)
-            return 1;
+        if (countGood(run, good) != Status::ok)
+            return Status::failed;
         if (good > nAdjust)
             break;
         if (trial == mostScales)
-            return complain("\ntrelm: no error scale up to %g lets more than %d of %d fits pass.\n",
-                            number(info.kSigma), nAdjust, info.nAdjustMc);
+            return messages.fail("\ntrelm: no error scale up to %g lets more than %d of %d fits pass.\n",
+                                 number(kSigma), nAdjust, options.nAdjustMc);
+        if (nextScale(options, kSigma, messages) != Status::ok)
+            return Status::failed;
     }
-    std::fputs("\n", stderr);
-    std::printf("REMARK DC error bars automatically adjusted by factor of %.1f.\n", number(info.kSigma));
-    return 0;
+    messages.err("\n");
+    messages.out("REMARK DC error bars automatically adjusted by factor of %.1f.\n", number(kSigma));
+    return Status::ok;
 }
 
-int setErrors(NoiseRun &run)
+Status setErrors(NoiseRun &run)
 {
-    const TrelmInfo &info = *run.setup.trelmInfo;
-    if (info.mcAdjustFlag == 0 || info.validCountD < static_cast<int>(fewestCouplings))
-        std::printf("REMARK DC error bars scaled by user supplied factor of %.1f.\n", number(info.kSigma));
-    else if (searchScale(run) != 0)
-        return 1;
-    if (!(std::fabs(info.kSigma) <= widestScale))
-        return complain("trelm: -kAdjustMc %g: no couplings have such errors.\n", number(info.kSigma));
-    scaleErrors(run, info.kSigma);
-    for (int &fails : run.lists.countFail.span())
-        fails = 0; // those of the search do not count
-    return 0;
+    run.result.kSigma = run.options.kSigma;
+    if (run.options.mcAdjustFlag == 0 || run.input.validCount < static_cast<int>(fewestCouplings))
+        run.messages.out("REMARK DC error bars scaled by user supplied factor of %.1f.\n",
+                         number(run.result.kSigma));
+    else if (searchScale(run) != Status::ok)
+        return Status::failed;
+    scaleErrors(run);
+    std::ranges::fill(run.result.countFail.span(), 0); // those of the search do not count
+    return Status::ok;
 }
 
 /// The tests of a sample. A missing Euler solution is counted at the row of its own number.
@@ -192,119 +187,89 @@ bool isAccepted(NoiseRun &run)
         if (!eulerSolution(dTensor, j).isZero())
             continue;
         if (j < run.rows())
-            ++run.lists.countFail[j];
+            ++run.result.countFail[j];
         isGood = false;
     }
     return isGood;
 }
 
-int sampleTensors(NoiseRun &run)
+/// One noisy fit, which is counted if it passes. Fails after a message.
+Status sampleOnce(NoiseRun &run, const MappingWatch &watch, int n)
 {
-    const MappingSetup &setup = run.setup;
-    Progress progress = startProgress("REMARK Sampled ", setup.mapCount);
-    for (int n = 1; n <= setup.mapCount; ++n) {
-        showProgress(progress, n);
-        if (fitNoisy(run) != 0)
-            return failed(progress);
-        if (setup.trelmInfo->mapMode != 0 && !isAccepted(run))
+    if (fitNoisy(run) != Status::ok)
+        return Status::failed;
+    if (run.options.mapMode != 0 && !isAccepted(run))
+        return Status::ok;
+    if (takeSample(run.result.samples, run.input, n, watch, run.messages) != Status::ok)
+        return Status::failed;
+    for (std::size_t i = 0; i < run.rows(); ++i) {
+        if (!takesPart(run.dTab().dCalcList[i]))
             continue;
-        if (takeSample(run.samples, setup, n, run.outputs) != 0)
-            return failed(progress);
-        for (std::size_t i = 0; i < run.rows(); ++i) {
-            if (!run.isValid(i) || run.dTab().dCalcList[i].w == 0.0f)
-                continue;
-            const float d = run.dTab().dCalcList[i].d;
-            run.lists.dcSum[i] += d;
-            run.lists.dcSqrSum[i] += d * d;
-        }
+        const float d = run.dTab().dCalcList[i].d;
+        run.result.mean[i] += d;
+        run.result.deviation[i] += d * d;
     }
-    endProgress(progress);
-    return 0;
+    return Status::ok;
 }
 
-/// Mean and deviation of a calculated coupling over the samples; zeros without any.
-void putBack(NoiseRun &run, std::size_t i)
+/// Mean and deviation of the calculated couplings, from their sums over the samples.
+void averageCouplings(CouplingNoiseResult &result)
 {
-    float average = 0.0f, deviation = 0.0f;
-    if (run.samples.averaged != 0) {
-        const auto count = static_cast<float>(run.samples.averaged);
-        average = run.lists.dcSum[i] / count;
-        const float variance = run.lists.dcSqrSum[i] / count - average * average;
-        deviation = variance > 0.0f ? std::sqrt(variance) : 0.0f;
+    if (result.samples.averaged == 0)
+        return;
+    const auto count = static_cast<float>(result.samples.averaged);
+    for (std::size_t i = 0; i < result.mean.length(); ++i) {
+        result.mean[i] /= count;
+        const float variance = result.deviation[i] / count - result.mean[i] * result.mean[i];
+        result.deviation[i] = variance > 0.0f ? std::sqrt(variance) : 0.0f;
     }
-    run.dTab().dObsList[i].d = run.lists.dVal[i];
-    run.dTab().dObsList[i].sigma = deviation;
-    if (run.dTab().dCalcList[i].w != 0.0f) // others are never calculated
-        run.dTab().dCalcList[i].d = average;
 }
 
-/// The table as measured, with the mean Saupe vector and what it says of the couplings. Angles, Da and Dr of
-/// the tensor stay those of the last noisy fit.
-void restoreTable(NoiseRun &run)
-{
-    DTensor &tensor = run.dTab().dTensor;
-    for (std::size_t k = 0; k < run.samples.saupeAve.size(); ++k)
-        tensor.saupe[k] = static_cast<float>(run.samples.saupeAve[k]);
-    for (std::size_t i = 0; i < run.rows(); ++i)
-        if (run.isValid(i))
-            putBack(run, i);
-}
-
-int writeFails(NoiseRun &run)
+void restoreMeasured(NoiseRun &run)
 {
     for (std::size_t i = 0; i < run.rows(); ++i)
         if (run.isValid(i))
-            run.dTab().dObsList[i].w = static_cast<float>(run.lists.countFail[i]);
-    std::string text = "\nREMARK Failure Statistics.\n";
-    appendf(text, "DATA STATISTICS MAPPING NUMBER OF SUCCESFUL STEPS   %d\n\n\n", run.samples.count);
-    return writeDCmod(run.setup.files.outDFailName, "w", run.setup.dTab, run.setup.trelmInfo, text);
+            run.dTab().dObsList[i].d = run.result.dVal[i];
 }
 
-int report(NoiseRun &run)
+/// The fit that is mapped. Fails after a message.
+Status fitMeasured(NoiseRun &run)
 {
-    const MappingSetup &setup = run.setup;
-    int status =
-        writeDCmod(setup.files.outDName, "w", setup.dTab, setup.trelmInfo, mappingReport(run.samples));
-    status |= writeFails(run);
-    if (run.samples.count != 0)
-        status |= writeMeanFrame(run.samples, setup, "matrix: error in writePDBRot.\n");
-    return status;
-}
-
-/// The fit that is mapped. Returns 0, or 1 after a message.
-int fitMeasured(NoiseRun &run)
-{
-    if (fitD(run.setup.pdbInfo, run.setup.dTab, run.setup.verbose) < 0)
-        return 1;
+    if (fitTable(run.input) != Status::ok)
+        return Status::failed;
     prepareRepeatedFit(run.dTab(), run.fit);
-    run.samples.orig = eulerSolution(run.dTab().dTensor, 0);
+    run.result.samples.orig = eulerSolution(run.dTab().dTensor, 0);
     const int used = keepMeasured(run);
     if (used < static_cast<int>(fewestCouplings))
-        return complain("TRELM Error: Only %d couplings available. Exiting ....\n", used);
-    return 0;
+        return run.messages.fail("TRELM Error: Only %d couplings available. Exiting ....\n", used);
+    return Status::ok;
 }
 
 } // namespace
 
-int mapSimDC(const MappingSetup &setup)
+CouplingNoiseResult::CouplingNoiseResult(std::size_t rows)
+    : mean("trelm", rows), deviation("trelm", rows), dVal("trelm", rows), dSigma("trelm", rows),
+      dSigmaOpt("trelm", rows), countFail("trelm", rows)
 {
-    if (setup.dTab == nullptr || setup.dTab->dCount == 0 || !setup.dTab->dObsList || !setup.dTab->dCalcList)
-        return 0;
-    NoiseRun run = {setup, CouplingLists(static_cast<std::size_t>(setup.dTab->dCount)), {}, {}, {}};
-    if (!run.lists)
-        return complain("Error allocating coord buffers.\n");
-    if (makeSamples(run.samples) != 0 || openOutputs(setup.files, noiseWords, run.outputs) != 0)
-        return 1;
-    writeOut(run.outputs.da, daHead); // before all else: the search and failures come behind it
-    if (fitMeasured(run) != 0 || setErrors(run) != 0 || sampleTensors(run) != 0)
-        return 1;
-    averageSamples(run.samples);
-    restoreTable(run);
-    if (comparePass(run.samples, setup, noiseWords, run.outputs) != 0)
-        return 1;
-    const int status = report(run);
-    const int closed = closeOutputs(run.outputs);
-    return status != 0 ? status : closed;
+}
+
+CouplingNoiseResult::operator bool() const
+{
+    return mean && deviation && dVal && dSigma && dSigmaOpt && countFail && samples.store;
+}
+
+Status mapSimDC(const MappingInput &input, const CouplingNoiseOptions &options, const MappingWatch &watch,
+                Messages &messages, CouplingNoiseResult &result)
+{
+    NoiseRun run = {input, options, messages, result, {}};
+    watch.start(); // before all else: the search and failures come behind it
+    if (fitMeasured(run) != Status::ok || setErrors(run) != Status::ok ||
+        sampleAll(input.mapCount, [&](int n) { return sampleOnce(run, watch, n); }) != Status::ok)
+        return Status::failed;
+    averageSamples(result.samples);
+    averageCouplings(result);
+    restoreMeasured(run);
+    return compareWithMean(result.samples, input.fit, messages);
 }
 
 } // namespace trelm

@@ -1,15 +1,13 @@
 #include "errors/fit_statistics.h"
 
-#include "couplings/fit.h"
-#include "couplings/output.h"
 #include "couplings/statistics.h"
+#include "ground/trelm.h"
 #include "support/numerics/numbers.h"
 #include "support/numerics/random.h"
 #include "support/text/text.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <new>
 
 namespace trelm {
@@ -63,21 +61,6 @@ void appendBlock(float stdDevD, float q, const Regression &line, std::string &re
     result += "\n";
 }
 
-void listCouplings(const DTable &dTab)
-{
-    std::fputs("resid  [DC type]    predicted    measured     pred. - meas.\n"
-               "-----  ---------    ---------    --------     -------------\n",
-               stderr);
-    for (std::size_t i = 0; i < static_cast<std::size_t>(dTab.dCount); ++i) {
-        const DInfo &o = dTab.dObsList[i];
-        const DInfo &c = dTab.dCalcList[i];
-        if (o.valid != 0)
-            std::fprintf(stderr, "%d        %s        p: %8.2f   m:%8.2f     diff:%7.2f\n", o.resIDI,
-                         o.atomNameI.c_str(), static_cast<double>(c.d), static_cast<double>(o.d),
-                         static_cast<double>(c.d - o.d));
-    }
-}
-
 /// A random place in a list of n. The deviate can round to 1.0, so the place is bounded.
 std::size_t drawPlace(int *idum, std::size_t n)
 {
@@ -87,20 +70,12 @@ std::size_t drawPlace(int *idum, std::size_t n)
 
 } // namespace
 
-int simDC(PDBInfo *pdbInfo, const PDBSelectInfo *sInfo, DTable *dTab, TrelmInfo *trelmInfo,
-          const char *remark, const std::string &outDName, const std::string &pdbRotName, int verbose)
-{
-    if (fitD(pdbInfo, dTab, verbose) < 0)
-        return 1;
-    return writeFit({pdbInfo, sInfo, dTab, trelmInfo, outDName, pdbRotName, remark});
-}
-
-int statDC(const DTable &dTab, std::string &result, int verbose)
+Status statDC(const DTable &dTab, std::string &result, Messages &messages)
 {
     result.clear();
     Pairs pairs(static_cast<std::size_t>(dTab.dCount));
     if (!pairs.dcNorm || !pairs.dcMatrixNorm)
-        return complain("Error allocating temporary buffers.\n");
+        return messages.fail("Error allocating temporary buffers.\n");
     collectPairs(dTab, pairs);
     float stdDevD = 0.0f, q = 0.0f;
     Regression line;
@@ -113,11 +88,8 @@ int statDC(const DTable &dTab, std::string &result, int verbose)
     }
     if (pairs.sumD2 != 0.0)
         q = static_cast<float>(std::sqrt(pairs.rSumD2 / pairs.sumD2));
-    if (verbose != 0)
-        appendBlock(stdDevD, q, line, result);
-    if (verbose == 2)
-        listCouplings(dTab);
-    return 0;
+    appendBlock(stdDevD, q, line, result);
+    return Status::ok;
 }
 
 int selectDcFrac(int *idum, DTable *dTab, float frac, int fixed)

@@ -1,25 +1,18 @@
-// The plain best-fit, its statistics block, and the selections that error analysis and histograms share.
+// A statistics block, and the selections that error analysis and histograms share.
 #pragma once
 
 #include "couplings/dipolar.h"
-#include "ground/trelm.h"
-#include "structure/select.h"
+#include "ground/messages.h"
 
 #include <string>
 #include <vector>
 
 namespace trelm {
 
-/// One best-fit: fit, coupling table, turned structures. Returns 0, or the status of the failing step after a
-/// message.
-int simDC(PDBInfo *pdbInfo, const PDBSelectInfo *sInfo, DTable *dTab, TrelmInfo *trelmInfo,
-          const char *remark, const std::string &outDName, const std::string &pdbRotName, int verbose);
-
 /// Statistics of measured against calculated couplings as DATA lines; couplings/statistics.h tells how they
 /// differ from those of the report. REGRESSION OFFSET is that of measured on calculated couplings, SLOPE that
-/// of calculated on measured ones. `result` is cleared, and filled if `verbose` is not 0; verbose 2 also
-/// lists the couplings on the standard error stream. Returns 0, or 1 after a message if there is no memory.
-int statDC(const DTable &dTab, std::string &result, int verbose);
+/// of calculated on measured ones. `result` is replaced. Fails after a message if there is no memory.
+Status statDC(const DTable &dTab, std::string &result, Messages &messages);
 
 /// Keeps a random part of the valid calculated couplings: the fraction `frac`, or with `fixed` the number
 /// `frac`. Returns how many were kept. Draws from ran3. Without memory the process ends (mzerror).

@@ -4,12 +4,8 @@
 #include "couplings/statistics.h"
 #include "structure/write.h"
 #include "support/numerics/numbers.h"
-#include "support/text/progress.h"
-#include "support/text/text.h"
 
 #include <algorithm>
-#include <cmath>
-#include <cstdio>
 #include <span>
 #include <vector>
 
@@ -25,20 +21,19 @@ struct SavedAtom {
 };
 
 struct NoiseRun {
-    MappingSetup setup;
+    const MappingInput &input;
+    const StructuralNoiseOptions &options;
     const ResidueOffset &offset;
-    DTensor tInfo;                           ///< the tensor before the fits
-    float rSumOrig = 0.0f;                   ///< misfit of the measured couplings, Hz
-    int nD = 0;                              ///< couplings behind it
-    int idum = -1;                           ///< the draws do not follow the seed of the run
-    std::vector<DInfo> observed, calculated; ///< the rows before the sampling
-    std::vector<int> dCalcValid;
-    std::vector<SavedAtom> atoms;
-    TensorSamples samples;
-    SampleOutputs outputs;
+    Messages &messages;
+    StructuralNoiseResult &result;
+    DTensor tInfo = {};                                ///< the tensor before the fits
+    float rSumOrig = 0.0f;                             ///< misfit of the measured couplings, Hz
+    int idum = -1;                                     ///< the draws do not follow the seed of the run
+    std::vector<DInfo> observed = {}, calculated = {}; ///< the rows before the sampling
+    std::vector<int> dCalcValid = {};
+    std::vector<SavedAtom> atoms = {};
 
-    [[nodiscard]] DTable &dTab() const { return *setup.dTab; }
-    [[nodiscard]] TrelmInfo &info() const { return *setup.trelmInfo; }
+    [[nodiscard]] DTable &dTab() const { return input.dTab; }
 };
 
 void saveAtoms(NoiseRun &run, std::span<AtomInfo *const> atoms)
@@ -64,10 +59,10 @@ void keepState(NoiseRun &run)
 }
 
 /// Structure and calculated rows as they were. Internuclear vectors move the atoms of the couplings alone.
-int restoreStructure(NoiseRun &run)
+void restoreStructure(NoiseRun &run)
 {
-    if (run.info().noiseMode == 0 && restorePDBCoords(run.setup.pdbInfo) != 0)
-        return complain("trelm: error in storePDBCoords.\n");
+    if (run.options.noiseMode == 0)
+        restorePDBCoords(&run.input.pdbInfo);
     for (const SavedAtom &saved : run.atoms) {
         saved.atom->x = saved.place.x;
         saved.atom->y = saved.place.y;
@@ -75,39 +70,39 @@ int restoreStructure(NoiseRun &run)
     }
     // With them `valid` comes back, which a row loses in a copy where its atoms were not found again.
     std::ranges::copy(run.calculated, run.dTab().dCalcList.data());
-    return 0;
 }
 
+/// Noise of the width in use.
 void addNoise(NoiseRun &run)
 {
-    const ConeSetup cone = coneOf(run.info());
-    if (run.info().noiseMode != 0)
-        addPdbNoise(run.setup.pdbInfo, run.setup.dTab, cone, offsetOf(run.offset), run.dCalcValid, &run.idum);
+    ConeOptions inUse = run.options;
+    inUse.coneWidth = run.result.coneWidth;
+    const ConeSetup cone = coneOf(inUse);
+    if (run.options.noiseMode != 0)
+        addPdbNoise(&run.input.pdbInfo, &run.dTab(), cone, offsetOf(run.offset), run.dCalcValid, &run.idum);
     else
-        addPhiPsiNoise(&run.idum, run.setup.pdbInfo, run.setup.dTab, cone, run.offset,
-                       run.info().allowFixedDI);
+        addPhiPsiNoise(&run.idum, &run.input.pdbInfo, &run.dTab(), cone, run.offset,
+                       run.input.fit.allowFixedDI);
 }
 
-/// A fit to a fresh copy of the structure with noise of the width in use. Returns 0, or 1 after a message.
-int fitNoisy(NoiseRun &run, bool withNoise)
+/// A fit to a fresh copy of the structure with noise of the width in use. Fails after a message.
+Status fitNoisy(NoiseRun &run, bool withNoise)
 {
     dTensorCopy(run.dTab().dTensor, run.tInfo);
-    if (restoreStructure(run) != 0)
-        return 1;
+    restoreStructure(run);
     if (withNoise)
         addNoise(run);
-    return fitD(run.setup.pdbInfo, run.setup.dTab, run.setup.verbose) < 0 ? 1 : 0;
+    return fitTable(run.input);
 }
 
-/// The mean misfit of fits with the width in use; stays as it was without one. Returns 0, or 1 after a
-/// message.
-int meanMisfit(NoiseRun &run, double &rSumAve)
+/// The mean misfit of fits with the width in use; stays as it was without one. Fails after a message.
+Status meanMisfit(NoiseRun &run, double &rSumAve)
 {
     double rSumDsum = 0.0;
     int count = 0;
-    for (int n = 0; n < run.info().nConeAdjust; ++n) {
-        if (fitNoisy(run, true) != 0)
-            return 1;
+    for (int n = 0; n < run.options.nConeAdjust; ++n) {
+        if (fitNoisy(run, true) != Status::ok)
+            return Status::failed;
         if (isWithoutTensor(run.dTab()))
             continue;
         float rSum = 0.0f, pSum = 0.0f;
@@ -118,148 +113,129 @@ int meanMisfit(NoiseRun &run, double &rSumAve)
     }
     if (count != 0)
         rSumAve = rSumDsum / count;
-    return 0;
+    return Status::ok;
 }
 
-/// Finds the widest noise that does not misfit more than the measured couplings do. Returns 0, or 1 after a
-/// message.
-int adjustCone(NoiseRun &run)
+/// Warns of settings with which the search finds nothing.
+void warnOfStart(const ConeSearchOptions &options, Messages &messages)
 {
-    TrelmInfo &info = run.info();
-    const double step = number(info.nConeInc), target = number(run.rSumOrig);
-    std::printf("REMARK Adjusting amount of structural noise ...\n");
-    info.coneWidth = number(info.nConeStart);
+    const double first = number(options.nConeStart);
+    if (options.nConeAdjust < 1)
+        messages.err("Warning: -nCone %d: without fits the search of the cone finds no misfit.\n",
+                     options.nConeAdjust);
+    if (first < 0.0)
+        messages.err("Warning: -lCone %g: a cone below 0 degrees moves no atom.\n", first);
+    if (first >= 180.0)
+        messages.err("Warning: -lCone %g: an angle to an axis is below 180 degrees.\n", first);
+}
+
+/// Whether steps from this width ever end the search. Fails after a message.
+Status checkStep(double width, double step, Messages &messages)
+{
+    if (!(step > 0.0))
+        return messages.fail("trelm: -incCone %g: the step of the cone must be positive.\n", step);
+    // A step that is lost in the rounding leads nowhere.
+    const double last = number(widestCone);
+    if (!(width + step > width && last + step > last))
+        return messages.fail("trelm: -incCone %g: too small a step from a cone of %g degrees.\n", step,
+                             width);
+    return Status::ok;
+}
+
+/// Finds the widest noise that does not misfit more than the measured couplings do. Fails after a message.
+Status adjustCone(NoiseRun &run)
+{
+    const double step = number(run.options.nConeInc), target = number(run.rSumOrig);
+    double &width = run.result.coneWidth;
+    warnOfStart(run.options, run.messages);
+    run.messages.out("REMARK Adjusting amount of structural noise ...\n");
+    width = number(run.options.nConeStart);
     double rSumAve = 0.0, rSumAveOld = 0.0;
-    while (info.coneWidth < number(widestCone)) {
+    while (width < number(widestCone)) {
         rSumAveOld = rSumAve;
-        if (checkWidth(info.coneWidth, info.coneFix) != 0 || meanMisfit(run, rSumAve) != 0)
-            return 1;
-        info.coneWidth += step;
+        if (meanMisfit(run, rSumAve) != Status::ok ||
+            (!(rSumAve > target) && checkStep(width, step, run.messages) != Status::ok))
+            return Status::failed;
+        width += step;
         if (rSumAve > target)
             break;
     }
-    info.coneWidth -= rSumAve > target ? 2.0 * step : step;
-    std::printf("REMARK Amount of structural noise automatically determined.\n");
-    std::printf("REMARK Width of Gaussian cone %.2f degree and %.3f Hz DC Rms.\n", info.coneWidth,
-                rSumAveOld);
-    return checkWidth(info.coneWidth, info.coneFix); // a step back may leave the rounding of 0
+    width -= rSumAve > target ? 2.0 * step : step;
+    run.messages.out("REMARK Amount of structural noise automatically determined.\n");
+    run.messages.out("REMARK Width of Gaussian cone %.2f degree and %.3f Hz DC Rms.\n", width, rSumAveOld);
+    return Status::ok;
 }
 
-/// Whether the search can ever end. Returns 0, or 1 after one line that names the option. Settings with which
-/// it finds nothing draw a warning.
-int checkSearch(const TrelmInfo &info)
+/// Fails after a message.
+Status setCone(NoiseRun &run)
 {
-    const double first = number(info.nConeStart), step = number(info.nConeInc), last = number(widestCone);
-    if (!(step > 0.0) || !std::isfinite(step))
-        return complain("trelm: -incCone %g: the step of the cone must be positive.\n", step);
-    if (!std::isfinite(first))
-        return complain("trelm: -lCone %g: the first cone must be a finite number.\n", first);
-    // A step that is lost in the rounding leads nowhere.
-    if (first < last && !(first + step > first && last + step > last))
-        return complain("trelm: -incCone %g: too small a step from a cone of %g degrees.\n", step, first);
-    if (info.nConeAdjust < 1)
-        complain("Warning: -nCone %d: without fits the search of the cone finds no misfit.\n",
-                 info.nConeAdjust);
-    if (first < 0.0)
-        complain("Warning: -lCone %g: a cone below 0 degrees moves no atom.\n", first);
-    if (first >= 180.0)
-        complain("Warning: -lCone %g: an angle to an axis is below 180 degrees.\n", first);
-    return 0;
-}
-
-int setCone(NoiseRun &run)
-{
-    TrelmInfo &info = run.info();
-    const int known = std::min(info.validCountD, run.nD);
-    if (info.nConeFlag == 0 || known < static_cast<int>(fewestCouplings)) {
-        std::printf("REMARK Amount of structural noise by user specified.\n");
-        std::printf("REMARK Width of Gaussian cone %.2f degree.\n", info.coneWidth);
-    } else if (checkSearch(info) != 0 || adjustCone(run) != 0) {
-        return 1;
+    StructuralNoiseResult &result = run.result;
+    const int known = std::min(run.input.validCount, result.couplings);
+    if (run.options.nConeFlag == 0 || known < static_cast<int>(fewestCouplings)) {
+        warnOfWidth(run.options, run.messages);
+        result.coneWidth = run.options.coneWidth;
+        run.messages.out("REMARK Amount of structural noise by user specified.\n");
+        run.messages.out("REMARK Width of Gaussian cone %.2f degree.\n", result.coneWidth);
+    } else if (adjustCone(run) != Status::ok) {
+        return Status::failed;
     }
     if (known < static_cast<int>(fewestCouplings))
-        return complain("TRELM Error: Only %d couplings available. Exiting ....\n", run.nD);
-    if (info.coneWidth <= 0.0) {
-        run.setup.mapCount = 1; // without noise one sample says all
-        info.coneWidth = 0.0;
-    }
-    return 0;
+        return run.messages.fail("TRELM Error: Only %d couplings available. Exiting ....\n",
+                                 result.couplings);
+    result.coneWidth = std::max(result.coneWidth, 0.0);
+    result.mapCount = result.coneWidth > 0.0 ? run.input.mapCount : 1; // without noise one sample says all
+    return Status::ok;
 }
 
-int sampleStructures(NoiseRun &run)
+Status sampleStructures(NoiseRun &run, const MappingWatch &watch)
 {
-    writeOut(run.outputs.da, daHead);
-    Progress progress = startProgress("REMARK Sampled ", run.setup.mapCount);
-    for (int n = 1; n <= run.setup.mapCount; ++n) {
-        showProgress(progress, n);
-        if (fitNoisy(run, run.info().coneWidth > 0.0) != 0)
-            return failed(progress);
-        if (!isWithoutTensor(run.dTab()) && takeSample(run.samples, run.setup, n, run.outputs) != 0)
-            return failed(progress);
-    }
-    endProgress(progress);
-    std::printf("REMARK %d SVD runs of %d succesful.\n", run.samples.count, run.setup.mapCount);
-    return 0;
-}
-
-int restoreState(NoiseRun &run)
-{
-    std::ranges::copy(run.observed, run.dTab().dObsList.data());
-    return restoreStructure(run);
+    StructuralNoiseResult &result = run.result;
+    watch.start();
+    const Status sampled = sampleAll(result.mapCount, [&](int n) {
+        if (fitNoisy(run, result.coneWidth > 0.0) != Status::ok)
+            return Status::failed;
+        return isWithoutTensor(run.dTab()) ? Status::ok
+                                           : takeSample(result.samples, run.input, n, watch, run.messages);
+    });
+    if (sampled == Status::ok)
+        run.messages.out("REMARK %d SVD runs of %d succesful.\n", result.samples.count, result.mapCount);
+    return sampled;
 }
 
 /// The fit that is mapped.
-int fitMeasured(NoiseRun &run)
+Status fitMeasured(NoiseRun &run)
 {
     dTensorCopy(run.tInfo, run.dTab().dTensor);
-    if (fitD(run.setup.pdbInfo, run.setup.dTab, run.setup.verbose) < 0)
-        return 1;
-    run.samples.orig = eulerSolution(run.dTab().dTensor, 0);
+    if (fitTable(run.input) != Status::ok)
+        return Status::failed;
+    run.result.samples.orig = eulerSolution(run.dTab().dTensor, 0);
     float pSumOrig = 0.0f;
-    getStatDC(run.dTab().observed(), run.dTab().calculated(), run.rSumOrig, pSumOrig, run.nD);
-    return 0;
-}
-
-/// The mapping, once there are couplings to map.
-int mapNoise(NoiseRun &run)
-{
-    if (storePDBCoords(run.setup.pdbInfo) != 0)
-        return complain("trelm: error in storePDBCoords.\n");
-    keepState(run);
-    std::printf("REMARK Experimental DC and structure have %.3f Hz DC Rms.\n", number(run.rSumOrig));
-    if (setCone(run) != 0 || sampleStructures(run) != 0)
-        return 1;
-    averageSamples(run.samples);
-    if (restoreState(run) != 0 || comparePass(run.samples, run.setup, mappingWords, run.outputs) != 0)
-        return 1;
-    const int status = reportMeanTensor(run.samples, run.setup);
-    const int closed = closeOutputs(run.outputs);
-    return status != 0 ? status : closed;
+    getStatDC(run.dTab().observed(), run.dTab().calculated(), run.rSumOrig, pSumOrig, run.result.couplings);
+    return Status::ok;
 }
 
 } // namespace
 
-int noiseStrucSimDC(const MappingSetup &setup, const ResidueOffset &offset)
+Status noiseStrucSimDC(const MappingInput &input, const StructuralNoiseOptions &options,
+                       const ResidueOffset &offset, const MappingWatch &watch, Messages &messages,
+                       StructuralNoiseResult &result)
 {
-    if (checkCone(*setup.trelmInfo) != 0)
-        return 1;
-    NoiseRun run = {.setup = setup,
-                    .offset = offset,
-                    .tInfo = {},
-                    .observed = {},
-                    .calculated = {},
-                    .dCalcValid = {},
-                    .atoms = {},
-                    .samples = {},
-                    .outputs = {}};
-    if (makeSamples(run.samples) != 0 || openOutputs(setup.files, mappingWords, run.outputs) != 0 ||
-        fitMeasured(run) != 0)
-        return 1;
-    if (run.nD == 0) {
-        complain("trelm: no coupling is left to fit.\n");
-        return closeOutputs(run.outputs); // without content: nothing of an earlier run stays
+    NoiseRun run = {input, options, offset, messages, result};
+    if (fitMeasured(run) != Status::ok)
+        return Status::failed;
+    if (result.couplings == 0) {
+        messages.err("trelm: no coupling is left to fit.\n");
+        return Status::ok;
     }
-    return mapNoise(run);
+    storePDBCoords(&input.pdbInfo);
+    keepState(run);
+    messages.out("REMARK Experimental DC and structure have %.3f Hz DC Rms.\n", number(run.rSumOrig));
+    if (setCone(run) != Status::ok || sampleStructures(run, watch) != Status::ok)
+        return Status::failed;
+    averageSamples(result.samples);
+    std::ranges::copy(run.observed, run.dTab().dObsList.data());
+    restoreStructure(run);
+    return compareWithMean(result.samples, input.fit, messages);
 }
 
 } // namespace trelm

@@ -1,66 +1,19 @@
-// What all mappings of a fit's error share: the tensors of repeated fits, what they have in common, and how
-// both are written.
+// What all mappings of a fit's error share: the tensors of repeated fits, and what they have in common.
 #pragma once
 
 #include "couplings/dipolar.h"
 #include "couplings/tensor.h"
 #include "ground/alloc.h"
+#include "ground/messages.h"
 #include "ground/trelm.h"
-#include "structure/select.h"
-#include "support/text/output_file.h"
 
 #include <array>
-#include <string>
+#include <functional>
+#include <vector>
 
 namespace trelm {
 
 constexpr int maxSamples = 11000; ///< tensors that are kept; the averages cover later ones too
-
-/// Results of a mapping. An empty name is standard output.
-struct MappingFiles {
-    std::string outDName;         ///< couplings with the statistics of the mapping
-    std::string pdbRotName;       ///< structure in the frame of the mean tensor
-    std::string outDaName;        ///< Da and R of each sample
-    std::string outMapName;       ///< principal axes of each sample on a map of the world
-    std::string outDFailName;     ///< couplings with the number of fits that missed them; coupling noise only
-    std::string outAngName;       ///< each sample's angles to the mean tensor
-    std::string outAName;         ///< the samples' Saupe vectors
-    const char *remark = nullptr; ///< for the structures; may be null
-};
-
-/// What a mapping is given.
-struct MappingSetup {
-    PDBInfo *pdbInfo = nullptr;
-    const PDBSelectInfo *sInfo = nullptr; ///< atoms of the structures
-    DTable *dTab = nullptr;
-    TrelmInfo *trelmInfo = nullptr;
-    MappingFiles files;
-    int mapCount = 0; ///< samples to draw
-    int verbose = 0;  ///< of the fits
-};
-
-/// The files that are written sample by sample.
-struct SampleOutputs {
-    OutFile map, da, angles, saupe;
-    std::string text; ///< work space
-};
-
-/// Words of a mapping that differ from branch to branch.
-struct MappingWords {
-    const char *noAngles; ///< before the name of a file of angles that can not be opened
-    const char *dot;      ///< behind this name and that of the file of Da and R
-    const char *saupeGap; ///< between number and values in the file of Saupe vectors
-};
-constexpr const char *daHead = "# SVD_ID    Aa         R\n\n"; ///< of the file of Da and R
-constexpr const char *noDaWords = "TRELM Error opening log file for Da distribution mapping ";
-constexpr MappingWords noiseWords = {noDaWords, "", " "};
-constexpr MappingWords mappingWords = {"TRELM Error opening log file for Angular distribution ", ".", "  "};
-
-/// Opens the four files. Returns 0, or 1 after a message.
-int openOutputs(const MappingFiles &files, const MappingWords &words, SampleOutputs &outputs);
-
-/// Closes them. Returns 0, or 1 after a message if one could not be written to its end.
-int closeOutputs(SampleOutputs &outputs);
 
 /// Sum, sum of squares and range of a quantity.
 struct Spread {
@@ -96,9 +49,17 @@ struct EulerSolution {
 };
 EulerSolution eulerSolution(const DTensor &dTensor, std::size_t j);
 
-/// The tensors of the counted fits. Da and Dr without unit, daNH on the scale of an amide pair, Hz.
+/// How far a sample is from the mean tensor.
+struct SampleDeviation {
+    std::array<double, 3> axes = {}; ///< angles between the axes x, y, z of both, radians
+    float angle5d = 0.0f;            ///< between the Saupe vectors, degrees
+    float collinearity = 0.0f;       ///< the cosine of it
+};
+
+/// The tensors of the counted fits. Da and Dr without unit, daNH on the scale of an amide pair, Hz. Asks for
+/// the memory of the samples; without it `store` is empty.
 struct TensorSamples {
-    Block<Saupe> store; ///< the first maxSamples of them
+    Block<Saupe> store{"trelm", maxSamples}; ///< the first of them
     int count = 0;
     EulerSolution orig;     ///< of the fit that is mapped
     std::size_t chosen = 0; ///< Euler solution of the last sample that was compared with it
@@ -111,34 +72,55 @@ struct TensorSamples {
     double daNHAve = 0.0, daNHStdDev = 0.0;
     int averaged = 0; ///< samples behind the averages
 
-    Saupe saupeMin = {}, saupeMax = {}; ///< samples of smallest and largest magnitude, by comparePass
-    EulerLists euler;                   ///< of the mean tensor
+    std::vector<SampleDeviation> deviations; ///< of the stored samples, by compareWithMean
+    Saupe saupeMin = {}, saupeMax = {};      ///< samples of smallest and largest magnitude
+    EulerLists euler;                        ///< of the mean tensor
 };
 
-/// Asks for the store. Returns 0, or 1 after a message.
-int makeSamples(TensorSamples &samples);
+/// What a mapping works on. It moves atoms and couplings on the way, and puts them back.
+struct MappingInput {
+    PDBInfo &pdbInfo;
+    DTable &dTab;
+    const FitOptions &fit;
+    int validCount = 0; ///< couplings that a choice of rows has left
+    int mapCount = 0;   ///< samples to draw
+    int verbose = 0;    ///< of the fits
+};
 
-/// Counts the tensor that the last fit left in the table, and writes its lines. `n`: number of the try, from
-/// 1. Returns 0, or 1 after a message.
-int takeSample(TensorSamples &samples, const MappingSetup &setup, int n, SampleOutputs &outputs);
+/// A sample that was counted.
+struct CountedSample {
+    int n = 0; ///< number of the try, from 0; tries that were dropped leave gaps
+    TensorAnalysis analysis;
+    float rSum = 0.0f, pSum = 0.0f; ///< misfit, Hz, and sum of squared differences over errors
+};
+
+/// What is heard of a mapping while it runs.
+struct MappingWatch {
+    std::function<void()> start; ///< before the first sample; of coupling noise, before the first fit
+    std::function<void(const CountedSample &sample)> sample;
+};
+
+/// A fit to the table as it is; fails after a message.
+Status fitTable(const MappingInput &input);
+
+/// Runs `step` for each sample, from 1, with progress lines, until one fails.
+Status sampleAll(int mapCount, const std::function<Status(int n)> &step);
+
+/// Counts the tensor that the last fit left in the table, and tells of it. `n`: number of the try, from 1.
+/// Fails after a message.
+Status takeSample(TensorSamples &samples, const MappingInput &input, int n, const MappingWatch &watch,
+                  Messages &messages);
 
 /// Averages and deviations of what was counted.
 void averageSamples(TensorSamples &samples);
 
-/// Holds the stored samples against the mean tensor, and writes them. samples.count is maxSamples at most
-/// from then on. Returns 0, or 1 after a message.
-int comparePass(TensorSamples &samples, const MappingSetup &setup, const MappingWords &words,
-                SampleOutputs &outputs);
+/// Holds the stored samples against the mean tensor. samples.count is maxSamples at most from then on. Fails
+/// after a message.
+Status compareWithMean(TensorSamples &samples, const FitOptions &fit, Messages &messages);
 
-/// The statistics of a mapping as DATA lines.
-std::string mappingReport(const TensorSamples &samples);
-
-/// The structure in the frame of the mean tensor. Returns 0, or non-zero after messages that end in `words`.
-int writeMeanFrame(const TensorSamples &samples, const MappingSetup &setup, const char *words);
-
-/// Ends a mapping on the couplings of the mean tensor: report, couplings, structure. The table's tensor is
-/// then the mean one, its tensorMode tensorGiven. Returns 0, or non-zero after a message.
-int reportMeanTensor(const TensorSamples &samples, const MappingSetup &setup);
+/// Calculates the couplings of the mean tensor. The table's tensor is then this one, its tensorMode
+/// tensorGiven. Fails after a message.
+Status fitMean(const TensorSamples &samples, const MappingInput &input);
 
 /// Whether the first element of the fitted Saupe vector is 999.9 or more, which is no order: such a sample is
 /// dropped. A fit of fewer than five couplings leaves zeros, and those count.

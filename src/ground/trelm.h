@@ -1,6 +1,8 @@
 // The run record: every parameter of a run, with its default at the field.
 #pragma once
 
+#include "errors/options.h"
+
 #include <array>
 #include <string>
 
@@ -164,28 +166,6 @@ struct ReportOptions {
     int rotN = 0;     ///< index of the rotation of the PDB, or of a hinge axis
 };
 
-/// Errors of a fit: noise of couplings and structures, and parts of the couplings.
-struct NoiseOptions {
-    int idum = -1;           ///< seed of the noise of -struc; all other modes draw from a fixed start
-    int mapMode = 1;         ///< use only best-fit predictions within experimental errors
-    int noiseMode = 1;       ///< structural noise on internuclear vectors (1) or dihedral angles (0)
-    float mapFrac = 0.2f;    ///< couplings of each jackknife sample: a fraction, or a number with mapFixCount
-    int mapFixCount = 0;     ///< 1: mapFrac is the number of couplings
-    int coneFix = 0;         ///< fix the size of the noise cone
-    int coneDig = 360;       ///< digitisation of the cone
-    double coneWidth = 5.0;  ///< standard deviation of the cone angle, degrees
-    int nConeFlag = 1;       ///< adjust structural noise automatically
-    int nConeAdjust = 100;   ///< steps in structural noise determination
-    float nConeStart = 0.0f; ///< starting structural noise, degrees
-    float nConeInc = 0.25f;  ///< structural noise increment, degrees
-    int mcAdjustFlag = 1;    ///< adjust the scaling of coupling errors automatically
-    int nAdjustMc = 100;     ///< steps in the determination of the error scaling
-    float mcAdjustFrac = 0.7f; ///< required fraction of self-consistent best-fits
-    float kSigma = 1.0f;       ///< scaling factor of the experimental coupling errors
-    float kLSigma = 1.0f;      ///< starting scaling factor
-    float incSigma = 0.2f;     ///< increment of the scaling factor
-};
-
 /// Comparison of tensors and of coupling sets, analysis of structures.
 struct ComparisonOptions {
     int opCode = 2;  ///< comparison: one of modes.h
@@ -229,7 +209,9 @@ struct TrelmInfo : DomainOptions,
                    AtomOptions,
                    FitOptions,
                    ReportOptions,
-                   NoiseOptions,
+                   JackknifeOptions,
+                   CouplingNoiseOptions,
+                   StructuralNoiseOptions,
                    ComparisonOptions,
                    ConversionOptions,
                    DrawOptions,

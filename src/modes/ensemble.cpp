@@ -91,11 +91,8 @@ int reportAverage(Run &run, const Saupe &saupe, const TensorAnalysis &average)
     shown.gMag = 0.0;
     writeEulerInfo(shown, block, trelmInfo.eulerFlag);
     result += block;
-    const int status = statDC(dTab, block, 1);
-    if (status != 0) {
-        complain("Matrix: error in statDC.\n");
-        return status;
-    }
+    if (statDC(dTab, block, standardMessages()) != Status::ok)
+        return complain("Matrix: error in statDC.\n");
     result += block;
     appendSaupeLines(saupe, average, result);
     std::fputs(result.c_str(), stderr);

@@ -1,36 +1,238 @@
 #include "modes/mappings.h"
 
+#include "couplings/output.h"
 #include "errors/coupling_noise.h"
 #include "errors/jackknife.h"
+#include "errors/mapping_text.h"
 #include "errors/structural_noise.h"
+#include "structure/write.h"
+#include "support/text/output_file.h"
 #include "support/text/text.h"
+
+#include <string>
+#include <vector>
 
 namespace trelm {
 namespace {
 
-MappingSetup mappingSetup(Run &run)
+/// The files that are written sample by sample.
+struct SampleFiles {
+    OutFile map, da, angles, saupe;
+};
+
+/// Words that differ from mapping to mapping.
+struct MappingWords {
+    const char *noAngles; ///< before the name of a file of angles that can not be opened
+    const char *dot;      ///< behind this name and that of the file of Da and R
+    const char *saupeGap; ///< between number and values in the file of Saupe vectors
+};
+constexpr const char *noDaWords = "TRELM Error opening log file for Da distribution mapping ";
+constexpr MappingWords noiseWords = {noDaWords, "", " "};
+constexpr MappingWords mappingWords = {"TRELM Error opening log file for Angular distribution ", ".", "  "};
+
+MappingInput inputOf(Run &run)
 {
-    const RunOptions &options = run.options;
-    return {.pdbInfo = &run.pdbInfo[0],
-            .sInfo = &run.sInfo,
-            .dTab = &run.dTab[0],
-            .trelmInfo = &run.trelmInfo[0],
-            .files = {.outDName = options.outDName,
-                      .pdbRotName = options.pRotName,
-                      .outDaName = options.outDaName,
-                      .outMapName = options.outMapName,
-                      .outDFailName = options.outDFailName,
-                      .outAngName = options.outAngName,
-                      .outAName = options.outAName,
-                      .remark = options.remark},
-            .mapCount = options.mapCount,
+    return {.pdbInfo = run.pdbInfo[0],
+            .dTab = run.dTab[0],
+            .fit = run.trelmInfo[0],
+            .validCount = run.trelmInfo[0].validCountD,
+            .mapCount = run.options.mapCount,
             .verbose = run.trelmInfo[0].verbFlag};
 }
 
-int ended(int status)
+/// Each file is written from its start: two under one name would take each other's rows. `failName` is that
+/// of the failures, empty for a mapping that has none. Fails after a message.
+Status checkNames(const Run &run, const std::string &failName, Messages &messages)
+{
+    const RunOptions &options = run.options;
+    std::vector<std::string> names = {options.outDaName, options.outMapName, options.outAngName,
+                                      options.outAName,  options.outDName,   failName};
+    constexpr int frames = 4;
+    for (int k = 0; k < frames; ++k) {
+        names.push_back(options.pRotName + '.' + std::to_string(k));
+        if (k == run.trelmInfo[0].rotN)
+            names.push_back(options.pRotName);
+    }
+    for (auto first = names.begin(); first != names.end(); ++first)
+        for (auto second = first + 1; second != names.end(); ++second)
+            if (isSameFile(*first, *second))
+                return messages.fail("trelm: %s is another file of this run: give each a name of its own.\n",
+                                     second->c_str());
+    return Status::ok;
+}
+
+Status openOne(OutFile &out, const std::string &name, const char *message, const char *dot)
+{
+    return openOut(out, name, "w") == 0 ? Status::ok
+                                        : standardMessages().fail("%s%s%s\n", message, name.c_str(), dot);
+}
+
+/// Opens the four files. Fails after a message.
+Status openFiles(const RunOptions &options, const MappingWords &words, SampleFiles &files)
+{
+    constexpr const char *noMap = "TRELM Error opening log file for error space mapping ";
+    constexpr const char *noSaupe = "TRELM Error opening log file for Saupe distribution ";
+    if (openOne(files.map, options.outMapName, noMap, "") != Status::ok ||
+        openOne(files.da, options.outDaName, noDaWords, words.dot) != Status::ok ||
+        openOne(files.angles, options.outAngName, words.noAngles, words.dot) != Status::ok ||
+        openOne(files.saupe, options.outAName, noSaupe, ".") != Status::ok)
+        return Status::failed;
+    return Status::ok;
+}
+
+int closeFiles(SampleFiles &files)
+{
+    int status = 0;
+    for (OutFile *out : {&files.map, &files.da, &files.angles, &files.saupe})
+        status |= closeOut(*out);
+    return status;
+}
+
+/// Writes the samples as they come.
+MappingWatch watchInto(SampleFiles &files)
+{
+    return {.start = [&files] { writeOut(files.da, magnitudeHead); },
+            .sample =
+                [&files](const CountedSample &sample) {
+                    writeOut(files.da, magnitudeLine(sample));
+                    writeOut(files.map, axesLines(sample));
+                }};
+}
+
+/// What can be said once the mean tensor is known.
+void writeSamples(const TensorSamples &samples, const MappingWords &words, SampleFiles &files)
+{
+    writeOut(files.angles, anglesHead);
+    writeOut(files.saupe, saupeHead);
+    for (std::size_t i = 0; i < samples.deviations.size(); ++i) {
+        writeOut(files.saupe, saupeLine(samples, i, words.saupeGap));
+        writeOut(files.angles, anglesLine(samples, i));
+    }
+}
+
+/// The structure in the frame of the mean tensor. Returns 0, or non-zero after messages that end in `words`.
+int writeMeanFrame(Run &run, const TensorSamples &samples, const char *words)
+{
+    const EulerLists &euler = samples.euler;
+    const int status = writePDBRot(euler.gamma, euler.beta, euler.alpha, run.trelmInfo[0].rotN,
+                                   &run.pdbInfo[0], &run.sInfo, run.options.pRotName, run.options.remark);
+    if (status != 0)
+        standardMessages().err("%s", words);
+    return status;
+}
+
+int writeTable(Run &run, const std::string &name, const std::string &text)
+{
+    return writeDCmod(name, "w", &run.dTab[0], &run.trelmInfo[0], text);
+}
+
+/// Couplings and structure of the mean tensor. Returns 0, or non-zero after a message.
+int reportMeanTensor(Run &run, const TensorSamples &samples, int mapCount)
+{
+    if (fitMean(samples, inputOf(run)) != Status::ok ||
+        writeTable(run, run.options.outDName, mappingReport(samples)) != 0)
+        return 1;
+    if (samples.count != 0)
+        return writeMeanFrame(run, samples, "trelm: error in writePDBRot.\n");
+    standardMessages().err("WARNING %d SVD runs of %d succesful.\n", 0, mapCount);
+    return 0;
+}
+
+/// Means and deviations of the couplings, and then in place of the weights the number of fits that missed
+/// them. Angles, Da and Dr of the tensor stay those of the last noisy fit. Returns 0, or non-zero after a
+/// message.
+int reportCouplingNoise(Run &run, const CouplingNoiseResult &result)
+{
+    DTable &dTab = run.dTab[0];
+    for (std::size_t k = 0; k < saupeCount; ++k)
+        dTab.dTensor.saupe[k] = static_cast<float>(result.samples.saupeAve[k]);
+    for (std::size_t i = 0; i < dTab.observed().size(); ++i) {
+        if (dTab.dCalcList[i].valid != 0)
+            dTab.dObsList[i].sigma = result.deviation[i];
+        if (takesPart(dTab.dCalcList[i])) // others are never calculated
+            dTab.dCalcList[i].d = result.mean[i];
+    }
+    int status = writeTable(run, run.options.outDName, mappingReport(result.samples));
+    for (std::size_t i = 0; i < dTab.observed().size(); ++i)
+        if (dTab.dCalcList[i].valid != 0)
+            dTab.dObsList[i].w = static_cast<float>(result.countFail[i]);
+    std::string fails = "\nREMARK Failure Statistics.\n";
+    appendf(fails, "DATA STATISTICS MAPPING NUMBER OF SUCCESFUL STEPS   %d\n\n\n", result.samples.count);
+    status |= writeTable(run, run.options.outDFailName, fails);
+    if (result.samples.count != 0)
+        status |= writeMeanFrame(run, result.samples, "matrix: error in writePDBRot.\n");
+    return status;
+}
+
+/// Closes the files after a mapping whose report ended with this status.
+int ended(int status, SampleFiles &files)
+{
+    const int closed = closeFiles(files);
+    return status != 0 ? status : closed;
+}
+
+int noMemory()
+{
+    standardMessages().err("Error allocating coord buffers.\n");
+    return 1;
+}
+
+int couplingNoise(Run &run)
+{
+    CouplingNoiseResult result(run.dTab[0].observed().size());
+    if (!result)
+        return noMemory();
+    SampleFiles files;
+    Messages &messages = standardMessages();
+    if (checkNames(run, run.options.outDFailName, messages) != Status::ok ||
+        openFiles(run.options, noiseWords, files) != Status::ok ||
+        mapSimDC(inputOf(run), run.trelmInfo[0], watchInto(files), messages, result) != Status::ok)
+        return 1;
+    writeSamples(result.samples, noiseWords, files);
+    return ended(reportCouplingNoise(run, result), files);
+}
+
+int jackknife(Run &run)
+{
+    Messages &messages = standardMessages();
+    warnOfFraction(run.trelmInfo[0], messages);
+    JackknifeResult result(run.dTab[0].observed().size());
+    if (!result)
+        return noMemory();
+    SampleFiles files;
+    if (checkNames(run, "", messages) != Status::ok ||
+        openFiles(run.options, mappingWords, files) != Status::ok ||
+        aeraSimDC(inputOf(run), run.trelmInfo[0], watchInto(files), messages, result) != Status::ok)
+        return 1;
+    writeSamples(result.samples, mappingWords, files);
+    return ended(reportMeanTensor(run, result.samples, run.options.mapCount), files);
+}
+
+int structuralNoise(Run &run)
+{
+    Messages &messages = standardMessages();
+    if (checkPositions(run.trelmInfo[0], messages) != Status::ok)
+        return 1;
+    StructuralNoiseResult result;
+    if (!result.samples.store)
+        return noMemory();
+    const DcInfo &window = run.dcInfo[0];
+    SampleFiles files;
+    if (checkNames(run, "", messages) != Status::ok ||
+        openFiles(run.options, mappingWords, files) != Status::ok ||
+        noiseStrucSimDC(inputOf(run), run.trelmInfo[0], {window.aFirst, window.segFirst, window.segLast},
+                        watchInto(files), messages, result) != Status::ok)
+        return 1;
+    if (result.couplings == 0)
+        return closeFiles(files); // without content: nothing of an earlier run stays
+    writeSamples(result.samples, mappingWords, files);
+    return ended(reportMeanTensor(run, result.samples, result.mapCount), files);
+}
+
+int tellFailure(int status)
 {
     if (status != 0)
-        complain("Matrix: error in best-fit of data.\n");
+        standardMessages().err("Matrix: error in best-fit of data.\n");
     return status;
 }
 
@@ -38,18 +240,17 @@ int ended(int status)
 
 int mapCouplingNoise(Run &run)
 {
-    return ended(mapSimDC(mappingSetup(run)));
+    return run.dTab[0].dCount == 0 ? 0 : tellFailure(couplingNoise(run));
 }
 
 int mapJackknife(Run &run)
 {
-    return ended(aeraSimDC(mappingSetup(run)));
+    return run.dTab[0].dCount == 0 ? 0 : tellFailure(jackknife(run));
 }
 
 int mapStructuralNoise(Run &run)
 {
-    const DcInfo &dcInfo = run.dcInfo[0];
-    return ended(noiseStrucSimDC(mappingSetup(run), {dcInfo.aFirst, dcInfo.segFirst, dcInfo.segLast}));
+    return tellFailure(structuralNoise(run));
 }
 
 } // namespace trelm

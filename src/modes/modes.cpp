@@ -1,5 +1,6 @@
 #include "ground/modes.h"
-#include "errors/fit_statistics.h"
+#include "couplings/fit.h"
+#include "couplings/output.h"
 #include "modes/assignment.h"
 #include "modes/comparison.h"
 #include "modes/ensemble.h"
@@ -31,11 +32,12 @@ struct SpreadRow {
 
 int bestFitSingle(Run &run)
 {
-    const RunOptions &options = run.options;
     if (run.trelmInfo[0].validCountD == 0)
         complain("trelm: no coupling is left to fit.\n");
-    const int status = simDC(&run.pdbInfo[0], &run.sInfo, &run.dTab[0], &run.trelmInfo[0], options.remark,
-                             options.outDName, options.pRotName, run.trelmInfo[0].verbFlag);
+    const bool isFitted = fitD(&run.pdbInfo[0], &run.dTab[0], run.trelmInfo[0].verbFlag) >= 0;
+    const int status = isFitted ? writeFit({&run.pdbInfo[0], &run.sInfo, &run.dTab[0], &run.trelmInfo[0],
+                                            run.options.outDName, run.options.pRotName, run.options.remark})
+                                : 1;
     if (status != 0)
         complain("trelm: error in best-fit of data.\n");
     return status;

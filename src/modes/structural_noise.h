@@ -1,4 +1,4 @@
-// The road that adds noise to a structure.
+// The mode that adds noise to a structure.
 #pragma once
 
 #include "modes/run.h"

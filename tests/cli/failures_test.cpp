@@ -120,9 +120,11 @@ Failures mappings()
         {"-mcDc -noerr -fracAdjustMc 1.5", "trelm: -fracAdjustMc 1.5 of -nAdjustMc 100" + moreFits},
         {"-mcDc -fracAdjustMc 1e30", "trelm: -fracAdjustMc 1e+30 of -nAdjustMc 100" + moreFits},
         {"-mcDc -nAdjustMc 0", "trelm: -nAdjustMc 0: the search needs one fit at least.\n"},
-        {"-mcDc -noautoMc -kAdjustMc 1e38", "trelm: -kAdjustMc 1e+38: no couplings have such errors.\n"},
+        {"-mcDc -noautoMc -kAdjustMc 3e38",
+         "DC Error: the order matrix is no finite number: look at D, DD, W and the tensor options.\n"},
         {"-mcDc -incAdjustMc 0", step + "0" + positive},
         {"-mcDc -incAdjustMc -0.1", step + "-0.1" + positive},
+        {"-mcDc -incAdjustMc 1e-30", step + "1e-30: too small a step from an error scale of 1.\n"},
         {"-mcDc -inD in.tab",
          "trelm: -mcDc: the fit misses 4 couplings whose error (DD) is 0: no scale of the errors lets it "
          "pass."
@@ -130,13 +132,15 @@ Failures mappings()
          noErrors},
         {"-mcDc -outMap /none/x", "TRELM Error opening log file for error space mapping /none/x\n"},
         {"-mcDc -outMap ./da", "trelm: ./da is another file of this run: give each a name of its own.\n"},
+        {"-jack -pdbRot d -outDa d.2",
+         "trelm: d.2 is another file of this run: give each a name of its own.\n"},
         {"-mcDc -map 20 -outDa /dev/full", "Error writing /dev/full.\n"},
         {"-jack -outAng /none/x", "TRELM Error opening log file for Angular distribution /none/x.\n"},
         {"-mcStruc -incCone 0", "trelm: -incCone 0: the step of the cone must be positive.\n"},
         {"-mcStruc -incCone 1e-30", "trelm: -incCone 1e-30" + small + "0 degrees.\n"},
-        {"-mcStruc -lCone -1e30", "trelm: -incCone 0.25" + small + "-1e+30 degrees.\n"},
-        {"-mcStruc -lCone 1e-9",
-         "trelm: a Gaussian cone of 1e-09 degrees: one of less than 1e-06 moves no atom.\n"},
+        {"-mcStruc -lCone -1e30",
+         "Warning: -lCone -1e+30: a cone below 0 degrees moves no atom.\ntrelm: -incCone 0.25" + small +
+             "-1e+30 degrees.\n"},
         {"-mcStruc -digCone 0", "trelm: -digCone 0: a cone needs at least one position.\n"},
     };
     return f;

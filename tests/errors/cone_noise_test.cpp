@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
-#include <limits>
 #include <numeric>
 #include <set>
 #include <vector>
@@ -243,26 +242,20 @@ TEST(AddPhiPsiNoise, ResidueZeroBehindTheListDraws)
     }
 }
 
-TEST(CheckCone, RefusesWhatHasNoNoise)
+TEST(AddVecNoise, TooNarrowAGaussianConeMovesAndDrawsNothing)
 {
-    struct {
-        double width;
-        int dig, fix, noiseMode, status;
-    } const rows[] = {
-        {5.0, 360, 0, 1, 0},  {0.0, 1, 0, 1, 0},
-        {-5.0, 360, 0, 1, 0}, {200.0, 360, 0, 1, 0},
-        {1e-9, 360, 1, 1, 0}, {1e-6, 360, 0, 1, 0},
-        {1e-9, 360, 0, 1, 1}, {5.0, 0, 0, 1, 1},
-        {5.0, -360, 0, 1, 1}, {std::numeric_limits<double>::quiet_NaN(), 360, 0, 1, 1},
-        {5.0, 0, 0, 0, 0},    {1e-9, 360, 0, 0, 1},
-    };
-    for (const auto &row : rows) {
-        TrelmInfo info;
-        info.coneWidth = row.width;
-        info.coneDig = row.dig;
-        info.coneFix = row.fix;
-        info.noiseMode = row.noiseMode;
-        EXPECT_EQ(checkCone(info), row.status) << row.width << " " << row.dig << " " << row.noiseMode;
+    for (const auto &[cone, isMoved] : {std::pair{ConeSetup{9e-7, 4, 0, 90.0}, false},
+                                        {{9e-7, 4, 1, 90.0}, true},
+                                        {{-5.0, 4, 1, 90.0}, false}}) {
+        int idum = -1;
+        Vector v = {0, 0, 1};
+        addVecNoise(&idum, v, cone);
+        EXPECT_EQ(idum != -1, isMoved) << cone.coneWidth;
+        Molecule m("10 N 10 H 1 1\n");
+        idum = -1;
+        const std::vector<Vector> before = m.all();
+        addPhiPsiNoise(&idum, &m.pdb, &m.table, cone, {1, 1, 76}, 1);
+        EXPECT_EQ(m.all() != before, isMoved) << cone.coneWidth;
     }
 }
 

@@ -74,12 +74,13 @@ void storeBins(const Bins &bins, MagnitudeOptions &histInfo)
     histInfo.binWidth = bins.binWidth;
 }
 
-/// Fits need two different extremes. Averaging makes them one where the errors are as large as the couplings.
-int checkPrincipal(const PrincipalCouplings &principal)
+/// A fit needs different values: averaging makes the extremes one where the errors are as large as the
+/// couplings. `values` are two extremes, and the peak if it takes part.
+int checkPrincipal(const PrincipalCouplings &principal, std::span<const float> values)
 {
     constexpr float rounding = 1e-5f;
-    const float larger = std::max(std::fabs(principal.dzz), std::fabs(principal.dyy));
-    if (!(std::fabs(principal.dzz - principal.dyy) > rounding * larger))
+    const auto [least, most] = std::ranges::minmax(values);
+    if (!(most - least > rounding * std::max(std::fabs(least), std::fabs(most))))
         return complain("Error: The extremes of the couplings are one value, there is no tensor to fit.\n");
     if (principal.dzz * principal.dyy > 0.0f)
         complain("Warning: Both extremes of the couplings have one sign, which no tensor's have.\n");
@@ -96,6 +97,8 @@ int fitPrincipal(const PrincipalCouplings &principal, int count, float rAveDD, M
     const std::array<float, 2> guess = {histInfo.Da2Par, histInfo.R2Par};
     std::array<float, 2> a = guess, error = {};
     const auto n = static_cast<std::size_t>(count);
+    if (checkPrincipal(principal, std::span(y).first(n)) != 0)
+        return 1;
     const ModelFit model = {.x = std::span(x).first(n),
                             .y = std::span(y).first(n),
                             .sig = std::span(sig).first(n),
@@ -149,8 +152,6 @@ int fitRun(ObservedCouplings &observed, MagnitudeOptions &histInfo)
     histInfo.RFit = histInfo.R2Par;
     histInfo.DaErrFit = histInfo.RErrFit = 0.0f;
     storeBins({}, histInfo);
-    if ((histInfo.modeFit == 2 || histInfo.modeFit == 3) && checkPrincipal(principal) != 0)
-        return 1;
     if (histInfo.modeFit == 2)
         return fitPrincipal(principal, 2, observed.rAveDD, histInfo);
     if (histInfo.modeFit == 3)
@@ -169,7 +170,8 @@ int checkSettings(const ObservedCouplings &observed, const MagnitudeOptions &his
             return tooManyBins(maxBins + 1);
         return complain("Error: The mean error of the couplings is not above 0.\n");
     }
-    return checkHistogram(histInfo);
+    tellHistogram(histInfo);
+    return 0;
 }
 
 /// The calculated rows show the couplings that took part.
@@ -218,21 +220,20 @@ AveragedExtremes getDzzDyy(std::span<float> coupList, float delta, float sdevNeg
             .dPos = averageSide(coupList.rbegin(), coupList.rend(), delta * sdevPos)};
 }
 
-int checkHistogram(const MagnitudeOptions &histInfo)
+void tellHistogram(const MagnitudeOptions &histInfo)
 {
     if (histInfo.optExtrem != 0 && !(histInfo.sdevDzz > 0.0f && histInfo.sdevDyy > 0.0f))
         complain("Warning: -sdevDzz %g, -sdevDyy %g: without a factor above 0 an extreme is averaged to 0.\n",
                  double{histInfo.sdevDzz}, double{histInfo.sdevDyy});
     if (histInfo.modeFit == 3 && histInfo.nBinIn == 1)
-        return complain("Error: -bin 1: a histogram needs two bins at least.\n");
-    return 0;
+        complain("Warning: -bin 1: a single bin has no width, no coupling falls into it.\n");
 }
 
 int makeBins(float delta, float max, float min, int nUserBins, Bins &bins)
 {
     const float range = (max + delta) - (min - delta);
     bins = {};
-    if (nUserBins < 2) {
+    if (nUserBins < 1) {
         bins.binWidth = 2.0f * delta;
         // Without a width no number of bins is enough.
         bins.nBins = maxBins + 1;
@@ -261,8 +262,9 @@ int getDxx(std::span<const float> coupList, const Bins &bins, float &dxx)
         const float c = coupList[i];
         if (!(low <= c && c <= high)) {
             const bool isBelow = c < low;
-            std::printf("coupList[%zu] (%.3f) %c %.3f\n", i, static_cast<double>(c), isBelow ? '<' : '>',
-                        static_cast<double>(isBelow ? low : high));
+            if (isBelow || c > high) // neither beside a bin without a width
+                std::printf("coupList[%zu] (%.3f) %c %.3f\n", i, static_cast<double>(c), isBelow ? '<' : '>',
+                            static_cast<double>(isBelow ? low : high));
             continue;
         }
         // A coupling on the upper rim rounds to the place behind the last bin.

@@ -14,13 +14,12 @@ namespace trelm {
 
 constexpr int maxBins = 250; ///< bins of a histogram
 
-/// What both roads ask of the options of averaging and binning. Returns 0, or 1 after a message: a single
-/// bin, which has no width. Warns of factors that are not above 0.
-int checkHistogram(const MagnitudeOptions &histInfo);
+/// Warns of factors that are not above 0, and of a single bin, which has no width.
+void tellHistogram(const MagnitudeOptions &histInfo);
 
 /// Estimates Da and R of a coupling file and writes the report with the table. Without one most populated bin
 /// the extremes' own Da and R are the result, after a message. Returns 0, or 1 after a message: no couplings,
-/// an error of 0 where one is needed, one bin, too many bins, a fit without a solution, or an output that
+/// an error of 0 where one is needed, too many bins, a fit without a solution, or an output that
 /// cannot be written.
 int getHistDabR(const MagnitudeJob &job);
 
@@ -45,9 +44,9 @@ struct Bins {
     std::vector<float> centres;
 };
 
-/// Lays bins from min on; nUserBins below 2 lets the error decide, a bin being two errors wide. Returns 0; 1
-/// with the number of bins in nBins if they are more than maxBins (251 at least where the width comes out as
-/// 0).
+/// Lays bins from min on; nUserBins below 1 lets the error decide, a bin being two errors wide; 1 is a bin of
+/// no finite width. Returns 0; 1 with the number of bins in nBins if they are more than maxBins (251 at least
+/// where the width comes out as 0).
 int makeBins(float delta, float max, float min, int nUserBins, Bins &bins);
 
 /// The centre of the most populated bin into dxx, of the first to reach its count. Couplings outside are told

@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <utility>
 #include <vector>
 
 namespace trelm {
@@ -26,47 +25,58 @@ double countSteps(double low, double high, double inc)
     return std::max(1.0, std::ceil((high - low) / inc - hair));
 }
 
-/// Whether limits meet or cross, so that there is no point between them.
-bool isEmpty(const MlGrid &grid)
+/// Points along both axes; 0 on both where the limits of one meet or cross.
+struct GridSize {
+    double R = 0.0, Dab = 0.0; ///< whole numbers, maybe beyond any integer
+    [[nodiscard]] double points() const { return R * Dab; }
+};
+
+GridSize sizeOf(const MlGrid &grid)
 {
-    return !(grid.highR > grid.lowR && grid.highDab > grid.lowDab);
+    const GridSize size = {.R = countSteps(grid.lowR, grid.highR, grid.incR),
+                           .Dab = countSteps(grid.lowDab, grid.highDab, grid.incDa)};
+    return size.R > 0.0 && size.Dab > 0.0 ? size : GridSize{};
 }
 
-/// Refuses a grid that cannot be searched. Returns 0, also for one without points, or 1 after a message.
+/// Refuses a grid that cannot be searched, and warns of one with points that no tensor has. Returns 0, also
+/// for one without points, or 1 after a message.
 int checkGrid(const MlGrid &grid)
 {
     if (!(grid.incR > 0.0 && grid.incDa > 0.0))
         return complain("Error: the grid of Da and R has a step of 0.\n");
-    if (isEmpty(grid))
-        return 0;
-    const double points =
-        countSteps(grid.lowR, grid.highR, grid.incR) * countSteps(grid.lowDab, grid.highDab, grid.incDa);
+    const double points = sizeOf(grid).points();
     if (!(points <= maxMlPoints))
         return complain("Error: the grid of Da and R has %.0f points, the limit is %d.\n", points,
                         maxMlPoints);
-    if (!(grid.lowR >= 0.0 && grid.highR <= 2.0))
-        return complain("Error: the grid of R runs from %.3f to %.3f, it must lie between 0 and 2.\n",
-                        grid.lowR, grid.highR);
-    if (!(grid.highDab <= 0.0))
-        return complain("Error: the grid of Da runs from %.3f to %.3f, its limits must have one sign.\n",
-                        grid.lowDab, grid.highDab);
+    if (points > 0.0 && !(grid.lowR >= 0.0 && grid.highR <= 2.0))
+        complain("Warning: the grid of R runs from %.3f to %.3f: no tensor has an R outside 0 to 2.\n",
+                 grid.lowR, grid.highR);
+    if (points > 0.0 && grid.highDab > 0.0)
+        complain("Warning: the grid of Da runs from %.3f to %.3f: its points above 0 have no pattern.\n",
+                 grid.lowDab, grid.highDab);
     return 0;
 }
 
-/// The limits as asked for, laid on the negative side. `invertFlag`: they were positive.
-MlGrid settleGrid(const MagnitudeOptions &histInfo, bool &invertFlag)
+/// Whether the limits ask for a positive Da: the first one decides, also where the second has another sign.
+bool isPositiveRequest(const MagnitudeOptions &histInfo)
 {
-    const double l = histInfo.lDaMl, h = histInfo.hDaMl;
-    MlGrid grid = {.lowDab = std::min(l, h),
-                   .highDab = std::max(l, h),
-                   .incDa = std::fabs(histInfo.incDaMl),
-                   .lowR = histInfo.lRMl,
-                   .highR = histInfo.hRMl,
-                   .incR = std::fabs(histInfo.incRMl)};
-    invertFlag = grid.lowDab >= 0.0;
-    if (invertFlag)
-        grid.lowDab = -std::exchange(grid.highDab, -grid.lowDab);
-    return grid;
+    return histInfo.lDaMl >= 0.0f;
+}
+
+/// The limits as asked for; those of a positive request with their signs turned.
+MlGrid settleGrid(const MagnitudeOptions &histInfo)
+{
+    double l = histInfo.lDaMl, h = histInfo.hDaMl;
+    if (isPositiveRequest(histInfo)) {
+        l = 0.0 - l; // no sign at a zero
+        h = 0.0 - h;
+    }
+    return {.lowDab = std::min(l, h),
+            .highDab = std::max(l, h),
+            .incDa = std::fabs(histInfo.incDaMl),
+            .lowR = histInfo.lRMl,
+            .highR = histInfo.hRMl,
+            .incR = std::fabs(histInfo.incRMl)};
 }
 
 /// Errors of Da and R by the number of couplings and the R found.
@@ -163,27 +173,33 @@ int readMlCouplings(const MagnitudeJob &job, ObservedCouplings &observed)
     return 0;
 }
 
+/// Warns of couplings that the tensors of the grid cannot explain, or not as they should.
+void tellDoubts(const ObservedCouplings &observed, const MlGrid &grid)
+{
+    const double reach = 2.0 * std::max(std::fabs(grid.lowDab), std::fabs(grid.highDab));
+    const double largest = std::max(std::fabs(observed.minD), std::fabs(observed.maxD));
+    if (largest > reach + reachOfResponse * observed.rAveDD)
+        complain("Warning: a coupling of %.2f Hz is beyond all tensors of the grid.\n", largest);
+    if (observed.rAveDD > maxWholeError)
+        complain("Warning: the mean error of the couplings, %.3f Hz, is above %.2f Hz: the response runs into"
+                 " itself.\n",
+                 double{observed.rAveDD}, maxWholeError);
+}
+
 /// The search and what it says of the tensor. Returns 0, or 1 after a message.
 int searchGrid(const ObservedCouplings &observed, MagnitudeOptions &histInfo, std::span<MlPoint> list,
                int &lCount, MagnitudeRange &best)
 {
-    bool invertFlag = false;
-    const MlGrid grid = settleGrid(histInfo, invertFlag);
+    const MlGrid grid = settleGrid(histInfo);
     if (checkGrid(grid) != 0)
         return 1;
-    const double reach = 2.0 * std::max(std::fabs(grid.lowDab), std::fabs(grid.highDab));
-    const double largest = std::max(std::fabs(observed.minD), std::fabs(observed.maxD));
-    if (!isEmpty(grid) && largest > reach + reachOfResponse * observed.rAveDD)
-        complain("Warning: a coupling of %.2f Hz is beyond all tensors of the grid.\n", largest);
-    if (!isEmpty(grid) && observed.rAveDD > maxWholeError)
-        complain("Warning: the mean error of the couplings, %.3f Hz, is above %.2f Hz: the response runs into"
-                 " itself.\n",
-                 double{observed.rAveDD}, maxWholeError);
+    if (sizeOf(grid).points() > 0.0)
+        tellDoubts(observed, grid);
     if (mlMagTensor({observed.coupList, observed.rAveDD}, grid, histInfo.mlClear != 0, list, lCount) != 0)
         return complain("Error in mlMagTensor.\n");
     best = findBest(list.first(static_cast<std::size_t>(lCount)), static_cast<int>(observed.coupList.size()));
-    if (invertFlag)
-        best.Dab = -best.Dab;
+    if (isPositiveRequest(histInfo))
+        best.Dab = 0.0 - best.Dab;
     histInfo.DaMl = static_cast<float>(best.Dab);
     histInfo.DaErrMl = static_cast<float>(best.DabErr);
     histInfo.RMl = static_cast<float>(best.R);
@@ -248,24 +264,21 @@ int mlMagTensor(const MlCouplings &couplings, const MlGrid &grid, bool clear, st
                 int &lCount)
 {
     lCount = 0;
-    double stepsR = countSteps(grid.lowR, grid.highR, grid.incR);
-    double stepsDa = countSteps(grid.lowDab, grid.highDab, grid.incDa);
-    if (stepsR == 0.0 || stepsDa == 0.0) // one without the other may be beyond any integer
-        stepsR = stepsDa = 0.0;
-    if (!(stepsR * stepsDa <= static_cast<double>(list.size())))
-        return complain("Error: the grid of Da and R has %.0f points, the limit is %zu.\n", stepsR * stepsDa,
+    const GridSize size = sizeOf(grid);
+    if (!(size.points() <= static_cast<double>(list.size())))
+        return complain("Error: the grid of Da and R has %.0f points, the limit is %zu.\n", size.points(),
                         list.size());
-    const double lastR = grid.lowR + (stepsR - 1.0) * grid.incR;
-    const double lastDab = grid.highDab - (stepsDa - 1.0) * grid.incDa;
-    if (stepsR * stepsDa > 0.0 && !(isPattern(grid.highDab, grid.lowR) && isPattern(lastDab, lastR)))
+    const double lastR = grid.lowR + (size.R - 1.0) * grid.incR;
+    const double lastDab = grid.highDab - (size.Dab - 1.0) * grid.incDa;
+    if (size.points() > 0.0 && !isWithinAxis(lastDab, lastR))
         return complain("Error: the patterns up to Da %.3f Hz, R %.3f do not fit the axis of %.2f Hz.\n",
                         lastDab, lastR, axisLength);
     PatternScorer scorer;
-    if (stepsR * stepsDa > 0.0 && startScorer(scorer, couplings.coup_mat, couplings.delta) != 0)
+    if (size.points() > 0.0 && startScorer(scorer, couplings.coup_mat, couplings.delta) != 0)
         return 1;
     Progress progress = startProgress("", 0);
     std::string line;
-    const auto countR = static_cast<int>(stepsR), countDa = static_cast<int>(stepsDa);
+    const auto countR = static_cast<int>(size.R), countDa = static_cast<int>(size.Dab);
     for (int i = 0; i < countR; ++i) {
         for (int k = 0; k < countDa; ++k) {
             MlPoint &point = list[static_cast<std::size_t>(lCount++)];
@@ -276,7 +289,8 @@ int mlMagTensor(const MlCouplings &couplings, const MlGrid &grid, bool clear, st
                 appendf(line, "Grid point R = %.2f D = %.2f\r", point.R, point.Dab);
                 showLine(progress, line);
             }
-            point.score = scorePattern(scorer, point.Dab, point.R, clear);
+            if (isPattern(point.Dab, point.R))
+                point.score = scorePattern(scorer, point.Dab, point.R, clear);
         }
     }
     endProgress(progress);

@@ -30,10 +30,15 @@ struct Pool {
     [[nodiscard]] int nRes() const { return static_cast<int>(residues.dcMat.size()); }
 };
 
+bool isFitted(const MagnitudeOptions &hist)
+{
+    return hist.modeFit == 2 || hist.modeFit == 3;
+}
+
 int checkSettings(const TrelmInfo &info, const ObservedCouplings &observed)
 {
     const MagnitudeOptions &hist = info;
-    if (hist.modeFit != 2 && hist.modeFit != 3)
+    if (!isFitted(hist))
         complain("Warning: -nFit %d: no set is fitted, all have Da and R 0.\n", hist.modeFit);
     if (info.histRan < 1)
         complain("Warning: -nRun %d: no set is drawn.\n", info.histRan);
@@ -41,8 +46,7 @@ int checkSettings(const TrelmInfo &info, const ObservedCouplings &observed)
         return complain("motionHist: -nRun %d: the number of sets is at most %d.\n", info.histRan, maxSets);
     if (info.sCount < 0)
         return complain("motionHist: -nSel %d: a set cannot have fewer than 0 residues.\n", info.sCount);
-    if (checkHistogram(hist) != 0)
-        return 1;
+    tellHistogram(hist);
     if (!(observed.rAveDD > 0.0f))
         return complain("Error: The mean error of the couplings is not above 0.\n");
     if (observed.maxD >= axisLength || observed.minD <= -axisLength)
@@ -98,7 +102,6 @@ int makePool(const MagnitudeJob &job, Pool &pool)
 /// Buffers of a set, kept from set to set.
 struct SetBuffers {
     std::vector<float> coupList, sigma, dc;
-    float largestError = 0.0f; ///< of the mean errors so far
 };
 
 /// The set's score over that of an even distribution; 0 for a tensor that no pattern has.
@@ -117,16 +120,15 @@ double scoreRatio(const Pool &pool, const MotionSet &set, float rAveDD, SetBuffe
 /// Draws a set and scores it. One of fewer than two couplings, of zeros only, or whose errors cancel by their
 /// weights, has no histogram: it keeps the tensor of the set before, as one without a peak does, and the
 /// ratio 0.
-int drawSet(const Pool &pool, MagnitudeOptions &histInfo, int &idum, SetBuffers &buffers, MotionSet &set)
+int drawSet(const Pool &pool, MagnitudeOptions &histInfo, int &idum, SetBuffers &buffers, MotionSet &set,
+            float &rAveDD)
 {
     buffers.coupList.clear();
     buffers.sigma.clear();
-    float rAveDD = 0.0f;
     set.nDSel = selectDcResidue(&idum, pool.residues, pool.sCount, buffers.coupList, buffers.sigma, rAveDD);
     if (rAveDD > maxMeanError)
         return complain("motionHist: the mean error of a set, %.3f Hz, is above %.2f Hz.\n", double{rAveDD},
                         maxMeanError);
-    buffers.largestError = std::max(buffers.largestError, rAveDD);
     const Extremes extremes = findExtremes(buffers.coupList);
     const bool hasPattern =
         set.nDSel > 1 && rAveDD > 0.0f && (extremes.minD != 0.0f || extremes.maxD != 0.0f);
@@ -139,11 +141,11 @@ int drawSet(const Pool &pool, MagnitudeOptions &histInfo, int &idum, SetBuffers 
 }
 
 /// What the user should hear of the sets drawn.
-void tellSets(std::span<const MotionSet> sets, float largestError)
+void tellSets(std::span<const MotionSet> sets, bool isFitted, float largestError)
 {
     const auto without =
         std::ranges::count_if(sets, [](const MotionSet &set) { return set.scores[0] == 0.0; });
-    if (without > 0)
+    if (without > 0 && isFitted)
         complain(
             "motionHist: %td of %zu sets have no ratio: too few couplings, one outside the pattern of their"
             " tensor, or a tensor without a pattern.\n",
@@ -160,15 +162,18 @@ int drawSets(const Pool &pool, TrelmInfo &trelmInfo, std::vector<MotionSet> &set
     SetBuffers buffers;
     sets.resize(static_cast<std::size_t>(std::max(trelmInfo.histRan, 0)));
     Progress progress = startProgress("REMARK Histogram ", trelmInfo.histRan);
+    float largestError = 0.0f;
     int status = 0, drawn = 0;
     for (auto set = sets.begin(); set != sets.end() && status == 0; ++set) {
         showProgress(progress, ++drawn);
         pauseProgress(progress); // a set may have something to say
-        status = drawSet(pool, trelmInfo, idum, buffers, *set);
+        float rAveDD = 0.0f;
+        status = drawSet(pool, trelmInfo, idum, buffers, *set, rAveDD);
+        largestError = std::max(largestError, rAveDD);
     }
     endProgress(progress);
     if (status == 0)
-        tellSets(sets, buffers.largestError);
+        tellSets(sets, isFitted(trelmInfo), largestError);
     return status;
 }
 

@@ -79,9 +79,9 @@ TEST(Histogram, BinsLieFromTheSmallestOn)
     for (const Case &range :
          {Case{0.5f, 10.0f, -5.0f, 0, 0, 17, 1.0f}, // 16 wide, and one
           Case{0.5f, 10.0f, -5.0f, -3, 0, 17, 1.0f}, Case{0.5f, 10.0f, -5.0f, 5, 0, 5, 4.0f},
-          Case{0.5f, 10.0f, -5.0f, 250, 0, 250, 16.0f / 249.0f}, Case{0.5f, 10.0f, -5.0f, 251, 1, 251, 0.0f},
-          Case{0.5f, 1e20f, -5.0f, 0, 1, 1000000001, 0.0f}, Case{0.0f, 10.0f, -5.0f, 0, 1, 251, 0.0f},
-          Case{0.0f, 1.0f, 1.0f, 7, 1, 251, 0.0f}}) {
+          Case{0.5f, 10.0f, -5.0f, 2, 0, 2, 16.0f}, Case{0.5f, 10.0f, -5.0f, 250, 0, 250, 16.0f / 249.0f},
+          Case{0.5f, 10.0f, -5.0f, 251, 1, 251, 0.0f}, Case{0.5f, 1e20f, -5.0f, 0, 1, 1000000001, 0.0f},
+          Case{0.0f, 10.0f, -5.0f, 0, 1, 251, 0.0f}, Case{0.0f, 1.0f, 1.0f, 7, 1, 251, 0.0f}}) {
         Bins bins;
         EXPECT_EQ(makeBins(range.delta, range.max, range.min, range.asked, bins), range.status);
         EXPECT_EQ(bins.nBins, range.count);
@@ -178,6 +178,7 @@ TEST(HistogramOfASet, WithoutAPeakTheTensorBeforeStays)
         {{-20.0f, 5.0f, 5.1f, 15.0f}, 3, 0, 0, 19, -10.1667f},
         {{-20.0f, 5.0f, 15.0f}, 3, 0, 0, 19, 99.0f},
         {{-20.0f, 5.0f, 15.0f}, 3, 9, 0, 3, 99.0f},           // 9, 7, 5, 3 bins
+        {{-20.0f, 5.0f, 15.0f}, 3, 7, 0, 1, 99.0f},           // down to a single one, which takes none
         {{-20.0f, 5.0f, 9.0f, 15.0f}, 3, 9, 0, 5, -10.4583f}, // no peak in 9 nor in 7
         {{-20.0f, 5.0f, 15.0f}, 2, 0, 0, 0, -10.0f},
         {{-20.0f, 5.0f, 15.0f}, 7, 0, 0, 0, 99.0f},

@@ -25,30 +25,36 @@ TEST(Likelihood, FastScoreIsThePlainOne)
     for (const int count : {20, 63, 2000, 5000})
         for (const double sigma : {0.05, 0.5, 1.7})
             cases.emplace_back(count, sigma);
-    for (const double sigma : {2.5, 3.413}) // the response runs into itself
+    for (const double sigma : {1.71, 2.5, 3.413}) // the response runs into itself
         cases.insert(cases.end(), {{20, sigma}, {2000, sigma}});
     for (const auto &[count, sigma] : cases) {
         for (const double Da : {-3.5, -10.3, -24.0}) {
-            std::vector<float> couplings =
-                powderCouplings({.da = Da, .rhombicity = 0.3 * any(engine), .count = count, .sigma = sigma});
+            std::vector<float> couplings = powderCouplings({.da = Da,
+                                                            .rhombicity = 0.3 * any(engine),
+                                                            .count = count,
+                                                            .sigma = sigma,
+                                                            .seed = static_cast<unsigned>(engine())});
             turnPositive(couplings);
             for (const bool clear : {false, true}) {
                 PatternScorer scorer;
                 ASSERT_EQ(startScorer(scorer, couplings, sigma), 0);
                 std::vector<float> data(axisPlaces);
-                for (const double R : {0.0, 0.1 + 0.3 * any(engine), 0.69, 0.4 * any(engine)}) {
+                for (const double R : {0.0, 0.1 + 0.3 * any(engine), 0.69, -0.6 * any(engine), 2.3}) {
                     const MlPoint point = {.Dab = Da * (0.9 + 0.14 * any(engine)), .R = R};
+                    if (!isPattern(point.Dab, R))
+                        continue;
                     const double plain = scorePlain(couplings, sigma, point, clear, data);
                     const double fast = scorePattern(scorer, point.Dab, point.R, clear);
-                    EXPECT_NEAR(fast, plain, 1e-5 * std::max(1.0, std::fabs(plain)))
+                    // Large and small logarithms may cancel: each is rounded in single precision.
+                    EXPECT_NEAR(fast, plain, 1e-5 * std::max(1.0, std::fabs(plain)) + 1e-7 * count)
                         << count << ' ' << sigma << ' ' << Da;
                     ++(plain == 0.0 ? outOfRace : scored);
                 }
             }
         }
     }
-    EXPECT_GT(scored, 100);
-    EXPECT_GT(outOfRace, 10);
+    EXPECT_GT(scored, 150);
+    EXPECT_GT(outOfRace, 50);
 }
 
 TEST(Likelihood, PatternIsADensityBetweenItsExtremes)
@@ -128,7 +134,7 @@ TEST(Likelihood, LimitsOfEitherOrderAndSign)
         double sign;
     };
     for (const Case &limits : {Case{-25.0f, -3.0f, 1.0}, Case{-3.0f, -25.0f, 1.0}, Case{3.0f, 25.0f, -1.0},
-                               Case{25.0f, 3.0f, -1.0}, Case{0.0f, -25.0f, 1.0}, Case{0.0f, 25.0f, -1.0}}) {
+                               Case{25.0f, 3.0f, -1.0}, Case{-25.0f, 3.0f, 1.0}, Case{0.0f, 25.0f, -1.0}}) {
         Search search;
         search.options.mlClear = 1;
         search.options.lDaMl = limits.lDa;
@@ -191,12 +197,6 @@ TEST(Likelihood, RefusesWhatItCannotSearch)
          }},
         {"Error: the grid of Da and R has a step of 0.\n", [](Search &s) { s.options.incRMl = 0.0f; }},
         {"Error: the grid of Da and R has a step of 0.\n", [](Search &s) { s.options.incDaMl = NAN; }},
-        {"Error: the grid of Da runs from -25.000 to 3.000, its limits must have one sign.\n",
-         [](Search &s) { s.options.hDaMl = 3.0f; }},
-        {"Error: the grid of R runs from -0.100 to 0.700, it must lie between 0 and 2.\n",
-         [](Search &s) { s.options.lRMl = -0.1f; }},
-        {"Error: the grid of R runs from 0.000 to 2.100, it must lie between 0 and 2.\n",
-         [](Search &s) { s.options.hRMl = 2.1f; }},
         {"Error: the patterns up to Da -44.800 Hz, R 0.680 do not fit the axis of 81.92 Hz.\n",
          [](Search &s) { s.options.lDaMl = -45.0f; }},
         {"Error: the mean error of the couplings is 0 Hz, it must be 1e-06 to 3.41 Hz.\n",

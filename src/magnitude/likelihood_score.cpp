@@ -101,15 +101,15 @@ void fillPattern(double Dab, double R, std::span<float> data)
     fillRange(mark, std::span(downAxis).subspan(down), data.data() + down);
 }
 
-/// The couplings as places of the axis. Returns 0, or 1 after a message.
-int collectPlaces(std::span<const float> couplings, std::vector<ScorePlace> &list)
+/// The couplings as places of the axis.
+Status collectPlaces(std::span<const float> couplings, std::vector<ScorePlace> &list, Messages &messages)
 {
     std::vector<int> found;
     for (const float coupling : couplings) {
         const double k = std::floor(static_cast<double>(coupling) * placesPerHz);
         if (!(k >= -axisPlaces && k < axisPlaces))
-            return complain("Error: the coupling %.3f Hz lies outside the frequency axis of %.2f Hz.\n",
-                            static_cast<double>(coupling), axisLength);
+            return messages.fail("Error: the coupling %.3f Hz lies outside the frequency axis of %.2f Hz.\n",
+                                 static_cast<double>(coupling), axisLength);
         found.push_back(static_cast<int>(k) + (k < 0.0 ? axisPlaces : 0));
     }
     std::ranges::sort(found);
@@ -119,7 +119,7 @@ int collectPlaces(std::span<const float> couplings, std::vector<ScorePlace> &lis
             list.push_back({place, 0});
         ++list.back().count;
     }
-    return 0;
+    return Status::ok;
 }
 
 constexpr std::size_t respPlaces = 1024;
@@ -187,17 +187,16 @@ Window findWindow(std::span<const ScorePlace> list)
 }
 
 /// Sums cost one product a tap and place, the filter what some products a value of its transform cost.
-/// Returns 0, or 1 after a message.
-int chooseMethod(PatternScorer &scorer, std::span<const float> half)
+Status chooseMethod(PatternScorer &scorer, std::span<const float> half)
 {
     constexpr std::size_t transformCost = 50;
     const Window window = findWindow(scorer.places);
     scorer.isDense = scorer.places.size() * scorer.taps.size() >
                      transformCost * filterLength(half.size() - 1, window.count);
     if (!scorer.isDense)
-        return 0;
+        return Status::ok;
     scorer.first = window.first;
-    return startFilter(scorer.filter, half, window.count);
+    return startFilter(scorer.filter, half, window.count) == 0 ? Status::ok : Status::failed;
 }
 
 /// The broadened pattern at one place, as a sum. The response is symmetric, its centre one place higher.
@@ -310,17 +309,17 @@ bool isWithinAxis(double Dab, double R)
     return -Dab * std::max(2.0, 1.0 + 1.5 * R) <= maxPatternReach;
 }
 
-int startScorer(PatternScorer &scorer, std::span<const float> couplings, double delta)
+Status startScorer(PatternScorer &scorer, std::span<const float> couplings, double delta, Messages &messages)
 {
     if (!(delta >= minMeanError && delta <= maxMeanError))
-        return complain("Error: the mean error of the couplings is %.3g Hz, it must be %g to %.2f Hz.\n",
-                        delta, minMeanError, maxMeanError);
-    if (collectPlaces(couplings, scorer.places) != 0)
-        return 1;
+        return messages.fail("Error: the mean error of the couplings is %.3g Hz, it must be %g to %.2f Hz.\n",
+                             delta, minMeanError, maxMeanError);
+    if (collectPlaces(couplings, scorer.places, messages) != Status::ok)
+        return Status::failed;
     scorer.data = Block<float>("data", places + 2 * margin);
     if (!scorer.data) {
         nrerror("allocation failure for data");
-        return 1;
+        return Status::failed;
     }
     return chooseMethod(scorer, makeTaps(delta, scorer));
 }
@@ -343,10 +342,11 @@ double scorePattern(PatternScorer &scorer, double Dab, double R, bool clear)
     return score.total();
 }
 
-double mlMagTensorSingle(std::span<const float> coup_mat, double delta, double Dab, double R)
+double mlMagTensorSingle(std::span<const float> coup_mat, double delta, double Dab, double R,
+                         Messages &messages)
 {
     PatternScorer scorer;
-    if (!isPattern(Dab, R) || startScorer(scorer, coup_mat, delta) != 0)
+    if (!isPattern(Dab, R) || startScorer(scorer, coup_mat, delta, messages) != Status::ok)
         return 0.0;
     return scorePattern(scorer, Dab, R, true);
 }

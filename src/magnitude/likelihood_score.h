@@ -11,6 +11,7 @@
 #pragma once
 
 #include "ground/alloc.h"
+#include "ground/messages.h"
 #include "support/numerics/symmetric_filter.h"
 
 #include <span>
@@ -61,9 +62,9 @@ struct PatternScorer {
     int first = 0;                  ///< where that part begins
 };
 
-/// Sets a scorer up for couplings and their mean error `delta`, Hz. Returns 0, or 1 after a message: delta is
-/// below minMeanError or beyond maxMeanError, a coupling lies outside the axis, there is no memory.
-int startScorer(PatternScorer &scorer, std::span<const float> couplings, double delta);
+/// Sets a scorer up for couplings and their mean error `delta`, Hz. Fails after a message: delta is below
+/// minMeanError or beyond maxMeanError, a coupling lies outside the axis, there is no memory.
+Status startScorer(PatternScorer &scorer, std::span<const float> couplings, double delta, Messages &messages);
 
 /// The score of a tensor for which isPattern holds; 0.0 if the pattern does not reach one of the couplings,
 /// or is infinite there. Each coupling adds its logarithm to about 1e-5.
@@ -72,6 +73,7 @@ double scorePattern(PatternScorer &scorer, double Dab, double R, bool clear);
 
 /// The score of one tensor. 0.0 also for a tensor without a pattern, and, after a message, for what
 /// startScorer refuses.
-double mlMagTensorSingle(std::span<const float> coup_mat, double delta, double Dab, double R);
+double mlMagTensorSingle(std::span<const float> coup_mat, double delta, double Dab, double R,
+                         Messages &messages);
 
 } // namespace trelm

@@ -1,6 +1,7 @@
 // The run record: every parameter of a run, with its default at the field.
 #pragma once
 
+#include "compare/options.h"
 #include "magnitude/options.h"
 #include "magnitude/results.h"
 
@@ -149,23 +150,6 @@ struct NoiseOptions {
     float kSigma = 1.0f;       ///< scaling factor of the experimental coupling errors
     float kLSigma = 1.0f;      ///< starting scaling factor
     float incSigma = 0.2f;     ///< increment of the scaling factor
-};
-
-/// Comparison of tensors and of coupling sets, analysis of structures.
-struct ComparisonOptions {
-    int opCode = 2;  ///< comparison: one of modes.h
-    float c1 = 1.0f; ///< scale factors of the two operands
-    float c2 = 1.0f;
-    int elPdbFlag = 0; ///< structure analysis treats the PDB as: 0 steric, 1 electrostatic, 2 user
-};
-
-/// Conversion of coupling tables.
-struct ConversionOptions {
-    int dcProton = 0;  ///< include proton-proton couplings in conversion
-    int dcID = 500;    ///< tensor molecule id of conversion output
-    int normDc = 0;    ///< normalise couplings in conversion
-    int outFormat = 2; ///< conversion: 0 xplor, 1 cns, 2 tbl, 3 dyana, 4 trelm, 5 rosetta
-    int dcNoise = 0;   ///< add noise to couplings in conversion
 };
 
 /// Search of assignments.

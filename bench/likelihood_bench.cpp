@@ -38,8 +38,8 @@ Couplings measured()
 Couplings synthetic()
 {
     Couplings couplings = {.values = {}, .delta = 0.5};
-    for (int i = 0; i < maxMlCouplings; ++i) {
-        const double theta = std::acos((i + 0.5) / maxMlCouplings), phi = 2.4 * i;
+    for (int i = 0; i < static_cast<int>(maxMlCouplings); ++i) {
+        const double theta = std::acos((i + 0.5) / double{maxMlCouplings}), phi = 2.4 * i;
         couplings.values.push_back(static_cast<float>(-dip_coup(theta, phi, 10.3, 0.22)));
     }
     return couplings;
@@ -71,14 +71,13 @@ void likelihoodGrid(benchmark::State &state)
     static const bool quiet = quietProgress();
     const Couplings couplings = make();
     std::vector<MlPoint> list(maxMlPoints);
-    int count = 0;
-    mlMagTensor(couplings.view(), grid, false, list, count);
-    if (!quiet ||
-        !isSame(list, mlMagTensorPlain(couplings.view(), grid, false), static_cast<std::size_t>(count)))
+    std::size_t count = 0;
+    if (!quiet || mlMagTensor(couplings.view(), grid, false, list, count, standardMessages()) != Status::ok ||
+        !isSame(list, mlMagTensorPlain(couplings.view(), grid, false), count))
         return state.SkipWithError("differs from the plain form");
     for (auto step : state)
-        mlMagTensor(couplings.view(), grid, false, list, count);
-    state.counters["points"] = count;
+        benchmark::DoNotOptimize(mlMagTensor(couplings.view(), grid, false, list, count, standardMessages()));
+    state.counters["points"] = static_cast<double>(count);
 }
 BENCHMARK(likelihoodGrid<measured>)->Unit(benchmark::kMillisecond);
 BENCHMARK(likelihoodGrid<synthetic>)->Unit(benchmark::kMillisecond);
@@ -102,7 +101,8 @@ Ranges mapAll(const Couplings &couplings)
 {
     Ranges result(2 * couplings.values.size());
     CouplingRanges ranges;
-    startRanges(ranges, range);
+    if (startRanges(ranges, range, standardMessages()) != Status::ok)
+        return {};
     for (std::size_t i = 0; i < couplings.values.size(); ++i)
         mapMagToDc(ranges, couplings.values[i], couplings.delta, result[2 * i], result[2 * i + 1]);
     return result;

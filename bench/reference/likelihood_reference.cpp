@@ -10,13 +10,14 @@
 namespace trelm {
 namespace {
 
-constexpr float transformNoise = 1e-6f; // of the largest value: what is not above it counts as 0
+constexpr float exactPart = 1e-2f; // of the largest value: what is below is lost in the transforms' rounding
 
-} // namespace
+/// The response as it lies in its array: counted from 1; place 0 is written, and not read.
+using Response = std::array<float, 1024>;
 
-std::vector<float> broadenedPlain(double delta, double Dab, double R, std::vector<float> &data)
+Response responsePlain(double delta)
 {
-    std::array<float, 1024> resp = {}; // counted from 1; place 0 is written, and not read
+    Response resp = {};
     std::size_t i = 0;
     for (double x = 0.0; x <= 3.0 * delta; x += axisStep, ++i) {
         const auto g =
@@ -24,34 +25,72 @@ std::vector<float> broadenedPlain(double delta, double Dab, double R, std::vecto
         resp[i] = g;
         resp[1023 - i] = g;
     }
+    return resp;
+}
+
+void fillPlain(double Dab, double R, std::vector<float> &data)
+{
     std::size_t k = 0;
     for (double x = 0.0; x <= -2.0 * Dab; x += axisStep)
         data[k++] = static_cast<float>(analytical(Dab, R, x));
     k = data.size();
     for (double x = -axisStep; x >= (1.5 * R + 1.0) * Dab; x -= axisStep)
         data[--k] = static_cast<float>(analytical(Dab, R, x));
-    std::vector<float> ans(2 * data.size());
-    convlv(data, std::span<const float>(resp).subspan(1), 1, ans);
-    ans.resize(data.size());
-    return ans;
 }
+
+/// The broadened pattern at a place: the first 512 values of the response are its times 0, 1, ..., the others
+/// from the end on -1, -2, ...
+double sumPlain(const Response &resp, const std::vector<float> &data, std::size_t place)
+{
+    double sum = 0.0;
+    for (std::size_t t = 0; t < 512; ++t)
+        sum += double{resp[1 + t]} * double{data[(place + axisPlaces - t) % axisPlaces]};
+    for (std::size_t t = 1; t < 512; ++t)
+        sum += double{resp[1024 - t]} * double{data[(place + t) % axisPlaces]};
+    return sum;
+}
+
+/// The sum of the logarithms of `valueAt` a coupling's place; 0.0 if one is not above 0.
+template <class ValueAt>
+double sumOfLogs(std::span<const float> couplings, ValueAt valueAt)
+{
+    double score = 0.0;
+    for (const float coupling : couplings) {
+        const int k = static_cast<int>(std::floor(static_cast<double>(coupling) * 100.0));
+        const double value = valueAt(static_cast<std::size_t>(k < 0 ? k + axisPlaces : k));
+        if (!(value > 0.0))
+            return 0.0;
+        score += std::log10(value);
+    }
+    return score;
+}
+
+} // namespace
 
 double scorePlain(std::span<const float> couplings, double delta, const MlPoint &point, bool clear,
                   std::vector<float> &data)
 {
     if (clear)
         std::ranges::fill(data, 0.0f);
-    const std::vector<float> ans = broadenedPlain(delta, point.Dab, point.R, data);
-    const float nothing = transformNoise * std::ranges::max(ans);
-    double score = 0.0;
-    for (const float coupling : couplings) {
-        const int k = static_cast<int>(std::floor(static_cast<double>(coupling) * 100.0));
-        const float value = ans[static_cast<std::size_t>(k < 0 ? k + axisPlaces : k)];
-        if (!(value > nothing))
-            return 0.0;
-        score += std::log10(static_cast<double>(value));
-    }
-    return score;
+    fillPlain(point.Dab, point.R, data);
+    const Response resp = responsePlain(delta);
+    return sumOfLogs(couplings, [&](std::size_t place) { return sumPlain(resp, data, place); });
+}
+
+double scoreByTransform(std::span<const float> couplings, double delta, const MlPoint &point, bool clear,
+                        std::vector<float> &data)
+{
+    if (clear)
+        std::ranges::fill(data, 0.0f);
+    fillPlain(point.Dab, point.R, data);
+    const Response resp = responsePlain(delta);
+    std::vector<float> ans(2 * data.size());
+    convlv(data, std::span<const float>(resp).subspan(1), 1, ans);
+    ans.resize(data.size());
+    const float least = exactPart * std::ranges::max(ans);
+    return sumOfLogs(couplings, [&](std::size_t place) {
+        return ans[place] >= least ? double{ans[place]} : sumPlain(resp, data, place);
+    });
 }
 
 std::vector<MlPoint> mlMagTensorPlain(const MlCouplings &couplings, const MlGrid &grid, bool clear)
@@ -64,7 +103,7 @@ std::vector<MlPoint> mlMagTensorPlain(const MlCouplings &couplings, const MlGrid
     for (int i = 0; i < steps(grid.lowR, grid.highR, grid.incR); ++i) {
         for (int k = 0; k < steps(grid.lowDab, grid.highDab, grid.incDa); ++k) {
             MlPoint point = {.Dab = grid.highDab - k * grid.incDa, .R = grid.lowR + i * grid.incR};
-            point.score = scorePlain(couplings.coup_mat, couplings.delta, point, clear, data);
+            point.score = scoreByTransform(couplings.coup_mat, couplings.delta, point, clear, data);
             list.push_back(point);
         }
     }

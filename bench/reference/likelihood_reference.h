@@ -8,14 +8,16 @@
 
 namespace trelm {
 
-/// The broadened pattern on all places of the axis. `data`, 8192 values, is written over, not cleared.
-std::vector<float> broadenedPlain(double delta, double Dab, double R, std::vector<float> &data);
-
-/// The score of one point; `data` as above, cleared first if `clear` is set.
+/// The score of one point, the broadened pattern as a sum at each coupling. `data`, the 8192 values of the
+/// pattern before, is written over, and cleared first if `clear` is set.
 double scorePlain(std::span<const float> couplings, double delta, const MlPoint &point, bool clear,
                   std::vector<float> &data);
 
-/// mlMagTensor without its progress lines and refusals.
+/// The same with one transform for all places, but for the sums at small values.
+double scoreByTransform(std::span<const float> couplings, double delta, const MlPoint &point, bool clear,
+                        std::vector<float> &data);
+
+/// mlMagTensor by transforms, without its progress lines and refusals.
 std::vector<MlPoint> mlMagTensorPlain(const MlCouplings &couplings, const MlGrid &grid, bool clear);
 
 /// The range of one coupling.

@@ -1,11 +1,8 @@
 #include "compare/convert.h"
 
-#include "couplings/output.h"
-#include "couplings/table_input.h"
 #include "support/numerics/numbers.h"
 #include "support/numerics/random.h"
 #include "support/numerics/sort.h"
-#include "support/text/output_file.h"
 #include "support/text/text.h"
 
 #include <algorithm>
@@ -16,12 +13,10 @@
 namespace trelm {
 namespace {
 
-constexpr int systemFormat = 4;
-
 /// A table on its way out.
 struct Conversion {
     const std::string &inDName;
-    const TrelmInfo &trelmInfo;
+    const ConversionOptions &options;
     const DTable &dTab;
     std::span<const int> resIdList; ///< residues of the listing, ascending
     std::span<const int> indexList; ///< the row that names each of them
@@ -47,11 +42,11 @@ void forEachValid(const DTable &dTab, Visit visit)
 void appendRestraints(const Conversion &job, std::string &text)
 {
     appendf(text, "! %s from %s.\n",
-            job.trelmInfo.normDc != 0 ? "Normalized dipolar couplings" : "Dipolar couplings",
+            job.options.normDc != 0 ? "Normalized dipolar couplings" : "Dipolar couplings",
             job.inDName.c_str());
-    if (job.trelmInfo.dcNoise != 0)
+    if (job.options.dcNoise != 0)
         text += "! Gaussian noise has been added.\n\n";
-    const int dcID = job.trelmInfo.dcID;
+    const int dcID = job.options.dcID;
     forEachValid(job.dTab, [&](const DInfo &obs, const DInfo &calc) {
         appendf(text, "\nassign ( resid %3d and name OO  )\n", dcID);
         for (const char *axis : {"Z", "X", "Y"})
@@ -80,10 +75,10 @@ void appendAmides(const Conversion &job, std::string &text)
 void appendCountedRows(const Conversion &job, std::string &text)
 {
     appendf(text, "%s from %s.\n",
-            job.trelmInfo.normDc != 0 ? "Normalized dipolar couplings" : "Dipolar couplings",
+            job.options.normDc != 0 ? "Normalized dipolar couplings" : "Dipolar couplings",
             job.inDName.c_str());
-    text += job.trelmInfo.dcNoise != 0 ? "Gaussian noise has been added.\n"
-                                       : "No Gaussian noise has been added.\n";
+    text +=
+        job.options.dcNoise != 0 ? "Gaussian noise has been added.\n" : "No Gaussian noise has been added.\n";
     text += "comment\n";
     int count = 0;
     forEachValid(job.dTab, [&](const DInfo &, const DInfo &) { ++count; });
@@ -160,7 +155,7 @@ void appendName(const Name &name, std::string &text)
 
 void appendListing(const Conversion &job, std::string &text)
 {
-    const auto shown = std::span(columns).first(std::size(columns) - (job.trelmInfo.dcProton != 0 ? 0 : 1));
+    const auto shown = std::span(columns).first(std::size(columns) - (job.options.dcProton != 0 ? 0 : 1));
     const std::vector<std::string> cells = fillCells(job, shown);
     for (std::size_t line = 0; line < job.resIdList.size(); ++line) {
         const DInfo &row = job.dTab.observed()[static_cast<std::size_t>(job.indexList[line])];
@@ -197,9 +192,13 @@ std::size_t indexResidues(const DTable &dTab, std::span<int> resIdList, std::spa
     return count;
 }
 
-/// What goes out stands in the calculated rows. A normalised table carries all scaling in its couplings.
-/// Warns where a coupling is no finite number with its weight or noise.
-void fillCalculated(const TrelmInfo &trelmInfo, DTable &dTab)
+using Writer = void (*)(const Conversion &job, std::string &text);
+constexpr Writer writers[] = {appendRestraints, appendRestraints, appendListing,
+                              appendAmides,     nullptr,          appendCountedRows}; // by outFormat
+
+} // namespace
+
+void fillConverted(const ConversionOptions &options, DTable &dTab, Messages &messages)
 {
     const auto observed = dTab.observed(), calculated = dTab.calculated();
     bool areFinite = true;
@@ -211,8 +210,8 @@ void fillCalculated(const TrelmInfo &trelmInfo, DTable &dTab)
         calc.w = obs.w;
         calc.sigma = obs.sigma;
         calc.d =
-            trelmInfo.dcNoise != 0 ? static_cast<float>(number(obs.d) + gauss() * number(obs.sigma)) : obs.d;
-        if (trelmInfo.normDc != 0) {
+            options.dcNoise != 0 ? static_cast<float>(number(obs.d) + gauss() * number(obs.sigma)) : obs.d;
+        if (options.normDc != 0) {
             const float f = obs.w;
             calc.d *= f;
             calc.sigma *= f;
@@ -222,58 +221,20 @@ void fillCalculated(const TrelmInfo &trelmInfo, DTable &dTab)
         areFinite = areFinite && std::isfinite(calc.d) && std::isfinite(calc.sigma);
     }
     if (!areFinite)
-        complain("Warning: with its weight or noise a coupling is no finite number.\n");
+        messages.err("Warning: with its weight or noise a coupling is no finite number.\n");
 }
 
-using Writer = void (*)(const Conversion &job, std::string &text);
-constexpr Writer writers[] = {appendRestraints, appendRestraints, appendListing,
-                              appendAmides,     nullptr,          appendCountedRows}; // by outFormat
-
-/// Opens the output. The table to convert is never overwritten: it is read after this.
-int openResult(const std::string &inDName, const std::string &outName, OutFile &out)
+Status convertTab(const ConversionOptions &options, const DTable &dTab, const std::string &inDName,
+                  std::string &text, Messages &messages)
 {
-    if (isSameFile(inDName, outName))
-        return complain("trelm: %s is the table to convert: give the output another name.\n",
-                        outName.c_str());
-    if (openOut(out, outName, "w") != 0)
-        return complain("TRELM Error opening output file %s\n", outName.c_str());
-    return 0;
-}
-
-} // namespace
-
-int convertTab(const std::string &inDName, TrelmInfo *trelmInfo, DcInfo *dcInfo,
-               const std::string &atomNameS1, const std::string &atomNameS2, const std::string &outName)
-{
-    Block<DTable> table("convertTab", 1);
-    if (!table)
-        return complain("Error allocating DC structures.\n");
-    DTable &dTab = table[0];
-    OutFile out;
-    if (trelmInfo->outFormat != systemFormat && openResult(inDName, outName, out) != 0)
-        return 1;
-    const int status = readTable(inDName, &dTab);
-    if (status != 0)
-        return status;
-    settleWindow(*dcInfo, dTab);
-    const int chosen = chooseRows(dTab, *dcInfo, atomNameS1, atomNameS2);
-    tellRows(chosen, "selected", dcInfo->excludeMode);
-    if (chosen == 0)
-        complain("trelm: no coupling is left to convert.\n");
     const auto rows = static_cast<std::size_t>(dTab.dCount) + 1; // no more residues than rows
     Block<int> resIdList("convertTab", rows), indexList("convertTab", rows);
     if (!resIdList || !indexList)
-        return complain("Error allocating coord buffers.\n");
+        return messages.fail("Error allocating coord buffers.\n");
     const std::size_t residues = indexResidues(dTab, resIdList.span(), indexList.span());
-    fillCalculated(*trelmInfo, dTab);
-    if (trelmInfo->outFormat == systemFormat)
-        return writeDCmod(outName, "w", &dTab, trelmInfo, "");
-    std::string text;
-    writers[trelmInfo->outFormat](
-        {inDName, *trelmInfo, dTab, resIdList.span().first(residues), indexList.span().first(residues)},
-        text);
-    writeOut(out, text);
-    return closeOut(out);
+    writers[options.outFormat](
+        {inDName, options, dTab, resIdList.span().first(residues), indexList.span().first(residues)}, text);
+    return Status::ok;
 }
 
 } // namespace trelm

@@ -1,18 +1,26 @@
 // A coupling table in the formats of other programs.
 #pragma once
 
-#include "ground/trelm.h"
+#include "compare/options.h"
+#include "couplings/dipolar.h"
+#include "ground/messages.h"
 
 #include <string>
 
 namespace trelm {
 
-/// Reads a table, chooses rows by window and atom names, adds noise (dcNoise) and multiplies by the weights
-/// (normDc) if asked to, and writes it in the format of outFormat: 0 and 1 restraints, 2 a listing by
-/// residue, 3 and 5 plain rows, 4 the table that readDC reads. Couplings in Hz. An empty output name is
-/// standard output. Returns 0, or non-zero after a message: files that cannot be opened, read or written to
-/// the end, no memory.
-int convertTab(const std::string &inDName, TrelmInfo *trelmInfo, DcInfo *dcInfo,
-               const std::string &atomNameS1, const std::string &atomNameS2, const std::string &outName);
+/// The outFormat of the table that readDC reads. That table is written by couplings/output.h.
+constexpr int systemFormat = 4;
+
+/// Fills the calculated rows of valid couplings with what goes out, Hz: the measured ones, with noise of
+/// their errors (dcNoise), times their weights (normDc); then the weights of both columns become 1, and the
+/// measured errors are scaled, too. Warns where a coupling is no finite number with its weight or noise.
+void fillConverted(const ConversionOptions &options, DTable &dTab, Messages &messages);
+
+/// The table in the format of outFormat: 0 and 1 restraints, 2 a listing by residue, 3 and 5 plain rows; not
+/// systemFormat. `inDName` is the name of the table that was read. Fails after a message if there is no
+/// memory.
+Status convertTab(const ConversionOptions &options, const DTable &dTab, const std::string &inDName,
+                  std::string &text, Messages &messages);
 
 } // namespace trelm

@@ -1,53 +1,18 @@
 #include "compare/order_matrices.h"
 
 #include "compare/combine.h"
-#include "couplings/output.h"
 #include "support/numerics/numbers.h"
 #include "support/text/text.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstdio>
 #include <limits>
 
 namespace trelm {
 namespace {
 
-constexpr std::size_t solutions = 4; ///< right-handed frames of a tensor
+constexpr std::size_t solutions = frameSolutions;
 constexpr double degrees = 180.0 / pi;
-
-/// The rotation from tensor 1 to one solution of tensor 2, as a turn about one axis.
-struct Hinge {
-    Vector3f axis = {};
-    float chi = 0.0f;        ///< angle of the turn, degrees
-    float cloAngle = 0.0f;   ///< between hinge and twist axis, degrees
-    float cloPercent = 0.0f; ///< closure part
-};
-
-/// Rotations about x, y, z, degrees.
-struct RotationAngles {
-    float psi = 0.0f, theta = 0.0f, phi = 0.0f;
-};
-
-/// The same rotation in angles.
-struct RelativeAngles {
-    std::array<double, 3> euler = {}; ///< alpha, beta, gamma of tensor 2 in the frame of tensor 1, degrees
-    RotationAngles lab;
-    RotationAngles closure; ///< closure, twist and bend
-};
-
-/// The axes of the closure, twist, bend frame.
-struct ClosureFrame {
-    Vector3f closureAxis, twistAxis, bendAxis;
-};
-
-struct Comparison {
-    TensorAnalysis tensor1, tensor2;
-    std::array<Hinge, solutions> hinges;
-    ClosureFrame frame;
-    std::array<RelativeAngles, solutions> relative;
-};
 
 /// Values that are no numbers print the same on every machine.
 double printable(float value)
@@ -138,12 +103,12 @@ Hinge hingeOf(const Matrix3f &m, const Vector3f &twist)
 }
 
 /// How a hinge axis that was given lies to the twist axis.
-void tellHinge(const Vector3f &hingeAxis, const Vector3f &twist)
+void tellHinge(const Vector3f &hingeAxis, const Vector3f &twist, Messages &messages)
 {
-    std::printf("REMARK %.2f degree between input hinge and twist axis.\n",
-                printable(foldedAngle(hingeAxis, twist)));
-    std::printf("REMARK This corresponds to %.2f %% closure motion.\n",
-                printable(closurePart(hingeAxis, twist)));
+    messages.out("REMARK %.2f degree between input hinge and twist axis.\n",
+                 printable(foldedAngle(hingeAxis, twist)));
+    messages.out("REMARK This corresponds to %.2f %% closure motion.\n",
+                 printable(closurePart(hingeAxis, twist)));
 }
 
 ClosureFrame closureFrame(const Vector3f &hinge, const Vector3f &twist)
@@ -234,31 +199,31 @@ RelativeAngles relativeAngles(const Matrix3f &turn1, const Matrix3f &turnClosure
 
 /// Euler angles are wanted here whether the report shows them or not. A tensor whose squares leave single
 /// precision can not be compared.
-int analyze(const Saupe &saupe, int yzFlag, TensorAnalysis &analysis)
+Status analyze(const Saupe &saupe, int yzFlag, TensorAnalysis &analysis, Messages &messages)
 {
     constexpr double largest = 1e18;
     if (analyzeSaupe(saupe, yzFlag, 1, analysis) != 0 || !(analysis.gMag < largest))
-        return complain("Matrix: error in analyzeSaupe.\n");
+        return messages.fail("Matrix: error in analyzeSaupe.\n");
     if (analysis.gMag == 0.0)
-        complain("trelm: an order matrix is 0: it has no frame to compare.\n");
-    return 0;
+        messages.err("trelm: an order matrix is 0: it has no frame to compare.\n");
+    return Status::ok;
 }
 
 /// All rotations between the two tensors of `found`.
-void compareFrames(const TrelmInfo &trelmInfo, const Vector3f &hingeAxis, const Vector3f &twistAxis,
-                   Comparison &found)
+void compareFrames(const TensorPair &pair, TensorComparison &found, Messages &messages)
 {
     const EulerLists &euler1 = found.tensor1.euler, &euler2 = found.tensor2.euler;
-    const Vector3f twist = isNotGiven(twistAxis) ? Vector3f{0.0f, 0.0f, 1.0f} : normalised(twistAxis);
+    const Vector3f twist =
+        isNotGiven(pair.twistAxis) ? Vector3f{0.0f, 0.0f, 1.0f} : normalised(pair.twistAxis);
     const Matrix3f turn1 = turnInto(euler1.alpha[0], euler1.beta[0], euler1.gamma[0]);
     for (std::size_t i = 0; i < solutions; ++i) {
         const Matrix3f back2 = rotationOf(euler2.beta[i], euler2.alpha[i], euler2.gamma[i]);
         found.hinges[i] = hingeOf(matMult(turn1, back2), twist);
     }
-    const bool isGiven = !isNotGiven(hingeAxis);
-    const Vector3f &hinge = isGiven ? hingeAxis : found.hinges[static_cast<std::size_t>(trelmInfo.rotN)].axis;
+    const bool isGiven = !isNotGiven(pair.hingeAxis);
+    const Vector3f &hinge = isGiven ? pair.hingeAxis : found.hinges[static_cast<std::size_t>(pair.rotN)].axis;
     if (isGiven)
-        tellHinge(hinge, twist);
+        tellHinge(hinge, twist, messages);
     found.frame = closureFrame(hinge, twist);
     const Matrix3f turnClosure = turnInto(found.frame);
     FrameLists frames1, frames2;
@@ -276,7 +241,8 @@ void appendSaupe(const char *name, const Saupe &saupe, std::string &text)
             saupe[3], saupe[4]);
 }
 
-void appendOrientation(const Comparison &found, const Saupe &saupe1, const Saupe &saupe2, std::string &text)
+void appendOrientation(const TensorComparison &found, const Saupe &saupe1, const Saupe &saupe2,
+                       std::string &text)
 {
     const auto single = [](const Saupe &saupe) {
         std::array<float, 5> values;
@@ -360,45 +326,47 @@ void appendFrame(const ClosureFrame &frame, std::string &text)
 
 } // namespace
 
-int addSaupe(int opCode, float c1, float c2, const Saupe &userSaupe1, const Saupe &userSaupe2, Saupe &saupe)
+Saupe addSaupe(const ComparisonOptions &options, const Saupe &userSaupe1, const Saupe &userSaupe2)
 {
     std::array<double, 5> irrSaupe;
     double gMag1 = 0.0, gMag2 = 0.0;
     irreducRepres(userSaupe1, gMag1, irrSaupe);
     irreducRepres(userSaupe2, gMag2, irrSaupe);
+    Saupe saupe = {};
     for (std::size_t i = 0; i < saupe.size(); ++i)
-        saupe[i] = combined(opCode, number(c1) * userSaupe1[i], number(c2) * userSaupe2[i], gMag1 < gMag2);
-    return 0;
+        saupe[i] = combined(options.opCode, number(options.c1) * userSaupe1[i],
+                            number(options.c2) * userSaupe2[i], gMag1 < gMag2);
+    return saupe;
 }
 
-int compareSaupe(TrelmInfo *trelmInfo, const Saupe &userSaupe1, const Saupe &userSaupe2,
-                 const std::string &outName, DTable *dTab, const Vector3f &hingeAxis,
-                 const Vector3f &twistAxis)
+Status compareSaupe(const TensorPair &pair, const ComparisonOptions &options, TensorComparison &found,
+                    Messages &messages)
 {
-    if (isNotGiven(hingeAxis) && (trelmInfo->rotN < 0 || trelmInfo->rotN > 3))
-        return complain("trelm: -rotID %d: the four solutions for the hinge axis have the numbers 0 to 3.\n",
-                        trelmInfo->rotN);
-    Saupe saupe;
-    addSaupe(trelmInfo->opCode, trelmInfo->c1, trelmInfo->c2, userSaupe1, userSaupe2, saupe);
-    Comparison found;
-    if (analyze(userSaupe1, trelmInfo->yzFlag, found.tensor1) != 0 ||
-        analyze(userSaupe2, trelmInfo->yzFlag, found.tensor2) != 0)
-        return 1;
-    if (!std::ranges::all_of(saupe, [](double value) { return std::isfinite(static_cast<float>(value)); }))
-        complain("trelm: the combined order matrix is not finite.\n");
-    compareFrames(*trelmInfo, hingeAxis, twistAxis, found);
-    std::string text = "\nREMARK Input order matrices.\n\n";
-    appendSaupe("1", userSaupe1, text);
-    appendSaupe("2", userSaupe2, text);
-    appendSaupe("RESULT", saupe, text);
+    if (isNotGiven(pair.hingeAxis) && (pair.rotN < 0 || pair.rotN > 3))
+        return messages.fail(
+            "trelm: -rotID %d: the four solutions for the hinge axis have the numbers 0 to 3.\n", pair.rotN);
+    found.combined = addSaupe(options, pair.saupe1, pair.saupe2);
+    if (analyze(pair.saupe1, pair.yzFlag, found.tensor1, messages) != Status::ok ||
+        analyze(pair.saupe2, pair.yzFlag, found.tensor2, messages) != Status::ok)
+        return Status::failed;
+    if (!std::ranges::all_of(found.combined,
+                             [](double value) { return std::isfinite(static_cast<float>(value)); }))
+        messages.err("trelm: the combined order matrix is not finite.\n");
+    compareFrames(pair, found, messages);
+    return Status::ok;
+}
+
+void appendComparison(const TensorPair &pair, const TensorComparison &found, std::string &text)
+{
+    text += "\nREMARK Input order matrices.\n\n";
+    appendSaupe("1", pair.saupe1, text);
+    appendSaupe("2", pair.saupe2, text);
+    appendSaupe("RESULT", found.combined, text);
     text += '\n';
-    appendOrientation(found, userSaupe1, userSaupe2, text);
+    appendOrientation(found, pair.saupe1, pair.saupe2, text);
     appendHinges(found.hinges, text);
     appendRotations(found.relative, text);
     appendFrame(found.frame, text);
-    std::ranges::transform(saupe, dTab->dTensor.saupe.begin(),
-                           [](double value) { return static_cast<float>(value); });
-    return writeDCmod(outName, "w", dTab, trelmInfo, text);
 }
 
 } // namespace trelm

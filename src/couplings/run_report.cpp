@@ -94,7 +94,7 @@ void action(const TrelmInfo &info, std::string &text)
 
 void histogram(const TrelmInfo &info, std::string &text)
 {
-    const MagnitudeOptions &hist = info;
+    const TrelmInfo &hist = info;
     appendf(text, "DATA DC MIN_MAX    % .3f % .3f\n", number(hist.dcMin), number(hist.dcMax));
     appendf(text, "DATA FIT_PAR       % d\n", hist.modeFit);
     text += hist.optExtrem == 1 ? "DATA AVE_EXTREM     YES\n" : "DATA AVE_EXTREM     NO\n";
@@ -116,7 +116,7 @@ void histogram(const TrelmInfo &info, std::string &text)
 
 void likelihood(const TrelmInfo &info, std::string &text)
 {
-    const MagnitudeOptions &hist = info;
+    const TrelmInfo &hist = info;
     appendf(text, "DATA TRELM DA LOW_GRID     % .3f\n", number(hist.lDaMl));
     appendf(text, "DATA TRELM DA HIGH_GRID    % .3f\n", number(hist.hDaMl));
     appendf(text, "DATA TRELM DA INCREMENT    % .3f\n", number(hist.incDaMl));

@@ -1,7 +1,10 @@
 // The run record: every parameter of a run, with its default at the field.
 #pragma once
 
+#include "compare/options.h"
 #include "errors/options.h"
+#include "magnitude/options.h"
+#include "magnitude/results.h"
 
 #include <array>
 #include <string>
@@ -70,44 +73,6 @@ struct ChargeOptions {
     float iFace = 50.0f;            ///< surface distance of the interaction face, angstrom
 };
 
-/// Magnitude estimation.
-struct MagnitudeOptions {
-    float dcMin = 0.0f; ///< range of the data, Hz
-    float dcMax = 0.0f;
-    float Da2Par = 0.0f; ///< Da and R of the two-parameter result
-    float R2Par = 0.0f;
-    float daLo = -1000.0f; ///< limits of Da in the histogram fit, Hz
-    float daHi = 1000.0f;
-    float rhLo = 0.0f; ///< limits of R in the histogram fit
-    float rhHi = 0.667f;
-    int optExtrem = 1;    ///< average minimum and maximum coupling
-    int nBinIn = 0;       ///< number of bins; 0 is automatic
-    int modeFit = 3;      ///< degree of the nonlinear fit
-    float sdevDzz = 0.4f; ///< scaling of the Dzz and Dyy errors
-    float sdevDyy = 0.9f;
-    float Dzz = 0.0f; ///< principal couplings, Hz
-    float Dyy = 0.0f;
-    float Dxx = 0.0f;
-    int nBins = 0;         ///< bins used
-    float binWidth = 0.0f; ///< width of a bin, Hz
-    float DaFit = 0.0f;    ///< histogram fit result
-    float DaErrFit = 0.0f;
-    float RFit = 0.0f;
-    float RErrFit = 0.0f;
-    int mlMap = 0;        ///< transform couplings in the likelihood search
-    int mlClear = 0;      ///< clear the pattern before each point of the search
-    float lDaMl = -25.0f; ///< Da grid: low, high, increment, Hz
-    float hDaMl = -3.0f;
-    float incDaMl = 0.1f;
-    float lRMl = 0.0f; ///< R grid: low, high, increment
-    float hRMl = 0.7f;
-    float incRMl = 0.01f;
-    float DaMl = 0.0f; ///< likelihood result
-    float DaErrMl = 0.0f;
-    float RMl = 0.0f;
-    float RErrMl = 0.0f;
-};
-
 /// The mode, and the kind of best-fit.
 struct ModeOptions {
     int trelmMode = 1;  ///< the mode, 1 to 17
@@ -166,29 +131,6 @@ struct ReportOptions {
     int rotN = 0;     ///< index of the rotation of the PDB, or of a hinge axis
 };
 
-/// Comparison of tensors and of coupling sets, analysis of structures.
-struct ComparisonOptions {
-    int opCode = 2;  ///< comparison: one of modes.h
-    float c1 = 1.0f; ///< scale factors of the two operands
-    float c2 = 1.0f;
-    int elPdbFlag = 0; ///< structure analysis treats the PDB as: 0 steric, 1 electrostatic, 2 user
-};
-
-/// Conversion of coupling tables.
-struct ConversionOptions {
-    int dcProton = 0;  ///< include proton-proton couplings in conversion
-    int dcID = 500;    ///< tensor molecule id of conversion output
-    int normDc = 0;    ///< normalise couplings in conversion
-    int outFormat = 2; ///< conversion: 0 xplor, 1 cns, 2 tbl, 3 dyana, 4 trelm, 5 rosetta
-    int dcNoise = 0;   ///< add noise to couplings in conversion
-};
-
-/// Sets of couplings drawn at random.
-struct DrawOptions {
-    int sCount = 30;    ///< selection count, one of the two fields of -nSel
-    int histRan = 1000; ///< number of random runs of the magnitude analyses
-};
-
 /// Search of assignments.
 struct AssignmentOptions {
     int nAaCheck = 1;                               ///< used entries of exCheckList
@@ -203,6 +145,7 @@ struct AssignmentOptions {
 struct TrelmInfo : DomainOptions,
                    ChargeOptions,
                    MagnitudeOptions,
+                   MagnitudeResult,
                    ModeOptions,
                    ObstacleOptions,
                    SamplingOptions,

@@ -1,7 +1,5 @@
 #include "magnitude/histogram.h"
 
-#include "couplings/output.h"
-#include "couplings/run_report.h"
 #include "support/numerics/least_squares.h"
 #include "support/numerics/minimise.h"
 #include "support/numerics/sort.h"
@@ -11,8 +9,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
-#include <string>
 
 namespace trelm {
 namespace {
@@ -43,171 +39,155 @@ struct PrincipalCouplings {
 
 /// The extremes as they stand or, with optExtrem, averaged. Averaging sorts the couplings.
 PrincipalCouplings principalCouplings(std::span<float> coupList, const Extremes &extremes, float rAveDD,
-                                      const MagnitudeOptions &histInfo)
+                                      const HistogramOptions &options)
 {
     const bool negative = isNegativeSide(extremes.minD, extremes.maxD);
     AveragedExtremes values = {.dNeg = extremes.minD, .dPos = extremes.maxD};
-    if (histInfo.optExtrem != 0)
-        values = negative ? getDzzDyy(coupList, rAveDD, histInfo.sdevDzz, histInfo.sdevDyy)
-                          : getDzzDyy(coupList, rAveDD, histInfo.sdevDyy, histInfo.sdevDzz);
+    if (options.optExtrem != 0)
+        values = negative ? getDzzDyy(coupList, rAveDD, options.sdevDzz, options.sdevDyy)
+                          : getDzzDyy(coupList, rAveDD, options.sdevDyy, options.sdevDzz);
     if (negative)
         return {.dzz = values.dNeg, .dyy = values.dPos};
     return {.dzz = values.dPos, .dyy = values.dNeg};
 }
 
-int tooManyBins(int nBins)
+Status tooManyBins(int nBins, Messages &messages)
 {
-    complain("Error: Too many folders (%d) for histogram.\n", nBins);
-    complain("       Measurement error too small.\n");
-    return complain("       ==> 3-parameter fit not possible.\n");
+    messages.err("Error: Too many folders (%d) for histogram.\n", nBins);
+    messages.err("       Measurement error too small.\n");
+    return messages.fail("       ==> 3-parameter fit not possible.\n");
 }
 
-int layBins(const PrincipalCouplings &principal, float rAveDD, int nUserBins, Bins &bins)
+bool layBins(const PrincipalCouplings &principal, float rAveDD, int nUserBins, Bins &bins)
 {
     return makeBins(rAveDD, std::max(principal.dzz, principal.dyy), std::min(principal.dzz, principal.dyy),
                     nUserBins, bins);
 }
 
-void storeBins(const Bins &bins, MagnitudeOptions &histInfo)
+void storeBins(const Bins &bins, HistogramResult &result)
 {
-    histInfo.nBins = bins.nBins;
-    histInfo.binWidth = bins.binWidth;
+    result.nBins = bins.nBins;
+    result.binWidth = bins.binWidth;
 }
 
-/// Fits need two different extremes. Averaging makes them one where the errors are as large as the couplings.
-int checkPrincipal(const PrincipalCouplings &principal)
+/// A fit needs different values: averaging makes the extremes one where the errors are as large as the
+/// couplings. `values` are two extremes, and the peak if it takes part.
+Status checkPrincipal(std::span<const float> values, Messages &messages)
 {
     constexpr float rounding = 1e-5f;
-    const float larger = std::max(std::fabs(principal.dzz), std::fabs(principal.dyy));
-    if (!(std::fabs(principal.dzz - principal.dyy) > rounding * larger))
-        return complain("Error: The extremes of the couplings are one value, there is no tensor to fit.\n");
-    if (principal.dzz * principal.dyy > 0.0f)
-        complain("Warning: Both extremes of the couplings have one sign, which no tensor's have.\n");
-    return 0;
+    const auto [least, most] = std::ranges::minmax(values);
+    if (!(most - least > rounding * std::max(std::fabs(least), std::fabs(most))))
+        return messages.fail(
+            "Error: The extremes of the couplings are one value, there is no tensor to fit.\n");
+    if (values[0] * values[1] > 0.0f)
+        messages.err("Warning: Both extremes of the couplings have one sign, which no tensor's have.\n");
+    return Status::ok;
 }
 
-/// The fit of a run to `count` principal couplings: DaFit, RFit and their errors.
-int fitPrincipal(const PrincipalCouplings &principal, int count, float rAveDD, MagnitudeOptions &histInfo)
+/// The fit of a run to values, Dzz first: DaFit, RFit and their errors.
+Status fitPrincipal(std::span<const float> values, float rAveDD, HistogramResult &result)
 {
     constexpr std::array<float, 3> x = {0.0f, 1.0f, -1.0f};
     constexpr std::array<int, 2> ia = {1, 1};
-    const std::array<float, 3> y = {principal.dzz, principal.dyy, histInfo.Dxx};
     const std::array<float, 3> sig = {rAveDD, rAveDD, rAveDD};
-    const std::array<float, 2> guess = {histInfo.Da2Par, histInfo.R2Par};
+    const std::array<float, 2> guess = {result.Da2Par, result.R2Par};
     std::array<float, 2> a = guess, error = {};
-    const auto n = static_cast<std::size_t>(count);
-    const ModelFit model = {.x = std::span(x).first(n),
-                            .y = std::span(y).first(n),
-                            .sig = std::span(sig).first(n),
+    const ModelFit model = {.x = std::span(x).first(values.size()),
+                            .y = values,
+                            .sig = std::span(sig).first(values.size()),
                             .ia = ia,
                             .funcs = alignpoly};
     const int status = nonlinearfit(model, a, guess, error);
-    histInfo.DaFit = a[0];
-    histInfo.RFit = a[1];
-    histInfo.DaErrFit = error[0];
-    histInfo.RErrFit = error[1];
-    return status;
+    result.DaFit = a[0];
+    result.RFit = a[1];
+    result.DaErrFit = error[0];
+    result.RErrFit = error[1];
+    return status == 0 ? Status::ok : Status::failed;
 }
 
-/// The three-parameter fit. Couplings without one peak leave the guess.
-int fitWithPeak(std::span<const float> coupList, const PrincipalCouplings &principal, float rAveDD,
-                MagnitudeOptions &histInfo)
+/// The fit to the extremes and, with modeFit 3, the peak. Couplings without one peak leave the guess.
+Status fitValues(std::span<const float> coupList, const PrincipalCouplings &principal, float rAveDD,
+                 const HistogramOptions &options, HistogramResult &result, Messages &messages)
 {
-    Bins bins;
-    if (layBins(principal, rAveDD, histInfo.nBinIn, bins) != 0)
-        return tooManyBins(bins.nBins);
-    storeBins(bins, histInfo);
-    if (getDxx(coupList, bins, histInfo.Dxx) != 0)
-        return fitPrincipal(principal, 3, rAveDD, histInfo);
-    complain("Error: No single most populated coupling value.\n");
-    complain("       ==> 3-parameter fit not possible.\n");
-    return 0;
+    std::array<float, 3> values = {principal.dzz, principal.dyy, 0.0f};
+    if (options.modeFit == 3) {
+        Bins bins;
+        if (!layBins(principal, rAveDD, options.nBinIn, bins))
+            return tooManyBins(bins.nBins, messages);
+        storeBins(bins, result);
+        const bool isSingle = getDxx(coupList, bins, result.Dxx, messages);
+        values[2] = result.Dxx;
+        if (!isSingle) {
+            messages.err("Error: No single most populated coupling value.\n");
+            messages.err("       ==> 3-parameter fit not possible.\n");
+            return Status::ok;
+        }
+    }
+    const auto fitted = std::span(values).first(options.modeFit == 3 ? 3 : 2);
+    if (checkPrincipal(fitted, messages) != Status::ok)
+        return Status::failed;
+    return fitPrincipal(fitted, rAveDD, result);
 }
 
 /// What the estimate of a run and that of a set begin with: the extremes, the tensor that they alone tell,
 /// and the values for a fit. From there on the two differ. A run reports only averaged extremes, fits two of
 /// them as well as three, without bounds, and looks for the peak once. A set reports the extremes in any
 /// case, takes two as they are, looks for the peak in up to four histograms, and fits within bounds.
-PrincipalCouplings startEstimate(std::span<float> coupList, float rAveDD, MagnitudeOptions &histInfo)
+PrincipalCouplings startEstimate(std::span<float> coupList, float rAveDD, const HistogramOptions &options,
+                                 HistogramResult &result)
 {
     const Extremes extremes = findExtremes(coupList);
-    solveExtremes(extremes.minD, extremes.maxD, histInfo);
-    histInfo.dcMin = extremes.minD;
-    histInfo.dcMax = extremes.maxD;
-    return principalCouplings(coupList, extremes, rAveDD, histInfo);
-}
-
-/// Da and R of a run into the record.
-int fitRun(ObservedCouplings &observed, MagnitudeOptions &histInfo)
-{
-    const PrincipalCouplings principal = startEstimate(observed.coupList, observed.rAveDD, histInfo);
-    // What is reported are averages: without averaging there are none.
-    histInfo.Dzz = histInfo.optExtrem != 0 ? principal.dzz : 0.0f;
-    histInfo.Dyy = histInfo.optExtrem != 0 ? principal.dyy : 0.0f;
-    histInfo.Dxx = 0.0f;
-    histInfo.DaFit = histInfo.Da2Par;
-    histInfo.RFit = histInfo.R2Par;
-    histInfo.DaErrFit = histInfo.RErrFit = 0.0f;
-    storeBins({}, histInfo);
-    if ((histInfo.modeFit == 2 || histInfo.modeFit == 3) && checkPrincipal(principal) != 0)
-        return 1;
-    if (histInfo.modeFit == 2)
-        return fitPrincipal(principal, 2, observed.rAveDD, histInfo);
-    if (histInfo.modeFit == 3)
-        return fitWithPeak(observed.coupList, principal, observed.rAveDD, histInfo);
-    return 0;
+    static_cast<ExtremesTensor &>(result) = solveExtremes(extremes.minD, extremes.maxD);
+    result.dcMin = extremes.minD;
+    result.dcMax = extremes.maxD;
+    return principalCouplings(coupList, extremes, rAveDD, options);
 }
 
 /// What averaging and fit cannot do without.
-int checkSettings(const ObservedCouplings &observed, const MagnitudeOptions &histInfo)
+Status checkSettings(const ObservedCouplings &observed, const HistogramOptions &options, Messages &messages)
 {
     if (observed.coupList.size() < 2)
-        return complain("Error: One coupling has no distribution.\n");
-    const bool isFitted = histInfo.modeFit == 2 || histInfo.modeFit == 3;
-    if (!(observed.rAveDD > 0.0f) && isFitted) {
-        if (histInfo.modeFit == 3 && histInfo.nBinIn < 2)
-            return tooManyBins(maxBins + 1);
-        return complain("Error: The mean error of the couplings is not above 0.\n");
+        return messages.fail("Error: One coupling has no distribution.\n");
+    if (!(observed.rAveDD > 0.0f) && options.isFitted()) {
+        if (options.modeFit == 3 && options.nBinIn < 1)
+            return tooManyBins(maxBins + 1, messages);
+        return messages.fail("Error: The mean error of the couplings is not above 0.\n");
     }
-    return checkHistogram(histInfo);
+    return Status::ok;
 }
 
-/// The calculated rows show the couplings that took part.
-void copyObserved(DTable &dTab)
-{
-    for (std::size_t i = 0; i < dTab.observed().size(); ++i) {
-        const DInfo &row = dTab.observed()[i];
-        if (!isObserved(row))
-            continue;
-        dTab.calculated()[i].d = row.d;
-        dTab.calculated()[i].valid = row.valid;
-    }
-}
-
-/// The most populated value, in up to four histograms. With automatic bins all four are the same. Returns 0
-/// with the flag of getDxx, or 1 after a message.
-int findPeak(std::span<const float> coupList, const PrincipalCouplings &principal, float rAveDD,
-             MagnitudeOptions &histInfo, int &isSingle)
+/// The most populated value, in up to four histograms. With automatic bins all four are the same.
+Status findPeak(std::span<const float> coupList, const PrincipalCouplings &principal, float rAveDD,
+                const HistogramOptions &options, HistogramResult &result, Messages &messages)
 {
     constexpr int tries = 4;
     constexpr int fewer = 2; // bins, from try to try
-    isSingle = 0;
-    for (int i = 0; i < tries && isSingle == 0; ++i) {
+    for (int i = 0; i < tries; ++i) {
         Bins bins;
-        if (layBins(principal, rAveDD, std::max(histInfo.nBinIn, 0) - fewer * i, bins) != 0)
-            return tooManyBins(bins.nBins);
-        storeBins(bins, histInfo);
+        if (!layBins(principal, rAveDD, std::max(options.nBinIn, 0) - fewer * i, bins))
+            return tooManyBins(bins.nBins, messages);
+        storeBins(bins, result);
         float dxx = 0.0f;
-        isSingle = getDxx(coupList, bins, dxx);
-        if (isSingle != 0)
-            histInfo.Dxx = dxx;
+        if (!getDxx(coupList, bins, dxx, messages))
+            continue;
+        result.Dxx = dxx;
+        return Status::ok;
     }
-    return 0;
+    return Status::noSolution;
 }
 
-const MagnitudeOptions *extHistList =
-    nullptr; ///< what fitDCHistTarget is to meet: the minimiser passes no context
-int extVerbose = 0;
+/// The principal couplings that fitResiduals is to meet: the minimiser passes no context.
+const HistogramResult *toMeet = nullptr;
+
+int fitResiduals(int xCnt, int, float *cg, float *res)
+{
+    const double da = cg[0], rh = cg[1];
+    res[0] = static_cast<float>(toMeet->Dzz - 2.0 * da);
+    res[1] = static_cast<float>(toMeet->Dyy + da * (1.0 + 1.5 * rh));
+    if (xCnt == 3)
+        res[2] = static_cast<float>(toMeet->Dxx + da * (1.0 - 1.5 * rh));
+    return 0;
+}
 
 } // namespace
 
@@ -218,21 +198,21 @@ AveragedExtremes getDzzDyy(std::span<float> coupList, float delta, float sdevNeg
             .dPos = averageSide(coupList.rbegin(), coupList.rend(), delta * sdevPos)};
 }
 
-int checkHistogram(const MagnitudeOptions &histInfo)
+void tellHistogram(const HistogramOptions &options, Messages &messages)
 {
-    if (histInfo.optExtrem != 0 && !(histInfo.sdevDzz > 0.0f && histInfo.sdevDyy > 0.0f))
-        complain("Warning: -sdevDzz %g, -sdevDyy %g: without a factor above 0 an extreme is averaged to 0.\n",
-                 double{histInfo.sdevDzz}, double{histInfo.sdevDyy});
-    if (histInfo.modeFit == 3 && histInfo.nBinIn == 1)
-        return complain("Error: -bin 1: a histogram needs two bins at least.\n");
-    return 0;
+    if (options.optExtrem != 0 && !(options.sdevDzz > 0.0f && options.sdevDyy > 0.0f))
+        messages.err(
+            "Warning: -sdevDzz %g, -sdevDyy %g: without a factor above 0 an extreme is averaged to 0.\n",
+            double{options.sdevDzz}, double{options.sdevDyy});
+    if (options.modeFit == 3 && options.nBinIn == 1)
+        messages.err("Warning: -bin 1: a single bin has no width, no coupling falls into it.\n");
 }
 
-int makeBins(float delta, float max, float min, int nUserBins, Bins &bins)
+bool makeBins(float delta, float max, float min, int nUserBins, Bins &bins)
 {
     const float range = (max + delta) - (min - delta);
     bins = {};
-    if (nUserBins < 2) {
+    if (nUserBins < 1) {
         bins.binWidth = 2.0f * delta;
         // Without a width no number of bins is enough.
         bins.nBins = maxBins + 1;
@@ -245,24 +225,26 @@ int makeBins(float delta, float max, float min, int nUserBins, Bins &bins)
             bins.nBins = std::max(nUserBins, maxBins + 1);
     }
     if (bins.nBins > maxBins)
-        return 1;
+        return false;
     for (int i = 0; i < bins.nBins; ++i)
         bins.centres.push_back(bins.binWidth * static_cast<float>(i) + min);
-    return 0;
+    return true;
 }
 
-int getDxx(std::span<const float> coupList, const Bins &bins, float &dxx)
+bool getDxx(std::span<const float> coupList, const Bins &bins, float &dxx, Messages &messages)
 {
     const auto low = static_cast<float>(bins.centres.front() - 0.5 * bins.binWidth);
     const auto high = static_cast<float>(bins.centres.back() + 0.5 * bins.binWidth);
     std::vector<int> hist(bins.centres.size(), 0);
-    int best = 0, isSingle = 0;
+    int best = 0;
+    bool isSingle = false;
     for (std::size_t i = 0; i < coupList.size(); ++i) {
         const float c = coupList[i];
         if (!(low <= c && c <= high)) {
             const bool isBelow = c < low;
-            std::printf("coupList[%zu] (%.3f) %c %.3f\n", i, static_cast<double>(c), isBelow ? '<' : '>',
-                        static_cast<double>(isBelow ? low : high));
+            if (isBelow || c > high) // neither beside a bin without a width
+                messages.out("coupList[%zu] (%.3f) %c %.3f\n", i, static_cast<double>(c), isBelow ? '<' : '>',
+                             static_cast<double>(isBelow ? low : high));
             continue;
         }
         // A coupling on the upper rim rounds to the place behind the last bin.
@@ -270,12 +252,12 @@ int getDxx(std::span<const float> coupList, const Bins &bins, float &dxx)
         const std::size_t k = std::min(place, hist.size() - 1);
         const int count = ++hist[k];
         if (count == best)
-            isSingle = 0;
+            isSingle = false;
         if (count <= best)
             continue;
         dxx = bins.centres[k];
         best = count;
-        isSingle = 1;
+        isSingle = true;
     }
     return isSingle;
 }
@@ -289,87 +271,69 @@ void alignpoly(float x, std::span<const float> a, float &y, std::span<float> dyd
     dyda[1] = static_cast<float>(-1.5 * x * a[0]);
 }
 
-int getHistDabR(const MagnitudeJob &job)
+Status getHistDabR(const ObservedCouplings &observed, const HistogramOptions &options,
+                   HistogramResult &result, Messages &messages)
 {
-    TrelmInfo &trelmInfo = *job.trelmInfo;
-    ObservedCouplings observed;
-    if (readObserved(job) != 0 || collectObserved(*job.dTab, observed) != 0 ||
-        checkSettings(observed, trelmInfo) != 0)
-        return 1;
-    copyObserved(*job.dTab);
-    if (fitRun(observed, trelmInfo) != 0)
-        return 1;
-    std::string text;
-    if (writeTrelm(trelmInfo, text) != 0)
-        return complain("trelm: error in writeTrelm.\n");
-    return writeDCmod(job.outDName, "w", job.dTab, &trelmInfo, text);
+    result = {};
+    if (checkSettings(observed, options, messages) != Status::ok)
+        return Status::failed;
+    tellHistogram(options, messages);
+    std::vector<float> coupList = observed.coupList;
+    const PrincipalCouplings principal = startEstimate(coupList, observed.rAveDD, options, result);
+    if (options.optExtrem != 0) { // what is reported are averages
+        result.Dzz = principal.dzz;
+        result.Dyy = principal.dyy;
+    }
+    result.DaFit = result.Da2Par;
+    result.RFit = result.R2Par;
+    if (!options.isFitted())
+        return Status::ok;
+    return fitValues(coupList, principal, observed.rAveDD, options, result, messages);
 }
 
-int histoExtFit(std::span<float> coupList, std::span<const float> sigma, MagnitudeOptions &histInfo)
+Status histoExtFit(std::span<float> coupList, std::span<const float> sigma, const HistogramOptions &options,
+                   HistogramResult &result, Messages &messages)
 {
     const Extremes extremes = findExtremes(coupList);
     if (coupList.size() < 2 || (extremes.minD == 0.0f && extremes.maxD == 0.0f))
-        return complain("Error: One coupling, or none but zeros, has no distribution.\n");
+        return messages.fail("Error: One coupling, or none but zeros, has no distribution.\n");
     const float rAveDD = getAvg(sigma);
-    const PrincipalCouplings principal = startEstimate(coupList, rAveDD, histInfo);
-    histInfo.Dzz = principal.dzz;
-    histInfo.Dyy = principal.dyy;
-    if (histInfo.modeFit == 2) {
-        histInfo.DaFit = histInfo.Da2Par;
-        histInfo.RFit = histInfo.R2Par;
+    const PrincipalCouplings principal = startEstimate(coupList, rAveDD, options, result);
+    result.Dzz = principal.dzz;
+    result.Dyy = principal.dyy;
+    if (options.modeFit == 2) {
+        result.DaFit = result.Da2Par;
+        result.RFit = result.R2Par;
     }
-    if (histInfo.modeFit != 3)
-        return 0;
-    int isSingle = 0;
-    if (findPeak(coupList, principal, rAveDD, histInfo, isSingle) != 0)
-        return 1;
-    if (isSingle != 0)
-        return fitDCHisto(histInfo, 0);
-    complain("Warning: No single most populated coupling value.\n");
-    complain("       ==> 3-parameter fit not possible.\n");
-    return 0;
+    if (options.modeFit != 3)
+        return Status::ok;
+    const Status peak = findPeak(coupList, principal, rAveDD, options, result, messages);
+    if (peak == Status::ok)
+        fitDCHisto(options, result);
+    if (peak != Status::noSolution)
+        return peak;
+    messages.err("Warning: No single most populated coupling value.\n");
+    messages.err("       ==> 3-parameter fit not possible.\n");
+    return Status::ok;
 }
 
-int fitDCHistTarget(int xCnt, int, float *cg, float *res)
+void fitDCHisto(const HistogramOptions &options, HistogramResult &result)
 {
-    const MagnitudeOptions &hist = *extHistList;
-    const double da = cg[0], rh = cg[1];
-    const double dzz = 2.0 * da, dyy = -da * (1.0 + 1.5 * rh), dxx = -da * (1.0 - 1.5 * rh);
-    res[0] = static_cast<float>(hist.Dzz - dzz);
-    res[1] = static_cast<float>(hist.Dyy - dyy);
-    if (xCnt == 3)
-        res[2] = static_cast<float>(hist.Dxx - dxx);
-    if (extVerbose > 1) {
-        double sum = 0.0;
-        for (int i = 0; i < xCnt; ++i)
-            sum += double{res[i]} * res[i];
-        std::fprintf(stderr,
-                     "Dzz %.3f Dyy %.3f Dxx %.3f DzzC %.3f DyyC %.3f DxxC %.3f Da %.3e Rh %.3f RMS %.4f\n",
-                     double{hist.Dzz}, double{hist.Dyy}, double{hist.Dxx}, dzz, dyy, dxx, da, rh,
-                     std::sqrt(sum / xCnt));
-    }
-    return 0;
-}
-
-int fitDCHisto(MagnitudeOptions &histInfo, int verbFlag)
-{
-    extHistList = &histInfo;
-    extVerbose = verbFlag;
-    std::array<float, 2> guess = {histInfo.Da2Par, histInfo.R2Par};
-    std::array<float, 2> lower = {histInfo.daLo, histInfo.rhLo};
-    std::array<float, 2> upper = {histInfo.daHi, histInfo.rhHi};
+    toMeet = &result;
+    std::array<float, 2> guess = {result.Da2Par, result.R2Par};
+    std::array<float, 2> lower = {options.daLo, options.rhLo};
+    std::array<float, 2> upper = {options.daHi, options.rhHi};
     constexpr int itMax = 1000;
     // A refusal leaves the guess, which is then the result: one set without a fit does not end a run of many.
-    if (histInfo.modeFit >= 2)
-        nlsOpt(fitDCHistTarget, std::min(histInfo.modeFit, 3), guess, lower, upper, itMax);
-    extHistList = nullptr;
+    if (options.modeFit >= 2)
+        nlsOpt(fitResiduals, std::min(options.modeFit, 3), guess, lower, upper, itMax);
+    toMeet = nullptr;
     // Bounds that leave nothing free are values: the minimiser returns the guess then.
     for (std::size_t i = 0; i < guess.size(); ++i)
         if (lower[i] <= upper[i])
             guess[i] = std::clamp(guess[i], lower[i], upper[i]);
-    histInfo.DaFit = guess[0];
-    histInfo.RFit = guess[1];
-    return 0;
+    result.DaFit = guess[0];
+    result.RFit = guess[1];
 }
 
 } // namespace trelm

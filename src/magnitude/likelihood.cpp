@@ -1,15 +1,12 @@
 #include "magnitude/likelihood.h"
 
-#include "couplings/output.h"
-#include "couplings/run_report.h"
-#include "support/text/output_file.h"
 #include "support/text/progress.h"
 #include "support/text/text.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <utility>
+#include <limits>
 #include <vector>
 
 namespace trelm {
@@ -26,58 +23,68 @@ double countSteps(double low, double high, double inc)
     return std::max(1.0, std::ceil((high - low) / inc - hair));
 }
 
-/// Whether limits meet or cross, so that there is no point between them.
-bool isEmpty(const MlGrid &grid)
+/// Points along both axes; 0 on both where the limits of one meet or cross.
+struct GridSize {
+    double R = 0.0, Dab = 0.0; ///< whole numbers, maybe beyond any integer
+    [[nodiscard]] double points() const { return R * Dab; }
+};
+
+GridSize sizeOf(const MlGrid &grid)
 {
-    return !(grid.highR > grid.lowR && grid.highDab > grid.lowDab);
+    const GridSize size = {.R = countSteps(grid.lowR, grid.highR, grid.incR),
+                           .Dab = countSteps(grid.lowDab, grid.highDab, grid.incDa)};
+    return size.R > 0.0 && size.Dab > 0.0 ? size : GridSize{};
 }
 
-/// Refuses a grid that cannot be searched. Returns 0, also for one without points, or 1 after a message.
-int checkGrid(const MlGrid &grid)
+/// Refuses a grid that cannot be searched, not one without points, and warns of points that no tensor has.
+Status checkGrid(const MlGrid &grid, Messages &messages)
 {
     if (!(grid.incR > 0.0 && grid.incDa > 0.0))
-        return complain("Error: the grid of Da and R has a step of 0.\n");
-    if (isEmpty(grid))
-        return 0;
-    const double points =
-        countSteps(grid.lowR, grid.highR, grid.incR) * countSteps(grid.lowDab, grid.highDab, grid.incDa);
+        return messages.fail("Error: the grid of Da and R has a step of 0.\n");
+    const double points = sizeOf(grid).points();
     if (!(points <= maxMlPoints))
-        return complain("Error: the grid of Da and R has %.0f points, the limit is %d.\n", points,
-                        maxMlPoints);
-    if (!(grid.lowR >= 0.0 && grid.highR <= 2.0))
-        return complain("Error: the grid of R runs from %.3f to %.3f, it must lie between 0 and 2.\n",
-                        grid.lowR, grid.highR);
-    if (!(grid.highDab <= 0.0))
-        return complain("Error: the grid of Da runs from %.3f to %.3f, its limits must have one sign.\n",
-                        grid.lowDab, grid.highDab);
-    return 0;
+        return messages.fail("Error: the grid of Da and R has %.0f points, the limit is %d.\n", points,
+                             maxMlPoints);
+    if (points > 0.0 && !(grid.lowR >= 0.0 && grid.highR <= 2.0))
+        messages.err("Warning: the grid of R runs from %.3f to %.3f: no tensor has an R outside 0 to 2.\n",
+                     grid.lowR, grid.highR);
+    if (points > 0.0 && grid.highDab > 0.0)
+        messages.err("Warning: the grid of Da runs from %.3f to %.3f: its points above 0 have no pattern.\n",
+                     grid.lowDab, grid.highDab);
+    return Status::ok;
 }
 
-/// The limits as asked for, laid on the negative side. `invertFlag`: they were positive.
-MlGrid settleGrid(const MagnitudeOptions &histInfo, bool &invertFlag)
+/// Whether the limits ask for a positive Da: the first one decides, also where the second has another sign.
+bool isPositiveRequest(const LikelihoodOptions &options)
 {
-    const double l = histInfo.lDaMl, h = histInfo.hDaMl;
-    MlGrid grid = {.lowDab = std::min(l, h),
-                   .highDab = std::max(l, h),
-                   .incDa = std::fabs(histInfo.incDaMl),
-                   .lowR = histInfo.lRMl,
-                   .highR = histInfo.hRMl,
-                   .incR = std::fabs(histInfo.incRMl)};
-    invertFlag = grid.lowDab >= 0.0;
-    if (invertFlag)
-        grid.lowDab = -std::exchange(grid.highDab, -grid.lowDab);
-    return grid;
+    return options.lDaMl >= 0.0f;
+}
+
+/// The limits as asked for; those of a positive request with their signs turned.
+MlGrid settleGrid(const LikelihoodOptions &options)
+{
+    double l = options.lDaMl, h = options.hDaMl;
+    if (isPositiveRequest(options)) {
+        l = 0.0 - l; // no sign at a zero
+        h = 0.0 - h;
+    }
+    return {.lowDab = std::min(l, h),
+            .highDab = std::max(l, h),
+            .incDa = std::fabs(options.incDaMl),
+            .lowR = options.lRMl,
+            .highR = options.hRMl,
+            .incR = std::fabs(options.incRMl)};
 }
 
 /// Errors of Da and R by the number of couplings and the R found.
 /// Rules of thumb of the method, not taken from the likelihood surface.
 struct ErrorRow {
-    int maxCount;
+    std::size_t maxCount;
     double maxR;
     double DabErr, RErr;
 };
-constexpr int anyCount = maxMlCouplings;
-constexpr double anyR = 1e9;
+constexpr std::size_t anyCount = maxMlCouplings;
+constexpr double anyR = std::numeric_limits<double>::infinity();
 constexpr ErrorRow errorRows[] = {
     {40, 0.1, 1.6, 0.17},       {40, 0.3, 2.3, 0.22},      {40, anyR, 2.5, 0.3},
     {90, 0.1, 0.5, 0.05},       {90, 0.3, 1.3, 0.13},      {90, anyR, 0.8, 0.13},
@@ -85,7 +92,7 @@ constexpr ErrorRow errorRows[] = {
 };
 
 /// The best point and its errors; zero where no score is above 0.
-MagnitudeRange findBest(std::span<const MlPoint> list, int nD)
+MagnitudeRange findBest(std::span<const MlPoint> list, std::size_t nD, Messages &messages)
 {
     constexpr double rounding = 1e-6; // 10 steps of a single-precision 0.01 are not exactly 0.1
     MagnitudeRange best;
@@ -98,9 +105,9 @@ MagnitudeRange findBest(std::span<const MlPoint> list, int nD)
         best.R = point.R;
     }
     if (list.empty())
-        complain("Warning: the grid of Da and R has no point between its limits, Da and R stay 0.\n");
+        messages.err("Warning: the grid of Da and R has no point between its limits, Da and R stay 0.\n");
     else if (bestScore == 0.0)
-        complain("Warning: no grid point scores above 0, Da and R stay 0.\n");
+        messages.err("Warning: no grid point scores above 0, Da and R stay 0.\n");
     const auto *row = std::ranges::find_if(errorRows, [&](const ErrorRow &entry) {
         return nD <= entry.maxCount && best.R <= entry.maxR + rounding;
     });
@@ -109,99 +116,31 @@ MagnitudeRange findBest(std::span<const MlPoint> list, int nD)
     return best;
 }
 
-/// Fills the calculated rows and the errors of both, from the ranges of the couplings if `ranges` is given.
-void fillCalculated(DTable &dTab, const CouplingRanges *ranges)
+/// Couplings that a search cannot place on its axis.
+Status checkCouplings(const ObservedCouplings &observed, Messages &messages)
 {
-    for (std::size_t i = 0; i < dTab.observed().size(); ++i) {
-        DInfo &obs = dTab.dObsList[i], &calc = dTab.dCalcList[i];
-        if (!isObserved(obs))
-            continue;
-        double coupAve = 0.0, coupAveErr = 0.0;
-        if (ranges != nullptr &&
-            mapMagToDc(*ranges, double{obs.d}, double{obs.sigma}, coupAve, coupAveErr) != 0)
-            complain("Error in mapMagToDc.\n");
-        calc.valid = 1;
-        calc.d = static_cast<float>(coupAve);
-        calc.sigma = obs.sigma = static_cast<float>(coupAveErr);
-    }
-}
-
-int mapTable(DTable &dTab, const MagnitudeRange &best, bool mlMap)
-{
-    const auto isWeighted = [](const DInfo &row) { return isObserved(row) && row.w != 1.0f; };
-    if (mlMap && std::ranges::any_of(dTab.observed(), isWeighted))
-        complain("Warning: the ranges of couplings are found without their weights.\n");
-    CouplingRanges ranges;
-    if (mlMap && startRanges(ranges, best) != 0)
-        return 1;
-    fillCalculated(dTab, mlMap ? &ranges : nullptr);
-    return 0;
-}
-
-void writeScores(OutFile &out, std::span<const MlPoint> list)
-{
-    std::string text = "VARS   DA R SCORE\nFORMAT %3.1f %1.2f %e\n\n";
-    for (const MlPoint &point : list)
-        appendf(text, "%3.1f %1.2f %e\n", point.Dab + 0.0, point.R, point.score); // no sign at a zero
-    writeOut(out, text);
-}
-
-/// Reads and collects the couplings, turned so that the larger extreme is positive.
-int readMlCouplings(const MagnitudeJob &job, ObservedCouplings &observed)
-{
-    if (readObserved(job) != 0 || collectObserved(*job.dTab, observed) != 0)
-        return 1;
     if (observed.coupList.size() > maxMlCouplings)
-        return complain("Error: %zu couplings, the limit of a likelihood search is %d.\n",
-                        observed.coupList.size(), maxMlCouplings);
+        return messages.fail("Error: %zu couplings, the limit of a likelihood search is %zu.\n",
+                             observed.coupList.size(), maxMlCouplings);
     const double span = double{observed.maxD} - observed.minD;
     if (!(span < axisLength)) // one end of the pattern would stand on the other
-        return complain("Error: the couplings span %.2f Hz, more than the frequency axis of %.2f Hz.\n", span,
-                        axisLength);
-    solveExtremes(observed.minD, observed.maxD, *job.trelmInfo);
-    turnPositive(observed.coupList);
-    return 0;
+        return messages.fail("Error: the couplings span %.2f Hz, more than the frequency axis of %.2f Hz.\n",
+                             span, axisLength);
+    return Status::ok;
 }
 
-/// The search and what it says of the tensor. Returns 0, or 1 after a message.
-int searchGrid(const ObservedCouplings &observed, MagnitudeOptions &histInfo, std::span<MlPoint> list,
-               int &lCount, MagnitudeRange &best)
+/// Warns of couplings that the tensors of the grid cannot explain, or not as they should.
+void tellDoubts(const ObservedCouplings &observed, const MlGrid &grid, Messages &messages)
 {
-    bool invertFlag = false;
-    const MlGrid grid = settleGrid(histInfo, invertFlag);
-    if (checkGrid(grid) != 0)
-        return 1;
     const double reach = 2.0 * std::max(std::fabs(grid.lowDab), std::fabs(grid.highDab));
     const double largest = std::max(std::fabs(observed.minD), std::fabs(observed.maxD));
-    if (!isEmpty(grid) && largest > reach + reachOfResponse * observed.rAveDD)
-        complain("Warning: a coupling of %.2f Hz is beyond all tensors of the grid.\n", largest);
-    if (!isEmpty(grid) && observed.rAveDD > maxWholeError)
-        complain("Warning: the mean error of the couplings, %.3f Hz, is above %.2f Hz: the response runs into"
-                 " itself.\n",
-                 double{observed.rAveDD}, maxWholeError);
-    if (mlMagTensor({observed.coupList, observed.rAveDD}, grid, histInfo.mlClear != 0, list, lCount) != 0)
-        return complain("Error in mlMagTensor.\n");
-    best = findBest(list.first(static_cast<std::size_t>(lCount)), static_cast<int>(observed.coupList.size()));
-    if (invertFlag)
-        best.Dab = -best.Dab;
-    histInfo.DaMl = static_cast<float>(best.Dab);
-    histInfo.DaErrMl = static_cast<float>(best.DabErr);
-    histInfo.RMl = static_cast<float>(best.R);
-    histInfo.RErrMl = static_cast<float>(best.RErr);
-    return 0;
-}
-
-/// Table and scores. Returns 0, or 1 after a message.
-int writeResults(const MagnitudeJob &job, std::span<const MlPoint> list, OutFile &scores)
-{
-    std::string text;
-    int status = 0;
-    if (writeTrelm(*job.trelmInfo, text) != 0)
-        status = complain("trelm: error in writeTrelm.\n");
-    else
-        status = writeDCmod(job.outDName, "w", job.dTab, job.trelmInfo, text);
-    writeScores(scores, list);
-    return closeOut(scores) != 0 ? 1 : status;
+    if (largest > reach + reachOfResponse * observed.rAveDD)
+        messages.err("Warning: a coupling of %.2f Hz is beyond all tensors of the grid.\n", largest);
+    if (observed.rAveDD > maxWholeError)
+        messages.err(
+            "Warning: the mean error of the couplings, %.3f Hz, is above %.2f Hz: the response runs into"
+            " itself.\n",
+            double{observed.rAveDD}, maxWholeError);
 }
 
 // Steps of the orientations, radians.
@@ -244,31 +183,29 @@ double scaledCoupling(double cosTheta, double sinTheta, double cosPhi, double Da
 
 } // namespace
 
-int mlMagTensor(const MlCouplings &couplings, const MlGrid &grid, bool clear, std::span<MlPoint> list,
-                int &lCount)
+Status mlMagTensor(const MlCouplings &couplings, const MlGrid &grid, bool clear, std::span<MlPoint> list,
+                   std::size_t &lCount, Messages &messages)
 {
     lCount = 0;
-    double stepsR = countSteps(grid.lowR, grid.highR, grid.incR);
-    double stepsDa = countSteps(grid.lowDab, grid.highDab, grid.incDa);
-    if (stepsR == 0.0 || stepsDa == 0.0) // one without the other may be beyond any integer
-        stepsR = stepsDa = 0.0;
-    if (!(stepsR * stepsDa <= static_cast<double>(list.size())))
-        return complain("Error: the grid of Da and R has %.0f points, the limit is %zu.\n", stepsR * stepsDa,
-                        list.size());
-    const double lastR = grid.lowR + (stepsR - 1.0) * grid.incR;
-    const double lastDab = grid.highDab - (stepsDa - 1.0) * grid.incDa;
-    if (stepsR * stepsDa > 0.0 && !(isPattern(grid.highDab, grid.lowR) && isPattern(lastDab, lastR)))
-        return complain("Error: the patterns up to Da %.3f Hz, R %.3f do not fit the axis of %.2f Hz.\n",
-                        lastDab, lastR, axisLength);
+    const GridSize size = sizeOf(grid);
+    if (!(size.points() <= static_cast<double>(list.size())))
+        return messages.fail("Error: the grid of Da and R has %.0f points, the limit is %zu.\n",
+                             size.points(), list.size());
+    const double lastR = grid.lowR + (size.R - 1.0) * grid.incR;
+    const double lastDab = grid.highDab - (size.Dab - 1.0) * grid.incDa;
+    if (size.points() > 0.0 && !isWithinAxis(lastDab, lastR))
+        return messages.fail("Error: the patterns up to Da %.3f Hz, R %.3f do not fit the axis of %.2f Hz.\n",
+                             lastDab, lastR, axisLength);
     PatternScorer scorer;
-    if (stepsR * stepsDa > 0.0 && startScorer(scorer, couplings.coup_mat, couplings.delta) != 0)
-        return 1;
+    if (size.points() > 0.0 &&
+        startScorer(scorer, couplings.coup_mat, couplings.delta, messages) != Status::ok)
+        return Status::failed;
     Progress progress = startProgress("", 0);
     std::string line;
-    const auto countR = static_cast<int>(stepsR), countDa = static_cast<int>(stepsDa);
+    const auto countR = static_cast<int>(size.R), countDa = static_cast<int>(size.Dab);
     for (int i = 0; i < countR; ++i) {
         for (int k = 0; k < countDa; ++k) {
-            MlPoint &point = list[static_cast<std::size_t>(lCount++)];
+            MlPoint &point = list[lCount++];
             point.R = grid.lowR + i * grid.incR;
             point.Dab = grid.highDab - k * grid.incDa;
             if (isDue(progress, i + 1 == countR && k + 1 == countDa)) {
@@ -276,11 +213,12 @@ int mlMagTensor(const MlCouplings &couplings, const MlGrid &grid, bool clear, st
                 appendf(line, "Grid point R = %.2f D = %.2f\r", point.R, point.Dab);
                 showLine(progress, line);
             }
-            point.score = scorePattern(scorer, point.Dab, point.R, clear);
+            if (isPattern(point.Dab, point.R))
+                point.score = scorePattern(scorer, point.Dab, point.R, clear);
         }
     }
     endProgress(progress);
-    return 0;
+    return Status::ok;
 }
 
 double dip_coup(double theta, double phi, double Dab, double R)
@@ -288,14 +226,14 @@ double dip_coup(double theta, double phi, double Dab, double R)
     return scaledCoupling(std::cos(theta), std::sin(theta), std::cos(2.0 * phi), Dab, R);
 }
 
-int startRanges(CouplingRanges &ranges, const MagnitudeRange &range)
+Status startRanges(CouplingRanges &ranges, const MagnitudeRange &range, Messages &messages)
 {
     const Orientations list;
     for (std::size_t corner = 0; corner < ranges.corners.size(); ++corner) {
         Block<CornerCoupling> &couplings = ranges.corners[corner];
         couplings = Block<CornerCoupling>("mapMl", list.count());
         if (!couplings)
-            return complain("Error allocating the couplings of the orientations.\n");
+            return messages.fail("Error allocating the couplings of the orientations.\n");
         const double Dab = range.Dab + (corner % 2 == 0 ? range.DabErr : -range.DabErr);
         const double R = range.R + (corner < 2 ? range.RErr : -range.RErr);
         std::size_t place = 0;
@@ -307,10 +245,11 @@ int startRanges(CouplingRanges &ranges, const MagnitudeRange &range)
         }
         std::ranges::sort(couplings.span(), {}, &CornerCoupling::corner);
     }
-    return 0;
+    return Status::ok;
 }
 
-int mapMagToDc(const CouplingRanges &ranges, double coup, double coupErr, double &coupAve, double &coupAveErr)
+void mapMagToDc(const CouplingRanges &ranges, double coup, double coupErr, double &coupAve,
+                double &coupAveErr)
 {
     double dMin = coup, dMax = coup;
     for (const Block<CornerCoupling> &corner : ranges.corners) {
@@ -324,30 +263,57 @@ int mapMagToDc(const CouplingRanges &ranges, double coup, double coupErr, double
     }
     coupAve = (dMax + dMin) * 0.5;
     coupAveErr = std::fabs(dMax - coupAve);
-    return 0;
 }
 
-int getMlDabR(const MagnitudeJob &job, const std::string &outScName)
+Status getMlDabR(const ObservedCouplings &observed, const LikelihoodOptions &options, std::span<MlPoint> list,
+                 MlSearch &found, Messages &messages)
 {
-    // The scores are opened before the table is read.
-    if (isSameFile(job.inDName, outScName) || isSameFile(job.outDName, outScName))
-        return complain("getMlDabR: %s is another file of this run: give the scores a name of their own.\n",
-                        outScName.c_str());
-    OutFile scores;
-    if (openOut(scores, outScName, "w") != 0)
-        return complain("TRELM Error opening output file %s\n", outScName.c_str());
-    Block<MlPoint> list("mlGrid", maxMlPoints);
-    if (!list)
-        return complain("Error allocating the grid of Da and R.\n");
-    MagnitudeOptions &histInfo = *job.trelmInfo;
-    ObservedCouplings observed;
-    MagnitudeRange best;
-    int lCount = 0;
-    if (readMlCouplings(job, observed) != 0 ||
-        searchGrid(observed, histInfo, list.span(), lCount, best) != 0 ||
-        mapTable(*job.dTab, best, histInfo.mlMap != 0) != 0)
-        return 1;
-    return writeResults(job, list.span().first(static_cast<std::size_t>(lCount)), scores);
+    if (checkCouplings(observed, messages) != Status::ok)
+        return Status::failed;
+    found.extremes = solveExtremes(observed.minD, observed.maxD);
+    const MlGrid grid = settleGrid(options);
+    if (checkGrid(grid, messages) != Status::ok)
+        return Status::failed;
+    if (sizeOf(grid).points() > 0.0)
+        tellDoubts(observed, grid, messages);
+    std::vector<float> coupList = observed.coupList;
+    turnPositive(coupList);
+    if (mlMagTensor({coupList, observed.rAveDD}, grid, options.mlClear != 0, list, found.points, messages) !=
+        Status::ok)
+        return messages.fail("Error in mlMagTensor.\n");
+    found.best = findBest(list.first(found.points), coupList.size(), messages);
+    if (isPositiveRequest(options))
+        found.best.Dab = 0.0 - found.best.Dab;
+    return Status::ok;
+}
+
+Status fillCalculated(DTable &dTab, const MagnitudeRange &best, bool mlMap, Messages &messages)
+{
+    const auto isWeighted = [](const DInfo &row) { return isObserved(row) && row.w != 1.0f; };
+    if (mlMap && std::ranges::any_of(dTab.observed(), isWeighted))
+        messages.err("Warning: the ranges of couplings are found without their weights.\n");
+    CouplingRanges ranges;
+    if (mlMap && startRanges(ranges, best, messages) != Status::ok)
+        return Status::failed;
+    for (std::size_t i = 0; i < dTab.observed().size(); ++i) {
+        DInfo &obs = dTab.dObsList[i], &calc = dTab.dCalcList[i];
+        if (!isObserved(obs))
+            continue;
+        double coupAve = 0.0, coupAveErr = 0.0;
+        if (mlMap)
+            mapMagToDc(ranges, double{obs.d}, double{obs.sigma}, coupAve, coupAveErr);
+        calc.valid = 1;
+        calc.d = static_cast<float>(coupAve);
+        calc.sigma = obs.sigma = static_cast<float>(coupAveErr);
+    }
+    return Status::ok;
+}
+
+void appendScores(std::span<const MlPoint> list, std::string &text)
+{
+    text += "VARS   DA R SCORE\nFORMAT %3.1f %1.2f %e\n\n";
+    for (const MlPoint &point : list)
+        appendf(text, "%3.1f %1.2f %e\n", point.Dab + 0.0, point.R, point.score); // no sign at a zero
 }
 
 } // namespace trelm

@@ -3,9 +3,10 @@
 #pragma once
 
 #include "ground/alloc.h"
-#include "ground/trelm.h"
+#include "ground/messages.h"
 #include "magnitude/likelihood_score.h"
 #include "magnitude/observed.h"
+#include "magnitude/options.h"
 
 #include <array>
 #include <span>
@@ -13,8 +14,8 @@
 
 namespace trelm {
 
-constexpr int maxMlCouplings = 5000; ///< couplings of a search
-constexpr int maxMlPoints = 20000;   ///< points of its grid
+constexpr std::size_t maxMlCouplings = 5000; ///< couplings of a search
+constexpr int maxMlPoints = 20000;           ///< points of its grid
 
 /// The points of a search, Hz for Da. Low R is visited, high R is not; high Da is visited, low Da is not.
 struct MlGrid {
@@ -36,10 +37,11 @@ struct MlCouplings {
 
 /// Scores a grid, R rising and Da falling within it, with a progress line a point on the standard error
 /// stream; `lCount` becomes the number of points, 0 for a grid that is empty or holds what is no number.
-/// `clear`: each point starts from an empty pattern, else from that of the point before. Returns 0, or 1
-/// after a message: more points than `list` has, a point without a pattern, what startScorer refuses.
-int mlMagTensor(const MlCouplings &couplings, const MlGrid &grid, bool clear, std::span<MlPoint> list,
-                int &lCount);
+/// `clear`: each point starts from an empty pattern, else from that of the point before. A point without a
+/// pattern scores 0. Fails after a message: more points than `list` has, patterns that leave the axis, what
+/// startScorer refuses.
+Status mlMagTensor(const MlCouplings &couplings, const MlGrid &grid, bool clear, std::span<MlPoint> list,
+                   std::size_t &lCount, Messages &messages);
 
 /// Da and R with their errors, Hz for Da.
 struct MagnitudeRange {
@@ -59,17 +61,33 @@ struct CouplingRanges {
     std::array<Block<CornerCoupling>, 4> corners;
 };
 
-/// Computes them, once for all couplings of a table. Returns 0, or 1 after a message if there is no memory.
-int startRanges(CouplingRanges &ranges, const MagnitudeRange &range);
+/// Computes them, once for all couplings of a table. Fails after a message if there is no memory.
+Status startRanges(CouplingRanges &ranges, const MagnitudeRange &range, Messages &messages);
 
 /// The middle and the half width of the couplings that the central tensor gives to the orientations at which
-/// a corner agrees with coup within coupErr, coup included. All Hz. Returns 0.
-int mapMagToDc(const CouplingRanges &ranges, double coup, double coupErr, double &coupAve,
-               double &coupAveErr);
+/// a corner agrees with coup within coupErr, coup included. All Hz.
+void mapMagToDc(const CouplingRanges &ranges, double coup, double coupErr, double &coupAve,
+                double &coupAveErr);
 
-/// The whole estimate: reads, selects, searches, writes table and scores (outScName; empty: standard output);
-/// results also in the run record. The point of the highest score above 0 is the result. Returns 0, or 1
-/// after a message.
-int getMlDabR(const MagnitudeJob &job, const std::string &outScName);
+/// What a search found beside the scores of its points.
+struct MlSearch {
+    ExtremesTensor extremes;
+    MagnitudeRange best;    ///< 0, but for the errors, where no score is above 0
+    std::size_t points = 0; ///< of the grid
+};
+
+/// The whole search: settles the grid, scores its points into `list`, and finds that of the highest score
+/// above 0. Fails after a message: more couplings than maxMlCouplings, or that span more than the axis, a
+/// grid with a step of 0, and what mlMagTensor refuses.
+Status getMlDabR(const ObservedCouplings &observed, const LikelihoodOptions &options, std::span<MlPoint> list,
+                 MlSearch &found, Messages &messages);
+
+/// Fills the calculated rows of the couplings that take part, and the errors of both columns: with zeros or,
+/// with `mlMap`, with the ranges of the couplings for the tensor found. Fails after a message if there is no
+/// memory.
+Status fillCalculated(DTable &dTab, const MagnitudeRange &best, bool mlMap, Messages &messages);
+
+/// The table of scores, a line for each point.
+void appendScores(std::span<const MlPoint> list, std::string &text);
 
 } // namespace trelm

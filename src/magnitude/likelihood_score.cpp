@@ -101,15 +101,15 @@ void fillPattern(double Dab, double R, std::span<float> data)
     fillRange(mark, std::span(downAxis).subspan(down), data.data() + down);
 }
 
-/// The couplings as places of the axis. Returns 0, or 1 after a message.
-int collectPlaces(std::span<const float> couplings, std::vector<ScorePlace> &list)
+/// The couplings as places of the axis.
+Status collectPlaces(std::span<const float> couplings, std::vector<ScorePlace> &list, Messages &messages)
 {
     std::vector<int> found;
     for (const float coupling : couplings) {
         const double k = std::floor(static_cast<double>(coupling) * placesPerHz);
         if (!(k >= -axisPlaces && k < axisPlaces))
-            return complain("Error: the coupling %.3f Hz lies outside the frequency axis of %.2f Hz.\n",
-                            static_cast<double>(coupling), axisLength);
+            return messages.fail("Error: the coupling %.3f Hz lies outside the frequency axis of %.2f Hz.\n",
+                                 static_cast<double>(coupling), axisLength);
         found.push_back(static_cast<int>(k) + (k < 0.0 ? axisPlaces : 0));
     }
     std::ranges::sort(found);
@@ -119,36 +119,42 @@ int collectPlaces(std::span<const float> couplings, std::vector<ScorePlace> &lis
             list.push_back({place, 0});
         ++list.back().count;
     }
-    return 0;
+    return Status::ok;
 }
 
 constexpr std::size_t respPlaces = 1024;
 constexpr std::size_t longestWing = 510; // places on either side of the centre, beside the two of the rim
 
+/// The response in an array, and how many of its places were filled from the start.
+struct FoldedResponse {
+    std::array<float, respPlaces> values = {};
+    std::size_t count = 0;
+};
+
 /// The response as an array that wraps around has it: from place 0 up, and once more from place 1023 down.
 /// Where the two meet, the later value stays: the far side of one over the near side of the other.
-std::array<float, respPlaces> foldResponse(double delta, std::size_t &count)
+FoldedResponse foldResponse(double delta)
 {
-    std::array<float, respPlaces> resp = {};
+    FoldedResponse resp;
     const double reach = reachOfResponse * delta;
-    count = 0;
     double x = 0.0; // summed up step by step, as the method has it
-    for (; x <= reach && count < respPlaces; x += axisStep) {
-        resp[respPlaces - 1 - count] = resp[count] = static_cast<float>(normal(0.0, delta, x));
-        ++count;
+    for (; x <= reach && resp.count < respPlaces; x += axisStep) {
+        const auto density = static_cast<float>(normal(0.0, delta, x));
+        resp.values[resp.count] = resp.values[respPlaces - 1 - resp.count] = density;
+        ++resp.count;
     }
     return resp;
 }
 
 /// The response, mirrored about its centre, with zeros behind it up to a whole number of lanes. A long one
-/// has two places more on its low side: those in the middle of the array, which both count as high ones.
+/// has two places more below its centre than above: both places in the middle of the array belong there.
 /// Returns the response from its centre to its end.
 std::vector<float> makeTaps(double delta, PatternScorer &scorer)
 {
-    std::size_t count = 0;
-    const std::array<float, respPlaces> resp = foldResponse(delta, count);
-    std::vector<float> half(resp.begin(), resp.begin() + std::min(count, longestWing + 1));
-    scorer.rim = resp[longestWing + 1];
+    const FoldedResponse resp = foldResponse(delta);
+    const auto wing = static_cast<std::ptrdiff_t>(std::min(resp.count, longestWing + 1));
+    std::vector<float> half(resp.values.begin(), resp.values.begin() + wing);
+    scorer.rim = resp.values[longestWing + 1];
     scorer.taps.assign(scorer.rim != 0.0f ? 2 : 0, scorer.rim);
     scorer.taps.insert(scorer.taps.end(), half.rbegin(), half.rend());
     scorer.below = static_cast<int>(scorer.taps.size()) - 1;
@@ -181,17 +187,16 @@ Window findWindow(std::span<const ScorePlace> list)
 }
 
 /// Sums cost one product a tap and place, the filter what some products a value of its transform cost.
-/// Returns 0, or 1 after a message.
-int chooseMethod(PatternScorer &scorer, std::span<const float> half)
+Status chooseMethod(PatternScorer &scorer, std::span<const float> half)
 {
     constexpr std::size_t transformCost = 50;
     const Window window = findWindow(scorer.places);
     scorer.isDense = scorer.places.size() * scorer.taps.size() >
                      transformCost * filterLength(half.size() - 1, window.count);
     if (!scorer.isDense)
-        return 0;
+        return Status::ok;
     scorer.first = window.first;
-    return startFilter(scorer.filter, half, window.count);
+    return startFilter(scorer.filter, half, window.count) == 0 ? Status::ok : Status::failed;
 }
 
 /// The broadened pattern at one place, as a sum. The response is symmetric, its centre one place higher.
@@ -209,13 +214,14 @@ float sumAt(const PatternScorer &scorer, int place)
     return sum;
 }
 
-/// The broadened pattern at all places, by transforms. Returns what counts as 0 in it: their rounding.
+/// The broadened pattern at all places, by transforms. Returns the least value that is exact enough: their
+/// rounding goes by the largest one, and below a hundredth of it would show in a score.
 float filterAll(PatternScorer &scorer)
 {
-    constexpr float noise = 1e-6f; // of the largest value
+    constexpr float exactPart = 1e-2f;
     const std::span<const float> data = scorer.data.span();
-    return noise * applyFilter(scorer.filter, data.subspan(margin, places),
-                               static_cast<std::size_t>(scorer.first + 1));
+    return exactPart * applyFilter(scorer.filter, data.subspan(margin, places),
+                                   static_cast<std::size_t>(scorer.first + 1));
 }
 
 /// One place of these; the rim of the response, which the filter has not, is added.
@@ -229,6 +235,15 @@ float filteredAt(const PatternScorer &scorer, int place)
     const float *lowest =
         scorer.data.data() + static_cast<std::size_t>(static_cast<int>(margin) + place + 1 - scorer.below);
     return value + scorer.rim * (lowest[0] + lowest[1]);
+}
+
+/// The broadened pattern at a place; `least` is the least filtered value to take.
+float valueAt(const PatternScorer &scorer, int place, float least)
+{
+    if (!scorer.isDense)
+        return sumAt(scorer, place);
+    const float value = filteredAt(scorer, place);
+    return value >= least ? value : sumAt(scorer, place);
 }
 
 /// Sum of logarithms, as the logarithm of a product for as long as that is a number.
@@ -286,20 +301,25 @@ double analytical(double Dab, double R, double Fi)
 
 bool isPattern(double Dab, double R)
 {
-    return Dab <= 0.0 && R >= 0.0 && R < 2.0 && -Dab * std::max(2.0, 1.0 + 1.5 * R) <= maxPatternReach;
+    return R > -2.0 / 3.0 && isWithinAxis(Dab, R);
 }
 
-int startScorer(PatternScorer &scorer, std::span<const float> couplings, double delta)
+bool isWithinAxis(double Dab, double R)
+{
+    return -Dab * std::max(2.0, 1.0 + 1.5 * R) <= maxPatternReach;
+}
+
+Status startScorer(PatternScorer &scorer, std::span<const float> couplings, double delta, Messages &messages)
 {
     if (!(delta >= minMeanError && delta <= maxMeanError))
-        return complain("Error: the mean error of the couplings is %.3g Hz, it must be %g to %.2f Hz.\n",
-                        delta, minMeanError, maxMeanError);
-    if (collectPlaces(couplings, scorer.places) != 0)
-        return 1;
+        return messages.fail("Error: the mean error of the couplings is %.3g Hz, it must be %g to %.2f Hz.\n",
+                             delta, minMeanError, maxMeanError);
+    if (collectPlaces(couplings, scorer.places, messages) != Status::ok)
+        return Status::failed;
     scorer.data = Block<float>("data", places + 2 * margin);
     if (!scorer.data) {
         nrerror("allocation failure for data");
-        return 1;
+        return Status::failed;
     }
     return chooseMethod(scorer, makeTaps(delta, scorer));
 }
@@ -311,21 +331,22 @@ double scorePattern(PatternScorer &scorer, double Dab, double R, bool clear)
         std::ranges::fill(data, 0.0f);
     fillPattern(Dab, R, data);
     repeatEnds(scorer.data);
-    const float nothing = scorer.isDense ? filterAll(scorer) : 0.0f;
+    const float least = scorer.isDense ? filterAll(scorer) : 0.0f;
     LogSum score;
     for (const ScorePlace &entry : scorer.places) {
-        const float value = scorer.isDense ? filteredAt(scorer, entry.place) : sumAt(scorer, entry.place);
-        if (!(value > nothing))
+        const float value = valueAt(scorer, entry.place, least);
+        if (!(value > 0.0f && std::isfinite(value)))
             return 0.0;
         score.add(static_cast<double>(value), entry.count);
     }
     return score.total();
 }
 
-double mlMagTensorSingle(std::span<const float> coup_mat, double delta, double Dab, double R)
+double mlMagTensorSingle(std::span<const float> coup_mat, double delta, double Dab, double R,
+                         Messages &messages)
 {
     PatternScorer scorer;
-    if (!isPattern(Dab, R) || startScorer(scorer, coup_mat, delta) != 0)
+    if (!isPattern(Dab, R) || startScorer(scorer, coup_mat, delta, messages) != Status::ok)
         return 0.0;
     return scorePattern(scorer, Dab, R, true);
 }

@@ -11,6 +11,7 @@
 #pragma once
 
 #include "ground/alloc.h"
+#include "ground/messages.h"
 #include "support/numerics/symmetric_filter.h"
 
 #include <span>
@@ -21,23 +22,27 @@ namespace trelm {
 constexpr int axisPlaces = 8192;  ///< places of the frequency axis
 constexpr double axisStep = 0.01; ///< Hz
 constexpr double axisLength = axisPlaces * axisStep;
-constexpr double minMeanError = 1e-6;    ///< Hz; densities of a smaller one leave single precision
+constexpr double minMeanError = 1e-6;    ///< Hz; far below a step of the axis: no error of a measurement
 constexpr double reachOfResponse = 3.0;  ///< mean errors
 constexpr double maxWholeError = 1.703;  ///< Hz; beyond, the halves of the response overwrite each other
 constexpr double maxMeanError = 3.413;   ///< Hz; three times a larger error passes the response's 1024 places
 constexpr double maxPatternReach = 81.9; ///< Hz; neither half of a pattern may be longer than the axis
 
 /// The density of couplings of a rigid molecule at `Fi`, per Hz, not broadened; 0 outside the pattern. Dab
-/// and Fi in Hz, Dab negative, R from 0 to below 2.
+/// and Fi in Hz, Dab negative, R from 0 to below 2. An R outside this has no tensor, and the formula a pole
+/// at an end of its range, where it may come out infinite.
 double analytical(double Dab, double R, double Fi);
 
 /// The series of `analytical` for the complete elliptic integral, and the normal density at x.
 double kooky(double m);
 double normal(double m, double d, double x);
 
-/// True if the pattern of such a tensor can be computed: Dab at most 0, R from 0 to below 2, either half
-/// within the axis.
+/// True if the pattern of such a tensor can be computed: R above -2/3, either half within the axis. That of a
+/// positive Dab has no places.
 [[nodiscard]] bool isPattern(double Dab, double R);
+
+/// True if neither half of the pattern is longer than the axis.
+[[nodiscard]] bool isWithinAxis(double Dab, double R);
 
 /// A place of the axis and how many couplings fall on it.
 struct ScorePlace {
@@ -57,16 +62,18 @@ struct PatternScorer {
     int first = 0;                  ///< where that part begins
 };
 
-/// Sets a scorer up for couplings and their mean error `delta`, Hz. Returns 0, or 1 after a message: delta is
-/// below minMeanError or beyond maxMeanError, a coupling lies outside the axis, there is no memory.
-int startScorer(PatternScorer &scorer, std::span<const float> couplings, double delta);
+/// Sets a scorer up for couplings and their mean error `delta`, Hz. Fails after a message: delta is below
+/// minMeanError or beyond maxMeanError, a coupling lies outside the axis, there is no memory.
+Status startScorer(PatternScorer &scorer, std::span<const float> couplings, double delta, Messages &messages);
 
-/// The score of a tensor for which isPattern holds; 0.0 if the pattern does not reach one of the couplings.
+/// The score of a tensor for which isPattern holds; 0.0 if the pattern does not reach one of the couplings,
+/// or is infinite there. Each coupling adds its logarithm to about 1e-5.
 /// Where the pattern does not reach, that of the call before stays, unless `clear` is set.
 double scorePattern(PatternScorer &scorer, double Dab, double R, bool clear);
 
 /// The score of one tensor. 0.0 also for a tensor without a pattern, and, after a message, for what
 /// startScorer refuses.
-double mlMagTensorSingle(std::span<const float> coup_mat, double delta, double Dab, double R);
+double mlMagTensorSingle(std::span<const float> coup_mat, double delta, double Dab, double R,
+                         Messages &messages);
 
 } // namespace trelm

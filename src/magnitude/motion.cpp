@@ -1,18 +1,14 @@
 #include "magnitude/motion.h"
 
-#include "couplings/output.h"
-#include "couplings/run_report.h"
 #include "errors/fit_statistics.h"
 #include "magnitude/histogram.h"
 #include "magnitude/likelihood_score.h"
 #include "simulation/orientations/sphere.h"
-#include "support/text/output_file.h"
 #include "support/text/progress.h"
 #include "support/text/text.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <utility>
 
 namespace trelm {
@@ -30,38 +26,39 @@ struct Pool {
     [[nodiscard]] int nRes() const { return static_cast<int>(residues.dcMat.size()); }
 };
 
-int checkSettings(const TrelmInfo &info, const ObservedCouplings &observed)
+Status checkSettings(const MotionSetup &setup, Messages &messages)
 {
-    const MagnitudeOptions &hist = info;
-    if (hist.modeFit != 2 && hist.modeFit != 3)
-        complain("Warning: -nFit %d: no set is fitted, all have Da and R 0.\n", hist.modeFit);
-    if (info.histRan < 1)
-        complain("Warning: -nRun %d: no set is drawn.\n", info.histRan);
-    if (info.histRan > maxSets)
-        return complain("motionHist: -nRun %d: the number of sets is at most %d.\n", info.histRan, maxSets);
-    if (info.sCount < 0)
-        return complain("motionHist: -nSel %d: a set cannot have fewer than 0 residues.\n", info.sCount);
-    if (checkHistogram(hist) != 0)
-        return 1;
-    if (!(observed.rAveDD > 0.0f))
-        return complain("Error: The mean error of the couplings is not above 0.\n");
-    if (observed.maxD >= axisLength || observed.minD <= -axisLength)
-        return complain("motionHist: a coupling lies outside the frequency axis of %.2f Hz.\n", axisLength);
-    return 0;
+    const DrawOptions &draw = setup.draw;
+    if (!setup.histogram.isFitted())
+        messages.err("Warning: -nFit %d: no set is fitted, all have Da and R 0.\n", setup.histogram.modeFit);
+    if (draw.histRan < 1)
+        messages.err("Warning: -nRun %d: no set is drawn.\n", draw.histRan);
+    if (draw.histRan > maxSets)
+        return messages.fail("motionHist: -nRun %d: the number of sets is at most %d.\n", draw.histRan,
+                             maxSets);
+    if (draw.sCount < 0)
+        return messages.fail("motionHist: -nSel %d: a set cannot have fewer than 0 residues.\n", draw.sCount);
+    tellHistogram(setup.histogram, messages);
+    if (!(setup.observed.rAveDD > 0.0f))
+        return messages.fail("Error: The mean error of the couplings is not above 0.\n");
+    if (setup.observed.maxD >= axisLength || setup.observed.minD <= -axisLength)
+        return messages.fail("motionHist: a coupling lies outside the frequency axis of %.2f Hz.\n",
+                             axisLength);
+    return Status::ok;
 }
 
 /// Couplings by residue of the window; those whose larger residue lies outside have no place.
-int sortByResidue(const MagnitudeJob &job, ResidueCouplings &residues)
+Status sortByResidue(const MotionSetup &setup, ResidueCouplings &residues, Messages &messages)
 {
-    const int first = job.dcInfo->segFirst;
-    const std::int64_t nRes = std::int64_t{job.dcInfo->segLast} - first + 1;
+    const int first = setup.segFirst;
+    const std::int64_t nRes = std::int64_t{setup.segLast} - first + 1;
     if (nRes > maxWindow)
-        return complain("motionHist: the window of residues %d to %d has more than %d.\n", first,
-                        job.dcInfo->segLast, maxWindow);
+        return messages.fail("motionHist: the window of residues %d to %d has more than %d.\n", first,
+                             setup.segLast, maxWindow);
     residues.dcMat.resize(static_cast<std::size_t>(nRes));
     residues.sigMat.resize(static_cast<std::size_t>(nRes));
     int outside = 0;
-    for (const DInfo &row : job.dTab->observed()) {
+    for (const DInfo &row : setup.dTab.observed()) {
         if (!isObserved(row))
             continue;
         const std::int64_t place = std::int64_t{std::max(row.resIDI, row.resIDJ)} - first;
@@ -73,125 +70,127 @@ int sortByResidue(const MagnitudeJob &job, ResidueCouplings &residues)
         residues.sigMat[static_cast<std::size_t>(place)].push_back(row.sigma * row.w);
     }
     if (outside > 0)
-        complain("motionHist: %d couplings left out, their larger residue is outside the window.\n", outside);
-    return 0;
+        messages.err("motionHist: %d couplings left out, their larger residue is outside the window.\n",
+                     outside);
+    return Status::ok;
 }
 
-int makePool(const MagnitudeJob &job, Pool &pool)
+Status makePool(const MotionSetup &setup, Pool &pool, Messages &messages)
 {
-    if (sortByResidue(job, pool.residues) != 0)
-        return 1;
+    if (sortByResidue(setup, pool.residues, messages) != Status::ok)
+        return Status::failed;
     for (const auto &couplings : pool.residues.dcMat)
         pool.nDcTypeMax = std::max(pool.nDcTypeMax, couplings.size());
-    const int asked = job.trelmInfo->sCount;
+    const int asked = setup.draw.sCount;
     pool.sCount = asked != 0 ? std::min(asked, pool.nRes()) : pool.nRes();
     const std::int64_t density =
-        std::min<std::int64_t>(pool.sCount * static_cast<std::int64_t>(pool.nDcTypeMax), job.dTab->dCount);
+        std::min<std::int64_t>(pool.sCount * static_cast<std::int64_t>(pool.nDcTypeMax), setup.dTab.dCount);
     if (density < 1)
-        complain("motionHist: no residue of the window has a coupling.\n");
+        messages.err("motionHist: no residue of the window has a coupling.\n");
     if (density < 1 || do_unsp(static_cast<int>(density), pool.dots) != 0)
-        return complain("motionHist: unsp error occured.\n");
-    std::printf("REMARK %zu simulated couplings (isotropic).\n", pool.dots.size() / 3);
-    return 0;
+        return messages.fail("motionHist: unsp error occured.\n");
+    messages.out("REMARK %zu simulated couplings (isotropic).\n", pool.dots.size() / 3);
+    return Status::ok;
 }
 
-/// Buffers of a set, kept from set to set.
-struct SetBuffers {
-    std::vector<float> coupList, sigma, dc;
-    float largestError = 0.0f; ///< of the mean errors so far
+/// The couplings and errors of a set, Hz, and the mean of these.
+struct SetCouplings {
+    std::vector<float> coupList, sigma;
+    float rAveDD = 0.0f;
 };
 
-/// The set's score over that of an even distribution; 0 for a tensor that no pattern has.
-double scoreRatio(const Pool &pool, const MotionSet &set, float rAveDD, SetBuffers &buffers)
+/// The set's score over that of an even distribution; 0 for a tensor that no pattern has. Turns the couplings
+/// of the set.
+double scoreRatio(const Pool &pool, const MotionSet &set, SetCouplings &couplings, Messages &messages)
 {
     if (!(set.Dab < 0.0f && isPattern(set.Dab, set.R)))
         return 0.0;
-    turnPositive(buffers.coupList);
-    const double anIso = mlMagTensorSingle(buffers.coupList, rAveDD, set.Dab, set.R);
-    simulateIsotropic(pool.dots, set.Dab, set.R, buffers.dc);
-    turnPositive(buffers.dc);
-    const double iso = mlMagTensorSingle(buffers.dc, rAveDD, set.Dab, set.R);
+    turnPositive(couplings.coupList);
+    const double anIso = mlMagTensorSingle(couplings.coupList, couplings.rAveDD, set.Dab, set.R, messages);
+    std::vector<float> even;
+    simulateIsotropic(pool.dots, set.Dab, set.R, even);
+    turnPositive(even);
+    const double iso = mlMagTensorSingle(even, couplings.rAveDD, set.Dab, set.R, messages);
     return iso != 0.0 ? anIso / iso : 0.0;
 }
 
-/// Draws a set and scores it. One of fewer than two couplings, of zeros only, or whose errors cancel by their
-/// weights, has no histogram: it keeps the tensor of the set before, as one without a peak does, and the
-/// ratio 0.
-int drawSet(const Pool &pool, MagnitudeOptions &histInfo, int &idum, SetBuffers &buffers, MotionSet &set)
+/// Scores the couplings of a set. One of fewer than two couplings, of zeros only, or whose errors cancel by
+/// their weights, has no histogram: it keeps the tensor of the set before, as one without a peak does, and
+/// the ratio 0. `found` comes with that tensor.
+Status scoreSet(const Pool &pool, const HistogramOptions &options, SetCouplings &couplings,
+                HistogramResult &found, MotionSet &set, Messages &messages)
 {
-    buffers.coupList.clear();
-    buffers.sigma.clear();
-    float rAveDD = 0.0f;
-    set.nDSel = selectDcResidue(&idum, pool.residues, pool.sCount, buffers.coupList, buffers.sigma, rAveDD);
-    if (rAveDD > maxMeanError)
-        return complain("motionHist: the mean error of a set, %.3f Hz, is above %.2f Hz.\n", double{rAveDD},
-                        maxMeanError);
-    buffers.largestError = std::max(buffers.largestError, rAveDD);
-    const Extremes extremes = findExtremes(buffers.coupList);
-    const bool hasPattern =
-        set.nDSel > 1 && rAveDD > 0.0f && (extremes.minD != 0.0f || extremes.maxD != 0.0f);
-    if (hasPattern && histoExtFit(buffers.coupList, buffers.sigma, histInfo) != 0)
-        return complain("trelm: error in histoExtFit.\n");
-    set.Dab = histInfo.DaFit > 0.0f ? -histInfo.DaFit : histInfo.DaFit;
-    set.R = histInfo.RFit;
-    set.scores[0] = hasPattern ? scoreRatio(pool, set, rAveDD, buffers) : 0.0;
-    return 0;
+    if (couplings.rAveDD > maxMeanError)
+        return messages.fail("motionHist: the mean error of a set, %.3f Hz, is above %.2f Hz.\n",
+                             double{couplings.rAveDD}, maxMeanError);
+    const Extremes extremes = findExtremes(couplings.coupList);
+    const bool hasPattern = couplings.coupList.size() > 1 && couplings.rAveDD > 0.0f &&
+                            (extremes.minD != 0.0f || extremes.maxD != 0.0f);
+    if (hasPattern &&
+        histoExtFit(couplings.coupList, couplings.sigma, options, found, messages) != Status::ok)
+        return messages.fail("trelm: error in histoExtFit.\n");
+    set.nDSel = static_cast<int>(couplings.coupList.size());
+    set.Dab = found.DaFit > 0.0f ? -found.DaFit : found.DaFit;
+    set.R = found.RFit;
+    set.scores[0] = hasPattern ? scoreRatio(pool, set, couplings, messages) : 0.0;
+    return Status::ok;
 }
 
 /// What the user should hear of the sets drawn.
-void tellSets(std::span<const MotionSet> sets, float largestError)
+void tellSets(std::span<const MotionSet> sets, bool isFitted, float largestError, Messages &messages)
 {
     const auto without =
         std::ranges::count_if(sets, [](const MotionSet &set) { return set.scores[0] == 0.0; });
-    if (without > 0)
-        complain(
+    if (without > 0 && isFitted)
+        messages.err(
             "motionHist: %td of %zu sets have no ratio: too few couplings, one outside the pattern of their"
             " tensor, or a tensor without a pattern.\n",
             without, sets.size());
     if (largestError > maxWholeError)
-        complain("Warning: the mean error of a set, %.3f Hz, is above %.2f Hz: the response runs into"
-                 " itself.\n",
-                 double{largestError}, maxWholeError);
+        messages.err("Warning: the mean error of a set, %.3f Hz, is above %.2f Hz: the response runs into"
+                     " itself.\n",
+                     double{largestError}, maxWholeError);
 }
 
-int drawSets(const Pool &pool, TrelmInfo &trelmInfo, std::vector<MotionSet> &sets)
+Status drawSets(const Pool &pool, const MotionSetup &setup, std::vector<MotionSet> &sets, Messages &messages)
 {
-    int idum = -1;
-    SetBuffers buffers;
-    sets.resize(static_cast<std::size_t>(std::max(trelmInfo.histRan, 0)));
-    Progress progress = startProgress("REMARK Histogram ", trelmInfo.histRan);
-    int status = 0, drawn = 0;
-    for (auto set = sets.begin(); set != sets.end() && status == 0; ++set) {
-        showProgress(progress, ++drawn);
+    int idum = -1, count = 0;
+    float largestError = 0.0f;
+    HistogramResult found;
+    sets.resize(static_cast<std::size_t>(std::max(setup.draw.histRan, 0)));
+    Progress progress = startProgress("REMARK Histogram ", setup.draw.histRan);
+    Status status = Status::ok;
+    for (auto set = sets.begin(); set != sets.end() && status == Status::ok; ++set) {
+        showProgress(progress, ++count);
         pauseProgress(progress); // a set may have something to say
-        status = drawSet(pool, trelmInfo, idum, buffers, *set);
+        SetCouplings couplings;
+        selectDcResidue(&idum, pool.residues, pool.sCount, couplings.coupList, couplings.sigma,
+                        couplings.rAveDD);
+        status = scoreSet(pool, setup.histogram, couplings, found, *set, messages);
+        largestError = std::max(largestError, couplings.rAveDD);
     }
     endProgress(progress);
-    if (status == 0)
-        tellSets(sets, buffers.largestError);
+    if (status == Status::ok)
+        tellSets(sets, setup.histogram.isFitted(), largestError, messages);
     return status;
 }
 
-void writeSets(std::span<const MotionSet> sets, std::size_t nDots, OutFile &out)
+void appendSets(std::span<const MotionSet> sets, std::size_t nDots, std::string &text)
 {
-    std::string text;
     appendf(text, "# nDots = %zu\n\n", nDots);
     int written = 0;
     for (const MotionSet &set : sets)
         appendf(text, "%d  %.3f  %.3f  %4d  %8.3f %8.3f %8.3f\n", ++written, double{set.Dab}, double{set.R},
                 set.nDSel, set.scores[0], set.scores[1], set.scores[2]);
-    writeOut(out, text);
 }
 
-void writeRanges(const MotionRanges &ranges, OutFile &out)
+void appendRanges(const MotionRanges &ranges, std::string &text)
 {
-    std::string text;
     for (std::size_t list = 0; list < 3; ++list) {
         appendf(text, "\n\n# DATA MAX_MIN Da     %.3f  %.3f\n", double{ranges.maxDab}, double{ranges.minDab});
         appendf(text, "# DATA MAX_MIN R      %.3f  %.3f\n", double{ranges.maxR}, double{ranges.minR});
         appendf(text, "# DATA MAX_MIN Score  %.3f  %.3f\n", ranges.maxScore[list], ranges.minScore[list]);
     }
-    writeOut(out, text);
 }
 
 /// The largest scores of the sets in a cell of the map.
@@ -236,74 +235,19 @@ std::int64_t stepsTo(double first, double last, double step)
     return last < first ? 0 : static_cast<std::int64_t>((last - first) / step + hair) + 1;
 }
 
-/// Returns 0, or 1 after a message if the map is too large.
-int layAxes(const MotionRanges &ranges, MapAxes &axes)
+/// Fails after a message if the map is too large.
+Status layAxes(const MotionRanges &ranges, MapAxes &axes, Messages &messages)
 {
     axes.firstDab = std::floor(double{ranges.minDab});
     axes.firstR = std::max(std::floor(double{ranges.minR}), 0.0);
     constexpr double most = 1e9; // keeps the counts within integers
     if (ranges.maxDab - axes.firstDab > most || ranges.maxR - axes.firstR > most)
-        return complain("motionHist: the sets spread too far for a map.\n");
+        return messages.fail("motionHist: the sets spread too far for a map.\n");
     axes.countDab = stepsTo(axes.firstDab, ranges.maxDab, stepDab);
     axes.countR = stepsTo(axes.firstR, ranges.maxR, stepR);
     if (axes.countR > 0 && (axes.countDab + 1) > maxCells / axes.countR)
-        return complain("motionHist: the sets spread too far for a map.\n");
-    return 0;
-}
-
-int writeMap(std::span<const MotionSet> sets, const MotionRanges &ranges, OutFile &out)
-{
-    MapAxes axes;
-    if (layAxes(ranges, axes) != 0)
-        return 1;
-    ++axes.countDab; // one row of Da more than the range has: plots close with it
-    std::string text;
-    std::int64_t cell = 0;
-    for (const auto &colour : mapColours(sets, axes)) {
-        appendf(text, "%.3f  %.3f  %4d  %4d  %4d\n", axes.dabAt(cell / axes.countR),
-                axes.rAt(cell % axes.countR), colour[0], colour[1], colour[2]);
-        ++cell;
-    }
-    writeOut(out, text);
-    return 0;
-}
-
-int openResult(OutFile &out, const std::string &name)
-{
-    return openOut(out, name, "w") != 0 ? complain("TRELM Error opening output file %s\n", name.c_str()) : 0;
-}
-
-/// Each file of a run has a name of its own: the two results are opened before the table is read.
-int checkNames(const std::string &inDName, const std::string &outDName, const std::string &outScName,
-               const std::string &outColName)
-{
-    const std::string *const names[][2] = {{&outScName, &outColName},
-                                           {&inDName, &outScName},
-                                           {&inDName, &outColName},
-                                           {&outDName, &outScName},
-                                           {&outDName, &outColName}};
-    for (const auto &[first, second] : names)
-        if (isSameFile(*first, *second))
-            return complain("motionHist: %s is another file of this run: give each a name of its own.\n",
-                            second->c_str());
-    return 0;
-}
-
-/// Table and map of the sets.
-int writeMotion(std::span<MotionSet> sets, std::size_t nDots, OutFile &outSc, OutFile &outCol)
-{
-    weighScores(sets);
-    writeSets(sets, nDots, outSc);
-    const MotionRanges ranges = boundScores(sets);
-    writeRanges(ranges, outSc);
-    for (MotionSet &set : sets)
-        for (std::size_t list = 0; list < 3; ++list)
-            set.scores[list] -= ranges.minScore[list];
-    int status = writeMap(sets, ranges, outCol);
-    for (OutFile *out : {&outSc, &outCol})
-        if (closeOut(*out) != 0)
-            status = 1;
-    return status;
+        return messages.fail("motionHist: the sets spread too far for a map.\n");
+    return Status::ok;
 }
 
 void boundList(std::span<MotionSet> sets, std::size_t list, MotionRanges &ranges)
@@ -397,25 +341,41 @@ std::vector<std::array<int, 3>> mapColours(std::span<const MotionSet> sets, cons
     return colours;
 }
 
-int motionHist(const MagnitudeJob &job, const std::string &outScName, const std::string &outColName)
+Status drawMotion(const MotionSetup &setup, MotionSets &drawn, Messages &messages)
 {
-    OutFile outSc, outCol;
-    if (checkNames(job.inDName, job.outDName, outScName, outColName) != 0 ||
-        openResult(outSc, outScName) != 0 || openResult(outCol, outColName) != 0)
-        return 1;
-    ObservedCouplings observed;
-    if (readObserved(job) != 0 || collectObserved(*job.dTab, observed) != 0 ||
-        checkSettings(*job.trelmInfo, observed) != 0)
-        return 1;
     Pool pool;
-    std::vector<MotionSet> sets;
-    if (makePool(job, pool) != 0 || drawSets(pool, *job.trelmInfo, sets) != 0 ||
-        writeMotion(sets, pool.dots.size() / 3, outSc, outCol) != 0)
-        return 1;
-    std::string text;
-    if (writeTrelm(*job.trelmInfo, text) != 0)
-        return complain("trelm: error in writeTrelm.\n");
-    return writeDCmod(job.outDName, "w", job.dTab, job.trelmInfo, text);
+    if (checkSettings(setup, messages) != Status::ok || makePool(setup, pool, messages) != Status::ok)
+        return Status::failed;
+    drawn.nDots = pool.dots.size() / 3;
+    return drawSets(pool, setup, drawn.sets, messages);
+}
+
+MotionRanges appendMotion(std::span<MotionSet> sets, std::size_t nDots, std::string &text)
+{
+    weighScores(sets);
+    appendSets(sets, nDots, text);
+    const MotionRanges ranges = boundScores(sets);
+    appendRanges(ranges, text);
+    for (MotionSet &set : sets)
+        for (std::size_t list = 0; list < 3; ++list)
+            set.scores[list] -= ranges.minScore[list];
+    return ranges;
+}
+
+Status appendMap(std::span<const MotionSet> sets, const MotionRanges &ranges, std::string &text,
+                 Messages &messages)
+{
+    MapAxes axes;
+    if (layAxes(ranges, axes, messages) != Status::ok)
+        return Status::failed;
+    ++axes.countDab; // one row of Da more than the range has: plots close with it
+    std::int64_t cell = 0;
+    for (const auto &colour : mapColours(sets, axes)) {
+        appendf(text, "%.3f  %.3f  %4d  %4d  %4d\n", axes.dabAt(cell / axes.countR),
+                axes.rAt(cell % axes.countR), colour[0], colour[1], colour[2]);
+        ++cell;
+    }
+    return Status::ok;
 }
 
 } // namespace trelm

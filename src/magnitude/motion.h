@@ -3,6 +3,7 @@
 #pragma once
 
 #include "magnitude/observed.h"
+#include "magnitude/options.h"
 
 #include <array>
 #include <cstdint>
@@ -31,13 +32,34 @@ struct MotionRanges {
     std::array<double, 3> maxScore = {}, minScore = {};           ///< over sets with R below 0.6667
 };
 
-/// Draws histRan sets of sCount residues and writes the table (outScName), the map over Da and R (outColName)
-/// and the report of the run, which has no couplings. An empty name is standard output. Returns 0, or 1 after
-/// a message: an output that cannot be opened or written to its end, or that is another file of the run, no
-/// couplings, settings without sense (more than maxSets sets, a negative sCount), a mean error of 0 or beyond
-/// maxMeanError, a window of more than maxWindow residues, too many bins in a set, or a map of more than
-/// maxCells. Without a set, and with a modeFit other than 2 and 3, all that is written is 0.
-int motionHist(const MagnitudeJob &job, const std::string &outScName, const std::string &outColName);
+/// What the sets are drawn from. It holds references.
+struct MotionSetup {
+    const DTable &dTab;                ///< the couplings by row
+    int segFirst = 0, segLast = 0;     ///< the window of residues
+    const ObservedCouplings &observed; ///< the same couplings together
+    const HistogramOptions &histogram;
+    const DrawOptions &draw;
+};
+
+/// The sets, and the directions of the even distribution that they are held against.
+struct MotionSets {
+    std::vector<MotionSet> sets;
+    std::size_t nDots = 0;
+};
+
+/// Draws histRan sets of sCount residues; their scores stand first in `scores`. Fails after a message:
+/// settings without sense (more than maxSets sets, a negative sCount), a mean error of 0 or beyond
+/// maxMeanError, a window of more than maxWindow residues or without couplings, or too many bins in a set.
+/// With a modeFit other than 2 and 3 all sets are 0.
+Status drawMotion(const MotionSetup &setup, MotionSets &drawn, Messages &messages);
+
+/// The table of the sets and their ranges. Weighs the scores, bounds them, and leaves them less the minimum
+/// of their list.
+MotionRanges appendMotion(std::span<MotionSet> sets, std::size_t nDots, std::string &text);
+
+/// The map of the sets over Da and R. Fails after a message if it has more than maxCells cells.
+Status appendMap(std::span<const MotionSet> sets, const MotionRanges &ranges, std::string &text,
+                 Messages &messages);
 
 /// The couplings of an even distribution, Hz: one for each dot of x, y, z on the unit sphere.
 void simulateIsotropic(std::span<const double> dots, float Dab, float R, std::vector<float> &dc);

@@ -6,23 +6,13 @@
 #pragma once
 
 #include "couplings/dipolar.h"
-#include "ground/trelm.h"
+#include "ground/messages.h"
+#include "magnitude/results.h"
 
 #include <span>
-#include <string>
 #include <vector>
 
 namespace trelm {
-
-/// What such an estimate works on. An empty output name means standard output.
-struct MagnitudeJob {
-    std::string inDName;                                ///< the coupling table to read
-    std::string atomNameS1 = "All", atomNameS2 = "All"; ///< atoms of the couplings to use; "All": any
-    std::string outDName;                               ///< the coupling table to write
-    DTable *dTab = nullptr;                             ///< empty, takes the table
-    TrelmInfo *trelmInfo = nullptr;                     ///< takes the results, too
-    DcInfo *dcInfo = nullptr;                           ///< unset limits take those of the table
-};
 
 /// Couplings times their weights, Hz. A row of weight 0 is one, too: a coupling of 0 Hz with the error 0,
 /// which lowers the mean error.
@@ -38,14 +28,9 @@ struct ObservedCouplings {
     return row.valid != 0 && row.d < missingCoupling;
 }
 
-/// Reads the table, settles the window of residues, chooses the couplings, and tells the number left by both
-/// choices on standard output, which validCountD takes. Returns 0, or 1 after a message: the table cannot be
-/// read, or no coupling is left.
-int readObserved(const MagnitudeJob &job);
-
 /// Collects the chosen couplings. Returns 0, or 1 after a message: a coupling or an error times its weight is
 /// no finite number, or all couplings are 0, which have no tensor.
-int collectObserved(const DTable &dTab, ObservedCouplings &observed);
+Status collectObserved(const DTable &dTab, ObservedCouplings &observed, Messages &messages);
 
 /// True if the larger extreme is the negative one; extremes of one size count as positive.
 [[nodiscard]] bool isNegativeSide(float minD, float maxD);
@@ -59,8 +44,7 @@ Extremes findExtremes(std::span<const float> coupList);
 /// Reverses all signs if the larger extreme is the negative one: patterns are scored with it positive.
 void turnPositive(std::span<float> coupList);
 
-/// Da2Par and R2Par: the tensor of two extremes that are not both 0. R comes out below 0 if no tensor has
-/// such extremes.
-void solveExtremes(float minD, float maxD, MagnitudeOptions &histInfo);
+/// The tensor of two extremes, Hz, that are not both 0.
+ExtremesTensor solveExtremes(float minD, float maxD);
 
 } // namespace trelm

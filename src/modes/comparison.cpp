@@ -3,38 +3,127 @@
 #include "compare/convert.h"
 #include "compare/coupling_sets.h"
 #include "compare/order_matrices.h"
-#include "support/text/text.h"
+#include "couplings/output.h"
+#include "couplings/table_input.h"
+#include "ground/messages.h"
+#include "support/text/output_file.h"
+
+#include <algorithm>
 
 namespace trelm {
+namespace {
+
+/// Settles the window of the run by a table, and chooses its couplings. Returns their number.
+int choose(Run &run, DTable &dTab)
+{
+    DcInfo &dcInfo = run.dcInfo[0];
+    settleWindow(dcInfo, dTab);
+    const int count = chooseRows(dTab, dcInfo, run.options.atomNameS1, run.options.atomNameS2);
+    tellRows(count, "selected", dcInfo.excludeMode);
+    return count;
+}
+
+int combine(Run &run, Messages &messages)
+{
+    Block<DTable> dTab1("trelm", 1), dTab2("trelm", 1);
+    if (!dTab1 || !dTab2)
+        return static_cast<int>(messages.fail("Error allocating DC structures.\n"));
+    int status = readTable(run.options.inD1Name, &dTab1[0]);
+    if (status == 0)
+        status = readTable(run.options.inD2Name, &dTab2[0]);
+    if (status != 0)
+        return status;
+    choose(run, dTab1[0]);
+    const int shared = adjustDC(run.trelmInfo[0], dTab1[0], dTab2[0]);
+    tellRows(shared, "combined", run.dcInfo[0].excludeMode);
+    if (shared == 0)
+        messages.err("trelm: the two tables share no coupling of the selection.\n");
+    return writeDCmod(run.options.outDName, "w", &dTab1[0], &run.trelmInfo[0], "");
+}
+
+/// The report is a coupling output without couplings, with the combined tensor.
+int compare(Run &run, Messages &messages)
+{
+    const RunOptions &options = run.options;
+    TrelmInfo &trelmInfo = run.trelmInfo[0];
+    const TensorPair pair = {.saupe1 = options.userSaupe1,
+                             .saupe2 = options.userSaupe2,
+                             .hingeAxis = options.hingeAxis,
+                             .twistAxis = options.twistAxis,
+                             .rotN = trelmInfo.rotN,
+                             .yzFlag = trelmInfo.yzFlag};
+    TensorComparison found;
+    if (const Status status = compareSaupe(pair, trelmInfo, found, messages); status != Status::ok)
+        return static_cast<int>(status);
+    std::string text;
+    appendComparison(pair, found, text);
+    std::ranges::transform(found.combined, run.dTab[0].dTensor.saupe.begin(),
+                           [](double value) { return static_cast<float>(value); });
+    return writeDCmod(options.outAName, "w", &run.dTab[0], &trelmInfo, text);
+}
+
+/// Opens the output. The table to convert is never overwritten: it is read after this.
+Status openResult(const RunOptions &options, OutFile &out, Messages &messages)
+{
+    if (isSameFile(options.inDName, options.outDName))
+        return messages.fail("trelm: %s is the table to convert: give the output another name.\n",
+                             options.outDName.c_str());
+    if (openOut(out, options.outDName, "w") != 0)
+        return messages.fail("TRELM Error opening output file %s\n", options.outDName.c_str());
+    return Status::ok;
+}
+
+int convert(Run &run, Messages &messages)
+{
+    const RunOptions &options = run.options;
+    const ConversionOptions &conversion = run.trelmInfo[0];
+    Block<DTable> table("convertTab", 1);
+    if (!table)
+        return static_cast<int>(messages.fail("Error allocating DC structures.\n"));
+    DTable &dTab = table[0];
+    OutFile out;
+    if (conversion.outFormat != systemFormat && openResult(options, out, messages) != Status::ok)
+        return 1;
+    const int status = readTable(options.inDName, &dTab);
+    if (status != 0)
+        return status;
+    if (choose(run, dTab) == 0)
+        messages.err("trelm: no coupling is left to convert.\n");
+    fillConverted(conversion, dTab, messages);
+    if (conversion.outFormat == systemFormat)
+        return writeDCmod(options.outDName, "w", &dTab, &run.trelmInfo[0], "");
+    std::string text;
+    if (convertTab(conversion, dTab, options.inDName, text, messages) != Status::ok)
+        return 1;
+    writeOut(out, text);
+    return closeOut(out);
+}
+
+/// The status of a mode, after the line that it adds to a failure.
+int judge(int status, const char *line)
+{
+    if (status != 0)
+        standardMessages().err("%s", line);
+    return status;
+}
+
+constexpr const char *comparisonFailed = "Matrix: error in comparison of order matrices.\n"; // of both
+
+} // namespace
 
 int combineCouplings(Run &run)
 {
-    const RunOptions &options = run.options;
-    const int status = analyzeDC(options.inD1Name, options.inD2Name, &run.trelmInfo[0], &run.dcInfo[0],
-                                 options.atomNameS1, options.atomNameS2, options.outDName);
-    if (status != 0)
-        complain("Matrix: error in comparison of order matrices.\n"); // the text of both comparisons
-    return status;
+    return judge(combine(run, standardMessages()), comparisonFailed);
 }
 
 int compareTensors(Run &run)
 {
-    const RunOptions &options = run.options;
-    const int status = compareSaupe(&run.trelmInfo[0], options.userSaupe1, options.userSaupe2,
-                                    options.outAName, &run.dTab[0], options.hingeAxis, options.twistAxis);
-    if (status != 0)
-        complain("Matrix: error in comparison of order matrices.\n");
-    return status;
+    return judge(compare(run, standardMessages()), comparisonFailed);
 }
 
 int convertTable(Run &run)
 {
-    const RunOptions &options = run.options;
-    const int status = convertTab(options.inDName, &run.trelmInfo[0], &run.dcInfo[0], options.atomNameS1,
-                                  options.atomNameS2, options.outDName);
-    if (status != 0)
-        complain("trelm: error in conversion of table.\n");
-    return status;
+    return judge(convert(run, standardMessages()), "trelm: error in conversion of table.\n");
 }
 
 } // namespace trelm

@@ -2,16 +2,68 @@
 
 #include "magnitude/likelihood.h"
 #include "modes/magnitude.h"
-#include "support/text/text.h"
+#include "support/text/output_file.h"
 
 namespace trelm {
+namespace {
+
+/// Table and scores.
+Status writeResults(Run &run, const MlSearch &found, std::span<const MlPoint> list, OutFile &scores,
+                    Messages &messages)
+{
+    MagnitudeResult result;
+    static_cast<ExtremesTensor &>(result) = found.extremes;
+    result.DaMl = static_cast<float>(found.best.Dab);
+    result.DaErrMl = static_cast<float>(found.best.DabErr);
+    result.RMl = static_cast<float>(found.best.R);
+    result.RErrMl = static_cast<float>(found.best.RErr);
+    const Status status = reportMagnitude(run, result, messages);
+    std::string text;
+    appendScores(list, text);
+    writeOut(scores, text);
+    return closeOut(scores) != 0 ? Status::failed : status;
+}
+
+/// The scores are opened before the table is read.
+Status openScores(const RunOptions &options, OutFile &scores, Messages &messages)
+{
+    const std::string &name = options.outScName;
+    if (isSameFile(options.inDName, name) || isSameFile(options.outDName, name))
+        return messages.fail(
+            "getMlDabR: %s is another file of this run: give the scores a name of their own.\n",
+            name.c_str());
+    if (openOut(scores, name, "w") != 0)
+        return messages.fail("TRELM Error opening output file %s\n", name.c_str());
+    return Status::ok;
+}
+
+Status search(Run &run, Messages &messages)
+{
+    OutFile scores;
+    if (openScores(run.options, scores, messages) != Status::ok)
+        return Status::failed;
+    Block<MlPoint> list("mlGrid", maxMlPoints);
+    if (!list)
+        return messages.fail("Error allocating the grid of Da and R.\n");
+    const LikelihoodOptions &options = run.trelmInfo[0];
+    ObservedCouplings observed;
+    MlSearch found;
+    if (readObserved(run, observed, messages) != Status::ok ||
+        getMlDabR(observed, options, list.span(), found, messages) != Status::ok ||
+        fillCalculated(run.dTab[0], found.best, options.mlMap != 0, messages) != Status::ok)
+        return Status::failed;
+    return writeResults(run, found, list.span().first(found.points), scores, messages);
+}
+
+} // namespace
 
 int estimateByLikelihood(Run &run)
 {
-    const int status = getMlDabR(makeJob(run), run.options.outScName);
-    if (status != 0)
-        complain("trelm: error in getMlDabR.\n");
-    return status;
+    Messages &messages = standardMessages();
+    Status status = search(run, messages);
+    if (status != Status::ok)
+        status = messages.fail("trelm: error in getMlDabR.\n");
+    return static_cast<int>(status);
 }
 
 } // namespace trelm

@@ -1,42 +1,139 @@
 #include "modes/magnitude.h"
 
+#include "couplings/output.h"
+#include "couplings/run_report.h"
+#include "couplings/table_input.h"
 #include "magnitude/histogram.h"
 #include "magnitude/motion.h"
-#include "support/text/text.h"
+#include "support/text/output_file.h"
 
 namespace trelm {
 namespace {
 
-/// Both branches add the same line to a failure.
-int judge(int status)
+/// Both modes add the same line to a failure.
+int judge(Status status, Messages &messages)
 {
-    if (status != 0)
-        complain("trelm: error in getHistDabR.\n");
+    if (status != Status::ok)
+        status = messages.fail("trelm: error in getHistDabR.\n");
+    return static_cast<int>(status);
+}
+
+/// The calculated rows show the couplings that took part.
+void copyObserved(DTable &dTab)
+{
+    for (std::size_t i = 0; i < dTab.observed().size(); ++i) {
+        const DInfo &row = dTab.observed()[i];
+        if (!isObserved(row))
+            continue;
+        dTab.calculated()[i].d = row.d;
+        dTab.calculated()[i].valid = row.valid;
+    }
+}
+
+Status runHistogram(Run &run, Messages &messages)
+{
+    ObservedCouplings observed;
+    MagnitudeResult result;
+    if (readObserved(run, observed, messages) != Status::ok ||
+        getHistDabR(observed, run.trelmInfo[0], result, messages) != Status::ok)
+        return Status::failed;
+    copyObserved(run.dTab[0]);
+    return reportMagnitude(run, result, messages);
+}
+
+Status openResult(OutFile &out, const std::string &name, Messages &messages)
+{
+    if (openOut(out, name, "w") != 0)
+        return messages.fail("TRELM Error opening output file %s\n", name.c_str());
+    return Status::ok;
+}
+
+/// Each file of a run has a name of its own: the two results are opened before the table is read.
+Status checkNames(const RunOptions &options, Messages &messages)
+{
+    const std::string *const names[][2] = {{&options.outScName, &options.outColName},
+                                           {&options.inDName, &options.outScName},
+                                           {&options.inDName, &options.outColName},
+                                           {&options.outDName, &options.outScName},
+                                           {&options.outDName, &options.outColName}};
+    for (const auto &[first, second] : names)
+        if (isSameFile(*first, *second))
+            return messages.fail("motionHist: %s is another file of this run: give each a name of its own.\n",
+                                 second->c_str());
+    return Status::ok;
+}
+
+/// Table and map of the sets.
+Status writeMotion(MotionSets &drawn, OutFile &outSc, OutFile &outCol, Messages &messages)
+{
+    std::string table, map;
+    const MotionRanges ranges = appendMotion(drawn.sets, drawn.nDots, table);
+    writeOut(outSc, table);
+    Status status = appendMap(drawn.sets, ranges, map, messages);
+    if (status == Status::ok)
+        writeOut(outCol, map);
+    for (OutFile *out : {&outSc, &outCol})
+        if (closeOut(*out) != 0)
+            status = Status::failed;
     return status;
+}
+
+Status runMotion(Run &run, Messages &messages)
+{
+    OutFile outSc, outCol;
+    if (checkNames(run.options, messages) != Status::ok ||
+        openResult(outSc, run.options.outScName, messages) != Status::ok ||
+        openResult(outCol, run.options.outColName, messages) != Status::ok)
+        return Status::failed;
+    ObservedCouplings observed;
+    if (readObserved(run, observed, messages) != Status::ok)
+        return Status::failed;
+    const DcInfo &window = run.dcInfo[0];
+    MotionSets drawn;
+    if (drawMotion(
+            {run.dTab[0], window.segFirst, window.segLast, observed, run.trelmInfo[0], run.trelmInfo[0]},
+            drawn, messages) != Status::ok ||
+        writeMotion(drawn, outSc, outCol, messages) != Status::ok)
+        return Status::failed;
+    return reportMagnitude(run, {}, messages);
 }
 
 } // namespace
 
-MagnitudeJob makeJob(Run &run)
+Status readObserved(Run &run, ObservedCouplings &observed, Messages &messages)
 {
     const RunOptions &options = run.options;
-    return {.inDName = options.inDName,
-            .atomNameS1 = options.atomNameS1,
-            .atomNameS2 = options.atomNameS2,
-            .outDName = options.outDName,
-            .dTab = &run.dTab[0],
-            .trelmInfo = &run.trelmInfo[0],
-            .dcInfo = &run.dcInfo[0]};
+    DTable &dTab = run.dTab[0];
+    DcInfo &dcInfo = run.dcInfo[0];
+    if (readTable(options.inDName, &dTab) != 0)
+        return Status::failed;
+    settleWindow(dcInfo, dTab);
+    const int count = chooseRows(dTab, dcInfo, options.atomNameS1, options.atomNameS2);
+    tellRows(count, "selected", dcInfo.excludeMode);
+    if (count <= 0)
+        return messages.fail("trelm: no coupling is left to estimate a tensor from.\n");
+    return collectObserved(dTab, observed, messages);
+}
+
+Status reportMagnitude(Run &run, const MagnitudeResult &result, Messages &messages)
+{
+    TrelmInfo shown = run.trelmInfo[0];
+    static_cast<MagnitudeResult &>(shown) = result;
+    std::string text;
+    if (writeTrelm(shown, text) != 0)
+        return messages.fail("trelm: error in writeTrelm.\n");
+    const int status = writeDCmod(run.options.outDName, "w", &run.dTab[0], &shown, text);
+    return status == 0 ? Status::ok : Status::failed;
 }
 
 int estimateByHistogram(Run &run)
 {
-    return judge(getHistDabR(makeJob(run)));
+    return judge(runHistogram(run, standardMessages()), standardMessages());
 }
 
 int estimateByMotion(Run &run)
 {
-    return judge(motionHist(makeJob(run), run.options.outScName, run.options.outColName));
+    return judge(runMotion(run, standardMessages()), standardMessages());
 }
 
 } // namespace trelm

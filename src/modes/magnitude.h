@@ -1,15 +1,23 @@
-// The branches that estimate the tensor's magnitude from histograms. They read their own input.
+// The modes that estimate the tensor's magnitude from histograms. They read their own input.
 #pragma once
 
+#include "ground/messages.h"
 #include "magnitude/observed.h"
+#include "magnitude/results.h"
 #include "modes/run.h"
 
 namespace trelm {
 
-/// What every estimate of a run works on.
-MagnitudeJob makeJob(Run &run);
+/// Reads the table of a run, settles the window of residues, chooses the couplings, tells their number, and
+/// collects them. Fails after a message: the table cannot be read, no coupling is left, or what
+/// collectObserved refuses.
+Status readObserved(Run &run, ObservedCouplings &observed, Messages &messages);
 
-// Both return 0, or the status of the failing step after its messages.
+/// Writes the report of an estimate, which shows `result`, with the table. Fails after a message if the
+/// output cannot be written to its end.
+Status reportMagnitude(Run &run, const MagnitudeResult &result, Messages &messages);
+
+// Both return 0, or 1 after messages.
 int estimateByHistogram(Run &run);
 int estimateByMotion(Run &run);
 

@@ -75,7 +75,8 @@ TEST(LikelihoodRun, DefaultGrid)
 
 TEST(LikelihoodRun, LimitsThatCrossLeaveNoPoint)
 {
-    for (const char *limits : {"-lR 0.3 -hR 0.3", "-lR 0.8", "-lDa -5 -hDa -5", "-lR 5 -hR 3 -hDa 3"}) {
+    for (const char *limits :
+         {"-lDa 3 -hDa 3", "-lR 0.3 -hR 0.3", "-lR 0.8", "-lDa -5 -hDa -5", "-lR 5 -hR 3 -hDa 3"}) {
         const Ran ran = search(std::string(limits) + " -outSc scores");
         EXPECT_EQ(ran.out, "REMARK 63 couplings selected (inclusive max).\n");
         EXPECT_EQ(complaints(ran.err),
@@ -87,6 +88,39 @@ TEST(LikelihoodRun, LimitsThatCrossLeaveNoPoint)
                   1)
             << ran.file("out.tab");
         EXPECT_EQ(tableRows(ran.file("out.tab")).size(), 63U);
+    }
+}
+
+// R that no tensor has, and Da on the side without patterns, run with one line.
+TEST(LikelihoodRun, LimitsBeyondAllTensors)
+{
+    struct Case {
+        const char *limits;
+        std::string told, scores; ///< the first scores
+        double da;
+    };
+    const std::string R = "Warning: the grid of R runs from ", Da = "Warning: the grid of Da runs from ",
+                      noR = ": no tensor has an R outside 0 to 2.\n",
+                      noDa = ": its points above 0 have no pattern.\n",
+                      none = "Warning: no grid point scores above 0, Da and R stay 0.\n";
+    const Case cases[] = {
+        {"-lR -0.7 -hR -0.1 -incR 0.55 -lDa -16 -hDa -15.13 -incDa 2", R + "-0.700 to -0.100" + noR,
+         "-15.1 -0.70 0.000000e+00\n-15.1 -0.15 1.", -15.13},
+        {"-lR 2.1 -hR 2.2 -incR 0.1 -lDa -10.3 -incDa 6.1 -hDa -4.1", R + "2.100 to 2.200" + noR,
+         "-4.1 2.10 0.000000e+00\n-10.2 2.10 7.306025e+00\n", -10.2},
+        // A point without a pattern keeps that of the point before.
+        {"-lDa -10 -hDa 7 -incDa 16.5 -incR 0.3", Da + "-10.000 to 7.000" + noDa,
+         "7.0 0.00 0.000000e+00\n-9.5 0.00 0.000000e+00\n7.0 0.30 0.000000e+00\n-9.5 0.30 3.267861e+01\n"
+         "7.0 0.60 3.267861e+01\n",
+         -9.5},
+        {"-lDa 10 -hDa -7 -incDa 16.5 -incR 0.3", Da + "-10.000 to 7.000" + noDa, "7.0 0.00 ", 9.5},
+        {"-lDa 0 -hDa -17 -incDa 3 -incR 0.7", Da + "0.000 to 17.000" + noDa + none, "17.0 0.00 ", 0.0},
+    };
+    for (const Case &c : cases) {
+        const Ran ran = search(std::string(c.limits) + " -outSc scores");
+        EXPECT_EQ(complaints(ran.err), c.told);
+        EXPECT_TRUE(ran.file("scores").substr(41).starts_with(c.scores)) << ran.file("scores");
+        EXPECT_EQ(number(ran.file("out.tab"), "DATA ML Da   "), c.da) << c.limits;
     }
 }
 

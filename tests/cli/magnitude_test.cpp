@@ -13,6 +13,16 @@ Ran magnitudeRun(const std::string &options, const std::string &table = "bicelle
     return goodRun(options + " -outD out.tab -outSc sets.txt -outCol map.txt -inD ubi/" + table);
 }
 
+/// N-H couplings of residues 1, 2, ..., with one error.
+std::string amides(const std::vector<double> &couplings, const std::string &error)
+{
+    std::ostringstream table;
+    table << "VARS RESID_I ATOMNAME_I RESID_J ATOMNAME_J D DD\nFORMAT %d %s %d %s %f %f\n";
+    for (std::size_t i = 1; i <= couplings.size(); ++i)
+        table << i << " H " << i << " N " << couplings[i - 1] << ' ' << error << '\n';
+    return table.str();
+}
+
 /// The estimate as computed from the definitions in double precision by another program.
 struct HistogramRow {
     const char *table, *options;
@@ -76,8 +86,19 @@ TEST(HistogramRun, Report)
                                            "\n\nREMARK Nonlinear least-square opimization.\n\n"
                                            "DATA Dzz_Dyy_Dxx   -15.431  11.567  9.849\n"),
               1);
+    const std::string factors = ": without a factor above 0 an extreme is averaged to 0.\n",
+                      noPeak = "Error: No single most populated coupling value.\n"
+                               "       ==> 3-parameter fit not possible.\n";
     EXPECT_EQ(complaints(magnitudeRun("-daHist -sdevDzz 0").err),
-              "Warning: -sdevDzz 0, -sdevDyy 0.9: without a factor above 0 an extreme is averaged to 0.\n");
+              "Warning: -sdevDzz 0, -sdevDyy 0.9" + factors);
+    const Ran far = goodRun("-daHist -sdevDzz 0 -sdevDyy 0 -inD in.tab",
+                            {.files = {{"in.tab", amides({-18.0, 7.0, 12.0}, "0.5")}}});
+    EXPECT_EQ(complaints(far.err), "Warning: -sdevDzz 0, -sdevDyy 0" + factors + noPeak);
+    const Ran single = magnitudeRun("-daHist -bin 1");
+    EXPECT_EQ(complaints(single.err),
+              "Warning: -bin 1: a single bin has no width, no coupling falls into it.\n" + noPeak);
+    EXPECT_EQ(single.out, "REMARK 63 couplings selected (inclusive max).\n");
+    EXPECT_EQ(countOf(single.file("out.tab"), "DATA nBINS          1\nDATA BINWIDTH       inf\n"), 1);
     // The couplings that took part stand in both columns.
     const Ran part = magnitudeRun("-daHist -s1 10 -sN 40");
     const auto rows = tableRows(part.file("out.tab"));
@@ -117,16 +138,6 @@ TEST(MotionRun, MeasuredCouplings)
     const auto table0 = bare.out.find("# nDots = 32\n"), map0 = bare.out.find("-9.000  0.000  "),
                report = bare.out.find("REMARK Molecular");
     EXPECT_TRUE(table0 < map0 && map0 < report && report != std::string::npos) << bare.out;
-}
-
-/// N-H couplings of residues 1, 2, ..., with one error.
-std::string amides(const std::vector<double> &couplings, const std::string &error)
-{
-    std::ostringstream table;
-    table << "VARS RESID_I ATOMNAME_I RESID_J ATOMNAME_J D DD\nFORMAT %d %s %d %s %f %f\n";
-    for (std::size_t i = 1; i <= couplings.size(); ++i)
-        table << i << " H " << i << " N " << couplings[i - 1] << ' ' << error << '\n';
-    return table.str();
 }
 
 const std::vector<double> few = {-2.0, -1.9, 1.1, 1.0, 0.9, 0.8, 0.3, -0.4};
@@ -187,16 +198,13 @@ TEST(MotionRun, OddSettings)
         start = "REMARK 8 couplings selected (inclusive max).\nREMARK 12 simulated couplings (isotropic).\n"
                 "# nDots = 12\n\n",
         none = noScores + noScores + noScores;
-    const std::string noRatio =
-        "motionHist: 1 of 1 sets have no ratio: too few couplings, one outside the pattern of"
-        " their tensor, or a tensor without a pattern.\n";
     struct {
         const char *options, *error;
         std::string told, out; ///< before the report
     } const cases[] = {
         {"-nRun 0", "0.5", "Warning: -nRun 0: no set is drawn.\n",
          start + none + "0.000  0.000     0     0     0\n0.200  0.000     0     0     0\n"},
-        {"-nRun 1 -nFit 5", "0.5", "Warning: -nFit 5: no set is fitted, all have Da and R 0.\n" + noRatio,
+        {"-nRun 1 -nFit 5", "0.5", "Warning: -nFit 5: no set is fitted, all have Da and R 0.\n",
          start + "1  0.000  0.000     6     0.000    0.000    0.000\n" + none +
              "0.000  0.000     1     0     0\n0.200  0.000     0     0     0\n"},
         {"-nRun 1 -nFit 2", "2.0",

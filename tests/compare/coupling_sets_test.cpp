@@ -30,9 +30,9 @@ TEST(AddDC, CombinesScaledValues)
         {6, 2.0f, 3.0f, 5.0f, 7.0f, 0.0f},
     };
     for (const auto &c : cases)
-        EXPECT_EQ(addDC(c.opCode, c.c1, c.c2, c.d1, c.d2), c.expected) << c.opCode;
-    EXPECT_TRUE(std::isnan(addDC(4, 1.0f, 1.0f, 0.0f, 0.0f)));
-    EXPECT_EQ(addDC(2, 1e30f, 1e30f, 1e30f, 1e30f), 0.0f); // products do not overflow before the difference
+        EXPECT_EQ(addDC({c.opCode, c.c1, c.c2}, c.d1, c.d2), c.expected) << c.opCode;
+    EXPECT_TRUE(std::isnan(addDC({4, 1.0f, 1.0f}, 0.0f, 0.0f)));
+    EXPECT_EQ(addDC({2, 1e30f, 1e30f}, 1e30f, 1e30f), 0.0f); // products do not overflow before the difference
 }
 
 DTable tableOf(const std::vector<float> &couplings)
@@ -56,7 +56,7 @@ TEST(AdjustDC, PairsRowsByResiduesAndAllNames)
     second.dObsList[1].resIDJ = 99;
     first.dObsList[3].valid = 0;
     second.dObsList[4].d = absent; // the second table is taken as it is
-    EXPECT_EQ(adjustDC(1, 1.0f, 1.0f, &first, &second), 2);
+    EXPECT_EQ(adjustDC({1, 1.0f, 1.0f}, first, second), 2);
     const struct {
         std::size_t row;
         int observed, calculated;
@@ -73,11 +73,11 @@ TEST(AdjustDC, PairsRowsByResiduesAndAllNames)
           &DInfo::chainNameJ, &DInfo::segNameI, &DInfo::segNameJ}) {
         DTable one = tableOf({1.0f}), other = tableOf({2.0f});
         pdbStrCpy(other.dObsList[0].*name, "X");
-        EXPECT_EQ(adjustDC(1, 1.0f, 1.0f, &one, &other), 0);
+        EXPECT_EQ(adjustDC({1, 1.0f, 1.0f}, one, other), 0);
     }
     DTable empty;
-    EXPECT_EQ(adjustDC(1, 1.0f, 1.0f, &first, &empty), 0);
-    EXPECT_EQ(adjustDC(1, 1.0f, 1.0f, &empty, &first), 0);
+    EXPECT_EQ(adjustDC({1, 1.0f, 1.0f}, first, empty), 0);
+    EXPECT_EQ(adjustDC({1, 1.0f, 1.0f}, empty, first), 0);
     EXPECT_EQ(first.dObsList[0].valid, 1);
 }
 
@@ -87,7 +87,7 @@ TEST(AdjustDC, LargeTablesTakeNoTime)
     DTable first = tableOf(std::vector<float>(rows, 1.0f));
     const DTable second = tableOf(std::vector<float>(rows, 2.0f));
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(adjustDC(2, 1.0f, 1.0f, &first, &second), rows);
+    EXPECT_EQ(adjustDC({2, 1.0f, 1.0f}, first, second), rows);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
 }
 

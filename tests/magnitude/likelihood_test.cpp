@@ -2,7 +2,6 @@
 #include "magnitude/likelihood.h"
 
 #include "common/said.h"
-#include "common/temp_file.h"
 #include "magnitude/powder.h"
 #include "reference/likelihood_reference.h"
 
@@ -25,30 +24,37 @@ TEST(Likelihood, FastScoreIsThePlainOne)
     for (const int count : {20, 63, 2000, 5000})
         for (const double sigma : {0.05, 0.5, 1.7})
             cases.emplace_back(count, sigma);
-    for (const double sigma : {2.5, 3.413}) // the response runs into itself
+    for (const double sigma : {1.71, 2.5, 3.413}) // the response runs into itself
         cases.insert(cases.end(), {{20, sigma}, {2000, sigma}});
     for (const auto &[count, sigma] : cases) {
         for (const double Da : {-3.5, -10.3, -24.0}) {
-            std::vector<float> couplings =
-                powderCouplings({.da = Da, .rhombicity = 0.3 * any(engine), .count = count, .sigma = sigma});
+            std::vector<float> couplings = powderCouplings({.da = Da,
+                                                            .rhombicity = 0.3 * any(engine),
+                                                            .count = count,
+                                                            .sigma = sigma,
+                                                            .seed = static_cast<unsigned>(engine())});
             turnPositive(couplings);
             for (const bool clear : {false, true}) {
                 PatternScorer scorer;
-                ASSERT_EQ(startScorer(scorer, couplings, sigma), 0);
+                Heard heard;
+                ASSERT_EQ(startScorer(scorer, couplings, sigma, heard.messages), Status::ok);
                 std::vector<float> data(axisPlaces);
-                for (const double R : {0.0, 0.1 + 0.3 * any(engine), 0.69, 0.4 * any(engine)}) {
+                for (const double R : {0.0, 0.1 + 0.3 * any(engine), 0.69, -0.6 * any(engine), 2.3}) {
                     const MlPoint point = {.Dab = Da * (0.9 + 0.14 * any(engine)), .R = R};
+                    if (!isPattern(point.Dab, R))
+                        continue;
                     const double plain = scorePlain(couplings, sigma, point, clear, data);
                     const double fast = scorePattern(scorer, point.Dab, point.R, clear);
-                    EXPECT_NEAR(fast, plain, 1e-5 * std::max(1.0, std::fabs(plain)))
+                    // Large and small logarithms may cancel: each is rounded in single precision.
+                    EXPECT_NEAR(fast, plain, 1e-5 * std::max(1.0, std::fabs(plain)) + 1e-7 * count)
                         << count << ' ' << sigma << ' ' << Da;
                     ++(plain == 0.0 ? outOfRace : scored);
                 }
             }
         }
     }
-    EXPECT_GT(scored, 100);
-    EXPECT_GT(outOfRace, 10);
+    EXPECT_GT(scored, 150);
+    EXPECT_GT(outOfRace, 50);
 }
 
 TEST(Likelihood, PatternIsADensityBetweenItsExtremes)
@@ -74,31 +80,25 @@ TEST(Likelihood, PatternIsADensityBetweenItsExtremes)
     }
 }
 
-/// A run on a table, in files of this process.
+/// A search on a synthetic pattern.
 struct Search {
     Powder powder = {.count = 300};
-    MagnitudeOptions options = {.incDaMl = 0.2f, .incRMl = 0.02f};
-    int status = -1;
+    LikelihoodOptions options = {.incDaMl = 0.2f, .incRMl = 0.02f};
+    Status status = Status::noSolution;
     std::string err = {}, scores = {};
+    MagnitudeRange best = {};
 
     void run()
     {
-        const TempFile table, scoreFile;
-        ASSERT_TRUE(writePowder(table.name, powder));
-        DTable dTab;
-        TrelmInfo trelmInfo;
-        trelmInfo.trelmMode = 10;
-        static_cast<MagnitudeOptions &>(trelmInfo) = options;
-        DcInfo dcInfo;
-        const MagnitudeJob job = {.inDName = table.name,
-                                  .outDName = "/dev/null",
-                                  .dTab = &dTab,
-                                  .trelmInfo = &trelmInfo,
-                                  .dcInfo = &dcInfo};
-        err = said([&] { status = getMlDabR(job, scoreFile.name); }).err;
-        options = trelmInfo;
-        std::ifstream file(scoreFile.name);
-        scores.assign(std::istreambuf_iterator<char>(file), {});
+        std::vector<MlPoint> list(maxMlPoints);
+        MlSearch found;
+        Heard heard;
+        err = said([&] {
+                  status = getMlDabR(observedPowder(powder), options, list, found, heard.messages);
+              }).err; // the progress
+        err += heard.err;
+        best = found.best;
+        appendScores(std::span(list).first(found.points), scores);
     }
 };
 
@@ -113,10 +113,10 @@ TEST(Likelihood, TensorsComeBackWithinTheirErrors)
                 search.options.hDaMl = 25.0f;
             }
             search.run();
-            ASSERT_EQ(search.status, 0) << search.err;
+            ASSERT_EQ(search.status, Status::ok) << search.err;
             // At low R the pattern comes out a little wide: see the guide.
-            EXPECT_NEAR(search.options.DaMl, Da, search.options.DaErrMl + 0.02 * std::fabs(Da)) << R;
-            EXPECT_NEAR(search.options.RMl, R, search.options.RErrMl) << Da;
+            EXPECT_NEAR(search.best.Dab, Da, search.best.DabErr + 0.02 * std::fabs(Da)) << R;
+            EXPECT_NEAR(search.best.R, R, search.best.RErr) << Da;
         }
     }
 }
@@ -128,15 +128,15 @@ TEST(Likelihood, LimitsOfEitherOrderAndSign)
         double sign;
     };
     for (const Case &limits : {Case{-25.0f, -3.0f, 1.0}, Case{-3.0f, -25.0f, 1.0}, Case{3.0f, 25.0f, -1.0},
-                               Case{25.0f, 3.0f, -1.0}, Case{0.0f, -25.0f, 1.0}, Case{0.0f, 25.0f, -1.0}}) {
+                               Case{25.0f, 3.0f, -1.0}, Case{-25.0f, 3.0f, 1.0}, Case{0.0f, 25.0f, -1.0}}) {
         Search search;
         search.options.mlClear = 1;
         search.options.lDaMl = limits.lDa;
         search.options.hDaMl = limits.hDa;
         search.options.incDaMl = -0.2f; // its sign does not count
         search.run();
-        ASSERT_EQ(search.status, 0) << search.err;
-        EXPECT_NEAR(search.options.DaMl, -10.3 * limits.sign, search.options.DaErrMl) << limits.lDa;
+        ASSERT_EQ(search.status, Status::ok) << search.err;
+        EXPECT_NEAR(search.best.Dab, -10.3 * limits.sign, search.best.DabErr) << limits.lDa;
         EXPECT_NE(search.scores.find("\n-10.0 0.20 "), std::string::npos) << "scores have the Da of the grid";
     }
 }
@@ -146,19 +146,18 @@ TEST(Likelihood, ErrorsGoByCountAndR)
     struct Row {
         int count;
         float R;
-        float DaErr, RErr;
+        double DaErr, RErr;
     };
-    for (const Row &row :
-         {Row{40, 0.1f, 1.6f, 0.17f}, Row{40, 0.3f, 2.3f, 0.22f}, Row{40, 0.31f, 2.5f, 0.3f},
-          Row{41, 0.1f, 0.5f, 0.05f}, Row{90, 0.3f, 1.3f, 0.13f}, Row{90, 0.31f, 0.8f, 0.13f},
-          Row{91, 0.1f, 0.3f, 0.05f}, Row{91, 0.11f, 0.9f, 0.1f}, Row{91, 0.5f, 0.6f, 0.1f}}) {
+    for (const Row &row : {Row{40, 0.1f, 1.6, 0.17}, Row{40, 0.3f, 2.3, 0.22}, Row{40, 0.31f, 2.5, 0.3},
+                           Row{41, 0.1f, 0.5, 0.05}, Row{90, 0.3f, 1.3, 0.13}, Row{90, 0.31f, 0.8, 0.13},
+                           Row{91, 0.1f, 0.3, 0.05}, Row{91, 0.11f, 0.9, 0.1}, Row{91, 0.5f, 0.6, 0.1}}) {
         Search search = {.powder = {.rhombicity = row.R, .count = row.count, .sigma = 0.3}};
         search.options.lRMl = row.R;
         search.options.hRMl = row.R + 0.01f;
         search.run();
-        ASSERT_EQ(search.options.RMl, row.R) << search.err;
-        EXPECT_EQ(search.options.DaErrMl, row.DaErr) << row.count << ' ' << row.R;
-        EXPECT_EQ(search.options.RErrMl, row.RErr) << row.count << ' ' << row.R;
+        ASSERT_EQ(search.best.R, double{row.R}) << search.err;
+        EXPECT_EQ(search.best.DabErr, row.DaErr) << row.count << ' ' << row.R;
+        EXPECT_EQ(search.best.RErr, row.RErr) << row.count << ' ' << row.R;
     }
 }
 
@@ -168,9 +167,9 @@ TEST(Likelihood, NoPatternReachesTheCouplings)
     search.options.hDaMl = -3.0f;
     search.options.lDaMl = -4.0f;
     search.run();
-    EXPECT_EQ(search.status, 0);
+    EXPECT_EQ(search.status, Status::ok);
     EXPECT_TRUE(search.err.ends_with("Warning: no grid point scores above 0, Da and R stay 0.\n"));
-    EXPECT_EQ(search.options.DaMl, 0.0f);
+    EXPECT_EQ(search.best.Dab, 0.0);
     EXPECT_NE(search.scores.find("-3.0 0.00 0.000000e+00\n"), std::string::npos);
 }
 
@@ -191,12 +190,6 @@ TEST(Likelihood, RefusesWhatItCannotSearch)
          }},
         {"Error: the grid of Da and R has a step of 0.\n", [](Search &s) { s.options.incRMl = 0.0f; }},
         {"Error: the grid of Da and R has a step of 0.\n", [](Search &s) { s.options.incDaMl = NAN; }},
-        {"Error: the grid of Da runs from -25.000 to 3.000, its limits must have one sign.\n",
-         [](Search &s) { s.options.hDaMl = 3.0f; }},
-        {"Error: the grid of R runs from -0.100 to 0.700, it must lie between 0 and 2.\n",
-         [](Search &s) { s.options.lRMl = -0.1f; }},
-        {"Error: the grid of R runs from 0.000 to 2.100, it must lie between 0 and 2.\n",
-         [](Search &s) { s.options.hRMl = 2.1f; }},
         {"Error: the patterns up to Da -44.800 Hz, R 0.680 do not fit the axis of 81.92 Hz.\n",
          [](Search &s) { s.options.lDaMl = -45.0f; }},
         {"Error: the mean error of the couplings is 0 Hz, it must be 1e-06 to 3.41 Hz.\n",
@@ -209,13 +202,14 @@ TEST(Likelihood, RefusesWhatItCannotSearch)
         Search search;
         fault.spoil(search);
         search.run();
-        EXPECT_EQ(search.status, 1) << fault.message;
+        EXPECT_EQ(search.status, Status::failed) << fault.message;
         EXPECT_NE(search.err.find(fault.message), std::string::npos) << fault.message << search.err;
         EXPECT_EQ(search.err.find("Grid point"), std::string::npos) << fault.message;
     }
     PatternScorer scorer;
-    EXPECT_EQ(said([&] { EXPECT_EQ(startScorer(scorer, std::vector{85.0f}, 0.5), 1); }).err,
-              "Error: the coupling 85.000 Hz lies outside the frequency axis of 81.92 Hz.\n");
+    Heard heard;
+    EXPECT_EQ(startScorer(scorer, std::vector{85.0f}, 0.5, heard.messages), Status::failed);
+    EXPECT_EQ(heard.err, "Error: the coupling 85.000 Hz lies outside the frequency axis of 81.92 Hz.\n");
 }
 
 TEST(Likelihood, TakesWhatIsJustWithinTheLimits)
@@ -225,13 +219,13 @@ TEST(Likelihood, TakesWhatIsJustWithinTheLimits)
     search.options.lRMl = 0.2f;
     search.options.hRMl = 0.24f;
     search.run();
-    ASSERT_EQ(search.status, 0) << search.err;
-    EXPECT_NEAR(search.options.DaMl, -10.3, 0.9);
+    ASSERT_EQ(search.status, Status::ok) << search.err;
+    EXPECT_NEAR(search.best.Dab, -10.3, 0.9);
 
     Search fine = {.powder = {.da = -2.0, .count = 20}};
     fine.options = {.lDaMl = -3.0f, .hDaMl = -1.0f, .incDaMl = 0.01f, .hRMl = 1.0f, .incRMl = 0.01f};
     fine.run();
-    EXPECT_EQ(fine.status, 0) << fine.err;
+    EXPECT_EQ(fine.status, Status::ok) << fine.err;
     EXPECT_EQ(std::ranges::count(fine.scores, '\n'), 20000 + 3);
 }
 
@@ -243,7 +237,7 @@ TEST(Likelihood, OneRLeavesNothingOver)
     search.options.lRMl = 0.22f;
     search.options.hRMl = 0.23f;
     search.run();
-    EXPECT_NEAR(search.options.DaMl, -10.3, 0.3) << search.err;
+    EXPECT_NEAR(search.best.Dab, -10.3, 0.3) << search.err;
 }
 
 TEST(Likelihood, AGridWithoutPointsHasNone)
@@ -254,12 +248,15 @@ TEST(Likelihood, AGridWithoutPointsHasNone)
          {MlGrid{-20.0, -3.0, 0.1, 0.5, 0.5, 0.1}, MlGrid{-1e300, -3.0, 1.0, 0.5, 0.5, 0.1},
           MlGrid{-3.0, -3.0, 0.1, 0.0, 1e9, 1e-300}}) {
         std::vector<MlPoint> list(10);
-        int count = -1;
-        EXPECT_EQ(said([&] {
-                      EXPECT_EQ(mlMagTensor({couplings, 0.5}, grid, true, list, count), 0);
-                  }).err,
-                  "\n");
-        EXPECT_EQ(count, 0);
+        std::size_t count = 1;
+        Heard heard;
+        EXPECT_EQ(
+            said([&] {
+                EXPECT_EQ(mlMagTensor({couplings, 0.5}, grid, true, list, count, heard.messages), Status::ok);
+            }).err,
+            "\n");
+        EXPECT_EQ(count, 0u);
+        EXPECT_EQ(heard.err, "");
     }
 }
 
@@ -267,7 +264,8 @@ TEST(Likelihood, RangesAreThePlainOnes)
 {
     const MagnitudeRange range = {.Dab = -9.9, .DabErr = 1.3, .R = 0.13, .RErr = 0.13};
     CouplingRanges ranges;
-    ASSERT_EQ(startRanges(ranges, range), 0);
+    Heard heard;
+    ASSERT_EQ(startRanges(ranges, range, heard.messages), Status::ok);
     for (const double coup : {-25.0, -11.2, -3.7, 0.0, 4.4, 8.5, 18.9, 30.0}) {
         for (const double coupErr : {0.0, 0.02, 0.16}) {
             double ave = 0.0, err = 0.0, avePlain = 0.0, errPlain = 0.0;

@@ -2,7 +2,6 @@
 #include "magnitude/motion.h"
 
 #include "common/said.h"
-#include "common/temp_file.h"
 #include "magnitude/histogram.h"
 #include "magnitude/likelihood_score.h"
 #include "magnitude/powder.h"
@@ -103,28 +102,22 @@ TEST(Motion, ColoursAreThoseOfAWalkOverAllSetsForEachCell)
 
 /// What a run on a synthetic pattern leaves.
 struct MotionRun {
-    int status = -1;
+    Status status = Status::noSolution;
     std::string table, map;
 };
 
-MotionRun runMotion(const Powder &powder, TrelmInfo info)
+MotionRun runMotion(const Powder &powder, const HistogramOptions &histogram, const DrawOptions &draw)
 {
-    const TempFile couplings, table("before"), map("before");
-    EXPECT_TRUE(writePowder(couplings.name, powder));
-    DTable dTab;
-    DcInfo dcInfo;
-    info.trelmMode = 11;
+    const DTable dTab = powderTable(powder);
+    const ObservedCouplings observed = observedPowder(powder);
+    Heard heard;
     MotionRun run;
+    MotionSets drawn;
     said([&] {
-        run.status = motionHist({.inDName = couplings.name,
-                                 .outDName = "/dev/null",
-                                 .dTab = &dTab,
-                                 .trelmInfo = &info,
-                                 .dcInfo = &dcInfo},
-                                table.name, map.name);
+        run.status = drawMotion({dTab, 1, powder.count, observed, histogram, draw}, drawn, heard.messages);
     });
-    for (const auto &[file, text] : {std::pair{&table, &run.table}, std::pair{&map, &run.map}})
-        text->assign(std::istreambuf_iterator(std::ifstream(file->name).rdbuf()), {});
+    const MotionRanges ranges = appendMotion(drawn.sets, drawn.nDots, run.table);
+    EXPECT_EQ(appendMap(drawn.sets, ranges, run.map, heard.messages), Status::ok);
     return run;
 }
 
@@ -146,12 +139,9 @@ std::vector<std::vector<double>> numbers(const std::string &text)
 
 TEST(Motion, SetsOfARigidMolecule)
 {
-    TrelmInfo info;
-    info.histRan = 200;
-    info.modeFit = 2;
-    info.sCount = 100;
-    const MotionRun run = runMotion({.count = 400, .sigma = 0.5}, info);
-    ASSERT_EQ(run.status, 0);
+    const MotionRun run =
+        runMotion({.count = 400, .sigma = 0.5}, {.modeFit = 2}, {.sCount = 100, .histRan = 200});
+    ASSERT_EQ(run.status, Status::ok);
     EXPECT_TRUE(run.table.starts_with("# nDots = 122\n\n1  -"));
     const auto sets = numbers(run.table);
     ASSERT_EQ(sets.size(), 200u);
@@ -191,16 +181,11 @@ TEST(Motion, SetsOfARigidMolecule)
 TEST(Motion, RatioIsThatOfTheCouplingsOverAnEvenDistribution)
 {
     const Powder powder = {.count = 60, .sigma = 0.3};
-    TrelmInfo info;
-    info.histRan = 1;
-    info.sCount = 0;
-    info.modeFit = 2;
-    const auto sets = numbers(runMotion(powder, info).table);
+    const auto sets = numbers(runMotion(powder, {.modeFit = 2}, {.sCount = 0, .histRan = 1}).table);
     ASSERT_EQ(sets.size(), 1u);
     std::vector<float> couplings = powderCouplings(powder);
     const Extremes extremes = findExtremes(couplings);
-    MagnitudeOptions hist;
-    solveExtremes(extremes.minD, extremes.maxD, hist);
+    const ExtremesTensor hist = solveExtremes(extremes.minD, extremes.maxD);
     const float da = -std::fabs(hist.Da2Par);
     turnPositive(couplings);
     std::span<const double> dots;
@@ -208,20 +193,17 @@ TEST(Motion, RatioIsThatOfTheCouplingsOverAnEvenDistribution)
     std::vector<float> even;
     simulateIsotropic(dots, da, hist.R2Par, even);
     turnPositive(even);
-    const double expected =
-        mlMagTensorSingle(couplings, 0.3f, da, hist.R2Par) / mlMagTensorSingle(even, 0.3f, da, hist.R2Par);
+    const double expected = mlMagTensorSingle(couplings, 0.3f, da, hist.R2Par, standardMessages()) /
+                            mlMagTensorSingle(even, 0.3f, da, hist.R2Par, standardMessages());
     EXPECT_GT(std::fabs(expected - 1.0 / expected), 0.02);
-    EXPECT_NEAR(sets[0][4], expected, 2e-3); // the table has the couplings rounded
+    EXPECT_NEAR(sets[0][4], expected, 6e-4); // rounded in the table
 }
 
 TEST(Motion, ASetLargerThanTheMoleculeIsAllOfIt)
 {
     for (const int sCount : {0, 60, 1000}) {
-        TrelmInfo info;
-        info.histRan = 3;
-        info.modeFit = 2;
-        info.sCount = sCount;
-        const auto sets = numbers(runMotion({.count = 60, .sigma = 0.3}, info).table);
+        const auto sets = numbers(
+            runMotion({.count = 60, .sigma = 0.3}, {.modeFit = 2}, {.sCount = sCount, .histRan = 3}).table);
         ASSERT_EQ(sets.size(), 3u) << sCount;
         for (const auto &set : sets)
             EXPECT_EQ(set[3], 60.0) << sCount;
@@ -230,23 +212,10 @@ TEST(Motion, ASetLargerThanTheMoleculeIsAllOfIt)
     }
 }
 
-TEST(Motion, ARefusedRunLeavesTheResultsOfAnEarlierOne)
-{
-    TrelmInfo info;
-    info.sCount = -1;
-    const MotionRun run = runMotion({.count = 60}, info);
-    EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.table, "before");
-    EXPECT_EQ(run.map, "before");
-}
-
 TEST(Motion, MoreThanThousandsOfCouplings)
 {
-    TrelmInfo info;
-    info.histRan = 2;
-    info.sCount = 0;
-    const MotionRun run = runMotion({.count = 12000, .sigma = 0.5}, info);
-    EXPECT_EQ(run.status, 0);
+    const MotionRun run = runMotion({.count = 12000, .sigma = 0.5}, {}, {.sCount = 0, .histRan = 2});
+    EXPECT_EQ(run.status, Status::ok);
     EXPECT_TRUE(run.table.starts_with("# nDots = 12002\n")) << run.table.substr(0, 60);
     EXPECT_EQ(numbers(run.table).at(1).at(3), 12000.0);
 }

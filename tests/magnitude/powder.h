@@ -3,12 +3,12 @@
 #pragma once
 
 #include "couplings/dipolar.h"
+#include "magnitude/heard.h"
+#include "magnitude/observed.h"
 
 #include <cmath>
-#include <cstdio>
 #include <numbers>
 #include <random>
-#include <string>
 #include <vector>
 
 /// The tensor and the size of a pattern.
@@ -37,21 +37,33 @@ inline std::vector<float> powderCouplings(const Powder &powder)
     return couplings;
 }
 
-/// A file name's coupling table of such a pattern, N-H pairs of residues 1, 2, 3 ... Returns false if it
-/// could not be written.
-inline bool writePowder(const std::string &name, const Powder &powder)
+/// A table of such a pattern, N-H pairs of residues 1, 2, 3 ...
+inline trelm::DTable powderTable(const Powder &powder)
 {
-    std::FILE *fp = std::fopen(name.c_str(), "w");
-    if (fp == nullptr)
-        return false;
-    std::fputs("VARS   RESID_I RESNAME_I ATOMNAME_I RESID_J RESNAME_J ATOMNAME_J D DD W\n"
-               "FORMAT %5d %6s %6s %5d %6s %6s %9.3f %9.3f %.2f\n\n",
-               fp);
+    using namespace trelm;
+    DTable table;
+    const auto count = static_cast<std::size_t>(powder.count);
+    table.dObsList = Block<DInfo>("powder", count);
+    table.dCalcList = Block<DInfo>("powder", count);
+    table.dCount = powder.count;
     int resID = 0;
     for (const float d : powderCouplings(powder)) {
-        ++resID;
-        std::fprintf(fp, "%5d ALA H %5d ALA N %9.3f %9.3f 1.00\n", resID, resID, static_cast<double>(d),
-                     powder.sigma);
+        DInfo &row = table.dObsList[static_cast<std::size_t>(resID++)];
+        row.resIDI = row.resIDJ = resID;
+        row.d = d;
+        row.sigma = static_cast<float>(powder.sigma);
+        row.w = 1.0f;
+        row.valid = 1;
     }
-    return std::fclose(fp) == 0;
+    return table;
+}
+
+/// The same couplings as the estimates take them.
+inline trelm::ObservedCouplings observedPowder(const Powder &powder)
+{
+    trelm::ObservedCouplings observed;
+    trelm::Heard heard;
+    if (collectObserved(powderTable(powder), observed, heard.messages) != trelm::Status::ok)
+        observed = {};
+    return observed;
 }

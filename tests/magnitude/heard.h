@@ -1,0 +1,22 @@
+// What a function says, taken by a sink.
+#pragma once
+
+#include "ground/messages.h"
+
+#include <string>
+
+namespace trelm {
+
+/// Messages into two texts.
+struct Heard {
+    std::string out, err;
+    Messages messages{[this](Messages::Stream stream, std::string_view text) {
+        (stream == Messages::Stream::out ? out : err) += text;
+    }};
+
+    Heard() = default;
+    Heard(const Heard &) = delete;
+    Heard &operator=(const Heard &) = delete;
+};
+
+} // namespace trelm

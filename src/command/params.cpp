@@ -51,8 +51,8 @@ constexpr OptionRow fitKindRows[] = {
     {"-rand", &TrelmInfo::spreadMode, spreadRand},
     {"-exhaust", &TrelmInfo::spreadMode, spreadExhaust},
     {"-exhaustSel", &TrelmInfo::spreadMode, spreadExhaustSel},
-    {"-dcOpt", &TrelmInfo::dcSelOpt, 1},
-    {"-nodcOpt", &TrelmInfo::dcSelOpt, 0},
+    {"-dcOpt", &AssignmentOptions::dcSelOpt, 1},
+    {"-nodcOpt", &AssignmentOptions::dcSelOpt, 0},
     {"-single", &TrelmInfo::spreadMode, spreadSingle},
     {"-jack", &TrelmInfo::spreadMode, spreadJack},
     {"-mcDc", &TrelmInfo::spreadMode, spreadMcDc},
@@ -259,7 +259,11 @@ constexpr OptionRow magnitudeRows[] = {
     {"-mapMl", &MagnitudeOptions::mlMap, 1},
     {"-noclearMl", &MagnitudeOptions::mlClear, 0},
     {"-clearMl", &MagnitudeOptions::mlClear, 1},
-    {"-nSel", &TrelmInfo::nSel, {}, true},
+    {"-nSel", &AssignmentOptions::nSel, {}, true},
+    {"-lDa", &TensorWindow::lowDa, {}, true},
+    {"-hDa", &TensorWindow::highDa, {}, true},
+    {"-lR", &TensorWindow::lowR, {}, true},
+    {"-hR", &TensorWindow::highR, {}, true},
 };
 
 constexpr std::string_view specialFlagList[] = {
@@ -453,14 +457,15 @@ int readIntList(const CommandLine &line, std::string_view flag, std::span<int> l
     return 0;
 }
 
-int readPeakLists(const CommandLine &line, RunOptions &options, TrelmInfo &trelmInfo)
+int readPeakLists(const CommandLine &line, RunOptions &options, AssignmentOptions &assignment)
 {
     std::optional<int> aaCount;
     std::optional<int> resCount;
-    if (readIntList(line, "-fixAa", trelmInfo.exCheckList, aaCount) != 0 ||
+    std::array<int, maxClasses> classes = {};
+    if (readIntList(line, "-fixAa", classes, aaCount) != 0 ||
         readIntList(line, "-fixRes", options.fixResList, resCount) != 0)
         return 1;
-    trelmInfo.nAaCheck = aaCount.value_or(trelmInfo.nAaCheck);
+    assignment.classes.assign(classes.begin(), classes.begin() + aaCount.value_or(0));
     // One counter serves all lists: without -fixRes it shows the length of the list that was read last, and
     // the assignment search has always seen that.
     const int otherLists = flagLoc(line.argc, line.argv, "-inS") != 0 ? 5 : 3;
@@ -468,17 +473,17 @@ int readPeakLists(const CommandLine &line, RunOptions &options, TrelmInfo &trelm
     return 0;
 }
 
-int readMedia(const CommandLine &line, TrelmInfo &trelmInfo)
+int readMedia(const CommandLine &line, AssignmentOptions &assignment)
 {
     if (flagLoc(line.argc, line.argv, "-dcID") == 0)
         return 0;
     const std::vector<const char *> words = listWords(line.argc, line.argv, "-dcID");
-    if (words.size() > trelmInfo.chainDc.size())
-        return tooMany("-dcID", words.size(), trelmInfo.chainDc.size());
+    if (words.size() > maxMedia)
+        return tooMany("-dcID", words.size(), maxMedia);
     if (words.empty())
         warnNoValue("-dcID");
-    std::ranges::copy(words, trelmInfo.chainDc.begin());
-    trelmInfo.nChainDc = std::max(1, static_cast<int>(words.size()));
+    else
+        assignment.media.assign(words.begin(), words.end());
     return 0;
 }
 

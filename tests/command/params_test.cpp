@@ -278,10 +278,12 @@ TEST(Params, ListsFillTheirRecordsAndTheSharedCounter)
         {{"-inS", "6", "7", "8", "9", "10"}, counter, 5},
         {{"-inS", "6", "7", "8", "9", "10", "-fixAa", "4"}, counter, 1},
         {{"-fixAa", "4", "5", "-fixRes", "3", "4", "9"}, counter, 3},
-        {{"-fixAa", "4", "5", "-fixRes", "3"}, [](const Parsed &p) { return p.trelmInfo.nAaCheck; }, 2},
+        {{"-fixAa", "4", "5", "-fixRes", "3"},
+         [](const Parsed &p) { return std::ssize(p.trelmInfo.classes); },
+         2},
         {{"-fixRes", "3", "-7"}, [](const Parsed &p) { return p.options.fixResList[1]; }, -7},
-        {{"-dcID", "a", "b"}, [](const Parsed &p) { return p.trelmInfo.nChainDc; }, 2},
-        {{"-dcID"}, [](const Parsed &p) { return p.trelmInfo.nChainDc; }, 1},
+        {{"-dcID", "a", "b"}, [](const Parsed &p) { return std::ssize(p.trelmInfo.media); }, 2},
+        {{"-dcID"}, [](const Parsed &p) { return std::ssize(p.trelmInfo.media); }, 1},
         {{"-w", "1", "0", "-1"}, [](const Parsed &p) { return p.options.wCount; }, 3},
     };
     expectAll(cases);

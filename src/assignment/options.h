@@ -7,8 +7,10 @@
 
 namespace trelm {
 
-constexpr std::size_t maxClasses = 25; ///< values of -fixAa
-constexpr std::size_t maxMedia = 3;    ///< values of -dcID
+constexpr std::size_t maxClasses = 25;        ///< values of -fixAa
+constexpr std::size_t maxMedia = 3;           ///< values of -dcID
+constexpr std::size_t maxFixedResidues = 800; ///< values of -fixRes
+constexpr int noFixedResidue = -999999;       ///< in the list of fixed residues: none
 
 /// Which assignments a search looks at.
 enum class SearchKind {
@@ -19,6 +21,7 @@ enum class SearchKind {
 
 struct AssignmentOptions {
     std::vector<int> classes = {};         ///< peaks of each amino acid type; fewer than two: no classes
+    std::vector<int> fixedResidues = {};   ///< residues whose assignment is fixed
     int nSel = 0;                          ///< peaks to select for SearchKind::selected
     int dcSelOpt = 1;                      ///< optimise the peak selection
     std::vector<std::string> media = {""}; ///< alignment media, the segment names in the PDB; 1 to maxMedia

@@ -9,7 +9,6 @@ namespace trelm {
 
 constexpr int maxCharges = 1200;       ///< charges of a simulation
 constexpr int maxOrientations = 40001; ///< orientation points on the sphere
-constexpr int maxFixResList = 800;     ///< values of -fixRes
 
 /// Domains and ensembles. Most of it comes from the configuration file.
 struct DomainOptions {

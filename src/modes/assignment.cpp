@@ -30,7 +30,7 @@ std::optional<bool> assignTable(Run &run, Messages &messages)
     DTable &dTab = run.dTab[0];
     const ProblemInput input = {.pdbInfo = run.pdbInfo[0],
                                 .dTab = dTab,
-                                .fixResList = std::span(options.fixResList).first(options.nFixAa),
+                                .fixResList = info.fixedResidues,
                                 .media = info.media,
                                 .window = info};
     const std::optional<TableProblem> made = makeProblem(input, messages);

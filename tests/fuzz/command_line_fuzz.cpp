@@ -46,7 +46,7 @@ void checkRecords(const Run &run)
     require(trelmInfo.trelmMode >= 1 && trelmInfo.trelmMode <= 17, "the mode is one of the modes");
     require(!trelmInfo.media.empty() && trelmInfo.media.size() <= maxMedia, "media are within their limit");
     require(trelmInfo.classes.size() <= maxClasses, "classes are within their limit");
-    require(run.options.nFixAa >= 0 && run.options.nFixAa <= maxFixResList, "fixed residues have room");
+    require(trelmInfo.fixedResidues.size() <= maxFixedResidues, "fixed residues are within their limit");
     require(run.options.wCount == static_cast<int>(run.options.wList.length()), "weights are counted");
     for (const float value : {trelmInfo.concentration, trelmInfo.radiusModel, trelmInfo.pH, trelmInfo.daLo,
                               run.dTab[0].dTensor.da})

@@ -5,34 +5,28 @@
 
 #include <benchmark/benchmark.h>
 
-#include <cstdio>
+#include <string_view>
 
 namespace {
 
 using namespace trelm;
 
-/// Progress lines go to /dev/null while a benchmark runs.
-struct QuietProgress {
-    QuietProgress() { isQuiet = std::freopen("/dev/null", "w", stderr) != nullptr; }
-    bool isQuiet;
-};
-
 /// Range: peaks, couplings a peak, noise in tenths of a hertz.
 MadeProblem makeProblem(const benchmark::State &state)
 {
-    return ProblemMaker(11).make({.peaks = static_cast<int>(state.range(0)),
-                                  .columns = {static_cast<int>(state.range(1))},
+    return ProblemMaker(11).make({.peaks = static_cast<std::size_t>(state.range(0)),
+                                  .columns = {static_cast<std::size_t>(state.range(1))},
                                   .noise = 0.1 * static_cast<double>(state.range(2)),
                                   .otherConstant = -21585.2f});
 }
 
 void assignmentSearch(benchmark::State &state)
 {
-    static const QuietProgress quiet;
+    Messages quiet([](Messages::Stream, std::string_view) {});
     const MadeProblem made = makeProblem(state);
-    BestAssignment best;
+    AssignmentResult best;
     for (auto step : state)
-        visitExh(made.problem, best);
+        best = visitExh(made.problem, quiet).value();
     int right = 0;
     for (std::size_t row = 0; row < made.truth.size(); ++row)
         right += best.bestIdList[row] == made.truth[row] ? 1 : 0;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <functional>
 #include <numeric>
+#include <utility>
 
 namespace trelm {
 namespace {
@@ -13,10 +14,10 @@ using Handler = std::function<void(const std::vector<int> &)>;
 
 /// All permutations of `size` items: item t in the order of the levels at which it is taken up.
 struct Permutations {
-    int size;
+    std::size_t size;
     Handler handle;
-    std::vector<int> val = std::vector<int>(static_cast<std::size_t>(size), -1); ///< level, or -1
-    int id = 0;
+    std::vector<int> val = std::vector<int>(size, -1); ///< level, or -1
+    std::size_t id = 0;
 
     void visit()
     {
@@ -27,7 +28,7 @@ struct Permutations {
         for (int &place : val) {
             if (place >= 0)
                 continue;
-            place = id++;
+            place = static_cast<int>(id++);
             visit();
             place = -1;
             --id;
@@ -36,30 +37,32 @@ struct Permutations {
 };
 
 /// All combinations of `size` of `total` items, in lexical order.
-void forEachCombination(int total, int size, const Handler &handle)
+void forEachCombination(std::size_t total, std::size_t size, const Handler &handle)
 {
-    std::vector<int> items(static_cast<std::size_t>(size));
+    std::vector<int> items(size);
     std::iota(items.begin(), items.end(), 0);
     if (size > total)
         return;
     while (true) {
         handle(items);
-        int k = size - 1;
-        while (k >= 0 && items[static_cast<std::size_t>(k)] == total - size + k)
+        std::size_t k = size; // the items from the last one on that can go up
+        while (k > 0 && std::cmp_equal(items[k - 1], total - size + k - 1))
             --k;
-        if (k < 0)
+        if (k == 0)
             return;
-        std::iota(items.begin() + k, items.end(), items[static_cast<std::size_t>(k)] + 1);
+        const int next = items[k - 1] + 1;
+        std::iota(items.begin() + static_cast<std::ptrdiff_t>(k) - 1, items.end(), next);
     }
 }
 
 /// Rows of a matrix, one below the other.
-std::vector<float> rowsOf(const std::vector<float> &matrix, int colId, std::span<const int> rows)
+std::vector<float> rowsOf(const std::vector<float> &matrix, std::size_t colId, std::span<const int> rows)
 {
     std::vector<float> result;
-    for (const int row : rows)
-        result.insert(result.end(), matrix.begin() + std::ptrdiff_t{row} * colId,
-                      matrix.begin() + (std::ptrdiff_t{row} + 1) * colId);
+    for (const int row : rows) {
+        const auto cells = std::span(matrix).subspan(row * colId, colId);
+        result.insert(result.end(), cells.begin(), cells.end());
+    }
     return result;
 }
 
@@ -68,7 +71,7 @@ AssignmentProblem partOf(const AssignmentProblem &problem, std::span<const int> 
                          std::span<const int> residues)
 {
     AssignmentProblem part = problem;
-    part.peakCount = static_cast<int>(peaks.size());
+    part.peakCount = peaks.size();
     for (std::vector<float> AssignmentProblem::*matrix :
          {&AssignmentProblem::dcMat, &AssignmentProblem::diValMat, &AssignmentProblem::sigMat,
           &AssignmentProblem::wMat})
@@ -83,7 +86,7 @@ AssignmentProblem partOf(const AssignmentProblem &problem, std::span<const int> 
 std::vector<float> valuesOf(const AssignmentProblem &problem, const std::vector<int> &rows)
 {
     std::vector<float> values;
-    for (int column = 0; column < problem.colId; ++column)
+    for (std::size_t column = 0; column < problem.colId; ++column)
         for (const int row : rows)
             if (const std::size_t cell = problem.at(row, column); problem.dcMat[cell] != noPeakCoupling)
                 values.push_back(problem.dcMat[cell] * problem.wMat[cell]);
@@ -109,8 +112,8 @@ std::vector<float> ladderOf(const AssignmentProblem &problem, std::size_t n)
 PlainAssignment visitExhPlain(const AssignmentProblem &problem)
 {
     PlainAssignment result;
-    result.bestIdList.assign(static_cast<std::size_t>(problem.peakCount), -1);
-    ScoreWork work;
+    result.bestIdList.assign(problem.peakCount, -1);
+    ScoreWork work = {.messages = standardMessages()};
     Permutations all = {problem.peakCount, [&](const std::vector<int> &rowIdList) {
                             ++result.count;
                             const float score = getSvdChi2Exh(problem, rowIdList, work);
@@ -126,17 +129,19 @@ PlainAssignment visitExhPlain(const AssignmentProblem &problem)
 PlainAssignment visitAaPlain(const AssignmentProblem &problem, std::span<const int> idCutList)
 {
     PlainAssignment result;
-    result.bestIdList.assign(static_cast<std::size_t>(problem.peakCount), -1);
-    result.status = std::accumulate(idCutList.begin(), idCutList.end(), 0) != problem.peakCount ? 1 : 0;
+    result.bestIdList.assign(problem.peakCount, -1);
+    result.status =
+        std::cmp_not_equal(std::accumulate(idCutList.begin(), idCutList.end(), 0), problem.peakCount) ? 1 : 0;
     if (result.status != 0)
         return result;
-    ScoreWork work;
-    std::vector<int> rowIdList(static_cast<std::size_t>(problem.peakCount));
+    ScoreWork work = {.messages = standardMessages()};
+    std::vector<int> rowIdList(problem.peakCount);
     std::function<void(std::size_t, int)> extend = [&](std::size_t group, int base) {
         if (group < idCutList.size()) {
-            Permutations inside = {idCutList[group], [&](const std::vector<int> &order) {
+            Permutations inside = {static_cast<std::size_t>(idCutList[group]),
+                                   [&](const std::vector<int> &order) {
                                        for (std::size_t j = 0; j < order.size(); ++j)
-                                           rowIdList[static_cast<std::size_t>(base) + j] = base + order[j];
+                                           rowIdList[base + j] = base + order[j];
                                        extend(group + 1, base + idCutList[group]);
                                    }};
             inside.visit();
@@ -156,22 +161,20 @@ PlainAssignment visitAaPlain(const AssignmentProblem &problem, std::span<const i
 PlainAssignment visitAllExhPlain(const AssignmentProblem &problem, std::span<const int> selected)
 {
     PlainAssignment result;
-    result.bestIdList.assign(static_cast<std::size_t>(problem.peakCount), -1);
+    result.bestIdList.assign(problem.peakCount, -1);
     result.status = selected.size() < 2 || selected.size() > 7 ? 1 : 0;
     if (result.status != 0)
         return result;
-    forEachCombination(problem.peakCount, static_cast<int>(selected.size()),
-                       [&](const std::vector<int> &residues) {
-                           const PlainAssignment part = visitExhPlain(partOf(problem, selected, residues));
-                           result.count += part.count;
-                           if (!(result.pSumDMin > part.pSumDMin))
-                               return;
-                           result.pSumDMin = part.pSumDMin;
-                           std::ranges::fill(result.bestIdList, -1);
-                           for (std::size_t a = 0; a < residues.size(); ++a)
-                               result.bestIdList[static_cast<std::size_t>(residues[a])] =
-                                   selected[static_cast<std::size_t>(part.bestIdList[a])];
-                       });
+    forEachCombination(problem.peakCount, selected.size(), [&](const std::vector<int> &residues) {
+        const PlainAssignment part = visitExhPlain(partOf(problem, selected, residues));
+        result.count += part.count;
+        if (!(result.pSumDMin > part.pSumDMin))
+            return;
+        result.pSumDMin = part.pSumDMin;
+        std::ranges::fill(result.bestIdList, -1);
+        for (std::size_t a = 0; a < residues.size(); ++a)
+            result.bestIdList[residues[a]] = selected[part.bestIdList[a]];
+    });
     return result;
 }
 

@@ -12,14 +12,14 @@
 
 /// What a random problem is like. Couplings of some 20 Hz.
 struct RandomProblem {
-    int peaks = 5;
-    std::vector<int> columns = {3}; ///< of each medium
-    std::vector<int> fixed = {0};   ///< fixed couplings of each medium
-    double noise = 0.5;             ///< of the couplings, Hz
-    double missing = 0.0;           ///< part of the cells without a coupling
-    float otherConstant = 5000.0f;  ///< interaction constant of every second column, Hz
-    bool isShuffled = true;         ///< else peak row i belongs to residue row i
-    bool equalWeights = true;       ///< else errors and weights differ from coupling to coupling
+    std::size_t peaks = 5;
+    std::vector<std::size_t> columns = {3}; ///< of each medium
+    std::vector<std::size_t> fixed = {0};   ///< fixed couplings of each medium
+    double noise = 0.5;                     ///< of the couplings, Hz
+    double missing = 0.0;                   ///< part of the cells without a coupling
+    float otherConstant = 5000.0f;          ///< interaction constant of every second column, Hz
+    bool isShuffled = true;                 ///< else peak row i belongs to residue row i
+    bool equalWeights = true;               ///< else errors and weights differ from coupling to coupling
 };
 
 struct MadeProblem {
@@ -36,25 +36,25 @@ class ProblemMaker {
         MadeProblem made;
         trelm::AssignmentProblem &problem = made.problem;
         problem.peakCount = kind.peaks;
-        problem.nLcType = static_cast<int>(kind.columns.size());
-        problem.colId = std::accumulate(kind.columns.begin(), kind.columns.end(), 0);
+        problem.nLcType = kind.columns.size();
+        problem.colId = std::accumulate(kind.columns.begin(), kind.columns.end(), std::size_t{0});
         const std::size_t cells = problem.at(kind.peaks, 0);
         problem.dcMat.assign(cells, trelm::noPeakCoupling);
         for (auto *matrix :
              {&problem.diValMat, &problem.sigMat, &problem.wMat, &problem.xMat, &problem.yMat, &problem.zMat})
             matrix->assign(cells, 0.0f);
-        made.truth.resize(static_cast<std::size_t>(kind.peaks));
+        made.truth.resize(kind.peaks);
         std::iota(made.truth.begin(), made.truth.end(), 0);
         if (kind.isShuffled)
             std::shuffle(made.truth.begin(), made.truth.end(), engine_);
-        int column = 0;
+        std::size_t column = 0;
         for (std::size_t n = 0; n < kind.columns.size(); ++n) {
             problem.colIdList[n] = kind.columns[n];
             problem.nDTypList[n] = kind.fixed[n];
             const trelm::SaupeValues saupe = tensor();
-            for (int i = 0; i < kind.fixed[n]; ++i)
+            for (std::size_t i = 0; i < kind.fixed[n]; ++i)
                 problem.fixed.push_back(coupling(kind, saupe, uniform(0.0, 1.0) < 0.7 ? -21585.2f : 5000.0f));
-            for (const int last = column + kind.columns[n]; column < last; ++column)
+            for (const std::size_t last = column + kind.columns[n]; column < last; ++column)
                 fillColumn(made, kind, saupe, column);
         }
         return made;
@@ -107,14 +107,15 @@ class ProblemMaker {
         return made;
     }
 
-    void fillColumn(MadeProblem &made, const RandomProblem &kind, const trelm::SaupeValues &saupe, int column)
+    void fillColumn(MadeProblem &made, const RandomProblem &kind, const trelm::SaupeValues &saupe,
+                    std::size_t column)
     {
         trelm::AssignmentProblem &problem = made.problem;
         const float di = column % 2 == 0 ? -21585.2f : kind.otherConstant; // one kind of pair a column
-        for (int k = 0; k < kind.peaks; ++k) {
+        for (std::size_t k = 0; k < kind.peaks; ++k) {
             const trelm::FixedCoupling made1 = coupling(kind, saupe, di);
             const std::size_t residue = problem.at(k, column);
-            const std::size_t peak = problem.at(made.truth[static_cast<std::size_t>(k)], column);
+            const std::size_t peak = problem.at(made.truth[k], column);
             problem.xMat[residue] = made1.x;
             problem.yMat[residue] = made1.y;
             problem.zMat[residue] = made1.z;

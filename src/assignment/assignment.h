@@ -1,33 +1,26 @@
-// The best-fit of couplings whose assignment to residues is not known.
+// The search for the best assignment of couplings whose residues are not known.
 #pragma once
 
-#include "couplings/dipolar.h"
-#include "ground/trelm.h"
-#include "structure/select.h"
+#include "assignment/options.h"
+#include "assignment/problem.h"
+#include "assignment/search.h"
+#include "ground/messages.h"
 
-#include <span>
-#include <string>
+#include <optional>
 
 namespace trelm {
 
-/// What a search is given.
-struct AssignmentSetup {
-    PDBInfo *pdbInfo = nullptr;
-    const PDBSelectInfo *sInfo = nullptr; ///< atoms of the structures
-    DTable *dTab = nullptr;
-    TrelmInfo *trelmInfo = nullptr;  ///< kind of search, media, window
-    std::string outDName;            ///< couplings as assigned; empty: standard output
-    std::string pdbRotName;          ///< structure in the frame of the tensor
-    int mapCount = 0;                ///< assignments that a random search tries
-    std::span<const int> fixResList; ///< residues whose assignment is fixed
-    int verbose = 0;                 ///< of the fits
-    const char *remark = nullptr;    ///< for the structures; may be null
+/// What a search is asked for.
+struct SearchRequest {
+    SearchKind kind = SearchKind::all;
+    int mapCount = 0; ///< assignments that a random search tries
+    const AssignmentOptions &options;
 };
 
-/// Searches the assignment of peaks to residues with the lowest score, by the run's spreadMode: 4 at random,
-/// 5 all peaks, 6 selected ones. Writes it into the table, fits once more and writes couplings and
-/// structures. Where no assignment lies inside the window, a warning says so and the couplings go out without
-/// values. Returns 0, or non-zero after a message.
-int exhSimDC(const AssignmentSetup &setup);
+/// Searches the assignment of peaks to residues with the lowest score. Where none lies inside the window, or
+/// the peaks to assign cannot be selected, a warning says so and no residue has a peak. Returns nothing after
+/// a message.
+std::optional<AssignmentResult> searchAssignments(const AssignmentProblem &problem,
+                                                  const SearchRequest &request, Messages &messages);
 
 } // namespace trelm

@@ -52,7 +52,7 @@ double roundingOf(const AssignmentProblem &problem, double largestDa)
     return std::sqrt(square);
 }
 
-/// L with L L^T = the matrix. Returns false if it is not positive definite enough to be told from rounding.
+/// L with L L^T = the matrix. Returns false if it is not positive definite enough to be more than rounding.
 bool factorise(const std::array<double, 15> &matrix, std::array<double, 15> &factor)
 {
     for (std::size_t i = 0; i < saupeCount; ++i)
@@ -113,23 +113,22 @@ BoundTables makeBoundTables(const AssignmentProblem &problem)
     tables.peakCount = problem.peakCount;
     tables.columns = problem.colId;
     tables.media = problem.nLcType;
-    for (int medium = 0; medium < problem.nLcType; ++medium) {
-        const int columns = problem.colIdList[static_cast<std::size_t>(medium)];
-        tables.mediumOf.insert(tables.mediumOf.end(), static_cast<std::size_t>(columns), medium);
-    }
+    for (std::size_t medium = 0; medium < problem.nLcType; ++medium)
+        tables.mediumOf.insert(tables.mediumOf.end(), problem.colIdList[medium], medium);
     tables.terms = termsOf(problem.xMat, problem.yMat, problem.zMat);
-    tables.peaks.resize(static_cast<std::size_t>(problem.peakCount));
-    for (int peak = 0; peak < problem.peakCount; ++peak)
-        for (int column = 0; column < problem.colId; ++column) {
+    tables.peaks.resize(problem.peakCount);
+    for (std::size_t peak = 0; peak < problem.peakCount; ++peak)
+        for (std::size_t column = 0; column < problem.colId; ++column) {
             const std::size_t place = problem.at(peak, column);
             if (problem.dcMat[place] != noPeakCoupling)
-                tables.peaks[static_cast<std::size_t>(peak)].push_back(
-                    {column, number(problem.dcMat[place]), std::fabs(number(problem.wMat[place])),
-                     std::fabs(number(problem.diValMat[place]))});
+                tables.peaks[peak].push_back({column, number(problem.dcMat[place]),
+                                              std::fabs(number(problem.wMat[place])),
+                                              std::fabs(number(problem.diValMat[place]))});
         }
     // Da is half the largest eigenvalue; the squares of all three sum up to twice its square at most.
     const double largestDa =
-        std::max(std::fabs(number(problem.lDa)), std::fabs(number(problem.hDa))) / amideHertz;
+        std::max(std::fabs(number(problem.window.lowDa)), std::fabs(number(problem.window.highDa))) /
+        amideHertz;
     tables.tensorSize = 8.0 * largestDa * largestDa * 1.001;
     tables.rounding = roundingOf(problem, largestDa);
     return tables;
@@ -167,8 +166,8 @@ MediaEquations fixedEquations(const AssignmentProblem &problem)
     const std::vector<SaupeTerms> terms = termsOf(x, y, z);
     MediaEquations equations;
     std::size_t k = 0;
-    for (std::size_t medium = 0; medium < static_cast<std::size_t>(problem.nLcType); ++medium)
-        for (int i = 0; i < problem.nDTypList[medium]; ++i, ++k) {
+    for (std::size_t medium = 0; medium < problem.nLcType; ++medium)
+        for (std::size_t i = 0; i < problem.nDTypList[medium]; ++i, ++k) {
             const FixedCoupling &coupling = problem.fixed[k];
             equations[medium].add(terms[k], number(coupling.d), number(coupling.w),
                                   std::fabs(number(coupling.di)));
@@ -176,14 +175,12 @@ MediaEquations fixedEquations(const AssignmentProblem &problem)
     return equations;
 }
 
-void addPair(const BoundTables &tables, int peak, int row, MediaEquations &equations)
+void addPair(const BoundTables &tables, std::size_t peak, std::size_t row, MediaEquations &equations)
 {
-    const std::size_t first = static_cast<std::size_t>(row) * static_cast<std::size_t>(tables.columns);
-    for (const PeakCoupling &coupling : tables.peaks[static_cast<std::size_t>(peak)]) {
-        const auto column = static_cast<std::size_t>(coupling.column);
-        equations[static_cast<std::size_t>(tables.mediumOf[column])].add(tables.terms[first + column],
-                                                                         coupling.d, coupling.w, coupling.di);
-    }
+    const std::size_t first = row * tables.columns;
+    for (const PeakCoupling &coupling : tables.peaks[peak])
+        equations[tables.mediumOf[coupling.column]].add(tables.terms[first + coupling.column], coupling.d,
+                                                        coupling.w, coupling.di);
 }
 
 Ellipsoid makeEllipsoid(const BoundTables &tables, const NormalEquations &equations, double limit)
@@ -219,7 +216,7 @@ void rowRanges(const BoundTables &tables, std::span<const Ellipsoid> ellipsoids,
                const std::array<double, maxMedia> &slack, std::span<const int> rows,
                std::vector<RowRange> &ranges)
 {
-    const auto columns = static_cast<std::size_t>(tables.columns);
+    const std::size_t columns = tables.columns;
     ranges.resize(rows.size() * columns);
     std::array<double, maxMedia> radius = {};
     for (std::size_t medium = 0; medium < ellipsoids.size(); ++medium)
@@ -227,9 +224,9 @@ void rowRanges(const BoundTables &tables, std::span<const Ellipsoid> ellipsoids,
     std::size_t place = 0;
     for (const int row : rows)
         for (std::size_t column = 0; column < columns; ++column, ++place) {
-            const auto medium = static_cast<std::size_t>(tables.mediumOf[column]);
+            const std::size_t medium = tables.mediumOf[column];
             const Ellipsoid &ellipsoid = ellipsoids[medium];
-            const SaupeTerms &terms = tables.terms[static_cast<std::size_t>(row) * columns + column];
+            const SaupeTerms &terms = tables.terms[row * columns + column];
             if (ellipsoid.isOpen) {
                 ranges[place] = {0.0, infinity};
                 continue;

@@ -28,15 +28,15 @@ using SaupeTerms = Saupe; ///< a Saupe vector, or what stands before its element
 
 /// One coupling of a peak.
 struct PeakCoupling {
-    int column;
+    std::size_t column;
     double d, w, di; ///< Hz, weight in the score, size of the interaction constant, Hz
 };
 
 /// The problem as the bounds want it.
 struct BoundTables {
-    int peakCount = 0, columns = 0, media = 0;
-    std::vector<int> mediumOf;     ///< of each column
-    std::vector<SaupeTerms> terms; ///< by residue row and column
+    std::size_t peakCount = 0, columns = 0, media = 0;
+    std::vector<std::size_t> mediumOf; ///< of each column
+    std::vector<SaupeTerms> terms;     ///< by residue row and column
     std::vector<std::vector<PeakCoupling>> peaks;
     double tensorSize = 0.0; ///< limit of 1.5 s0^2 + s1^2 / 2 + 2 (s2^2 + s3^2 + s4^2) inside the window
     double rounding = 0.0;   ///< what single precision can add to or take from the root of a score
@@ -63,7 +63,7 @@ using MediaEquations = std::array<NormalEquations, maxMedia>;
 MediaEquations fixedEquations(const AssignmentProblem &problem);
 
 /// Adds the couplings of a peak on a residue row.
-void addPair(const BoundTables &tables, int peak, int row, MediaEquations &equations);
+void addPair(const BoundTables &tables, std::size_t peak, std::size_t row, MediaEquations &equations);
 
 /// The ellipsoid of one medium.
 struct Ellipsoid {

@@ -11,13 +11,12 @@ constexpr std::uint64_t largest = std::numeric_limits<std::int64_t>::max();
 
 } // namespace
 
-CandidateCount operator*(const CandidateCount &count, int factor)
+CandidateCount operator*(const CandidateCount &count, std::size_t factor)
 {
-    CandidateCount product = {count.about * factor, 0, false};
-    const auto by = static_cast<std::uint64_t>(factor);
-    product.isExact = count.isExact && (by == 0 || count.exact <= largest / by);
+    CandidateCount product = {count.about * static_cast<long double>(factor), 0, false};
+    product.isExact = count.isExact && (factor == 0 || count.exact <= largest / factor);
     if (product.isExact)
-        product.exact = count.exact * by;
+        product.exact = count.exact * factor;
     return product;
 }
 
@@ -29,10 +28,10 @@ CandidateCount &operator+=(CandidateCount &count, const CandidateCount &other)
     return count;
 }
 
-CandidateCount arrangements(int items, int taken)
+CandidateCount arrangements(std::size_t items, std::size_t taken)
 {
     CandidateCount count = {1.0L, 1, true};
-    for (int i = 0; i < taken; ++i)
+    for (std::size_t i = 0; i < taken; ++i)
         count = count * (items - i);
     return count;
 }

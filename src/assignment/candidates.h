@@ -1,6 +1,7 @@
 // How many candidates a search has, and how many of them it has settled.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -13,11 +14,11 @@ struct CandidateCount {
     bool isExact = true;
 };
 
-CandidateCount operator*(const CandidateCount &count, int factor);
+CandidateCount operator*(const CandidateCount &count, std::size_t factor);
 CandidateCount &operator+=(CandidateCount &count, const CandidateCount &other);
 
 /// items! / (items - taken)!: the ways to put `taken` peaks on `items` residues.
-CandidateCount arrangements(int items, int taken);
+CandidateCount arrangements(std::size_t items, std::size_t taken);
 
 /// In full, or as a power of ten.
 std::string countText(const CandidateCount &count);

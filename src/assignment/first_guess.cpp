@@ -14,12 +14,13 @@ namespace trelm {
 namespace {
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr int fewestStarts = 40; ///< random tensors
-constexpr int startsPerPeak = 4;
-constexpr int mostWork = 1'000'000; ///< starts times peaks squared
+constexpr std::size_t fewestStarts = 40; ///< random tensors
+constexpr std::size_t startsPerPeak = 4;
+constexpr std::size_t mostWork = 1'000'000; ///< starts times peaks squared,
+constexpr std::size_t fewestLongStarts = 4; ///< which many peaks exceed
 /// More starts seem useless when one, and one more for each so many peaks, have ended at the best candidate
 /// again.
-constexpr int peaksPerHit = 8;
+constexpr std::size_t peaksPerHit = 8;
 constexpr int mostRounds = 40; ///< of assignment and tensor
 
 using Tensors = std::array<SaupeTerms, maxMedia>;
@@ -54,10 +55,11 @@ SaupeTerms randomTensor(const AssignmentProblem &problem, std::mt19937 &engine)
     const auto limit = [](float value, double low, double high) {
         return std::clamp(static_cast<double>(value), low, high);
     };
-    const double da =
-        between(engine, limit(problem.lDa, -widest, widest), limit(problem.hDa, -widest, widest)) /
-        amideHertz;
-    const double r = between(engine, limit(problem.lR, 0.0, highestR), limit(problem.hR, 0.0, highestR));
+    const double da = between(engine, limit(problem.window.lowDa, -widest, widest),
+                              limit(problem.window.highDa, -widest, widest)) /
+                      amideHertz;
+    const double r = between(engine, limit(problem.window.lowR, 0.0, highestR),
+                             limit(problem.window.highR, 0.0, highestR));
     const std::array<double, 3> values = {-da * (1.0 - 1.5 * r), -da * (1.0 + 1.5 * r), 2.0 * da};
     const auto rotation = randomRotation(engine);
     const auto element = [&](std::size_t i, std::size_t j) {
@@ -86,8 +88,7 @@ void setRanges(Climb &climb)
     const BoundTables &tables = climb.space.tables;
     climb.ranges.resize(tables.terms.size());
     for (std::size_t place = 0; place < tables.terms.size(); ++place) {
-        const auto medium =
-            static_cast<std::size_t>(tables.mediumOf[place % static_cast<std::size_t>(tables.columns)]);
+        const std::size_t medium = tables.mediumOf[place % tables.columns];
         double sum = 0.0;
         for (std::size_t k = 0; k < saupeCount; ++k)
             sum += tables.terms[place][k] * climb.tensors[medium][k];
@@ -99,17 +100,16 @@ void setRanges(Climb &climb)
 bool assign(Climb &climb)
 {
     const SearchSpace &space = climb.space;
-    const int rows = space.tables.peakCount;
+    const std::size_t rows = space.tables.peakCount;
     setRanges(climb);
     climb.costs.clear();
     for (std::size_t i = 0; i < space.peaks.size(); ++i)
-        for (int row = 0; row < rows; ++row)
-            climb.costs.push_back(
-                space.mayTake(i, row)
-                    ? pairCost(space.tables.peaks[static_cast<std::size_t>(space.peaks[i])],
-                               &climb.ranges[static_cast<std::size_t>(row * space.tables.columns)])
-                    : infinity);
-    if (!linearAssignment(climb.costs, space.peakCount(), rows, climb.solution) ||
+        for (std::size_t row = 0; row < rows; ++row)
+            climb.costs.push_back(space.mayTake(i, row) ? pairCost(space.tables.peaks[space.peaks[i]],
+                                                                   &climb.ranges[row * space.tables.columns])
+                                                        : infinity);
+    if (!linearAssignment(climb.costs, static_cast<int>(space.peaks.size()), static_cast<int>(rows),
+                          climb.solution) ||
         climb.rowOf == climb.solution.columnOf)
         return false;
     climb.rowOf = climb.solution.columnOf;
@@ -123,7 +123,7 @@ void fitTensors(Climb &climb)
     MediaEquations equations = space.fixed;
     for (std::size_t i = 0; i < space.peaks.size(); ++i)
         addPair(space.tables, space.peaks[i], climb.rowOf[i], equations);
-    for (std::size_t medium = 0; medium < static_cast<std::size_t>(space.tables.media); ++medium) {
+    for (std::size_t medium = 0; medium < space.tables.media; ++medium) {
         const Ellipsoid ellipsoid = makeEllipsoid(space.tables, equations[medium], 1e-3);
         climb.isKnown[medium] = !ellipsoid.isOpen;
         if (!ellipsoid.isOpen)
@@ -138,13 +138,15 @@ void guessCandidate(const SearchSpace &space, ScoreWork &work, Candidate &best)
     std::mt19937 engine(1);
     Climb climb = {.space = space, .costs = {}, .ranges = {}, .solution = {}, .rowOf = {}};
     // A start of many peaks takes long; the descent finds good candidates, too.
-    const int wanted = fewestStarts + startsPerPeak * space.peakCount();
-    const int starts = std::min(wanted, std::max(4, mostWork / (space.peakCount() * space.peakCount() + 1)));
-    const int enoughHits = 1 + space.peakCount() / peaksPerHit;
-    int hits = 0;
-    for (int start = 0; start < starts && hits < enoughHits && !InterruptGuard::isInterrupted(); ++start) {
+    const std::size_t peaks = space.peaks.size();
+    const std::size_t wanted = fewestStarts + startsPerPeak * peaks;
+    const std::size_t starts = std::min(wanted, std::max(fewestLongStarts, mostWork / (peaks * peaks + 1)));
+    const std::size_t enoughHits = 1 + peaks / peaksPerHit;
+    std::size_t hits = 0;
+    for (std::size_t start = 0; start < starts && hits < enoughHits && !InterruptGuard::isInterrupted();
+         ++start) {
         climb.isKnown = {};
-        const auto first = static_cast<std::size_t>(start % space.tables.media); // the others follow from it
+        const std::size_t first = start % space.tables.media; // the others follow from it
         climb.isKnown[first] = true;
         climb.tensors[first] = randomTensor(space.problem, engine);
         climb.rowOf.clear();

@@ -4,14 +4,15 @@
 #include "support/text/text.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <limits>
+#include <set>
 #include <string_view>
+#include <utility>
 
 namespace trelm {
 namespace {
 
-/// Which of a coupling's two residue numbers tells its peak.
+/// Which of a coupling's two residue numbers is that of its peak.
 enum class PeakRule { first, larger, following };
 
 struct TypeRow {
@@ -35,7 +36,7 @@ constexpr int amideType = 0;
 
 const TypeRow &typeRow(int type)
 {
-    return typeRows[static_cast<std::size_t>(type)];
+    return typeRows[type];
 }
 
 bool isAtom(const Name &name, std::string_view wanted)
@@ -62,109 +63,119 @@ bool isOfMedium(const PeakTable &peaks, std::size_t medium, const DInfo &obs)
     return obs.segNameI == std::string_view(peaks.media[medium]);
 }
 
+/// A problem that is being made.
+struct Making {
+    const ProblemInput &input;
+    Messages &messages;
+    PeakTable peaks = {};
+    AssignmentProblem problem = {};
+    std::array<std::array<bool, couplingTypeCount>, maxMedia> types = {}; ///< which types each medium has
+};
+
 /// Calls the function with number, row and type of each coupling whose assignment is open.
 template <class Function>
-void forEachUnassigned(const DTable &dTab, const PeakTable &peaks, Function function)
+void forEachUnassigned(const Making &making, Function function)
 {
+    const DTable &dTab = making.input.dTab;
     for (std::size_t i = 0; i < dTab.observed().size(); ++i) {
         const DInfo &obs = dTab.observed()[i];
         const int type = couplingType(obs);
-        if (takesPart(dTab.calculated()[i]) && type != noType && !isFixedPeak(peaks, obs, type))
+        if (takesPart(dTab.calculated()[i]) && type != noType && !isFixedPeak(making.peaks, obs, type))
             function(i, obs, type);
     }
 }
 
 /// Counts the peaks of all media, and takes the residue name of the last of them.
-int countPeaks(const DTable &dTab, const PeakTable &peaks, std::string &resSelName)
+std::size_t countPeaks(const Making &making, std::string &resSelName)
 {
-    std::map<int, int> seen;
-    forEachUnassigned(dTab, peaks, [&](std::size_t, const DInfo &obs, int type) {
+    std::set<int> seen;
+    forEachUnassigned(making, [&](std::size_t, const DInfo &obs, int type) {
         if (type != amideType)
             return;
         resSelName = obs.resNameI.view();
-        ++seen[obs.resIDI];
+        seen.insert(obs.resIDI);
     });
-    return static_cast<int>(seen.size());
+    return seen.size();
 }
 
-int countResidues(const PDBInfo &pdbInfo, const PeakTable &peaks, std::string_view resSelName)
+std::size_t countResidues(const Making &making, std::string_view resSelName)
 {
-    return static_cast<int>(std::ranges::count_if(pdbInfo.atoms(), [&](const AtomInfo &atom) {
-        return atom.atomName == std::string_view("N") && atom.resName == resSelName &&
-               !isFixed(peaks, atom.resID);
-    }));
+    return static_cast<std::size_t>(
+        std::ranges::count_if(making.input.pdbInfo.atoms(), [&](const AtomInfo &atom) {
+            return atom.atomName == std::string_view("N") && atom.resName == resSelName &&
+                   !isFixed(making.peaks, atom.resID);
+        }));
 }
 
-/// Counts peaks and residues and tells of both. Returns 0, or 1 if there is nothing to search, or after a
-/// message.
-int findPeaks(const PDBInfo &pdbInfo, const DTable &dTab, const PeakTable &peaks, AssignmentProblem &problem)
+/// Counts peaks and residues and says so. Fails if there is nothing to search, or too much.
+Status findPeaks(Making &making)
 {
+    Messages &messages = making.messages;
     std::string resSelName;
-    const int peakCount = countPeaks(dTab, peaks, resSelName);
-    std::printf("REMARK %d N-HN Unassigned Peaks, Residues %d to %d.\n", peakCount, dTab.dMinRes,
-                dTab.dMaxRes);
+    const std::size_t peakCount = countPeaks(making, resSelName);
+    messages.out("REMARK %zu N-HN Unassigned Peaks, Residues %d to %d.\n", peakCount,
+                 making.input.dTab.dMinRes, making.input.dTab.dMaxRes);
     if (peakCount == 0)
-        return 1;
+        return Status::failed;
     if (peakCount > maxPeaks)
-        return complain("Error: %d N-HN Unassigned Peaks, the limit is %d.\n", peakCount, maxPeaks);
-    const int resCount = countResidues(pdbInfo, peaks, resSelName);
+        return messages.fail("Error: %zu N-HN Unassigned Peaks, the limit is %zu.\n", peakCount, maxPeaks);
+    const std::size_t resCount = countResidues(making, resSelName);
     if (resCount != peakCount)
-        complain("Warning: %d N-HN Unassigned Peaks and %d %s Residues!\n", peakCount, resCount,
-                 resSelName.c_str());
+        messages.err("Warning: %zu N-HN Unassigned Peaks and %zu %s Residues!\n", peakCount, resCount,
+                     resSelName.c_str());
     else
-        std::printf("REMARK %d N-HN Unassigned Peaks and %d %s Residues.\n", peakCount, resCount,
-                    resSelName.c_str());
-    problem.peakCount = peakCount;
-    return 0;
+        messages.out("REMARK %zu N-HN Unassigned Peaks and %zu %s Residues.\n", peakCount, resCount,
+                     resSelName.c_str());
+    making.problem.peakCount = peakCount;
+    return Status::ok;
 }
 
-using TypeList = std::array<bool, couplingTypeCount>; ///< which types a medium has
-
-void reportTypes(const PeakTable &peaks, std::size_t medium, const TypeList &types)
+void reportTypes(const Making &making, std::size_t medium)
 {
-    if (peaks.media.size() == 1)
-        std::printf("REMARK Available Types of Unassigned Couplings:");
+    Messages &messages = making.messages;
+    if (making.peaks.media.size() == 1)
+        messages.out("REMARK Available Types of Unassigned Couplings:");
     else
-        std::printf("REMARK Available Types of Unassigned Couplings of SegId %s:",
-                    peaks.media[medium].c_str());
-    for (std::size_t type = 0; type < types.size(); ++type)
-        if (types[type])
-            std::printf(" %s", typeRows[type].label);
-    std::printf(".\n");
+        messages.out("REMARK Available Types of Unassigned Couplings of SegId %s:",
+                     making.peaks.media[medium].c_str());
+    for (std::size_t type = 0; type < couplingTypeCount; ++type)
+        if (making.types[medium][type])
+            messages.out(" %s", typeRows[type].label);
+    messages.out(".\n");
 }
 
-/// Finds the types of each medium and the residue of each row. Returns 0, or 1 after a message.
-int findRows(const DTable &dTab, PeakTable &peaks, const AssignmentProblem &problem,
-             std::array<TypeList, maxMedia> &types)
+/// Finds the types of each medium and the residue of each row.
+Status findRows(Making &making)
 {
+    PeakTable &peaks = making.peaks;
     for (std::size_t medium = 0; medium < peaks.media.size(); ++medium)
-        forEachUnassigned(dTab, peaks, [&](std::size_t i, const DInfo &obs, int type) {
+        forEachUnassigned(making, [&](std::size_t i, const DInfo &obs, int type) {
             if (!isOfMedium(peaks, medium, obs))
                 return;
-            types[medium][static_cast<std::size_t>(type)] = true;
-            int &firstRow = peaks.firstRow[medium][static_cast<std::size_t>(type)];
+            making.types[medium][type] = true;
+            int &firstRow = peaks.firstRow[medium][type];
             if (firstRow == noRow)
                 firstRow = static_cast<int>(i);
             const auto row = static_cast<int>(peaks.resIdList.size());
             if (type == amideType && peaks.rowResList.try_emplace(obs.resIDI, row).second)
                 peaks.resIdList.push_back(obs.resIDI);
         });
-    if (static_cast<int>(peaks.resIdList.size()) != problem.peakCount)
-        return complain("Error in Number of Unassigned N-HN couplings.");
+    if (peaks.resIdList.size() != making.problem.peakCount)
+        return making.messages.fail("Error in Number of Unassigned N-HN couplings.");
     for (std::size_t medium = 0; medium < peaks.media.size(); ++medium)
-        reportTypes(peaks, medium, types[medium]);
-    return 0;
+        reportTypes(making, medium);
+    return Status::ok;
 }
 
-/// The vector and values of a coupling. Returns 0, or 1 after a message if it is one of several atoms.
-int readCoupling(const DTable &dTab, std::size_t i, FixedCoupling &coupling)
+/// The vector and values of a coupling. Fails if it is one of several atoms.
+Status readCoupling(const Making &making, std::size_t i, FixedCoupling &coupling)
 {
-    const DInfo &obs = dTab.observed()[i], &calc = dTab.calculated()[i];
+    const DInfo &obs = making.input.dTab.observed()[i], &calc = making.input.dTab.calculated()[i];
     if (calc.atomICount * calc.atomJCount != 1)
-        return complain("Error: Degenerate Atoms not implemented yet.\n");
+        return making.messages.fail("Error: Degenerate Atoms not implemented yet.\n");
     const AtomInfo &atomI = *calc.atomI[0], &atomJ = *calc.atomJ[0];
     coupling = {atomJ.x - atomI.x, atomJ.y - atomI.y, atomJ.z - atomI.z, obs.d, calc.di, obs.sigma, obs.w};
-    return 0;
+    return Status::ok;
 }
 
 void putCell(AssignmentProblem &problem, std::size_t cell, const FixedCoupling &coupling)
@@ -178,25 +189,26 @@ void putCell(AssignmentProblem &problem, std::size_t cell, const FixedCoupling &
     problem.wMat[cell] = coupling.w;
 }
 
-/// Fills the cells of a column that have a row in the table. Returns 0, or 1 after a message.
-int fillRows(const DTable &dTab, PeakTable &peaks, std::size_t medium, int type, AssignmentProblem &problem)
+/// Fills the cells of a column that have a row in the table.
+Status fillRows(Making &making, std::size_t medium, int type)
 {
-    const int column = peaks.dcIndex[medium][static_cast<std::size_t>(type)];
-    int status = 0;
-    forEachUnassigned(dTab, peaks, [&](std::size_t i, const DInfo &obs, int rowType) {
-        if (status != 0 || rowType != type || !isOfMedium(peaks, medium, obs))
+    PeakTable &peaks = making.peaks;
+    Status status = Status::ok;
+    forEachUnassigned(making, [&](std::size_t i, const DInfo &obs, int rowType) {
+        if (status != Status::ok || rowType != type || !isOfMedium(peaks, medium, obs))
             return;
         const int peakId = peakIdOf(obs, type);
         const auto row = peaks.rowResList.find(peakId);
         if (row == peaks.rowResList.end())
             return;
-        const std::size_t cell = problem.at(row->second, column);
+        const std::size_t cell = making.problem.at(row->second, peaks.dcIndex[medium][type]);
         if (peaks.hasRow[cell])
-            complain("Warning: %s coupling for PeakID %d stands in the table again, the last one counts.\n",
-                     typeRow(type).label, peakId);
+            making.messages.err(
+                "Warning: %s coupling for PeakID %d stands in the table again, the last one counts.\n",
+                typeRow(type).label, peakId);
         FixedCoupling coupling;
-        status = readCoupling(dTab, i, coupling);
-        putCell(problem, cell, coupling);
+        status = readCoupling(making, i, coupling);
+        putCell(making.problem, cell, coupling);
         peaks.hasRow[cell] = true;
     });
     return status;
@@ -213,36 +225,36 @@ void putVector(const MovedRow &moved, AssignmentProblem &problem, std::size_t ce
     problem.zMat[cell] = atomJ.z - atomI.z;
 }
 
-/// Completes a column: the residues without a row get their vectors, and the peaks among them are told.
-void fillMissing(PDBInfo &pdbInfo, const DTable &dTab, const PeakTable &peaks, std::size_t medium, int type,
-                 AssignmentProblem &problem)
+/// Completes a column: the residues without a row get their vectors, and the peaks among them are named.
+void fillMissing(Making &making, std::size_t medium, int type)
 {
-    const int column = peaks.dcIndex[medium][static_cast<std::size_t>(type)];
-    const int firstRow = peaks.firstRow[medium][static_cast<std::size_t>(type)];
+    const PeakTable &peaks = making.peaks;
     std::string missing;
-    for (int row = 0; row < problem.peakCount; ++row) {
-        const std::size_t cell = problem.at(row, column);
+    for (std::size_t row = 0; row < making.problem.peakCount; ++row) {
+        const std::size_t cell = making.problem.at(row, peaks.dcIndex[medium][type]);
         if (peaks.hasRow[cell])
             continue;
-        const int resID = peaks.resIdList[static_cast<std::size_t>(row)];
+        const int resID = peaks.resIdList[row];
         appendf(missing, " %d", resID);
-        putVector(moveRow(pdbInfo, dTab, firstRow, resID), problem, cell);
+        putVector(moveRow(making.input.pdbInfo, making.input.dTab, peaks.firstRow[medium][type], resID),
+                  making.problem, cell);
     }
     if (missing.empty())
         return;
     const std::string ofMedium = peaks.media.size() == 1 ? "" : " of SegId " + peaks.media[medium];
-    complain("Warning: no %s coupling%s for peaks%s: they take part without it.\n", typeRow(type).label,
-             ofMedium.c_str(), missing.c_str());
+    making.messages.err("Warning: no %s coupling%s for peaks%s: they take part without it.\n",
+                        typeRow(type).label, ofMedium.c_str(), missing.c_str());
 }
 
 /// Gives each type of each medium its column.
-void numberColumns(const std::array<TypeList, maxMedia> &types, PeakTable &peaks, AssignmentProblem &problem)
+void numberColumns(Making &making)
 {
-    for (std::size_t medium = 0; medium < peaks.media.size(); ++medium)
-        for (std::size_t type = 0; type < types[medium].size(); ++type) {
-            if (!types[medium][type])
+    AssignmentProblem &problem = making.problem;
+    for (std::size_t medium = 0; medium < problem.nLcType; ++medium)
+        for (std::size_t type = 0; type < couplingTypeCount; ++type) {
+            if (!making.types[medium][type])
                 continue;
-            peaks.dcIndex[medium][type] = problem.colId++;
+            making.peaks.dcIndex[medium][type] = static_cast<int>(problem.colId++);
             ++problem.colIdList[medium];
         }
 }
@@ -256,94 +268,108 @@ void clearMatrices(AssignmentProblem &problem)
         matrix->assign(cells, 0.0f);
 }
 
-/// Makes the matrices. Returns 0, or 1 after a message.
-int fillMatrices(PDBInfo &pdbInfo, const DTable &dTab, const std::array<TypeList, maxMedia> &types,
-                 PeakTable &peaks, AssignmentProblem &problem)
+Status fillMatrices(Making &making)
 {
-    numberColumns(types, peaks, problem);
-    clearMatrices(problem);
-    peaks.hasRow.assign(problem.dcMat.size(), false);
-    for (std::size_t medium = 0; medium < peaks.media.size(); ++medium)
-        for (int type = 0; type < couplingTypeCount; ++type) {
-            if (!types[medium][static_cast<std::size_t>(type)])
+    numberColumns(making);
+    clearMatrices(making.problem);
+    making.peaks.hasRow.assign(making.problem.dcMat.size(), false);
+    for (std::size_t medium = 0; medium < making.problem.nLcType; ++medium)
+        for (int type = 0; type < std::ssize(typeRows); ++type) {
+            if (!making.types[medium][type])
                 continue;
-            if (fillRows(dTab, peaks, medium, type, problem) != 0)
-                return 1;
-            fillMissing(pdbInfo, dTab, peaks, medium, type, problem);
+            if (fillRows(making, medium, type) != Status::ok)
+                return Status::failed;
+            fillMissing(making, medium, type);
         }
-    return 0;
+    return Status::ok;
 }
 
-void reportMatrices(const PeakTable &peaks, const AssignmentProblem &problem)
+void reportMatrices(const Making &making)
 {
-    if (peaks.media.size() == 1) {
-        std::printf("REMARK # of coupling types: %d\n", problem.colIdList[0]);
+    const AssignmentProblem &problem = making.problem;
+    Messages &messages = making.messages;
+    if (problem.nLcType == 1) {
+        messages.out("REMARK # of coupling types: %zu\n", problem.colIdList[0]);
     } else {
-        std::printf("REMARK # of coupling types for each SegID: ");
-        for (std::size_t medium = 0; medium < peaks.media.size(); ++medium)
-            std::printf(" (%s %d)", peaks.media[medium].c_str(), problem.colIdList[medium]);
-        std::printf(".\n");
+        messages.out("REMARK # of coupling types for each SegID: ");
+        for (std::size_t medium = 0; medium < problem.nLcType; ++medium)
+            messages.out(" (%s %zu)", making.peaks.media[medium].c_str(), problem.colIdList[medium]);
+        messages.out(".\n");
     }
-    std::printf("REMARK %d x %d Unassigned Coupling Matrix.\n", problem.peakCount, problem.colId);
-    std::printf("REMARK Peak");
-    for (const int resID : peaks.resIdList)
-        std::printf(" %d", resID);
-    std::printf(" exhaustively searched.\n");
+    messages.out("REMARK %zu x %zu Unassigned Coupling Matrix.\n", problem.peakCount, problem.colId);
+    messages.out("REMARK Peak");
+    for (const int resID : making.peaks.resIdList)
+        messages.out(" %d", resID);
+    messages.out(" exhaustively searched.\n");
 }
 
-int countFixed(const DTable &dTab, const PeakTable &peaks)
+/// The fixed couplings by their residues: the larger one counts, whatever their kind.
+std::size_t countFixed(const Making &making)
 {
-    int count = 0;
+    const DTable &dTab = making.input.dTab;
+    std::size_t count = 0;
     for (std::size_t i = 0; i < dTab.observed().size(); ++i) {
         const DInfo &obs = dTab.observed()[i];
-        count += takesPart(dTab.calculated()[i]) ? chkFixAa(static_cast<int>(peaks.fixResList.size()),
-                                                            peaks.fixResList.data(), obs.resIDI, obs.resIDJ)
-                                                 : 0;
+        if (takesPart(dTab.calculated()[i]) && isFixed(making.peaks, std::max(obs.resIDI, obs.resIDJ)))
+            ++count;
     }
     return count;
 }
 
-/// Takes the fixed couplings of a medium and names them. Returns 0, or 1 after a message.
-int takeFixed(const DTable &dTab, const PeakTable &peaks, std::size_t medium, AssignmentProblem &problem)
+/// Takes the fixed couplings of a medium and names them.
+Status takeFixed(Making &making, std::size_t medium)
 {
-    if (peaks.media.size() == 1)
-        std::printf("REMARK No couplings for residue."); // the words of this line, whatever follows
+    const DTable &dTab = making.input.dTab;
+    Messages &messages = making.messages;
+    if (making.problem.nLcType == 1)
+        messages.out("REMARK No couplings for residue."); // the words of this line, whatever follows
     else
-        std::printf("REMARK Couplings of type %s for residue", peaks.media[medium].c_str());
+        messages.out("REMARK Couplings of type %s for residue", making.peaks.media[medium].c_str());
     for (std::size_t i = 0; i < dTab.observed().size(); ++i) {
         const DInfo &obs = dTab.observed()[i];
         const int type = couplingType(obs);
-        if (!takesPart(dTab.calculated()[i]) || type == noType || !isOfMedium(peaks, medium, obs) ||
-            !isFixedPeak(peaks, obs, type))
+        if (!takesPart(dTab.calculated()[i]) || type == noType || !isOfMedium(making.peaks, medium, obs) ||
+            !isFixedPeak(making.peaks, obs, type))
             continue;
-        std::printf(" %d", obs.resIDI);
-        FixedCoupling coupling;
-        if (readCoupling(dTab, i, coupling) != 0)
-            return 1;
-        problem.fixed.push_back(coupling);
-        ++problem.nDTypList[medium];
+        messages.out(" %d", obs.resIDI);
+        if (readCoupling(making, i, making.problem.fixed.emplace_back()) != Status::ok)
+            return Status::failed;
+        ++making.problem.nDTypList[medium];
     }
-    std::printf(" are fixed.\n");
-    return 0;
+    messages.out(" are fixed.\n");
+    return Status::ok;
 }
 
 /// Takes all fixed couplings. They are counted by their residues and taken by their peaks, which differ for
-/// couplings within the preceding residue. Returns 0, or 1 after a message where the two do not agree: the
-/// user has to fix all couplings of both residues, or none.
-int fillFixed(const DTable &dTab, const PeakTable &peaks, AssignmentProblem &problem)
+/// couplings within the preceding residue. Fails where the two do not agree: the user has to fix all
+/// couplings of both residues, or none.
+Status fillFixed(Making &making)
 {
-    const int fixedCount = countFixed(dTab, peaks);
-    if (fixedCount < 1) {
-        std::printf("REMARK No couplings are fixed.\n");
-        return 0;
+    const std::size_t fixedCount = countFixed(making);
+    if (fixedCount == 0) {
+        making.messages.out("REMARK No couplings are fixed.\n");
+        return Status::ok;
     }
-    for (std::size_t medium = 0; medium < peaks.media.size(); ++medium)
-        if (takeFixed(dTab, peaks, medium, problem) != 0)
-            return 1;
-    std::printf("REMARK %d couplings fixed in total.\n", static_cast<int>(problem.fixed.size()));
-    if (static_cast<int>(problem.fixed.size()) != fixedCount)
-        return complain("Error in Number of assigned couplings.");
-    return 0;
+    for (std::size_t medium = 0; medium < making.problem.nLcType; ++medium)
+        if (takeFixed(making, medium) != Status::ok)
+            return Status::failed;
+    making.messages.out("REMARK %zu couplings fixed in total.\n", making.problem.fixed.size());
+    if (making.problem.fixed.size() != fixedCount)
+        return making.messages.fail("Error in Number of assigned couplings.");
+    return Status::ok;
+}
+
+/// Names and numbers that are known before the table is looked at.
+void startProblem(Making &making)
+{
+    making.peaks.fixResList = making.input.fixResList;
+    making.peaks.media = making.input.media;
+    for (auto &columns : making.peaks.dcIndex)
+        columns.fill(noType);
+    for (auto &rows : making.peaks.firstRow)
+        rows.fill(noRow);
+    making.problem.nLcType = making.input.media.size();
+    making.problem.window = making.input.window;
 }
 
 } // namespace
@@ -374,21 +400,21 @@ bool isFixed(const PeakTable &peaks, int resID)
     return std::ranges::find(peaks.fixResList, resID) != peaks.fixResList.end();
 }
 
-int makeProblem(PDBInfo &pdbInfo, const DTable &dTab, PeakTable &peaks, AssignmentProblem &problem)
+std::optional<TableProblem> makeProblem(const ProblemInput &input, Messages &messages)
 {
-    if (peaks.media.size() > maxMedia)
-        return complain("Error: %zu alignment media, the limit is %d.\n", peaks.media.size(), maxMedia);
-    for (auto &columns : peaks.dcIndex)
-        columns.fill(noType);
-    for (auto &rows : peaks.firstRow)
-        rows.fill(noRow);
-    problem.nLcType = static_cast<int>(peaks.media.size());
-    std::array<TypeList, maxMedia> types = {};
-    if (findPeaks(pdbInfo, dTab, peaks, problem) != 0 || findRows(dTab, peaks, problem, types) != 0 ||
-        fillMatrices(pdbInfo, dTab, types, peaks, problem) != 0)
-        return 1;
-    reportMatrices(peaks, problem);
-    return fillFixed(dTab, peaks, problem);
+    if (input.media.size() > maxMedia) {
+        messages.err("Error: %zu alignment media, the limit is %zu.\n", input.media.size(), maxMedia);
+        return std::nullopt;
+    }
+    Making making = {.input = input, .messages = messages};
+    startProblem(making);
+    if (findPeaks(making) != Status::ok || findRows(making) != Status::ok ||
+        fillMatrices(making) != Status::ok)
+        return std::nullopt;
+    reportMatrices(making);
+    if (fillFixed(making) != Status::ok)
+        return std::nullopt;
+    return TableProblem{std::move(making.problem), std::move(making.peaks)};
 }
 
 } // namespace trelm

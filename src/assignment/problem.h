@@ -1,21 +1,23 @@
 // What an assignment search works on: couplings by peak, internuclear vectors by residue, fixed couplings.
 #pragma once
 
+#include "assignment/options.h"
 #include "couplings/dipolar.h"
-#include "ground/trelm.h"
+#include "ground/messages.h"
 #include "structure/pdb.h"
 
 #include <array>
 #include <cstddef>
 #include <map>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
 namespace trelm {
 
-constexpr int maxPeaks = 800;        ///< peaks of a search
-constexpr int couplingTypeCount = 8; ///< coupling types of a medium
+constexpr std::size_t maxPeaks = 800;        ///< peaks of a search
+constexpr std::size_t couplingTypeCount = 8; ///< coupling types of a medium
 /// Score of a medium whose tensor lies outside the window. A search takes nothing that is no better than
 /// that.
 constexpr float outsideWindow = 1.0e8f;
@@ -34,25 +36,20 @@ struct FixedCoupling {
 /// The matrices and lists of a search. A matrix has peakCount rows of colId columns, row after row; the
 /// columns of the media stand side by side. An assignment puts peak rows on residue rows.
 struct AssignmentProblem {
-    int peakCount = 0;
-    int colId = 0;
+    std::size_t peakCount = 0;
+    std::size_t colId = 0;
     std::vector<float> dcMat;            ///< by peak: coupling, Hz; noPeakCoupling where there is none
     std::vector<float> diValMat;         ///< by peak: interaction constant, Hz
     std::vector<float> sigMat, wMat;     ///< by peak: error, Hz, and weight; 0 where there is no coupling
     std::vector<float> xMat, yMat, zMat; ///< by residue: vector, angstrom; 0 where there is none
     std::vector<FixedCoupling> fixed;    ///< medium after medium
-    int nLcType = 1;                     ///< media
-    std::array<int, maxMedia> nDTypList = {}; ///< fixed couplings of each medium
-    std::array<int, maxMedia> colIdList = {}; ///< columns of each medium
-    float lDa = -25.0f, hDa = -3.0f;          ///< the window: Da on the scale of an amide pair, Hz
-    float lR = 0.0f, hR = 0.7f;               ///< and R; all limits lie outside of it
+    std::size_t nLcType = 1;             ///< media
+    std::array<std::size_t, maxMedia> nDTypList = {}; ///< fixed couplings of each medium
+    std::array<std::size_t, maxMedia> colIdList = {}; ///< columns of each medium
+    TensorWindow window;
 
     /// Place of a cell in the matrices.
-    [[nodiscard]] std::size_t at(int row, int column) const
-    {
-        return static_cast<std::size_t>(row) * static_cast<std::size_t>(colId) +
-               static_cast<std::size_t>(column);
-    }
+    [[nodiscard]] std::size_t at(std::size_t row, std::size_t column) const { return row * colId + column; }
 };
 
 /// Where a problem comes from in the coupling table: what brings an assignment back into it.
@@ -69,6 +66,21 @@ struct PeakTable {
     std::vector<bool> hasRow; ///< by cell of the matrices: the residue has a row of the type
 };
 
+/// A problem, and its way back into the table.
+struct TableProblem {
+    AssignmentProblem problem;
+    PeakTable peaks;
+};
+
+/// What a problem is made from. Structure and lists have to outlive it.
+struct ProblemInput {
+    PDBInfo &pdbInfo;
+    const DTable &dTab;
+    std::span<const int> fixResList;       ///< residues whose assignment is fixed
+    const std::vector<std::string> &media; ///< names of the media
+    TensorWindow window = {};
+};
+
 /// Type of a measured coupling by its atom names, in either order, or noType.
 int couplingType(const DInfo &obs);
 
@@ -79,13 +91,12 @@ int peakIdOf(const DInfo &obs, int type);
 /// Whether a residue number stands among the fixed ones.
 bool isFixed(const PeakTable &peaks, int resID);
 
-/// Makes the problem of a table: peaks, residues, matrices and fixed couplings. peaks.fixResList and
-/// peaks.media are given, the rest of it and the problem are made here, but for the window. What is found is
-/// told on standard output. Couplings of unknown kind are passed over. A peak without a coupling of some type
-/// takes part without it, which is told; the vector of its residue comes from the structure, and has length 0
-/// where that lacks the atoms. Returns 0, or 1 after a message: more than maxPeaks peaks, couplings of
-/// several atoms, a fixed one of unknown kind. Where there is no peak at all the remark that there are 0 of
-/// them is all that is told, and 1 returned.
-int makeProblem(PDBInfo &pdbInfo, const DTable &dTab, PeakTable &peaks, AssignmentProblem &problem);
+/// Makes the problem of a table: peaks, residues, matrices and fixed couplings, and says what it has found.
+/// Couplings of unknown kind are passed over. A peak without a coupling of some type takes part without it,
+/// after a warning; the vector of its residue comes from the structure, and has length 0 where that lacks the
+/// atoms. Returns nothing after a message: more than maxMedia media or maxPeaks peaks, couplings of several
+/// atoms, a fixed one of unknown kind. Where there is no peak at all the remark that there are 0 of them is
+/// the message.
+std::optional<TableProblem> makeProblem(const ProblemInput &input, Messages &messages);
 
 } // namespace trelm

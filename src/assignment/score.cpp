@@ -2,7 +2,6 @@
 
 #include "couplings/fit.h"
 #include "couplings/tensor.h"
-#include "support/text/text.h"
 
 #include <algorithm>
 
@@ -31,7 +30,7 @@ void append(ScoreWork &work, const FixedCoupling &coupling)
 /// One medium's share of a problem.
 struct MediumPart {
     std::span<const FixedCoupling> fixed;
-    int firstColumn = 0, columns = 0;
+    std::size_t firstColumn = 0, columns = 0;
 };
 
 /// The couplings of a medium: the fixed ones, then residue by residue those of the peak on it.
@@ -41,10 +40,10 @@ void collectCouplings(const AssignmentProblem &problem, const MediumPart &medium
     clearLists(work);
     for (const FixedCoupling &coupling : medium.fixed)
         append(work, coupling);
-    for (int k = 0; k < problem.peakCount; ++k) {
-        const std::size_t peak = problem.at(rowIdList[static_cast<std::size_t>(k)], medium.firstColumn);
+    for (std::size_t k = 0; k < problem.peakCount; ++k) {
+        const std::size_t peak = problem.at(rowIdList[k], medium.firstColumn);
         const std::size_t residue = problem.at(k, medium.firstColumn);
-        for (std::size_t c = 0; c < static_cast<std::size_t>(medium.columns); ++c) {
+        for (std::size_t c = 0; c < medium.columns; ++c) {
             if (problem.dcMat[peak + c] == noPeakCoupling)
                 continue;
             append(work, {problem.xMat[residue + c], problem.yMat[residue + c], problem.zMat[residue + c],
@@ -63,11 +62,11 @@ FitVectors vectorsOf(ScoreWork &work)
 }
 
 /// Whether a tensor lies inside the window. A Da of 0 has an R of 0 / 0, which no window holds.
-bool isInside(const AssignmentProblem &problem, const TensorAnalysis &analysis)
+bool isInside(const TensorWindow &window, const TensorAnalysis &analysis)
 {
     const auto da = static_cast<float>(analysis.da * amideHertz);
     const auto r = static_cast<float>(analysis.dr / analysis.da);
-    return problem.lDa < da && da < problem.hDa && problem.lR < r && r < problem.hR;
+    return window.lowDa < da && da < window.highDa && window.lowR < r && r < window.highR;
 }
 
 float sumOfSquares(const ScoreWork &work)
@@ -91,10 +90,10 @@ float scoreMedium(const AssignmentProblem &problem, ScoreWork &work)
     std::ranges::copy(fitted, saupe.begin());
     TensorAnalysis analysis;
     if (analyzeSaupe(saupe, 0, 0, analysis) != 0) {
-        complain("trelm: error in analyzeSaupe.\n");
+        work.messages.err("trelm: error in analyzeSaupe.\n");
         return outsideWindow; // what is no number lies in no window
     }
-    if (!isInside(problem, analysis))
+    if (!isInside(problem.window, analysis))
         return outsideWindow;
     findD(vectors, fitted, deviations);
     return sumOfSquares(work);
@@ -107,15 +106,13 @@ float getSvdChi2Exh(const AssignmentProblem &problem, std::span<const int> rowId
     if (problem.nLcType == 0)
         return outsideWindow;
     float sum = 0.0f;
-    std::size_t firstFixed = 0;
-    int firstColumn = 0;
-    for (std::size_t n = 0; n < static_cast<std::size_t>(problem.nLcType); ++n) {
-        const auto fixedCount = static_cast<std::size_t>(problem.nDTypList[n]);
-        const MediumPart medium = {std::span(problem.fixed).subspan(firstFixed, fixedCount), firstColumn,
-                                   problem.colIdList[n]};
+    std::size_t firstFixed = 0, firstColumn = 0;
+    for (std::size_t n = 0; n < problem.nLcType; ++n) {
+        const MediumPart medium = {std::span(problem.fixed).subspan(firstFixed, problem.nDTypList[n]),
+                                   firstColumn, problem.colIdList[n]};
         collectCouplings(problem, medium, rowIdList, work);
         sum += scoreMedium(problem, work);
-        firstFixed += fixedCount;
+        firstFixed += problem.nDTypList[n];
         firstColumn += problem.colIdList[n];
     }
     return sum;

@@ -10,12 +10,13 @@ namespace trelm {
 
 /// The lists of a score; they stay from call to call.
 struct ScoreWork {
-    std::vector<float> zero;    ///< the place of atom I
-    std::vector<float> x, y, z; ///< vectors, angstrom
-    std::vector<float> d;       ///< couplings, and then those of the tensor, Hz
-    std::vector<float> di, sigma;
-    std::vector<float> w;
-    std::vector<float> dOrig; ///< couplings, Hz
+    Messages &messages;                        ///< for an assignment whose tensor is no number
+    std::vector<float> zero = {};              ///< the place of atom I
+    std::vector<float> x = {}, y = {}, z = {}; ///< vectors, angstrom
+    std::vector<float> d = {};                 ///< couplings, and then those of the tensor, Hz
+    std::vector<float> di = {}, sigma = {};
+    std::vector<float> w = {};
+    std::vector<float> dOrig = {}; ///< couplings, Hz
 };
 
 /// The sum over the media of the squared weighted differences between the couplings and those of the order

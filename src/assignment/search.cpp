@@ -7,12 +7,10 @@
 #include "assignment/selection.h"
 #include "couplings/fit.h"
 #include "support/numerics/linear_assignment.h"
-#include "support/text/text.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
 #include <limits>
 #include <numeric>
 #include <utility>
@@ -28,19 +26,20 @@ constexpr int nodesPerLine = 512;        ///< how often the progress is shown
 /// A descent through the candidates, peak by peak.
 struct Descent {
     const SearchSpace &space;
-    ScoreWork work;
-    Candidate best;
+    Messages &messages;
+    ScoreWork work = {.messages = messages};
+    Candidate best = {};
     double limit = 0.0;        ///< of sums in exact arithmetic: above it nothing can be the answer
     std::vector<int> rowOf;    ///< of the peaks placed; -1 of the others
     std::vector<char> isTaken; ///< rows
-    CandidateCount settled;
+    CandidateCount settled = {0.0L, 0, true};
     long long nodes = 0;
 
     // Work space of a node, used up before the next one.
-    std::vector<int> openPeaks, openRows;
-    std::vector<RowRange> ranges;
-    std::vector<double> costs;
-    LinearAssignment solution;
+    std::vector<int> openPeaks = {}, openRows = {};
+    std::vector<RowRange> ranges = {};
+    std::vector<double> costs = {};
+    LinearAssignment solution = {};
 };
 
 /// The progress line, which the next one overwrites. There is none before the first candidate is settled.
@@ -48,8 +47,7 @@ void printoutput(const Descent &descent)
 {
     if (descent.nodes == 0)
         return;
-    std::fprintf(stderr, "REMARK Sampled %s\r", countText(descent.settled).c_str());
-    std::fflush(stderr);
+    descent.messages.err("REMARK Sampled %s\r", countText(descent.settled).c_str());
 }
 
 /// Candidates below a node: free rows of each range for the open peaks of it.
@@ -59,13 +57,13 @@ CandidateCount candidatesBelow(const Descent &descent)
     CandidateCount count = {1.0L, 1, true};
     for (std::size_t i = 0; i < space.peaks.size();) {
         const RowSpan rows = space.rowsFor[i];
-        int open = 0;
+        std::size_t open = 0;
         for (; i < space.peaks.size() && space.rowsFor[i].first == rows.first; ++i)
             open += descent.rowOf[i] < 0 ? 1 : 0;
-        const int free = static_cast<int>(
-            std::count(descent.isTaken.begin() + rows.first, descent.isTaken.begin() + rows.end, 0));
-        for (int k = 0; k < open; ++k)
-            count = count * (free - k);
+        const auto taken = std::span(descent.isTaken).subspan(rows.first, rows.end - rows.first);
+        std::size_t free = std::ranges::count(taken, 0);
+        for (; open > 0; --open, --free)
+            count = count * free;
     }
     return count;
 }
@@ -94,14 +92,12 @@ void setCosts(Descent &descent)
 {
     const BoundTables &tables = descent.space.tables;
     descent.costs.clear();
-    for (const int i : descent.openPeaks) {
-        const auto peak = static_cast<std::size_t>(i);
-        const auto &couplings = tables.peaks[static_cast<std::size_t>(descent.space.peaks[peak])];
+    for (const int peak : descent.openPeaks) {
+        const auto &couplings = tables.peaks[descent.space.peaks[peak]];
         for (std::size_t k = 0; k < descent.openRows.size(); ++k)
-            descent.costs.push_back(
-                descent.space.mayTake(peak, descent.openRows[k])
-                    ? pairCost(couplings, &descent.ranges[k * static_cast<std::size_t>(tables.columns)])
-                    : infinity);
+            descent.costs.push_back(descent.space.mayTake(peak, descent.openRows[k])
+                                        ? pairCost(couplings, &descent.ranges[k * tables.columns])
+                                        : infinity);
     }
 }
 
@@ -114,7 +110,7 @@ struct PlacedBound {
 PlacedBound boundPlaced(const Descent &descent, const MediaEquations &equations)
 {
     PlacedBound bound;
-    for (std::size_t medium = 0; medium < static_cast<std::size_t>(descent.space.tables.media); ++medium) {
+    for (std::size_t medium = 0; medium < descent.space.tables.media; ++medium) {
         bound.ellipsoids[medium] = makeEllipsoid(descent.space.tables, equations[medium], descent.limit);
         bound.least += bound.ellipsoids[medium].least;
     }
@@ -127,7 +123,7 @@ PlacedBound boundPlaced(const Descent &descent, const MediaEquations &equations)
 double boundNode(Descent &descent, const PlacedBound &placed)
 {
     const BoundTables &tables = descent.space.tables;
-    const auto media = static_cast<std::size_t>(tables.media);
+    const std::size_t media = tables.media;
     double open = 0.0;
     for (int round = 0; round < mostTightenings; ++round) {
         std::array<double, maxMedia> slack = {};
@@ -172,10 +168,9 @@ std::size_t choosePeak(const Descent &descent, double bound, std::vector<Choice>
             if (std::isfinite(cost) && bound + reduced <= descent.limit)
                 found.push_back({cost, descent.openRows[k]});
         }
-        const auto peak = static_cast<std::size_t>(descent.openPeaks[p]);
+        const int peak = descent.openPeaks[p];
         double own = 0.0;
-        for (const PeakCoupling &c :
-             descent.space.tables.peaks[static_cast<std::size_t>(descent.space.peaks[peak])])
+        for (const PeakCoupling &c : descent.space.tables.peaks[descent.space.peaks[peak]])
             own += c.w * c.w * c.d * c.d;
         if (found.size() > fewest || (found.size() == fewest && own <= weight))
             continue;
@@ -199,12 +194,12 @@ void finishCandidate(Descent &descent)
 void place(Descent &descent, std::size_t peak, int row)
 {
     descent.rowOf[peak] = row;
-    descent.isTaken[static_cast<std::size_t>(row)] = 1;
+    descent.isTaken[row] = 1;
 }
 
 void takeAway(Descent &descent, std::size_t peak)
 {
-    descent.isTaken[static_cast<std::size_t>(descent.rowOf[peak])] = 0;
+    descent.isTaken[descent.rowOf[peak]] = 0;
     descent.rowOf[peak] = -1;
 }
 
@@ -226,17 +221,16 @@ void descend(Descent &descent, const MediaEquations &equations)
     const RowSpan rows = descent.space.rowsFor[peak];
     std::vector<char> isTried(descent.isTaken.size(), 0);
     for (const Choice &choice : choices) {
-        isTried[static_cast<std::size_t>(choice.row)] = 1;
+        isTried[choice.row] = 1;
         MediaEquations below = equations;
         addPair(descent.space.tables, descent.space.peaks[peak], choice.row, below);
         place(descent, peak, choice.row);
         descend(descent, below);
         takeAway(descent, peak);
     }
-    for (int row = rows.first; row < rows.end; ++row) // what the bound left out
-        if (descent.isTaken[static_cast<std::size_t>(row)] == 0 &&
-            isTried[static_cast<std::size_t>(row)] == 0) {
-            place(descent, peak, row);
+    for (std::size_t row = rows.first; row < rows.end; ++row) // what the bound left out
+        if (descent.isTaken[row] == 0 && isTried[row] == 0) {
+            place(descent, peak, static_cast<int>(row));
             settle(descent, candidatesBelow(descent));
             takeAway(descent, peak);
         }
@@ -246,20 +240,19 @@ void descend(Descent &descent, const MediaEquations &equations)
 /// whatever the assignment, or a window that holds none.
 bool isHopeless(const SearchSpace &space)
 {
-    const AssignmentProblem &problem = space.problem;
+    const TensorWindow &window = space.problem.window;
     constexpr float highestR = 0.6667f; // by the order of the eigenvalues
-    if (!(problem.lDa < problem.hDa) || !(problem.lR < problem.hR) || problem.hR <= 0.0f ||
-        problem.lR > highestR)
+    if (!(window.lowDa < window.highDa) || !(window.lowR < window.highR) || window.highR <= 0.0f ||
+        window.lowR > highestR)
         return true;
-    std::array<int, maxMedia> couplings = {};
+    std::array<std::size_t, maxMedia> couplings = {};
     for (std::size_t medium = 0; medium < couplings.size(); ++medium)
         couplings[medium] = space.fixed[medium].count;
     for (const int peak : space.peaks)
-        for (const PeakCoupling &coupling : space.tables.peaks[static_cast<std::size_t>(peak)])
-            ++couplings[static_cast<std::size_t>(
-                space.tables.mediumOf[static_cast<std::size_t>(coupling.column)])];
+        for (const PeakCoupling &coupling : space.tables.peaks[peak])
+            ++couplings[space.tables.mediumOf[coupling.column]];
     return std::any_of(couplings.begin(), couplings.begin() + space.tables.media,
-                       [](int count) { return count < static_cast<int>(fewestCouplings); });
+                       [](std::size_t count) { return count < fewestCouplings; });
 }
 
 void searchFrom(Descent &descent)
@@ -271,91 +264,95 @@ void searchFrom(Descent &descent)
     descend(descent, descent.space.fixed);
 }
 
-/// Searches a space. `best` changes only if a candidate is better than outsideWindow.
-void searchSpace(const SearchSpace &space, BestAssignment &best)
+AssignmentResult searchSpace(const SearchSpace &space, Messages &messages)
 {
-    const auto peaks = space.peaks.size();
-    const auto rows = static_cast<std::size_t>(space.problem.peakCount);
     Descent descent = {.space = space,
-                       .work = {},
-                       .best = {},
-                       .rowOf = std::vector<int>(peaks, -1),
-                       .isTaken = std::vector<char>(rows, 0),
-                       .settled = {0.0L, 0, true},
-                       .openPeaks = {},
-                       .openRows = {},
-                       .ranges = {},
-                       .costs = {},
-                       .solution = {}};
+                       .messages = messages,
+                       .rowOf = std::vector<int>(space.peaks.size(), -1),
+                       .isTaken = std::vector<char>(space.problem.peakCount, 0)};
     const InterruptGuard guard;
     searchFrom(descent);
     printoutput(descent);
-    std::fputs("\n", stderr);
-    std::fflush(stderr);
-    best.isProved = !InterruptGuard::isInterrupted();
-    if (descent.best.rowOf.empty())
-        return;
-    best.pSumDMin = descent.best.score;
-    best.bestIdList.assign(rows, -1);
-    for (std::size_t i = 0; i < peaks; ++i)
-        best.bestIdList[static_cast<std::size_t>(descent.best.rowOf[i])] = space.peaks[i];
+    messages.err("\n");
+    AssignmentResult result = unassigned(space.problem);
+    result.isProved = !InterruptGuard::isInterrupted();
+    result.pSumDMin = descent.best.score;
+    for (std::size_t i = 0; i < descent.best.rowOf.size(); ++i)
+        result.bestIdList[descent.best.rowOf[i]] = space.peaks[i];
+    return result;
 }
 
 std::vector<int> allPeaks(const AssignmentProblem &problem)
 {
-    std::vector<int> peaks(static_cast<std::size_t>(problem.peakCount));
+    std::vector<int> peaks(problem.peakCount);
     std::iota(peaks.begin(), peaks.end(), 0);
     return peaks;
 }
 
-int checkItems(int items)
+Status checkItems(std::size_t items, Messages &messages)
 {
-    if (static_cast<std::size_t>(std::max(items, 0)) <= mostItems)
-        return 0;
-    return complain("trelm: %d peaks to permute, the limit is %zu.\n", items, mostItems);
+    if (items <= mostItems)
+        return Status::ok;
+    return messages.fail("trelm: %zu peaks to permute, the limit is %zu.\n", items, mostItems);
+}
+
+/// The residue rows of each peak of the classes.
+Status findClasses(std::span<const int> idCutList, std::vector<RowSpan> &rows, Messages &messages)
+{
+    for (const int size : idCutList) {
+        if (size < 0)
+            return messages.fail("trelm: -fixAa %d: a class has no such size.\n", size);
+        const std::size_t items = size, first = rows.size();
+        if (checkItems(items, messages) != Status::ok)
+            return Status::failed;
+        messages.err("REMARK Sampled %s\r\n", countText(arrangements(items, items)).c_str());
+        rows.insert(rows.end(), items, {first, first + items});
+    }
+    return Status::ok;
 }
 
 } // namespace
 
-int visitExh(const AssignmentProblem &problem, BestAssignment &best)
+AssignmentResult unassigned(const AssignmentProblem &problem)
 {
-    if (checkItems(problem.peakCount) != 0)
-        return 1;
-    const std::vector<RowSpan> rows(static_cast<std::size_t>(problem.peakCount), {0, problem.peakCount});
-    searchSpace(makeSearchSpace(problem, allPeaks(problem), rows), best);
-    return 0;
+    return {.bestIdList = std::vector<int>(problem.peakCount, -1)};
 }
 
-int visitAa(const AssignmentProblem &problem, std::span<const int> idCutList, BestAssignment &best)
+std::optional<AssignmentResult> visitExh(const AssignmentProblem &problem, Messages &messages)
+{
+    if (checkItems(problem.peakCount, messages) != Status::ok)
+        return std::nullopt;
+    const std::vector<RowSpan> rows(problem.peakCount, {0, problem.peakCount});
+    return searchSpace(makeSearchSpace(problem, allPeaks(problem), rows), messages);
+}
+
+std::optional<AssignmentResult> visitAa(const AssignmentProblem &problem, std::span<const int> idCutList,
+                                        Messages &messages)
 {
     if (idCutList.size() > mostClasses) {
-        complain("trelm: -fixAa has %zu classes, the limit is %zu: nothing is searched.\n\n",
-                 idCutList.size(), mostClasses);
-        return 0;
+        messages.err("trelm: -fixAa has %zu classes, the limit is %zu: nothing is searched.\n\n",
+                     idCutList.size(), mostClasses);
+        return unassigned(problem);
     }
     std::vector<RowSpan> rows;
-    int first = 0;
-    for (const int size : idCutList) {
-        if (size < 0 || checkItems(size) != 0)
-            return size < 0 ? complain("trelm: -fixAa %d: a class has no such size.\n", size) : 1;
-        std::fprintf(stderr, "REMARK Sampled %s\r\n", countText(arrangements(size, size)).c_str());
-        rows.insert(rows.end(), static_cast<std::size_t>(size), {first, first + size});
-        first += size;
+    if (findClasses(idCutList, rows, messages) != Status::ok)
+        return std::nullopt;
+    if (rows.size() != problem.peakCount) {
+        messages.err("REMARK Sampled 1\rError: Error in length of permutation.\n");
+        return std::nullopt;
     }
-    if (first != problem.peakCount)
-        return complain("REMARK Sampled 1\rError: Error in length of permutation.\n");
-    searchSpace(makeSearchSpace(problem, allPeaks(problem), rows), best);
-    return 0;
+    return searchSpace(makeSearchSpace(problem, allPeaks(problem), rows), messages);
 }
 
-int visitAllExh(const AssignmentProblem &problem, std::span<const int> selected, BestAssignment &best)
+std::optional<AssignmentResult> visitAllExh(const AssignmentProblem &problem, std::span<const int> selected,
+                                            Messages &messages)
 {
-    const int count = static_cast<int>(selected.size());
-    if (count < minSelected || count > maxSelected)
-        return complain("Warning: only subset of 2 to 7 peaks allowed!");
+    if (selected.size() < minSelected || selected.size() > maxSelected) {
+        messages.err("Warning: only subset of 2 to 7 peaks allowed!");
+        return std::nullopt;
+    }
     const std::vector<RowSpan> rows(selected.size(), {0, problem.peakCount});
-    searchSpace(makeSearchSpace(problem, {selected.begin(), selected.end()}, rows), best);
-    return 0;
+    return searchSpace(makeSearchSpace(problem, {selected.begin(), selected.end()}, rows), messages);
 }
 
 } // namespace trelm

@@ -7,6 +7,7 @@
 
 #include "assignment/problem.h"
 
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -15,24 +16,29 @@ namespace trelm {
 constexpr std::size_t mostItems = 500; ///< peaks of one search
 constexpr std::size_t mostClasses = 6; ///< of visitAa
 
-struct BestAssignment {
-    float pSumDMin = outsideWindow;
-    std::vector<int> bestIdList; ///< by residue row: the peak row on it, or -1
-    bool isProved = true;        ///< false: the user ended the search, and it is the best so far
+struct AssignmentResult {
+    float pSumDMin = outsideWindow; ///< its score
+    std::vector<int> bestIdList;    ///< by residue row: the peak row on it, or -1
+    bool isProved = true;           ///< false: the user ended the search, and it is the best so far
 };
 
-// Each prints how far it has come on the standard error stream, and a line feed at the end.
+/// What a search ends with where no assignment is better than outsideWindow.
+AssignmentResult unassigned(const AssignmentProblem &problem);
+
+// Each says how far it has come, and a line feed at the end.
 
 /// All permutations of the peaks. The order of enumeration: by the residue row of peak 0, then of peak 1, and
-/// so on. Returns 0, or 1 after a message if there are too many peaks.
-int visitExh(const AssignmentProblem &problem, BestAssignment &best);
+/// so on. Returns nothing, after a message, if there are too many peaks.
+std::optional<AssignmentResult> visitExh(const AssignmentProblem &problem, Messages &messages);
 
 /// Permutations within classes of consecutive peaks, of the given sizes. With more than mostClasses nothing
-/// is searched. Returns 0, or 1 after a message if the sizes do not add up to the number of peaks.
-int visitAa(const AssignmentProblem &problem, std::span<const int> idCutList, BestAssignment &best);
+/// is searched. Returns nothing, after a message, if the sizes do not add up to the number of peaks.
+std::optional<AssignmentResult> visitAa(const AssignmentProblem &problem, std::span<const int> idCutList,
+                                        Messages &messages);
 
 /// The selected peaks (rows, rising) on all subsets of residues: by subset in lexical order, then as
-/// visitExh. Returns 0, or 1 after a message if the number of selected peaks is not 2 to 7.
-int visitAllExh(const AssignmentProblem &problem, std::span<const int> selected, BestAssignment &best);
+/// visitExh. Returns nothing, after a message, if the number of selected peaks is not 2 to 7.
+std::optional<AssignmentResult> visitAllExh(const AssignmentProblem &problem, std::span<const int> selected,
+                                            Messages &messages);
 
 } // namespace trelm

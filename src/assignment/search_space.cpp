@@ -11,21 +11,18 @@ AssignmentProblem subProblem(const AssignmentProblem &problem, std::span<const i
                              std::span<const int> rows)
 {
     AssignmentProblem part;
-    part.peakCount = static_cast<int>(peaks.size());
+    part.peakCount = peaks.size();
     part.colId = problem.colId;
     part.fixed = problem.fixed;
     part.nLcType = problem.nLcType;
     part.nDTypList = problem.nDTypList;
     part.colIdList = problem.colIdList;
-    part.lDa = problem.lDa;
-    part.hDa = problem.hDa;
-    part.lR = problem.lR;
-    part.hR = problem.hR;
+    part.window = problem.window;
     const auto copyRows = [&](const std::vector<float> &from, std::span<const int> chosen,
                               std::vector<float> &to) {
         for (const int row : chosen) {
-            const auto first = from.begin() + static_cast<std::ptrdiff_t>(problem.at(row, 0));
-            to.insert(to.end(), first, first + problem.colId);
+            const std::span<const float> cells = std::span(from).subspan(problem.at(row, 0), problem.colId);
+            to.insert(to.end(), cells.begin(), cells.end());
         }
     };
     copyRows(problem.dcMat, peaks, part.dcMat);
@@ -49,15 +46,14 @@ std::vector<int> sorted(std::span<const int> rowOf)
 float scoreCandidate(const SearchSpace &space, std::span<const int> rowOf, ScoreWork &work)
 {
     std::vector<int> rowIdList(rowOf.size());
-    if (space.peakCount() == space.problem.peakCount) {
+    if (space.peaks.size() == space.problem.peakCount) {
         for (std::size_t i = 0; i < rowOf.size(); ++i)
-            rowIdList[static_cast<std::size_t>(rowOf[i])] = static_cast<int>(i);
+            rowIdList[rowOf[i]] = static_cast<int>(i);
         return getSvdChi2Exh(space.problem, rowIdList, work);
     }
     const std::vector<int> rows = sorted(rowOf);
     for (std::size_t i = 0; i < rowOf.size(); ++i)
-        rowIdList[static_cast<std::size_t>(std::ranges::lower_bound(rows, rowOf[i]) - rows.begin())] =
-            static_cast<int>(i);
+        rowIdList[std::ranges::lower_bound(rows, rowOf[i]) - rows.begin()] = static_cast<int>(i);
     return getSvdChi2Exh(subProblem(space.problem, space.peaks, rows), rowIdList, work);
 }
 

@@ -12,7 +12,7 @@ namespace trelm {
 
 /// Rows first to end - 1.
 struct RowSpan {
-    int first = 0, end = 0;
+    std::size_t first = 0, end = 0;
 };
 
 /// A candidate puts each of the peaks on a residue row of its own. They are enumerated by the set of rows in
@@ -24,8 +24,7 @@ struct SearchSpace {
     std::vector<int> peaks;       ///< peak rows, rising
     std::vector<RowSpan> rowsFor; ///< residue rows that each of them may take
 
-    [[nodiscard]] int peakCount() const { return static_cast<int>(peaks.size()); }
-    [[nodiscard]] bool mayTake(std::size_t peak, int row) const
+    [[nodiscard]] bool mayTake(std::size_t peak, std::size_t row) const
     {
         return row >= rowsFor[peak].first && row < rowsFor[peak].end;
     }

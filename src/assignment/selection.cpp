@@ -1,10 +1,7 @@
 #include "assignment/selection.h"
 
-#include "support/text/text.h"
-
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <functional>
 #include <limits>
 #include <numeric>
@@ -23,16 +20,16 @@ struct PeakValues {
     std::vector<float> ladder;              ///< the values that a selection should have, rising
 };
 
-bool hasCoupling(const AssignmentProblem &problem, int row, int column)
+bool hasCoupling(const AssignmentProblem &problem, std::size_t row, std::size_t column)
 {
     return problem.dcMat[problem.at(row, column)] != noPeakCoupling;
 }
 
 void collectValues(const AssignmentProblem &problem, PeakValues &peaks)
 {
-    for (int row = 0; row < problem.peakCount; ++row) {
+    for (std::size_t row = 0; row < problem.peakCount; ++row) {
         std::vector<float> &values = peaks.values.emplace_back();
-        for (int column = 0; column < problem.colId; ++column)
+        for (std::size_t column = 0; column < problem.colId; ++column)
             if (hasCoupling(problem, row, column))
                 values.push_back(problem.dcMat[problem.at(row, column)] *
                                  problem.wMat[problem.at(row, column)]);
@@ -42,26 +39,26 @@ void collectValues(const AssignmentProblem &problem, PeakValues &peaks)
 }
 
 /// Tells how many couplings the selection will have. Returns that number.
-int reportCounts(int nSel, PeakValues &peaks)
+int reportCounts(int nSel, PeakValues &peaks, Messages &messages)
 {
     peaks.largest = peaks.counts;
     std::ranges::sort(peaks.largest, std::greater());
-    std::printf("REMARK Maximum of %d available RDCs per peak.\n",
-                peaks.largest.empty() ? 0 : peaks.largest.front());
+    messages.out("REMARK Maximum of %d available RDCs per peak.\n",
+                 peaks.largest.empty() ? 0 : peaks.largest.front());
     peaks.largest.resize(std::min(peaks.largest.size(), static_cast<std::size_t>(std::max(nSel, 0))));
     int nDMax = 0;
-    std::printf("REMARK %d peaks with", nSel);
+    messages.out("REMARK %d peaks with", nSel);
     for (const int count : peaks.largest) {
-        std::printf(" %d", count);
+        messages.out(" %d", count);
         nDMax += count;
     }
-    std::printf(" RDCs will be selected.\n");
-    std::printf("REMARK %d peaks with %d RDCs in total will be selected.\n", nSel, nDMax);
+    messages.out(" RDCs will be selected.\n");
+    messages.out("REMARK %d peaks with %d RDCs in total will be selected.\n", nSel, nDMax);
     return nDMax;
 }
 
 /// Makes the ladder. Its range always holds 0, which unused columns stand for.
-void makeLadder(int nDMax, PeakValues &peaks)
+void makeLadder(int nDMax, PeakValues &peaks, Messages &messages)
 {
     float dcMin = 0.0f, dcMax = 0.0f;
     for (const std::vector<float> &values : peaks.values)
@@ -69,8 +66,8 @@ void makeLadder(int nDMax, PeakValues &peaks)
             dcMin = std::min(dcMin, value);
             dcMax = std::max(dcMax, value);
         }
-    std::printf("REMARK Smallest and largest normalized RDC: %.3f %.3f [Hz].\n", static_cast<double>(dcMin),
-                static_cast<double>(dcMax));
+    messages.out("REMARK Smallest and largest normalized RDC: %.3f %.3f [Hz].\n", static_cast<double>(dcMin),
+                 static_cast<double>(dcMax));
     for (int n = 0; n < nDMax; ++n)
         peaks.ladder.push_back(nDMax == 1 ? dcMin
                                           : dcMin + static_cast<float>(n) * (dcMax - dcMin) /
@@ -113,18 +110,17 @@ double spreadBound(std::span<const float> values, std::span<const float> ladder,
 /// often as the list of them has it.
 bool fitsCounts(const SpreadSearch &search, int row)
 {
-    const int count = search.peaks.counts[static_cast<std::size_t>(row)];
+    const int count = search.peaks.counts[row];
     const auto allowed = std::ranges::count(search.peaks.largest, count);
-    const auto used = std::ranges::count_if(search.rows, [&](int other) {
-        return search.peaks.counts[static_cast<std::size_t>(other)] == count;
-    });
+    const auto used =
+        std::ranges::count_if(search.rows, [&](int other) { return search.peaks.counts[other] == count; });
     return used < allowed;
 }
 
 /// Adds a row to the combination.
 void push(SpreadSearch &search, int row)
 {
-    const std::vector<float> &more = search.peaks.values[static_cast<std::size_t>(row)];
+    const std::vector<float> &more = search.peaks.values[row];
     const std::vector<float> &before = search.sorted[search.rows.size()];
     search.rows.push_back(row);
     std::vector<float> &after = search.sorted[search.rows.size()];
@@ -154,7 +150,7 @@ void visitCombinations(SpreadSearch &search)
         push(search, row);
         visitCombinations(search);
         search.rows.pop_back();
-        if (search.peaks.counts[static_cast<std::size_t>(row)] > search.peaks.largest.back())
+        if (search.peaks.counts[row] > search.peaks.largest.back())
             return; // no combination does without this row
     }
 }
@@ -176,7 +172,7 @@ double goodSpread(SpreadSearch &search)
     std::vector<int> rows(search.peaks.counts.size());
     for (std::size_t i = 0; i < rows.size(); ++i)
         rows[i] = static_cast<int>(i);
-    const auto countOf = [&](int row) { return search.peaks.counts[static_cast<std::size_t>(row)]; };
+    const auto countOf = [&](int row) { return search.peaks.counts[row]; };
     std::ranges::stable_sort(rows, std::greater(), countOf);
     std::vector<int> chosen(rows.begin(),
                             rows.begin() + static_cast<std::ptrdiff_t>(search.peaks.largest.size()));
@@ -212,12 +208,12 @@ std::vector<int> mostEvenRows(const PeakValues &peaks)
     return search.best;
 }
 
-void reportSelection(const std::vector<int> &selected)
+void reportSelection(const std::vector<int> &selected, Messages &messages)
 {
-    std::printf("REMARK DC Peaks");
+    messages.out("REMARK DC Peaks");
     for (const int row : selected)
-        std::printf(" %d", row + 1);
-    std::printf(" have been selected.\n.");
+        messages.out(" %d", row + 1);
+    messages.out(" have been selected.\n.");
 }
 
 std::vector<int> firstRows(int count)
@@ -229,27 +225,35 @@ std::vector<int> firstRows(int count)
 
 } // namespace
 
-int selectPeaks(const AssignmentProblem &problem, int nSel, int dcSelOpt, std::vector<int> &selected)
+std::optional<std::vector<int>> selectPeaks(const AssignmentProblem &problem,
+                                            const AssignmentOptions &options, Messages &messages)
 {
-    selected.clear();
+    const int nSel = options.nSel;
     const bool isAllowed = nSel >= minSelected && nSel <= maxSelected;
-    if (isAllowed && nSel > problem.peakCount)
-        return complain("Error: -nSel %d, but there are only %d peaks.\n", nSel, problem.peakCount);
+    if (isAllowed && std::cmp_greater(nSel, problem.peakCount)) {
+        messages.err("Error: -nSel %d, but there are only %zu peaks.\n", nSel, problem.peakCount);
+        return std::nullopt;
+    }
     PeakValues peaks;
     collectValues(problem, peaks);
-    const int nDMax = reportCounts(nSel, peaks);
-    makeLadder(nDMax, peaks);
-    if (dcSelOpt == 0)
-        reportSelection(selected = firstRows(std::min(nSel, problem.peakCount)));
-    if (!isAllowed)
-        return complain("Warning: only subset of 2 to 7 peaks allowed!");
-    if (dcSelOpt != 0) {
-        selected = mostEvenRows(peaks);
-        if (static_cast<int>(selected.size()) != nSel)
-            return complain("Error: # of selected peaks != %d.\n", nSel);
-        reportSelection(selected);
+    const int nDMax = reportCounts(nSel, peaks, messages);
+    makeLadder(nDMax, peaks, messages);
+    std::vector<int> selected;
+    if (options.dcSelOpt == 0)
+        reportSelection(selected = firstRows(std::min(nSel, static_cast<int>(problem.peakCount))), messages);
+    if (!isAllowed) {
+        messages.err("Warning: only subset of 2 to 7 peaks allowed!");
+        return std::nullopt;
     }
-    return 0;
+    if (options.dcSelOpt == 0)
+        return selected;
+    selected = mostEvenRows(peaks);
+    if (std::ssize(selected) != nSel) {
+        messages.err("Error: # of selected peaks != %d.\n", nSel);
+        return std::nullopt;
+    }
+    reportSelection(selected, messages);
+    return selected;
 }
 
 } // namespace trelm

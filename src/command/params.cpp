@@ -51,8 +51,8 @@ constexpr OptionRow fitKindRows[] = {
     {"-rand", &TrelmInfo::spreadMode, spreadRand},
     {"-exhaust", &TrelmInfo::spreadMode, spreadExhaust},
     {"-exhaustSel", &TrelmInfo::spreadMode, spreadExhaustSel},
-    {"-dcOpt", &TrelmInfo::dcSelOpt, 1},
-    {"-nodcOpt", &TrelmInfo::dcSelOpt, 0},
+    {"-dcOpt", &AssignmentOptions::dcSelOpt, 1},
+    {"-nodcOpt", &AssignmentOptions::dcSelOpt, 0},
     {"-single", &TrelmInfo::spreadMode, spreadSingle},
     {"-jack", &TrelmInfo::spreadMode, spreadJack},
     {"-mcDc", &TrelmInfo::spreadMode, spreadMcDc},
@@ -259,7 +259,11 @@ constexpr OptionRow magnitudeRows[] = {
     {"-mapMl", &MagnitudeOptions::mlMap, 1},
     {"-noclearMl", &MagnitudeOptions::mlClear, 0},
     {"-clearMl", &MagnitudeOptions::mlClear, 1},
-    {"-nSel", &TrelmInfo::nSel, {}, true},
+    {"-nSel", &AssignmentOptions::nSel, {}, true},
+    {"-lDa", &TensorWindow::lowDa, {}, true},
+    {"-hDa", &TensorWindow::highDa, {}, true},
+    {"-lR", &TensorWindow::lowR, {}, true},
+    {"-hR", &TensorWindow::highR, {}, true},
 };
 
 constexpr std::string_view specialFlagList[] = {
@@ -434,51 +438,51 @@ int tooMany(std::string_view flag, std::size_t found, std::size_t limit)
                     std::string(flag).c_str(), limit, found);
 }
 
-/// Reads a list of integers. `count` is set only if the option is there. Returns 0, or 1 after a message.
-int readIntList(const CommandLine &line, std::string_view flag, std::span<int> list,
-                std::optional<int> &count)
+/// Reads a list of integers; without the option it stays empty. Returns 0, or 1 after a message.
+int readIntList(const CommandLine &line, std::string_view flag, std::size_t limit,
+                std::optional<std::vector<int>> &list)
 {
     if (flagLoc(line.argc, line.argv, flag) == 0)
         return 0;
     const std::vector<const char *> words = listWords(line.argc, line.argv, flag);
-    if (words.size() > list.size())
-        return tooMany(flag, words.size(), list.size());
+    if (words.size() > limit)
+        return tooMany(flag, words.size(), limit);
     if (words.empty())
         warnNoValue(flag);
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        warnIntWord(flag, words[i]);
-        list[i] = intWord(words[i]);
+    list.emplace();
+    for (const char *word : words) {
+        warnIntWord(flag, word);
+        list->push_back(intWord(word));
     }
-    count = static_cast<int>(words.size());
     return 0;
 }
 
-int readPeakLists(const CommandLine &line, RunOptions &options, TrelmInfo &trelmInfo)
+int readPeakLists(const CommandLine &line, AssignmentOptions &assignment)
 {
-    std::optional<int> aaCount;
-    std::optional<int> resCount;
-    if (readIntList(line, "-fixAa", trelmInfo.exCheckList, aaCount) != 0 ||
-        readIntList(line, "-fixRes", options.fixResList, resCount) != 0)
+    std::optional<std::vector<int>> classes, residues;
+    if (readIntList(line, "-fixAa", maxClasses, classes) != 0 ||
+        readIntList(line, "-fixRes", maxFixedResidues, residues) != 0)
         return 1;
-    trelmInfo.nAaCheck = aaCount.value_or(trelmInfo.nAaCheck);
     // One counter serves all lists: without -fixRes it shows the length of the list that was read last, and
     // the assignment search has always seen that.
-    const int otherLists = flagLoc(line.argc, line.argv, "-inS") != 0 ? 5 : 3;
-    options.nFixAa = resCount.value_or(aaCount.value_or(otherLists));
+    const std::size_t otherLists = flagLoc(line.argc, line.argv, "-inS") != 0 ? 5 : 3;
+    assignment.classes = classes.value_or(std::vector<int>());
+    assignment.fixedResidues =
+        residues.value_or(std::vector<int>(classes ? classes->size() : otherLists, noFixedResidue));
     return 0;
 }
 
-int readMedia(const CommandLine &line, TrelmInfo &trelmInfo)
+int readMedia(const CommandLine &line, AssignmentOptions &assignment)
 {
     if (flagLoc(line.argc, line.argv, "-dcID") == 0)
         return 0;
     const std::vector<const char *> words = listWords(line.argc, line.argv, "-dcID");
-    if (words.size() > trelmInfo.chainDc.size())
-        return tooMany("-dcID", words.size(), trelmInfo.chainDc.size());
+    if (words.size() > maxMedia)
+        return tooMany("-dcID", words.size(), maxMedia);
     if (words.empty())
         warnNoValue("-dcID");
-    std::ranges::copy(words, trelmInfo.chainDc.begin());
-    trelmInfo.nChainDc = std::max(1, static_cast<int>(words.size()));
+    else
+        assignment.media.assign(words.begin(), words.end());
     return 0;
 }
 
@@ -512,7 +516,7 @@ int readMainOptions(const CommandLine &line, const OptionRecords &records)
     if (readValues(line.argc, line.argv, "-inS", "-inS", options.userSaupe1) != 0)
         return 1;
     rows(magnitudeRows);
-    if (readPeakLists(line, options, trelmInfo) != 0)
+    if (readPeakLists(line, trelmInfo) != 0)
         return 1;
     return readMedia(line, trelmInfo);
 }

@@ -1,6 +1,7 @@
 // The run record: every parameter of a run, with its default at the field.
 #pragma once
 
+#include "assignment/options.h"
 #include "compare/options.h"
 #include "errors/options.h"
 #include "magnitude/options.h"
@@ -13,9 +14,6 @@ namespace trelm {
 
 constexpr int maxCharges = 1200;       ///< charges of a simulation
 constexpr int maxOrientations = 40001; ///< orientation points on the sphere
-constexpr int maxFixResList = 800;     ///< values of -fixRes
-constexpr int maxFixAaList = 25;       ///< values of -fixAa
-constexpr int maxMedia = 3;            ///< values of -dcID
 
 /// Domains and ensembles. Most of it comes from the configuration file.
 struct DomainOptions {
@@ -131,16 +129,6 @@ struct ReportOptions {
     int rotN = 0;     ///< index of the rotation of the PDB, or of a hinge axis
 };
 
-/// Search of assignments.
-struct AssignmentOptions {
-    int nAaCheck = 1;                               ///< used entries of exCheckList
-    std::array<int, maxFixAaList> exCheckList = {}; ///< number of peaks of each amino acid type
-    int nSel = 0;                                   ///< peaks to select for -exhaustSel
-    int dcSelOpt = 1;                               ///< optimise the peak selection
-    int nChainDc = 1;                               ///< used entries of chainDc
-    std::array<std::string, maxMedia> chainDc;      ///< alignment media ids, the segment names in the PDB
-};
-
 /// Every parameter of a run. Option names stand in the table of command/params.
 struct TrelmInfo : DomainOptions,
                    ChargeOptions,
@@ -158,7 +146,8 @@ struct TrelmInfo : DomainOptions,
                    ComparisonOptions,
                    ConversionOptions,
                    DrawOptions,
-                   AssignmentOptions {
+                   AssignmentOptions,
+                   TensorWindow {
     int validCountD = 0; ///< couplings that survive selection and mapping
 };
 
@@ -174,9 +163,6 @@ struct DcInfo {
     int aFirst = -999999;   ///< first residue in the PDB that corresponds to segFirst
     int excludeMode = 3;    ///< 1 exclusive, 2 inclusive, 3 inclusive with the maximum range
 };
-
-/// 1 if the larger of the two residue ids stands among the first nFixAa entries of the list, else 0.
-int chkFixAa(int nFixAa, const int *fixResList, int resIDI, int resIDJ);
 
 /// The fatal exit of the numerical code: three lines on the standard error stream, then the process ends with
 /// status 1, without the tear-down and the memory balance of other failures.

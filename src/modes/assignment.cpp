@@ -1,26 +1,71 @@
 #include "modes/assignment.h"
 
+#include "assignment/assigned_rows.h"
 #include "assignment/assignment.h"
-#include "support/text/text.h"
+#include "couplings/output.h"
+#include "ground/messages.h"
+#include "ground/modes.h"
 
 namespace trelm {
+namespace {
+
+SearchKind searchKind(const ModeOptions &mode)
+{
+    switch (mode.spreadMode) {
+    case spreadRand:
+        return SearchKind::random;
+    case spreadExhaustSel:
+        return SearchKind::selected;
+    default:
+        return SearchKind::all;
+    }
+}
+
+/// Searches, and leaves the table with its couplings assigned and fitted. Returns whether the assignment is
+/// proved to be the best; nothing after a message.
+std::optional<bool> assignTable(Run &run, Messages &messages)
+{
+    const RunOptions &options = run.options;
+    const TrelmInfo &info = run.trelmInfo[0];
+    DTable &dTab = run.dTab[0];
+    const ProblemInput input = {.pdbInfo = run.pdbInfo[0],
+                                .dTab = dTab,
+                                .fixResList = info.fixedResidues,
+                                .media = info.media,
+                                .window = info};
+    const std::optional<TableProblem> made = makeProblem(input, messages);
+    if (!made)
+        return std::nullopt;
+    const std::optional<AssignmentResult> found = searchAssignments(
+        made->problem, {.kind = searchKind(info), .mapCount = options.mapCount, .options = info}, messages);
+    if (!found || takeRows(applyAssignment(input, *made, found->bestIdList), dTab) != Status::ok ||
+        fitMedia(run.pdbInfo[0], info.media, info.verbFlag, dTab) != Status::ok)
+        return std::nullopt;
+    return found->isProved;
+}
+
+/// Returns 0, or non-zero after a message.
+int assignAndWrite(Run &run, Messages &messages)
+{
+    const std::optional<bool> isProved = assignTable(run, messages);
+    if (!isProved)
+        return 1;
+    const int status = writeFit({&run.pdbInfo[0], &run.sInfo, &run.dTab[0], &run.trelmInfo[0],
+                                 run.options.outDName, run.options.pRotName, run.options.remark});
+    if (status != 0 || *isProved)
+        return status;
+    messages.err("trelm: the search was interrupted: the assignment is the best so far, and not proved.\n");
+    return 1;
+}
+
+} // namespace
 
 int searchAssignment(Run &run)
 {
-    const RunOptions &options = run.options;
-    const auto fixed = static_cast<std::size_t>(options.nFixAa);
-    const int status = exhSimDC({.pdbInfo = &run.pdbInfo[0],
-                                 .sInfo = &run.sInfo,
-                                 .dTab = &run.dTab[0],
-                                 .trelmInfo = &run.trelmInfo[0],
-                                 .outDName = options.outDName,
-                                 .pdbRotName = options.pRotName,
-                                 .mapCount = options.mapCount,
-                                 .fixResList = std::span(options.fixResList).first(fixed),
-                                 .verbose = run.trelmInfo[0].verbFlag,
-                                 .remark = options.remark});
+    Messages &messages = standardMessages();
+    const int status = assignAndWrite(run, messages);
     if (status != 0)
-        complain("Matrix: error in best-fit of data.\n");
+        messages.err("Matrix: error in best-fit of data.\n");
     return status;
 }
 

@@ -9,13 +9,6 @@
 
 namespace trelm {
 
-/// Entries of the list of fixed residues that name no residue.
-constexpr auto noFixedResidues = [] {
-    std::array<int, maxFixResList> list = {};
-    list.fill(-999999);
-    return list;
-}();
-
 /// The options that belong to no other record. An empty name means that there is no such file. Of a report or
 /// table it means standard output; charges, states and axes are then not written, and the structures of a fit
 /// or a steric prediction go to the files .0 to .3.
@@ -55,9 +48,6 @@ struct RunOptions {
 
     Block<float> wList; ///< weights by residue, tag "listArg"; empty: none
     int wCount = 0;     ///< their number
-
-    std::array<int, maxFixResList> fixResList = noFixedResidues; ///< residues whose assignment is fixed
-    int nFixAa = 0; ///< the counter that the assignment search is given; without -fixRes it is above 0, too
 
     std::array<double, 5> userSaupe1 = {}, userSaupe2 = {}; ///< order matrices to compare
     std::array<float, 3> hingeAxis = {}, twistAxis = {};

@@ -1,8 +1,7 @@
 #include "assignment/problem.h"
 
-#include "assignment/moved_row.h"
-
-#include "common/said.h"
+#include "assignment/assigned_rows.h"
+#include "common/heard.h"
 #include "common/temp_file.h"
 #include "couplings/prepared.h"
 
@@ -59,21 +58,10 @@ struct Table : Prepared {
     }
 };
 
-struct Made {
-    int status = 0;
-    Said said;
-    AssignmentProblem problem;
-    PeakTable peaks;
-};
-
-Made make(Table &table, std::span<const int> fixResList = {}, const std::vector<std::string> &media = {""})
+const std::vector<std::string> noMedia = {""};
+std::optional<TableProblem> make(Table &table, Heard &heard)
 {
-    Made made;
-    made.peaks.fixResList = fixResList;
-    made.peaks.media = media;
-    made.said = said([&] { made.status = makeProblem(table.pdb, table.table, made.peaks, made.problem); });
-    made.peaks.fixResList = {};
-    return made;
+    return makeProblem({table.pdb, table.table, {}, noMedia}, heard.messages);
 }
 
 TEST(CouplingType, GoesByAtomNamesInEitherOrder)
@@ -105,15 +93,16 @@ TEST(MakeProblem, PutsEachCouplingInItsPlace)
 {
     // Residue 26 holds the CA-C coupling of peak 27; residue 30 belongs to no peak.
     Table table(lysines + "26 CA 26 C\n30 CA 30 C\n47 C 48 N\n29 C 30 N\n");
-    const Made made = make(table);
-    ASSERT_EQ(made.status, 0) << made.said.err;
-    EXPECT_EQ(made.said.err,
+    Heard heard;
+    const auto made = make(table, heard);
+    ASSERT_TRUE(made.has_value()) << heard.err;
+    EXPECT_EQ(heard.err,
               "Warning: no C-N coupling for peaks 6 11 27 29 33 63: they take part without it.\n"
               "Warning: no CA-C coupling for peaks 6 11 29 33 48 63: they take part without it.\n");
-    const AssignmentProblem &problem = made.problem;
-    const auto row = [&](int column) {
+    const AssignmentProblem &problem = made->problem;
+    const auto row = [&](std::size_t column) {
         std::vector<float> d;
-        for (int k = 0; k < problem.peakCount; ++k)
+        for (std::size_t k = 0; k < problem.peakCount; ++k)
             d.push_back(problem.dcMat[problem.at(k, column)]);
         return d;
     };
@@ -141,9 +130,11 @@ TEST(MakeProblem, TakesMissingVectorsFromTheStructure)
     // Numbers one below those of the structure: the pairs of peaks 26 and 10 are those of residues 26 and 10
     // there, the second a glycine, which has no HA.
     Table table("26 H 26 N\n28 H 28 N\n10 H 10 N\n27 HA 27 CA\n", 1);
-    Made made = make(table);
-    ASSERT_EQ(made.status, 0) << made.said.err;
-    AssignmentProblem &problem = made.problem;
+    Heard heard;
+    const ProblemInput input = {table.pdb, table.table, {}, noMedia};
+    const auto made = makeProblem(input, heard.messages);
+    ASSERT_TRUE(made.has_value()) << heard.err;
+    const AssignmentProblem &problem = made->problem;
     const AtomInfo *ca = findAtom(&table.pdb, 26, "CA", "A", ""),
                    *ha = findAtom(&table.pdb, 26, "HA", "A", "");
     ASSERT_TRUE(ca != nullptr && ha != nullptr);
@@ -155,10 +146,12 @@ TEST(MakeProblem, TakesMissingVectorsFromTheStructure)
     // The CA-HA coupling of peak 28 on each of the others.
     for (const std::vector<int> &best : {std::vector<int>{1, 0, 2}, {0, 2, 1}}) {
         const bool hasAtoms = best[0] == 1;
-        const auto row = static_cast<std::size_t>(table.table.dCount);
-        ASSERT_EQ(appendMovedRows(table.pdb, made.peaks, problem, best, table.table), 0);
-        ASSERT_EQ(table.table.observed().size(), row + 1);
-        const DInfo &obs = table.table.dObsList[row], &calc = table.table.dCalcList[row];
+        const AssignedRows rows = applyAssignment(input, *made, best);
+        ASSERT_EQ(rows.observed.size(), 5U);
+        ASSERT_EQ(rows.calculated.size(), 5U);
+        EXPECT_EQ(rows.observed[3].d, noPeakCoupling);
+        const DInfo &obs = rows.observed[4], &calc = rows.calculated[4];
+        EXPECT_EQ((std::array{obs.id, calc.id}), (std::array{5, 5}));
         EXPECT_EQ(obs.resIDI, hasAtoms ? 25 : 9);
         EXPECT_EQ(obs.resIDJ, obs.resIDI);
         EXPECT_EQ(obs.resNameI, hasAtoms ? "VAL" : "GLY");
@@ -169,30 +162,32 @@ TEST(MakeProblem, TakesMissingVectorsFromTheStructure)
         EXPECT_EQ(takesPart(calc), hasAtoms);
         EXPECT_EQ(hasAtoms ? calc.atomI[0] : ha, ha);
     }
-    EXPECT_EQ(table.table.maxCount, 6);
     const std::vector<int> none = {-1, -1, -1}, same = {0, 1, 2};
     for (const std::vector<int> &best : {none, same})
-        appendMovedRows(table.pdb, made.peaks, problem, best, table.table);
-    EXPECT_EQ(table.table.dCount, 6);
+        EXPECT_EQ(applyAssignment(input, *made, best).observed.size(), 4U);
+    ASSERT_EQ(takeRows(applyAssignment(input, *made, std::vector<int>{1, 0, 2}), table.table), Status::ok);
+    EXPECT_EQ((std::array{table.table.dCount, table.table.maxCount}), (std::array{5, 5}));
 }
 
 TEST(MakeProblem, KeepsFixedCouplingsByMedium)
 {
     const int fixed[] = {6, 11};
     Table table("27 H 27 N\n29 H 29 N\n6 H 6 N\n11 H 11 N\n");
-    Made made = make(table, fixed);
-    ASSERT_EQ(made.status, 0) << made.said.err;
-    EXPECT_NE(made.said.out.find("REMARK No couplings for residue. 6 11 are fixed.\n"
-                                 "REMARK 2 couplings fixed in total.\n"),
+    Heard heard;
+    auto made = makeProblem({table.pdb, table.table, fixed, noMedia}, heard.messages);
+    ASSERT_TRUE(made.has_value()) << heard.err;
+    EXPECT_NE(heard.out.find("REMARK No couplings for residue. 6 11 are fixed.\n"
+                             "REMARK 2 couplings fixed in total.\n"),
               std::string::npos)
-        << made.said.out;
-    EXPECT_EQ(made.said.err, "Warning: 2 N-HN Unassigned Peaks and 5 LYS Residues!\n");
-    ASSERT_EQ(made.problem.fixed.size(), 2U);
-    EXPECT_EQ(made.problem.fixed[1].d, 4.0f);
+        << heard.out;
+    EXPECT_EQ(heard.err, "Warning: 2 N-HN Unassigned Peaks and 5 LYS Residues!\n");
+    ASSERT_EQ(made->problem.fixed.size(), 2U);
+    EXPECT_EQ(made->problem.fixed[1].d, 4.0f);
 
     Table media("27 H 27 N @A\n27 H 27 N @B\n26 CA 26 C @B\n6 H 6 N @B\n11 H 11 N @A\n6 H 6 N @A\n");
-    made = make(media, fixed, {"A", "B"});
-    ASSERT_EQ(made.status, 0) << made.said.err;
+    const std::vector<std::string> names = {"A", "B"};
+    made = makeProblem({media.pdb, media.table, fixed, names}, heard.messages);
+    ASSERT_TRUE(made.has_value()) << heard.err;
     for (const char *line : {"REMARK Available Types of Unassigned Couplings of SegId A: N-HN.\n"
                              "REMARK Available Types of Unassigned Couplings of SegId B: N-HN CA-C.\n",
                              "REMARK # of coupling types for each SegID:  (A 1) (B 2).\n",
@@ -200,11 +195,11 @@ TEST(MakeProblem, KeepsFixedCouplingsByMedium)
                              "REMARK Couplings of type A for residue 11 6 are fixed.\n"
                              "REMARK Couplings of type B for residue 6 are fixed.\n"
                              "REMARK 3 couplings fixed in total.\n"})
-        EXPECT_NE(made.said.out.find(line), std::string::npos) << line << made.said.out;
-    EXPECT_EQ(made.problem.nDTypList, (std::array<int, 3>{2, 1, 0}));
-    EXPECT_EQ(made.problem.colIdList, (std::array<int, 3>{1, 2, 0}));
-    EXPECT_EQ(made.problem.dcMat, (std::vector<float>{1, 2, 3}));
-    EXPECT_EQ(made.problem.fixed[2].d, 4.0f);
+        EXPECT_NE(heard.out.find(line), std::string::npos) << line << heard.out;
+    EXPECT_EQ(made->problem.nDTypList, (std::array<std::size_t, 3>{2, 1, 0}));
+    EXPECT_EQ(made->problem.colIdList, (std::array<std::size_t, 3>{1, 2, 0}));
+    EXPECT_EQ(made->problem.dcMat, (std::vector<float>{1, 2, 3}));
+    EXPECT_EQ(made->problem.fixed[2].d, 4.0f);
 }
 
 TEST(MakeProblem, RefusesWhatItCannotSearch)
@@ -216,35 +211,36 @@ TEST(MakeProblem, RefusesWhatItCannotSearch)
         const char *why;
         std::string lines;
         const char *err;
-        int status = 1;
+        bool isMade = false;
         std::span<const int> fixResList = {};
-        std::vector<std::string> media = {""};
+        std::vector<std::string> media = noMedia;
     } const cases[] = {
         {"no peak", "26 CA 26 C\n", ""},
-        {"all peaks fixed", "6 H 6 N\n27 H 27 N\n", "", 1, fixed},
-        {"of no medium", "6 H 6 N @A\n11 H 11 N @B\n", noRow, 1, {}, {"A"}},
+        {"all peaks fixed", "6 H 6 N\n27 H 27 N\n", "", false, fixed},
+        {"of no medium", "6 H 6 N @A\n11 H 11 N @B\n", noRow, false, {}, {"A"}},
         {"a coupling is missing, and all there are belong to peaks", lysines + "26 CA 26 C\n",
-         "Warning: no CA-C coupling for peaks 6 11 29 33 48 63: they take part without it.\n", 0},
+         "Warning: no CA-C coupling for peaks 6 11 29 33 48 63: they take part without it.\n", true},
         {"a coupling is missing in one medium",
          "6 H 6 N @A\n11 H 11 N @A\n6 H 6 N @B\n",
          "Warning: no N-HN coupling of SegId B for peaks 11: they take part without it.\n",
-         0,
+         true,
          {},
          {"A", "B"}},
-        {"a fixed coupling of unknown kind", "11 H 11 N\n6 HA 6 H\n", notAll, 1, fixed},
-        {"an open coupling of unknown kind", "27 H 27 N\n11 HA 11 H\n", "", 0, std::span(fixed).first(1)},
-        {"fixed by its peak, not by its residue", "11 H 11 N\n26 CA 26 C\n6 H 6 N\n", notAll, 1, fixed},
+        {"a fixed coupling of unknown kind", "11 H 11 N\n6 HA 6 H\n", notAll, false, fixed},
+        {"an open coupling of unknown kind", "27 H 27 N\n11 HA 11 H\n", "", true, std::span(fixed).first(1)},
+        {"fixed by its peak, not by its residue", "11 H 11 N\n26 CA 26 C\n6 H 6 N\n", notAll, false, fixed},
         {"the same peak twice", lysines + "33 H 33 N\n",
-         "Warning: N-HN coupling for PeakID 33 stands in the table again, the last one counts.\n", 0},
-        {"a fixed residue without couplings", "27 H 27 N\n", "", 0, std::span(fixed).first(1)},
+         "Warning: N-HN coupling for PeakID 33 stands in the table again, the last one counts.\n", true},
+        {"a fixed residue without couplings", "27 H 27 N\n", "", true, std::span(fixed).first(1)},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.why);
         Table table(c.lines);
-        const Made made = make(table, c.fixResList, c.media);
-        EXPECT_EQ(made.status, c.status);
-        const std::size_t behind = made.said.err.find("Residues!\n"); // the warning of a test's few peaks
-        EXPECT_EQ(behind == std::string::npos ? made.said.err : made.said.err.substr(behind + 10), c.err);
+        Heard heard;
+        const ProblemInput input = {table.pdb, table.table, c.fixResList, c.media};
+        EXPECT_EQ(makeProblem(input, heard.messages).has_value(), c.isMade);
+        const std::size_t behind = heard.err.find("Residues!\n"); // the warning of a test's few peaks
+        EXPECT_EQ(behind == std::string::npos ? heard.err : heard.err.substr(behind + 10), c.err);
     }
 }
 
@@ -252,12 +248,13 @@ TEST(MakeProblem, TestsItsLimits)
 {
     AtomInfo atomI, atomJ;
     struct {
-        int peakCount, atoms, status;
+        int peakCount, atoms;
+        bool isMade;
         const char *err;
     } const cases[] = {
-        {800, 1, 0, "Warning: 800 N-HN Unassigned Peaks and 7 LYS Residues!\n"},
-        {801, 1, 1, "Error: 801 N-HN Unassigned Peaks, the limit is 800.\n"},
-        {2, 2, 1,
+        {800, 1, true, "Warning: 800 N-HN Unassigned Peaks and 7 LYS Residues!\n"},
+        {801, 1, false, "Error: 801 N-HN Unassigned Peaks, the limit is 800.\n"},
+        {2, 2, false,
          "Warning: 2 N-HN Unassigned Peaks and 7 LYS Residues!\nError: Degenerate Atoms not implemented "
          "yet.\n"},
     };
@@ -273,9 +270,9 @@ TEST(MakeProblem, TestsItsLimits)
             calc.atomICount = c.atoms;
             calc.atomJCount = 1;
         }
-        const Made made = make(table);
-        EXPECT_EQ(made.status, c.status);
-        EXPECT_EQ(made.said.err, c.err);
+        Heard heard;
+        EXPECT_EQ(make(table, heard).has_value(), c.isMade);
+        EXPECT_EQ(heard.err, c.err);
     }
 }
 

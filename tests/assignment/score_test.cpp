@@ -1,5 +1,6 @@
 #include "assignment/score.h"
 
+#include "common/heard.h"
 #include "reference/random_problem.h"
 
 #include <gtest/gtest.h>
@@ -29,15 +30,16 @@ std::vector<FixedCoupling> couplingsOf(const AssignmentProblem &problem, std::si
                                        const std::vector<int> &rowIdList)
 {
     std::vector<FixedCoupling> all;
-    int column = 0, fixed = 0;
+    std::size_t column = 0, fixed = 0;
     for (std::size_t n = 0; n < medium; ++n) {
         column += problem.colIdList[n];
         fixed += problem.nDTypList[n];
     }
-    all.assign(problem.fixed.begin() + fixed, problem.fixed.begin() + fixed + problem.nDTypList[medium]);
-    for (int k = 0; k < problem.peakCount; ++k)
-        for (int c = column; c < column + problem.colIdList[medium]; ++c) {
-            const std::size_t p = problem.at(rowIdList[static_cast<std::size_t>(k)], c), r = problem.at(k, c);
+    const auto ofMedium = std::span(problem.fixed).subspan(fixed, problem.nDTypList[medium]);
+    all.assign(ofMedium.begin(), ofMedium.end());
+    for (std::size_t k = 0; k < problem.peakCount; ++k)
+        for (std::size_t c = column; c < column + problem.colIdList[medium]; ++c) {
+            const std::size_t p = problem.at(rowIdList[k], c), r = problem.at(k, c);
             if (problem.dcMat[p] != noPeakCoupling)
                 all.push_back({problem.xMat[r], problem.yMat[r], problem.zMat[r], problem.dcMat[p],
                                problem.diValMat[p], problem.sigMat[p], problem.wMat[p]});
@@ -87,15 +89,14 @@ TEST(Score, IsThatOfEachMediumsOwnFit)
         {.peaks = 6, .columns = {2, 3}, .fixed = {3, 4}, .equalWeights = false},
         {.peaks = 7, .columns = {2, 2, 3}, .fixed = {0, 6, 2}, .missing = 0.1},
     };
-    ScoreWork work;
+    Heard heard;
+    ScoreWork work = {.messages = heard.messages};
     for (const RandomProblem &kind : kinds) {
         ProblemMaker maker(11);
         for (int n = 0; n < 20; ++n) {
             MadeProblem made = maker.make(kind);
             AssignmentProblem &problem = made.problem;
-            problem.lDa = -1000.0f;
-            problem.hDa = problem.hR = 1000.0f;
-            problem.lR = -1000.0f;
+            problem.window = {-1000.0f, 1000.0f, -1000.0f, 1000.0f};
             std::vector<int> rows = made.truth;
             for (int round = 0; round < 2; ++round, std::swap(rows[0], rows[1])) {
                 double expected = 0.0;
@@ -116,9 +117,9 @@ TEST(Score, CountsAMediumOutsideTheWindow)
         change(problem);
         return problem;
     };
-    const auto negate = [](AssignmentProblem &problem, int firstColumn) {
-        for (int row = 0; row < problem.peakCount; ++row)
-            for (int column = firstColumn; column < problem.colId; ++column)
+    const auto negate = [](AssignmentProblem &problem, std::size_t firstColumn) {
+        for (std::size_t row = 0; row < problem.peakCount; ++row)
+            for (std::size_t column = firstColumn; column < problem.colId; ++column)
                 problem.dcMat[problem.at(row, column)] *= -1.0f;
     };
     struct {
@@ -128,25 +129,29 @@ TEST(Score, CountsAMediumOutsideTheWindow)
         float low, high;
     } const cases[] = {
         {"inside", one.problem, one.truth, 0.0f, 1e-3f},
-        {"Da above", changed(one.problem, [](auto &p) { p.hDa = -20.0f; }), one.truth, 1e8f, 1e8f},
-        {"Da below", changed(one.problem, [](auto &p) { p.lDa = -5.0f; }), one.truth, 1e8f, 1e8f},
-        {"R above", changed(one.problem, [](auto &p) { p.hR = 0.05f; }), one.truth, 1e8f, 1e8f},
-        {"R below", changed(one.problem, [](auto &p) { p.lR = 0.6f; }), one.truth, 1e8f, 1e8f},
+        {"Da above", changed(one.problem, [](auto &p) { p.window.highDa = -20.0f; }), one.truth, 1e8f, 1e8f},
+        {"Da below", changed(one.problem, [](auto &p) { p.window.lowDa = -5.0f; }), one.truth, 1e8f, 1e8f},
+        {"R above", changed(one.problem, [](auto &p) { p.window.highR = 0.05f; }), one.truth, 1e8f, 1e8f},
+        {"R below", changed(one.problem, [](auto &p) { p.window.lowR = 0.6f; }), one.truth, 1e8f, 1e8f},
         {"positive Da", changed(one.problem, [&](auto &p) { negate(p, 0); }), one.truth, 1e8f, 1e8f},
         {"no medium", changed(one.problem, [](auto &p) { p.nLcType = 0; }), one.truth, 1e8f, 1e8f},
         {"four couplings",
          changed(one.problem, [](auto &p) { std::fill(p.dcMat.begin() + 4, p.dcMat.end(), 888.0f); }),
          one.truth, 1e8f, 1e8f},
         {"no tensor, and a window that holds Da 0",
-         changed(one.problem, [](auto &p) { p.dcMat.assign(p.dcMat.size(), 0.0f), p.hDa = 5, p.lR = -5; }),
+         changed(one.problem,
+                 [](auto &p) {
+                     p.dcMat.assign(p.dcMat.size(), 0.0f), p.window = {-25, 5, -5, 0.7f};
+                 }),
          one.truth, 1e8f, 1e8f},
         {"no number", changed(one.problem, [](auto &p) { p.dcMat[0] = NAN; }), one.truth, 1e8f, 1e8f},
         {"both media inside", two.problem, two.truth, 0.0f, 1e-3f},
         {"the second of two media", changed(two.problem, [&](auto &p) { negate(p, 3); }), two.truth, 1e8f,
          1e8f},
-        {"both media", changed(two.problem, [](auto &p) { p.lDa = -1.0f; }), two.truth, 2e8f, 2e8f},
+        {"both media", changed(two.problem, [](auto &p) { p.window.lowDa = -1.0f; }), two.truth, 2e8f, 2e8f},
     };
-    ScoreWork work;
+    Heard heard;
+    ScoreWork work = {.messages = heard.messages};
     for (const auto &c : cases) {
         const float score = getSvdChi2Exh(c.problem, c.rows, work);
         EXPECT_GE(score, c.low) << c.why;

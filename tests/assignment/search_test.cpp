@@ -7,7 +7,7 @@
 #include "reference/random_problem.h"
 #include "support/numerics/linear_assignment.h"
 
-#include "common/said.h"
+#include "common/heard.h"
 #include "couplings/prepared.h"
 
 #include <algorithm>
@@ -25,48 +25,40 @@ struct Recipe {
     RandomProblem kind = {};
     bool hasTwins = false; ///< peak 1 has the couplings of peak 0
     bool hasGaps = false;  ///< vectors of length 0
-    float lDa = -25.0f, hDa = -3.0f, lR = 0.0f, hR = 0.7f;
+    TensorWindow window = {};
 };
 
-AssignmentProblem make(const Recipe &recipe, int peaks, unsigned seed)
+AssignmentProblem make(const Recipe &recipe, std::size_t peaks, unsigned seed)
 {
     RandomProblem kind = recipe.kind;
     kind.peaks = peaks;
     AssignmentProblem problem = ProblemMaker(seed).make(kind).problem;
-    problem.lDa = recipe.lDa;
-    problem.hDa = recipe.hDa;
-    problem.lR = recipe.lR;
-    problem.hR = recipe.hR;
+    problem.window = recipe.window;
     if (recipe.hasTwins && peaks > 1)
         for (std::vector<float> *matrix : {&problem.dcMat, &problem.diValMat, &problem.sigMat, &problem.wMat})
-            std::copy_n(matrix->begin(), problem.colId, matrix->begin() + problem.colId);
+            std::copy_n(matrix->data(), problem.colId, matrix->data() + problem.colId);
     if (recipe.hasGaps)
         for (std::size_t cell = seed % 3; cell < problem.xMat.size(); cell += 5)
             problem.xMat[cell] = problem.yMat[cell] = problem.zMat[cell] = 0.0f;
     return problem;
 }
 
-AssignmentProblem make(int peaks, double noise, unsigned seed)
+AssignmentProblem make(std::size_t peaks, double noise, unsigned seed)
 {
     return make({.kind = {.noise = noise}}, peaks, seed);
 }
 
-void expectSame(const BestAssignment &best, const PlainAssignment &plain)
+/// The result of the plain form, and its count of candidates as the last line.
+void expectSame(const std::optional<AssignmentResult> &best, const PlainAssignment &plain,
+                const std::string &err)
 {
-    EXPECT_EQ(best.pSumDMin, plain.pSumDMin);
-    if (std::ranges::any_of(plain.bestIdList, [](int peak) { return peak >= 0; })) {
-        EXPECT_EQ(best.bestIdList, plain.bestIdList);
-    } else {
-        EXPECT_TRUE(best.bestIdList.empty());
-    }
+    ASSERT_TRUE(best.has_value());
+    EXPECT_EQ(best->pSumDMin, plain.pSumDMin);
+    EXPECT_EQ(best->bestIdList, plain.bestIdList);
+    EXPECT_TRUE(err.ends_with("REMARK Sampled " + std::to_string(plain.count) + "\r\n")) << err;
 }
 
-std::string lastLine(std::uint64_t count)
-{
-    return "REMARK Sampled " + std::to_string(count) + "\r\n";
-}
-
-const std::vector<int> two = {2, 2}, three = {2, 2, 2};
+const std::vector<std::size_t> two = {2, 2}, three = {2, 2, 2};
 
 const Recipe recipes[] = {
     {},
@@ -81,55 +73,53 @@ const Recipe recipes[] = {
     {.hasTwins = true},
     {.kind = {.columns = {2}, .noise = 4.0, .equalWeights = false}, .hasTwins = true},
     {.hasGaps = true},
-    {.lDa = 3.0f, .hDa = 25.0f},                          // nothing inside
-    {.kind = {.noise = 5.0}, .lDa = -9.0f, .hDa = -8.0f}, // hardly anything inside
-    {.kind = {.noise = 5.0}, .lR = 0.3f, .hR = 0.32f},
-    {.kind = {.noise = 5.0}, .lDa = -1.0e9f, .hDa = 1.0e9f, .lR = -1.0f, .hR = 1.0f}, // all inside
+    {.window = {.lowDa = 3.0f, .highDa = 25.0f}},                          // nothing inside
+    {.kind = {.noise = 5.0}, .window = {.lowDa = -9.0f, .highDa = -8.0f}}, // hardly anything inside
+    {.kind = {.noise = 5.0}, .window = {.lowR = 0.3f, .highR = 0.32f}},
+    {.kind = {.noise = 5.0}, .window = {-1.0e9f, 1.0e9f, -1.0f, 1.0f}}, // all inside
     {.kind = {.columns = {1}, .noise = 1.0, .missing = 0.3}}, // now and then fewer than five couplings
-    {.kind = {.columns = two, .fixed = {0, 0}}, .lDa = 3.0f, .hDa = 25.0f},
-    {.kind = {.noise = 4.0, .missing = 0.2}, .lDa = -HUGE_VALF}, // a window that is open to one side
-    {.kind = {.columns = {3, 1}, .fixed = {0, 2}}},              // too few couplings in one medium
-    {.kind = {.noise = 2.0}, .lR = 0.69f},                       // no R is so high
+    {.kind = {.columns = two, .fixed = {0, 0}}, .window = {.lowDa = 3.0f, .highDa = 25.0f}},
+    {.kind = {.noise = 4.0, .missing = 0.2},
+     .window = {.lowDa = -HUGE_VALF}},                   // a window that is open to one side
+    {.kind = {.columns = {3, 1}, .fixed = {0, 2}}},      // too few couplings in one medium
+    {.kind = {.noise = 2.0}, .window = {.lowR = 0.69f}}, // no R is so high
 };
 
 TEST(Search, IsTheFullEnumeration)
 {
     unsigned seed = 1;
     for (const Recipe &recipe : recipes)
-        for (int peaks = 1; peaks <= 7; ++peaks)
+        for (std::size_t peaks = 1; peaks <= 7; ++peaks)
             for (int repeat = 0; repeat < (peaks < 7 ? 3 : 1); ++repeat) {
                 SCOPED_TRACE(testing::Message()
                              << "recipe " << &recipe - recipes << ", " << peaks << " peaks, seed " << seed);
                 const AssignmentProblem problem = make(recipe, peaks, seed++);
-                BestAssignment best;
-                const std::string err = said([&] { EXPECT_EQ(visitExh(problem, best), 0); }).err;
-                const PlainAssignment plain = visitExhPlain(problem);
-                expectSame(best, plain);
-                EXPECT_TRUE(err.ends_with(lastLine(plain.count))) << err;
-                EXPECT_EQ(err.find("Sampled 0"), std::string::npos);
+                Heard heard;
+                const auto best = visitExh(problem, heard.messages);
+                expectSame(best, visitExhPlain(problem), heard.err);
+                EXPECT_EQ(heard.err.find("Sampled 0"), std::string::npos);
             }
 }
 
 TEST(Search, MeasuredCouplingsOfWhichSomeAreMissing)
 {
     Prepared p(TRELM_EXAMPLES "/assignment/lysines.tab");
-    PeakTable peaks;
-    peaks.media = {""};
-    AssignmentProblem problem;
-    BestAssignment best;
-    said([&] { ASSERT_EQ(makeProblem(p.pdb, p.table, peaks, problem), 0); });
-    ASSERT_EQ(std::ranges::count(problem.dcMat, noPeakCoupling), 5);
-    said([&] { visitExh(problem, best); });
-    expectSame(best, visitExhPlain(problem));
+    const AssignmentOptions options;
+    Heard heard;
+    const auto made = makeProblem({p.pdb, p.table, {}, options.media}, heard.messages);
+    ASSERT_TRUE(made.has_value());
+    ASSERT_EQ(std::ranges::count(made->problem.dcMat, noPeakCoupling), 5);
+    const auto best = visitExh(made->problem, heard.messages);
+    expectSame(best, visitExhPlain(made->problem), heard.err);
 }
 
 TEST(Search, EightPeaks)
 {
     for (const unsigned seed : {1U, 2U, 3U}) {
         const AssignmentProblem problem = make({.kind = {.noise = 3.0, .equalWeights = seed != 3U}}, 8, seed);
-        BestAssignment best;
-        said([&] { visitExh(problem, best); });
-        expectSame(best, visitExhPlain(problem));
+        Heard heard;
+        const auto best = visitExh(problem, heard.messages);
+        expectSame(best, visitExhPlain(problem), heard.err);
     }
 }
 
@@ -140,20 +130,20 @@ TEST(Search, ClassesAreTheirProduct)
     unsigned seed = 500;
     for (const std::vector<int> &sizes : classes)
         for (const float lDa : {-25.0f, -HUGE_VALF}) {
-            const AssignmentProblem problem = make({.kind = {.noise = 6.0}, .lDa = lDa}, 7, seed++);
-            BestAssignment best;
-            const std::string err = said([&] { EXPECT_EQ(visitAa(problem, sizes, best), 0); }).err;
-            const PlainAssignment plain = visitAaPlain(problem, sizes);
-            expectSame(best, plain);
-            EXPECT_TRUE(err.ends_with(lastLine(plain.count))) << err;
+            const AssignmentProblem problem =
+                make({.kind = {.noise = 6.0}, .window = {.lowDa = lDa}}, 7, seed++);
+            Heard heard;
+            const auto best = visitAa(problem, sizes, heard.messages);
+            expectSame(best, visitAaPlain(problem, sizes), heard.err);
         }
     // Classes of 13 peaks and more have no list that could overflow.
     const AssignmentProblem large = make({.kind = {.noise = 0.3, .isShuffled = false}}, 27, seed);
-    BestAssignment best;
-    const std::string told = said([&] { EXPECT_EQ(visitAa(large, std::vector<int>{13, 14}, best), 0); }).err;
-    EXPECT_EQ(told.find("-"), std::string::npos);
-    for (int row = 0; row < 27; ++row)
-        EXPECT_EQ(best.bestIdList[static_cast<std::size_t>(row)] < 13, row < 13);
+    Heard heard;
+    const auto best = visitAa(large, std::vector<int>{13, 14}, heard.messages);
+    ASSERT_TRUE(best.has_value());
+    EXPECT_EQ(heard.err.find("-"), std::string::npos);
+    for (std::size_t row = 0; row < 27; ++row)
+        EXPECT_EQ(best->bestIdList[row] < 13, row < 13);
 }
 
 TEST(Search, SubsetsOfResidues)
@@ -164,45 +154,45 @@ TEST(Search, SubsetsOfResidues)
         for (const Recipe &recipe :
              {Recipe{}, recipes[5], Recipe{.kind = {.fixed = {4}}, .hasTwins = true}}) {
             const AssignmentProblem problem = make(recipe, 7, seed++);
-            BestAssignment best;
-            const std::string err = said([&] { EXPECT_EQ(visitAllExh(problem, selected, best), 0); }).err;
-            const PlainAssignment plain = visitAllExhPlain(problem, selected);
-            expectSame(best, plain);
-            EXPECT_TRUE(err.ends_with(lastLine(plain.count))) << err;
+            Heard heard;
+            const auto best = visitAllExh(problem, selected, heard.messages);
+            expectSame(best, visitAllExhPlain(problem, selected), heard.err);
         }
 }
 
 TEST(Search, RefusesWhatItCanNotDo)
 {
     const AssignmentProblem problem = make(7, 0.5, 1);
-    BestAssignment best;
-    const auto classes = [&](const std::vector<int> &sizes, int status) {
-        return said([&] { EXPECT_EQ(visitAa(problem, sizes, best), status); }).err;
-    };
-    EXPECT_NE(classes({3, 3}, 1).find("Error: Error in length of permutation.\n"), std::string::npos);
-    EXPECT_EQ(classes({1, 1, 1, 1, 1, 1, 1}, 0),
-              "trelm: -fixAa has 7 classes, the limit is 6: nothing is searched.\n\n");
-    EXPECT_TRUE(best.bestIdList.empty());
-    for (const std::vector<int> &selected : {std::vector<int>{1}, {0, 1, 2, 3, 4, 5, 6, 7}})
-        EXPECT_EQ(said([&] { EXPECT_EQ(visitAllExh(problem, selected, best), 1); }).err,
-                  "Warning: only subset of 2 to 7 peaks allowed!");
+    Heard heard;
+    EXPECT_FALSE(visitAa(problem, std::vector<int>{3, 3}, heard.messages));
+    EXPECT_TRUE(heard.err.ends_with("Error: Error in length of permutation.\n"));
+    heard.err.clear();
+    const auto tooMany = visitAa(problem, std::vector<int>(7, 1), heard.messages);
+    EXPECT_EQ(heard.err, "trelm: -fixAa has 7 classes, the limit is 6: nothing is searched.\n\n");
+    EXPECT_EQ(tooMany.value().bestIdList, std::vector<int>(7, -1));
+    for (const std::vector<int> &selected : {std::vector<int>{1}, {0, 1, 2, 3, 4, 5, 6, 7}}) {
+        heard.err.clear();
+        EXPECT_FALSE(visitAllExh(problem, selected, heard.messages));
+        EXPECT_EQ(heard.err, "Warning: only subset of 2 to 7 peaks allowed!");
+    }
     AssignmentProblem large;
     large.peakCount = 501;
-    EXPECT_NE(said([&] { EXPECT_EQ(visitExh(large, best), 1); }).err.find("the limit is 500"),
-              std::string::npos);
+    EXPECT_FALSE(visitExh(large, heard.messages));
+    EXPECT_TRUE(heard.err.ends_with("the limit is 500.\n"));
 }
 
 TEST(Search, LargeProblemsAreDecided)
 {
     // The assignment that the couplings were made with, of 1e14 and 2e18 candidates and more.
-    for (const int peaks : {12, 20, 30}) {
+    for (const std::size_t peaks : {12, 20, 30}) {
         const AssignmentProblem problem = make(peaks, 0.3, 77);
-        BestAssignment best;
-        const std::string err = said([&] { visitExh(problem, best); }).err;
-        ScoreWork work;
+        Heard heard;
+        const AssignmentResult best = visitExh(problem, heard.messages).value();
+        ScoreWork work = {.messages = heard.messages};
         EXPECT_EQ(getSvdChi2Exh(problem, best.bestIdList, work), best.pSumDMin);
         EXPECT_LT(best.pSumDMin, 0.09f * 3.0f * static_cast<float>(peaks) * 1.5f);
-        EXPECT_TRUE(err.ends_with("REMARK Sampled " + countText(arrangements(peaks, peaks)) + "\r\n")) << err;
+        const std::string last = "REMARK Sampled " + countText(arrangements(peaks, peaks)) + "\r\n";
+        EXPECT_TRUE(heard.err.ends_with(last)) << heard.err;
     }
 }
 

@@ -153,7 +153,7 @@ Failures assignments()
     f.cases = {
         {"-exhaust -fixAa 3 5", "Error: Error in length of permutation.\n"},
         {"-exhaust -d1 900 -dN 901", "Matrix: error in best-fit of data.\n"},
-        {"-exhaust -lDa 200 -hDa 300", none + "[200.000,300.000] R [0.000 0.700]!\n", "", 0},
+        {"-exhaust -lDa 200 -hDa 300 -lR 0.1 -hR 0.4", none + "[200.000,300.000] R [0.100 0.400]!\n", "", 0},
         {"-rand -map 0", none + "[-25.000,-3.000] R [0.000 0.700]!\n", "", 0},
         {"-exhaustSel -nSel 1", "Warning: only subset of 2 to 7 peaks allowed!", "", 0},
         {"-exhaustSel -nSel 8", "Warning: only subset of 2 to 7 peaks allowed!", "", 0},

@@ -268,7 +268,7 @@ TEST(Params, TheSelectionIsReadWithAStructureOnly)
 
 TEST(Params, ListsFillTheirRecordsAndTheSharedCounter)
 {
-    const auto counter = [](const Parsed &p) { return p.options.nFixAa; };
+    const auto counter = [](const Parsed &p) { return std::ssize(p.trelmInfo.fixedResidues); };
     const auto matrix = [](const Parsed &p) { return p.options.userSaupe1[4]; };
     const Case cases[] = {
         {{"-inS1", "1", "2", "3", "4", "-5"}, matrix, -5},
@@ -278,10 +278,12 @@ TEST(Params, ListsFillTheirRecordsAndTheSharedCounter)
         {{"-inS", "6", "7", "8", "9", "10"}, counter, 5},
         {{"-inS", "6", "7", "8", "9", "10", "-fixAa", "4"}, counter, 1},
         {{"-fixAa", "4", "5", "-fixRes", "3", "4", "9"}, counter, 3},
-        {{"-fixAa", "4", "5", "-fixRes", "3"}, [](const Parsed &p) { return p.trelmInfo.nAaCheck; }, 2},
-        {{"-fixRes", "3", "-7"}, [](const Parsed &p) { return p.options.fixResList[1]; }, -7},
-        {{"-dcID", "a", "b"}, [](const Parsed &p) { return p.trelmInfo.nChainDc; }, 2},
-        {{"-dcID"}, [](const Parsed &p) { return p.trelmInfo.nChainDc; }, 1},
+        {{"-fixAa", "4", "5", "-fixRes", "3"},
+         [](const Parsed &p) { return std::ssize(p.trelmInfo.classes); },
+         2},
+        {{"-fixRes", "3", "-7"}, [](const Parsed &p) { return p.trelmInfo.fixedResidues[1]; }, -7},
+        {{"-dcID", "a", "b"}, [](const Parsed &p) { return std::ssize(p.trelmInfo.media); }, 2},
+        {{"-dcID"}, [](const Parsed &p) { return std::ssize(p.trelmInfo.media); }, 1},
         {{"-w", "1", "0", "-1"}, [](const Parsed &p) { return p.options.wCount; }, 3},
     };
     expectAll(cases);
@@ -382,7 +384,7 @@ TEST(Params, ListsOfAnotherLengthEndTheReading)
     }
     Parsed full;
     full.read(longList("-fixRes", 800));
-    EXPECT_EQ(full.options.nFixAa, 800);
+    EXPECT_EQ(full.trelmInfo.fixedResidues.size(), 800U);
     Parsed stopped;
     stopped.read({"-inS1", "1", "-outA", "later", "-outD", "earlier"});
     EXPECT_EQ(stopped.options.outAName, "");

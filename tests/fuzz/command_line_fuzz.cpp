@@ -44,9 +44,9 @@ void checkRecords(const Run &run)
 {
     const TrelmInfo &trelmInfo = run.trelmInfo[0];
     require(trelmInfo.trelmMode >= 1 && trelmInfo.trelmMode <= 17, "the mode is one of the modes");
-    require(trelmInfo.nChainDc >= 1 && trelmInfo.nChainDc <= maxMedia, "media have room");
-    require(trelmInfo.nAaCheck >= 0 && trelmInfo.nAaCheck <= maxFixAaList, "peak counts have room");
-    require(run.options.nFixAa >= 0 && run.options.nFixAa <= maxFixResList, "fixed residues have room");
+    require(!trelmInfo.media.empty() && trelmInfo.media.size() <= maxMedia, "media are within their limit");
+    require(trelmInfo.classes.size() <= maxClasses, "classes are within their limit");
+    require(trelmInfo.fixedResidues.size() <= maxFixedResidues, "fixed residues are within their limit");
     require(run.options.wCount == static_cast<int>(run.options.wList.length()), "weights are counted");
     for (const float value : {trelmInfo.concentration, trelmInfo.radiusModel, trelmInfo.pH, trelmInfo.daLo,
                               run.dTab[0].dTensor.da})

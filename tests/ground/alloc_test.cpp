@@ -96,15 +96,5 @@ TEST(Alloc, ARequestBeyondAllNumbersIsTold)
     EXPECT_EQ(allocBytesUsed(), before);
 }
 
-TEST(Trelm, FixedAminoAcidsLookAtTheLargerResidue)
-{
-    const int list[] = {4, 9, 12};
-    const struct {
-        int count, i, j, found;
-    } cases[] = {{3, 9, 3, 1}, {3, 9, 10, 0}, {3, 12, 12, 1}, {1, 9, 3, 0}, {0, 4, 4, 0}};
-    for (const auto &test : cases)
-        EXPECT_EQ(chkFixAa(test.count, list, test.i, test.j), test.found) << test.i << " " << test.j;
-}
-
 } // namespace
 } // namespace trelm

@@ -62,8 +62,8 @@ struct ChargedUbiquitin {
     std::vector<int> chargeAtomID;
     std::vector<float> charge;
     ChargeSet charges;
-    TrelmInfo info;
-    SmaSetup setup;
+    AlignmentOptions info;
+    double size = 0.0;
 
     explicit ChargedUbiquitin(int lcType)
     {
@@ -78,15 +78,14 @@ struct ChargedUbiquitin {
         charge.resize(maxCharges + 1);
         charges.chargeAtomID = chargeAtomID;
         charges.charges = charge;
-        chargeSetup("", &pdb, info, charges, "");
+        chargeSetup("", pdb, info, charges, "");
         for (std::vector<double> *column : {&x, &y, &z})
             column->resize(static_cast<std::size_t>(pdb.atomCount) + maxCharges);
         int count = 0;
         chCoorSelect(&pdb, info, {x, y, z}, charges, 0, count);
         for (std::vector<double> *column : {&x, &y, &z})
             column->resize(static_cast<std::size_t>(count));
-        setup = {static_cast<double>(centreAtoms({x, y, z})), 0.0};
-        refine_bicelle(&info);
+        size = static_cast<double>(centreAtoms({x, y, z}));
         std::span<const double> generated;
         do_unsp(info.densityNSC, generated);
         dots.assign(generated.begin(), generated.end());
@@ -109,16 +108,16 @@ void weighted(benchmark::State &state, bool plain)
 {
     const QuietStreams quiet;
     const ChargedUbiquitin molecule(static_cast<int>(state.range(0)));
-    TrelmInfo info = molecule.info;
+    AlignmentOptions info = molecule.info;
     info.cutoffPot = 1e-6 * static_cast<double>(state.range(1));
+    const SmaSetup setup = {info, static_cast<double>(refine_bicelle(info).rSingleCell), molecule.size, 0.0};
     Potential potential = rodTable();
     Saupe saupe = {};
     for (auto step : state) {
         if (plain)
-            smaPlain(info, molecule.view(), molecule.dots, molecule.setup, molecule.charges, potential,
-                     saupe);
+            smaPlain(setup, molecule.view(), molecule.dots, molecule.charges, potential, saupe);
         else
-            sma(info, molecule.view(), molecule.dots, molecule.setup, molecule.charges, potential, saupe);
+            sma(setup, molecule.view(), molecule.dots, molecule.charges, potential, saupe);
         benchmark::DoNotOptimize(saupe);
     }
     state.counters["charges"] = molecule.charges.chCount;
@@ -154,7 +153,7 @@ struct GridCase {
     std::vector<int> chargeAtomID;
     std::vector<float> charge;
     ChargeSet charges;
-    TrelmInfo info;
+    AlignmentOptions info;
     Grid3D grid;
 
     explicit GridCase(bool isRough)

@@ -38,10 +38,18 @@ void listCharges(const PDBInfo &pdbInfo, const ChargeSet &charges)
     std::fputs("\n\n", stderr);
 }
 
+/// What is simulated.
+struct Solute {
+    Sample sample; ///< its charges by their places in `atoms`
+    CoordinateBuffers atoms;
+    std::span<const double> ddots;
+    std::vector<int> marks; ///< the selection of the run, which a surface uses up
+};
+
 /// From the simulated order matrix to couplings and report. `analysis` gets the tensor with its own sign.
-int finishAlignment(Run &run, Saupe saupe, TensorAnalysis &analysis)
+int finishAlignment(Run &run, const Solute &solute, Saupe saupe, TensorAnalysis &analysis)
 {
-    TrelmInfo &trelmInfo = run.trelmInfo[0];
+    const TrelmInfo &trelmInfo = run.trelmInfo[0];
     DTable &dTab = run.dTab[0];
     // What survives beside the obstacle averages to the opposite sign.
     for (double &element : saupe)
@@ -54,16 +62,9 @@ int finishAlignment(Run &run, Saupe saupe, TensorAnalysis &analysis)
     std::ranges::transform(saupe, target.begin(), [](double element) { return static_cast<float>(element); });
     if (trelmInfo.validCountD != 0 && fitD(&run.pdbInfo[0], &dTab, trelmInfo.verbFlag) < 0)
         return 1;
-    return writeDCmod(run.options.outDName, "w", &dTab, &trelmInfo, "");
+    TrelmInfo shown = shownParameters(trelmInfo, solute.sample.geometry);
+    return writeDCmod(run.options.outDName, "w", &dTab, &shown, "");
 }
-
-/// What is simulated.
-struct Solute {
-    ChargeSet charges; ///< by their places in `atoms`
-    CoordinateBuffers atoms;
-    std::span<const double> ddots;
-    std::vector<int> marks; ///< the selection of the run, which a surface uses up
-};
 
 /// The charges by their atoms in the molecule, as many as the simulation had.
 ChargeSet originalCharges(Run &run, ChargeSet charges)
@@ -76,7 +77,7 @@ ChargeSet originalCharges(Run &run, ChargeSet charges)
 /// Everything before the simulation itself. `complaint` is said if there is no selection of atoms.
 int chooseSolute(Run &run, const char *complaint, Solute &solute)
 {
-    int status = setUp(run, solute.charges);
+    int status = setUp(run, solute.sample);
     if (status == 0)
         status = makeDots(run, solute.ddots);
     if (status != 0)
@@ -84,13 +85,13 @@ int chooseSolute(Run &run, const char *complaint, Solute &solute)
     solute.marks = selectionMarks(run.pdbInfo[0]);
     const CoordinateBuffers places = {run.xI.span(), run.yI.span(), run.zI.span()};
     int atomSelCount = 0;
-    status = chCoorSelect(&run.pdbInfo[0], run.trelmInfo[0], places, solute.charges, 1, atomSelCount);
+    status = chCoorSelect(&run.pdbInfo[0], run.trelmInfo[0], places, solute.sample.charges, 1, atomSelCount);
     if (status != 0) {
         std::fputs(complaint, stderr);
         return status;
     }
     std::printf("REMARK %d atoms selected for simulation.\n", atomSelCount);
-    std::printf("REMARK %d charges selected for simulation.\n", solute.charges.chCount);
+    std::printf("REMARK %d charges selected for simulation.\n", solute.sample.charges.chCount);
     const auto count = static_cast<std::size_t>(atomSelCount);
     solute.atoms = {places.x.first(count), places.y.first(count), places.z.first(count)};
     return 0;
@@ -102,13 +103,13 @@ int alignSolute(Run &run, const Solute &solute, AlignmentFields &fields, TensorA
     Saupe saupe = {};
     if (run.trelmInfo[0].elFlag != 0 && run.trelmInfo[0].lcType != lcGrid)
         checkField(run.trelmInfo[0]);
-    const int status =
-        simulateAlignment(run.trelmInfo[0], solute.atoms, solute.ddots, solute.charges, fields, saupe);
+    const int status = simulateAlignment(alignmentSetup(run, solute.sample, solute.ddots), solute.atoms,
+                                         solute.sample.charges, fields, saupe);
     if (status != 0) {
         complain("Matrix: Error simulating alignment.\n");
         return status;
     }
-    return finishAlignment(run, saupe, analysis);
+    return finishAlignment(run, solute, saupe, analysis);
 }
 
 void reportGridFile(const Run &run, int digPotential)
@@ -160,7 +161,7 @@ int alignBesideParticle(Run &run, const Solute &solute)
         return status;
     restoreMarks(&run.pdbInfo[0], solute.marks);
     status = iFacePDB(analysis.euler, &run.pdbInfo[0], run.trelmInfo[0], {options.pRotName, options.remark},
-                      potential, originalCharges(run, solute.charges));
+                      potential, originalCharges(run, solute.sample.charges));
     if (status != 0)
         complain("trelm: error in iFacePDB.\n");
     return status;
@@ -182,17 +183,18 @@ int alignInGrid(Run &run, const Solute &solute)
 
 } // namespace
 
-int setUp(Run &run, ChargeSet &charges)
+int setUp(Run &run, Sample &sample)
 {
-    TrelmInfo &trelmInfo = run.trelmInfo[0];
+    const TrelmInfo &trelmInfo = run.trelmInfo[0];
+    ChargeSet &charges = sample.charges;
     const RunOptions &options = run.options;
     if (checkSample(trelmInfo) != 0)
         return 1;
-    if (readConfig(options.inpName, trelmInfo) != 0)
+    if (readConfig(options.inpName, sample.domains) != 0)
         return complain("Error reading configuration file %s\n", options.inpName.c_str());
     charges.chargeAtomID = run.chargeAtomID.span();
     charges.charges = run.charges.span();
-    const int status = chargeSetup(options.pkaName, &run.pdbInfo[0], trelmInfo, charges, options.outPkaName);
+    const int status = chargeSetup(options.pkaName, run.pdbInfo[0], trelmInfo, charges, options.outPkaName);
     if (status != 0) {
         complain("WARNING: Error setting up charges!\n");
         return status;
@@ -203,7 +205,22 @@ int setUp(Run &run, ChargeSet &charges)
                 static_cast<double>(charges.chSum));
     if (trelmInfo.elFlag != 0 && trelmInfo.chFlag != 0)
         listCharges(run.pdbInfo[0], charges);
-    return refine_bicelle(&trelmInfo);
+    sample.geometry = refine_bicelle(trelmInfo);
+    return 0;
+}
+
+TrelmInfo shownParameters(const TrelmInfo &trelmInfo, const SampleGeometry &geometry)
+{
+    TrelmInfo shown = trelmInfo;
+    shown.molarRatio = geometry.molarRatio;
+    shown.lengthModel = geometry.lengthModel;
+    shown.orderDiscRim = geometry.orderDiscRim;
+    return shown;
+}
+
+AlignmentSetup alignmentSetup(const Run &run, const Sample &sample, std::span<const double> dots)
+{
+    return {run.trelmInfo[0], static_cast<double>(sample.geometry.rSingleCell), dots};
 }
 
 int makeDots(Run &run, std::span<const double> &ddots)
@@ -219,7 +236,7 @@ int makeDots(Run &run, std::span<const double> &ddots)
 
 int simulateSteric(Run &run)
 {
-    TrelmInfo &trelmInfo = run.trelmInfo[0];
+    const TrelmInfo &trelmInfo = run.trelmInfo[0];
     const bool inGrid = trelmInfo.lcType == lcGrid;
     if (inGrid && trelmInfo.elFlag != 0)
         return complain("trelm: -stTrelm -3D knows no charges: see -elTrelm.\n");
@@ -250,12 +267,19 @@ int simulateElectrostatic(Run &run)
 
 int simulateFree(Run &run)
 {
-    TrelmInfo &trelmInfo = run.trelmInfo[0];
+    const TrelmInfo &trelmInfo = run.trelmInfo[0];
     if (trelmInfo.lcType != lcWall && trelmInfo.lcType != lcRod)
         return complain("trelm: -stTrelmFree knows the models -bic and -pf1 only.\n");
     if (checkSample(trelmInfo) != 0 || checkSimulation(trelmInfo) != 0)
         return 1;
-    const int status = ssiaFree(&trelmInfo, run.options.pdbFName, run.options.outAName, &run.dTab[0]);
+    Saupe saupe = {};
+    int status = ssiaFree(trelmInfo, run.options.pdbFName, saupe);
+    if (status == 0) {
+        std::ranges::transform(saupe, run.dTab[0].dTensor.saupe.begin(),
+                               [](double element) { return static_cast<float>(element); });
+        TrelmInfo shown = shownParameters(trelmInfo, refine_bicelle(trelmInfo));
+        status = writeDCmod(run.options.outAName, "w", &run.dTab[0], &shown, "");
+    }
     if (status != 0)
         complain("matrix: error in ssiaFree.\n");
     return status;
@@ -263,19 +287,20 @@ int simulateFree(Run &run)
 
 int setUpCharges(Run &run)
 {
-    ChargeSet charges;
-    return setUp(run, charges);
+    Sample sample;
+    return setUp(run, sample);
 }
 
 int analyzeStructure(Run &run)
 {
-    ChargeSet charges;
-    int status = setUp(run, charges);
+    Sample sample;
+    int status = setUp(run, sample);
     if (status != 0)
         return status;
     const RunOptions &options = run.options;
-    status = analyzePDB(&run.pdbInfo[0], &run.sInfo, run.trelmInfo[0], charges, options.userSaupe1,
-                        {options.pRotName, options.outPName, options.remark});
+    status =
+        analyzePDB(&run.pdbInfo[0], &run.sInfo, shownParameters(run.trelmInfo[0], sample.geometry),
+                   sample.charges, options.userSaupe1, {options.pRotName, options.outPName, options.remark});
     if (status != 0)
         complain("trelm: error in analysis of PDB.\n");
     return status;

@@ -78,7 +78,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         static_cast<void>(checkSimulation(run.trelmInfo[0]));
         std::size_t points = 0;
         static_cast<void>(gridPoints(run.trelmInfo[0], points));
-        refine_bicelle(&run.trelmInfo[0]);
+        static_cast<void>(refine_bicelle(run.trelmInfo[0]));
     }
     require(endRun(run, status) == status, "a run ends with the status it is given");
     return 0;

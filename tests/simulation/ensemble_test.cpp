@@ -80,8 +80,7 @@ TEST(EnsembleFile, LinesAreStatesOrRefused)
 
 TEST(EnsembleSphere, StatesLieWithinTheLimits)
 {
-    TrelmInfo info;
-    DomainOptions &grid = info;
+    DomainOptions grid;
     grid.densE = 162; // 162 dots
     grid.lBetaCone = 10.0f;
     grid.hBetaCone = 60.0f;
@@ -89,7 +88,7 @@ TEST(EnsembleSphere, StatesLieWithinTheLimits)
     const TempFile e, ax;
     const EnsembleFiles files = {.outEName = e.name, .outEAxName = ax.name, .inEName = ""};
     Ensemble ensemble = emptyEnsemble();
-    ASSERT_EQ(setupEnsemble(info, files, ensemble), 0);
+    ASSERT_EQ(setupEnsemble(grid, files, ensemble), 0);
     const int all = ensemble.count;
     // A cap between 10 and 60 degrees has (cos 10 - cos 60) / 2 of the sphere: 39 of 162 dots.
     EXPECT_NEAR(all / 4, 39, 6);
@@ -113,20 +112,20 @@ TEST(EnsembleSphere, StatesLieWithinTheLimits)
     }
 
     grid.errAlphaCone = 0.1f; // the sideways turns of 90 and 270 degrees lean too far
-    ASSERT_EQ(setupEnsemble(info, {}, ensemble), 0);
+    ASSERT_EQ(setupEnsemble(grid, {}, ensemble), 0);
     EXPECT_EQ(ensemble.count, all / 2);
     for (const EnsembleState &state : ensemble.used())
         EXPECT_NEAR(std::sin(state.gamma * M_PI / 180.0), 0.0, 1e-6);
     grid.digPsiE = 1;
-    ASSERT_EQ(setupEnsemble(info, {}, ensemble), 0);
+    ASSERT_EQ(setupEnsemble(grid, {}, ensemble), 0);
     EXPECT_TRUE(std::ranges::all_of(ensemble.used(), [](const EnsembleState &s) { return s.gamma == 0.0; }));
 
     const TempFile two("1 2 3\n4 5 6\n"), none("");
     Ensemble read = emptyEnsemble();
-    ASSERT_EQ(setupEnsemble(info, {.outEName = "", .outEAxName = "", .inEName = two.name}, read), 0);
+    ASSERT_EQ(setupEnsemble(grid, {.outEName = "", .outEAxName = "", .inEName = two.name}, read), 0);
     EXPECT_EQ(read.count, 2);
     EXPECT_EQ(read.states[1].beta, 5.0);
-    ASSERT_EQ(setupEnsemble(info, {.outEName = "", .outEAxName = "", .inEName = none.name}, read), 0);
+    ASSERT_EQ(setupEnsemble(grid, {.outEName = "", .outEAxName = "", .inEName = none.name}, read), 0);
     EXPECT_EQ(read.count, ensemble.count); // a file without states replaces nothing
 }
 
@@ -164,7 +163,7 @@ TEST(EnsembleSphere, FailuresAreTold)
     };
     for (const GridCase &one : cases) {
         SCOPED_TRACE(one.why);
-        TrelmInfo info;
+        DomainOptions info;
         one.change(info);
         Ensemble ensemble = emptyEnsemble();
         int status = -1;
@@ -183,17 +182,16 @@ PDBInfo smallMolecule(double shift)
     return moleculeOf(twoDomains(20, shift));
 }
 
-TrelmInfo smallInfo()
+DomainOptions smallInfo()
 {
-    TrelmInfo info;
-    DomainOptions &g = info;
+    DomainOptions g;
     g.startResDom1 = g.startResPart1 = 1;
     g.endResDom1 = g.endResPart1 = 20;
     g.startResDom2 = g.startResPart2 = 101;
     g.endResDom2 = g.endResPart2 = 120;
     g.resDom1Origin = 10;
     g.resDom2Origin = 110;
-    return info;
+    return g;
 }
 
 Axis alphaCarbon(const PDBInfo &pdb, int resID)
@@ -212,8 +210,8 @@ double distanceOf(const Axis &a, const Axis &b)
 TEST(Domains, StartOnTheirAxesWithThePivotAtTheOrigin)
 {
     PDBInfo pdb = smallMolecule(30.0);
-    TrelmInfo info = smallInfo();
-    ASSERT_EQ(initOrient(&pdb, info), 0);
+    DomainOptions info = smallInfo();
+    ASSERT_EQ(initOrient(&pdb, info, 0), 0);
     Matrix3d moments;
     ASSERT_EQ(calcInertiaSel(pdb, 1, 20, moments), 0);
     EXPECT_NEAR(distanceOf(alphaCarbon(pdb, 10), {}), 0.0, 1e-5);
@@ -229,7 +227,7 @@ TEST(Domains, StartOnTheirAxesWithThePivotAtTheOrigin)
     PDBInfo moved = smallMolecule(30.0);
     const PDBInfo fresh = smallMolecule(30.0);
     info.initOrientFlag = 0;
-    ASSERT_EQ(initOrient(&moved, info), 0);
+    ASSERT_EQ(initOrient(&moved, info, 0), 0);
     const Axis a = alphaCarbon(fresh, 10), b = alphaCarbon(fresh, 115), c = alphaCarbon(moved, 115);
     for (std::size_t k = 0; k < 3; ++k)
         EXPECT_NEAR(c[k], b[k] - a[k], 1e-4);
@@ -237,13 +235,13 @@ TEST(Domains, StartOnTheirAxesWithThePivotAtTheOrigin)
 
 TEST(Domains, SecondOneTurnsAboutItsPivot)
 {
-    TrelmInfo info = smallInfo();
+    DomainOptions info = smallInfo();
     info.initOrientFlag = 0;
     PDBInfo straight = smallMolecule(30.0), turned = smallMolecule(30.0);
-    ASSERT_EQ(initOrient(&straight, info), 0);
+    ASSERT_EQ(initOrient(&straight, info, 0), 0);
     info.angleDomFlag = 1;
     info.angleDom[0] = 90.0f; // x' = y, y' = -x
-    ASSERT_EQ(initOrient(&turned, info), 0);
+    ASSERT_EQ(initOrient(&turned, info, 0), 0);
     const Axis pivot = alphaCarbon(straight, 110), before = alphaCarbon(straight, 117),
                after = alphaCarbon(turned, 117);
     EXPECT_NEAR(distanceOf(alphaCarbon(turned, 110), pivot), 0.0, 1e-4);
@@ -269,7 +267,7 @@ TEST(Domains, SecondMomentsOfTwoAtoms)
 TEST(Domains, ClashIsTheFirstPairBelowTheDistance)
 {
     PDBInfo pdb = smallMolecule(12.0);
-    TrelmInfo info = smallInfo();
+    DomainOptions info = smallInfo();
     for (AtomInfo &atom : pdb.atoms())
         atom.selected = 7;
     std::vector<std::size_t> indI, indJ;
@@ -292,7 +290,7 @@ TEST(Domains, ClashIsTheFirstPairBelowTheDistance)
         for (const std::size_t j : indJ)
             smallest = std::min(smallest, apart(i, j));
     info.clashDist = smallest; // not below it
-    EXPECT_EQ(chkClashDom(pdb, info, indI, indJ), 0);
+    EXPECT_EQ(chkClashDom(pdb, info.clashDist, indI, indJ), 0);
     info.clashDist = smallest + 3.0f;
     std::string expected;
     for (const std::size_t i : indI)
@@ -303,7 +301,7 @@ TEST(Domains, ClashIsTheFirstPairBelowTheDistance)
                         a.resID, a.resName.c_str(), a.atomName.c_str(), b.resID, b.resName.c_str(),
                         b.atomName.c_str(), static_cast<double>(apart(i, j)));
             }
-    EXPECT_EQ(said([&] { EXPECT_EQ(chkClashDom(pdb, info, indI, indJ), 1); }).out, expected);
+    EXPECT_EQ(said([&] { EXPECT_EQ(chkClashDom(pdb, info.clashDist, indI, indJ), 1); }).out, expected);
 }
 
 } // namespace

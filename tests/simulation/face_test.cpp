@@ -29,9 +29,9 @@ PDBInfo makeMolecule(const std::vector<Axis> &places)
     return pdbInfo;
 }
 
-TrelmInfo sample(int lcType)
+AlignmentOptions sample(int lcType)
 {
-    TrelmInfo info;
+    AlignmentOptions info;
     info.lcType = lcType;
     info.surfFlag = 0;
     info.elFlag = 1;
@@ -41,7 +41,7 @@ TrelmInfo sample(int lcType)
 }
 
 /// The weight of a charge 5 angstrom off the centre of two atoms, in the direction of `sign` along z.
-double weightOf(const TrelmInfo &info, double sign)
+double weightOf(const AlignmentOptions &info, double sign)
 {
     std::vector<double> x = {0.0, 0.0}, y = {6.0, -6.0}, z = {5.0 * sign, -5.0 * sign};
     Charges charges = {{0}, {1.0f}};
@@ -61,7 +61,7 @@ TEST(Face, WeighsTheChargeInTheFieldAtItsPlace)
                 {lcRod, 1.0, std::hypot(55.0, 6.0) - 20.0},
                 {lcRod, -1.0, std::hypot(45.0, 6.0) - 20.0}};
     for (const auto &row : rows) {
-        TrelmInfo info = sample(row.lcType);
+        AlignmentOptions info = sample(row.lcType);
         info.concNaCl = 0.001f; // the field must reach as far
         const FieldConstants field = fieldConstants(info);
         const double y =
@@ -75,7 +75,7 @@ TEST(Face, WeighsTheChargeInTheFieldAtItsPlace)
 TEST(Face, OtherModelsKeepTheWeightAndAMoleculeThatTouchesTheParticleHasNone)
 {
     EXPECT_EQ(weightOf(sample(3), 1.0), -1.0);
-    TrelmInfo info = sample(lcWall);
+    AlignmentOptions info = sample(lcWall);
     info.iFace = 5.0f; // the lower atom lies on the surface exactly
     EXPECT_EQ(weightOf(info, 1.0), 0.0);
     info.iFace = 5.001f;
@@ -84,7 +84,7 @@ TEST(Face, OtherModelsKeepTheWeightAndAMoleculeThatTouchesTheParticleHasNone)
 
 TEST(Face, EachCallMultipliesTheTableByItsScale)
 {
-    TrelmInfo info = sample(lcRod);
+    AlignmentOptions info = sample(lcRod);
     info.kPot = 0.1f;
     std::vector<double> zero = {0.0};
     Charges none;
@@ -105,7 +105,7 @@ TEST(Face, EachCallMultipliesTheTableByItsScale)
 }
 
 /// A run over two atoms with these charges; `written` gets the molecule of the result file.
-Said runFace(const std::vector<float> &values, const TrelmInfo &info, PDBInfo &written)
+Said runFace(const std::vector<float> &values, const AlignmentOptions &info, PDBInfo &written)
 {
     PDBInfo pdbInfo = makeMolecule({{1.0, 2.0, 5.0}, {1.0, 2.0, -3.0}});
     Charges charges = {{0, 1}, values};
@@ -140,7 +140,7 @@ TEST(FacePDB, WritesTheOrientationOfTheLowerWeight)
 
 TEST(FacePDB, AMoleculeWithinTheParticleIsNotFlipped)
 {
-    TrelmInfo info = sample(lcRod);
+    AlignmentOptions info = sample(lcRod);
     info.iFace = -10.0f;
     PDBInfo written;
     const Said lines = runFace({-1.0f, 0.0f}, info, written);

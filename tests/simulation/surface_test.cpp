@@ -101,7 +101,7 @@ TEST(AtomSelection, ChargesComeFirstAndADipoleReplacesThem)
 {
     PDBInfo pdb = ubiquitin();
     std::vector<double> x(2000), y(2000), z(2000);
-    TrelmInfo info;
+    SoluteOptions info;
     info.surfFlag = 0;
     struct Row {
         int elFlag, chSelFlag, dipoleFlag, charges, atoms;

@@ -42,12 +42,11 @@ void printSaupe(const char *name, double gMag, const Saupe &saupe, const char *g
     std::printf("\n");
 }
 
-int printBlocks(const TrelmInfo &trelmInfo, const Saupe &saupeSteric, const Saupe &saupeEl,
-                const Saupe &saupe)
+int printBlocks(const Saupe &saupeSteric, const Saupe &saupeEl, const Saupe &saupe)
 {
     TensorAnalysis analysis;
     for (const Saupe *part : {&saupeSteric, &saupeEl, &saupe})
-        if (analyzeSaupe(*part, trelmInfo.yzFlag, trelmInfo.verbFlag, analysis) != 0)
+        if (analyzeSaupe(*part, 0, 0, analysis) != 0)
             return complain("Matrix: error in analyzeSaupe.\n");
     printSaupe("SaupeSteric", analysis.gMag, saupeSteric, "  ");
     printSaupe("SaupeEl", analysis.gMag, saupeEl, " ");
@@ -55,35 +54,35 @@ int printBlocks(const TrelmInfo &trelmInfo, const Saupe &saupeSteric, const Saup
     return 0;
 }
 
-int checkOrientations(const TrelmInfo &trelmInfo)
+int checkOrientations(const AlignmentOptions &options)
 {
-    if (trelmInfo.densityNSC < 1)
-        return refuse("-dot", trelmInfo.densityNSC, "the number of orientation points must be positive");
-    const int dots = dotCount(trelmInfo.densityNSC);
+    if (options.densityNSC < 1)
+        return refuse("-dot", options.densityNSC, "the number of orientation points must be positive");
+    const int dots = dotCount(options.densityNSC);
     if (dots > maxOrientations)
-        return complain("trelm: -dot %d gives %d orientation points, the limit is %d.\n",
-                        trelmInfo.densityNSC, dots, maxOrientations);
-    if (trelmInfo.digPsiNSC < 1)
-        return refuse("-digPsi", trelmInfo.digPsiNSC, "the number of angle steps must be positive");
-    if (trelmInfo.digPsiNSC > std::numeric_limits<int>::max() / dots)
+        return complain("trelm: -dot %d gives %d orientation points, the limit is %d.\n", options.densityNSC,
+                        dots, maxOrientations);
+    if (options.digPsiNSC < 1)
+        return refuse("-digPsi", options.digPsiNSC, "the number of angle steps must be positive");
+    if (options.digPsiNSC > std::numeric_limits<int>::max() / dots)
         return complain("trelm: -digPsi %d with %d orientation points gives more than %d orientations.\n",
-                        trelmInfo.digPsiNSC, dots, std::numeric_limits<int>::max());
-    if (!std::isfinite(trelmInfo.lcOrder))
-        return refuse("-lcS", number(trelmInfo.lcOrder), "the order is no number");
+                        options.digPsiNSC, dots, std::numeric_limits<int>::max());
+    if (!std::isfinite(options.lcOrder))
+        return refuse("-lcS", number(options.lcOrder), "the order is no number");
     return 0;
 }
 
 /// The wall or rod, and the steps away from it.
-int checkObstacle(const TrelmInfo &trelmInfo)
+int checkObstacle(const ObstacleOptions &options)
 {
-    const double radiusModel = number(trelmInfo.radiusModel), radiusAtom = number(trelmInfo.radiusAtom);
-    if (!isPositive(trelmInfo.gridSpacing))
-        return refuse("-dGrid", number(trelmInfo.gridSpacing), "the step must be positive");
-    if (trelmInfo.lcType == lcRod && radiusModel == 0.0)
+    const double radiusModel = number(options.radiusModel), radiusAtom = number(options.radiusAtom);
+    if (!isPositive(options.gridSpacing))
+        return refuse("-dGrid", number(options.gridSpacing), "the step must be positive");
+    if (options.lcType == lcRod && radiusModel == 0.0)
         return refuse("-rM", 0.0, "a rod needs a radius");
-    if (!std::isfinite(trelmInfo.radiusModel + trelmInfo.radiusAtom))
+    if (!std::isfinite(options.radiusModel + options.radiusAtom))
         return complain("trelm: -rM %g, -rA %g: the radii are out of range.\n", radiusModel, radiusAtom);
-    if (!isPositive(trelmInfo.radiusModel))
+    if (!isPositive(options.radiusModel))
         warn("-rM", radiusModel, "no liquid crystal has such a radius");
     if (radiusAtom < 0.0)
         warn("-rA", radiusAtom, "no atom has such a radius");
@@ -92,40 +91,40 @@ int checkObstacle(const TrelmInfo &trelmInfo)
 
 } // namespace
 
-int refine_bicelle(TrelmInfo *trelmInfo)
+SampleGeometry refine_bicelle(const ObstacleOptions &options)
 {
     constexpr double piSquare = 9.869604378534024;
-    const auto q = static_cast<double>(trelmInfo->molarRatio);
-    const auto c = static_cast<double>(trelmInfo->concentration);
-    const auto R = static_cast<double>(trelmInfo->radiusModel);
+    const double q = number(options.molarRatio), c = number(options.concentration);
+    const double R = number(options.radiusModel);
     const double mol_DHPC = c * 1000.0 / (q * mw_DMPC + mw_DHPC);
     const double molar_ratio_eff = q * mol_DHPC / (mol_DHPC - freeLipid);
     const double mol_DHPC_free = c >= 0.01 ? freeLipid : 0.0;
     const double wv_bic = (mw_DHPC * (mol_DHPC - mol_DHPC_free) + q * mol_DHPC * mw_DMPC) / 1000.0;
-    trelmInfo->rSingleCell = static_cast<float>(R / wv_bic);
-    trelmInfo->lengthModel =
+    SampleGeometry geometry;
+    geometry.rSingleCell = static_cast<float>(R / wv_bic);
+    geometry.molarRatio = static_cast<float>(molar_ratio_eff);
+    geometry.lengthModel =
         static_cast<float>((std::sqrt(8.0 / molar_ratio_eff + piSquare) + pi) * 0.5 * R * molar_ratio_eff);
-    const double length = static_cast<double>(trelmInfo->lengthModel);
-    const double rim = 2.0 * R + pi * length; // 0 without a model, in a grid
-    trelmInfo->orderDiscRim = rim != 0.0 ? static_cast<float>(pi * length / (rim * 4.0)) : 0.0f;
-    trelmInfo->molarRatio = static_cast<float>(molar_ratio_eff);
-    return 0;
+    const double length = number(geometry.lengthModel);
+    const double rim = 2.0 * R + pi * length;
+    geometry.orderDiscRim = rim != 0.0 ? static_cast<float>(pi * length / (rim * 4.0)) : 0.0f;
+    return geometry;
 }
 
-int checkSample(const TrelmInfo &trelmInfo)
+int checkSample(const ObstacleOptions &options)
 {
-    const auto concentration = static_cast<double>(trelmInfo.concentration);
-    if (!isPositive(trelmInfo.concentration))
+    const auto concentration = static_cast<double>(options.concentration);
+    if (!isPositive(options.concentration))
         return refuse("-wv", concentration, "the concentration is a fraction, above 0");
     if (concentration > 1.0)
         warn("-wv", concentration, "the concentration is a fraction, above 1 no sample has it");
     return 0;
 }
 
-int checkSimulation(const TrelmInfo &trelmInfo)
+int checkSimulation(const AlignmentOptions &options)
 {
-    const int status = checkOrientations(trelmInfo);
-    return status != 0 || trelmInfo.lcType == lcGrid ? status : checkObstacle(trelmInfo);
+    const int status = checkOrientations(options);
+    return status != 0 || options.lcType == lcGrid ? status : checkObstacle(options);
 }
 
 float singleMean(std::span<const double> column)
@@ -155,57 +154,58 @@ float centreAtoms(const CoordinateBuffers &atoms)
     return largestDistance(atoms);
 }
 
-int runSteric(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, float distance,
-              std::span<const double> ddots, Saupe &saupe)
+int runSteric(const AlignmentSetup &setup, const CoordinateBuffers &atoms, float distance, Saupe &saupe)
 {
-    StericSetup setup;
-    setup.lcType = trelmInfo.lcType;
-    setup.stepOutLength = static_cast<double>(trelmInfo.rSingleCell);
-    setup.grid.max_obstruction = static_cast<double>(trelmInfo.radiusModel);
-    setup.radius = static_cast<double>(trelmInfo.radiusAtom);
-    setup.grid.gridSpacing = static_cast<double>(trelmInfo.gridSpacing);
-    setup.wvAmount = static_cast<double>(trelmInfo.concentration);
+    const AlignmentOptions &options = setup.options;
+    StericSetup steric;
+    steric.lcType = options.lcType;
+    steric.stepOutLength = setup.rSingleCell;
+    steric.grid.max_obstruction = number(options.radiusModel);
+    steric.radius = number(options.radiusAtom);
+    steric.grid.gridSpacing = number(options.gridSpacing);
+    steric.wvAmount = number(options.concentration);
     // The grid starts with the solute's centre on the obstacle's surface, however far its nearest atom is.
-    setup.grid.max_protein_length = static_cast<double>(distance) + setup.radius;
-    setup.grid.min_protein_length = setup.radius;
-    setup.digit_psi = trelmInfo.digPsiNSC;
-    return stericAlignment(setup, {atoms.x, atoms.y, atoms.z}, ddots, saupe);
+    steric.grid.max_protein_length = number(distance) + steric.radius;
+    steric.grid.min_protein_length = steric.radius;
+    steric.digit_psi = options.digPsiNSC;
+    return stericAlignment(steric, {atoms.x, atoms.y, atoms.z}, setup.dots, saupe);
 }
 
-int runCharged(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, float distance,
-               std::span<const double> ddots, const ChargeSet &charges, Potential &potential, Saupe &saupe)
+int runCharged(const AlignmentSetup &setup, const CoordinateBuffers &atoms, float distance,
+               const ChargeSet &charges, Potential &potential, Saupe &saupe)
 {
-    const auto radius = static_cast<double>(trelmInfo.radiusAtom);
-    return sma(trelmInfo, {atoms.x, atoms.y, atoms.z}, ddots,
-               {static_cast<double>(distance) + radius, radius}, charges, potential, saupe);
+    const double radius = number(setup.options.radiusAtom);
+    const SmaSetup sizes = {setup.options, setup.rSingleCell, number(distance) + radius, radius};
+    return sma(sizes, {atoms.x, atoms.y, atoms.z}, setup.dots, charges, potential, saupe);
 }
 
-int simulateAlignment(TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, std::span<const double> ddots,
-                      const ChargeSet &charges, AlignmentFields &fields, Saupe &saupe)
+int simulateAlignment(const AlignmentSetup &setup, const CoordinateBuffers &atoms, const ChargeSet &charges,
+                      AlignmentFields &fields, Saupe &saupe)
 {
     if (atoms.x.empty())
         return complain("simulateAlignment: no atoms selected.\n");
+    const AlignmentOptions &options = setup.options;
     Saupe saupeSteric = {}, saupeEl = {};
     const float distance = centreAtoms(atoms);
     std::printf("REMARK Molecule shifted to geometric center.\n");
-    const bool inGrid = trelmInfo.lcType == lcGrid;
+    const bool inGrid = options.lcType == lcGrid;
     const Coordinates view = {atoms.x, atoms.y, atoms.z};
     int status = 0;
-    if (trelmInfo.elFlag != 0)
-        status = inGrid ? sma3D(trelmInfo, view, ddots, charges, fields.pot3D.span(), saupeEl)
-                        : runCharged(trelmInfo, atoms, distance, ddots, charges, fields.potential, saupeEl);
+    if (options.elFlag != 0)
+        status = inGrid ? sma3D(options, view, setup.dots, charges, fields.pot3D.span(), saupeEl)
+                        : runCharged(setup, atoms, distance, charges, fields.potential, saupeEl);
     else if (inGrid)
-        ssia3D(trelmInfo, ddots, saupeSteric);
-    else if ((status = runSteric(trelmInfo, atoms, distance, ddots, saupeSteric)) != 0)
+        ssia3D(options, setup.dots, saupeSteric);
+    else if ((status = runSteric(setup, atoms, distance, saupeSteric)) != 0)
         complain("simulateAlignment: error in stericAlignment.");
     if (status != 0)
         return status;
     for (std::size_t k = 0; k < saupe.size(); ++k) {
-        saupeSteric[k] *= static_cast<double>(trelmInfo.lcOrder);
-        saupeEl[k] *= static_cast<double>(trelmInfo.lcOrder);
+        saupeSteric[k] *= number(options.lcOrder);
+        saupeEl[k] *= number(options.lcOrder);
         saupe[k] = saupeEl[k] + saupeSteric[k];
     }
-    return printBlocks(trelmInfo, saupeSteric, saupeEl, saupe);
+    return printBlocks(saupeSteric, saupeEl, saupe);
 }
 
 } // namespace trelm

@@ -1,5 +1,6 @@
 #include "simulation/alignment/electrostatic.h"
 
+#include "ground/trelm.h"
 #include "simulation/charges/field_energy.h"
 #include "simulation/obstacle/position_grid.h"
 #include "simulation/obstacle/rod.h"
@@ -19,38 +20,38 @@ namespace {
 constexpr const char *tag = "sma";
 constexpr double mostSteps = 1e8; ///< from one rod to the next
 
-GridSetup gridSetup(const TrelmInfo &trelmInfo, const SmaSetup &setup)
+GridSetup gridSetup(const SmaSetup &setup)
 {
-    return {.gridSpacing = number(trelmInfo.gridSpacing),
-            .max_obstruction = number(trelmInfo.radiusModel),
+    return {.gridSpacing = number(setup.options.gridSpacing),
+            .max_obstruction = number(setup.options.radiusModel),
             .max_protein_length = setup.max_protein_length,
             .min_protein_length = setup.min_protein_length};
 }
 
-void scalePotential(const ChargeOptions &elInfo, Potential &potential)
+void scalePotential(const FieldOptions &options, Potential &potential)
 {
-    std::printf("trelmInfo->kPot: %.1f \n", number(elInfo.kPot));
+    std::printf("trelmInfo->kPot: %.1f \n", number(options.kPot));
     for (int i = 0; i < potential.count; ++i) {
         double &value = potential.values[static_cast<std::size_t>(i)];
-        value = number(static_cast<float>(value) / elInfo.kPot);
+        value = number(static_cast<float>(value) / options.kPot);
     }
 }
 
-void reportGrid(const TrelmInfo &trelmInfo, const SmaSetup &setup, const PositionGrid &grid)
+void reportGrid(const SmaSetup &setup, const PositionGrid &grid)
 {
     std::printf("REMARK Minimum molecule dimension %.3f [A].\n", setup.min_protein_length);
     std::printf("REMARK Maximum molecule dimension %.3f [A].\n", setup.max_protein_length);
-    if (trelmInfo.kAtt != 0.0f)
-        std::printf("REMARK trelmInfo->kAtt = %.3f [A].\n", number(trelmInfo.kAtt));
+    if (setup.options.kAtt != 0.0f)
+        std::printf("REMARK trelmInfo->kAtt = %.3f [A].\n", number(setup.options.kAtt));
     std::printf("@@@ offset_grid = %.3f [A]  t_pts = %d.\n",
-                setup.min_protein_length + number(trelmInfo.radiusModel), grid.grid_el);
+                setup.min_protein_length + number(setup.options.radiusModel), grid.grid_el);
     std::printf("@@@ REMARK grid_el[0] = %.3f [A].\n", number(grid.positionDist[0]));
     std::printf("@@@ REMARK grid_el[%d] = %.3f [A].\n", grid.grid_el, grid.lastDist());
 }
 
-/// What all roads of a charged molecule share.
+/// What wall and rod share.
 struct Charged {
-    const TrelmInfo &trelmInfo;
+    const SmaSetup &setup;
     PlacedCharges placed;
     FieldConstants field;
     OrientationSet set;
@@ -58,8 +59,8 @@ struct Charged {
 
 int simulateWall(const Charged &charged, PositionGrid &grid, Saupe &saupe)
 {
-    const TrelmInfo &info = charged.trelmInfo;
-    const double spacing = number(info.gridSpacing), cell = number(info.rSingleCell);
+    const AlignmentOptions &info = charged.setup.options;
+    const double spacing = number(info.gridSpacing), cell = charged.setup.rSingleCell;
     const double limit = std::min(cell, info.cutoffPot);
     if (!extendPositions(grid, spacing, [limit](double last, double) { return last <= limit; }))
         warnShortGrid(grid);
@@ -105,7 +106,7 @@ struct RodSums {
 /// Extends the grid as far as the potential reaches, and tells how far that is.
 void extendRodGrid(const Charged &charged, double beta, PositionGrid &grid)
 {
-    const TrelmInfo &info = charged.trelmInfo;
+    const AlignmentOptions &info = charged.setup.options;
     const double radius = number(info.radiusModel), cutoff = info.cutoffPot;
     const auto isBelow = [&](double distance) {
         return std::fabs(surfacePotential(charged.field, distance - radius)) < cutoff;
@@ -135,7 +136,7 @@ void extendRodGrid(const Charged &charged, double beta, PositionGrid &grid)
 
 void reportRod(const Charged &charged, double end_dist, double beta, const PositionGrid &grid)
 {
-    const TrelmInfo &info = charged.trelmInfo;
+    const AlignmentOptions &info = charged.setup.options;
     std::printf("@@ trelmInfo->cutoffPot: %e\n", info.cutoffPot);
     std::printf("@@ trelmInfo->radiusModel: %f\n", number(info.radiusModel));
     std::printf("@@ trelmInfo->concentration: %f\n", number(info.concentration));
@@ -150,7 +151,7 @@ void reportRod(const Charged &charged, double end_dist, double beta, const Posit
 
 void sumBesideRod(const Charged &charged, const PositionGrid &grid, RodEnergy &energy, RodSums &sums)
 {
-    const TrelmInfo &info = charged.trelmInfo;
+    const AlignmentOptions &info = charged.setup.options;
     RodKernel kernel = makeRodKernel(charged.placed.atoms, grid.touchable(), number(info.radiusModel),
                                      number(info.radiusAtom));
     std::vector<Interval> blocked;
@@ -258,7 +259,7 @@ void tellBeyond(bool isBeyond, Potential &potential)
 
 int simulateRod(const Charged &charged, PositionGrid &grid, Potential &potential, Saupe &saupe)
 {
-    const TrelmInfo &info = charged.trelmInfo;
+    const AlignmentOptions &info = charged.setup.options;
     const double radius = number(info.radiusModel), spacing = number(info.gridSpacing);
     reportField(charged.field);
     const double end_dist = radius / std::sqrt(number(info.concentration) / rodDensity) - radius;
@@ -302,22 +303,21 @@ void reportSetBias(const OrientationSet &set, const char *prefix)
     std::printf("%sdeviation from uniform distribution:  %e   %e\n", prefix, gMag, 50.0 * gMag);
 }
 
-int sma(const TrelmInfo &trelmInfo, const Coordinates &atoms, std::span<const double> dots,
-        const SmaSetup &setup, const ChargeSet &charges, Potential &potential, Saupe &saupe)
+int sma(const SmaSetup &setup, const Coordinates &atoms, std::span<const double> dots,
+        const ChargeSet &charges, Potential &potential, Saupe &saupe)
 {
     saupe = {};
-    const Charged charged{trelmInfo,
-                          {atoms, &charges},
-                          fieldConstants(trelmInfo),
-                          makeOrientationSet(dots, trelmInfo.digPsiNSC)};
+    const AlignmentOptions &options = setup.options;
+    const Charged charged{
+        setup, {atoms, &charges}, fieldConstants(options), makeOrientationSet(dots, options.digPsiNSC)};
     reportSetBias(charged.set, "");
-    scalePotential(trelmInfo, potential);
+    scalePotential(options, potential);
     PositionGrid grid;
-    if (!layPositions(tag, gridSetup(trelmInfo, setup), grid))
+    if (!layPositions(tag, gridSetup(setup), grid))
         mzerror("allocation failure for grid_el");
-    reportGrid(trelmInfo, setup, grid);
-    return trelmInfo.lcType == lcWall ? simulateWall(charged, grid, saupe)
-                                      : simulateRod(charged, grid, potential, saupe);
+    reportGrid(setup, grid);
+    return options.lcType == lcWall ? simulateWall(charged, grid, saupe)
+                                    : simulateRod(charged, grid, potential, saupe);
 }
 
 } // namespace trelm

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "couplings/tensor.h"
-#include "ground/trelm.h"
+#include "simulation/alignment/options.h"
 #include "simulation/charges/charges.h"
 #include "simulation/charges/field.h"
 #include "simulation/charges/potential.h"
@@ -15,10 +15,12 @@
 
 namespace trelm {
 
-/// Dimensions of the molecule, angstrom: largest distance of an atom from the centre with the atom's radius,
-/// and the smallest, with which the grid begins.
+/// What a weighted simulation needs beside the atoms. Lengths in angstrom.
 struct SmaSetup {
-    double max_protein_length = 0.0, min_protein_length = 0.0;
+    const AlignmentOptions &options;
+    double rSingleCell = 0.0;        ///< wall: from its middle plane to the edge of its cell
+    double max_protein_length = 0.0; ///< largest distance of an atom from the centre, with the atom's radius
+    double min_protein_length = 0.0; ///< the distance from the particle with which the grid begins
 };
 
 /// The elements of all orientations averaged: what the finite set shows without any weight. Prints them, and
@@ -30,7 +32,7 @@ void reportSetBias(const OrientationSet &set, const char *prefix);
 /// orientations. The weights of the free distances to the next rod are summed in single precision, one step
 /// of gridSpacing after the other: 1e5 steps leave their sum right to 2e-6, 1e6 to 4e-4, 1e8 to a half. More
 /// are refused.
-int sma(const TrelmInfo &trelmInfo, const Coordinates &atoms, std::span<const double> dots,
-        const SmaSetup &setup, const ChargeSet &charges, Potential &potential, Saupe &saupe);
+int sma(const SmaSetup &setup, const Coordinates &atoms, std::span<const double> dots,
+        const ChargeSet &charges, Potential &potential, Saupe &saupe);
 
 } // namespace trelm

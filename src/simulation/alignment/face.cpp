@@ -30,17 +30,17 @@ std::vector<float> centred(std::span<const double> column, double shift)
 /// The distance of an atom from the middle plane of a wall or from the axis of a rod, and the potential
 /// there.
 struct Obstacle {
-    const TrelmInfo &info;
+    const AlignmentOptions &options;
     FieldConstants field;
 
-    [[nodiscard]] bool isWall() const { return info.lcType == lcWall; }
+    [[nodiscard]] bool isWall() const { return options.lcType == lcWall; }
     [[nodiscard]] bool touches(float y, float z) const
     {
-        return (isWall() ? z : std::sqrt(y * y + z * z)) <= info.radiusModel + info.radiusAtom;
+        return (isWall() ? z : std::sqrt(y * y + z * z)) <= options.radiusModel + options.radiusAtom;
     }
     [[nodiscard]] double potential(float y, float z) const
     {
-        const double radius = number(info.radiusModel);
+        const double radius = number(options.radiusModel);
         if (isWall())
             return surfacePotential(field, number(z) - radius);
         // surfacePotential but for the decay in single precision, which weights that are compared with older
@@ -77,33 +77,33 @@ int flip(PDBInfo *pdbInfo)
 }
 
 /// The weight of the molecule as it stands.
-int weighFace(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const ChargeSet &original,
+int weighFace(PDBInfo *pdbInfo, const AlignmentOptions &options, const ChargeSet &original,
               SelectionBuffers &buffers, Potential &potential, double &prob)
 {
     Chosen chosen;
-    const int status = selectSolute(pdbInfo, trelmInfo, original, buffers, 0, chosen);
+    const int status = selectSolute(pdbInfo, options, original, buffers, 0, chosen);
     restoreMarks(pdbInfo, buffers.marks);
     if (status != 0) {
         complain("trelm: error reading selection of atoms.\n");
         return status;
     }
     const bool isWeighed = // without atoms there is no face
-        !chosen.atoms.x.empty() && iFace(trelmInfo, chosen.atoms, chosen.charges, potential, prob) == 0;
+        !chosen.atoms.x.empty() && iFace(options, chosen.atoms, chosen.charges, potential, prob) == 0;
     return isWeighed ? 0 : complain("trelm: error determining interaction face.\n");
 }
 
 /// Weighs both faces. `isFlipped` tells whether the flipped one is written.
-int weighBothFaces(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const ChargeSet &charges,
+int weighBothFaces(PDBInfo *pdbInfo, const AlignmentOptions &options, const ChargeSet &charges,
                    SelectionBuffers &buffers, Potential &potential, bool &isFlipped)
 {
     double initial = 0.0, rotated = 0.0;
-    int status = weighFace(pdbInfo, trelmInfo, charges, buffers, potential, initial);
+    int status = weighFace(pdbInfo, options, charges, buffers, potential, initial);
     if (status != 0)
         return status;
     std::printf("REMARK Probability of initial orientation %e.\n", initial);
     status = flip(pdbInfo);
     if (status == 0)
-        status = weighFace(pdbInfo, trelmInfo, charges, buffers, potential, rotated);
+        status = weighFace(pdbInfo, options, charges, buffers, potential, rotated);
     if (status != 0)
         return status;
     std::printf("REMARK Probability of 180 deg. rotated orientation %e.\n", rotated);
@@ -127,19 +127,19 @@ int writeFace(const EulerLists &euler, PDBInfo *pdbInfo, const FaceOutput &outpu
 
 } // namespace
 
-int iFace(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, const ChargeSet &charges,
+int iFace(const AlignmentOptions &options, const CoordinateBuffers &atoms, const ChargeSet &charges,
           Potential &potential, double &prob)
 {
     for (int i = 0; i < potential.count; ++i) {
         double &value = potential.values[static_cast<std::size_t>(i)];
-        value = number(static_cast<float>(value) * trelmInfo.kPot);
+        value = number(static_cast<float>(value) * options.kPot);
     }
-    if (trelmInfo.lcType != lcWall && trelmInfo.lcType != lcRod)
+    if (options.lcType != lcWall && options.lcType != lcRod)
         return 0;
     const std::vector<float> y = centred(atoms.y, 0.0);
-    const std::vector<float> z = centred(atoms.z, number(trelmInfo.radiusModel) + number(trelmInfo.iFace));
-    const Obstacle obstacle = {trelmInfo, fieldConstants(trelmInfo)};
-    if (!obstacle.isWall() || trelmInfo.chFlag != 0)
+    const std::vector<float> z = centred(atoms.z, number(options.radiusModel) + number(options.iFace));
+    const Obstacle obstacle = {options, fieldConstants(options)};
+    if (!obstacle.isWall() || options.chFlag != 0)
         reportField(obstacle.field);
     for (std::size_t j = 0; j < z.size(); ++j)
         if (obstacle.touches(y[j], z[j])) {
@@ -154,12 +154,12 @@ int iFace(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, const Char
         const auto place = static_cast<std::size_t>(charges.chargeAtomID[c]);
         energy += obstacle.potential(y[place], z[place]) * number(charges.charges[c]);
     }
-    prob = std::exp(-number(trelmInfo.kEnergy * static_cast<float>(energy)));
+    prob = std::exp(-number(options.kEnergy * static_cast<float>(energy)));
     return 0;
 }
 
-int iFacePDB(const EulerLists &euler, PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const FaceOutput &output,
-             Potential &potential, const ChargeSet &charges)
+int iFacePDB(const EulerLists &euler, PDBInfo *pdbInfo, const AlignmentOptions &options,
+             const FaceOutput &output, Potential &potential, const ChargeSet &charges)
 {
     SelectionBuffers buffers;
     if (makeSelectionBuffers("iFacePDB", *pdbInfo, buffers) != 0)
@@ -169,7 +169,7 @@ int iFacePDB(const EulerLists &euler, PDBInfo *pdbInfo, const TrelmInfo &trelmIn
     bool isFlipped = false;
     int status = turnIntoFrame(euler, pdbInfo);
     if (status == 0)
-        status = weighBothFaces(pdbInfo, trelmInfo, charges, buffers, potential, isFlipped);
+        status = weighBothFaces(pdbInfo, options, charges, buffers, potential, isFlipped);
     if (restorePDBCoords(pdbInfo) != 0)
         return complain("trelm: error in restorePDBCoords.\n");
     if (status != 0)

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "couplings/euler.h"
-#include "ground/trelm.h"
+#include "simulation/alignment/options.h"
 #include "simulation/charges/charges.h"
 #include "simulation/charges/potential.h"
 #include "simulation/obstacle/atom_selection.h"
@@ -16,7 +16,7 @@ namespace trelm {
 /// of a wall in the plane z = 0 or of a rod along x, on the side of the molecule's negative z. Multiplies the
 /// table by kPot, at each call, and does not read it: the field is that of the surface charge. A molecule
 /// that touches the particle has the weight 0, with a warning. Other models leave `prob` as it is. Returns 0.
-int iFace(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, const ChargeSet &charges,
+int iFace(const AlignmentOptions &options, const CoordinateBuffers &atoms, const ChargeSet &charges,
           Potential &potential, double &prob);
 
 /// Where the result goes.
@@ -29,7 +29,7 @@ struct FaceOutput {
 /// both weights on standard output, and writes the one of lower weight with its charges marked. The marks of
 /// the selection choose the atoms. `charges`: by their atoms in the molecule. Coordinates and selection are
 /// as before at the end. Returns 0, or the status of a failing step after a message.
-int iFacePDB(const EulerLists &euler, PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const FaceOutput &output,
-             Potential &potential, const ChargeSet &charges);
+int iFacePDB(const EulerLists &euler, PDBInfo *pdbInfo, const AlignmentOptions &options,
+             const FaceOutput &output, Potential &potential, const ChargeSet &charges);
 
 } // namespace trelm

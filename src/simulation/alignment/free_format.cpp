@@ -1,6 +1,5 @@
 #include "simulation/alignment/free_format.h"
 
-#include "couplings/output.h"
 #include "ground/alloc.h"
 #include "simulation/alignment/alignment.h"
 #include "simulation/orientations/sphere.h"
@@ -114,18 +113,17 @@ int readPDBfree(const std::string &inName, int &atomCount, const CoordinateBuffe
     return 0;
 }
 
-int ssiaFree(TrelmInfo *trelmInfo, const std::string &pdbFreeName, const std::string &outAName, DTable *dTab)
+int ssiaFree(const AlignmentOptions &options, const std::string &pdbFreeName, Saupe &saupe)
 {
     FreeBuffers buffers;
     if (!buffers.complete())
         return complain("Error allocating coord buffers.\n");
-    refine_bicelle(trelmInfo);
     int atomCount = 0;
     if (readPDBfree(pdbFreeName, atomCount, buffers.first(maxFreeAtoms)) != 0)
         return readError();
     std::fprintf(stderr, "%s, %d Atoms, Free format.\n", pdbFreeName.c_str(), atomCount);
     std::span<const double> dots;
-    if (do_unsp(trelmInfo->densityNSC, dots) != 0 || dots.size() > buffers.ddots.span().size())
+    if (do_unsp(options.densityNSC, dots) != 0 || dots.size() > buffers.ddots.span().size())
         return complain("Matrix: unsp error occured.\n");
     // A copy, since the surface takes dots of its own from the same generator.
     std::ranges::copy(dots, buffers.ddots.data());
@@ -139,15 +137,16 @@ int ssiaFree(TrelmInfo *trelmInfo, const std::string &pdbFreeName, const std::st
     std::printf("REMARK %d atoms selected for simulation.\n", atomSelCount);
     const CoordinateBuffers atoms = buffers.first(atomSelCount);
     const float distance = centreAtoms(atoms);
-    Saupe saupe = {};
-    const int status = runSteric(*trelmInfo, atoms, distance, ddots, saupe);
+    const double rSingleCell = static_cast<double>(refine_bicelle(options).rSingleCell);
+    const int status = runSteric({options, rSingleCell, ddots}, atoms, distance, saupe);
     if (status != 0) {
         complain("simulateAlignment: error in stericAlignment.");
         return status;
     }
-    for (std::size_t k = 0; k < saupe.size(); ++k)
-        dTab->dTensor.saupe[k] = static_cast<float>(-saupe[k] * static_cast<double>(trelmInfo->lcOrder));
-    return writeDCmod(outAName, "w", dTab, trelmInfo, "");
+    // What survives beside the obstacle averages to the opposite sign.
+    for (double &element : saupe)
+        element *= -static_cast<double>(options.lcOrder);
+    return 0;
 }
 
 } // namespace trelm

@@ -1,8 +1,8 @@
 // The steric simulation of a bare list of atoms, without columns, names or charges.
 #pragma once
 
-#include "couplings/dipolar.h"
-#include "ground/trelm.h"
+#include "couplings/tensor.h"
+#include "simulation/alignment/options.h"
 #include "simulation/obstacle/atom_selection.h"
 
 #include <string>
@@ -17,8 +17,8 @@ constexpr int maxFreeAtoms = 4999; ///< a file that reaches this number is refus
 /// a message.
 int readPDBfree(const std::string &inName, int &atomCount, const CoordinateBuffers &atoms);
 
-/// Simulates the alignment of such a file and writes the tensor, with the couplings of the table if it has
-/// any, to outAName. Returns 0, or non-zero after a message.
-int ssiaFree(TrelmInfo *trelmInfo, const std::string &pdbFreeName, const std::string &outAName, DTable *dTab);
+/// Simulates the alignment of such a file. `saupe`: with its own sign. Returns 0, or non-zero after a
+/// message.
+int ssiaFree(const AlignmentOptions &options, const std::string &pdbFreeName, Saupe &saupe);
 
 } // namespace trelm

@@ -265,10 +265,9 @@ void warnMixedNumbers(const PDBInfo &pdbInfo)
 
 } // namespace
 
-int chargeSetup(const std::string &inName, PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, ChargeSet &set,
-                const std::string &outName)
+int chargeSetup(const std::string &inName, const PDBInfo &pdbInfo, const ChargeOptions &elInfo,
+                ChargeSet &set, const std::string &outName)
 {
-    const ChargeOptions &elInfo = trelmInfo;
     set.chCount = 0;
     set.chSum = 0.0f;
     if (isSameFile(inName, outName))
@@ -277,14 +276,14 @@ int chargeSetup(const std::string &inName, PDBInfo *pdbInfo, const TrelmInfo &tr
     if (!outName.empty() && openOut(out, outName, "w") != 0)
         return complain("TRELM Error opening file for pka output %s\n", outName.c_str());
     ChargeLines lines;
-    if (placeCharges(inName, *pdbInfo, elInfo, set, lines) != 0) {
+    if (placeCharges(inName, pdbInfo, elInfo, set, lines) != 0) {
         set.chCount = 0;
         set.chSum = 0.0f;
         return 1;
     }
     if (outName.empty())
         return 0;
-    warnMixedNumbers(*pdbInfo);
+    warnMixedNumbers(pdbInfo);
     writeOut(out, lines.text);
     return closeOut(out);
 }

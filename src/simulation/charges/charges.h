@@ -1,13 +1,15 @@
 // The charge model: point charges on the selected atoms of a structure.
 #pragma once
 
-#include "ground/trelm.h"
+#include "simulation/charges/options.h"
 #include "structure/pdb.h"
 
 #include <span>
 #include <string>
 
 namespace trelm {
+
+constexpr int maxCharges = 1200; ///< of a simulation
 
 /// The point charges of a simulation, views of a run's buffers, counted from 0; charges in units of e.
 struct ChargeSet {
@@ -25,7 +27,7 @@ struct ChargeSet {
 /// Returns 0; 1 without charges, after a message, if a file fails, a line is bad, charges (or lines of the
 /// pKa file) reach maxCharges - 1, or the net charge is not finite. pKa defaults and titration: see
 /// charge_tables.h.
-int chargeSetup(const std::string &inName, PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, ChargeSet &set,
-                const std::string &outName);
+int chargeSetup(const std::string &inName, const PDBInfo &pdbInfo, const ChargeOptions &elInfo,
+                ChargeSet &set, const std::string &outName);
 
 } // namespace trelm

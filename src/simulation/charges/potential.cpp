@@ -107,10 +107,10 @@ int readGrid(const std::string &name, std::size_t points, int &read, Take take)
 
 /// The values of a grid, all 0, as many as the run asks for. `complaint`: what is said without memory.
 template <class T>
-int makeGrid(const TrelmInfo &trelmInfo, const char *complaint, Block<T> &grid)
+int makeGrid(const Grid3DOptions &options, const char *complaint, Block<T> &grid)
 {
     std::size_t points = 0;
-    if (gridPoints(trelmInfo, points) != 0)
+    if (gridPoints(options, points) != 0)
         return 1;
     grid = points > 0 ? Block<T>(tag, points) : Block<T>();
     return points > 0 && !grid ? complain("%s", complaint) : 0;
@@ -150,16 +150,15 @@ bool hasStep(const Potential &potential)
     return potential.count > 1 && potential.stepsize > 0.0 && std::isfinite(potential.stepsize);
 }
 
-int gridPoints(const TrelmInfo &trelmInfo, std::size_t &points)
+int gridPoints(const Grid3DOptions &options, std::size_t &points)
 {
     const auto tell = [](const char *kind, const char *what) {
         return complain("%s the 3D grid has %s.\n", kind, what);
     };
-    const ChargeOptions &elInfo = trelmInfo;
-    const double nX = trelmInfo.grid3DnX, nY = trelmInfo.grid3DnY, nZ = trelmInfo.grid3DnZ;
-    const double planes = 1.0 + elInfo.zN - elInfo.z1;
+    const double nX = options.grid3DnX, nY = options.grid3DnY, nZ = options.grid3DnZ;
+    const double planes = 1.0 + options.zN - options.z1;
     bool isNegative = false;
-    for (const float spacing : {trelmInfo.grid3DdeltaX, trelmInfo.grid3DdeltaY, trelmInfo.grid3DdeltaZ}) {
+    for (const float spacing : {options.grid3DdeltaX, options.grid3DdeltaY, options.grid3DdeltaZ}) {
         if (spacing == 0.0f || !std::isfinite(spacing))
             return tell("trelm:", "a spacing of 0: see -dX, -dY, -dZ");
         isNegative = isNegative || spacing < 0.0f;
@@ -167,7 +166,7 @@ int gridPoints(const TrelmInfo &trelmInfo, std::size_t &points)
     if (nX * nY * nZ < 0.0)
         return tell("trelm:", "a negative number of points: see -nX, -nY, -nZ");
     for (const double number :
-         {planes, 2.0 * elInfo.z1, 2.0 * elInfo.zN, nX * nY, nX * nY * nZ, nX * nY * planes})
+         {planes, 2.0 * options.z1, 2.0 * options.zN, nX * nY, nX * nY * nZ, nX * nY * planes})
         if (std::fabs(number) > std::numeric_limits<int>::max())
             return tell("trelm:", "more points than can be counted");
     if (std::max({nX, nY, planes}) > std::max(nX * nY * nZ, mostEmpty))
@@ -176,16 +175,16 @@ int gridPoints(const TrelmInfo &trelmInfo, std::size_t &points)
         tell("Warning:", "a negative spacing: see -dX, -dY, -dZ");
     if (nX < 1.0 || nY < 1.0 || planes < 1.0)
         tell("Warning:", "no positions: see -nX, -nY, -z1, -zN");
-    else if (elInfo.z1 < 1 || elInfo.zN > nZ)
+    else if (options.z1 < 1 || options.zN > nZ)
         tell("Warning:", "z planes beyond its own: see -z1, -zN");
     points = static_cast<std::size_t>(nX * nY * nZ);
     return 0;
 }
 
-int read3DPotential(const std::string &inName, const TrelmInfo &trelmInfo, Block<double> &pot3D, int &read)
+int read3DPotential(const std::string &inName, const Grid3DOptions &options, Block<double> &pot3D, int &read)
 {
     read = 0;
-    if (makeGrid(trelmInfo, "Error allocating charge and potential buffers.\n", pot3D) != 0)
+    if (makeGrid(options, "Error allocating charge and potential buffers.\n", pot3D) != 0)
         return 1;
     if (inName.empty())
         return 0;
@@ -193,14 +192,14 @@ int read3DPotential(const std::string &inName, const TrelmInfo &trelmInfo, Block
                     [&](std::size_t i, double value) { pot3D[i] = value; });
 }
 
-int read3DPotSteric(const std::string &inName, const TrelmInfo &trelmInfo, Block<float> &pot3Dst, int &read)
+int read3DPotSteric(const std::string &inName, const Grid3DOptions &options, Block<float> &pot3Dst, int &read)
 {
     read = 0;
-    if (makeGrid(trelmInfo, "Error allocating potential buffer.\n", pot3Dst) != 0)
+    if (makeGrid(options, "Error allocating potential buffer.\n", pot3Dst) != 0)
         return 1;
     if (inName.empty())
         return 0;
-    const auto maxPot = static_cast<double>(trelmInfo.maxPot);
+    const auto maxPot = static_cast<double>(options.maxPot);
     return readGrid(inName, pot3Dst.span().size(), read, [&](std::size_t i, double value) {
         pot3Dst[i] = std::fabs(value) < maxPot ? 1.0f : 0.0f;
     });

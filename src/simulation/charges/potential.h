@@ -2,7 +2,7 @@
 #pragma once
 
 #include "ground/alloc.h"
-#include "ground/trelm.h"
+#include "simulation/charges/options.h"
 
 #include <cstddef>
 #include <string>
@@ -32,13 +32,14 @@ bool hasStep(const Potential &potential);
 /// number, the product of the counts is negative, there are more points or positions than an index can have,
 /// or many positions with far fewer points. Warns of a grid without positions, of z planes beyond it and of
 /// negative spacings.
-int gridPoints(const TrelmInfo &trelmInfo, std::size_t &points);
+int gridPoints(const Grid3DOptions &options, std::size_t &points);
 
 /// Read a grid, z fastest, then y, then x, behind a header of eleven lines: its values, kT/e, or for each 1
 /// if an atom may be there (its magnitude is below maxPot), else 0. An empty name reads nothing: all zero.
 /// `read` gets the number of values. Return 0, or 1 after a message if the file can not be read or does not
 /// hold just the points of the grid.
-int read3DPotential(const std::string &inName, const TrelmInfo &trelmInfo, Block<double> &pot3D, int &read);
-int read3DPotSteric(const std::string &inName, const TrelmInfo &trelmInfo, Block<float> &pot3Dst, int &read);
+int read3DPotential(const std::string &inName, const Grid3DOptions &options, Block<double> &pot3D, int &read);
+int read3DPotSteric(const std::string &inName, const Grid3DOptions &options, Block<float> &pot3Dst,
+                    int &read);
 
 } // namespace trelm

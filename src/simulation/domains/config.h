@@ -1,7 +1,7 @@
 // The configuration file: the domains of a molecule and the settings of the ensemble.
 #pragma once
 
-#include "ground/trelm.h"
+#include "simulation/domains/options.h"
 
 #include <string>
 

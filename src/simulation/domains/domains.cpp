@@ -109,44 +109,42 @@ int exposedBackbone(PDBInfo *pdbInfo, IsWanted isWanted, std::vector<std::size_t
 
 } // namespace
 
-int initOrient(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo)
+int initOrient(PDBInfo *pdbInfo, const DomainOptions &options, int yzFlag)
 {
-    const DomainOptions &gridInfo = trelmInfo;
     Axis mean;
-    if (meanOfResidues(*pdbInfo, gridInfo.startResPart1, gridInfo.endResPart1, mean) != 0)
+    if (meanOfResidues(*pdbInfo, options.startResPart1, options.endResPart1, mean) != 0)
         return 1;
     moveToOrigin(pdbInfo, mean);
     Matrix3d inertiaTensor;
     TensorAnalysis analysis;
-    if (calcInertiaSel(*pdbInfo, gridInfo.startResPart1, gridInfo.endResPart1, inertiaTensor) != 0)
+    if (calcInertiaSel(*pdbInfo, options.startResPart1, options.endResPart1, inertiaTensor) != 0)
         return 1;
-    if (analyzeMatrix3D(inertiaTensor, trelmInfo.yzFlag, analysis) != 0)
+    if (analyzeMatrix3D(inertiaTensor, yzFlag, analysis) != 0)
         return complain("initOrient: error in analyzeMatrix3D.");
     const EulerLists &euler = analysis.euler;
-    if (gridInfo.initOrientFlag != 0 && rotateDomain({-euler.gamma[0], -euler.beta[0], -euler.alpha[0]},
-                                                     pdbInfo, pdbInfo->minResID, pdbInfo->maxResID) != 0)
+    if (options.initOrientFlag != 0 && rotateDomain({-euler.gamma[0], -euler.beta[0], -euler.alpha[0]},
+                                                    pdbInfo, pdbInfo->minResID, pdbInfo->maxResID) != 0)
         return complain("initOrient: error in rotateDomain.");
-    if (gridInfo.angleDomFlag != 0 &&
-        positionDomain(pdbInfo, trelmInfo, gridInfo.startResDom2, gridInfo.endResDom2, gridInfo.resDom1Origin,
-                       gridInfo.resDom2Origin) != 0)
+    if (options.angleDomFlag != 0 && positionDomain(pdbInfo, options) != 0)
         return 1;
-    return moveToPivot(pdbInfo, gridInfo.resDom1Origin, "ORIGIN_DOM1:");
+    return moveToPivot(pdbInfo, options.resDom1Origin, "ORIGIN_DOM1:");
 }
 
-int positionDomain(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, int resN, int resC, int origin1, int origin2)
+int positionDomain(PDBInfo *pdbInfo, const DomainOptions &options)
 {
+    const int resN = options.startResDom2, resC = options.endResDom2;
     if (std::ranges::none_of(pdbInfo->atoms(),
                              [&](const AtomInfo &atom) { return isInRange(atom, resN, resC); }))
         complain("Warning: no atoms in residues %d to %d of domain 2: nothing of it is turned.\n", resN,
                  resC);
-    if (moveToPivot(pdbInfo, origin2, "ORIGIN_DOM2:") != 0)
+    if (moveToPivot(pdbInfo, options.resDom2Origin, "ORIGIN_DOM2:") != 0)
         return 1;
-    const auto &angle = trelmInfo.angleDom;
+    const auto &angle = options.angleDom;
     if (rotateDomain(
             {static_cast<double>(angle[0]), static_cast<double>(angle[1]), static_cast<double>(angle[2])},
             pdbInfo, resN, resC) != 0)
         return complain("initOrient: error in rotateDomain.");
-    return moveToPivot(pdbInfo, origin1, "ORIGIN_DOM1:");
+    return moveToPivot(pdbInfo, options.resDom1Origin, "ORIGIN_DOM1:");
 }
 
 int selectSurfDom(PDBInfo *pdbInfo, int resN, int resC, std::vector<std::size_t> &indI,
@@ -162,10 +160,9 @@ int selectSurfDom(PDBInfo *pdbInfo, int resN, int resC, std::vector<std::size_t>
     return status;
 }
 
-int chkClashDom(const PDBInfo &pdbInfo, const TrelmInfo &trelmInfo, std::span<const std::size_t> indI,
+int chkClashDom(const PDBInfo &pdbInfo, float clashDist, std::span<const std::size_t> indI,
                 std::span<const std::size_t> indJ)
 {
-    const float clashDist = trelmInfo.clashDist;
     for (const std::size_t i : indI) {
         const AtomInfo &a = pdbInfo.atomList[i];
         for (const std::size_t j : indJ) {

@@ -1,7 +1,6 @@
 #include "simulation/domains/ensemble.h"
 
 #include "couplings/fit.h"
-#include "couplings/output.h"
 #include "simulation/alignment/alignment.h"
 #include "simulation/domains/domains.h"
 #include "simulation/orientations/rotation.h"
@@ -72,17 +71,17 @@ struct Direction {
 };
 
 /// Appends the states of a direction. Returns 0, or 1 after a message if there are too many.
-int appendStates(const DomainOptions &gridInfo, const Direction &direction, Monitors &monitors,
+int appendStates(const DomainOptions &options, const Direction &direction, Monitors &monitors,
                  Ensemble &ensemble)
 {
     std::string text;
-    for (int g = 0; g < gridInfo.digPsiE; ++g) {
-        const double gamma = radians(g * (360.0 / gridInfo.digPsiE));
+    for (int g = 0; g < options.digPsiE; ++g) {
+        const double gamma = radians(g * (360.0 / options.digPsiE));
         const Axis v = rotate_vector(direction.beta, direction.alpha, gamma, unitZ);
         // |y| of the tip but for the rounding, which decides at the limit.
         const double sideways =
             std::abs(std::sin(std::atan2(v[1], v[0])) * std::sqrt(v[1] * v[1] + v[0] * v[0]));
-        if (sideways > static_cast<double>(gridInfo.errAlphaCone))
+        if (sideways > static_cast<double>(options.errAlphaCone))
             continue;
         const EnsembleState state = {degrees(direction.alpha), degrees(direction.beta), degrees(gamma)};
         ensemble.states[static_cast<std::size_t>(ensemble.count++)] = state;
@@ -102,42 +101,30 @@ int appendStates(const DomainOptions &gridInfo, const Direction &direction, Moni
     return 0;
 }
 
-int generateStates(const DomainOptions &gridInfo, Monitors &monitors, Ensemble &ensemble)
+int generateStates(const DomainOptions &options, Monitors &monitors, Ensemble &ensemble)
 {
     ensemble.count = 0;
     std::span<const double> dots;
-    if (gridInfo.densE < 1 || do_unsp(gridInfo.densE, dots) != 0)
+    if (options.densE < 1 || do_unsp(options.densE, dots) != 0)
         return complain("setupEnsemble: unsp error occured.\n");
     const std::size_t count = dots.size() / 3;
-    if (gridInfo.digPsiE >= maxEnsembleStates) // each direction alone would be too much
+    if (options.digPsiE >= maxEnsembleStates) // each direction alone would be too much
         return complain("setupEnsemble: ensemble too big.\n");
     if (count >= maxEnsembleStates)
         complain("WARNING: ENSEMBLE_DENSITY %d: %zu directions, a run holds %d states of those within the "
                  "limits.\n",
-                 gridInfo.densE, count, maxEnsembleStates - 1);
+                 options.densE, count, maxEnsembleStates - 1);
     for (std::size_t i = 0; i + 2 < dots.size(); i += 3) {
         const double x = dots[i], y = dots[i + 1], z = dots[i + 2];
         const Direction direction = {std::atan2(y, x),
                                      std::abs(halfPi - std::atan2(z, std::sqrt(x * x + y * y)))};
         const auto beta = static_cast<float>(direction.beta * 180.0 / coneHalfTurn);
-        if (beta < gridInfo.lBetaCone || beta > gridInfo.hBetaCone)
+        if (beta < options.lBetaCone || beta > options.hBetaCone)
             continue;
-        if (appendStates(gridInfo, direction, monitors, ensemble) != 0)
+        if (appendStates(options, direction, monitors, ensemble) != 0)
             return 1;
     }
     return 0;
-}
-
-// ---- the simulation of one state ----
-
-/// Moves coordinates to their centre, in single precision throughout.
-void centreSingle(const CoordinateBuffers &atoms)
-{
-    for (const std::span<double> column : {atoms.x, atoms.y, atoms.z}) {
-        const auto mean = static_cast<double>(singleMean(column));
-        for (double &value : column)
-            value = static_cast<double>(static_cast<float>(value - mean));
-    }
 }
 
 // ---- the run over all states ----
@@ -146,7 +133,6 @@ void centreSingle(const CoordinateBuffers &atoms)
 struct EnsembleRun {
     PDBInfo *pdbInfo;
     DTable *dTab;
-    TrelmInfo *trelmInfo;
     const EnsembleSetup &setup;
     Saupe &saupeAve;
     Block<float> dcAve; ///< sum of the calculated couplings, Hz
@@ -185,8 +171,8 @@ int startEnsemble(EnsembleRun &run)
         return complain("TRELM Error opening log file for grid search %s\n", run.setup.outName.c_str());
     if (storePDBCoords(run.pdbInfo) != 0)
         return complain("matrix: error in storePDBCoords.\n");
-    const DomainOptions &gridInfo = *run.trelmInfo;
-    if (selectSurfDom(run.pdbInfo, gridInfo.startResDom1, gridInfo.endResDom1, run.indI, run.indJ) != 0)
+    const DomainOptions &options = run.setup.domains;
+    if (selectSurfDom(run.pdbInfo, options.startResDom1, options.endResDom1, run.indI, run.indJ) != 0)
         return complain("ensembleAlignment: error in chkDomClash.\n");
     return 0;
 }
@@ -194,11 +180,11 @@ int startEnsemble(EnsembleRun &run)
 /// Turns domain 1 and shows the molecule.
 int turnState(EnsembleRun &run, StateAtWork &state)
 {
-    const DomainOptions &gridInfo = *run.trelmInfo;
+    const DomainOptions &options = run.setup.domains;
     const auto &[alpha, beta, gamma] = state.angles;
     if (restorePDBCoords(run.pdbInfo) != 0)
         return complain("matrix: error in storePDBCoords.\n");
-    if (rotateDomain({alpha, beta, gamma}, run.pdbInfo, gridInfo.startResDom1, gridInfo.endResDom1) != 0)
+    if (rotateDomain({alpha, beta, gamma}, run.pdbInfo, options.startResDom1, options.endResDom1) != 0)
         return complain("trelm: error in rotateDomain.\n");
     if (writePDB("rot.pdb", run.pdbInfo, run.setup.sInfo, run.setup.remark) != 0)
         return 1;
@@ -214,16 +200,15 @@ int turnState(EnsembleRun &run, StateAtWork &state)
 /// Puts the turned molecule where it is simulated.
 int placeState(EnsembleRun &run, const StateAtWork &state)
 {
-    const DomainOptions &gridInfo = *run.trelmInfo;
+    const DomainOptions &options = run.setup.domains;
     PDBInfo *pdbInfo = run.pdbInfo;
     const auto &[alpha, beta, gamma] = state.angles;
-    if (gridInfo.fixRotDomain != 0 &&
+    if (options.fixRotDomain != 0 &&
         rotateDomain({-gamma, -beta, -alpha}, pdbInfo, pdbInfo->minResID, pdbInfo->maxResID) != 0)
         return complain("trelm: error in rotateDomain.\n");
-    if (gridInfo.pivotCenter == 0 &&
-        shiftMol2Domain(pdbInfo, gridInfo.startResDom2, gridInfo.endResDom2) != 0)
+    if (options.pivotCenter == 0 && shiftMol2Domain(pdbInfo, options.startResDom2, options.endResDom2) != 0)
         return complain("matrix: error in shiftMol2Domain.\n");
-    if (gridInfo.outEflag != outStates)
+    if (options.outEflag != outStates)
         return 0;
     const Axis v = rotate_vector(radians(beta), radians(alpha), radians(gamma), unitZ);
     std::printf("REMARK X Y Z  %.3f %.3f %.3f\n", v[0], v[1], v[2]);
@@ -233,12 +218,12 @@ int placeState(EnsembleRun &run, const StateAtWork &state)
 /// Whether the state goes no further: its domains clash, or only a list was asked for.
 bool endsHere(EnsembleRun &run, const StateAtWork &state)
 {
-    const DomainOptions &gridInfo = *run.trelmInfo;
-    if (gridInfo.clashFlag != 0 && chkClashDom(*run.pdbInfo, *run.trelmInfo, run.indI, run.indJ) != 0) {
+    const DomainOptions &options = run.setup.domains;
+    if (options.clashFlag != 0 && chkClashDom(*run.pdbInfo, options.clashDist, run.indI, run.indJ) != 0) {
         std::printf("REMARK steric clash of domains in state %d.\n", state.id);
         return true;
     }
-    if (gridInfo.outEflag != outStates)
+    if (options.outEflag != outStates)
         return false;
     std::printf("REMARK allowed state %d.\n", state.id);
     return true;
@@ -247,14 +232,14 @@ bool endsHere(EnsembleRun &run, const StateAtWork &state)
 /// Logs the angles between the axes of the two parts of the angle definition.
 int logPartAngles(EnsembleRun &run)
 {
-    const DomainOptions &gridInfo = *run.trelmInfo;
+    const DomainOptions &options = run.setup.domains;
     Matrix3d tensor1, tensor2;
-    if (calcInertiaSel(*run.pdbInfo, gridInfo.startResPart1, gridInfo.endResPart1, tensor1) != 0 ||
-        calcInertiaSel(*run.pdbInfo, gridInfo.startResPart2, gridInfo.endResPart2, tensor2) != 0)
+    if (calcInertiaSel(*run.pdbInfo, options.startResPart1, options.endResPart1, tensor1) != 0 ||
+        calcInertiaSel(*run.pdbInfo, options.startResPart2, options.endResPart2, tensor2) != 0)
         return complain("matrix: error in calcInertiaSel.");
     TensorAnalysis analysis1, analysis2;
-    if (analyzeMatrix3D(tensor1, run.trelmInfo->yzFlag, analysis1) != 0 ||
-        analyzeMatrix3D(tensor2, run.trelmInfo->yzFlag, analysis2) != 0)
+    if (analyzeMatrix3D(tensor1, run.setup.yzFlag, analysis1) != 0 ||
+        analyzeMatrix3D(tensor2, run.setup.yzFlag, analysis2) != 0)
         return complain("matrix: error in analyzeMatrix3D.");
     const auto dcos = calcDcos(analysis1.eigVec, analysis2.eigVec);
     std::string text;
@@ -268,13 +253,15 @@ int logPartAngles(EnsembleRun &run)
 int simulateState(EnsembleRun &run, StateAtWork &state)
 {
     Chosen chosen;
-    int status = selectSolute(run.pdbInfo, *run.trelmInfo, run.setup.charges, run.buffers, 1, chosen);
+    int status =
+        selectSolute(run.pdbInfo, run.setup.simulation.options, run.setup.charges, run.buffers, 1, chosen);
     if (status != 0) {
         complain("Matrix: Error reading selection of atoms.\n");
         return status;
     }
-    status =
-        simEnsAlignment(*run.trelmInfo, chosen.atoms, chosen.charges, run.setup.dots, run.none, state.saupe);
+    if (run.setup.domains.pivotCenter != 0)
+        centreSingle(chosen.atoms);
+    status = simEnsAlignment(run.setup.simulation, chosen.atoms, chosen.charges, run.none, state.saupe);
     if (status != 0)
         complain("Matrix: Error simulating alignment.\n");
     return status;
@@ -303,7 +290,7 @@ int addState(EnsembleRun &run, StateAtWork &state)
 int reportState(EnsembleRun &run, const StateAtWork &state)
 {
     TensorAnalysis analysis;
-    if (analyzeSaupe(state.saupe, run.trelmInfo->yzFlag, run.trelmInfo->eulerFlag, analysis) != 0)
+    if (analyzeSaupe(state.saupe, run.setup.yzFlag, run.setup.eulerFlag, analysis) != 0)
         return complain("Matrix: error in analyzeSaupe.\n");
     if (analysis.da != 0.0)
         run.R = analysis.dr / analysis.da;
@@ -312,7 +299,7 @@ int reportState(EnsembleRun &run, const StateAtWork &state)
     appendf(text, "Euler angles (alpha/beta/gamma) [deg.]: %7.2f  %7.2f  %7.2f  \n", analysis.euler.alpha[0],
             analysis.euler.beta[0], analysis.euler.gamma[0]);
     writeOut(run.log, text);
-    return writeDCmod(run.setup.outDcEnsName, "a", run.dTab, run.trelmInfo, state.remark);
+    return run.setup.takeCouplings(*run.dTab, state.remark);
 }
 
 int runState(EnsembleRun &run, StateAtWork &state)
@@ -375,13 +362,13 @@ int readEnsemble(const std::string &inName, Ensemble &ensemble)
     return 0;
 }
 
-int setupEnsemble(const TrelmInfo &trelmInfo, const EnsembleFiles &files, Ensemble &ensemble)
+int setupEnsemble(const DomainOptions &options, const EnsembleFiles &files, Ensemble &ensemble)
 {
     Monitors monitors;
     if (openMonitor(monitors.axes, files.outEAxName, monitors.hasAxes) != 0 ||
         openMonitor(monitors.angles, files.outEName, monitors.hasAngles) != 0)
         return 1;
-    if (generateStates(trelmInfo, monitors, ensemble) != 0)
+    if (generateStates(options, monitors, ensemble) != 0)
         return 1;
     if ((monitors.hasAxes && closeOut(monitors.axes) != 0) ||
         (monitors.hasAngles && closeOut(monitors.angles) != 0))
@@ -394,12 +381,10 @@ int setupEnsemble(const TrelmInfo &trelmInfo, const EnsembleFiles &files, Ensemb
     return 0;
 }
 
-int ensembleAlignment(PDBInfo *pdbInfo, DTable *dTab, TrelmInfo *trelmInfo, const EnsembleSetup &setup,
-                      Saupe &saupeAve)
+int ensembleAlignment(PDBInfo *pdbInfo, DTable *dTab, const EnsembleSetup &setup, Saupe &saupeAve)
 {
     EnsembleRun run = {.pdbInfo = pdbInfo,
                        .dTab = dTab,
-                       .trelmInfo = trelmInfo,
                        .setup = setup,
                        .saupeAve = saupeAve,
                        .dcAve = {},
@@ -420,26 +405,33 @@ int ensembleAlignment(PDBInfo *pdbInfo, DTable *dTab, TrelmInfo *trelmInfo, cons
     return finishEnsemble(run);
 }
 
-int simEnsAlignment(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, const ChargeSet &charges,
-                    std::span<const double> ddots, Potential &potential, Saupe &saupe)
+void centreSingle(const CoordinateBuffers &atoms)
+{
+    for (const std::span<double> column : {atoms.x, atoms.y, atoms.z}) {
+        const auto mean = static_cast<double>(singleMean(column));
+        for (double &value : column)
+            value = static_cast<double>(static_cast<float>(value - mean));
+    }
+}
+
+int simEnsAlignment(const AlignmentSetup &setup, const CoordinateBuffers &atoms, const ChargeSet &charges,
+                    Potential &potential, Saupe &saupe)
 {
     if (atoms.x.empty())
         return complain("simulateAlignment: no atoms selected.\n");
-    if (trelmInfo.pivotCenter != 0)
-        centreSingle(atoms);
     const float distance = largestDistance(atoms);
     int status = 0;
-    if (trelmInfo.elFlag == 0) {
-        status = runSteric(trelmInfo, atoms, distance, ddots, saupe);
+    if (setup.options.elFlag == 0) {
+        status = runSteric(setup, atoms, distance, saupe);
         if (status != 0)
             complain("simulateAlignment: error in stericAlignment.");
     } else {
-        status = runCharged(trelmInfo, atoms, distance, ddots, charges, potential, saupe);
+        status = runCharged(setup, atoms, distance, charges, potential, saupe);
     }
     if (status != 0)
         return status;
     for (double &element : saupe)
-        element = static_cast<double>(static_cast<float>(element * static_cast<double>(trelmInfo.lcOrder)));
+        element = static_cast<double>(static_cast<float>(element * number(setup.options.lcOrder)));
     return 0;
 }
 

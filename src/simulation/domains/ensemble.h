@@ -5,14 +5,17 @@
 #include "couplings/dipolar.h"
 #include "couplings/tensor.h"
 #include "ground/alloc.h"
-#include "ground/trelm.h"
+#include "simulation/alignment/alignment.h"
 #include "simulation/charges/charges.h"
 #include "simulation/charges/potential.h"
+#include "simulation/domains/options.h"
 #include "simulation/obstacle/atom_selection.h"
 #include "structure/select.h"
 
+#include <functional>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace trelm {
 
@@ -47,17 +50,24 @@ int readEnsemble(const std::string &inName, Ensemble &ensemble);
 /// The ensemble of a run: the directions of a sphere of density densE within the limits of beta and of the
 /// sideways displacement, each with digPsiE steps of gamma; or the states of a file, if that has any. Returns
 /// 0, or 1 after a message.
-int setupEnsemble(const TrelmInfo &trelmInfo, const EnsembleFiles &files, Ensemble &ensemble);
+int setupEnsemble(const DomainOptions &options, const EnsembleFiles &files, Ensemble &ensemble);
 
-/// What the simulation of an ensemble is given beside the records of a run.
+/// Takes the couplings of a state, with what is to be remarked on it. Returns 0, or another status, which
+/// ends the run.
+using TakeCouplings = std::function<int(DTable &dTab, std::string_view remark)>;
+
+/// What the simulation of an ensemble is given beside molecule and couplings.
 struct EnsembleSetup {
+    AlignmentSetup simulation;
+    const DomainOptions &domains;
     std::span<const EnsembleState> states;
     ChargeSet charges;                    ///< as placed; every state works on a copy
-    std::span<const double> dots;         ///< of the simulation, three values each, in the caller's buffer
     const PDBSelectInfo *sInfo = nullptr; ///< atoms of the PDB files
     const char *remark = nullptr;         ///< of the PDB files; may be null
     std::string outName;                  ///< log; empty: standard output
-    std::string outDcEnsName;             ///< couplings of all states, appended; empty: standard output
+    TakeCouplings takeCouplings;          ///< called after each state
+    int yzFlag = 0;                       ///< exchange the y and z axes of tensors
+    int eulerFlag = 1;                    ///< find Euler angles
     int verbose = 0;                      ///< of the fits
 };
 
@@ -68,12 +78,14 @@ struct EnsembleSetup {
 /// charges feel nothing. A state without Da logs the R of the state before it. Writes "rot.pdb" in the
 /// current folder, and with outEflag 3, which lists the states without simulating them, "rotEns.pdb". Returns
 /// 0, or non-zero after a message; the coordinates stay as they are then.
-int ensembleAlignment(PDBInfo *pdbInfo, DTable *dTab, TrelmInfo *trelmInfo, const EnsembleSetup &setup,
-                      Saupe &saupeAve);
+int ensembleAlignment(PDBInfo *pdbInfo, DTable *dTab, const EnsembleSetup &setup, Saupe &saupeAve);
 
-/// The simulation of one state; the coordinates are moved to their centre with pivotCenter. `saupe`: in the
-/// sense of the surviving orientations. Returns 0, or non-zero after a message.
-int simEnsAlignment(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, const ChargeSet &charges,
-                    std::span<const double> ddots, Potential &potential, Saupe &saupe);
+/// The simulation of one state as it stands. `saupe`: in the sense of the surviving orientations. Returns 0,
+/// or non-zero after a message.
+int simEnsAlignment(const AlignmentSetup &setup, const CoordinateBuffers &atoms, const ChargeSet &charges,
+                    Potential &potential, Saupe &saupe);
+
+/// Moves coordinates to their centre, in single precision throughout.
+void centreSingle(const CoordinateBuffers &atoms);
 
 } // namespace trelm

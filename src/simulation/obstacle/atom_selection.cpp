@@ -137,18 +137,17 @@ int surfSel(int atomCount, const CoordinateBuffers &atoms, int &atomSelCount)
     return 0;
 }
 
-int chCoorSelect(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms,
+int chCoorSelect(PDBInfo *pdbInfo, const SoluteOptions &options, const CoordinateBuffers &atoms,
                  ChargeSet &charges, int verb, int &chAtomSelCount)
 {
-    if (trelmInfo.surfFlag != 0 && callNSC(pdbInfo) != 0)
+    if (options.surfFlag != 0 && callNSC(pdbInfo) != 0)
         return complain("Error reading selection of atoms.\n");
-    const ChargeOptions &elInfo = trelmInfo;
-    if (elInfo.elFlag != 0)
-        placeCharges(*pdbInfo, elInfo.dipoleFlag != 0, atoms, charges, verb);
+    if (options.elFlag != 0)
+        placeCharges(*pdbInfo, options.dipoleFlag != 0, atoms, charges, verb);
     else
         charges.chCount = 0; // a steric simulation sees none of them
     chAtomSelCount = charges.chCount;
-    if (elInfo.dipoleFlag != 0 || elInfo.chSelFlag != 0)
+    if (options.dipoleFlag != 0 || options.chSelFlag != 0)
         return 0; // charges only
     for (const AtomInfo &atom : pdbInfo->atoms())
         if (atom.selected != 0)
@@ -168,7 +167,7 @@ int makeSelectionBuffers(const char *tag, const PDBInfo &pdbInfo, SelectionBuffe
     return isMade ? 0 : complain("Error allocating coord buffers.\n");
 }
 
-int selectSolute(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const ChargeSet &original,
+int selectSolute(PDBInfo *pdbInfo, const SoluteOptions &options, const ChargeSet &original,
                  SelectionBuffers &buffers, int verb, Chosen &chosen)
 {
     restoreMarks(pdbInfo, buffers.marks);
@@ -179,7 +178,7 @@ int selectSolute(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const ChargeSet &
     chosen.charges.charges = buffers.charges.span();
     const CoordinateBuffers places = {buffers.x.span(), buffers.y.span(), buffers.z.span()};
     int atomSelCount = 0;
-    const int status = chCoorSelect(pdbInfo, trelmInfo, places, chosen.charges, verb, atomSelCount);
+    const int status = chCoorSelect(pdbInfo, options, places, chosen.charges, verb, atomSelCount);
     const auto count = static_cast<std::size_t>(atomSelCount);
     chosen.atoms = {places.x.first(count), places.y.first(count), places.z.first(count)};
     return status;

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "ground/alloc.h"
-#include "ground/trelm.h"
 #include "simulation/charges/charges.h"
+#include "simulation/obstacle/options.h"
 #include "structure/pdb.h"
 
 #include <span>
@@ -30,7 +30,7 @@ int surfSel(int atomCount, const CoordinateBuffers &atoms, int &atomSelCount);
 /// selected atoms, exposed ones only with surfFlag. With chSelFlag the charges stand alone, and with
 /// dipoleFlag the two of the dipole that replaces them: without electrostatics that is nothing. The buffers
 /// need room for charges and atoms. Returns 0, or 1 after a message.
-int chCoorSelect(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms,
+int chCoorSelect(PDBInfo *pdbInfo, const SoluteOptions &options, const CoordinateBuffers &atoms,
                  ChargeSet &charges, int verb, int &chAtomSelCount);
 
 /// Room for chCoorSelect, asked for once for many selections of one molecule.
@@ -52,7 +52,7 @@ struct Chosen {
 
 /// chCoorSelect with the marks of the run and a copy of the charges, which it renumbers. The marks of the
 /// molecule's atoms are then used up.
-int selectSolute(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const ChargeSet &original,
+int selectSolute(PDBInfo *pdbInfo, const SoluteOptions &options, const ChargeSet &original,
                  SelectionBuffers &buffers, int verb, Chosen &chosen);
 
 } // namespace trelm

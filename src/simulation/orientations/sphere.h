@@ -7,6 +7,8 @@
 
 namespace trelm {
 
+constexpr int maxOrientations = 40001; ///< dots of a simulation
+
 /// Dots that lie in one cell of the cube around the unit sphere stand side by side: cell c holds `count[c]`
 /// dots from `first[c]` on.
 struct DotCells {

@@ -86,9 +86,7 @@ struct ChargedUbiquitin {
         for (std::vector<double> *column : {&x, &y, &z})
             column->resize(static_cast<std::size_t>(count));
         size = static_cast<double>(centreAtoms({x, y, z}));
-        std::span<const double> generated;
-        do_unsp(info.densityNSC, generated);
-        dots.assign(generated.begin(), generated.end());
+        static_cast<void>(do_unsp(info.densityNSC, dots));
     }
     [[nodiscard]] Coordinates view() const { return {x, y, z}; }
 };
@@ -184,9 +182,7 @@ struct GridCase {
                     const double distance = 1.5 * std::hypot(i - 32, j - 32) + wiggle(engine);
                     pot3D.push_back(distance < 15.0 ? 10.0 : -1.5 * std::exp(-(distance - 15.0) / 7.0));
                 }
-        std::span<const double> generated;
-        do_unsp(100, generated);
-        dots.assign(generated.begin(), generated.end());
+        static_cast<void>(do_unsp(100, dots));
     }
     [[nodiscard]] Coordinates view() const { return {x, y, z}; }
 };

@@ -48,9 +48,7 @@ struct Assembly {
             co.insert(co.end(), {x[i], y[i], z[i]});
             radius.push_back(3.2);
         }
-        std::span<const double> generated;
-        do_unsp(densit, generated);
-        dots.assign(generated.begin(), generated.end());
+        static_cast<void>(do_unsp(densit, dots));
     }
 
     [[nodiscard]] Coordinates view() const { return {x, y, z}; }

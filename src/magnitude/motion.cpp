@@ -24,9 +24,9 @@ constexpr double stepDab = 0.2, stepR = 0.02;
 /// What all sets are drawn from.
 struct Pool {
     ResidueCouplings residues;
-    int sCount = 0;               ///< residues of a set
-    std::size_t nDcTypeMax = 0;   ///< the most couplings of one residue
-    std::span<const double> dots; ///< directions of the even distribution
+    int sCount = 0;             ///< residues of a set
+    std::size_t nDcTypeMax = 0; ///< the most couplings of one residue
+    std::vector<double> dots;   ///< directions of the even distribution
     [[nodiscard]] int nRes() const { return static_cast<int>(residues.dcMat.size()); }
 };
 
@@ -89,7 +89,7 @@ int makePool(const MagnitudeJob &job, Pool &pool)
         std::min<std::int64_t>(pool.sCount * static_cast<std::int64_t>(pool.nDcTypeMax), job.dTab->dCount);
     if (density < 1)
         complain("motionHist: no residue of the window has a coupling.\n");
-    if (density < 1 || do_unsp(static_cast<int>(density), pool.dots) != 0)
+    if (density < 1 || !do_unsp(static_cast<int>(density), pool.dots))
         return complain("motionHist: unsp error occured.\n");
     std::printf("REMARK %zu simulated couplings (isotropic).\n", pool.dots.size() / 3);
     return 0;

@@ -225,8 +225,8 @@ AlignmentSetup alignmentSetup(const Run &run, const Sample &sample, std::span<co
 
 int makeDots(Run &run, std::span<const double> &ddots)
 {
-    std::span<const double> dots;
-    if (do_unsp(run.trelmInfo[0].densityNSC, dots) != 0 ||
+    std::vector<double> dots;
+    if (!do_unsp(run.trelmInfo[0].densityNSC, dots) ||
         dots.size() > run.ddots.span().size()) // checkSimulation has bounded them
         return complain("Matrix: unsp error occured.\n");
     std::ranges::copy(dots, run.ddots.data());

@@ -26,8 +26,7 @@ TrelmInfo shownParameters(const TrelmInfo &trelmInfo, const SampleGeometry &geom
 /// What the simulations of a run share. `dots` of makeDots.
 AlignmentSetup alignmentSetup(const Run &run, const Sample &sample, std::span<const double> dots);
 
-/// The orientation points of a run, in its own buffer: the generator makes other sets later. Returns 0, or 1
-/// after a message.
+/// The orientation points of a run, in its own buffer. Returns 0, or 1 after a message.
 int makeDots(Run &run, std::span<const double> &ddots);
 
 /// Steric simulation of a structure, with its couplings calculated back if a table is given.

@@ -122,12 +122,9 @@ int ssiaFree(const AlignmentOptions &options, const std::string &pdbFreeName, Sa
     if (readPDBfree(pdbFreeName, atomCount, buffers.first(maxFreeAtoms)) != 0)
         return readError();
     std::fprintf(stderr, "%s, %d Atoms, Free format.\n", pdbFreeName.c_str(), atomCount);
-    std::span<const double> dots;
-    if (do_unsp(options.densityNSC, dots) != 0 || dots.size() > buffers.ddots.span().size())
+    std::vector<double> dots; // checkSimulation has bounded them
+    if (!do_unsp(options.densityNSC, dots))
         return complain("Matrix: unsp error occured.\n");
-    // A copy, since the surface takes dots of its own from the same generator.
-    std::ranges::copy(dots, buffers.ddots.data());
-    const std::span<const double> ddots = buffers.ddots.span().first(dots.size());
 
     int atomSelCount = 0;
     if (surfSel(atomCount, buffers.first(atomCount), atomSelCount) != 0)
@@ -138,7 +135,7 @@ int ssiaFree(const AlignmentOptions &options, const std::string &pdbFreeName, Sa
     const CoordinateBuffers atoms = buffers.first(atomSelCount);
     const float distance = centreAtoms(atoms);
     const double rSingleCell = static_cast<double>(refine_bicelle(options).rSingleCell);
-    const int status = runSteric({options, rSingleCell, ddots}, atoms, distance, saupe);
+    const int status = runSteric({options, rSingleCell, dots}, atoms, distance, saupe);
     if (status != 0) {
         complain("simulateAlignment: error in stericAlignment.");
         return status;

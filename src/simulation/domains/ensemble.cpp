@@ -104,8 +104,8 @@ int appendStates(const DomainOptions &options, const Direction &direction, Monit
 int generateStates(const DomainOptions &options, Monitors &monitors, Ensemble &ensemble)
 {
     ensemble.count = 0;
-    std::span<const double> dots;
-    if (options.densE < 1 || do_unsp(options.densE, dots) != 0)
+    std::vector<double> dots;
+    if (options.densE < 1 || !do_unsp(options.densE, dots))
         return complain("setupEnsemble: unsp error occured.\n");
     const std::size_t count = dots.size() / 3;
     if (options.digPsiE >= maxEnsembleStates) // each direction alone would be too much

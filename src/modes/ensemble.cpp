@@ -55,7 +55,7 @@ int makeEnsemble(const Run &run, const DomainOptions &domains, Ensemble &ensembl
 }
 
 int averageEnsemble(Run &run, const Sample &sample, const Ensemble &ensemble, std::span<const double> ddots,
-                    Saupe &saupeAve)
+                    EnsembleResult &result)
 {
     const TrelmInfo &trelmInfo = run.trelmInfo[0];
     const RunOptions &options = run.options;
@@ -78,22 +78,26 @@ int averageEnsemble(Run &run, const Sample &sample, const Ensemble &ensemble, st
                                  .verbose = trelmInfo.verbFlag};
     if (trelmInfo.elFlag != 0) // once: all states lie in one field
         checkField(trelmInfo);
-    const int status = ensembleAlignment(&run.pdbInfo[0], &run.dTab[0], setup, saupeAve);
+    const int status = ensembleAlignment(&run.pdbInfo[0], &run.dTab[0], setup, result);
     if (status != 0)
         complain("matrix: ensembleAlignment error occured.\n");
     return status;
 }
 
 /// The report of the averages, on the standard error stream and at the head of the coupling table.
-int reportAverage(Run &run, const SampleGeometry &geometry, const Saupe &saupe, const TensorAnalysis &average)
+int reportAverage(Run &run, const SampleGeometry &geometry, const EnsembleResult &average,
+                  const TensorAnalysis &analysis)
 {
     TrelmInfo trelmInfo = shownParameters(run.trelmInfo[0], geometry);
     DTable &dTab = run.dTab[0];
+    const auto rows = dTab.calculated();
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        rows[i].d = average.couplings[i];
     std::string result, block;
     if (writeTrelm(trelmInfo, result) != 0)
         return complain("trelm: error in writeTrelm.\n");
     // The irreducible representation of an average of states is not reported: it stands as zero.
-    TensorAnalysis shown = average;
+    TensorAnalysis shown = analysis;
     shown.irrSaupe = {};
     shown.gMag = 0.0;
     writeEulerInfo(shown, block, trelmInfo.eulerFlag);
@@ -104,7 +108,7 @@ int reportAverage(Run &run, const SampleGeometry &geometry, const Saupe &saupe, 
         return status;
     }
     result += block;
-    appendSaupeLines(saupe, average, result);
+    appendSaupeLines(average.saupe, analysis, result);
     std::fputs(result.c_str(), stderr);
     return writeDCmod(run.options.aveName, "w", &dTab, &trelmInfo, result);
 }
@@ -132,14 +136,14 @@ int simulateEnsemble(Run &run)
     status = makeEnsemble(run, sample.domains, ensemble);
     if (status != 0 || sample.domains.outEflag == outSetupOnly)
         return status;
-    Saupe saupeAve = {};
-    status = averageEnsemble(run, sample, ensemble, ddots, saupeAve);
+    EnsembleResult result;
+    status = averageEnsemble(run, sample, ensemble, ddots, result);
     if (status != 0)
         return status;
     TensorAnalysis average;
-    if (analyzeSaupe(saupeAve, trelmInfo.yzFlag, trelmInfo.eulerFlag, average) != 0)
+    if (analyzeSaupe(result.saupe, trelmInfo.yzFlag, trelmInfo.eulerFlag, average) != 0)
         return complain("Matrix: error in analyzeSaupe.\n");
-    return trelmInfo.validCountD == 0 ? 0 : reportAverage(run, sample.geometry, saupeAve, average);
+    return trelmInfo.validCountD == 0 ? 0 : reportAverage(run, sample.geometry, result, average);
 }
 
 } // namespace trelm

@@ -38,6 +38,22 @@ void listCharges(const PDBInfo &pdbInfo, const ChargeSet &charges)
     std::fputs("\n\n", stderr);
 }
 
+/// One block of the order matrix. The three blocks show the same magnitude, that of the sum.
+void printSaupe(const char *name, double gMag, const Saupe &saupe, const char *gap)
+{
+    std::printf("%s  gMag %e\n", name, gMag);
+    for (const double element : saupe)
+        std::printf("%e%s", element, gap);
+    std::printf("\n");
+}
+
+void printPrediction(const Prediction &prediction)
+{
+    printSaupe("SaupeSteric", prediction.gMag, prediction.steric, "  ");
+    printSaupe("SaupeEl", prediction.gMag, prediction.electrostatic, " ");
+    printSaupe("SaupeSum", prediction.gMag, prediction.sum, "  ");
+}
+
 /// What is simulated.
 struct Solute {
     Sample sample; ///< its charges by their places in `atoms`
@@ -100,16 +116,17 @@ int chooseSolute(Run &run, const char *complaint, Solute &solute)
 /// Simulates, and finishes what the modes share.
 int alignSolute(Run &run, const Solute &solute, AlignmentFields &fields, TensorAnalysis &analysis)
 {
-    Saupe saupe = {};
+    Prediction prediction;
     if (run.trelmInfo[0].elFlag != 0 && run.trelmInfo[0].lcType != lcGrid)
         checkField(run.trelmInfo[0]);
     const int status = simulateAlignment(alignmentSetup(run, solute.sample, solute.ddots), solute.atoms,
-                                         solute.sample.charges, fields, saupe);
+                                         solute.sample.charges, fields, prediction);
     if (status != 0) {
         complain("Matrix: Error simulating alignment.\n");
         return status;
     }
-    return finishAlignment(run, solute, saupe, analysis);
+    printPrediction(prediction);
+    return finishAlignment(run, solute, prediction.sum, analysis);
 }
 
 void reportGridFile(const Run &run, int digPotential)

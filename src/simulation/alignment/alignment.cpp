@@ -33,27 +33,6 @@ bool isPositive(float value)
     return value > 0.0f && std::isfinite(value);
 }
 
-/// One block of the order matrix. The three blocks show the same magnitude, that of the sum.
-void printSaupe(const char *name, double gMag, const Saupe &saupe, const char *gap)
-{
-    std::printf("%s  gMag %e\n", name, gMag);
-    for (const double element : saupe)
-        std::printf("%e%s", element, gap);
-    std::printf("\n");
-}
-
-int printBlocks(const Saupe &saupeSteric, const Saupe &saupeEl, const Saupe &saupe)
-{
-    TensorAnalysis analysis;
-    for (const Saupe *part : {&saupeSteric, &saupeEl, &saupe})
-        if (analyzeSaupe(*part, 0, 0, analysis) != 0)
-            return complain("Matrix: error in analyzeSaupe.\n");
-    printSaupe("SaupeSteric", analysis.gMag, saupeSteric, "  ");
-    printSaupe("SaupeEl", analysis.gMag, saupeEl, " ");
-    printSaupe("SaupeSum", analysis.gMag, saupe, "  ");
-    return 0;
-}
-
 int checkOrientations(const AlignmentOptions &options)
 {
     if (options.densityNSC < 1)
@@ -180,32 +159,38 @@ int runCharged(const AlignmentSetup &setup, const CoordinateBuffers &atoms, floa
 }
 
 int simulateAlignment(const AlignmentSetup &setup, const CoordinateBuffers &atoms, const ChargeSet &charges,
-                      AlignmentFields &fields, Saupe &saupe)
+                      AlignmentFields &fields, Prediction &prediction)
 {
     if (atoms.x.empty())
         return complain("simulateAlignment: no atoms selected.\n");
     const AlignmentOptions &options = setup.options;
-    Saupe saupeSteric = {}, saupeEl = {};
+    prediction = {};
     const float distance = centreAtoms(atoms);
     std::printf("REMARK Molecule shifted to geometric center.\n");
     const bool inGrid = options.lcType == lcGrid;
     const Coordinates view = {atoms.x, atoms.y, atoms.z};
     int status = 0;
     if (options.elFlag != 0)
-        status = inGrid ? sma3D(options, view, setup.dots, charges, fields.pot3D.span(), saupeEl)
-                        : runCharged(setup, atoms, distance, charges, fields.potential, saupeEl);
+        status =
+            inGrid ? sma3D(options, view, setup.dots, charges, fields.pot3D.span(), prediction.electrostatic)
+                   : runCharged(setup, atoms, distance, charges, fields.potential, prediction.electrostatic);
     else if (inGrid)
-        ssia3D(options, setup.dots, saupeSteric);
-    else if ((status = runSteric(setup, atoms, distance, saupeSteric)) != 0)
+        ssia3D(options, setup.dots, prediction.steric);
+    else if ((status = runSteric(setup, atoms, distance, prediction.steric)) != 0)
         complain("simulateAlignment: error in stericAlignment.");
     if (status != 0)
         return status;
-    for (std::size_t k = 0; k < saupe.size(); ++k) {
-        saupeSteric[k] *= number(options.lcOrder);
-        saupeEl[k] *= number(options.lcOrder);
-        saupe[k] = saupeEl[k] + saupeSteric[k];
+    for (std::size_t k = 0; k < prediction.sum.size(); ++k) {
+        prediction.steric[k] *= number(options.lcOrder);
+        prediction.electrostatic[k] *= number(options.lcOrder);
+        prediction.sum[k] = prediction.electrostatic[k] + prediction.steric[k];
     }
-    return printBlocks(saupeSteric, saupeEl, saupe);
+    TensorAnalysis analysis; // each part must have axes; the magnitude is that of the last one
+    for (const Saupe *part : {&prediction.steric, &prediction.electrostatic, &prediction.sum})
+        if (analyzeSaupe(*part, 0, 0, analysis) != 0)
+            return complain("Matrix: error in analyzeSaupe.\n");
+    prediction.gMag = analysis.gMag;
+    return 0;
 }
 
 } // namespace trelm

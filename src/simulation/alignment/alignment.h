@@ -63,11 +63,15 @@ struct AlignmentFields {
     Block<double> pot3D; ///< grid, kT/e
 };
 
-/// Simulates the alignment of the atoms, which are moved to their geometric centre, and prints the three
-/// "Saupe" blocks on standard output. The table of a rod is divided by kPot. `saupe`: the sum of steric and
-/// electrostatic order, with the sign of the surviving orientations. Returns 0, or non-zero after a message.
-/// A steric grid ends the process: see ssia3D.
+/// The order of a simulated molecule, with the sign of the surviving orientations.
+struct Prediction {
+    Saupe steric = {}, electrostatic = {}, sum = {};
+    double gMag = 0.0; ///< magnitude of the sum
+};
+
+/// Simulates the alignment of the atoms, which are moved to their geometric centre. The table of a rod is
+/// divided by kPot. Returns 0, or non-zero after a message. A steric grid ends the process: see ssia3D.
 int simulateAlignment(const AlignmentSetup &setup, const CoordinateBuffers &atoms, const ChargeSet &charges,
-                      AlignmentFields &fields, Saupe &saupe);
+                      AlignmentFields &fields, Prediction &prediction);
 
 } // namespace trelm

@@ -134,13 +134,12 @@ struct EnsembleRun {
     PDBInfo *pdbInfo;
     DTable *dTab;
     const EnsembleSetup &setup;
-    Saupe &saupeAve;
+    EnsembleResult &result;
     Block<float> dcAve; ///< sum of the calculated couplings, Hz
     SelectionBuffers buffers;
     std::vector<std::size_t> indI, indJ; ///< exposed backbone of domain 1 and of the rest
     OutFile log;
     Potential none; ///< an ensemble has no table of a rod
-    int stateCount = 0;
     double R = 0.0; ///< of the last state that has one
 };
 
@@ -160,7 +159,7 @@ bool isInUse(const DInfo &calculated)
 
 int startEnsemble(EnsembleRun &run)
 {
-    run.saupeAve = {};
+    run.result = {};
     constexpr const char *tag = "ensembleAlignment";
     run.dcAve = Block<float>(tag, static_cast<std::size_t>(run.dTab->dCount) + 1);
     if (!run.dcAve)
@@ -275,7 +274,7 @@ int addState(EnsembleRun &run, StateAtWork &state)
     for (std::size_t k = 0; k < state.saupe.size(); ++k) {
         // What survives beside the obstacle averages to the opposite sign.
         state.saupe[k] = -state.saupe[k];
-        run.saupeAve[k] += state.saupe[k];
+        run.result.saupe[k] += state.saupe[k];
         tensor.saupe[k] = tensor.userSaupe[k] = static_cast<float>(state.saupe[k]);
     }
     if (fitD(run.pdbInfo, run.dTab, run.setup.verbose) < 0)
@@ -309,7 +308,7 @@ int runState(EnsembleRun &run, StateAtWork &state)
         status = placeState(run, state);
     if (status != 0)
         return status;
-    ++run.stateCount; // also of a state that clashes: it dilutes the average
+    ++run.result.states; // also of a state that clashes: it dilutes the average
     if (endsHere(run, state))
         return 0;
     status = logPartAngles(run);
@@ -322,13 +321,15 @@ int runState(EnsembleRun &run, StateAtWork &state)
 
 int finishEnsemble(EnsembleRun &run)
 {
-    if (run.stateCount == 0)
+    const int states = run.result.states;
+    if (states == 0)
         return complain("matrix: zero number of ensemble states.\n");
-    for (double &element : run.saupeAve)
-        element /= run.stateCount;
-    for (std::size_t i = 0; i < run.dTab->calculated().size(); ++i)
-        if (isInUse(run.dTab->dCalcList[i]))
-            run.dTab->dCalcList[i].d = static_cast<float>(static_cast<double>(run.dcAve[i]) / run.stateCount);
+    for (double &element : run.result.saupe)
+        element /= states;
+    const auto rows = run.dTab->calculated();
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        run.result.couplings.push_back(isInUse(rows[i]) ? static_cast<float>(number(run.dcAve[i]) / states)
+                                                        : rows[i].d);
     if (restorePDBCoords(run.pdbInfo) != 0)
         return complain("matrix: error in storePDBCoords.\n");
     return closeOut(run.log);
@@ -381,12 +382,12 @@ int setupEnsemble(const DomainOptions &options, const EnsembleFiles &files, Ense
     return 0;
 }
 
-int ensembleAlignment(PDBInfo *pdbInfo, DTable *dTab, const EnsembleSetup &setup, Saupe &saupeAve)
+int ensembleAlignment(PDBInfo *pdbInfo, DTable *dTab, const EnsembleSetup &setup, EnsembleResult &result)
 {
     EnsembleRun run = {.pdbInfo = pdbInfo,
                        .dTab = dTab,
                        .setup = setup,
-                       .saupeAve = saupeAve,
+                       .result = result,
                        .dcAve = {},
                        .buffers = {},
                        .indI = {},

@@ -16,6 +16,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace trelm {
 
@@ -71,14 +72,20 @@ struct EnsembleSetup {
     int verbose = 0;                      ///< of the fits
 };
 
+/// What an ensemble comes to.
+struct EnsembleResult {
+    Saupe saupe = {};             ///< the average, with its own sign
+    std::vector<float> couplings; ///< Hz, the averages of the calculated rows; of the others what they hold
+    int states = 0;               ///< that were averaged
+};
+
 /// Simulates each state from the coordinates that the molecule comes with, to which it returns at the end.
-/// States whose domains clash count in the averages with nothing. `saupeAve` gets the average order matrix
-/// with its own sign, the calculated rows of dTab the average couplings, which are summed in single
-/// precision; the tensor of dTab is that of the last state. Beside a rod there is no potential table, and
-/// charges feel nothing. A state without Da logs the R of the state before it. Writes "rot.pdb" in the
-/// current folder, and with outEflag 3, which lists the states without simulating them, "rotEns.pdb". Returns
-/// 0, or non-zero after a message; the coordinates stay as they are then.
-int ensembleAlignment(PDBInfo *pdbInfo, DTable *dTab, const EnsembleSetup &setup, Saupe &saupeAve);
+/// States whose domains clash count in the averages with nothing. The couplings are summed in single
+/// precision; tensor and calculated rows of dTab are those of the last state. Beside a rod there is no
+/// potential table, and charges feel nothing. A state without Da logs the R of the state before it. Writes
+/// "rot.pdb" in the current folder, and with outEflag 3, which lists the states without simulating them,
+/// "rotEns.pdb". Returns 0, or non-zero after a message; the coordinates stay as they are then.
+int ensembleAlignment(PDBInfo *pdbInfo, DTable *dTab, const EnsembleSetup &setup, EnsembleResult &result);
 
 /// The simulation of one state as it stands. `saupe`: in the sense of the surviving orientations. Returns 0,
 /// or non-zero after a message.

@@ -78,13 +78,13 @@ struct ChargedUbiquitin {
         charge.resize(maxCharges + 1);
         charges.chargeAtomID = chargeAtomID;
         charges.charges = charge;
-        chargeSetup("", pdb, info, charges, "");
+        static_cast<void>(chargeSetup("", pdb, info, charges, "", standardMessages()));
         for (std::vector<double> *column : {&x, &y, &z})
             column->resize(static_cast<std::size_t>(pdb.atomCount) + maxCharges);
-        int count = 0;
-        chCoorSelect(&pdb, info, {x, y, z}, charges, 0, count);
+        SelectedCount selected;
+        static_cast<void>(chCoorSelect(&pdb, info, {x, y, z}, charges, selected, standardMessages()));
         for (std::vector<double> *column : {&x, &y, &z})
-            column->resize(static_cast<std::size_t>(count));
+            column->resize(selected.places);
         size = static_cast<double>(centreAtoms({x, y, z}));
         static_cast<void>(do_unsp(info.densityNSC, dots));
     }

@@ -77,7 +77,7 @@ int averageEnsemble(Run &run, const Sample &sample, const Ensemble &ensemble, st
                                  .eulerFlag = trelmInfo.eulerFlag,
                                  .verbose = trelmInfo.verbFlag};
     if (trelmInfo.elFlag != 0) // once: all states lie in one field
-        checkField(trelmInfo);
+        checkField(trelmInfo, standardMessages());
     const int status = ensembleAlignment(&run.pdbInfo[0], &run.dTab[0], setup, result);
     if (status != 0)
         complain("matrix: ensembleAlignment error occured.\n");

@@ -100,15 +100,15 @@ int chooseSolute(Run &run, const char *complaint, Solute &solute)
         return status;
     solute.marks = selectionMarks(run.pdbInfo[0]);
     const CoordinateBuffers places = {run.xI.span(), run.yI.span(), run.zI.span()};
-    int atomSelCount = 0;
-    status = chCoorSelect(&run.pdbInfo[0], run.trelmInfo[0], places, solute.sample.charges, 1, atomSelCount);
-    if (status != 0) {
-        std::fputs(complaint, stderr);
-        return status;
-    }
-    std::printf("REMARK %d atoms selected for simulation.\n", atomSelCount);
+    SelectedCount selected;
+    if (chCoorSelect(&run.pdbInfo[0], run.trelmInfo[0], places, solute.sample.charges, selected,
+                     standardMessages()) != Status::ok)
+        return complain("%s", complaint);
+    if (selected.dipole)
+        reportDipole(*selected.dipole, standardMessages());
+    const std::size_t count = selected.places;
+    std::printf("REMARK %zu atoms selected for simulation.\n", count);
     std::printf("REMARK %d charges selected for simulation.\n", solute.sample.charges.chCount);
-    const auto count = static_cast<std::size_t>(atomSelCount);
     solute.atoms = {places.x.first(count), places.y.first(count), places.z.first(count)};
     return 0;
 }
@@ -118,7 +118,7 @@ int alignSolute(Run &run, const Solute &solute, AlignmentFields &fields, TensorA
 {
     Prediction prediction;
     if (run.trelmInfo[0].elFlag != 0 && run.trelmInfo[0].lcType != lcGrid)
-        checkField(run.trelmInfo[0]);
+        checkField(run.trelmInfo[0], standardMessages());
     const int status = simulateAlignment(alignmentSetup(run, solute.sample, solute.ddots), solute.atoms,
                                          solute.sample.charges, fields, prediction);
     if (status != 0) {
@@ -143,7 +143,8 @@ int readStericGrid(const Run &run)
 {
     Block<float> pot3Dst;
     int digPotential = 0;
-    if (read3DPotSteric(run.options.pot3DName, run.trelmInfo[0], pot3Dst, digPotential) != 0)
+    if (read3DPotSteric(run.options.pot3DName, run.trelmInfo[0], pot3Dst, digPotential, standardMessages()) !=
+        Status::ok)
         return complain("ERROR: Reading of 3D potential not successful.\n");
     reportGridFile(run, digPotential);
     return 0;
@@ -164,16 +165,13 @@ int alignBesideParticle(Run &run, const Solute &solute)
     const RunOptions &options = run.options;
     AlignmentFields fields;
     Potential &potential = fields.potential;
-    int status = readPotential(options.potName, potential);
-    if (status != 0) {
-        complain("ERROR Reading of 1D potential not successful.\n");
-        return status;
-    }
+    if (readPotential(options.potName, potential, standardMessages()) != Status::ok)
+        return complain("ERROR Reading of 1D potential not successful.\n");
     if (!options.potName.empty())
         complain("REMARK 1D Potential %s, Digitization %d, Offset %.1f, Stepsize %.1f [A].\n",
                  options.potName.c_str(), potential.count, potential.offset, potential.stepsize);
     TensorAnalysis analysis;
-    status = alignSolute(run, solute, fields, analysis);
+    int status = alignSolute(run, solute, fields, analysis);
     if (status != 0)
         return status;
     restoreMarks(&run.pdbInfo[0], solute.marks);
@@ -188,11 +186,9 @@ int alignInGrid(Run &run, const Solute &solute)
 {
     AlignmentFields fields;
     int digPotential = 0;
-    const int status = read3DPotential(run.options.pot3DName, run.trelmInfo[0], fields.pot3D, digPotential);
-    if (status != 0) {
-        complain("ERROR: Reading of 3D potential not successful.\n");
-        return status;
-    }
+    if (read3DPotential(run.options.pot3DName, run.trelmInfo[0], fields.pot3D, digPotential,
+                        standardMessages()) != Status::ok)
+        return complain("ERROR: Reading of 3D potential not successful.\n");
     reportGridFile(run, digPotential);
     TensorAnalysis analysis;
     return alignSolute(run, solute, fields, analysis);
@@ -211,11 +207,9 @@ int setUp(Run &run, Sample &sample)
         return complain("Error reading configuration file %s\n", options.inpName.c_str());
     charges.chargeAtomID = run.chargeAtomID.span();
     charges.charges = run.charges.span();
-    const int status = chargeSetup(options.pkaName, run.pdbInfo[0], trelmInfo, charges, options.outPkaName);
-    if (status != 0) {
-        complain("WARNING: Error setting up charges!\n");
-        return status;
-    }
+    if (chargeSetup(options.pkaName, run.pdbInfo[0], trelmInfo, charges, options.outPkaName,
+                    standardMessages()) != Status::ok)
+        return complain("WARNING: Error setting up charges!\n");
     std::ranges::copy(charges.chargeAtomID, run.chargeAtomIDOrig.data());
     std::ranges::copy(charges.charges, run.chargesOrig.data());
     std::printf("REMARK %d charges placed, Total charge %.3f [e].\n", charges.chCount,

@@ -77,7 +77,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         static_cast<void>(checkSample(run.trelmInfo[0]));
         static_cast<void>(checkSimulation(run.trelmInfo[0]));
         std::size_t points = 0;
-        static_cast<void>(gridPoints(run.trelmInfo[0], points));
+        static_cast<void>(gridPoints(run.trelmInfo[0], points, standardMessages()));
         static_cast<void>(refine_bicelle(run.trelmInfo[0]));
     }
     require(endRun(run, status) == status, "a run ends with the status it is given");

@@ -44,16 +44,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const std::string name = fuzz::fileOf(fuzz::asText(data, size));
     const ChargeOptions options = electrostaticRun(5.0f);
     Charges first;
-    if (chargeSetup(name, molecule, options, first.set, "/dev/null") != 0)
+    if (chargeSetup(name, molecule, options, first.set, "/dev/null", standardMessages()) != Status::ok)
         return 0;
     checkCharges(first.set);
 
     ChargeLines lines, again;
-    ResidueRange range;
     Charges second, third;
-    require(readChargeFile(name, molecule, options.pH, second.set, lines, range) == 0,
+    require(readChargeFile(name, molecule, options.pH, second.set, lines, standardMessages()) == Status::ok,
             "a file is read twice");
-    require(readChargeFile(fuzz::fileOf(lines.text), molecule, options.pH, third.set, again, range) == 0,
+    require(readChargeFile(fuzz::fileOf(lines.text), molecule, options.pH, third.set, again,
+                           standardMessages()) == Status::ok,
             "what is written can be read");
     require(again.text == lines.text, "what is read again is written alike");
     return 0;

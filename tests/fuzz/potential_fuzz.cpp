@@ -14,7 +14,7 @@ using fuzz::require;
 void checkTable(const std::string &name)
 {
     Potential potential;
-    if (readPotential(name, potential) != 0)
+    if (readPotential(name, potential, standardMessages()) != Status::ok)
         return;
     require(potential.count < maxPotentialLines, "a table is below the limit");
     const std::size_t steps = makeRodEnergy(potential, 1.0, {}).steps.size();
@@ -33,10 +33,10 @@ void checkGrid(const std::string &name)
     Block<double> weighted;
     Block<float> steric;
     int read = 0, readSteric = 0;
-    const int status = read3DPotential(name, options, weighted, read);
-    require(read3DPotSteric(name, options, steric, readSteric) == status,
+    const Status status = read3DPotential(name, options, weighted, read, standardMessages());
+    require(read3DPotSteric(name, options, steric, readSteric, standardMessages()) == status,
             "both readers of a grid take the same files");
-    if (status != 0)
+    if (status != Status::ok)
         return;
     require(read == points && readSteric == points, "a grid has a value for each point");
     for (std::size_t i = 0; i < points; ++i) {

@@ -44,7 +44,10 @@ Placed place(PDBInfo &pdbInfo, const ChargeOptions &elInfo, const std::string &i
     std::vector<float> charges(maxCharges + 1);
     ChargeSet set{atoms, charges};
     Placed placed;
-    placed.messages = said([&] { placed.status = chargeSetup(inName, pdbInfo, elInfo, set, outName); }).err;
+    placed.messages = said([&] {
+                          placed.status = static_cast<int>(
+                              chargeSetup(inName, pdbInfo, elInfo, set, outName, standardMessages()));
+                      }).err;
     placed.sum = set.chSum;
     for (std::size_t i = 0; i < static_cast<std::size_t>(set.chCount); ++i)
         placed.charges.emplace_back(atoms[i], charges[i]);

@@ -304,13 +304,13 @@ TEST(PotentialFile, TableInNanometres)
 {
     const TempFile file("0.5 -2.0 more\n 0.7\t-1.5e0x\n0.9-1.0\n0.95 -0.5\n");
     Potential potential;
-    ASSERT_EQ(readPotential(file.name, potential), 0); // a smaller step passes
+    ASSERT_EQ(readPotential(file.name, potential, standardMessages()), Status::ok); // a smaller step passes
     EXPECT_EQ(potential.count, 4);
     EXPECT_DOUBLE_EQ(potential.offset, 5.0);
     EXPECT_NEAR(potential.stepsize, 2.0, 1e-12);
     EXPECT_DOUBLE_EQ(potential.values[2], -1.0);
     EXPECT_DOUBLE_EQ(potential.values[3], -0.5);
-    EXPECT_EQ(readPotential("", potential), 0);
+    EXPECT_EQ(readPotential("", potential, standardMessages()), Status::ok);
     EXPECT_EQ(potential.count, 0);
 }
 
@@ -322,7 +322,7 @@ TEST(PotentialFile, TablesWithoutAStepAreWarnedOf)
         const TempFile file(text);
         Potential potential;
         EXPECT_NE(said([&] {
-                      EXPECT_EQ(readPotential(file.name, potential), 0);
+                      EXPECT_EQ(readPotential(file.name, potential, standardMessages()), Status::ok);
                   }).err.find(" has no two lines of rising distances: charges feel no potential.\n"),
                   std::string::npos)
             << text;
@@ -346,12 +346,15 @@ TEST(PotentialFile, FaultsOfTables)
     for (const auto &[text, message] : faults) {
         const TempFile file(text);
         Potential potential;
-        const std::string err = said([&] { EXPECT_EQ(readPotential(file.name, potential), 1); }).err;
+        const std::string err =
+            said([&] {
+                EXPECT_EQ(readPotential(file.name, potential, standardMessages()), Status::failed);
+            }).err;
         EXPECT_NE(err.find(message), std::string::npos) << message << err;
     }
     const TempFile longest(tableOf(9998));
     Potential potential;
-    EXPECT_EQ(readPotential(longest.name, potential), 0);
+    EXPECT_EQ(readPotential(longest.name, potential, standardMessages()), Status::ok);
 }
 
 const std::string gridHeader = "1\n2\n3\n4\n5\n6\n7\n8\n9\n10\n11\n";
@@ -363,7 +366,10 @@ TEST(PotentialFile, GridBehindItsHeader)
     Block<double> pot3D;
     Block<float> pot3Dst;
     int read = 0;
-    const std::string err = said([&] { ASSERT_EQ(read3DPotential(file.name, info, pot3D, read), 0); }).err;
+    const std::string err =
+        said([&] {
+            ASSERT_EQ(read3DPotential(file.name, info, pot3D, read, standardMessages()), Status::ok);
+        }).err;
     EXPECT_EQ(read, 6);
     EXPECT_DOUBLE_EQ(pot3D[1], -7.0);
     EXPECT_DOUBLE_EQ(pot3D[5], 6.0);
@@ -374,7 +380,7 @@ TEST(PotentialFile, GridBehindItsHeader)
                    "REMARK Reading values of 3D potential 6 of 6\r"
                    "WARNING: File with 3D Potential may contain line with wrong input format!\nLine:\n"
                    "REMARK Reading values of 3D potential 6 of 6\r\n");
-    said([&] { ASSERT_EQ(read3DPotSteric(file.name, info, pot3Dst, read), 0); });
+    said([&] { ASSERT_EQ(read3DPotSteric(file.name, info, pot3Dst, read, standardMessages()), Status::ok); });
     const std::vector<float> expected = {1.0f, 0.0f, 1.0f, 1.0f, 0.0f, 0.0f};
     EXPECT_TRUE(std::ranges::equal(pot3Dst.span(), expected));
 }
@@ -406,7 +412,10 @@ TEST(PotentialFile, FaultsOfGrids)
         Block<double> pot3D;
         int read = 0;
         const std::string err =
-            said([&] { EXPECT_EQ(read3DPotential(file.name, c.info, pot3D, read), 1); }).err;
+            said([&] {
+                EXPECT_EQ(read3DPotential(file.name, c.info, pot3D, read, standardMessages()),
+                          Status::failed);
+            }).err;
         EXPECT_NE(err.find(c.message), std::string::npos) << c.message << err;
     }
 }

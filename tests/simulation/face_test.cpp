@@ -192,7 +192,7 @@ TEST(DipoleMoment, OfAFewChargesKnownByHand)
     for (const auto &row : rows) {
         const std::vector<int> atoms = {0, 1, 2};
         const auto used = std::span<const int>(atoms).first(row.charges.size());
-        const Dipole dipole = dipoleMoment({x, y, z, used, row.charges}, 0);
+        const Dipole dipole = dipoleMoment({x, y, z, used, row.charges});
         EXPECT_NEAR(dipole.magnitude, row.magnitude, 1e-5f);
         EXPECT_FLOAT_EQ(dipole.chSum, row.chSum);
         for (std::size_t k = 0; k < 3; ++k)

@@ -147,7 +147,8 @@ int runSteric(const AlignmentSetup &setup, const CoordinateBuffers &atoms, float
     steric.grid.max_protein_length = number(distance) + steric.radius;
     steric.grid.min_protein_length = steric.radius;
     steric.digit_psi = options.digPsiNSC;
-    return stericAlignment(steric, {atoms.x, atoms.y, atoms.z}, setup.dots, saupe);
+    return static_cast<int>(
+        stericAlignment(steric, {atoms.x, atoms.y, atoms.z}, setup.dots, saupe, standardMessages()));
 }
 
 int runCharged(const AlignmentSetup &setup, const CoordinateBuffers &atoms, float distance,

@@ -63,9 +63,9 @@ int simulateWall(const Charged &charged, PositionGrid &grid, Saupe &saupe)
     const double spacing = number(info.gridSpacing), cell = charged.setup.rSingleCell;
     const double limit = std::min(cell, info.cutoffPot);
     if (!extendPositions(grid, spacing, [limit](double last, double) { return last <= limit; }))
-        warnShortGrid(grid);
+        warnShortGrid(grid, standardMessages());
     if (info.chFlag != 0)
-        reportField(charged.field);
+        reportField(charged.field, standardMessages());
 
     NearestKernel kernel = makeNearestKernel(charged.placed.atoms);
     WallEnergy energy;
@@ -88,7 +88,7 @@ int simulateWall(const Charged &charged, PositionGrid &grid, Saupe &saupe)
     });
     if (cell - info.cutoffPot > 0.0)
         total += (cell - info.cutoffPot) * charged.set.count() / spacing;
-    return divideByWeights(tag, total, saupe);
+    return static_cast<int>(divideByWeights(tag, total, saupe, standardMessages()));
 }
 
 /// Sums over the orientations at each position of a rod.
@@ -122,7 +122,7 @@ void extendRodGrid(const Charged &charged, double beta, PositionGrid &grid)
         return last <= beta && !isFound;
     };
     if (!extendPositions(grid, number(info.gridSpacing), reachesOn))
-        warnShortGrid(grid);
+        warnShortGrid(grid, standardMessages());
     std::fprintf(stderr, "REMARK Value of potential at cutoff: %e\n",
                  surfacePotential(charged.field, grid.lastDist() - radius));
     std::fprintf(stderr, "REMARK # of translational points for EL: %d\n", grid.last);
@@ -261,7 +261,7 @@ int simulateRod(const Charged &charged, PositionGrid &grid, Potential &potential
 {
     const AlignmentOptions &info = charged.setup.options;
     const double radius = number(info.radiusModel), spacing = number(info.gridSpacing);
-    reportField(charged.field);
+    reportField(charged.field, standardMessages());
     const double end_dist = radius / std::sqrt(number(info.concentration) / rodDensity) - radius;
     const double beta = end_dist + radius;
     const double start = std::min(0.0, number(grid.positionDist[0])); // below 0 with a radius below 0
@@ -284,7 +284,7 @@ int simulateRod(const Charged &charged, PositionGrid &grid, Potential &potential
         total_ph = static_cast<float>(number(total_ph) + v / radius * charged.set.count());
         v += spacing;
     }
-    return divideByWeights(tag, number(total_ph), saupe);
+    return static_cast<int>(divideByWeights(tag, number(total_ph), saupe, standardMessages()));
 }
 
 } // namespace
@@ -313,7 +313,7 @@ int sma(const SmaSetup &setup, const Coordinates &atoms, std::span<const double>
     reportSetBias(charged.set, "");
     scalePotential(options, potential);
     PositionGrid grid;
-    if (!layPositions(tag, gridSetup(setup), grid))
+    if (!layPositions(tag, gridSetup(setup), grid, standardMessages()))
         mzerror("allocation failure for grid_el");
     reportGrid(setup, grid);
     return options.lcType == lcWall ? simulateWall(charged, grid, saupe)

@@ -81,12 +81,10 @@ int weighFace(PDBInfo *pdbInfo, const AlignmentOptions &options, const ChargeSet
               SelectionBuffers &buffers, Potential &potential, double &prob)
 {
     Chosen chosen;
-    const int status = selectSolute(pdbInfo, options, original, buffers, 0, chosen);
+    const Status status = selectSolute(pdbInfo, options, original, buffers, chosen, standardMessages());
     restoreMarks(pdbInfo, buffers.marks);
-    if (status != 0) {
-        complain("trelm: error reading selection of atoms.\n");
-        return status;
-    }
+    if (status != Status::ok)
+        return complain("trelm: error reading selection of atoms.\n");
     const bool isWeighed = // without atoms there is no face
         !chosen.atoms.x.empty() && iFace(options, chosen.atoms, chosen.charges, potential, prob) == 0;
     return isWeighed ? 0 : complain("trelm: error determining interaction face.\n");
@@ -140,7 +138,7 @@ int iFace(const AlignmentOptions &options, const CoordinateBuffers &atoms, const
     const std::vector<float> z = centred(atoms.z, number(options.radiusModel) + number(options.iFace));
     const Obstacle obstacle = {options, fieldConstants(options)};
     if (!obstacle.isWall() || options.chFlag != 0)
-        reportField(obstacle.field);
+        reportField(obstacle.field, standardMessages());
     for (std::size_t j = 0; j < z.size(); ++j)
         if (obstacle.touches(y[j], z[j])) {
             prob = 0.0;
@@ -162,7 +160,7 @@ int iFacePDB(const EulerLists &euler, PDBInfo *pdbInfo, const AlignmentOptions &
              const FaceOutput &output, Potential &potential, const ChargeSet &charges)
 {
     SelectionBuffers buffers;
-    if (makeSelectionBuffers("iFacePDB", *pdbInfo, buffers) != 0)
+    if (makeSelectionBuffers("iFacePDB", *pdbInfo, buffers, standardMessages()) != Status::ok)
         return 1;
     if (storePDBCoords(pdbInfo) != 0)
         return complain("trelm: error in storePDBCoords.\n");

@@ -127,7 +127,7 @@ int ssiaFree(const AlignmentOptions &options, const std::string &pdbFreeName, Sa
         return complain("Matrix: unsp error occured.\n");
 
     int atomSelCount = 0;
-    if (surfSel(atomCount, buffers.first(atomCount), atomSelCount) != 0)
+    if (surfSel(atomCount, buffers.first(atomCount), atomSelCount, standardMessages()) != Status::ok)
         return readError();
     if (atomSelCount == 0)
         return complain("TRELM: error - zero atoms remain after surface selection!\n");

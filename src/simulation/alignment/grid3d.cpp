@@ -349,7 +349,7 @@ int sma3D(const AlignmentOptions &options, const Coordinates &atoms, std::span<c
         saupe = {};
         return 0;
     }
-    return divideByWeights("sma3D", total + rest, saupe);
+    return static_cast<int>(divideByWeights("sma3D", total + rest, saupe, standardMessages()));
 }
 
 void ssia3D(const AlignmentOptions &options, std::span<const double> dots, Saupe &saupe)

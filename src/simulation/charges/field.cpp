@@ -27,23 +27,23 @@ double surfacePotential(const FieldConstants &field, double distance)
     return 2.0 * std::log((1.0 + decayed) / (1.0 - decayed));
 }
 
-void reportField(const FieldConstants &field)
+void reportField(const FieldConstants &field, Messages &messages)
 {
-    std::printf("REMARK Equilibrium density of ion pairs %e [1/nm_3].\n", static_cast<double>(field.rho));
-    std::printf("REMARK Debye length %e nm.\n", 1.0 / field.kappa);
-    std::printf("REMARK Potential at surface %e [e/kB*T].\n", static_cast<double>(field.y0));
+    messages.out("REMARK Equilibrium density of ion pairs %e [1/nm_3].\n", static_cast<double>(field.rho));
+    messages.out("REMARK Debye length %e nm.\n", 1.0 / field.kappa);
+    messages.out("REMARK Potential at surface %e [e/kB*T].\n", static_cast<double>(field.y0));
 }
 
-void checkField(const FieldOptions &options)
+void checkField(const FieldOptions &options, Messages &messages)
 {
     const FieldConstants field = fieldConstants(options);
     if (!(field.kappa > 0.0) || !std::isfinite(field.kappa) || std::isnan(field.gamma))
-        complain("Warning: -nacl %g, -temp %g, -chSurf %g: the field of the surface is no number.\n",
-                 number(options.concNaCl), number(options.temperaturePot), number(options.chDensSurf));
+        messages.err("Warning: -nacl %g, -temp %g, -chSurf %g: the field of the surface is no number.\n",
+                     number(options.concNaCl), number(options.temperaturePot), number(options.chDensSurf));
     if (options.kPot == 0.0f)
-        complain("Warning: -kPot 0: the potential is divided by 0.\n");
+        messages.err("Warning: -kPot 0: the potential is divided by 0.\n");
     if (options.cutoffPot < 0.0)
-        complain("Warning: -cut %g: the cutoff is negative.\n", options.cutoffPot);
+        messages.err("Warning: -cut %g: the cutoff is negative.\n", options.cutoffPot);
 }
 
 } // namespace trelm

@@ -3,6 +3,7 @@
 // Source: Gouy, J. Phys. (Paris) 9 (1910) 457; Chapman, Philos. Mag. 25 (1913) 475.
 #pragma once
 
+#include "ground/messages.h"
 #include "simulation/charges/options.h"
 
 namespace trelm {
@@ -19,11 +20,11 @@ FieldConstants fieldConstants(const FieldOptions &options);
 /// The potential, kT/e, at a distance from the surface, angstrom.
 double surfacePotential(const FieldConstants &field, double distance);
 
-/// Density, Debye length and surface potential as REMARK lines on standard output.
-void reportField(const FieldConstants &field);
+/// Density, Debye length and surface potential as REMARK lines.
+void reportField(const FieldConstants &field, Messages &messages);
 
 /// Warns of salt, temperature, surface charge, scale and cutoff that make no sense: the run goes on with the
 /// numbers, or no numbers, that they give.
-void checkField(const FieldOptions &options);
+void checkField(const FieldOptions &options, Messages &messages);
 
 } // namespace trelm

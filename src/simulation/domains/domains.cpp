@@ -97,7 +97,7 @@ int exposedBackbone(PDBInfo *pdbInfo, IsWanted isWanted, std::vector<std::size_t
     }
     if (measured.empty())
         return complain("Error in chkDomClash: zero atoms selected.");
-    if (callNSC(pdbInfo) != 0)
+    if (callNSC(pdbInfo, standardMessages()) != Status::ok)
         return 1;
     exposed.clear();
     // The marks go by the count of the measured atoms, not by their places.

@@ -164,7 +164,7 @@ int startEnsemble(EnsembleRun &run)
     run.dcAve = Block<float>(tag, static_cast<std::size_t>(run.dTab->dCount) + 1);
     if (!run.dcAve)
         return complain("Error allocating coord buffers.\n");
-    if (makeSelectionBuffers(tag, *run.pdbInfo, run.buffers) != 0)
+    if (makeSelectionBuffers(tag, *run.pdbInfo, run.buffers, standardMessages()) != Status::ok)
         return 1;
     if (openOut(run.log, run.setup.outName, "w") != 0)
         return complain("TRELM Error opening log file for grid search %s\n", run.setup.outName.c_str());
@@ -252,15 +252,15 @@ int logPartAngles(EnsembleRun &run)
 int simulateState(EnsembleRun &run, StateAtWork &state)
 {
     Chosen chosen;
-    int status =
-        selectSolute(run.pdbInfo, run.setup.simulation.options, run.setup.charges, run.buffers, 1, chosen);
-    if (status != 0) {
-        complain("Matrix: Error reading selection of atoms.\n");
-        return status;
-    }
+    if (selectSolute(run.pdbInfo, run.setup.simulation.options, run.setup.charges, run.buffers, chosen,
+                     standardMessages()) != Status::ok)
+        return complain("Matrix: Error reading selection of atoms.\n");
+    if (chosen.dipole)
+        reportDipole(*chosen.dipole, standardMessages());
     if (run.setup.domains.pivotCenter != 0)
         centreSingle(chosen.atoms);
-    status = simEnsAlignment(run.setup.simulation, chosen.atoms, chosen.charges, run.none, state.saupe);
+    const int status =
+        simEnsAlignment(run.setup.simulation, chosen.atoms, chosen.charges, run.none, state.saupe);
     if (status != 0)
         complain("Matrix: Error simulating alignment.\n");
     return status;

@@ -258,19 +258,19 @@ Vec centroidOf(std::span<const double> co)
 
 } // namespace
 
-int nsc_dclm(std::span<const double> co, std::span<const double> radius, int densit, int mode,
-             Surface &surface)
+Status nsc_dclm(std::span<const double> co, std::span<const double> radius, int densit, int mode,
+                Surface &surface, Messages &messages)
 {
     surface = Surface{};
     Exposure exposure;
     DotSet set;
     if (!make_unsp(densit, set))
-        return 1;
+        return Status::failed;
     exposure.dots = set.dots;
     exposure.dotTotal = exposure.dots.size() / 3;
     exposure.groups = groupDots(set);
     if (radius.empty())
-        return complain("nsc_dclm: no surface atoms selected\n");
+        return messages.fail("nsc_dclm: no surface atoms selected\n");
     if ((mode & surfaceAtomAreas) != 0)
         surface.at_area.assign(radius.size(), 0.0);
 
@@ -297,7 +297,7 @@ int nsc_dclm(std::span<const double> co, std::span<const double> radius, int den
         surface.value_of_vol =
             static_cast<double>(static_cast<float>(volume * fullSphere)) / (dotTotal * 3.0);
     }
-    return 0;
+    return Status::ok;
 }
 
 } // namespace trelm

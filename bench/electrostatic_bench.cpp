@@ -108,14 +108,16 @@ void weighted(benchmark::State &state, bool plain)
     const ChargedUbiquitin molecule(static_cast<int>(state.range(0)));
     AlignmentOptions info = molecule.info;
     info.cutoffPot = 1e-6 * static_cast<double>(state.range(1));
-    const SmaSetup setup = {info, static_cast<double>(refine_bicelle(info).rSingleCell), molecule.size, 0.0};
+    const AlignmentSetup setup = {info, standardMessages(),
+                                  static_cast<double>(refine_bicelle(info).rSingleCell), molecule.dots};
+    const SmaSetup sizes = {molecule.size, 0.0};
     Potential potential = rodTable();
     Saupe saupe = {};
     for (auto step : state) {
         if (plain)
-            smaPlain(setup, molecule.view(), molecule.dots, molecule.charges, potential, saupe);
+            smaPlain(setup, molecule.view(), sizes, molecule.charges, potential, saupe);
         else
-            sma(setup, molecule.view(), molecule.dots, molecule.charges, potential, saupe);
+            static_cast<void>(sma(setup, molecule.view(), sizes, molecule.charges, potential, saupe));
         benchmark::DoNotOptimize(saupe);
     }
     state.counters["charges"] = molecule.charges.chCount;

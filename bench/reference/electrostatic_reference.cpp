@@ -53,14 +53,15 @@ double rodEnergyPlain(const AlignmentOptions &info, const Potential &potential,
 }
 
 /// The positions, as far as the field of the obstacle or its cell reach.
-std::vector<float> positionsPlain(const SmaSetup &setup, const FieldConstants &field, int &t_pts)
+std::vector<float> positionsPlain(const AlignmentSetup &setup, const SmaSetup &sizes,
+                                  const FieldConstants &field, int &t_pts)
 {
     const AlignmentOptions &info = setup.options;
     const double spacing = number(info.gridSpacing), radius = number(info.radiusModel);
-    t_pts = static_cast<int>((setup.max_protein_length - setup.min_protein_length) / spacing);
+    t_pts = static_cast<int>((sizes.max_protein_length - sizes.min_protein_length) / spacing);
     std::vector<float> grid_el;
     for (int i = 0; i <= t_pts; ++i)
-        grid_el.push_back(static_cast<float>(i * spacing + (setup.min_protein_length + radius)));
+        grid_el.push_back(static_cast<float>(i * spacing + (sizes.min_protein_length + radius)));
     const double from = number(grid_el.back());
     const double cutoff = info.cutoffPot;
     const double beta = radius / std::sqrt(number(info.concentration) / 1.46);
@@ -81,7 +82,7 @@ struct PositionWeight {
     double total = 0.0;
 };
 
-double freeRestPlain(const SmaSetup &setup, float last, int orientations)
+double freeRestPlain(const AlignmentSetup &setup, float last, int orientations)
 {
     const AlignmentOptions &info = setup.options;
     const double spacing = number(info.gridSpacing), radius = number(info.radiusModel);
@@ -136,14 +137,15 @@ double gridWeightPlain(const Grid3D &grid, const std::array<std::vector<float>, 
 
 } // namespace
 
-void smaPlain(const SmaSetup &setup, const Coordinates &atoms, std::span<const double> dots,
+void smaPlain(const AlignmentSetup &setup, const Coordinates &atoms, const SmaSetup &sizes,
               const ChargeSet &charges, const Potential &potential, Saupe &saupe)
 {
     const AlignmentOptions &info = setup.options;
+    const std::span<const double> dots = setup.dots;
     const FieldConstants field = fieldConstants(info);
     const bool isWall = info.lcType == lcWall;
     int t_pts = 0;
-    const std::vector<float> grid_el = positionsPlain(setup, field, t_pts);
+    const std::vector<float> grid_el = positionsPlain(setup, sizes, field, t_pts);
     std::vector<PositionWeight> weights(grid_el.size());
     TurnedAtoms turnedAtoms;
     const float reach = info.radiusModel + info.radiusAtom;

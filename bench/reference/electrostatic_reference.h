@@ -13,7 +13,7 @@
 namespace trelm {
 
 /// sma beside a wall or a rod, without its lines. The grid must fit its table; the potential is not scaled.
-void smaPlain(const SmaSetup &setup, const Coordinates &atoms, std::span<const double> dots,
+void smaPlain(const AlignmentSetup &setup, const Coordinates &atoms, const SmaSetup &sizes,
               const ChargeSet &charges, const Potential &potential, Saupe &saupe);
 
 /// sma3D likewise, without the free rest of the cell: the sums, and their weight.

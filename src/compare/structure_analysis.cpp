@@ -78,7 +78,7 @@ void analyzeCharges(const Buffers &buffers, const ChargeSet &placed, Findings &f
 int analyzeShape(const PDBInfo &pdbInfo, int yzFlag, Findings &findings)
 {
     Matrix3d inertiaTensor;
-    if (calcInertia(pdbInfo, inertiaTensor) != 0 || !isFinite(inertiaTensor))
+    if (calcInertia(pdbInfo, inertiaTensor, standardMessages()) != Status::ok || !isFinite(inertiaTensor))
         return complain("trelm: error in calcInertia.");
     if (analyzeMatrix3D(inertiaTensor, yzFlag, findings.structure) != 0)
         return complain("trelm: error in analyzeMatrix3D.");

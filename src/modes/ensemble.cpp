@@ -24,14 +24,14 @@ int checkEnsemble(const AlignmentOptions &options)
 {
     if (options.lcType != lcWall && options.lcType != lcRod)
         return complain("trelm: -stTrelmGrid knows the models -bic and -pf1 only.\n");
-    return checkSimulation(options);
+    return static_cast<int>(checkSimulation(options, standardMessages()));
 }
 
 /// The molecule in its starting position, saved, and written if asked for.
 int orientMolecule(Run &run, const DomainOptions &domains)
 {
     PDBInfo *pdbInfo = &run.pdbInfo[0];
-    if (initOrient(pdbInfo, domains, run.trelmInfo[0].yzFlag) != 0)
+    if (initOrient(pdbInfo, domains, run.trelmInfo[0].yzFlag, standardMessages()) != Status::ok)
         return complain("matrix: error in initOrient.\n");
     if (storePDBCoords(pdbInfo) != 0)
         return complain("matrix: error in storePDBCoords.\n");

@@ -119,12 +119,9 @@ int alignSolute(Run &run, const Solute &solute, AlignmentFields &fields, TensorA
     Prediction prediction;
     if (run.trelmInfo[0].elFlag != 0 && run.trelmInfo[0].lcType != lcGrid)
         checkField(run.trelmInfo[0], standardMessages());
-    const int status = simulateAlignment(alignmentSetup(run, solute.sample, solute.ddots), solute.atoms,
-                                         solute.sample.charges, fields, prediction);
-    if (status != 0) {
-        complain("Matrix: Error simulating alignment.\n");
-        return status;
-    }
+    if (simulateAlignment(alignmentSetup(run, solute.sample, solute.ddots), solute.atoms,
+                          solute.sample.charges, fields, prediction) != Status::ok)
+        return complain("Matrix: Error simulating alignment.\n");
     printPrediction(prediction);
     return finishAlignment(run, solute, prediction.sum, analysis);
 }
@@ -201,9 +198,9 @@ int setUp(Run &run, Sample &sample)
     const TrelmInfo &trelmInfo = run.trelmInfo[0];
     ChargeSet &charges = sample.charges;
     const RunOptions &options = run.options;
-    if (checkSample(trelmInfo) != 0)
+    if (checkSample(trelmInfo, standardMessages()) != Status::ok)
         return 1;
-    if (readConfig(options.inpName, sample.domains) != 0)
+    if (readConfig(options.inpName, sample.domains, standardMessages()) != Status::ok)
         return complain("Error reading configuration file %s\n", options.inpName.c_str());
     charges.chargeAtomID = run.chargeAtomID.span();
     charges.charges = run.charges.span();
@@ -231,7 +228,7 @@ TrelmInfo shownParameters(const TrelmInfo &trelmInfo, const SampleGeometry &geom
 
 AlignmentSetup alignmentSetup(const Run &run, const Sample &sample, std::span<const double> dots)
 {
-    return {run.trelmInfo[0], static_cast<double>(sample.geometry.rSingleCell), dots};
+    return {run.trelmInfo[0], standardMessages(), static_cast<double>(sample.geometry.rSingleCell), dots};
 }
 
 int makeDots(Run &run, std::span<const double> &ddots)
@@ -251,7 +248,7 @@ int simulateSteric(Run &run)
     const bool inGrid = trelmInfo.lcType == lcGrid;
     if (inGrid && trelmInfo.elFlag != 0)
         return complain("trelm: -stTrelm -3D knows no charges: see -elTrelm.\n");
-    if (checkSimulation(trelmInfo) != 0)
+    if (checkSimulation(trelmInfo, standardMessages()) != Status::ok)
         return 1;
     Solute solute;
     int status = chooseSolute(run, "trelm: error reading selection of atoms.\n", solute);
@@ -267,7 +264,7 @@ int simulateSteric(Run &run)
 
 int simulateElectrostatic(Run &run)
 {
-    if (checkSimulation(run.trelmInfo[0]) != 0)
+    if (checkSimulation(run.trelmInfo[0], standardMessages()) != Status::ok)
         return 1;
     Solute solute;
     const int status = chooseSolute(run, "Matrix: Error reading selection of atoms.\n", solute);
@@ -281,10 +278,11 @@ int simulateFree(Run &run)
     const TrelmInfo &trelmInfo = run.trelmInfo[0];
     if (trelmInfo.lcType != lcWall && trelmInfo.lcType != lcRod)
         return complain("trelm: -stTrelmFree knows the models -bic and -pf1 only.\n");
-    if (checkSample(trelmInfo) != 0 || checkSimulation(trelmInfo) != 0)
+    if (checkSample(trelmInfo, standardMessages()) != Status::ok ||
+        checkSimulation(trelmInfo, standardMessages()) != Status::ok)
         return 1;
     Saupe saupe = {};
-    int status = ssiaFree(trelmInfo, run.options.pdbFName, saupe);
+    int status = static_cast<int>(ssiaFree(trelmInfo, run.options.pdbFName, saupe, standardMessages()));
     if (status == 0) {
         std::ranges::transform(saupe, run.dTab[0].dTensor.saupe.begin(),
                                [](double element) { return static_cast<float>(element); });

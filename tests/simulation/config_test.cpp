@@ -22,7 +22,10 @@ Read readLines(const std::string &text)
 {
     const TempFile file(text);
     Read read;
-    read.messages = said([&] { read.status = readConfig(file.name, read.options); }).err;
+    read.messages = said([&] {
+                        read.status =
+                            static_cast<int>(readConfig(file.name, read.options, standardMessages()));
+                    }).err;
     return read;
 }
 
@@ -101,8 +104,8 @@ TEST(Config, MissingFileIsToldAndNoNameIsNone)
 {
     Read read;
     const Said messages = said([&] {
-        EXPECT_EQ(readConfig("", read.options), 0);
-        EXPECT_EQ(readConfig("none.inp", read.options), 1);
+        EXPECT_EQ(readConfig("", read.options, standardMessages()), Status::ok);
+        EXPECT_EQ(readConfig("none.inp", read.options, standardMessages()), Status::failed);
     });
     EXPECT_EQ(messages.err, "readConfig File open error: none.inp.\n");
 }

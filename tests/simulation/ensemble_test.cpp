@@ -211,23 +211,23 @@ TEST(Domains, StartOnTheirAxesWithThePivotAtTheOrigin)
 {
     PDBInfo pdb = smallMolecule(30.0);
     DomainOptions info = smallInfo();
-    ASSERT_EQ(initOrient(&pdb, info, 0), 0);
+    ASSERT_EQ(initOrient(&pdb, info, 0, standardMessages()), Status::ok);
     Matrix3d moments;
-    ASSERT_EQ(calcInertiaSel(pdb, 1, 20, moments), 0);
+    ASSERT_EQ(calcInertiaSel(pdb, 1, 20, moments, standardMessages()), Status::ok);
     EXPECT_NEAR(distanceOf(alphaCarbon(pdb, 10), {}), 0.0, 1e-5);
     EXPECT_GT(moments[8], moments[4]); // longest along z
     EXPECT_GT(moments[4], moments[0]);
     for (const std::size_t k : {1U, 2U, 5U})
         EXPECT_NEAR(moments[k], 0.0, 1e-3);
     Matrix3d turned;
-    ASSERT_EQ(calcInertiaSel(pdb, 20, 1, turned), 0); // in either order
+    ASSERT_EQ(calcInertiaSel(pdb, 20, 1, turned, standardMessages()), Status::ok); // in either order
     EXPECT_EQ(turned, moments);
 
     // Not turned onto the axes: moved only.
     PDBInfo moved = smallMolecule(30.0);
     const PDBInfo fresh = smallMolecule(30.0);
     info.initOrientFlag = 0;
-    ASSERT_EQ(initOrient(&moved, info, 0), 0);
+    ASSERT_EQ(initOrient(&moved, info, 0, standardMessages()), Status::ok);
     const Axis a = alphaCarbon(fresh, 10), b = alphaCarbon(fresh, 115), c = alphaCarbon(moved, 115);
     for (std::size_t k = 0; k < 3; ++k)
         EXPECT_NEAR(c[k], b[k] - a[k], 1e-4);
@@ -238,10 +238,10 @@ TEST(Domains, SecondOneTurnsAboutItsPivot)
     DomainOptions info = smallInfo();
     info.initOrientFlag = 0;
     PDBInfo straight = smallMolecule(30.0), turned = smallMolecule(30.0);
-    ASSERT_EQ(initOrient(&straight, info, 0), 0);
+    ASSERT_EQ(initOrient(&straight, info, 0, standardMessages()), Status::ok);
     info.angleDomFlag = 1;
     info.angleDom[0] = 90.0f; // x' = y, y' = -x
-    ASSERT_EQ(initOrient(&turned, info, 0), 0);
+    ASSERT_EQ(initOrient(&turned, info, 0, standardMessages()), Status::ok);
     const Axis pivot = alphaCarbon(straight, 110), before = alphaCarbon(straight, 117),
                after = alphaCarbon(turned, 117);
     EXPECT_NEAR(distanceOf(alphaCarbon(turned, 110), pivot), 0.0, 1e-4);
@@ -258,7 +258,7 @@ TEST(Domains, SecondMomentsOfTwoAtoms)
                                    "ATOM      3  H   ALA A   1      50.000   0.000   0.000\n"
                                    "ATOM      4  N   ALA A   2      90.000   0.000   0.000\n");
     Matrix3d moments;
-    ASSERT_EQ(calcInertiaSel(pdb, 1, 1, moments), 0);
+    ASSERT_EQ(calcInertiaSel(pdb, 1, 1, moments, standardMessages()), Status::ok);
     const Matrix3d expected = {4, -6, 2, -6, 9, -3, 2, -3, 1};
     for (std::size_t k = 0; k < expected.size(); ++k)
         EXPECT_NEAR(moments[k], expected[k], 1e-12);
@@ -271,7 +271,7 @@ TEST(Domains, ClashIsTheFirstPairBelowTheDistance)
     for (AtomInfo &atom : pdb.atoms())
         atom.selected = 7;
     std::vector<std::size_t> indI, indJ;
-    ASSERT_EQ(selectSurfDom(&pdb, 1, 20, indI, indJ), 0);
+    ASSERT_EQ(selectSurfDom(&pdb, 1, 20, indI, indJ, standardMessages()), Status::ok);
     EXPECT_TRUE(std::ranges::all_of(pdb.atoms(), [](const AtomInfo &atom) { return atom.selected == 7; }));
     ASSERT_FALSE(indI.empty());
     EXPECT_EQ(indI.size(), indJ.size()); // the copies are alike, each measured alone
@@ -290,7 +290,7 @@ TEST(Domains, ClashIsTheFirstPairBelowTheDistance)
         for (const std::size_t j : indJ)
             smallest = std::min(smallest, apart(i, j));
     info.clashDist = smallest; // not below it
-    EXPECT_EQ(chkClashDom(pdb, info.clashDist, indI, indJ), 0);
+    EXPECT_FALSE(chkClashDom(pdb, info.clashDist, indI, indJ, standardMessages()));
     info.clashDist = smallest + 3.0f;
     std::string expected;
     for (const std::size_t i : indI)
@@ -301,7 +301,9 @@ TEST(Domains, ClashIsTheFirstPairBelowTheDistance)
                         a.resID, a.resName.c_str(), a.atomName.c_str(), b.resID, b.resName.c_str(),
                         b.atomName.c_str(), static_cast<double>(apart(i, j)));
             }
-    EXPECT_EQ(said([&] { EXPECT_EQ(chkClashDom(pdb, info.clashDist, indI, indJ), 1); }).out, expected);
+    EXPECT_EQ(
+        said([&] { EXPECT_TRUE(chkClashDom(pdb, info.clashDist, indI, indJ, standardMessages())); }).out,
+        expected);
 }
 
 } // namespace

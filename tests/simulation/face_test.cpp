@@ -206,15 +206,16 @@ TEST(Inertia, IsTheSecondMomentOfTheSelectedAtoms)
         {{11.0, 2.0, 0.0}, {9.0, -2.0, 0.0}, {50.0, 50.0, 50.0}, {10.0, 0.0, 3.0}, {10.0, 0.0, -3.0}});
     pdbInfo.atomList[2].selected = 0;
     Matrix3d inertiaTensor;
-    ASSERT_EQ(calcInertia(pdbInfo, inertiaTensor), 0);
+    ASSERT_EQ(calcInertia(pdbInfo, inertiaTensor, standardMessages()), Status::ok);
     const Matrix3d expected = {0.5, 1.0, 0.0, 1.0, 2.0, 0.0, 0.0, 0.0, 4.5};
     for (std::size_t i = 0; i < expected.size(); ++i)
         EXPECT_DOUBLE_EQ(inertiaTensor[i], expected[i]) << i;
 
     for (AtomInfo &atom : pdbInfo.atoms())
         atom.selected = 0;
-    EXPECT_EQ(said([&] { EXPECT_EQ(calcInertia(pdbInfo, inertiaTensor), 1); }).err,
-              "WARNING: Zero atoms for inertia tensor selected.");
+    EXPECT_EQ(
+        said([&] { EXPECT_EQ(calcInertia(pdbInfo, inertiaTensor, standardMessages()), Status::failed); }).err,
+        "WARNING: Zero atoms for inertia tensor selected.");
 }
 
 } // namespace

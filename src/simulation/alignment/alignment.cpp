@@ -18,14 +18,14 @@ constexpr double mw_DMPC = 677.94; ///< molecular weights of the two lipids, g/m
 constexpr double mw_DHPC = 453.51;
 constexpr double freeLipid = 0.005; ///< mol/l of the short lipid that stays outside the bicelles
 
-void warn(const char *option, double value, const char *rule)
+void warn(const char *option, double value, const char *rule, Messages &messages)
 {
-    complain("WARNING: %s %g: %s.\n", option, value, rule);
+    messages.err("WARNING: %s %g: %s.\n", option, value, rule);
 }
 
-int refuse(const char *option, double value, const char *rule)
+Status refuse(const char *option, double value, const char *rule, Messages &messages)
 {
-    return complain("trelm: %s %g: %s.\n", option, value, rule);
+    return messages.fail("trelm: %s %g: %s.\n", option, value, rule);
 }
 
 bool isPositive(float value)
@@ -33,39 +33,41 @@ bool isPositive(float value)
     return value > 0.0f && std::isfinite(value);
 }
 
-int checkOrientations(const AlignmentOptions &options)
+Status checkOrientations(const AlignmentOptions &options, Messages &messages)
 {
     if (options.densityNSC < 1)
-        return refuse("-dot", options.densityNSC, "the number of orientation points must be positive");
+        return refuse("-dot", options.densityNSC, "the number of orientation points must be positive",
+                      messages);
     const int dots = dotCount(options.densityNSC);
     if (dots > maxOrientations)
-        return complain("trelm: -dot %d gives %d orientation points, the limit is %d.\n", options.densityNSC,
-                        dots, maxOrientations);
+        return messages.fail("trelm: -dot %d gives %d orientation points, the limit is %d.\n",
+                             options.densityNSC, dots, maxOrientations);
     if (options.digPsiNSC < 1)
-        return refuse("-digPsi", options.digPsiNSC, "the number of angle steps must be positive");
+        return refuse("-digPsi", options.digPsiNSC, "the number of angle steps must be positive", messages);
     if (options.digPsiNSC > std::numeric_limits<int>::max() / dots)
-        return complain("trelm: -digPsi %d with %d orientation points gives more than %d orientations.\n",
-                        options.digPsiNSC, dots, std::numeric_limits<int>::max());
+        return messages.fail(
+            "trelm: -digPsi %d with %d orientation points gives more than %d orientations.\n",
+            options.digPsiNSC, dots, std::numeric_limits<int>::max());
     if (!std::isfinite(options.lcOrder))
-        return refuse("-lcS", number(options.lcOrder), "the order is no number");
-    return 0;
+        return refuse("-lcS", number(options.lcOrder), "the order is no number", messages);
+    return Status::ok;
 }
 
 /// The wall or rod, and the steps away from it.
-int checkObstacle(const ObstacleOptions &options)
+Status checkObstacle(const ObstacleOptions &options, Messages &messages)
 {
     const double radiusModel = number(options.radiusModel), radiusAtom = number(options.radiusAtom);
     if (!isPositive(options.gridSpacing))
-        return refuse("-dGrid", number(options.gridSpacing), "the step must be positive");
+        return refuse("-dGrid", number(options.gridSpacing), "the step must be positive", messages);
     if (options.lcType == lcRod && radiusModel == 0.0)
-        return refuse("-rM", 0.0, "a rod needs a radius");
+        return refuse("-rM", 0.0, "a rod needs a radius", messages);
     if (!std::isfinite(options.radiusModel + options.radiusAtom))
-        return complain("trelm: -rM %g, -rA %g: the radii are out of range.\n", radiusModel, radiusAtom);
+        return messages.fail("trelm: -rM %g, -rA %g: the radii are out of range.\n", radiusModel, radiusAtom);
     if (!isPositive(options.radiusModel))
-        warn("-rM", radiusModel, "no liquid crystal has such a radius");
+        warn("-rM", radiusModel, "no liquid crystal has such a radius", messages);
     if (radiusAtom < 0.0)
-        warn("-rA", radiusAtom, "no atom has such a radius");
-    return 0;
+        warn("-rA", radiusAtom, "no atom has such a radius", messages);
+    return Status::ok;
 }
 
 } // namespace
@@ -90,20 +92,20 @@ SampleGeometry refine_bicelle(const ObstacleOptions &options)
     return geometry;
 }
 
-int checkSample(const ObstacleOptions &options)
+Status checkSample(const ObstacleOptions &options, Messages &messages)
 {
     const auto concentration = static_cast<double>(options.concentration);
     if (!isPositive(options.concentration))
-        return refuse("-wv", concentration, "the concentration is a fraction, above 0");
+        return refuse("-wv", concentration, "the concentration is a fraction, above 0", messages);
     if (concentration > 1.0)
-        warn("-wv", concentration, "the concentration is a fraction, above 1 no sample has it");
-    return 0;
+        warn("-wv", concentration, "the concentration is a fraction, above 1 no sample has it", messages);
+    return Status::ok;
 }
 
-int checkSimulation(const AlignmentOptions &options)
+Status checkSimulation(const AlignmentOptions &options, Messages &messages)
 {
-    const int status = checkOrientations(options);
-    return status != 0 || options.lcType == lcGrid ? status : checkObstacle(options);
+    const Status status = checkOrientations(options, messages);
+    return status != Status::ok || options.lcType == lcGrid ? status : checkObstacle(options, messages);
 }
 
 float singleMean(std::span<const double> column)
@@ -133,7 +135,7 @@ float centreAtoms(const CoordinateBuffers &atoms)
     return largestDistance(atoms);
 }
 
-int runSteric(const AlignmentSetup &setup, const CoordinateBuffers &atoms, float distance, Saupe &saupe)
+Status runSteric(const AlignmentSetup &setup, const CoordinateBuffers &atoms, float distance, Saupe &saupe)
 {
     const AlignmentOptions &options = setup.options;
     StericSetup steric;
@@ -147,39 +149,39 @@ int runSteric(const AlignmentSetup &setup, const CoordinateBuffers &atoms, float
     steric.grid.max_protein_length = number(distance) + steric.radius;
     steric.grid.min_protein_length = steric.radius;
     steric.digit_psi = options.digPsiNSC;
-    return static_cast<int>(
-        stericAlignment(steric, {atoms.x, atoms.y, atoms.z}, setup.dots, saupe, standardMessages()));
+    return stericAlignment(steric, {atoms.x, atoms.y, atoms.z}, setup.dots, saupe, setup.messages);
 }
 
-int runCharged(const AlignmentSetup &setup, const CoordinateBuffers &atoms, float distance,
-               const ChargeSet &charges, Potential &potential, Saupe &saupe)
+Status runCharged(const AlignmentSetup &setup, const CoordinateBuffers &atoms, float distance,
+                  const ChargeSet &charges, Potential &potential, Saupe &saupe)
 {
     const double radius = number(setup.options.radiusAtom);
-    const SmaSetup sizes = {setup.options, setup.rSingleCell, number(distance) + radius, radius};
-    return sma(sizes, {atoms.x, atoms.y, atoms.z}, setup.dots, charges, potential, saupe);
+    return sma(setup, {atoms.x, atoms.y, atoms.z}, {number(distance) + radius, radius}, charges, potential,
+               saupe);
 }
 
-int simulateAlignment(const AlignmentSetup &setup, const CoordinateBuffers &atoms, const ChargeSet &charges,
-                      AlignmentFields &fields, Prediction &prediction)
+Status simulateAlignment(const AlignmentSetup &setup, const CoordinateBuffers &atoms,
+                         const ChargeSet &charges, AlignmentFields &fields, Prediction &prediction)
 {
-    if (atoms.x.empty())
-        return complain("simulateAlignment: no atoms selected.\n");
     const AlignmentOptions &options = setup.options;
+    Messages &messages = setup.messages;
+    if (atoms.x.empty())
+        return messages.fail("simulateAlignment: no atoms selected.\n");
     prediction = {};
     const float distance = centreAtoms(atoms);
-    std::printf("REMARK Molecule shifted to geometric center.\n");
+    messages.out("REMARK Molecule shifted to geometric center.\n");
     const bool inGrid = options.lcType == lcGrid;
     const Coordinates view = {atoms.x, atoms.y, atoms.z};
-    int status = 0;
+    Status status = Status::ok;
     if (options.elFlag != 0)
         status =
-            inGrid ? sma3D(options, view, setup.dots, charges, fields.pot3D.span(), prediction.electrostatic)
+            inGrid ? sma3D(setup, view, charges, fields.pot3D.span(), prediction.electrostatic)
                    : runCharged(setup, atoms, distance, charges, fields.potential, prediction.electrostatic);
     else if (inGrid)
-        ssia3D(options, setup.dots, prediction.steric);
-    else if ((status = runSteric(setup, atoms, distance, prediction.steric)) != 0)
-        complain("simulateAlignment: error in stericAlignment.");
-    if (status != 0)
+        ssia3D(setup, prediction.steric);
+    else if ((status = runSteric(setup, atoms, distance, prediction.steric)) != Status::ok)
+        messages.err("simulateAlignment: error in stericAlignment.");
+    if (status != Status::ok)
         return status;
     for (std::size_t k = 0; k < prediction.sum.size(); ++k) {
         prediction.steric[k] *= number(options.lcOrder);
@@ -189,9 +191,9 @@ int simulateAlignment(const AlignmentSetup &setup, const CoordinateBuffers &atom
     TensorAnalysis analysis; // each part must have axes; the magnitude is that of the last one
     for (const Saupe *part : {&prediction.steric, &prediction.electrostatic, &prediction.sum})
         if (analyzeSaupe(*part, 0, 0, analysis) != 0)
-            return complain("Matrix: error in analyzeSaupe.\n");
+            return messages.fail("Matrix: error in analyzeSaupe.\n");
     prediction.gMag = analysis.gMag;
-    return 0;
+    return Status::ok;
 }
 
 } // namespace trelm

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "couplings/tensor.h"
-#include "simulation/alignment/options.h"
+#include "simulation/alignment/setup.h"
 #include "simulation/charges/charges.h"
 #include "simulation/charges/potential.h"
 #include "simulation/obstacle/atom_selection.h"
@@ -25,13 +25,13 @@ SampleGeometry refine_bicelle(const ObstacleOptions &options);
 
 /// Refuses a concentration of 0 or below, which refine_bicelle divides by, and warns of one above 1. Returns
 /// 0, or 1 after one line.
-int checkSample(const ObstacleOptions &options);
+Status checkSample(const ObstacleOptions &options, Messages &messages);
 
 /// Refuses parameters that no simulation can work with: densities that are not positive, too many orientation
 /// points, an order that is no number; beside a wall or a rod a step that is not positive, radii out of
 /// range, a rod without a radius. Radii that make no sense are warned of. A grid has neither step nor radii.
 /// Returns 0, or 1 after one line that names the option.
-int checkSimulation(const AlignmentOptions &options);
+Status checkSimulation(const AlignmentOptions &options, Messages &messages);
 
 /// The mean of one coordinate, summed in single precision.
 float singleMean(std::span<const double> column);
@@ -43,19 +43,12 @@ float largestDistance(const CoordinateBuffers &atoms);
 /// from it, angstrom.
 float centreAtoms(const CoordinateBuffers &atoms);
 
-/// What the simulations of one run share.
-struct AlignmentSetup {
-    const AlignmentOptions &options;
-    double rSingleCell = 0.0;     ///< of the sample's geometry, angstrom
-    std::span<const double> dots; ///< orientation points, three values each
-};
-
 /// The steric simulation of centred atoms. As stericAlignment.
-int runSteric(const AlignmentSetup &setup, const CoordinateBuffers &atoms, float distance, Saupe &saupe);
+Status runSteric(const AlignmentSetup &setup, const CoordinateBuffers &atoms, float distance, Saupe &saupe);
 
 /// The weighted simulation beside a wall or a rod, likewise. As sma.
-int runCharged(const AlignmentSetup &setup, const CoordinateBuffers &atoms, float distance,
-               const ChargeSet &charges, Potential &potential, Saupe &saupe);
+Status runCharged(const AlignmentSetup &setup, const CoordinateBuffers &atoms, float distance,
+                  const ChargeSet &charges, Potential &potential, Saupe &saupe);
 
 /// The potentials of a run; it has one of them at most.
 struct AlignmentFields {
@@ -70,8 +63,8 @@ struct Prediction {
 };
 
 /// Simulates the alignment of the atoms, which are moved to their geometric centre. The table of a rod is
-/// divided by kPot. Returns 0, or non-zero after a message. A steric grid ends the process: see ssia3D.
-int simulateAlignment(const AlignmentSetup &setup, const CoordinateBuffers &atoms, const ChargeSet &charges,
-                      AlignmentFields &fields, Prediction &prediction);
+/// divided by kPot. Fails after a message. A steric grid ends the process: see ssia3D.
+Status simulateAlignment(const AlignmentSetup &setup, const CoordinateBuffers &atoms,
+                         const ChargeSet &charges, AlignmentFields &fields, Prediction &prediction);
 
 } // namespace trelm

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "couplings/tensor.h"
+#include "ground/messages.h"
 #include "simulation/alignment/options.h"
 #include "simulation/obstacle/atom_selection.h"
 
@@ -13,12 +14,13 @@ constexpr int maxFreeAtoms = 4999; ///< a file that reaches this number is refus
 
 /// Reads white-space separated records: ATOM, serial, atom name, residue name, residue number, x, y, z
 /// (angstrom). Words before the first ATOM and between the records are skipped; END or the end of the file
-/// ends the list. An empty name reads nothing. The buffers need room for maxFreeAtoms. Returns 0, or 1 after
-/// a message.
-int readPDBfree(const std::string &inName, int &atomCount, const CoordinateBuffers &atoms);
-
-/// Simulates the alignment of such a file. `saupe`: with its own sign. Returns 0, or non-zero after a
+/// ends the list. An empty name reads nothing. The buffers need room for maxFreeAtoms. Fails after a
 /// message.
-int ssiaFree(const AlignmentOptions &options, const std::string &pdbFreeName, Saupe &saupe);
+Status readPDBfree(const std::string &inName, int &atomCount, const CoordinateBuffers &atoms,
+                   Messages &messages);
+
+/// Simulates the alignment of such a file. `saupe`: with its own sign. Fails after a message.
+Status ssiaFree(const AlignmentOptions &options, const std::string &pdbFreeName, Saupe &saupe,
+                Messages &messages);
 
 } // namespace trelm

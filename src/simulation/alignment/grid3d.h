@@ -2,7 +2,7 @@
 #pragma once
 
 #include "couplings/tensor.h"
-#include "simulation/alignment/options.h"
+#include "simulation/alignment/setup.h"
 #include "simulation/charges/charges.h"
 #include "simulation/orientations/columns.h"
 #include "simulation/orientations/orientation.h"
@@ -64,13 +64,12 @@ struct RowSearch {
 double weighPositions(const Grid3D &grid, const GridRows &rows, const GridPlaces &places,
                       const ChargeSet &charges, RowSearch &search);
 
-/// The weighted simulation. Prints its parameters on standard output. Returns 0, or 1
-/// after a message. gridPoints has accepted the grid.
-int sma3D(const AlignmentOptions &options, const Coordinates &atoms, std::span<const double> dots,
-          const ChargeSet &charges, std::span<const double> pot3D, Saupe &saupe);
+/// The weighted simulation. Tells its parameters. Fails after a message. gridPoints has accepted the grid.
+Status sma3D(const AlignmentSetup &setup, const Coordinates &atoms, const ChargeSet &charges,
+             std::span<const double> pot3D, Saupe &saupe);
 
 /// The steric form of it, which looks at the first position of the first orientation and then ends the
 /// process with status 0. Returns only if there is no position, and then there is no order.
-void ssia3D(const AlignmentOptions &options, std::span<const double> dots, Saupe &saupe);
+void ssia3D(const AlignmentSetup &setup, Saupe &saupe);
 
 } // namespace trelm

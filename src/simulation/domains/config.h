@@ -1,6 +1,7 @@
 // The configuration file: the domains of a molecule and the settings of the ensemble.
 #pragma once
 
+#include "ground/messages.h"
 #include "simulation/domains/options.h"
 
 #include <string>
@@ -12,6 +13,6 @@ namespace trelm {
 /// nothing. An unknown key is told and skipped. Returns 0; 1 after a message for a file that cannot be read,
 /// a line without a key and a number, or a number that is not finite. The lines before that one have been
 /// applied then.
-int readConfig(const std::string &inName, DomainOptions &options);
+Status readConfig(const std::string &inName, DomainOptions &options, Messages &messages);
 
 } // namespace trelm

@@ -171,7 +171,8 @@ int startEnsemble(EnsembleRun &run)
     if (storePDBCoords(run.pdbInfo) != 0)
         return complain("matrix: error in storePDBCoords.\n");
     const DomainOptions &options = run.setup.domains;
-    if (selectSurfDom(run.pdbInfo, options.startResDom1, options.endResDom1, run.indI, run.indJ) != 0)
+    if (selectSurfDom(run.pdbInfo, options.startResDom1, options.endResDom1, run.indI, run.indJ,
+                      standardMessages()) != Status::ok)
         return complain("ensembleAlignment: error in chkDomClash.\n");
     return 0;
 }
@@ -218,7 +219,8 @@ int placeState(EnsembleRun &run, const StateAtWork &state)
 bool endsHere(EnsembleRun &run, const StateAtWork &state)
 {
     const DomainOptions &options = run.setup.domains;
-    if (options.clashFlag != 0 && chkClashDom(*run.pdbInfo, options.clashDist, run.indI, run.indJ) != 0) {
+    if (options.clashFlag != 0 &&
+        chkClashDom(*run.pdbInfo, options.clashDist, run.indI, run.indJ, standardMessages())) {
         std::printf("REMARK steric clash of domains in state %d.\n", state.id);
         return true;
     }
@@ -233,8 +235,10 @@ int logPartAngles(EnsembleRun &run)
 {
     const DomainOptions &options = run.setup.domains;
     Matrix3d tensor1, tensor2;
-    if (calcInertiaSel(*run.pdbInfo, options.startResPart1, options.endResPart1, tensor1) != 0 ||
-        calcInertiaSel(*run.pdbInfo, options.startResPart2, options.endResPart2, tensor2) != 0)
+    if (calcInertiaSel(*run.pdbInfo, options.startResPart1, options.endResPart1, tensor1,
+                       standardMessages()) != Status::ok ||
+        calcInertiaSel(*run.pdbInfo, options.startResPart2, options.endResPart2, tensor2,
+                       standardMessages()) != Status::ok)
         return complain("matrix: error in calcInertiaSel.");
     TensorAnalysis analysis1, analysis2;
     if (analyzeMatrix3D(tensor1, run.setup.yzFlag, analysis1) != 0 ||
@@ -421,16 +425,12 @@ int simEnsAlignment(const AlignmentSetup &setup, const CoordinateBuffers &atoms,
     if (atoms.x.empty())
         return complain("simulateAlignment: no atoms selected.\n");
     const float distance = largestDistance(atoms);
-    int status = 0;
-    if (setup.options.elFlag == 0) {
-        status = runSteric(setup, atoms, distance, saupe);
-        if (status != 0)
-            complain("simulateAlignment: error in stericAlignment.");
-    } else {
-        status = runCharged(setup, atoms, distance, charges, potential, saupe);
+    if (setup.options.elFlag != 0) {
+        if (runCharged(setup, atoms, distance, charges, potential, saupe) != Status::ok)
+            return 1;
+    } else if (runSteric(setup, atoms, distance, saupe) != Status::ok) {
+        return complain("simulateAlignment: error in stericAlignment.");
     }
-    if (status != 0)
-        return status;
     for (double &element : saupe)
         element = static_cast<double>(static_cast<float>(element * number(setup.options.lcOrder)));
     return 0;

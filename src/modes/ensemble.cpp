@@ -42,12 +42,9 @@ int orientMolecule(Run &run, const DomainOptions &domains)
 int makeEnsemble(const Run &run, const DomainOptions &domains, Ensemble &ensemble)
 {
     const RunOptions &options = run.options;
-    const int status =
-        setupEnsemble(domains, {options.outEName, options.outEAxName, options.inEName}, ensemble);
-    if (status != 0) {
-        complain("matrix: setupEnsemble error occured.\n");
-        return status;
-    }
+    if (setupEnsemble(domains, {options.outEName, options.outEAxName, options.inEName}, ensemble,
+                      standardMessages()) != Status::ok)
+        return complain("matrix: setupEnsemble error occured.\n");
     std::printf("REMARK ENSEMBLE MODE.\n");
     std::printf("REMARK STERIC CLASH CHECK %s.\n", domains.clashFlag != 0 ? "ENABLED" : "DISABLED");
     std::printf("REMARK %d states in ensemble.\n", ensemble.count);
@@ -78,10 +75,9 @@ int averageEnsemble(Run &run, const Sample &sample, const Ensemble &ensemble, st
                                  .verbose = trelmInfo.verbFlag};
     if (trelmInfo.elFlag != 0) // once: all states lie in one field
         checkField(trelmInfo, standardMessages());
-    const int status = ensembleAlignment(&run.pdbInfo[0], &run.dTab[0], setup, result);
-    if (status != 0)
-        complain("matrix: ensembleAlignment error occured.\n");
-    return status;
+    if (ensembleAlignment(&run.pdbInfo[0], &run.dTab[0], setup, result) != Status::ok)
+        return complain("matrix: ensembleAlignment error occured.\n");
+    return 0;
 }
 
 /// The report of the averages, on the standard error stream and at the head of the coupling table.

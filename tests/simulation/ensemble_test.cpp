@@ -63,7 +63,11 @@ TEST(EnsembleFile, LinesAreStatesOrRefused)
     for (const FileCase &one : cases) {
         const TempFile file(one.text);
         Ensemble ensemble = emptyEnsemble();
-        const std::string err = said([&] { EXPECT_EQ(readEnsemble(file.name, ensemble), one.status); }).err;
+        const std::string err =
+            said([&] {
+                EXPECT_EQ(static_cast<int>(readEnsemble(file.name, ensemble, standardMessages())),
+                          one.status);
+            }).err;
         EXPECT_TRUE(err.starts_with(one.message)) << err;
         EXPECT_EQ(err.empty(), one.status == 0) << err;
         EXPECT_EQ(ensemble.count, one.count) << one.text.substr(0, 40);
@@ -88,7 +92,7 @@ TEST(EnsembleSphere, StatesLieWithinTheLimits)
     const TempFile e, ax;
     const EnsembleFiles files = {.outEName = e.name, .outEAxName = ax.name, .inEName = ""};
     Ensemble ensemble = emptyEnsemble();
-    ASSERT_EQ(setupEnsemble(grid, files, ensemble), 0);
+    ASSERT_EQ(setupEnsemble(grid, files, ensemble, standardMessages()), Status::ok);
     const int all = ensemble.count;
     // A cap between 10 and 60 degrees has (cos 10 - cos 60) / 2 of the sphere: 39 of 162 dots.
     EXPECT_NEAR(all / 4, 39, 6);
@@ -112,20 +116,24 @@ TEST(EnsembleSphere, StatesLieWithinTheLimits)
     }
 
     grid.errAlphaCone = 0.1f; // the sideways turns of 90 and 270 degrees lean too far
-    ASSERT_EQ(setupEnsemble(grid, {}, ensemble), 0);
+    ASSERT_EQ(setupEnsemble(grid, {}, ensemble, standardMessages()), Status::ok);
     EXPECT_EQ(ensemble.count, all / 2);
     for (const EnsembleState &state : ensemble.used())
         EXPECT_NEAR(std::sin(state.gamma * M_PI / 180.0), 0.0, 1e-6);
     grid.digPsiE = 1;
-    ASSERT_EQ(setupEnsemble(grid, {}, ensemble), 0);
+    ASSERT_EQ(setupEnsemble(grid, {}, ensemble, standardMessages()), Status::ok);
     EXPECT_TRUE(std::ranges::all_of(ensemble.used(), [](const EnsembleState &s) { return s.gamma == 0.0; }));
 
     const TempFile two("1 2 3\n4 5 6\n"), none("");
     Ensemble read = emptyEnsemble();
-    ASSERT_EQ(setupEnsemble(grid, {.outEName = "", .outEAxName = "", .inEName = two.name}, read), 0);
+    ASSERT_EQ(setupEnsemble(grid, {.outEName = "", .outEAxName = "", .inEName = two.name}, read,
+                            standardMessages()),
+              Status::ok);
     EXPECT_EQ(read.count, 2);
     EXPECT_EQ(read.states[1].beta, 5.0);
-    ASSERT_EQ(setupEnsemble(grid, {.outEName = "", .outEAxName = "", .inEName = none.name}, read), 0);
+    ASSERT_EQ(setupEnsemble(grid, {.outEName = "", .outEAxName = "", .inEName = none.name}, read,
+                            standardMessages()),
+              Status::ok);
     EXPECT_EQ(read.count, ensemble.count); // a file without states replaces nothing
 }
 
@@ -167,7 +175,10 @@ TEST(EnsembleSphere, FailuresAreTold)
         one.change(info);
         Ensemble ensemble = emptyEnsemble();
         int status = -1;
-        const std::string err = said([&] { status = setupEnsemble(info, one.files, ensemble); }).err;
+        const std::string err =
+            said([&] {
+                status = static_cast<int>(setupEnsemble(info, one.files, ensemble, standardMessages()));
+            }).err;
         EXPECT_NE(err.find(one.message), std::string::npos) << err;
         EXPECT_EQ(status, *one.message == '\0' ? 0 : 1);
         if (status == 0) {

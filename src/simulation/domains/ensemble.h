@@ -5,6 +5,7 @@
 #include "couplings/dipolar.h"
 #include "couplings/tensor.h"
 #include "ground/alloc.h"
+#include "ground/messages.h"
 #include "simulation/alignment/alignment.h"
 #include "simulation/charges/charges.h"
 #include "simulation/charges/potential.h"
@@ -44,14 +45,15 @@ struct EnsembleFiles {
     std::string inEName;    ///< read: states that replace the generated ones
 };
 
-/// Reads lines of alpha, beta, gamma. An empty name gives no states. Returns 0, or 1 with no states after a
+/// Reads lines of alpha, beta, gamma. An empty name gives no states. Fails with no states after a
 /// message: no file, a line without three finite numbers, too many lines.
-int readEnsemble(const std::string &inName, Ensemble &ensemble);
+Status readEnsemble(const std::string &inName, Ensemble &ensemble, Messages &messages);
 
 /// The ensemble of a run: the directions of a sphere of density densE within the limits of beta and of the
-/// sideways displacement, each with digPsiE steps of gamma; or the states of a file, if that has any. Returns
-/// 0, or 1 after a message.
-int setupEnsemble(const DomainOptions &options, const EnsembleFiles &files, Ensemble &ensemble);
+/// sideways displacement, each with digPsiE steps of gamma; or the states of a file, if that has any. Fails
+/// after a message.
+Status setupEnsemble(const DomainOptions &options, const EnsembleFiles &files, Ensemble &ensemble,
+                     Messages &messages);
 
 /// Takes the couplings of a state, with what is to be remarked on it. Returns 0, or another status, which
 /// ends the run.
@@ -85,12 +87,12 @@ struct EnsembleResult {
 /// potential table, and charges feel nothing. A state without Da logs the R of the state before it. Writes
 /// "rot.pdb" in the current folder, and with outEflag 3, which lists the states without simulating them,
 /// "rotEns.pdb". Returns 0, or non-zero after a message; the coordinates stay as they are then.
-int ensembleAlignment(PDBInfo *pdbInfo, DTable *dTab, const EnsembleSetup &setup, EnsembleResult &result);
+Status ensembleAlignment(PDBInfo *pdbInfo, DTable *dTab, const EnsembleSetup &setup, EnsembleResult &result);
 
-/// The simulation of one state as it stands. `saupe`: in the sense of the surviving orientations. Returns 0,
-/// or non-zero after a message.
-int simEnsAlignment(const AlignmentSetup &setup, const CoordinateBuffers &atoms, const ChargeSet &charges,
-                    Potential &potential, Saupe &saupe);
+/// The simulation of one state as it stands. `saupe`: in the sense of the surviving orientations. Fails after
+/// a message.
+Status simEnsAlignment(const AlignmentSetup &setup, const CoordinateBuffers &atoms, const ChargeSet &charges,
+                       Potential &potential, Saupe &saupe);
 
 /// Moves coordinates to their centre, in single precision throughout.
 void centreSingle(const CoordinateBuffers &atoms);

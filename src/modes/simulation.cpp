@@ -168,15 +168,15 @@ int alignBesideParticle(Run &run, const Solute &solute)
         complain("REMARK 1D Potential %s, Digitization %d, Offset %.1f, Stepsize %.1f [A].\n",
                  options.potName.c_str(), potential.count, potential.offset, potential.stepsize);
     TensorAnalysis analysis;
-    int status = alignSolute(run, solute, fields, analysis);
+    const int status = alignSolute(run, solute, fields, analysis);
     if (status != 0)
         return status;
     restoreMarks(&run.pdbInfo[0], solute.marks);
-    status = iFacePDB(analysis.euler, &run.pdbInfo[0], run.trelmInfo[0], {options.pRotName, options.remark},
-                      potential, originalCharges(run, solute.sample.charges));
-    if (status != 0)
-        complain("trelm: error in iFacePDB.\n");
-    return status;
+    if (iFacePDB(analysis.euler, &run.pdbInfo[0], run.trelmInfo[0],
+                 {options.pRotName, options.remark, standardMessages()}, potential,
+                 originalCharges(run, solute.sample.charges)) != Status::ok)
+        return complain("trelm: error in iFacePDB.\n");
+    return 0;
 }
 
 int alignInGrid(Run &run, const Solute &solute)

@@ -47,7 +47,7 @@ double weightOf(const AlignmentOptions &info, double sign)
     Charges charges = {{0}, {1.0f}};
     Potential none;
     double prob = -1.0;
-    said([&] { EXPECT_EQ(iFace(info, {x, y, z}, charges.set(), none, prob), 0); });
+    said([&] { iFace(info, {x, y, z}, charges.set(), none, prob, standardMessages()); });
     return prob;
 }
 
@@ -95,8 +95,8 @@ TEST(Face, EachCallMultipliesTheTableByItsScale)
     potential.count = 2;
     double prob = 0.0;
     said([&] {
-        iFace(info, {zero, zero, zero}, none.set(), potential, prob);
-        iFace(info, {zero, zero, zero}, none.set(), potential, prob);
+        iFace(info, {zero, zero, zero}, none.set(), potential, prob, standardMessages());
+        iFace(info, {zero, zero, zero}, none.set(), potential, prob, standardMessages());
     });
     EXPECT_EQ(potential.values[0], static_cast<double>(2.0f * 0.1f * 0.1f)); // in single precision
     EXPECT_EQ(potential.values[1], potential.values[0]);
@@ -112,7 +112,9 @@ Said runFace(const std::vector<float> &values, const AlignmentOptions &info, PDB
     const TempFile file;
     Potential none;
     const Said lines = said([&] {
-        EXPECT_EQ(iFacePDB(EulerLists{}, &pdbInfo, info, {file.name, nullptr}, none, charges.set()), 0);
+        EXPECT_EQ(iFacePDB(EulerLists{}, &pdbInfo, info, {file.name, nullptr, standardMessages()}, none,
+                           charges.set()),
+                  Status::ok);
     });
     EXPECT_EQ(readPDB(file.name, &written, nullptr), 0);
     EXPECT_EQ(pdbInfo.atomList[0].z, 5.0f); // the molecule itself stays

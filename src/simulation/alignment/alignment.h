@@ -30,7 +30,7 @@ Status checkSample(const ObstacleOptions &options, Messages &messages);
 /// Refuses parameters that no simulation can work with: densities that are not positive, too many orientation
 /// points, an order that is no number; beside a wall or a rod a step that is not positive, radii out of
 /// range, a rod without a radius. Radii that make no sense are warned of. A grid has neither step nor radii.
-/// Returns 0, or 1 after one line that names the option.
+/// Fails after one line that names the option.
 Status checkSimulation(const AlignmentOptions &options, Messages &messages);
 
 /// The mean of one coordinate, summed in single precision.

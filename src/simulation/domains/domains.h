@@ -15,7 +15,7 @@ namespace trelm {
 
 /// Moves the mean of the residues of angle definition 1, hydrogens left out, to the origin, turns the
 /// molecule onto the axes of their second moments (initOrientFlag; yzFlag exchanges two of them), puts domain
-/// 2 in place (angleDomFlag), and moves the CA of resDom1Origin to the origin. Returns 0, or 1 after a
+/// 2 in place (angleDomFlag), and moves the CA of resDom1Origin to the origin. Fails after a
 /// message; residues without axes fail also where nothing is turned onto them.
 Status initOrient(PDBInfo *pdbInfo, const DomainOptions &options, int yzFlag, Messages &messages);
 

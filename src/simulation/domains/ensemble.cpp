@@ -70,7 +70,7 @@ struct Direction {
     double alpha, beta;
 };
 
-/// Appends the states of a direction. Returns 0, or 1 after a message if there are too many.
+/// Appends the states of a direction. Fails after a message if there are too many.
 Status appendStates(const DomainOptions &options, const Direction &direction, Monitors &monitors,
                     Ensemble &ensemble, Messages &messages)
 {

@@ -86,7 +86,7 @@ struct EnsembleResult {
 /// precision; tensor and calculated rows of dTab are those of the last state. Beside a rod there is no
 /// potential table, and charges feel nothing. A state without Da logs the R of the state before it. Writes
 /// "rot.pdb" in the current folder, and with outEflag 3, which lists the states without simulating them,
-/// "rotEns.pdb". Returns 0, or non-zero after a message; the coordinates stay as they are then.
+/// "rotEns.pdb". Fails after a message; the coordinates stay as they are then.
 Status ensembleAlignment(PDBInfo *pdbInfo, DTable *dTab, const EnsembleSetup &setup, EnsembleResult &result);
 
 /// The simulation of one state as it stands. `saupe`: in the sense of the surviving orientations. Fails after

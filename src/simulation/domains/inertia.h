@@ -14,7 +14,7 @@ namespace trelm {
 /// must be one at least. Not the moment of inertia: the longest axis has the largest eigenvalue.
 Matrix3d secondMoments(std::span<const Axis> points);
 
-/// Those of the selected atoms, all of one weight. Returns 0, or 1 after a message if none is selected.
+/// Those of the selected atoms, all of one weight. Fails after a message if none is selected.
 Status calcInertia(const PDBInfo &pdbInfo, Matrix3d &inertiaTensor, Messages &messages);
 
 } // namespace trelm

@@ -62,8 +62,8 @@ struct ChargedUbiquitin {
     std::vector<int> chargeAtomID;
     std::vector<float> charge;
     ChargeSet charges;
-    TrelmInfo info;
-    SmaSetup setup;
+    AlignmentOptions info;
+    double size = 0.0;
 
     explicit ChargedUbiquitin(int lcType)
     {
@@ -78,18 +78,15 @@ struct ChargedUbiquitin {
         charge.resize(maxCharges + 1);
         charges.chargeAtomID = chargeAtomID;
         charges.charges = charge;
-        chargeSetup("", &pdb, info, charges, "");
+        static_cast<void>(chargeSetup("", pdb, info, charges, "", standardMessages()));
         for (std::vector<double> *column : {&x, &y, &z})
             column->resize(static_cast<std::size_t>(pdb.atomCount) + maxCharges);
-        int count = 0;
-        chCoorSelect(&pdb, info, {x, y, z}, charges, 0, count);
+        SelectedCount selected;
+        static_cast<void>(chCoorSelect(&pdb, info, {x, y, z}, charges, selected, standardMessages()));
         for (std::vector<double> *column : {&x, &y, &z})
-            column->resize(static_cast<std::size_t>(count));
-        setup = {static_cast<double>(centreAtoms({x, y, z})), 0.0};
-        refine_bicelle(&info);
-        std::span<const double> generated;
-        do_unsp(info.densityNSC, generated);
-        dots.assign(generated.begin(), generated.end());
+            column->resize(selected.places);
+        size = static_cast<double>(centreAtoms({x, y, z}));
+        static_cast<void>(do_unsp(info.densityNSC, dots));
     }
     [[nodiscard]] Coordinates view() const { return {x, y, z}; }
 };
@@ -109,16 +106,18 @@ void weighted(benchmark::State &state, bool plain)
 {
     const QuietStreams quiet;
     const ChargedUbiquitin molecule(static_cast<int>(state.range(0)));
-    TrelmInfo info = molecule.info;
+    AlignmentOptions info = molecule.info;
     info.cutoffPot = 1e-6 * static_cast<double>(state.range(1));
+    const AlignmentSetup setup = {info, standardMessages(),
+                                  static_cast<double>(refine_bicelle(info).rSingleCell), molecule.dots};
+    const SmaSetup sizes = {molecule.size, 0.0};
     Potential potential = rodTable();
     Saupe saupe = {};
     for (auto step : state) {
         if (plain)
-            smaPlain(info, molecule.view(), molecule.dots, molecule.setup, molecule.charges, potential,
-                     saupe);
+            smaPlain(setup, molecule.view(), sizes, molecule.charges, potential, saupe);
         else
-            sma(info, molecule.view(), molecule.dots, molecule.setup, molecule.charges, potential, saupe);
+            static_cast<void>(sma(setup, molecule.view(), sizes, molecule.charges, potential, saupe));
         benchmark::DoNotOptimize(saupe);
     }
     state.counters["charges"] = molecule.charges.chCount;
@@ -154,7 +153,7 @@ struct GridCase {
     std::vector<int> chargeAtomID;
     std::vector<float> charge;
     ChargeSet charges;
-    TrelmInfo info;
+    AlignmentOptions info;
     Grid3D grid;
 
     explicit GridCase(bool isRough)
@@ -185,9 +184,7 @@ struct GridCase {
                     const double distance = 1.5 * std::hypot(i - 32, j - 32) + wiggle(engine);
                     pot3D.push_back(distance < 15.0 ? 10.0 : -1.5 * std::exp(-(distance - 15.0) / 7.0));
                 }
-        std::span<const double> generated;
-        do_unsp(100, generated);
-        dots.assign(generated.begin(), generated.end());
+        static_cast<void>(do_unsp(100, dots));
     }
     [[nodiscard]] Coordinates view() const { return {x, y, z}; }
 };

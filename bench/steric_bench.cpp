@@ -48,9 +48,7 @@ struct Assembly {
             co.insert(co.end(), {x[i], y[i], z[i]});
             radius.push_back(3.2);
         }
-        std::span<const double> generated;
-        do_unsp(densit, generated);
-        dots.assign(generated.begin(), generated.end());
+        static_cast<void>(do_unsp(densit, dots));
     }
 
     [[nodiscard]] Coordinates view() const { return {x, y, z}; }
@@ -88,7 +86,8 @@ void steric(benchmark::State &state, bool plain)
         if (plain)
             stericAlignmentPlain(setup, assembly.view(), assembly.dots, saupe, allowedCount);
         else
-            stericAlignment(setup, assembly.view(), assembly.dots, saupe);
+            static_cast<void>(
+                stericAlignment(setup, assembly.view(), assembly.dots, saupe, standardMessages()));
         benchmark::DoNotOptimize(saupe);
     }
 }
@@ -124,7 +123,7 @@ void stericOrientations(benchmark::State &state)
     const StericSetup setup = assembly.setup(static_cast<int>(state.range(0)), 0.2);
     Saupe saupe = {};
     for (auto step : state)
-        stericAlignment(setup, assembly.view(), assembly.dots, saupe);
+        static_cast<void>(stericAlignment(setup, assembly.view(), assembly.dots, saupe, standardMessages()));
     state.counters["orientations"] = static_cast<double>(assembly.dots.size() / 3 * 18);
 }
 BENCHMARK(stericOrientations)
@@ -140,7 +139,8 @@ void surfaceFast(benchmark::State &state)
     const Assembly assembly(static_cast<int>(state.range(0)));
     Surface surface;
     for (auto step : state)
-        nsc_dclm(assembly.co, assembly.radius, 700, surfaceAtomAreas, surface);
+        static_cast<void>(
+            nsc_dclm(assembly.co, assembly.radius, 700, surfaceAtomAreas, surface, standardMessages()));
     state.counters["atoms"] = static_cast<double>(assembly.radius.size());
 }
 BENCHMARK(surfaceFast)->ArgName("copies")->Arg(1)->Arg(33)->Arg(166)->Unit(benchmark::kMillisecond);

@@ -21,8 +21,8 @@ std::size_t placeOf(const ChargeSet &charges, int c)
     return static_cast<std::size_t>(charges.chargeAtomID[static_cast<std::size_t>(c)]);
 }
 
-double wallEnergyPlain(const TrelmInfo &info, const FieldConstants &field, const TurnedAtoms &turnedAtoms,
-                       const ChargeSet &charges, float distance)
+double wallEnergyPlain(const AlignmentOptions &info, const FieldConstants &field,
+                       const TurnedAtoms &turnedAtoms, const ChargeSet &charges, float distance)
 {
     double energy = 0.0;
     for (int c = 0; c < charges.chCount; ++c)
@@ -32,8 +32,8 @@ double wallEnergyPlain(const TrelmInfo &info, const FieldConstants &field, const
     return energy;
 }
 
-double rodEnergyPlain(const TrelmInfo &info, const Potential &potential, const TurnedAtoms &turnedAtoms,
-                      const ChargeSet &charges, float distance)
+double rodEnergyPlain(const AlignmentOptions &info, const Potential &potential,
+                      const TurnedAtoms &turnedAtoms, const ChargeSet &charges, float distance)
 {
     double energy = 0.0;
     for (int c = 0; c < charges.chCount; ++c) {
@@ -53,21 +53,22 @@ double rodEnergyPlain(const TrelmInfo &info, const Potential &potential, const T
 }
 
 /// The positions, as far as the field of the obstacle or its cell reach.
-std::vector<float> positionsPlain(const TrelmInfo &info, const FieldConstants &field, const SmaSetup &setup,
-                                  int &t_pts)
+std::vector<float> positionsPlain(const AlignmentSetup &setup, const SmaSetup &sizes,
+                                  const FieldConstants &field, int &t_pts)
 {
+    const AlignmentOptions &info = setup.options;
     const double spacing = number(info.gridSpacing), radius = number(info.radiusModel);
-    t_pts = static_cast<int>((setup.max_protein_length - setup.min_protein_length) / spacing);
+    t_pts = static_cast<int>((sizes.max_protein_length - sizes.min_protein_length) / spacing);
     std::vector<float> grid_el;
     for (int i = 0; i <= t_pts; ++i)
-        grid_el.push_back(static_cast<float>(i * spacing + (setup.min_protein_length + radius)));
+        grid_el.push_back(static_cast<float>(i * spacing + (sizes.min_protein_length + radius)));
     const double from = number(grid_el.back());
     const double cutoff = info.cutoffPot;
     const double beta = radius / std::sqrt(number(info.concentration) / 1.46);
     for (int j = 1;; ++j) {
         const double last = number(grid_el.back()), p = from + j * spacing;
         const bool ends = info.lcType == lcWall
-                              ? last > std::min(number(info.rSingleCell), cutoff)
+                              ? last > std::min(setup.rSingleCell, cutoff)
                               : last > beta || std::fabs(surfacePotential(field, p - radius)) < cutoff;
         if (ends)
             return grid_el;
@@ -81,12 +82,13 @@ struct PositionWeight {
     double total = 0.0;
 };
 
-double freeRestPlain(const TrelmInfo &info, float last, int orientations)
+double freeRestPlain(const AlignmentSetup &setup, float last, int orientations)
 {
+    const AlignmentOptions &info = setup.options;
     const double spacing = number(info.gridSpacing), radius = number(info.radiusModel);
     double rest = 0.0;
     if (info.lcType == lcWall)
-        return std::max(0.0, (number(info.rSingleCell) - info.cutoffPot) * orientations / spacing);
+        return std::max(0.0, (setup.rSingleCell - info.cutoffPot) * orientations / spacing);
     const double beta = radius / std::sqrt(number(info.concentration) / 1.46);
     for (double v = number(last) + spacing; v <= beta; v += spacing)
         rest += v / radius * orientations;
@@ -135,13 +137,15 @@ double gridWeightPlain(const Grid3D &grid, const std::array<std::vector<float>, 
 
 } // namespace
 
-void smaPlain(const TrelmInfo &info, const Coordinates &atoms, std::span<const double> dots,
-              const SmaSetup &setup, const ChargeSet &charges, const Potential &potential, Saupe &saupe)
+void smaPlain(const AlignmentSetup &setup, const Coordinates &atoms, const SmaSetup &sizes,
+              const ChargeSet &charges, const Potential &potential, Saupe &saupe)
 {
+    const AlignmentOptions &info = setup.options;
+    const std::span<const double> dots = setup.dots;
     const FieldConstants field = fieldConstants(info);
     const bool isWall = info.lcType == lcWall;
     int t_pts = 0;
-    const std::vector<float> grid_el = positionsPlain(info, field, setup, t_pts);
+    const std::vector<float> grid_el = positionsPlain(setup, sizes, field, t_pts);
     std::vector<PositionWeight> weights(grid_el.size());
     TurnedAtoms turnedAtoms;
     const float reach = info.radiusModel + info.radiusAtom;
@@ -169,7 +173,7 @@ void smaPlain(const TrelmInfo &info, const Coordinates &atoms, std::span<const d
             }
         }
     const int orientations = static_cast<int>(dots.size() / 3) * info.digPsiNSC;
-    double total = freeRestPlain(info, grid_el.back(), orientations);
+    double total = freeRestPlain(setup, grid_el.back(), orientations);
     saupe = {};
     for (std::size_t i = 0; i < grid_el.size(); ++i) {
         const double ring = isWall ? 1.0 : number(grid_el[i]) / number(info.radiusModel);

@@ -13,8 +13,8 @@
 namespace trelm {
 
 /// sma beside a wall or a rod, without its lines. The grid must fit its table; the potential is not scaled.
-void smaPlain(const TrelmInfo &trelmInfo, const Coordinates &atoms, std::span<const double> dots,
-              const SmaSetup &setup, const ChargeSet &charges, const Potential &potential, Saupe &saupe);
+void smaPlain(const AlignmentSetup &setup, const Coordinates &atoms, const SmaSetup &sizes,
+              const ChargeSet &charges, const Potential &potential, Saupe &saupe);
 
 /// sma3D likewise, without the free rest of the cell: the sums, and their weight.
 void sma3DPlain(const Grid3D &grid, const Coordinates &atoms, std::span<const double> dots, int digit_psi,

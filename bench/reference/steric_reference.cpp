@@ -75,7 +75,7 @@ int stericAlignmentPlain(const StericSetup &setup, const Coordinates &atoms, std
                          Saupe &saupe, std::vector<double> &allowedCount)
 {
     StericGrid grid;
-    if (makeStericGrid(setup, grid) != 0)
+    if (makeStericGrid(setup, grid, standardMessages()) != Status::ok)
         return 1;
     const auto positions = static_cast<std::size_t>(grid.at.last) + 1;
     std::vector<Saupe> saupe_dis(positions);

@@ -63,7 +63,7 @@ std::string switchDefault(const HelpEntry &entry)
 std::vector<double> valueDefaults(std::string_view flag)
 {
     if (flag == "-cut") // read by a step of its own
-        return {ChargeOptions{}.cutoffPot};
+        return {FieldOptions{}.cutoffPot};
     std::vector<double> values;
     for (const OptionRow &row : rowsOf(flag))
         if (const auto value = fieldDefault(row.target); value && !row.preset)

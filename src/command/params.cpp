@@ -168,9 +168,9 @@ constexpr OptionRow simulationRows[] = {
     {"-nX", &TrelmInfo::grid3DnX},
     {"-nY", &TrelmInfo::grid3DnY},
     {"-nZ", &TrelmInfo::grid3DnZ},
-    {"-maxPot", &ChargeOptions::maxPot},
-    {"-z1", &ChargeOptions::z1},
-    {"-zN", &ChargeOptions::zN},
+    {"-maxPot", &Grid3DOptions::maxPot},
+    {"-z1", &Grid3DOptions::z1},
+    {"-zN", &Grid3DOptions::zN},
     {"-rM", &TrelmInfo::radiusModel}, // behind the liquid crystals, whose radius it overrides
     {"-lcS", &TrelmInfo::lcOrder},
     {"-rA", &TrelmInfo::radiusAtom},
@@ -183,11 +183,11 @@ constexpr OptionRow simulationRows[] = {
     {"-surf", &TrelmInfo::surfFlag, 1},
     {"-nosurf", &TrelmInfo::surfFlag, 0},
     {"-pH", &ChargeOptions::pH},
-    {"-nacl", &ChargeOptions::concNaCl},
-    {"-chSurf", &ChargeOptions::chDensSurf},
-    {"-dIFace", &ChargeOptions::iFace},
-    {"-elInfo", &ChargeOptions::chFlag, 1},
-    {"-noelInfo", &ChargeOptions::chFlag, 0},
+    {"-nacl", &FieldOptions::concNaCl},
+    {"-chSurf", &FieldOptions::chDensSurf},
+    {"-dIFace", &FieldOptions::iFace},
+    {"-elInfo", &FieldOptions::chFlag, 1},
+    {"-noelInfo", &FieldOptions::chFlag, 0},
     {"-dipole", &ChargeOptions::dipoleFlag, 1},
     {"-nodipole", &ChargeOptions::dipoleFlag, 0},
     {"-chSel", &ChargeOptions::chSelFlag, 1},
@@ -199,14 +199,14 @@ constexpr OptionRow simulationRows[] = {
     {"-charmm", &ChargeOptions::charmm, 1},
     {"-charmm22", &ChargeOptions::charmm, 2},
     {"-nocharmm", &ChargeOptions::charmm, 0},
-    {"-kEne", &ChargeOptions::kEnergy},
-    {"-kPot", &ChargeOptions::kPot},
+    {"-kEne", &FieldOptions::kEnergy},
+    {"-kPot", &FieldOptions::kPot},
     {"-kMono", &ChargeOptions::kMonoCh},
     {"-kDipo", &ChargeOptions::kDipoCh},
     {"-kQuad", &ChargeOptions::kQuadCh},
-    {"-temp", &ChargeOptions::temperaturePot},
-    {"-kAtt", &ChargeOptions::kAtt},
-    {"-pow", &ChargeOptions::pow},
+    {"-temp", &FieldOptions::temperaturePot},
+    {"-kAtt", &FieldOptions::kAtt},
+    {"-pow", &FieldOptions::pow},
 };
 
 constexpr OptionRow conversionRows[] = {
@@ -400,7 +400,7 @@ void expandNameLists(RunOptions &options)
                            "LEU LYS MET PHE PRO SER THR TRP TYR VAL xPRO";
 }
 
-int readCutoff(const CommandLine &line, ChargeOptions &elInfo)
+int readCutoff(const CommandLine &line, FieldOptions &elInfo)
 {
     const int loc = flagLoc(line.argc, line.argv, "-cut");
     if (loc == 0)

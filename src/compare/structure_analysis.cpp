@@ -69,8 +69,7 @@ void analyzeCharges(const Buffers &buffers, const ChargeSet &placed, Findings &f
     std::printf("REMARK %d charges selected for simulation.\n", placed.chCount);
     const auto count = static_cast<std::size_t>(placed.chCount);
     findings.dipole = dipoleMoment({buffers.xI.span(), buffers.yI.span(), buffers.zI.span(),
-                                    placed.chargeAtomID.first(count), placed.charges.first(count)},
-                                   0);
+                                    placed.chargeAtomID.first(count), placed.charges.first(count)});
     TensorAnalysis &structure = findings.structure;
     if (dipoleFrame(findings.dipole.dipoleVec, structure.eigVec) == 0)
         eigVec2euler(structure.eigVec, structure.euler);
@@ -79,7 +78,7 @@ void analyzeCharges(const Buffers &buffers, const ChargeSet &placed, Findings &f
 int analyzeShape(const PDBInfo &pdbInfo, int yzFlag, Findings &findings)
 {
     Matrix3d inertiaTensor;
-    if (calcInertia(pdbInfo, inertiaTensor) != 0 || !isFinite(inertiaTensor))
+    if (calcInertia(pdbInfo, inertiaTensor, standardMessages()) != Status::ok || !isFinite(inertiaTensor))
         return complain("trelm: error in calcInertia.");
     if (analyzeMatrix3D(inertiaTensor, yzFlag, findings.structure) != 0)
         return complain("trelm: error in analyzeMatrix3D.");
@@ -102,11 +101,13 @@ int findFrames(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, ChargeSet &charges,
     ChargeSet placed = charges;
     placed.chargeAtomID = buffers.chargeAtomID;
     placed.charges = buffers.charges;
-    int atomSelCount = 0;
-    if (chCoorSelect(pdbInfo, trelmInfo, {buffers.xI.span(), buffers.yI.span(), buffers.zI.span()}, placed, 1,
-                     atomSelCount) != 0)
+    SelectedCount selected;
+    if (chCoorSelect(pdbInfo, trelmInfo, {buffers.xI.span(), buffers.yI.span(), buffers.zI.span()}, placed,
+                     selected, standardMessages()) != Status::ok)
         return complain("trelm: error reading selection of atoms.\n");
-    std::printf("REMARK %d atoms selected for simulation.\n", atomSelCount);
+    if (selected.dipole)
+        reportDipole(*selected.dipole, standardMessages());
+    std::printf("REMARK %zu atoms selected for simulation.\n", selected.places);
     if (trelmInfo.elPdbFlag == asCharged) {
         analyzeCharges(buffers, placed, findings);
         charges.chSum = findings.dipole.chSum;

@@ -20,9 +20,9 @@ constexpr double stepDab = 0.2, stepR = 0.02;
 /// What all sets are drawn from.
 struct Pool {
     ResidueCouplings residues;
-    int sCount = 0;               ///< residues of a set
-    std::size_t nDcTypeMax = 0;   ///< the most couplings of one residue
-    std::span<const double> dots; ///< directions of the even distribution
+    int sCount = 0;             ///< residues of a set
+    std::size_t nDcTypeMax = 0; ///< the most couplings of one residue
+    std::vector<double> dots;   ///< directions of the even distribution
     [[nodiscard]] int nRes() const { return static_cast<int>(residues.dcMat.size()); }
 };
 
@@ -86,10 +86,13 @@ Status makePool(const MotionSetup &setup, Pool &pool, Messages &messages)
     const std::int64_t density =
         std::min<std::int64_t>(pool.sCount * static_cast<std::int64_t>(pool.nDcTypeMax), setup.dTab.dCount);
     if (density < 1)
-        messages.err("motionHist: no residue of the window has a coupling.\n");
-    if (density < 1 || do_unsp(static_cast<int>(density), pool.dots) != 0)
-        return messages.fail("motionHist: unsp error occured.\n");
-    messages.out("REMARK %zu simulated couplings (isotropic).\n", pool.dots.size() / 3);
+        messages.err("motionHist: no residue of the window has a coupling.
+");
+    if (density < 1 || !do_unsp(static_cast<int>(density), pool.dots))
+        return messages.fail("motionHist: unsp error occured.
+");
+    messages.out("REMARK %zu simulated couplings (isotropic).
+", pool.dots.size() / 3);
     return Status::ok;
 }
 

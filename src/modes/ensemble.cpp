@@ -20,18 +20,18 @@ namespace {
 
 constexpr int outSetupOnly = 2; ///< outEflag: the run ends once the ensemble is set up
 
-int checkEnsemble(const TrelmInfo &trelmInfo)
+int checkEnsemble(const AlignmentOptions &options)
 {
-    if (trelmInfo.lcType != lcWall && trelmInfo.lcType != lcRod)
+    if (options.lcType != lcWall && options.lcType != lcRod)
         return complain("trelm: -stTrelmGrid knows the models -bic and -pf1 only.\n");
-    return checkSimulation(trelmInfo);
+    return static_cast<int>(checkSimulation(options, standardMessages()));
 }
 
 /// The molecule in its starting position, saved, and written if asked for.
-int orientMolecule(Run &run)
+int orientMolecule(Run &run, const DomainOptions &domains)
 {
     PDBInfo *pdbInfo = &run.pdbInfo[0];
-    if (initOrient(pdbInfo, run.trelmInfo[0]) != 0)
+    if (initOrient(pdbInfo, domains, run.trelmInfo[0].yzFlag, standardMessages()) != Status::ok)
         return complain("matrix: error in initOrient.\n");
     if (storePDBCoords(pdbInfo) != 0)
         return complain("matrix: error in storePDBCoords.\n");
@@ -39,54 +39,61 @@ int orientMolecule(Run &run)
     return options.pRotName.empty() ? 0 : writePDB(options.pRotName, pdbInfo, nullptr, options.remark);
 }
 
-int makeEnsemble(const Run &run, Ensemble &ensemble)
+int makeEnsemble(const Run &run, const DomainOptions &domains, Ensemble &ensemble)
 {
     const RunOptions &options = run.options;
-    const TrelmInfo &trelmInfo = run.trelmInfo[0];
-    const int status =
-        setupEnsemble(trelmInfo, {options.outEName, options.outEAxName, options.inEName}, ensemble);
-    if (status != 0) {
-        complain("matrix: setupEnsemble error occured.\n");
-        return status;
-    }
+    if (setupEnsemble(domains, {options.outEName, options.outEAxName, options.inEName}, ensemble,
+                      standardMessages()) != Status::ok)
+        return complain("matrix: setupEnsemble error occured.\n");
     std::printf("REMARK ENSEMBLE MODE.\n");
-    std::printf("REMARK STERIC CLASH CHECK %s.\n", trelmInfo.clashFlag != 0 ? "ENABLED" : "DISABLED");
+    std::printf("REMARK STERIC CLASH CHECK %s.\n", domains.clashFlag != 0 ? "ENABLED" : "DISABLED");
     std::printf("REMARK %d states in ensemble.\n", ensemble.count);
     return 0;
 }
 
-int averageEnsemble(Run &run, const Ensemble &ensemble, const ChargeSet &charges,
-                    std::span<const double> ddots, Saupe &saupeAve)
+int averageEnsemble(Run &run, const Sample &sample, const Ensemble &ensemble, std::span<const double> ddots,
+                    EnsembleResult &result)
 {
+    const TrelmInfo &trelmInfo = run.trelmInfo[0];
     const RunOptions &options = run.options;
     if (!options.oDcEName.empty())
         std::printf("REMARK Simulated DCs will be appended to %s.\n", options.oDcEName.c_str());
-    const EnsembleSetup setup = {.states = ensemble.used(),
-                                 .charges = charges,
-                                 .dots = ddots,
+    TrelmInfo shown = shownParameters(trelmInfo, sample.geometry);
+    const EnsembleSetup setup = {.simulation = alignmentSetup(run, sample, ddots),
+                                 .domains = sample.domains,
+                                 .states = ensemble.used(),
+                                 .charges = sample.charges,
                                  .sInfo = &run.sInfo,
                                  .remark = options.remark,
                                  .outName = options.flexName,
-                                 .outDcEnsName = options.oDcEName,
-                                 .verbose = run.trelmInfo[0].verbFlag};
-    if (run.trelmInfo[0].elFlag != 0) // once: all states lie in one field
-        checkField(run.trelmInfo[0]);
-    const int status = ensembleAlignment(&run.pdbInfo[0], &run.dTab[0], &run.trelmInfo[0], setup, saupeAve);
-    if (status != 0)
-        complain("matrix: ensembleAlignment error occured.\n");
-    return status;
+                                 .takeCouplings =
+                                     [&](DTable &dTab, std::string_view remark) {
+                                         return writeDCmod(options.oDcEName, "a", &dTab, &shown, remark);
+                                     },
+                                 .yzFlag = trelmInfo.yzFlag,
+                                 .eulerFlag = trelmInfo.eulerFlag,
+                                 .verbose = trelmInfo.verbFlag};
+    if (trelmInfo.elFlag != 0) // once: all states lie in one field
+        checkField(trelmInfo, standardMessages());
+    if (ensembleAlignment(&run.pdbInfo[0], &run.dTab[0], setup, result) != Status::ok)
+        return complain("matrix: ensembleAlignment error occured.\n");
+    return 0;
 }
 
 /// The report of the averages, on the standard error stream and at the head of the coupling table.
-int reportAverage(Run &run, const Saupe &saupe, const TensorAnalysis &average)
+int reportAverage(Run &run, const SampleGeometry &geometry, const EnsembleResult &average,
+                  const TensorAnalysis &analysis)
 {
-    TrelmInfo &trelmInfo = run.trelmInfo[0];
+    TrelmInfo trelmInfo = shownParameters(run.trelmInfo[0], geometry);
     DTable &dTab = run.dTab[0];
+    const auto rows = dTab.calculated();
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        rows[i].d = average.couplings[i];
     std::string result, block;
     if (writeTrelm(trelmInfo, result) != 0)
         return complain("trelm: error in writeTrelm.\n");
     // The irreducible representation of an average of states is not reported: it stands as zero.
-    TensorAnalysis shown = average;
+    TensorAnalysis shown = analysis;
     shown.irrSaupe = {};
     shown.gMag = 0.0;
     writeEulerInfo(shown, block, trelmInfo.eulerFlag);
@@ -94,7 +101,7 @@ int reportAverage(Run &run, const Saupe &saupe, const TensorAnalysis &average)
     if (statDC(dTab, block, standardMessages()) != Status::ok)
         return complain("Matrix: error in statDC.\n");
     result += block;
-    appendSaupeLines(saupe, average, result);
+    appendSaupeLines(average.saupe, analysis, result);
     std::fputs(result.c_str(), stderr);
     return writeDCmod(run.options.aveName, "w", &dTab, &trelmInfo, result);
 }
@@ -104,12 +111,12 @@ int reportAverage(Run &run, const Saupe &saupe, const TensorAnalysis &average)
 int simulateEnsemble(Run &run)
 {
     const TrelmInfo &trelmInfo = run.trelmInfo[0];
-    ChargeSet charges;
+    Sample sample;
     if (checkEnsemble(trelmInfo) != 0)
         return 1;
     if (!run.options.potName.empty())
         complain("trelm: -stTrelmGrid reads no potential: -pot is not used.\n");
-    int status = setUp(run, charges);
+    int status = setUp(run, sample);
     if (status != 0)
         return status;
     Ensemble ensemble;
@@ -117,19 +124,19 @@ int simulateEnsemble(Run &run)
     if (!ensemble.states)
         return complain("Error allocating grid buffers.\n");
     std::span<const double> ddots;
-    if (makeDots(run, ddots) != 0 || orientMolecule(run) != 0)
+    if (makeDots(run, ddots) != 0 || orientMolecule(run, sample.domains) != 0)
         return 1;
-    status = makeEnsemble(run, ensemble);
-    if (status != 0 || trelmInfo.outEflag == outSetupOnly)
+    status = makeEnsemble(run, sample.domains, ensemble);
+    if (status != 0 || sample.domains.outEflag == outSetupOnly)
         return status;
-    Saupe saupeAve = {};
-    status = averageEnsemble(run, ensemble, charges, ddots, saupeAve);
+    EnsembleResult result;
+    status = averageEnsemble(run, sample, ensemble, ddots, result);
     if (status != 0)
         return status;
     TensorAnalysis average;
-    if (analyzeSaupe(saupeAve, trelmInfo.yzFlag, trelmInfo.eulerFlag, average) != 0)
+    if (analyzeSaupe(result.saupe, trelmInfo.yzFlag, trelmInfo.eulerFlag, average) != 0)
         return complain("Matrix: error in analyzeSaupe.\n");
-    return trelmInfo.validCountD == 0 ? 0 : reportAverage(run, saupeAve, average);
+    return trelmInfo.validCountD == 0 ? 0 : reportAverage(run, sample.geometry, result, average);
 }
 
 } // namespace trelm

@@ -1,6 +1,8 @@
 #include "modes/inputs.h"
 
 #include "couplings/table_input.h"
+#include "simulation/charges/charges.h"
+#include "simulation/orientations/sphere.h"
 #include "support/text/match.h"
 #include "support/text/text.h"
 

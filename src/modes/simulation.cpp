@@ -38,10 +38,34 @@ void listCharges(const PDBInfo &pdbInfo, const ChargeSet &charges)
     std::fputs("\n\n", stderr);
 }
 
-/// From the simulated order matrix to couplings and report. `analysis` gets the tensor with its own sign.
-int finishAlignment(Run &run, Saupe saupe, TensorAnalysis &analysis)
+/// One block of the order matrix. The three blocks show the same magnitude, that of the sum.
+void printSaupe(const char *name, double gMag, const Saupe &saupe, const char *gap)
 {
-    TrelmInfo &trelmInfo = run.trelmInfo[0];
+    std::printf("%s  gMag %e\n", name, gMag);
+    for (const double element : saupe)
+        std::printf("%e%s", element, gap);
+    std::printf("\n");
+}
+
+void printPrediction(const Prediction &prediction)
+{
+    printSaupe("SaupeSteric", prediction.gMag, prediction.steric, "  ");
+    printSaupe("SaupeEl", prediction.gMag, prediction.electrostatic, " ");
+    printSaupe("SaupeSum", prediction.gMag, prediction.sum, "  ");
+}
+
+/// What is simulated.
+struct Solute {
+    Sample sample; ///< its charges by their places in `atoms`
+    CoordinateBuffers atoms;
+    std::span<const double> ddots;
+    std::vector<int> marks; ///< the selection of the run, which a surface uses up
+};
+
+/// From the simulated order matrix to couplings and report. `analysis` gets the tensor with its own sign.
+int finishAlignment(Run &run, const Solute &solute, Saupe saupe, TensorAnalysis &analysis)
+{
+    const TrelmInfo &trelmInfo = run.trelmInfo[0];
     DTable &dTab = run.dTab[0];
     // What survives beside the obstacle averages to the opposite sign.
     for (double &element : saupe)
@@ -54,16 +78,9 @@ int finishAlignment(Run &run, Saupe saupe, TensorAnalysis &analysis)
     std::ranges::transform(saupe, target.begin(), [](double element) { return static_cast<float>(element); });
     if (trelmInfo.validCountD != 0 && fitD(&run.pdbInfo[0], &dTab, trelmInfo.verbFlag) < 0)
         return 1;
-    return writeDCmod(run.options.outDName, "w", &dTab, &trelmInfo, "");
+    TrelmInfo shown = shownParameters(trelmInfo, solute.sample.geometry);
+    return writeDCmod(run.options.outDName, "w", &dTab, &shown, "");
 }
-
-/// What is simulated.
-struct Solute {
-    ChargeSet charges; ///< by their places in `atoms`
-    CoordinateBuffers atoms;
-    std::span<const double> ddots;
-    std::vector<int> marks; ///< the selection of the run, which a surface uses up
-};
 
 /// The charges by their atoms in the molecule, as many as the simulation had.
 ChargeSet originalCharges(Run &run, ChargeSet charges)
@@ -76,22 +93,22 @@ ChargeSet originalCharges(Run &run, ChargeSet charges)
 /// Everything before the simulation itself. `complaint` is said if there is no selection of atoms.
 int chooseSolute(Run &run, const char *complaint, Solute &solute)
 {
-    int status = setUp(run, solute.charges);
+    int status = setUp(run, solute.sample);
     if (status == 0)
         status = makeDots(run, solute.ddots);
     if (status != 0)
         return status;
     solute.marks = selectionMarks(run.pdbInfo[0]);
     const CoordinateBuffers places = {run.xI.span(), run.yI.span(), run.zI.span()};
-    int atomSelCount = 0;
-    status = chCoorSelect(&run.pdbInfo[0], run.trelmInfo[0], places, solute.charges, 1, atomSelCount);
-    if (status != 0) {
-        std::fputs(complaint, stderr);
-        return status;
-    }
-    std::printf("REMARK %d atoms selected for simulation.\n", atomSelCount);
-    std::printf("REMARK %d charges selected for simulation.\n", solute.charges.chCount);
-    const auto count = static_cast<std::size_t>(atomSelCount);
+    SelectedCount selected;
+    if (chCoorSelect(&run.pdbInfo[0], run.trelmInfo[0], places, solute.sample.charges, selected,
+                     standardMessages()) != Status::ok)
+        return complain("%s", complaint);
+    if (selected.dipole)
+        reportDipole(*selected.dipole, standardMessages());
+    const std::size_t count = selected.places;
+    std::printf("REMARK %zu atoms selected for simulation.\n", count);
+    std::printf("REMARK %d charges selected for simulation.\n", solute.sample.charges.chCount);
     solute.atoms = {places.x.first(count), places.y.first(count), places.z.first(count)};
     return 0;
 }
@@ -99,16 +116,14 @@ int chooseSolute(Run &run, const char *complaint, Solute &solute)
 /// Simulates, and finishes what the modes share.
 int alignSolute(Run &run, const Solute &solute, AlignmentFields &fields, TensorAnalysis &analysis)
 {
-    Saupe saupe = {};
+    Prediction prediction;
     if (run.trelmInfo[0].elFlag != 0 && run.trelmInfo[0].lcType != lcGrid)
-        checkField(run.trelmInfo[0]);
-    const int status =
-        simulateAlignment(run.trelmInfo[0], solute.atoms, solute.ddots, solute.charges, fields, saupe);
-    if (status != 0) {
-        complain("Matrix: Error simulating alignment.\n");
-        return status;
-    }
-    return finishAlignment(run, saupe, analysis);
+        checkField(run.trelmInfo[0], standardMessages());
+    if (simulateAlignment(alignmentSetup(run, solute.sample, solute.ddots), solute.atoms,
+                          solute.sample.charges, fields, prediction) != Status::ok)
+        return complain("Matrix: Error simulating alignment.\n");
+    printPrediction(prediction);
+    return finishAlignment(run, solute, prediction.sum, analysis);
 }
 
 void reportGridFile(const Run &run, int digPotential)
@@ -125,7 +140,8 @@ int readStericGrid(const Run &run)
 {
     Block<float> pot3Dst;
     int digPotential = 0;
-    if (read3DPotSteric(run.options.pot3DName, run.trelmInfo[0], pot3Dst, digPotential) != 0)
+    if (read3DPotSteric(run.options.pot3DName, run.trelmInfo[0], pot3Dst, digPotential, standardMessages()) !=
+        Status::ok)
         return complain("ERROR: Reading of 3D potential not successful.\n");
     reportGridFile(run, digPotential);
     return 0;
@@ -146,35 +162,30 @@ int alignBesideParticle(Run &run, const Solute &solute)
     const RunOptions &options = run.options;
     AlignmentFields fields;
     Potential &potential = fields.potential;
-    int status = readPotential(options.potName, potential);
-    if (status != 0) {
-        complain("ERROR Reading of 1D potential not successful.\n");
-        return status;
-    }
+    if (readPotential(options.potName, potential, standardMessages()) != Status::ok)
+        return complain("ERROR Reading of 1D potential not successful.\n");
     if (!options.potName.empty())
         complain("REMARK 1D Potential %s, Digitization %d, Offset %.1f, Stepsize %.1f [A].\n",
                  options.potName.c_str(), potential.count, potential.offset, potential.stepsize);
     TensorAnalysis analysis;
-    status = alignSolute(run, solute, fields, analysis);
+    const int status = alignSolute(run, solute, fields, analysis);
     if (status != 0)
         return status;
     restoreMarks(&run.pdbInfo[0], solute.marks);
-    status = iFacePDB(analysis.euler, &run.pdbInfo[0], run.trelmInfo[0], {options.pRotName, options.remark},
-                      potential, originalCharges(run, solute.charges));
-    if (status != 0)
-        complain("trelm: error in iFacePDB.\n");
-    return status;
+    if (iFacePDB(analysis.euler, &run.pdbInfo[0], run.trelmInfo[0],
+                 {options.pRotName, options.remark, standardMessages()}, potential,
+                 originalCharges(run, solute.sample.charges)) != Status::ok)
+        return complain("trelm: error in iFacePDB.\n");
+    return 0;
 }
 
 int alignInGrid(Run &run, const Solute &solute)
 {
     AlignmentFields fields;
     int digPotential = 0;
-    const int status = read3DPotential(run.options.pot3DName, run.trelmInfo[0], fields.pot3D, digPotential);
-    if (status != 0) {
-        complain("ERROR: Reading of 3D potential not successful.\n");
-        return status;
-    }
+    if (read3DPotential(run.options.pot3DName, run.trelmInfo[0], fields.pot3D, digPotential,
+                        standardMessages()) != Status::ok)
+        return complain("ERROR: Reading of 3D potential not successful.\n");
     reportGridFile(run, digPotential);
     TensorAnalysis analysis;
     return alignSolute(run, solute, fields, analysis);
@@ -182,34 +193,48 @@ int alignInGrid(Run &run, const Solute &solute)
 
 } // namespace
 
-int setUp(Run &run, ChargeSet &charges)
+int setUp(Run &run, Sample &sample)
 {
-    TrelmInfo &trelmInfo = run.trelmInfo[0];
+    const TrelmInfo &trelmInfo = run.trelmInfo[0];
+    ChargeSet &charges = sample.charges;
     const RunOptions &options = run.options;
-    if (checkSample(trelmInfo) != 0)
+    if (checkSample(trelmInfo, standardMessages()) != Status::ok)
         return 1;
-    if (readConfig(options.inpName, trelmInfo) != 0)
+    if (readConfig(options.inpName, sample.domains, standardMessages()) != Status::ok)
         return complain("Error reading configuration file %s\n", options.inpName.c_str());
     charges.chargeAtomID = run.chargeAtomID.span();
     charges.charges = run.charges.span();
-    const int status = chargeSetup(options.pkaName, &run.pdbInfo[0], trelmInfo, charges, options.outPkaName);
-    if (status != 0) {
-        complain("WARNING: Error setting up charges!\n");
-        return status;
-    }
+    if (chargeSetup(options.pkaName, run.pdbInfo[0], trelmInfo, charges, options.outPkaName,
+                    standardMessages()) != Status::ok)
+        return complain("WARNING: Error setting up charges!\n");
     std::ranges::copy(charges.chargeAtomID, run.chargeAtomIDOrig.data());
     std::ranges::copy(charges.charges, run.chargesOrig.data());
     std::printf("REMARK %d charges placed, Total charge %.3f [e].\n", charges.chCount,
                 static_cast<double>(charges.chSum));
     if (trelmInfo.elFlag != 0 && trelmInfo.chFlag != 0)
         listCharges(run.pdbInfo[0], charges);
-    return refine_bicelle(&trelmInfo);
+    sample.geometry = refine_bicelle(trelmInfo);
+    return 0;
+}
+
+TrelmInfo shownParameters(const TrelmInfo &trelmInfo, const SampleGeometry &geometry)
+{
+    TrelmInfo shown = trelmInfo;
+    shown.molarRatio = geometry.molarRatio;
+    shown.lengthModel = geometry.lengthModel;
+    shown.orderDiscRim = geometry.orderDiscRim;
+    return shown;
+}
+
+AlignmentSetup alignmentSetup(const Run &run, const Sample &sample, std::span<const double> dots)
+{
+    return {run.trelmInfo[0], standardMessages(), static_cast<double>(sample.geometry.rSingleCell), dots};
 }
 
 int makeDots(Run &run, std::span<const double> &ddots)
 {
-    std::span<const double> dots;
-    if (do_unsp(run.trelmInfo[0].densityNSC, dots) != 0 ||
+    std::vector<double> dots;
+    if (!do_unsp(run.trelmInfo[0].densityNSC, dots) ||
         dots.size() > run.ddots.span().size()) // checkSimulation has bounded them
         return complain("Matrix: unsp error occured.\n");
     std::ranges::copy(dots, run.ddots.data());
@@ -219,11 +244,11 @@ int makeDots(Run &run, std::span<const double> &ddots)
 
 int simulateSteric(Run &run)
 {
-    TrelmInfo &trelmInfo = run.trelmInfo[0];
+    const TrelmInfo &trelmInfo = run.trelmInfo[0];
     const bool inGrid = trelmInfo.lcType == lcGrid;
     if (inGrid && trelmInfo.elFlag != 0)
         return complain("trelm: -stTrelm -3D knows no charges: see -elTrelm.\n");
-    if (checkSimulation(trelmInfo) != 0)
+    if (checkSimulation(trelmInfo, standardMessages()) != Status::ok)
         return 1;
     Solute solute;
     int status = chooseSolute(run, "trelm: error reading selection of atoms.\n", solute);
@@ -239,7 +264,7 @@ int simulateSteric(Run &run)
 
 int simulateElectrostatic(Run &run)
 {
-    if (checkSimulation(run.trelmInfo[0]) != 0)
+    if (checkSimulation(run.trelmInfo[0], standardMessages()) != Status::ok)
         return 1;
     Solute solute;
     const int status = chooseSolute(run, "Matrix: Error reading selection of atoms.\n", solute);
@@ -250,12 +275,20 @@ int simulateElectrostatic(Run &run)
 
 int simulateFree(Run &run)
 {
-    TrelmInfo &trelmInfo = run.trelmInfo[0];
+    const TrelmInfo &trelmInfo = run.trelmInfo[0];
     if (trelmInfo.lcType != lcWall && trelmInfo.lcType != lcRod)
         return complain("trelm: -stTrelmFree knows the models -bic and -pf1 only.\n");
-    if (checkSample(trelmInfo) != 0 || checkSimulation(trelmInfo) != 0)
+    if (checkSample(trelmInfo, standardMessages()) != Status::ok ||
+        checkSimulation(trelmInfo, standardMessages()) != Status::ok)
         return 1;
-    const int status = ssiaFree(&trelmInfo, run.options.pdbFName, run.options.outAName, &run.dTab[0]);
+    Saupe saupe = {};
+    int status = static_cast<int>(ssiaFree(trelmInfo, run.options.pdbFName, saupe, standardMessages()));
+    if (status == 0) {
+        std::ranges::transform(saupe, run.dTab[0].dTensor.saupe.begin(),
+                               [](double element) { return static_cast<float>(element); });
+        TrelmInfo shown = shownParameters(trelmInfo, refine_bicelle(trelmInfo));
+        status = writeDCmod(run.options.outAName, "w", &run.dTab[0], &shown, "");
+    }
     if (status != 0)
         complain("matrix: error in ssiaFree.\n");
     return status;
@@ -263,19 +296,20 @@ int simulateFree(Run &run)
 
 int setUpCharges(Run &run)
 {
-    ChargeSet charges;
-    return setUp(run, charges);
+    Sample sample;
+    return setUp(run, sample);
 }
 
 int analyzeStructure(Run &run)
 {
-    ChargeSet charges;
-    int status = setUp(run, charges);
+    Sample sample;
+    int status = setUp(run, sample);
     if (status != 0)
         return status;
     const RunOptions &options = run.options;
-    status = analyzePDB(&run.pdbInfo[0], &run.sInfo, run.trelmInfo[0], charges, options.userSaupe1,
-                        {options.pRotName, options.outPName, options.remark});
+    status =
+        analyzePDB(&run.pdbInfo[0], &run.sInfo, shownParameters(run.trelmInfo[0], sample.geometry),
+                   sample.charges, options.userSaupe1, {options.pRotName, options.outPName, options.remark});
     if (status != 0)
         complain("trelm: error in analysis of PDB.\n");
     return status;

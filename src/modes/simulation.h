@@ -1,18 +1,32 @@
-// The roads that read configuration and charges and then simulate.
+// The modes that place charges and then simulate.
 #pragma once
 
 #include "modes/run.h"
+#include "simulation/alignment/alignment.h"
 #include "simulation/charges/charges.h"
+#include "simulation/domains/options.h"
 
 #include <span>
 
 namespace trelm {
 
-/// Configuration, charges and geometry of the sample, for every road. Returns 0, or a status after a message.
-int setUp(Run &run, ChargeSet &charges);
+/// What every simulation finds out before it begins.
+struct Sample {
+    DomainOptions domains; ///< of the configuration file
+    ChargeSet charges;     ///< in the buffers of the run
+    SampleGeometry geometry;
+};
 
-/// The orientation points of a run, in its own buffer: the generator makes other sets later. Returns 0, or 1
-/// after a message.
+/// Returns 0, or a status after a message.
+int setUp(Run &run, Sample &sample);
+
+/// The parameters as reports show them: with the geometry of the sample.
+TrelmInfo shownParameters(const TrelmInfo &trelmInfo, const SampleGeometry &geometry);
+
+/// What the simulations of a run share. `dots` of makeDots.
+AlignmentSetup alignmentSetup(const Run &run, const Sample &sample, std::span<const double> dots);
+
+/// The orientation points of a run, in its own buffer. Returns 0, or 1 after a message.
 int makeDots(Run &run, std::span<const double> &ddots);
 
 /// Steric simulation of a structure, with its couplings calculated back if a table is given.

@@ -74,11 +74,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     setAlloc(0); // a debug level would trace all later inputs
     if (status == 0) {
         checkRecords(run);
-        static_cast<void>(checkSample(run.trelmInfo[0]));
-        static_cast<void>(checkSimulation(run.trelmInfo[0]));
+        static_cast<void>(checkSample(run.trelmInfo[0], standardMessages()));
+        static_cast<void>(checkSimulation(run.trelmInfo[0], standardMessages()));
         std::size_t points = 0;
-        static_cast<void>(gridPoints(run.trelmInfo[0], points));
-        refine_bicelle(&run.trelmInfo[0]);
+        static_cast<void>(gridPoints(run.trelmInfo[0], points, standardMessages()));
+        static_cast<void>(refine_bicelle(run.trelmInfo[0]));
     }
     require(endRun(run, status) == status, "a run ends with the status it is given");
     return 0;

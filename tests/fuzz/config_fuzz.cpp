@@ -11,7 +11,7 @@ using fuzz::require;
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     DomainOptions options;
-    static_cast<void>(readConfig(fuzz::fileOf(fuzz::asText(data, size)), options));
+    static_cast<void>(readConfig(fuzz::fileOf(fuzz::asText(data, size)), options, standardMessages()));
     for (const float value : {options.angleDom[0], options.angleDom[1], options.angleDom[2],
                               options.lBetaCone, options.hBetaCone, options.errAlphaCone, options.clashDist})
         require(std::isfinite(value), "numbers of a configuration are finite");

@@ -18,12 +18,12 @@ struct Charges {
     ChargeSet set{.chargeAtomID = atoms, .charges = values};
 };
 
-TrelmInfo electrostaticRun(float pH)
+ChargeOptions electrostaticRun(float pH)
 {
-    TrelmInfo trelmInfo;
-    trelmInfo.elFlag = 1;
-    trelmInfo.pH = pH;
-    return trelmInfo;
+    ChargeOptions options;
+    options.elFlag = 1;
+    options.pH = pH;
+    return options;
 }
 
 void checkCharges(const ChargeSet &set)
@@ -42,18 +42,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
 {
     PDBInfo &molecule = fuzz::smallMolecule();
     const std::string name = fuzz::fileOf(fuzz::asText(data, size));
-    const TrelmInfo trelmInfo = electrostaticRun(5.0f);
+    const ChargeOptions options = electrostaticRun(5.0f);
     Charges first;
-    if (chargeSetup(name, &molecule, trelmInfo, first.set, "/dev/null") != 0)
+    if (chargeSetup(name, molecule, options, first.set, "/dev/null", standardMessages()) != Status::ok)
         return 0;
     checkCharges(first.set);
 
     ChargeLines lines, again;
-    ResidueRange range;
     Charges second, third;
-    require(readChargeFile(name, molecule, trelmInfo.pH, second.set, lines, range) == 0,
+    require(readChargeFile(name, molecule, options.pH, second.set, lines, standardMessages()) == Status::ok,
             "a file is read twice");
-    require(readChargeFile(fuzz::fileOf(lines.text), molecule, trelmInfo.pH, third.set, again, range) == 0,
+    require(readChargeFile(fuzz::fileOf(lines.text), molecule, options.pH, third.set, again,
+                           standardMessages()) == Status::ok,
             "what is written can be read");
     require(again.text == lines.text, "what is read again is written alike");
     return 0;

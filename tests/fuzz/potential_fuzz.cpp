@@ -14,7 +14,7 @@ using fuzz::require;
 void checkTable(const std::string &name)
 {
     Potential potential;
-    if (readPotential(name, potential) != 0)
+    if (readPotential(name, potential, standardMessages()) != Status::ok)
         return;
     require(potential.count < maxPotentialLines, "a table is below the limit");
     const std::size_t steps = makeRodEnergy(potential, 1.0, {}).steps.size();
@@ -24,23 +24,23 @@ void checkTable(const std::string &name)
 
 void checkGrid(const std::string &name)
 {
-    TrelmInfo trelmInfo;
-    trelmInfo.grid3DnX = trelmInfo.grid3DnY = 2;
-    trelmInfo.grid3DnZ = 3;
-    trelmInfo.z1 = 1;
-    trelmInfo.zN = 3;
+    Grid3DOptions options;
+    options.grid3DnX = options.grid3DnY = 2;
+    options.grid3DnZ = 3;
+    options.z1 = 1;
+    options.zN = 3;
     constexpr int points = 12;
     Block<double> weighted;
     Block<float> steric;
     int read = 0, readSteric = 0;
-    const int status = read3DPotential(name, trelmInfo, weighted, read);
-    require(read3DPotSteric(name, trelmInfo, steric, readSteric) == status,
+    const Status status = read3DPotential(name, options, weighted, read, standardMessages());
+    require(read3DPotSteric(name, options, steric, readSteric, standardMessages()) == status,
             "both readers of a grid take the same files");
-    if (status != 0)
+    if (status != Status::ok)
         return;
     require(read == points && readSteric == points, "a grid has a value for each point");
     for (std::size_t i = 0; i < points; ++i) {
-        const float within = std::fabs(weighted[i]) < static_cast<double>(trelmInfo.maxPot) ? 1.0f : 0.0f;
+        const float within = std::fabs(weighted[i]) < static_cast<double>(options.maxPot) ? 1.0f : 0.0f;
         require(steric[i] == within, "both readers see the same values");
     }
 }

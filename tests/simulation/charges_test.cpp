@@ -43,11 +43,11 @@ Placed place(PDBInfo &pdbInfo, const ChargeOptions &elInfo, const std::string &i
     std::vector<int> atoms(maxCharges + 1);
     std::vector<float> charges(maxCharges + 1);
     ChargeSet set{atoms, charges};
-    TrelmInfo trelmInfo;
-    static_cast<ChargeOptions &>(trelmInfo) = elInfo;
     Placed placed;
-    placed.messages =
-        said([&] { placed.status = chargeSetup(inName, &pdbInfo, trelmInfo, set, outName); }).err;
+    placed.messages = said([&] {
+                          placed.status = static_cast<int>(
+                              chargeSetup(inName, pdbInfo, elInfo, set, outName, standardMessages()));
+                      }).err;
     placed.sum = set.chSum;
     for (std::size_t i = 0; i < static_cast<std::size_t>(set.chCount); ++i)
         placed.charges.emplace_back(atoms[i], charges[i]);

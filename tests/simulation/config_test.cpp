@@ -15,14 +15,17 @@ namespace {
 struct Read {
     int status = 0;
     std::string messages;
-    TrelmInfo trelmInfo;
+    DomainOptions options;
 };
 
 Read readLines(const std::string &text)
 {
     const TempFile file(text);
     Read read;
-    read.messages = said([&] { read.status = readConfig(file.name, read.trelmInfo); }).err;
+    read.messages = said([&] {
+                        read.status =
+                            static_cast<int>(readConfig(file.name, read.options, standardMessages()));
+                    }).err;
     return read;
 }
 
@@ -38,7 +41,7 @@ TEST(Config, EachKeySetsItsField)
                                 "BETA_L: 20.5\nBETA_H: 21.5\nALPHA_CENTER: 22.5\nALPHA_WIDTH: 23.5\n"
                                 "START_RES_ANGLE_1: 24\nEND_RES_ANGLE_1: 25\nSTART_RES_ANGLE_2: 26\n"
                                 "END_RES_ANGLE_2: -27.9\n");
-    const DomainOptions &g = read.trelmInfo;
+    const DomainOptions &g = read.options;
     EXPECT_EQ(read.messages, "");
     EXPECT_THAT((std::array{g.pivotCenter, g.outEflag, g.initOrientFlag, g.fixRotDomain, g.clashFlag, g.densE,
                             g.digPsiE, g.angleDomFlag, g.resDom1Origin, g.resDom2Origin, g.startResDom1,
@@ -52,10 +55,10 @@ TEST(Config, EachKeySetsItsField)
 
 TEST(Config, LaterOfThirdAngleAndOriginWins)
 {
-    const DomainOptions angle = readLines("ORIGIN_DOM1: 7\nDOM_ANG_GAMMA: 30\n").trelmInfo;
+    const DomainOptions angle = readLines("ORIGIN_DOM1: 7\nDOM_ANG_GAMMA: 30\n").options;
     EXPECT_EQ(angle.angleDom[2], 30.0f);
     EXPECT_EQ(angle.resDom1Origin, 0);
-    const DomainOptions origin = readLines("DOM_ANG_GAMMA: 30\nORIGIN_DOM1: 7\n").trelmInfo;
+    const DomainOptions origin = readLines("DOM_ANG_GAMMA: 30\nORIGIN_DOM1: 7\n").options;
     EXPECT_EQ(origin.angleDom[2], 0.0f);
     EXPECT_EQ(origin.resDom1Origin, 7);
 }
@@ -92,7 +95,7 @@ TEST(Config, LinesAreReadOrRefused)
         SCOPED_TRACE(c.why);
         const Read read = readLines(c.text);
         EXPECT_EQ(read.status, c.status);
-        EXPECT_EQ(read.trelmInfo.densE, c.densE);
+        EXPECT_EQ(read.options.densE, c.densE);
         EXPECT_EQ(read.messages, c.messages);
     }
 }
@@ -101,8 +104,8 @@ TEST(Config, MissingFileIsToldAndNoNameIsNone)
 {
     Read read;
     const Said messages = said([&] {
-        EXPECT_EQ(readConfig("", read.trelmInfo), 0);
-        EXPECT_EQ(readConfig("none.inp", read.trelmInfo), 1);
+        EXPECT_EQ(readConfig("", read.options, standardMessages()), Status::ok);
+        EXPECT_EQ(readConfig("none.inp", read.options, standardMessages()), Status::failed);
     });
     EXPECT_EQ(messages.err, "readConfig File open error: none.inp.\n");
 }

@@ -41,16 +41,19 @@ struct Molecule {
     }
     [[nodiscard]] Coordinates view() const { return {x, y, z}; }
     ChargeSet charges() { return placed.set(); }
-    [[nodiscard]] SmaSetup setup() const { return {size, 0.0}; }
+    [[nodiscard]] AlignmentSetup setup(const AlignmentOptions &options) const
+    {
+        return {options, standardMessages(), 120.0, dots};
+    }
+    [[nodiscard]] SmaSetup sizes() const { return {size, 0.0}; }
 };
 
-TrelmInfo infoFor(int lcType, double cutoffPot)
+AlignmentOptions infoFor(int lcType, double cutoffPot)
 {
-    TrelmInfo info;
+    AlignmentOptions info;
     info.lcType = lcType;
     info.elFlag = 1;
     info.cutoffPot = cutoffPot;
-    info.rSingleCell = 120.0f;
     info.gridSpacing = 0.5f;
     info.digPsiNSC = 6;
     return info;
@@ -69,12 +72,13 @@ Potential makeTable(int count, double first)
 }
 
 /// sma and what it says.
-Said smaSays(const TrelmInfo &info, Molecule &molecule, Potential &potential, Saupe &saupe, int expected = 0)
+Said smaSays(const AlignmentOptions &info, Molecule &molecule, Potential &potential, Saupe &saupe,
+             Status expected = Status::ok)
 {
     return said([&] {
-        EXPECT_EQ(
-            sma(info, molecule.view(), molecule.dots, molecule.setup(), molecule.charges(), potential, saupe),
-            expected);
+        EXPECT_EQ(sma(molecule.setup(info), molecule.view(), molecule.sizes(), molecule.charges(), potential,
+                      saupe),
+                  expected);
     });
 }
 
@@ -108,14 +112,14 @@ TEST(Weighted, FastIsPlain)
     for (const Case &c : cases) {
         SCOPED_TRACE(testing::Message() << "model " << c.lcType << ", cutoff " << c.cutoffPot);
         Molecule molecule(seed++, 120, c.charges, 18.0);
-        TrelmInfo info = infoFor(c.lcType, c.cutoffPot);
+        AlignmentOptions info = infoFor(c.lcType, c.cutoffPot);
         info.radiusAtom = c.radiusAtom;
         info.chDensSurf = c.chDensSurf;
         info.concNaCl = c.concNaCl;
         Potential potential = makeTable(40, -0.8);
         Saupe fast = {}, plain = {};
         smaSays(info, molecule, potential, fast);
-        smaPlain(info, molecule.view(), molecule.dots, molecule.setup(), molecule.charges(), potential,
+        smaPlain(molecule.setup(info), molecule.view(), molecule.sizes(), molecule.charges(), potential,
                  plain);
         // The weights of a rod are summed in single precision: a rounding there is 6e-8.
         expectSame(fast, plain, c.lcType == lcWall ? 1e-9 : 3e-7);
@@ -126,7 +130,7 @@ TEST(Weighted, SignsOfChargesAndSurfaceCancel)
 {
     for (const int lcType : {lcWall, lcRod}) {
         Molecule molecule(11, 60, 12, 15.0);
-        TrelmInfo info = infoFor(lcType, 40.0);
+        AlignmentOptions info = infoFor(lcType, 40.0);
         Potential potential = makeTable(60, -0.6), opposite = makeTable(60, 0.6);
         Saupe one = {}, other = {};
         smaSays(info, molecule, potential, one);
@@ -145,7 +149,7 @@ TEST(Weighted, SignsOfChargesAndSurfaceCancel)
 TEST(Weighted, ChargesBeyondTheTableFeelNothingAndAreTold)
 {
     Molecule molecule(3, 60, 10, 15.0);
-    const TrelmInfo info = infoFor(lcRod, 1e-4);
+    const AlignmentOptions info = infoFor(lcRod, 1e-4);
     Potential full = makeTable(400, -0.5), none = makeTable(2, 0.0);
     Saupe saupe = {}, withoutTable = {};
     EXPECT_EQ(smaSays(info, molecule, full, saupe).err.find("beyond"), std::string::npos);
@@ -163,7 +167,7 @@ TEST(Weighted, ChargesBeyondTheTableFeelNothingAndAreTold)
 TEST(Weighted, TableIsDividedByItsScaleEachTime)
 {
     Molecule molecule(3, 20, 2, 10.0);
-    TrelmInfo info = infoFor(lcRod, 1e-2);
+    AlignmentOptions info = infoFor(lcRod, 1e-2);
     info.kPot = 3.0f;
     Potential potential = makeTable(100, 1.0);
     Saupe saupe = {};
@@ -174,21 +178,21 @@ TEST(Weighted, TableIsDividedByItsScaleEachTime)
 
 TEST(Weighted, FieldThatIsNoNumberMattersToChargesAlone)
 {
-    TrelmInfo info = infoFor(lcWall, 6e-6);
+    AlignmentOptions info = infoFor(lcWall, 6e-6);
     info.temperaturePot = -1.0f;
     for (const int charges : {0, 2}) {
         Molecule molecule(3, 20, charges, 10.0);
         Potential none;
         Saupe saupe = {};
-        smaSays(info, molecule, none, saupe, charges > 0 ? 1 : 0);
+        smaSays(info, molecule, none, saupe, charges > 0 ? Status::failed : Status::ok);
     }
 }
 
 // ---- grids ----
 
-TrelmInfo gridInfo(int nX, int nY, int nZ, int z1, int zN, float spacing)
+AlignmentOptions gridInfo(int nX, int nY, int nZ, int z1, int zN, float spacing)
 {
-    TrelmInfo info = infoFor(lcGrid, 6e-6);
+    AlignmentOptions info = infoFor(lcGrid, 6e-6);
     info.grid3DnX = nX;
     info.grid3DnY = nY;
     info.grid3DnZ = nZ;
@@ -255,7 +259,7 @@ TEST(Grid, FastIsPlain)
     for (const Case &c : cases) {
         SCOPED_TRACE(testing::Message() << c.nX << " by " << c.nY << " by " << c.nZ);
         Molecule molecule(seed++, 25, 8, c.size, 6);
-        TrelmInfo info = gridInfo(c.nX, c.nY, c.nZ, c.z1, c.zN, c.spacing);
+        AlignmentOptions info = gridInfo(c.nX, c.nY, c.nZ, c.z1, c.zN, c.spacing);
         info.maxPot = c.maxPot;
         const Grid3D grid = makeGrid3D(info);
         std::vector<double> pot3D = obstacle(grid, c.obstacle);
@@ -274,12 +278,13 @@ TEST(Grid, FastIsPlain)
 TEST(Grid, NothingInItGivesNoAlignment)
 {
     Molecule molecule(5, 20, 4, 4.0);
-    TrelmInfo info = gridInfo(16, 16, 16, 1, 16, 3.0f); // wider than a cell: no free rest
+    AlignmentOptions info = gridInfo(16, 16, 16, 1, 16, 3.0f); // wider than a cell: no free rest
     std::vector<double> pot3D(16 * 16 * 16, 0.0);
     Saupe saupe = {};
     const auto simulate = [&] {
         said([&] {
-            EXPECT_EQ(sma3D(info, molecule.view(), molecule.dots, molecule.charges(), pot3D, saupe), 0);
+            EXPECT_EQ(sma3D(molecule.setup(info), molecule.view(), molecule.charges(), pot3D, saupe),
+                      Status::ok);
         });
         return std::ranges::max(saupe, {}, [](double element) { return std::fabs(element); });
     };
@@ -302,13 +307,13 @@ TEST(PotentialFile, TableInNanometres)
 {
     const TempFile file("0.5 -2.0 more\n 0.7\t-1.5e0x\n0.9-1.0\n0.95 -0.5\n");
     Potential potential;
-    ASSERT_EQ(readPotential(file.name, potential), 0); // a smaller step passes
+    ASSERT_EQ(readPotential(file.name, potential, standardMessages()), Status::ok); // a smaller step passes
     EXPECT_EQ(potential.count, 4);
     EXPECT_DOUBLE_EQ(potential.offset, 5.0);
     EXPECT_NEAR(potential.stepsize, 2.0, 1e-12);
     EXPECT_DOUBLE_EQ(potential.values[2], -1.0);
     EXPECT_DOUBLE_EQ(potential.values[3], -0.5);
-    EXPECT_EQ(readPotential("", potential), 0);
+    EXPECT_EQ(readPotential("", potential, standardMessages()), Status::ok);
     EXPECT_EQ(potential.count, 0);
 }
 
@@ -320,7 +325,7 @@ TEST(PotentialFile, TablesWithoutAStepAreWarnedOf)
         const TempFile file(text);
         Potential potential;
         EXPECT_NE(said([&] {
-                      EXPECT_EQ(readPotential(file.name, potential), 0);
+                      EXPECT_EQ(readPotential(file.name, potential, standardMessages()), Status::ok);
                   }).err.find(" has no two lines of rising distances: charges feel no potential.\n"),
                   std::string::npos)
             << text;
@@ -344,12 +349,15 @@ TEST(PotentialFile, FaultsOfTables)
     for (const auto &[text, message] : faults) {
         const TempFile file(text);
         Potential potential;
-        const std::string err = said([&] { EXPECT_EQ(readPotential(file.name, potential), 1); }).err;
+        const std::string err =
+            said([&] {
+                EXPECT_EQ(readPotential(file.name, potential, standardMessages()), Status::failed);
+            }).err;
         EXPECT_NE(err.find(message), std::string::npos) << message << err;
     }
     const TempFile longest(tableOf(9998));
     Potential potential;
-    EXPECT_EQ(readPotential(longest.name, potential), 0);
+    EXPECT_EQ(readPotential(longest.name, potential, standardMessages()), Status::ok);
 }
 
 const std::string gridHeader = "1\n2\n3\n4\n5\n6\n7\n8\n9\n10\n11\n";
@@ -357,11 +365,14 @@ const std::string gridHeader = "1\n2\n3\n4\n5\n6\n7\n8\n9\n10\n11\n";
 TEST(PotentialFile, GridBehindItsHeader)
 {
     const TempFile file(gridHeader + "1 -7 3\n4 5\n6\n\n");
-    const TrelmInfo info = gridInfo(1, 2, 3, 1, 3, 1.0f);
+    const AlignmentOptions info = gridInfo(1, 2, 3, 1, 3, 1.0f);
     Block<double> pot3D;
     Block<float> pot3Dst;
     int read = 0;
-    const std::string err = said([&] { ASSERT_EQ(read3DPotential(file.name, info, pot3D, read), 0); }).err;
+    const std::string err =
+        said([&] {
+            ASSERT_EQ(read3DPotential(file.name, info, pot3D, read, standardMessages()), Status::ok);
+        }).err;
     EXPECT_EQ(read, 6);
     EXPECT_DOUBLE_EQ(pot3D[1], -7.0);
     EXPECT_DOUBLE_EQ(pot3D[5], 6.0);
@@ -372,7 +383,7 @@ TEST(PotentialFile, GridBehindItsHeader)
                    "REMARK Reading values of 3D potential 6 of 6\r"
                    "WARNING: File with 3D Potential may contain line with wrong input format!\nLine:\n"
                    "REMARK Reading values of 3D potential 6 of 6\r\n");
-    said([&] { ASSERT_EQ(read3DPotSteric(file.name, info, pot3Dst, read), 0); });
+    said([&] { ASSERT_EQ(read3DPotSteric(file.name, info, pot3Dst, read, standardMessages()), Status::ok); });
     const std::vector<float> expected = {1.0f, 0.0f, 1.0f, 1.0f, 0.0f, 0.0f};
     EXPECT_TRUE(std::ranges::equal(pot3Dst.span(), expected));
 }
@@ -381,11 +392,11 @@ TEST(PotentialFile, FaultsOfGrids)
 {
     struct Case {
         std::string text;
-        TrelmInfo info;
+        AlignmentOptions info;
         const char *message;
     };
-    const TrelmInfo fine = gridInfo(1, 2, 3, 1, 3, 1.0f);
-    TrelmInfo flat = fine;
+    const AlignmentOptions fine = gridInfo(1, 2, 3, 1, 3, 1.0f);
+    AlignmentOptions flat = fine;
     flat.grid3DdeltaY = 0.0f;
     const Case cases[] = {
         {gridHeader + "1 2 3\n4 5\n", fine, "Total size of 3D grid not as specified"},
@@ -404,7 +415,10 @@ TEST(PotentialFile, FaultsOfGrids)
         Block<double> pot3D;
         int read = 0;
         const std::string err =
-            said([&] { EXPECT_EQ(read3DPotential(file.name, c.info, pot3D, read), 1); }).err;
+            said([&] {
+                EXPECT_EQ(read3DPotential(file.name, c.info, pot3D, read, standardMessages()),
+                          Status::failed);
+            }).err;
         EXPECT_NE(err.find(c.message), std::string::npos) << c.message << err;
     }
 }

@@ -63,7 +63,11 @@ TEST(EnsembleFile, LinesAreStatesOrRefused)
     for (const FileCase &one : cases) {
         const TempFile file(one.text);
         Ensemble ensemble = emptyEnsemble();
-        const std::string err = said([&] { EXPECT_EQ(readEnsemble(file.name, ensemble), one.status); }).err;
+        const std::string err =
+            said([&] {
+                EXPECT_EQ(static_cast<int>(readEnsemble(file.name, ensemble, standardMessages())),
+                          one.status);
+            }).err;
         EXPECT_TRUE(err.starts_with(one.message)) << err;
         EXPECT_EQ(err.empty(), one.status == 0) << err;
         EXPECT_EQ(ensemble.count, one.count) << one.text.substr(0, 40);
@@ -80,8 +84,7 @@ TEST(EnsembleFile, LinesAreStatesOrRefused)
 
 TEST(EnsembleSphere, StatesLieWithinTheLimits)
 {
-    TrelmInfo info;
-    DomainOptions &grid = info;
+    DomainOptions grid;
     grid.densE = 162; // 162 dots
     grid.lBetaCone = 10.0f;
     grid.hBetaCone = 60.0f;
@@ -89,7 +92,7 @@ TEST(EnsembleSphere, StatesLieWithinTheLimits)
     const TempFile e, ax;
     const EnsembleFiles files = {.outEName = e.name, .outEAxName = ax.name, .inEName = ""};
     Ensemble ensemble = emptyEnsemble();
-    ASSERT_EQ(setupEnsemble(info, files, ensemble), 0);
+    ASSERT_EQ(setupEnsemble(grid, files, ensemble, standardMessages()), Status::ok);
     const int all = ensemble.count;
     // A cap between 10 and 60 degrees has (cos 10 - cos 60) / 2 of the sphere: 39 of 162 dots.
     EXPECT_NEAR(all / 4, 39, 6);
@@ -113,20 +116,24 @@ TEST(EnsembleSphere, StatesLieWithinTheLimits)
     }
 
     grid.errAlphaCone = 0.1f; // the sideways turns of 90 and 270 degrees lean too far
-    ASSERT_EQ(setupEnsemble(info, {}, ensemble), 0);
+    ASSERT_EQ(setupEnsemble(grid, {}, ensemble, standardMessages()), Status::ok);
     EXPECT_EQ(ensemble.count, all / 2);
     for (const EnsembleState &state : ensemble.used())
         EXPECT_NEAR(std::sin(state.gamma * M_PI / 180.0), 0.0, 1e-6);
     grid.digPsiE = 1;
-    ASSERT_EQ(setupEnsemble(info, {}, ensemble), 0);
+    ASSERT_EQ(setupEnsemble(grid, {}, ensemble, standardMessages()), Status::ok);
     EXPECT_TRUE(std::ranges::all_of(ensemble.used(), [](const EnsembleState &s) { return s.gamma == 0.0; }));
 
     const TempFile two("1 2 3\n4 5 6\n"), none("");
     Ensemble read = emptyEnsemble();
-    ASSERT_EQ(setupEnsemble(info, {.outEName = "", .outEAxName = "", .inEName = two.name}, read), 0);
+    ASSERT_EQ(setupEnsemble(grid, {.outEName = "", .outEAxName = "", .inEName = two.name}, read,
+                            standardMessages()),
+              Status::ok);
     EXPECT_EQ(read.count, 2);
     EXPECT_EQ(read.states[1].beta, 5.0);
-    ASSERT_EQ(setupEnsemble(info, {.outEName = "", .outEAxName = "", .inEName = none.name}, read), 0);
+    ASSERT_EQ(setupEnsemble(grid, {.outEName = "", .outEAxName = "", .inEName = none.name}, read,
+                            standardMessages()),
+              Status::ok);
     EXPECT_EQ(read.count, ensemble.count); // a file without states replaces nothing
 }
 
@@ -164,11 +171,14 @@ TEST(EnsembleSphere, FailuresAreTold)
     };
     for (const GridCase &one : cases) {
         SCOPED_TRACE(one.why);
-        TrelmInfo info;
+        DomainOptions info;
         one.change(info);
         Ensemble ensemble = emptyEnsemble();
         int status = -1;
-        const std::string err = said([&] { status = setupEnsemble(info, one.files, ensemble); }).err;
+        const std::string err =
+            said([&] {
+                status = static_cast<int>(setupEnsemble(info, one.files, ensemble, standardMessages()));
+            }).err;
         EXPECT_NE(err.find(one.message), std::string::npos) << err;
         EXPECT_EQ(status, *one.message == '\0' ? 0 : 1);
         if (status == 0) {
@@ -183,17 +193,16 @@ PDBInfo smallMolecule(double shift)
     return moleculeOf(twoDomains(20, shift));
 }
 
-TrelmInfo smallInfo()
+DomainOptions smallInfo()
 {
-    TrelmInfo info;
-    DomainOptions &g = info;
+    DomainOptions g;
     g.startResDom1 = g.startResPart1 = 1;
     g.endResDom1 = g.endResPart1 = 20;
     g.startResDom2 = g.startResPart2 = 101;
     g.endResDom2 = g.endResPart2 = 120;
     g.resDom1Origin = 10;
     g.resDom2Origin = 110;
-    return info;
+    return g;
 }
 
 Axis alphaCarbon(const PDBInfo &pdb, int resID)
@@ -212,24 +221,24 @@ double distanceOf(const Axis &a, const Axis &b)
 TEST(Domains, StartOnTheirAxesWithThePivotAtTheOrigin)
 {
     PDBInfo pdb = smallMolecule(30.0);
-    TrelmInfo info = smallInfo();
-    ASSERT_EQ(initOrient(&pdb, info), 0);
+    DomainOptions info = smallInfo();
+    ASSERT_EQ(initOrient(&pdb, info, 0, standardMessages()), Status::ok);
     Matrix3d moments;
-    ASSERT_EQ(calcInertiaSel(pdb, 1, 20, moments), 0);
+    ASSERT_EQ(calcInertiaSel(pdb, 1, 20, moments, standardMessages()), Status::ok);
     EXPECT_NEAR(distanceOf(alphaCarbon(pdb, 10), {}), 0.0, 1e-5);
     EXPECT_GT(moments[8], moments[4]); // longest along z
     EXPECT_GT(moments[4], moments[0]);
     for (const std::size_t k : {1U, 2U, 5U})
         EXPECT_NEAR(moments[k], 0.0, 1e-3);
     Matrix3d turned;
-    ASSERT_EQ(calcInertiaSel(pdb, 20, 1, turned), 0); // in either order
+    ASSERT_EQ(calcInertiaSel(pdb, 20, 1, turned, standardMessages()), Status::ok); // in either order
     EXPECT_EQ(turned, moments);
 
     // Not turned onto the axes: moved only.
     PDBInfo moved = smallMolecule(30.0);
     const PDBInfo fresh = smallMolecule(30.0);
     info.initOrientFlag = 0;
-    ASSERT_EQ(initOrient(&moved, info), 0);
+    ASSERT_EQ(initOrient(&moved, info, 0, standardMessages()), Status::ok);
     const Axis a = alphaCarbon(fresh, 10), b = alphaCarbon(fresh, 115), c = alphaCarbon(moved, 115);
     for (std::size_t k = 0; k < 3; ++k)
         EXPECT_NEAR(c[k], b[k] - a[k], 1e-4);
@@ -237,13 +246,13 @@ TEST(Domains, StartOnTheirAxesWithThePivotAtTheOrigin)
 
 TEST(Domains, SecondOneTurnsAboutItsPivot)
 {
-    TrelmInfo info = smallInfo();
+    DomainOptions info = smallInfo();
     info.initOrientFlag = 0;
     PDBInfo straight = smallMolecule(30.0), turned = smallMolecule(30.0);
-    ASSERT_EQ(initOrient(&straight, info), 0);
+    ASSERT_EQ(initOrient(&straight, info, 0, standardMessages()), Status::ok);
     info.angleDomFlag = 1;
     info.angleDom[0] = 90.0f; // x' = y, y' = -x
-    ASSERT_EQ(initOrient(&turned, info), 0);
+    ASSERT_EQ(initOrient(&turned, info, 0, standardMessages()), Status::ok);
     const Axis pivot = alphaCarbon(straight, 110), before = alphaCarbon(straight, 117),
                after = alphaCarbon(turned, 117);
     EXPECT_NEAR(distanceOf(alphaCarbon(turned, 110), pivot), 0.0, 1e-4);
@@ -260,7 +269,7 @@ TEST(Domains, SecondMomentsOfTwoAtoms)
                                    "ATOM      3  H   ALA A   1      50.000   0.000   0.000\n"
                                    "ATOM      4  N   ALA A   2      90.000   0.000   0.000\n");
     Matrix3d moments;
-    ASSERT_EQ(calcInertiaSel(pdb, 1, 1, moments), 0);
+    ASSERT_EQ(calcInertiaSel(pdb, 1, 1, moments, standardMessages()), Status::ok);
     const Matrix3d expected = {4, -6, 2, -6, 9, -3, 2, -3, 1};
     for (std::size_t k = 0; k < expected.size(); ++k)
         EXPECT_NEAR(moments[k], expected[k], 1e-12);
@@ -269,11 +278,11 @@ TEST(Domains, SecondMomentsOfTwoAtoms)
 TEST(Domains, ClashIsTheFirstPairBelowTheDistance)
 {
     PDBInfo pdb = smallMolecule(12.0);
-    TrelmInfo info = smallInfo();
+    DomainOptions info = smallInfo();
     for (AtomInfo &atom : pdb.atoms())
         atom.selected = 7;
     std::vector<std::size_t> indI, indJ;
-    ASSERT_EQ(selectSurfDom(&pdb, 1, 20, indI, indJ), 0);
+    ASSERT_EQ(selectSurfDom(&pdb, 1, 20, indI, indJ, standardMessages()), Status::ok);
     EXPECT_TRUE(std::ranges::all_of(pdb.atoms(), [](const AtomInfo &atom) { return atom.selected == 7; }));
     ASSERT_FALSE(indI.empty());
     EXPECT_EQ(indI.size(), indJ.size()); // the copies are alike, each measured alone
@@ -292,7 +301,7 @@ TEST(Domains, ClashIsTheFirstPairBelowTheDistance)
         for (const std::size_t j : indJ)
             smallest = std::min(smallest, apart(i, j));
     info.clashDist = smallest; // not below it
-    EXPECT_EQ(chkClashDom(pdb, info, indI, indJ), 0);
+    EXPECT_FALSE(chkClashDom(pdb, info.clashDist, indI, indJ, standardMessages()));
     info.clashDist = smallest + 3.0f;
     std::string expected;
     for (const std::size_t i : indI)
@@ -303,7 +312,9 @@ TEST(Domains, ClashIsTheFirstPairBelowTheDistance)
                         a.resID, a.resName.c_str(), a.atomName.c_str(), b.resID, b.resName.c_str(),
                         b.atomName.c_str(), static_cast<double>(apart(i, j)));
             }
-    EXPECT_EQ(said([&] { EXPECT_EQ(chkClashDom(pdb, info, indI, indJ), 1); }).out, expected);
+    EXPECT_EQ(
+        said([&] { EXPECT_TRUE(chkClashDom(pdb, info.clashDist, indI, indJ, standardMessages())); }).out,
+        expected);
 }
 
 } // namespace

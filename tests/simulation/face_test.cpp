@@ -29,9 +29,9 @@ PDBInfo makeMolecule(const std::vector<Axis> &places)
     return pdbInfo;
 }
 
-TrelmInfo sample(int lcType)
+AlignmentOptions sample(int lcType)
 {
-    TrelmInfo info;
+    AlignmentOptions info;
     info.lcType = lcType;
     info.surfFlag = 0;
     info.elFlag = 1;
@@ -41,13 +41,13 @@ TrelmInfo sample(int lcType)
 }
 
 /// The weight of a charge 5 angstrom off the centre of two atoms, in the direction of `sign` along z.
-double weightOf(const TrelmInfo &info, double sign)
+double weightOf(const AlignmentOptions &info, double sign)
 {
     std::vector<double> x = {0.0, 0.0}, y = {6.0, -6.0}, z = {5.0 * sign, -5.0 * sign};
     Charges charges = {{0}, {1.0f}};
     Potential none;
     double prob = -1.0;
-    said([&] { EXPECT_EQ(iFace(info, {x, y, z}, charges.set(), none, prob), 0); });
+    said([&] { iFace(info, {x, y, z}, charges.set(), none, prob, standardMessages()); });
     return prob;
 }
 
@@ -61,7 +61,7 @@ TEST(Face, WeighsTheChargeInTheFieldAtItsPlace)
                 {lcRod, 1.0, std::hypot(55.0, 6.0) - 20.0},
                 {lcRod, -1.0, std::hypot(45.0, 6.0) - 20.0}};
     for (const auto &row : rows) {
-        TrelmInfo info = sample(row.lcType);
+        AlignmentOptions info = sample(row.lcType);
         info.concNaCl = 0.001f; // the field must reach as far
         const FieldConstants field = fieldConstants(info);
         const double y =
@@ -75,7 +75,7 @@ TEST(Face, WeighsTheChargeInTheFieldAtItsPlace)
 TEST(Face, OtherModelsKeepTheWeightAndAMoleculeThatTouchesTheParticleHasNone)
 {
     EXPECT_EQ(weightOf(sample(3), 1.0), -1.0);
-    TrelmInfo info = sample(lcWall);
+    AlignmentOptions info = sample(lcWall);
     info.iFace = 5.0f; // the lower atom lies on the surface exactly
     EXPECT_EQ(weightOf(info, 1.0), 0.0);
     info.iFace = 5.001f;
@@ -84,7 +84,7 @@ TEST(Face, OtherModelsKeepTheWeightAndAMoleculeThatTouchesTheParticleHasNone)
 
 TEST(Face, EachCallMultipliesTheTableByItsScale)
 {
-    TrelmInfo info = sample(lcRod);
+    AlignmentOptions info = sample(lcRod);
     info.kPot = 0.1f;
     std::vector<double> zero = {0.0};
     Charges none;
@@ -95,8 +95,8 @@ TEST(Face, EachCallMultipliesTheTableByItsScale)
     potential.count = 2;
     double prob = 0.0;
     said([&] {
-        iFace(info, {zero, zero, zero}, none.set(), potential, prob);
-        iFace(info, {zero, zero, zero}, none.set(), potential, prob);
+        iFace(info, {zero, zero, zero}, none.set(), potential, prob, standardMessages());
+        iFace(info, {zero, zero, zero}, none.set(), potential, prob, standardMessages());
     });
     EXPECT_EQ(potential.values[0], static_cast<double>(2.0f * 0.1f * 0.1f)); // in single precision
     EXPECT_EQ(potential.values[1], potential.values[0]);
@@ -105,14 +105,16 @@ TEST(Face, EachCallMultipliesTheTableByItsScale)
 }
 
 /// A run over two atoms with these charges; `written` gets the molecule of the result file.
-Said runFace(const std::vector<float> &values, const TrelmInfo &info, PDBInfo &written)
+Said runFace(const std::vector<float> &values, const AlignmentOptions &info, PDBInfo &written)
 {
     PDBInfo pdbInfo = makeMolecule({{1.0, 2.0, 5.0}, {1.0, 2.0, -3.0}});
     Charges charges = {{0, 1}, values};
     const TempFile file;
     Potential none;
     const Said lines = said([&] {
-        EXPECT_EQ(iFacePDB(EulerLists{}, &pdbInfo, info, {file.name, nullptr}, none, charges.set()), 0);
+        EXPECT_EQ(iFacePDB(EulerLists{}, &pdbInfo, info, {file.name, nullptr, standardMessages()}, none,
+                           charges.set()),
+                  Status::ok);
     });
     EXPECT_EQ(readPDB(file.name, &written, nullptr), 0);
     EXPECT_EQ(pdbInfo.atomList[0].z, 5.0f); // the molecule itself stays
@@ -140,7 +142,7 @@ TEST(FacePDB, WritesTheOrientationOfTheLowerWeight)
 
 TEST(FacePDB, AMoleculeWithinTheParticleIsNotFlipped)
 {
-    TrelmInfo info = sample(lcRod);
+    AlignmentOptions info = sample(lcRod);
     info.iFace = -10.0f;
     PDBInfo written;
     const Said lines = runFace({-1.0f, 0.0f}, info, written);
@@ -192,7 +194,7 @@ TEST(DipoleMoment, OfAFewChargesKnownByHand)
     for (const auto &row : rows) {
         const std::vector<int> atoms = {0, 1, 2};
         const auto used = std::span<const int>(atoms).first(row.charges.size());
-        const Dipole dipole = dipoleMoment({x, y, z, used, row.charges}, 0);
+        const Dipole dipole = dipoleMoment({x, y, z, used, row.charges});
         EXPECT_NEAR(dipole.magnitude, row.magnitude, 1e-5f);
         EXPECT_FLOAT_EQ(dipole.chSum, row.chSum);
         for (std::size_t k = 0; k < 3; ++k)
@@ -206,15 +208,16 @@ TEST(Inertia, IsTheSecondMomentOfTheSelectedAtoms)
         {{11.0, 2.0, 0.0}, {9.0, -2.0, 0.0}, {50.0, 50.0, 50.0}, {10.0, 0.0, 3.0}, {10.0, 0.0, -3.0}});
     pdbInfo.atomList[2].selected = 0;
     Matrix3d inertiaTensor;
-    ASSERT_EQ(calcInertia(pdbInfo, inertiaTensor), 0);
+    ASSERT_EQ(calcInertia(pdbInfo, inertiaTensor, standardMessages()), Status::ok);
     const Matrix3d expected = {0.5, 1.0, 0.0, 1.0, 2.0, 0.0, 0.0, 0.0, 4.5};
     for (std::size_t i = 0; i < expected.size(); ++i)
         EXPECT_DOUBLE_EQ(inertiaTensor[i], expected[i]) << i;
 
     for (AtomInfo &atom : pdbInfo.atoms())
         atom.selected = 0;
-    EXPECT_EQ(said([&] { EXPECT_EQ(calcInertia(pdbInfo, inertiaTensor), 1); }).err,
-              "WARNING: Zero atoms for inertia tensor selected.");
+    EXPECT_EQ(
+        said([&] { EXPECT_EQ(calcInertia(pdbInfo, inertiaTensor, standardMessages()), Status::failed); }).err,
+        "WARNING: Zero atoms for inertia tensor selected.");
 }
 
 } // namespace

@@ -40,12 +40,12 @@ inline bool isHydrogen(const AtomInfo &atom)
     return atom.atomName.text[0] == 'H';
 }
 
-/// A set of orientations that outlives the generator's.
+/// A set of orientations.
 inline std::vector<double> dotsOf(int densit)
 {
-    std::span<const double> dots;
-    EXPECT_EQ(do_unsp(densit, dots), 0);
-    return {dots.begin(), dots.end()};
+    std::vector<double> dots;
+    EXPECT_TRUE(do_unsp(densit, dots));
+    return dots;
 }
 
 /// Charges by the places of their atoms.

@@ -30,11 +30,8 @@ TEST(Sphere, DensityGivesTheSmallerTessellation)
         EXPECT_EQ(dotsOf(row.densit).size(), static_cast<std::size_t>(3 * row.dots)) << row.densit;
     }
     EXPECT_GT(dotCount(2000000000), 2000000000); // near the range of int: no overflow
-    int count = 0;
-    EXPECT_EQ(said([&] { EXPECT_EQ(make_unsp(100, -8, count, 4), 1); }).err,
-              "make_unsp: mode -8 not allowed\n");
-    EXPECT_EQ(make_unsp(13, 9, count, 0), 0); // in the order of building
-    EXPECT_EQ(count, 32);
+    DotSet set;
+    EXPECT_FALSE(make_unsp(20000000, set)); // too many
 }
 
 TEST(Sphere, DotsAreEvenAndOnTheUnitSphere)
@@ -60,13 +57,13 @@ TEST(Sphere, DotsAreEvenAndOnTheUnitSphere)
 
 TEST(Sphere, DotsOfACellStandTogether)
 {
-    std::span<const double> dots;
-    DotCells cells;
-    surfaceDots(700, dots, cells);
+    DotSet set;
+    ASSERT_TRUE(make_unsp(700, set));
+    const std::vector<double> &dots = set.dots;
     int total = 0;
-    for (std::size_t c = 0; c < cells.count.size(); ++c) {
-        total += cells.count[c];
-        for (int i = cells.first[c]; i < cells.first[c] + cells.count[c]; ++i)
+    for (std::size_t c = 0; c < set.cellCount.size(); ++c) {
+        total += set.cellCount[c];
+        for (int i = set.cellFirst[c]; i < set.cellFirst[c] + set.cellCount[c]; ++i)
             for (std::size_t axis = 0; axis < 3; ++axis) {
                 const auto place = static_cast<std::size_t>(std::lround(std::pow(4.0, axis)));
                 const double cell = static_cast<double>(c / place % 4);

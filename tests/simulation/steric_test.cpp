@@ -139,7 +139,7 @@ TEST(Steric, KernelsDecideAsThePlainForms)
         setup.grid.min_protein_length = setup.radius;
         setup.grid.max_protein_length = size + setup.radius;
         StericGrid grid;
-        ASSERT_EQ(makeStericGrid(setup, grid), 0);
+        ASSERT_EQ(makeStericGrid(setup, grid, standardMessages()), Status::ok);
         const Turn turn =
             makeTurn(makeDotTurn(&dots[3 * static_cast<std::size_t>(round % 42)]), set.psi[round % 7U]);
         Solute solute = randomSolute(engine, count, size);
@@ -161,7 +161,9 @@ TEST(Steric, SumsAreThoseOfThePlainForm)
         Saupe fast, plain;
         std::vector<double> allowedCount;
         const std::string progress =
-            said([&] { ASSERT_EQ(stericAlignment(setup, solute.view(), dots, fast), 0); }).err;
+            said([&] {
+                ASSERT_EQ(stericAlignment(setup, solute.view(), dots, fast, standardMessages()), Status::ok);
+            }).err;
         ASSERT_EQ(stericAlignmentPlain(setup, solute.view(), dots, plain, allowedCount), 0);
         for (std::size_t k = 0; k < 5; ++k)
             EXPECT_NEAR(fast[k] / plain[k], 1.0, 1e-12) << lcType << " element " << k;
@@ -175,7 +177,10 @@ Saupe simulate(Solute &solute, int lcType)
     static const std::vector<double> dots = dotsOf(700);
     const auto size = static_cast<double>(centreAtoms(solute.buffers()));
     Saupe saupe = {};
-    said([&] { EXPECT_EQ(stericAlignment(setupFor(lcType, size), solute.view(), dots, saupe), 0); });
+    said([&] {
+        EXPECT_EQ(stericAlignment(setupFor(lcType, size), solute.view(), dots, saupe, standardMessages()),
+                  Status::ok);
+    });
     return saupe;
 }
 
@@ -240,7 +245,9 @@ TEST(Steric, GridEndsAtTheTable)
     rod.wvAmount = 0.0001;
     for (const auto &[setup, grid_el] : {std::pair{&wall, 4999}, std::pair{&rod, 125}}) {
         StericGrid grid;
-        EXPECT_EQ(said([&grid, &run = *setup] { ASSERT_EQ(makeStericGrid(run, grid), 0); }).err,
+        EXPECT_EQ(said([&grid, &run = *setup] {
+                      ASSERT_EQ(makeStericGrid(run, grid, standardMessages()), Status::ok);
+                  }).err,
                   "WARNING: concentration too low - magnitude of alignment tensor incorrect\n");
         EXPECT_EQ(grid.at.grid_el, grid_el);
         EXPECT_EQ(grid.at.last, 4999);
@@ -248,12 +255,14 @@ TEST(Steric, GridEndsAtTheTable)
 }
 
 /// Order matrix and messages, without progress lines, of heavy atoms in a sample.
-std::string simulateSample(const StericSetup &setup, Saupe &saupe, int expected)
+std::string simulateSample(const StericSetup &setup, Saupe &saupe, Status expected)
 {
     Solute solute = heavyAtoms();
     centreAtoms(solute.buffers());
     const std::string err =
-        said([&] { EXPECT_EQ(stericAlignment(setup, solute.view(), dotsOf(12), saupe), expected); }).err;
+        said([&] {
+            EXPECT_EQ(stericAlignment(setup, solute.view(), dotsOf(12), saupe, standardMessages()), expected);
+        }).err;
     return err.substr(err.find('\n') + 1);
 }
 
@@ -263,16 +272,17 @@ TEST(Steric, SampleWithoutRoomIsRefusedOrWarnedOf)
     StericSetup none = setupFor(lcRod, 25.0);
     none.grid.gridSpacing = 100.0; // wider than the gap between two rods
     none.wvAmount = 0.5;
-    EXPECT_EQ(simulateSample(none, saupe, 1), "stericAlignment: the sum of the weights at this concentration "
-                                              "and grid, 0, can not be divided by.\n");
+    EXPECT_EQ(simulateSample(none, saupe, Status::failed),
+              "stericAlignment: the sum of the weights at this concentration "
+              "and grid, 0, can not be divided by.\n");
 
     // A cell of the wall's half thickness and little more, as -wv 0.9 gives it, has no room for the molecule:
     // the order has the wrong sign.
     StericSetup wide = setupFor(lcWall, 25.0), narrow = wide;
     narrow.stepOutLength = 22.2;
     Saupe right = {};
-    EXPECT_EQ(simulateSample(wide, right, 0), "");
-    const std::string warning = simulateSample(narrow, saupe, 0);
+    EXPECT_EQ(simulateSample(wide, right, Status::ok), "");
+    const std::string warning = simulateSample(narrow, saupe, Status::ok);
     EXPECT_TRUE(warning.starts_with("WARNING: Sum of the weights is negative (-")) << warning;
     EXPECT_EQ(std::ranges::count(warning, '\n'), 1);
     EXPECT_LT(saupe[0] * right[0], 0.0);

@@ -29,7 +29,7 @@ TEST(Surface, ExposedDotsAreThoseOfThePlainForm)
         if (round % 5 == 0) // two atoms in one place
             std::copy_n(co.begin(), 3, co.end() - 3);
         Surface surface;
-        ASSERT_EQ(nsc_dclm(co, radius, 200, allOfIt, surface), 0);
+        ASSERT_EQ(nsc_dclm(co, radius, 200, allOfIt, surface, standardMessages()), Status::ok);
         const std::vector<int> plain = exposedDotsPlain(co, radius, dotsOf(200));
         std::size_t total = 0;
         for (std::size_t i = 0; i < radius.size(); ++i) {
@@ -45,16 +45,20 @@ TEST(Surface, SphereHasItsAreaAndVolume)
 {
     const double r = 3.3;
     Surface surface;
-    ASSERT_EQ(nsc_dclm(std::vector{1e3, -2.0, 5.0}, std::vector{r}, 700, allOfIt, surface), 0);
+    ASSERT_EQ(
+        nsc_dclm(std::vector{1e3, -2.0, 5.0}, std::vector{r}, 700, allOfIt, surface, standardMessages()),
+        Status::ok);
     EXPECT_NEAR(surface.value_of_area, 4.0 * M_PI * r * r, 1e-9);
     EXPECT_NEAR(surface.value_of_vol / (4.0 / 3.0 * M_PI * r * r * r), 1.0, 1e-6);
     // Atoms very far apart ask for no memory in between.
-    ASSERT_EQ(nsc_dclm(std::vector{-1e9, 0.0, 0.0, 1e9, 1e9, 1e9}, std::vector{r, r}, 700, allOfIt, surface),
-              0);
+    ASSERT_EQ(nsc_dclm(std::vector{-1e9, 0.0, 0.0, 1e9, 1e9, 1e9}, std::vector{r, r}, 700, allOfIt, surface,
+                       standardMessages()),
+              Status::ok);
     EXPECT_NEAR(surface.value_of_area, 8.0 * M_PI * r * r, 1e-9);
     // Points have no surface.
-    ASSERT_EQ(
-        nsc_dclm(std::vector{0.0, 0.0, 0.0, 1.0, 0.0, 0.0}, std::vector{0.0, 0.0}, 700, allOfIt, surface), 0);
+    ASSERT_EQ(nsc_dclm(std::vector{0.0, 0.0, 0.0, 1.0, 0.0, 0.0}, std::vector{0.0, 0.0}, 700, allOfIt,
+                       surface, standardMessages()),
+              Status::ok);
     EXPECT_EQ(surface.value_of_area, 0.0);
 }
 
@@ -71,7 +75,7 @@ TEST(Surface, AreaOfUbiquitinIsThatOfAnotherProgram)
         radius.push_back(1.4 + (letter == 'C' ? 1.9 : letter == 'O' ? 1.4 : 1.8));
     }
     Surface surface;
-    ASSERT_EQ(nsc_dclm(co, radius, 700, surfaceAtomAreas, surface), 0);
+    ASSERT_EQ(nsc_dclm(co, radius, 700, surfaceAtomAreas, surface, standardMessages()), Status::ok);
     // freesasa 2.1.2, Shrake-Rupley, the same heavy atoms and radii, with 20,000 points on each.
     EXPECT_NEAR(surface.value_of_area / 4978.96, 1.0, 0.002);
 }
@@ -84,7 +88,7 @@ TEST(AtomSelection, ExposedAtomsAreMarked)
         PDBInfo pdb = ubiquitin();
         for (AtomInfo &atom : pdb.atoms())
             atom.selected = withHydrogens || !isHydrogen(atom) ? 1 : 0;
-        ASSERT_EQ(callNSC(&pdb), 0);
+        ASSERT_EQ(callNSC(&pdb, standardMessages()), Status::ok);
         int selected = 0, beyond = 0;
         for (int i = 0; i < pdb.atomCount; ++i) {
             const int mark = pdb.atomList[static_cast<std::size_t>(i)].selected;
@@ -101,7 +105,7 @@ TEST(AtomSelection, ChargesComeFirstAndADipoleReplacesThem)
 {
     PDBInfo pdb = ubiquitin();
     std::vector<double> x(2000), y(2000), z(2000);
-    TrelmInfo info;
+    SoluteOptions info;
     info.surfFlag = 0;
     struct Row {
         int elFlag, chSelFlag, dipoleFlag, charges, atoms;
@@ -115,9 +119,9 @@ TEST(AtomSelection, ChargesComeFirstAndADipoleReplacesThem)
         info.elFlag = row.elFlag;
         info.chSelFlag = row.chSelFlag;
         info.dipoleFlag = row.dipoleFlag;
-        int count = 0;
-        ASSERT_EQ(chCoorSelect(&pdb, info, {x, y, z}, charges, 0, count), 0);
-        EXPECT_EQ(count, row.atoms);
+        SelectedCount selected;
+        ASSERT_EQ(chCoorSelect(&pdb, info, {x, y, z}, charges, selected, standardMessages()), Status::ok);
+        EXPECT_EQ(static_cast<int>(selected.places), row.atoms);
         EXPECT_EQ(charges.chCount, row.charges);
         if (row.charges == 3) {
             EXPECT_EQ(placed.atoms[2], 2);
@@ -138,7 +142,7 @@ TEST(AtomSelection, ChargesComeFirstAndADipoleReplacesThem)
 TEST(AtomSelection, NothingSelectedIsTold)
 {
     PDBInfo pdb;
-    EXPECT_EQ(said([&] { EXPECT_EQ(callNSC(&pdb), 1); }).err,
+    EXPECT_EQ(said([&] { EXPECT_EQ(callNSC(&pdb, standardMessages()), Status::failed); }).err,
               "nsc_dclm: no surface atoms selected\nNSC: error.\n");
 }
 

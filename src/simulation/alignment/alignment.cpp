@@ -18,14 +18,14 @@ constexpr double mw_DMPC = 677.94; ///< molecular weights of the two lipids, g/m
 constexpr double mw_DHPC = 453.51;
 constexpr double freeLipid = 0.005; ///< mol/l of the short lipid that stays outside the bicelles
 
-void warn(const char *option, double value, const char *rule)
+void warn(const char *option, double value, const char *rule, Messages &messages)
 {
-    complain("WARNING: %s %g: %s.\n", option, value, rule);
+    messages.err("WARNING: %s %g: %s.\n", option, value, rule);
 }
 
-int refuse(const char *option, double value, const char *rule)
+Status refuse(const char *option, double value, const char *rule, Messages &messages)
 {
-    return complain("trelm: %s %g: %s.\n", option, value, rule);
+    return messages.fail("trelm: %s %g: %s.\n", option, value, rule);
 }
 
 bool isPositive(float value)
@@ -33,99 +33,79 @@ bool isPositive(float value)
     return value > 0.0f && std::isfinite(value);
 }
 
-/// One block of the order matrix. The three blocks show the same magnitude, that of the sum.
-void printSaupe(const char *name, double gMag, const Saupe &saupe, const char *gap)
+Status checkOrientations(const AlignmentOptions &options, Messages &messages)
 {
-    std::printf("%s  gMag %e\n", name, gMag);
-    for (const double element : saupe)
-        std::printf("%e%s", element, gap);
-    std::printf("\n");
-}
-
-int printBlocks(const TrelmInfo &trelmInfo, const Saupe &saupeSteric, const Saupe &saupeEl,
-                const Saupe &saupe)
-{
-    TensorAnalysis analysis;
-    for (const Saupe *part : {&saupeSteric, &saupeEl, &saupe})
-        if (analyzeSaupe(*part, trelmInfo.yzFlag, trelmInfo.verbFlag, analysis) != 0)
-            return complain("Matrix: error in analyzeSaupe.\n");
-    printSaupe("SaupeSteric", analysis.gMag, saupeSteric, "  ");
-    printSaupe("SaupeEl", analysis.gMag, saupeEl, " ");
-    printSaupe("SaupeSum", analysis.gMag, saupe, "  ");
-    return 0;
-}
-
-int checkOrientations(const TrelmInfo &trelmInfo)
-{
-    if (trelmInfo.densityNSC < 1)
-        return refuse("-dot", trelmInfo.densityNSC, "the number of orientation points must be positive");
-    const int dots = dotCount(trelmInfo.densityNSC);
+    if (options.densityNSC < 1)
+        return refuse("-dot", options.densityNSC, "the number of orientation points must be positive",
+                      messages);
+    const int dots = dotCount(options.densityNSC);
     if (dots > maxOrientations)
-        return complain("trelm: -dot %d gives %d orientation points, the limit is %d.\n",
-                        trelmInfo.densityNSC, dots, maxOrientations);
-    if (trelmInfo.digPsiNSC < 1)
-        return refuse("-digPsi", trelmInfo.digPsiNSC, "the number of angle steps must be positive");
-    if (trelmInfo.digPsiNSC > std::numeric_limits<int>::max() / dots)
-        return complain("trelm: -digPsi %d with %d orientation points gives more than %d orientations.\n",
-                        trelmInfo.digPsiNSC, dots, std::numeric_limits<int>::max());
-    if (!std::isfinite(trelmInfo.lcOrder))
-        return refuse("-lcS", number(trelmInfo.lcOrder), "the order is no number");
-    return 0;
+        return messages.fail("trelm: -dot %d gives %d orientation points, the limit is %d.\n",
+                             options.densityNSC, dots, maxOrientations);
+    if (options.digPsiNSC < 1)
+        return refuse("-digPsi", options.digPsiNSC, "the number of angle steps must be positive", messages);
+    if (options.digPsiNSC > std::numeric_limits<int>::max() / dots)
+        return messages.fail(
+            "trelm: -digPsi %d with %d orientation points gives more than %d orientations.\n",
+            options.digPsiNSC, dots, std::numeric_limits<int>::max());
+    if (!std::isfinite(options.lcOrder))
+        return refuse("-lcS", number(options.lcOrder), "the order is no number", messages);
+    return Status::ok;
 }
 
 /// The wall or rod, and the steps away from it.
-int checkObstacle(const TrelmInfo &trelmInfo)
+Status checkObstacle(const ObstacleOptions &options, Messages &messages)
 {
-    const double radiusModel = number(trelmInfo.radiusModel), radiusAtom = number(trelmInfo.radiusAtom);
-    if (!isPositive(trelmInfo.gridSpacing))
-        return refuse("-dGrid", number(trelmInfo.gridSpacing), "the step must be positive");
-    if (trelmInfo.lcType == lcRod && radiusModel == 0.0)
-        return refuse("-rM", 0.0, "a rod needs a radius");
-    if (!std::isfinite(trelmInfo.radiusModel + trelmInfo.radiusAtom))
-        return complain("trelm: -rM %g, -rA %g: the radii are out of range.\n", radiusModel, radiusAtom);
-    if (!isPositive(trelmInfo.radiusModel))
-        warn("-rM", radiusModel, "no liquid crystal has such a radius");
+    const double radiusModel = number(options.radiusModel), radiusAtom = number(options.radiusAtom);
+    if (!isPositive(options.gridSpacing))
+        return refuse("-dGrid", number(options.gridSpacing), "the step must be positive", messages);
+    if (options.lcType == lcRod && radiusModel == 0.0)
+        return refuse("-rM", 0.0, "a rod needs a radius", messages);
+    if (!std::isfinite(options.radiusModel + options.radiusAtom))
+        return messages.fail("trelm: -rM %g, -rA %g: the radii are out of range.\n", radiusModel, radiusAtom);
+    if (!isPositive(options.radiusModel))
+        warn("-rM", radiusModel, "no liquid crystal has such a radius", messages);
     if (radiusAtom < 0.0)
-        warn("-rA", radiusAtom, "no atom has such a radius");
-    return 0;
+        warn("-rA", radiusAtom, "no atom has such a radius", messages);
+    return Status::ok;
 }
 
 } // namespace
 
-int refine_bicelle(TrelmInfo *trelmInfo)
+SampleGeometry refine_bicelle(const ObstacleOptions &options)
 {
     constexpr double piSquare = 9.869604378534024;
-    const auto q = static_cast<double>(trelmInfo->molarRatio);
-    const auto c = static_cast<double>(trelmInfo->concentration);
-    const auto R = static_cast<double>(trelmInfo->radiusModel);
+    const double q = number(options.molarRatio), c = number(options.concentration);
+    const double R = number(options.radiusModel);
     const double mol_DHPC = c * 1000.0 / (q * mw_DMPC + mw_DHPC);
     const double molar_ratio_eff = q * mol_DHPC / (mol_DHPC - freeLipid);
     const double mol_DHPC_free = c >= 0.01 ? freeLipid : 0.0;
     const double wv_bic = (mw_DHPC * (mol_DHPC - mol_DHPC_free) + q * mol_DHPC * mw_DMPC) / 1000.0;
-    trelmInfo->rSingleCell = static_cast<float>(R / wv_bic);
-    trelmInfo->lengthModel =
+    SampleGeometry geometry;
+    geometry.rSingleCell = static_cast<float>(R / wv_bic);
+    geometry.molarRatio = static_cast<float>(molar_ratio_eff);
+    geometry.lengthModel =
         static_cast<float>((std::sqrt(8.0 / molar_ratio_eff + piSquare) + pi) * 0.5 * R * molar_ratio_eff);
-    const double length = static_cast<double>(trelmInfo->lengthModel);
-    const double rim = 2.0 * R + pi * length; // 0 without a model, in a grid
-    trelmInfo->orderDiscRim = rim != 0.0 ? static_cast<float>(pi * length / (rim * 4.0)) : 0.0f;
-    trelmInfo->molarRatio = static_cast<float>(molar_ratio_eff);
-    return 0;
+    const double length = number(geometry.lengthModel);
+    const double rim = 2.0 * R + pi * length;
+    geometry.orderDiscRim = rim != 0.0 ? static_cast<float>(pi * length / (rim * 4.0)) : 0.0f;
+    return geometry;
 }
 
-int checkSample(const TrelmInfo &trelmInfo)
+Status checkSample(const ObstacleOptions &options, Messages &messages)
 {
-    const auto concentration = static_cast<double>(trelmInfo.concentration);
-    if (!isPositive(trelmInfo.concentration))
-        return refuse("-wv", concentration, "the concentration is a fraction, above 0");
+    const auto concentration = static_cast<double>(options.concentration);
+    if (!isPositive(options.concentration))
+        return refuse("-wv", concentration, "the concentration is a fraction, above 0", messages);
     if (concentration > 1.0)
-        warn("-wv", concentration, "the concentration is a fraction, above 1 no sample has it");
-    return 0;
+        warn("-wv", concentration, "the concentration is a fraction, above 1 no sample has it", messages);
+    return Status::ok;
 }
 
-int checkSimulation(const TrelmInfo &trelmInfo)
+Status checkSimulation(const AlignmentOptions &options, Messages &messages)
 {
-    const int status = checkOrientations(trelmInfo);
-    return status != 0 || trelmInfo.lcType == lcGrid ? status : checkObstacle(trelmInfo);
+    const Status status = checkOrientations(options, messages);
+    return status != Status::ok || options.lcType == lcGrid ? status : checkObstacle(options, messages);
 }
 
 float singleMean(std::span<const double> column)
@@ -155,57 +135,65 @@ float centreAtoms(const CoordinateBuffers &atoms)
     return largestDistance(atoms);
 }
 
-int runSteric(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, float distance,
-              std::span<const double> ddots, Saupe &saupe)
+Status runSteric(const AlignmentSetup &setup, const CoordinateBuffers &atoms, float distance, Saupe &saupe)
 {
-    StericSetup setup;
-    setup.lcType = trelmInfo.lcType;
-    setup.stepOutLength = static_cast<double>(trelmInfo.rSingleCell);
-    setup.grid.max_obstruction = static_cast<double>(trelmInfo.radiusModel);
-    setup.radius = static_cast<double>(trelmInfo.radiusAtom);
-    setup.grid.gridSpacing = static_cast<double>(trelmInfo.gridSpacing);
-    setup.wvAmount = static_cast<double>(trelmInfo.concentration);
+    const AlignmentOptions &options = setup.options;
+    StericSetup steric;
+    steric.lcType = options.lcType;
+    steric.stepOutLength = setup.rSingleCell;
+    steric.grid.max_obstruction = number(options.radiusModel);
+    steric.radius = number(options.radiusAtom);
+    steric.grid.gridSpacing = number(options.gridSpacing);
+    steric.wvAmount = number(options.concentration);
     // The grid starts with the solute's centre on the obstacle's surface, however far its nearest atom is.
-    setup.grid.max_protein_length = static_cast<double>(distance) + setup.radius;
-    setup.grid.min_protein_length = setup.radius;
-    setup.digit_psi = trelmInfo.digPsiNSC;
-    return stericAlignment(setup, {atoms.x, atoms.y, atoms.z}, ddots, saupe);
+    steric.grid.max_protein_length = number(distance) + steric.radius;
+    steric.grid.min_protein_length = steric.radius;
+    steric.digit_psi = options.digPsiNSC;
+    return stericAlignment(steric, {atoms.x, atoms.y, atoms.z}, setup.dots, saupe, setup.messages);
 }
 
-int runCharged(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, float distance,
-               std::span<const double> ddots, const ChargeSet &charges, Potential &potential, Saupe &saupe)
+Status runCharged(const AlignmentSetup &setup, const CoordinateBuffers &atoms, float distance,
+                  const ChargeSet &charges, Potential &potential, Saupe &saupe)
 {
-    const auto radius = static_cast<double>(trelmInfo.radiusAtom);
-    return sma(trelmInfo, {atoms.x, atoms.y, atoms.z}, ddots,
-               {static_cast<double>(distance) + radius, radius}, charges, potential, saupe);
+    const double radius = number(setup.options.radiusAtom);
+    return sma(setup, {atoms.x, atoms.y, atoms.z}, {number(distance) + radius, radius}, charges, potential,
+               saupe);
 }
 
-int simulateAlignment(TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, std::span<const double> ddots,
-                      const ChargeSet &charges, AlignmentFields &fields, Saupe &saupe)
+Status simulateAlignment(const AlignmentSetup &setup, const CoordinateBuffers &atoms,
+                         const ChargeSet &charges, AlignmentFields &fields, Prediction &prediction)
 {
+    const AlignmentOptions &options = setup.options;
+    Messages &messages = setup.messages;
     if (atoms.x.empty())
-        return complain("simulateAlignment: no atoms selected.\n");
-    Saupe saupeSteric = {}, saupeEl = {};
+        return messages.fail("simulateAlignment: no atoms selected.\n");
+    prediction = {};
     const float distance = centreAtoms(atoms);
-    std::printf("REMARK Molecule shifted to geometric center.\n");
-    const bool inGrid = trelmInfo.lcType == lcGrid;
+    messages.out("REMARK Molecule shifted to geometric center.\n");
+    const bool inGrid = options.lcType == lcGrid;
     const Coordinates view = {atoms.x, atoms.y, atoms.z};
-    int status = 0;
-    if (trelmInfo.elFlag != 0)
-        status = inGrid ? sma3D(trelmInfo, view, ddots, charges, fields.pot3D.span(), saupeEl)
-                        : runCharged(trelmInfo, atoms, distance, ddots, charges, fields.potential, saupeEl);
+    Status status = Status::ok;
+    if (options.elFlag != 0)
+        status =
+            inGrid ? sma3D(setup, view, charges, fields.pot3D.span(), prediction.electrostatic)
+                   : runCharged(setup, atoms, distance, charges, fields.potential, prediction.electrostatic);
     else if (inGrid)
-        ssia3D(trelmInfo, ddots, saupeSteric);
-    else if ((status = runSteric(trelmInfo, atoms, distance, ddots, saupeSteric)) != 0)
-        complain("simulateAlignment: error in stericAlignment.");
-    if (status != 0)
+        ssia3D(setup, prediction.steric);
+    else if ((status = runSteric(setup, atoms, distance, prediction.steric)) != Status::ok)
+        messages.err("simulateAlignment: error in stericAlignment.");
+    if (status != Status::ok)
         return status;
-    for (std::size_t k = 0; k < saupe.size(); ++k) {
-        saupeSteric[k] *= static_cast<double>(trelmInfo.lcOrder);
-        saupeEl[k] *= static_cast<double>(trelmInfo.lcOrder);
-        saupe[k] = saupeEl[k] + saupeSteric[k];
+    for (std::size_t k = 0; k < prediction.sum.size(); ++k) {
+        prediction.steric[k] *= number(options.lcOrder);
+        prediction.electrostatic[k] *= number(options.lcOrder);
+        prediction.sum[k] = prediction.electrostatic[k] + prediction.steric[k];
     }
-    return printBlocks(trelmInfo, saupeSteric, saupeEl, saupe);
+    TensorAnalysis analysis; // each part must have axes; the magnitude is that of the last one
+    for (const Saupe *part : {&prediction.steric, &prediction.electrostatic, &prediction.sum})
+        if (analyzeSaupe(*part, 0, 0, analysis) != 0)
+            return messages.fail("Matrix: error in analyzeSaupe.\n");
+    prediction.gMag = analysis.gMag;
+    return Status::ok;
 }
 
 } // namespace trelm

@@ -1,5 +1,6 @@
 #include "simulation/alignment/electrostatic.h"
 
+#include "ground/trelm.h"
 #include "simulation/charges/field_energy.h"
 #include "simulation/obstacle/position_grid.h"
 #include "simulation/obstacle/rod.h"
@@ -19,52 +20,54 @@ namespace {
 constexpr const char *tag = "sma";
 constexpr double mostSteps = 1e8; ///< from one rod to the next
 
-GridSetup gridSetup(const TrelmInfo &trelmInfo, const SmaSetup &setup)
+GridSetup gridSetup(const AlignmentOptions &options, const SmaSetup &sizes)
 {
-    return {.gridSpacing = number(trelmInfo.gridSpacing),
-            .max_obstruction = number(trelmInfo.radiusModel),
-            .max_protein_length = setup.max_protein_length,
-            .min_protein_length = setup.min_protein_length};
+    return {.gridSpacing = number(options.gridSpacing),
+            .max_obstruction = number(options.radiusModel),
+            .max_protein_length = sizes.max_protein_length,
+            .min_protein_length = sizes.min_protein_length};
 }
 
-void scalePotential(const ChargeOptions &elInfo, Potential &potential)
+void scalePotential(const FieldOptions &options, Potential &potential, Messages &messages)
 {
-    std::printf("trelmInfo->kPot: %.1f \n", number(elInfo.kPot));
+    messages.out("trelmInfo->kPot: %.1f \n", number(options.kPot));
     for (int i = 0; i < potential.count; ++i) {
         double &value = potential.values[static_cast<std::size_t>(i)];
-        value = number(static_cast<float>(value) / elInfo.kPot);
+        value = number(static_cast<float>(value) / options.kPot);
     }
 }
 
-void reportGrid(const TrelmInfo &trelmInfo, const SmaSetup &setup, const PositionGrid &grid)
+void reportGrid(const AlignmentSetup &setup, const SmaSetup &sizes, const PositionGrid &grid)
 {
-    std::printf("REMARK Minimum molecule dimension %.3f [A].\n", setup.min_protein_length);
-    std::printf("REMARK Maximum molecule dimension %.3f [A].\n", setup.max_protein_length);
-    if (trelmInfo.kAtt != 0.0f)
-        std::printf("REMARK trelmInfo->kAtt = %.3f [A].\n", number(trelmInfo.kAtt));
-    std::printf("@@@ offset_grid = %.3f [A]  t_pts = %d.\n",
-                setup.min_protein_length + number(trelmInfo.radiusModel), grid.grid_el);
-    std::printf("@@@ REMARK grid_el[0] = %.3f [A].\n", number(grid.positionDist[0]));
-    std::printf("@@@ REMARK grid_el[%d] = %.3f [A].\n", grid.grid_el, grid.lastDist());
+    Messages &messages = setup.messages;
+    messages.out("REMARK Minimum molecule dimension %.3f [A].\n", sizes.min_protein_length);
+    messages.out("REMARK Maximum molecule dimension %.3f [A].\n", sizes.max_protein_length);
+    if (setup.options.kAtt != 0.0f)
+        messages.out("REMARK trelmInfo->kAtt = %.3f [A].\n", number(setup.options.kAtt));
+    messages.out("@@@ offset_grid = %.3f [A]  t_pts = %d.\n",
+                 sizes.min_protein_length + number(setup.options.radiusModel), grid.grid_el);
+    messages.out("@@@ REMARK grid_el[0] = %.3f [A].\n", number(grid.positionDist[0]));
+    messages.out("@@@ REMARK grid_el[%d] = %.3f [A].\n", grid.grid_el, grid.lastDist());
 }
 
-/// What all roads of a charged molecule share.
+/// What wall and rod share.
 struct Charged {
-    const TrelmInfo &trelmInfo;
+    const AlignmentSetup &setup;
     PlacedCharges placed;
     FieldConstants field;
     OrientationSet set;
 };
 
-int simulateWall(const Charged &charged, PositionGrid &grid, Saupe &saupe)
+Status simulateWall(const Charged &charged, PositionGrid &grid, Saupe &saupe)
 {
-    const TrelmInfo &info = charged.trelmInfo;
-    const double spacing = number(info.gridSpacing), cell = number(info.rSingleCell);
+    Messages &messages = charged.setup.messages;
+    const AlignmentOptions &info = charged.setup.options;
+    const double spacing = number(info.gridSpacing), cell = charged.setup.rSingleCell;
     const double limit = std::min(cell, info.cutoffPot);
     if (!extendPositions(grid, spacing, [limit](double last, double) { return last <= limit; }))
-        warnShortGrid(grid);
+        warnShortGrid(grid, messages);
     if (info.chFlag != 0)
-        reportField(charged.field);
+        reportField(charged.field, messages);
 
     NearestKernel kernel = makeNearestKernel(charged.placed.atoms);
     WallEnergy energy;
@@ -87,7 +90,7 @@ int simulateWall(const Charged &charged, PositionGrid &grid, Saupe &saupe)
     });
     if (cell - info.cutoffPot > 0.0)
         total += (cell - info.cutoffPot) * charged.set.count() / spacing;
-    return divideByWeights(tag, total, saupe);
+    return divideByWeights(tag, total, saupe, messages);
 }
 
 /// Sums over the orientations at each position of a rod.
@@ -105,14 +108,14 @@ struct RodSums {
 /// Extends the grid as far as the potential reaches, and tells how far that is.
 void extendRodGrid(const Charged &charged, double beta, PositionGrid &grid)
 {
-    const TrelmInfo &info = charged.trelmInfo;
+    Messages &messages = charged.setup.messages;
+    const AlignmentOptions &info = charged.setup.options;
     const double radius = number(info.radiusModel), cutoff = info.cutoffPot;
     const auto isBelow = [&](double distance) {
         return std::fabs(surfacePotential(charged.field, distance - radius)) < cutoff;
     };
     if (isBelow(grid.lastDist()))
-        std::fprintf(stderr,
-                     "Warning: Potential drops within clash region to below %e!\n"
+        messages.err("Warning: Potential drops within clash region to below %e!\n"
                      "         ---> Magnitude of alignment tensor wrong!\n",
                      cutoff);
     bool isFound = false;
@@ -121,36 +124,36 @@ void extendRodGrid(const Charged &charged, double beta, PositionGrid &grid)
         return last <= beta && !isFound;
     };
     if (!extendPositions(grid, number(info.gridSpacing), reachesOn))
-        warnShortGrid(grid);
-    std::fprintf(stderr, "REMARK Value of potential at cutoff: %e\n",
+        warnShortGrid(grid, messages);
+    messages.err("REMARK Value of potential at cutoff: %e\n",
                  surfacePotential(charged.field, grid.lastDist() - radius));
-    std::fprintf(stderr, "REMARK # of translational points for EL: %d\n", grid.last);
-    std::fprintf(stderr, "REMARK Maximum distance: %e\n", grid.lastDist());
+    messages.err("REMARK # of translational points for EL: %d\n", grid.last);
+    messages.err("REMARK Maximum distance: %e\n", grid.lastDist());
     if (!isFound)
-        std::fprintf(stderr,
-                     "Warning: Potentials between neighbouring cells overlapping, cutoff %e!\n"
+        messages.err("Warning: Potentials between neighbouring cells overlapping, cutoff %e!\n"
                      "         ---> Magnitude of alignment tensor wrong!\n",
                      cutoff);
 }
 
 void reportRod(const Charged &charged, double end_dist, double beta, const PositionGrid &grid)
 {
-    const TrelmInfo &info = charged.trelmInfo;
-    std::printf("@@ trelmInfo->cutoffPot: %e\n", info.cutoffPot);
-    std::printf("@@ trelmInfo->radiusModel: %f\n", number(info.radiusModel));
-    std::printf("@@ trelmInfo->concentration: %f\n", number(info.concentration));
-    std::printf("@@ density: %f\n", rodDensity);
-    std::printf("@@ end_dist: %f\n", end_dist);
-    std::printf("@@ beta: %f\n", beta);
-    std::printf("@@ no_pt_ph: %d\n", grid.grid_el);
-    std::printf("@@ lengthGrid: %d\n", grid.last);
-    std::printf("digPsi = %d    dots = %d   inc_psi = %.1f\n", info.digPsiNSC,
-                static_cast<int>(charged.set.dots.size() / 3), 360.0 / info.digPsiNSC);
+    Messages &messages = charged.setup.messages;
+    const AlignmentOptions &info = charged.setup.options;
+    messages.out("@@ trelmInfo->cutoffPot: %e\n", info.cutoffPot);
+    messages.out("@@ trelmInfo->radiusModel: %f\n", number(info.radiusModel));
+    messages.out("@@ trelmInfo->concentration: %f\n", number(info.concentration));
+    messages.out("@@ density: %f\n", rodDensity);
+    messages.out("@@ end_dist: %f\n", end_dist);
+    messages.out("@@ beta: %f\n", beta);
+    messages.out("@@ no_pt_ph: %d\n", grid.grid_el);
+    messages.out("@@ lengthGrid: %d\n", grid.last);
+    messages.out("digPsi = %d    dots = %d   inc_psi = %.1f\n", info.digPsiNSC,
+                 static_cast<int>(charged.set.dots.size() / 3), 360.0 / info.digPsiNSC);
 }
 
 void sumBesideRod(const Charged &charged, const PositionGrid &grid, RodEnergy &energy, RodSums &sums)
 {
-    const TrelmInfo &info = charged.trelmInfo;
+    const AlignmentOptions &info = charged.setup.options;
     RodKernel kernel = makeRodKernel(charged.placed.atoms, grid.touchable(), number(info.radiusModel),
                                      number(info.radiusAtom));
     std::vector<Interval> blocked;
@@ -192,7 +195,7 @@ std::vector<std::size_t> binStarts(std::span<const float> distances)
 
 /// What each range of distances adds to the weights and to the order.
 void reportBins(std::span<const float> distances, const RodSums &sums, double radius, float total_ph,
-                const Saupe &saupe)
+                const Saupe &saupe, Messages &messages)
 {
     const std::vector<std::size_t> starts = binStarts(distances);
     struct Bin {
@@ -212,20 +215,21 @@ void reportBins(std::span<const float> distances, const RodSums &sums, double ra
         bins.push_back(bin);
     }
     for (const Bin &bin : bins)
-        std::printf("%6.1f %6.1f  %e\n", bin.from, bin.to, bin.share);
+        messages.out("%6.1f %6.1f  %e\n", bin.from, bin.to, bin.share);
     double whole = 0.0;
     Saupe irreducible;
     irreducRepres(saupe, whole, irreducible);
     for (const Bin &bin : bins) {
         double magnitude = 0.0;
         irreducRepres(bin.sum, magnitude, irreducible);
-        std::printf("%6.1f %6.1f  %e  %e\n", bin.from, bin.to, whole > 0.0 ? magnitude / whole : 0.0,
-                    magnitude);
+        messages.out("%6.1f %6.1f  %e  %e\n", bin.from, bin.to, whole > 0.0 ? magnitude / whole : 0.0,
+                     magnitude);
     }
 }
 
 /// The weights of the grid with the growth of the rings; prints how they spread over the distances.
-float reportWeights(const PositionGrid &grid, const RodSums &sums, double radius, const Saupe &saupe)
+float reportWeights(const PositionGrid &grid, const RodSums &sums, double radius, const Saupe &saupe,
+                    Messages &messages)
 {
     const std::span<const float> distances = grid.positions();
     float total_ph = 0.0f;
@@ -237,36 +241,38 @@ float reportWeights(const PositionGrid &grid, const RodSums &sums, double radius
         test += sums.total[i] / sums.pCount[i];
         p += sums.totalNew[i] / sums.pCount[i];
     }
-    std::printf("total_ph: %e    test: %e    p: %e  ln(p): %e\n", number(total_ph), test, p,
-                p < 0.0 ? std::nan("") : std::log(p));
-    std::printf("grid_el[0] = %.1f   grid_el[lengthGrid %d] = %.1f   d = %.1f\n", number(distances.front()),
-                grid.last, grid.lastDist(), grid.lastDist() - number(distances.front()));
-    reportBins(distances, sums, radius, total_ph, saupe);
+    messages.out("total_ph: %e    test: %e    p: %e  ln(p): %e\n", number(total_ph), test, p,
+                 p < 0.0 ? std::nan("") : std::log(p));
+    messages.out("grid_el[0] = %.1f   grid_el[lengthGrid %d] = %.1f   d = %.1f\n", number(distances.front()),
+                 grid.last, grid.lastDist(), grid.lastDist() - number(distances.front()));
+    reportBins(distances, sums, radius, total_ph, saupe, messages);
     return total_ph;
 }
 
 /// Once a run: charges that feel nothing.
-void tellBeyond(bool isBeyond, Potential &potential)
+void tellBeyond(bool isBeyond, Potential &potential, Messages &messages)
 {
     if (!isBeyond || potential.isTold)
         return;
     potential.isTold = true;
-    complain(potential.count == 0
-                 ? "REMARK Without a potential table charges beside a rod feel no potential.\n"
-                 : "REMARK Charges beyond the distances of the potential table feel no potential.\n");
+    messages.err("%s",
+                 potential.count == 0
+                     ? "REMARK Without a potential table charges beside a rod feel no potential.\n"
+                     : "REMARK Charges beyond the distances of the potential table feel no potential.\n");
 }
 
-int simulateRod(const Charged &charged, PositionGrid &grid, Potential &potential, Saupe &saupe)
+Status simulateRod(const Charged &charged, PositionGrid &grid, Potential &potential, Saupe &saupe)
 {
-    const TrelmInfo &info = charged.trelmInfo;
+    Messages &messages = charged.setup.messages;
+    const AlignmentOptions &info = charged.setup.options;
     const double radius = number(info.radiusModel), spacing = number(info.gridSpacing);
-    reportField(charged.field);
+    reportField(charged.field, messages);
     const double end_dist = radius / std::sqrt(number(info.concentration) / rodDensity) - radius;
     const double beta = end_dist + radius;
     const double start = std::min(0.0, number(grid.positionDist[0])); // below 0 with a radius below 0
     if (!((beta - start) / spacing <= mostSteps))
-        return complain("trelm: -wv %g, -dGrid %g: more than %g steps to the next rod.\n",
-                        number(info.concentration), spacing, mostSteps);
+        return messages.fail("trelm: -wv %g, -dGrid %g: more than %g steps to the next rod.\n",
+                             number(info.concentration), spacing, mostSteps);
     extendRodGrid(charged, beta, grid);
     reportRod(charged, end_dist, beta, grid);
 
@@ -274,50 +280,50 @@ int simulateRod(const Charged &charged, PositionGrid &grid, Potential &potential
     RodSums sums(distances.size());
     RodEnergy energy = makeRodEnergy(potential, radius, distances);
     sumBesideRod(charged, grid, energy, sums);
-    tellBeyond(energy.isBeyond, potential);
+    tellBeyond(energy.isBeyond, potential, messages);
     for (std::size_t i = 0; i < distances.size(); ++i)
         addWeighted(saupe, sums.saupe_dis[i], number(distances[i]) / radius);
-    float total_ph = reportWeights(grid, sums, radius, saupe);
+    float total_ph = reportWeights(grid, sums, radius, saupe, messages);
     double v = grid.lastDist() + spacing; // the free rest, up to the next rod, rounded as the rest is
     while (v <= beta) {
         total_ph = static_cast<float>(number(total_ph) + v / radius * charged.set.count());
         v += spacing;
     }
-    return divideByWeights(tag, number(total_ph), saupe);
+    return divideByWeights(tag, number(total_ph), saupe, messages);
 }
 
 } // namespace
 
-void reportSetBias(const OrientationSet &set, const char *prefix)
+void reportSetBias(const OrientationSet &set, const char *prefix, Messages &messages)
 {
     Saupe saupe_dev = {};
     forEachTurn(set, [&](const Turn &turn) { addWeighted(saupe_dev, turn.saupe, 1.0); });
     for (std::size_t k = 0; k < saupe_dev.size(); ++k) {
         saupe_dev[k] /= set.count();
-        std::printf("%so_pts: %d    saupe_dev[%zu]: %e\n", prefix, set.count(), k, saupe_dev[k]);
+        messages.out("%so_pts: %d    saupe_dev[%zu]: %e\n", prefix, set.count(), k, saupe_dev[k]);
     }
     double gMag = 0.0;
     Saupe irreducible;
     irreducRepres(saupe_dev, gMag, irreducible);
-    std::printf("%sdeviation from uniform distribution:  %e   %e\n", prefix, gMag, 50.0 * gMag);
+    messages.out("%sdeviation from uniform distribution:  %e   %e\n", prefix, gMag, 50.0 * gMag);
 }
 
-int sma(const TrelmInfo &trelmInfo, const Coordinates &atoms, std::span<const double> dots,
-        const SmaSetup &setup, const ChargeSet &charges, Potential &potential, Saupe &saupe)
+Status sma(const AlignmentSetup &setup, const Coordinates &atoms, const SmaSetup &sizes,
+           const ChargeSet &charges, Potential &potential, Saupe &saupe)
 {
     saupe = {};
-    const Charged charged{trelmInfo,
-                          {atoms, &charges},
-                          fieldConstants(trelmInfo),
-                          makeOrientationSet(dots, trelmInfo.digPsiNSC)};
-    reportSetBias(charged.set, "");
-    scalePotential(trelmInfo, potential);
+    const AlignmentOptions &options = setup.options;
+    Messages &messages = setup.messages;
+    const Charged charged{
+        setup, {atoms, &charges}, fieldConstants(options), makeOrientationSet(setup.dots, options.digPsiNSC)};
+    reportSetBias(charged.set, "", messages);
+    scalePotential(options, potential, messages);
     PositionGrid grid;
-    if (!layPositions(tag, gridSetup(trelmInfo, setup), grid))
+    if (!layPositions(tag, gridSetup(options, sizes), grid, messages))
         mzerror("allocation failure for grid_el");
-    reportGrid(trelmInfo, setup, grid);
-    return trelmInfo.lcType == lcWall ? simulateWall(charged, grid, saupe)
-                                      : simulateRod(charged, grid, potential, saupe);
+    reportGrid(setup, sizes, grid);
+    return options.lcType == lcWall ? simulateWall(charged, grid, saupe)
+                                    : simulateRod(charged, grid, potential, saupe);
 }
 
 } // namespace trelm

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "couplings/tensor.h"
-#include "ground/trelm.h"
+#include "simulation/alignment/setup.h"
 #include "simulation/charges/charges.h"
 #include "simulation/charges/field.h"
 #include "simulation/charges/potential.h"
@@ -21,16 +21,15 @@ struct SmaSetup {
     double max_protein_length = 0.0, min_protein_length = 0.0;
 };
 
-/// The elements of all orientations averaged: what the finite set shows without any weight. Prints them, and
-/// their magnitude, on standard output; `prefix` stands before each line.
-void reportSetBias(const OrientationSet &set, const char *prefix);
+/// The elements of all orientations averaged, and their magnitude: what the finite set shows without any
+/// weight. `prefix` stands before each line.
+void reportSetBias(const OrientationSet &set, const char *prefix, Messages &messages);
 
-/// The weighted simulation beside a wall or a rod. Divides the potential table by kPot and prints what it
-/// finds on standard output. Returns 0, or 1 after a message. `saupe`: in the sense of the surviving
-/// orientations. The weights of the free distances to the next rod are summed in single precision, one step
-/// of gridSpacing after the other: 1e5 steps leave their sum right to 2e-6, 1e6 to 4e-4, 1e8 to a half. More
-/// are refused.
-int sma(const TrelmInfo &trelmInfo, const Coordinates &atoms, std::span<const double> dots,
-        const SmaSetup &setup, const ChargeSet &charges, Potential &potential, Saupe &saupe);
+/// The weighted simulation beside a wall or a rod. Divides the potential table by kPot and tells what it
+/// finds. Fails after a message. `saupe`: in the sense of the surviving orientations. The weights of the free
+/// distances to the next rod are summed in single precision, one step of gridSpacing after the other: 1e5
+/// steps leave their sum right to 2e-6, 1e6 to 4e-4, 1e8 to a half. More are refused.
+Status sma(const AlignmentSetup &setup, const Coordinates &atoms, const SmaSetup &sizes,
+           const ChargeSet &charges, Potential &potential, Saupe &saupe);
 
 } // namespace trelm

@@ -30,17 +30,17 @@ std::vector<float> centred(std::span<const double> column, double shift)
 /// The distance of an atom from the middle plane of a wall or from the axis of a rod, and the potential
 /// there.
 struct Obstacle {
-    const TrelmInfo &info;
+    const AlignmentOptions &options;
     FieldConstants field;
 
-    [[nodiscard]] bool isWall() const { return info.lcType == lcWall; }
+    [[nodiscard]] bool isWall() const { return options.lcType == lcWall; }
     [[nodiscard]] bool touches(float y, float z) const
     {
-        return (isWall() ? z : std::sqrt(y * y + z * z)) <= info.radiusModel + info.radiusAtom;
+        return (isWall() ? z : std::sqrt(y * y + z * z)) <= options.radiusModel + options.radiusAtom;
     }
     [[nodiscard]] double potential(float y, float z) const
     {
-        const double radius = number(info.radiusModel);
+        const double radius = number(options.radiusModel);
         if (isWall())
             return surfacePotential(field, number(z) - radius);
         // surfacePotential but for the decay in single precision, which weights that are compared with older
@@ -52,129 +52,122 @@ struct Obstacle {
     }
 };
 
+/// What both faces share.
+struct FaceJob {
+    PDBInfo *pdbInfo;
+    const AlignmentOptions &options;
+    const ChargeSet &charges;
+    Potential &potential;
+    Messages &messages;
+    SelectionBuffers buffers = {};
+};
+
 /// The whole molecule into the frame of the tensor.
-int turnIntoFrame(const EulerLists &euler, PDBInfo *pdbInfo)
+Status turnIntoFrame(const EulerLists &euler, const FaceJob &job)
 {
-    const int status = rotateDomain({-euler.gamma[0], -euler.beta[0], -euler.alpha[0]}, pdbInfo,
-                                    pdbInfo->minResID, pdbInfo->maxResID);
-    if (status != 0)
-        complain("trelm: error in rotateDomain.");
-    return status;
+    PDBInfo *pdbInfo = job.pdbInfo;
+    if (rotateDomain({-euler.gamma[0], -euler.beta[0], -euler.alpha[0]}, pdbInfo, pdbInfo->minResID,
+                     pdbInfo->maxResID) != 0)
+        return job.messages.fail("trelm: error in rotateDomain.");
+    return Status::ok;
 }
 
 /// The other face to the particle.
-int flip(PDBInfo *pdbInfo)
+Status flip(const FaceJob &job)
 {
-    int status = shiftMol2Domain(pdbInfo, pdbInfo->minResID, pdbInfo->maxResID);
-    if (status != 0) {
-        complain("trelm: error in shiftMol2Domain.\n");
-        return status;
-    }
-    status = rotateDomain({0.0, 180.0, 0.0}, pdbInfo, pdbInfo->minResID, pdbInfo->maxResID);
-    if (status != 0)
-        complain("trelm: error in rotateDomain.");
-    return status;
+    PDBInfo *pdbInfo = job.pdbInfo;
+    if (shiftMol2Domain(pdbInfo, pdbInfo->minResID, pdbInfo->maxResID) != 0)
+        return job.messages.fail("trelm: error in shiftMol2Domain.\n");
+    if (rotateDomain({0.0, 180.0, 0.0}, pdbInfo, pdbInfo->minResID, pdbInfo->maxResID) != 0)
+        return job.messages.fail("trelm: error in rotateDomain.");
+    return Status::ok;
 }
 
 /// The weight of the molecule as it stands.
-int weighFace(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const ChargeSet &original,
-              SelectionBuffers &buffers, Potential &potential, double &prob)
+Status weighFace(FaceJob &job, double &prob)
 {
     Chosen chosen;
-    const int status = selectSolute(pdbInfo, trelmInfo, original, buffers, 0, chosen);
-    restoreMarks(pdbInfo, buffers.marks);
-    if (status != 0) {
-        complain("trelm: error reading selection of atoms.\n");
-        return status;
-    }
-    const bool isWeighed = // without atoms there is no face
-        !chosen.atoms.x.empty() && iFace(trelmInfo, chosen.atoms, chosen.charges, potential, prob) == 0;
-    return isWeighed ? 0 : complain("trelm: error determining interaction face.\n");
+    const Status status =
+        selectSolute(job.pdbInfo, job.options, job.charges, job.buffers, chosen, job.messages);
+    restoreMarks(job.pdbInfo, job.buffers.marks);
+    if (status != Status::ok)
+        return job.messages.fail("trelm: error reading selection of atoms.\n");
+    if (chosen.atoms.x.empty()) // without atoms there is no face
+        return job.messages.fail("trelm: error determining interaction face.\n");
+    iFace(job.options, chosen.atoms, chosen.charges, job.potential, prob, job.messages);
+    return Status::ok;
 }
 
-/// Weighs both faces. `isFlipped` tells whether the flipped one is written.
-int weighBothFaces(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const ChargeSet &charges,
-                   SelectionBuffers &buffers, Potential &potential, bool &isFlipped)
+/// Weighs both faces; the molecule is flipped then.
+Status weighBothFaces(FaceJob &job, FaceWeights &weights)
 {
-    double initial = 0.0, rotated = 0.0;
-    int status = weighFace(pdbInfo, trelmInfo, charges, buffers, potential, initial);
-    if (status != 0)
-        return status;
-    std::printf("REMARK Probability of initial orientation %e.\n", initial);
-    status = flip(pdbInfo);
-    if (status == 0)
-        status = weighFace(pdbInfo, trelmInfo, charges, buffers, potential, rotated);
-    if (status != 0)
-        return status;
-    std::printf("REMARK Probability of 180 deg. rotated orientation %e.\n", rotated);
-    isFlipped = initial > rotated;
-    if (std::isnan(initial) || std::isnan(rotated))
-        complain("Warning: the weight of a face is no number, the molecule is not flipped.\n");
-    return 0;
+    if (weighFace(job, weights.initial) != Status::ok)
+        return Status::failed;
+    job.messages.out("REMARK Probability of initial orientation %e.\n", weights.initial);
+    if (flip(job) != Status::ok || weighFace(job, weights.rotated) != Status::ok)
+        return Status::failed;
+    job.messages.out("REMARK Probability of 180 deg. rotated orientation %e.\n", weights.rotated);
+    if (std::isnan(weights.initial) || std::isnan(weights.rotated))
+        job.messages.err("Warning: the weight of a face is no number, the molecule is not flipped.\n");
+    return Status::ok;
 }
 
-int writeFace(const EulerLists &euler, PDBInfo *pdbInfo, const FaceOutput &output, const ChargeSet &charges,
-              bool isFlipped)
+Status writeFace(const EulerLists &euler, const FaceJob &job, const FaceOutput &output, bool isFlipped)
 {
-    int status = turnIntoFrame(euler, pdbInfo);
-    if (status == 0 && isFlipped)
-        status = flip(pdbInfo);
-    if (status != 0)
-        return status;
-    labelCharges(pdbInfo, charges);
-    return output.outName.empty() ? 0 : writePDB(output.outName, pdbInfo, nullptr, output.remark);
+    if (turnIntoFrame(euler, job) != Status::ok || (isFlipped && flip(job) != Status::ok))
+        return Status::failed;
+    labelCharges(job.pdbInfo, job.charges);
+    const bool isWritten =
+        output.outName.empty() || writePDB(output.outName, job.pdbInfo, nullptr, output.remark) == 0;
+    return isWritten ? Status::ok : Status::failed;
 }
 
 } // namespace
 
-int iFace(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, const ChargeSet &charges,
-          Potential &potential, double &prob)
+void iFace(const AlignmentOptions &options, const CoordinateBuffers &atoms, const ChargeSet &charges,
+           Potential &potential, double &prob, Messages &messages)
 {
     for (int i = 0; i < potential.count; ++i) {
         double &value = potential.values[static_cast<std::size_t>(i)];
-        value = number(static_cast<float>(value) * trelmInfo.kPot);
+        value = number(static_cast<float>(value) * options.kPot);
     }
-    if (trelmInfo.lcType != lcWall && trelmInfo.lcType != lcRod)
-        return 0;
+    if (options.lcType != lcWall && options.lcType != lcRod)
+        return;
     const std::vector<float> y = centred(atoms.y, 0.0);
-    const std::vector<float> z = centred(atoms.z, number(trelmInfo.radiusModel) + number(trelmInfo.iFace));
-    const Obstacle obstacle = {trelmInfo, fieldConstants(trelmInfo)};
-    if (!obstacle.isWall() || trelmInfo.chFlag != 0)
-        reportField(obstacle.field);
+    const std::vector<float> z = centred(atoms.z, number(options.radiusModel) + number(options.iFace));
+    const Obstacle obstacle = {options, fieldConstants(options)};
+    if (!obstacle.isWall() || options.chFlag != 0)
+        reportField(obstacle.field, messages);
     for (std::size_t j = 0; j < z.size(); ++j)
         if (obstacle.touches(y[j], z[j])) {
             prob = 0.0;
-            std::fputs("WARNING: Molecule too close to LC particel ...\n"
-                       "         Interaction face cannot be determined!\n",
-                       stderr);
-            return 0;
+            messages.err("WARNING: Molecule too close to LC particel ...\n"
+                         "         Interaction face cannot be determined!\n");
+            return;
         }
     double energy = 0.0;
     for (std::size_t c = 0; c < static_cast<std::size_t>(charges.chCount); ++c) {
         const auto place = static_cast<std::size_t>(charges.chargeAtomID[c]);
         energy += obstacle.potential(y[place], z[place]) * number(charges.charges[c]);
     }
-    prob = std::exp(-number(trelmInfo.kEnergy * static_cast<float>(energy)));
-    return 0;
+    prob = std::exp(-number(options.kEnergy * static_cast<float>(energy)));
 }
 
-int iFacePDB(const EulerLists &euler, PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const FaceOutput &output,
-             Potential &potential, const ChargeSet &charges)
+Status iFacePDB(const EulerLists &euler, PDBInfo *pdbInfo, const AlignmentOptions &options,
+                const FaceOutput &output, Potential &potential, const ChargeSet &charges)
 {
-    SelectionBuffers buffers;
-    if (makeSelectionBuffers("iFacePDB", *pdbInfo, buffers) != 0)
-        return 1;
-    if (storePDBCoords(pdbInfo) != 0)
-        return complain("trelm: error in storePDBCoords.\n");
-    bool isFlipped = false;
-    int status = turnIntoFrame(euler, pdbInfo);
-    if (status == 0)
-        status = weighBothFaces(pdbInfo, trelmInfo, charges, buffers, potential, isFlipped);
-    if (restorePDBCoords(pdbInfo) != 0)
-        return complain("trelm: error in restorePDBCoords.\n");
-    if (status != 0)
+    FaceJob job = {pdbInfo, options, charges, potential, output.messages};
+    if (makeSelectionBuffers("iFacePDB", *pdbInfo, job.buffers, job.messages) != Status::ok)
+        return Status::failed;
+    storePDBCoords(pdbInfo);
+    FaceWeights weights;
+    Status status = turnIntoFrame(euler, job);
+    if (status == Status::ok)
+        status = weighBothFaces(job, weights);
+    restorePDBCoords(pdbInfo);
+    if (status != Status::ok)
         return status;
-    status = writeFace(euler, pdbInfo, output, charges, isFlipped);
+    status = writeFace(euler, job, output, weights.initial > weights.rotated);
     restorePDBCoords(pdbInfo);
     return status;
 }

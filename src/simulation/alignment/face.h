@@ -2,7 +2,8 @@
 #pragma once
 
 #include "couplings/euler.h"
-#include "ground/trelm.h"
+#include "ground/messages.h"
+#include "simulation/alignment/options.h"
 #include "simulation/charges/charges.h"
 #include "simulation/charges/potential.h"
 #include "simulation/obstacle/atom_selection.h"
@@ -15,21 +16,27 @@ namespace trelm {
 /// The Boltzmann weight of the molecule as it stands, its geometric centre iFace angstrom from the surface:
 /// of a wall in the plane z = 0 or of a rod along x, on the side of the molecule's negative z. Multiplies the
 /// table by kPot, at each call, and does not read it: the field is that of the surface charge. A molecule
-/// that touches the particle has the weight 0, with a warning. Other models leave `prob` as it is. Returns 0.
-int iFace(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, const ChargeSet &charges,
-          Potential &potential, double &prob);
+/// that touches the particle has the weight 0, with a warning. Other models leave `prob` as it is.
+void iFace(const AlignmentOptions &options, const CoordinateBuffers &atoms, const ChargeSet &charges,
+           Potential &potential, double &prob, Messages &messages);
+
+/// The Boltzmann weights of a molecule as it stands, and flipped by 180 degrees.
+struct FaceWeights {
+    double initial = 0.0, rotated = 0.0;
+};
 
 /// Where the result goes.
 struct FaceOutput {
     std::string outName;          ///< PDB file; empty: none
     const char *remark = nullptr; ///< of that file; may be null
+    Messages &messages;
 };
 
 /// Turns the molecule into the first frame of `euler`, weighs it as it is and flipped by 180 degrees, prints
-/// both weights on standard output, and writes the one of lower weight with its charges marked. The marks of
+/// both weights, and writes the one of lower weight with its charges marked. The marks of
 /// the selection choose the atoms. `charges`: by their atoms in the molecule. Coordinates and selection are
-/// as before at the end. Returns 0, or the status of a failing step after a message.
-int iFacePDB(const EulerLists &euler, PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const FaceOutput &output,
-             Potential &potential, const ChargeSet &charges);
+/// as before at the end. Fails after a message.
+Status iFacePDB(const EulerLists &euler, PDBInfo *pdbInfo, const AlignmentOptions &options,
+                const FaceOutput &output, Potential &potential, const ChargeSet &charges);
 
 } // namespace trelm

@@ -1,6 +1,5 @@
 #include "simulation/alignment/free_format.h"
 
-#include "couplings/output.h"
 #include "ground/alloc.h"
 #include "simulation/alignment/alignment.h"
 #include "simulation/orientations/sphere.h"
@@ -63,9 +62,9 @@ bool readRecord(Words &words, float (&place)[3])
     });
 }
 
-int readError()
+Status readError(Messages &messages)
 {
-    return complain("Matrix: Error reading PDB file in free format.\n");
+    return messages.fail("Matrix: Error reading PDB file in free format.\n");
 }
 
 /// The coordinates of a run of this mode.
@@ -85,69 +84,65 @@ struct FreeBuffers {
 
 } // namespace
 
-int readPDBfree(const std::string &inName, int &atomCount, const CoordinateBuffers &atoms)
+Status readPDBfree(const std::string &inName, int &atomCount, const CoordinateBuffers &atoms,
+                   Messages &messages)
 {
     atomCount = 0;
     if (inName.empty())
-        return 0;
+        return Status::ok;
     TextInput input;
     const TextStatus status = readText(input, inName);
     if (status == TextStatus::noFile)
-        return complain("readPDBfree File open error: %s.\n", inName.c_str());
+        return messages.fail("readPDBfree File open error: %s.\n", inName.c_str());
     if (status != TextStatus::read)
-        return 1;
+        return Status::failed;
     Words words{input.text};
     if (!findAtomWord(words, false))
-        return complain("readPDBfree: %s holds no ATOM record.\n", inName.c_str());
+        return messages.fail("readPDBfree: %s holds no ATOM record.\n", inName.c_str());
     do {
         float place[3] = {};
         if (!readRecord(words, place))
-            return complain("readPDBfree: record %d of %s is not complete or holds no numbers.\n",
-                            atomCount + 1, inName.c_str());
+            return messages.fail("readPDBfree: record %d of %s is not complete or holds no numbers.\n",
+                                 atomCount + 1, inName.c_str());
         const auto i = static_cast<std::size_t>(atomCount++);
         atoms.x[i] = static_cast<double>(place[0]);
         atoms.y[i] = static_cast<double>(place[1]);
         atoms.z[i] = static_cast<double>(place[2]);
     } while (atomCount < maxFreeAtoms && findAtomWord(words, true));
     if (atomCount >= maxFreeAtoms)
-        return complain("error in readPDBfree: too many atoms.\n");
-    return 0;
+        return messages.fail("error in readPDBfree: too many atoms.\n");
+    return Status::ok;
 }
 
-int ssiaFree(TrelmInfo *trelmInfo, const std::string &pdbFreeName, const std::string &outAName, DTable *dTab)
+Status ssiaFree(const AlignmentOptions &options, const std::string &pdbFreeName, Saupe &saupe,
+                Messages &messages)
 {
     FreeBuffers buffers;
     if (!buffers.complete())
-        return complain("Error allocating coord buffers.\n");
-    refine_bicelle(trelmInfo);
+        return messages.fail("Error allocating coord buffers.\n");
     int atomCount = 0;
-    if (readPDBfree(pdbFreeName, atomCount, buffers.first(maxFreeAtoms)) != 0)
-        return readError();
-    std::fprintf(stderr, "%s, %d Atoms, Free format.\n", pdbFreeName.c_str(), atomCount);
-    std::span<const double> dots;
-    if (do_unsp(trelmInfo->densityNSC, dots) != 0 || dots.size() > buffers.ddots.span().size())
-        return complain("Matrix: unsp error occured.\n");
-    // A copy, since the surface takes dots of its own from the same generator.
-    std::ranges::copy(dots, buffers.ddots.data());
-    const std::span<const double> ddots = buffers.ddots.span().first(dots.size());
+    if (readPDBfree(pdbFreeName, atomCount, buffers.first(maxFreeAtoms), messages) != Status::ok)
+        return readError(messages);
+    messages.err("%s, %d Atoms, Free format.\n", pdbFreeName.c_str(), atomCount);
+    std::vector<double> dots; // checkSimulation has bounded them
+    if (!do_unsp(options.densityNSC, dots))
+        return messages.fail("Matrix: unsp error occured.\n");
 
     int atomSelCount = 0;
-    if (surfSel(atomCount, buffers.first(atomCount), atomSelCount) != 0)
-        return readError();
+    if (surfSel(atomCount, buffers.first(atomCount), atomSelCount, messages) != Status::ok)
+        return readError(messages);
     if (atomSelCount == 0)
-        return complain("TRELM: error - zero atoms remain after surface selection!\n");
-    std::printf("REMARK %d atoms selected for simulation.\n", atomSelCount);
+        return messages.fail("TRELM: error - zero atoms remain after surface selection!\n");
+    messages.out("REMARK %d atoms selected for simulation.\n", atomSelCount);
     const CoordinateBuffers atoms = buffers.first(atomSelCount);
     const float distance = centreAtoms(atoms);
-    Saupe saupe = {};
-    const int status = runSteric(*trelmInfo, atoms, distance, ddots, saupe);
-    if (status != 0) {
-        complain("simulateAlignment: error in stericAlignment.");
-        return status;
-    }
-    for (std::size_t k = 0; k < saupe.size(); ++k)
-        dTab->dTensor.saupe[k] = static_cast<float>(-saupe[k] * static_cast<double>(trelmInfo->lcOrder));
-    return writeDCmod(outAName, "w", dTab, trelmInfo, "");
+    const double rSingleCell = static_cast<double>(refine_bicelle(options).rSingleCell);
+    if (runSteric({options, messages, rSingleCell, dots}, atoms, distance, saupe) != Status::ok)
+        return messages.fail("simulateAlignment: error in stericAlignment.");
+    // What survives beside the obstacle averages to the opposite sign.
+    for (double &element : saupe)
+        element *= -static_cast<double>(options.lcOrder);
+    return Status::ok;
 }
 
 } // namespace trelm

@@ -20,7 +20,7 @@ constexpr const char *prefix = "REMARK  ";
 /// the sample's volume per length of all particles, which lie side by side through it. The mass and molecular
 /// weight of the particles give their number, the unit length times the degree of polymerisation the length
 /// of each.
-float cellSize(const TrelmInfo &info)
+float cellSize(const Grid3DOptions &info)
 {
     return static_cast<float>(1.0e10 *
                               std::sqrt(1.0e-9 * number(info.volSample) * number(info.mwLC) /
@@ -28,58 +28,65 @@ float cellSize(const TrelmInfo &info)
                                          number(info.unitLengthLC) * 1.0e-10 * number(info.polymerDeg))));
 }
 
-bool isNarrow(const TrelmInfo &info)
+bool isNarrow(const Grid3DOptions &info, float cell)
 {
-    return info.rSingleCell - static_cast<float>(info.grid3DnX) * info.grid3DdeltaX < 0.0f ||
-           info.rSingleCell - static_cast<float>(info.grid3DnY) * info.grid3DdeltaY < 0.0f;
+    return cell - static_cast<float>(info.grid3DnX) * info.grid3DdeltaX < 0.0f ||
+           cell - static_cast<float>(info.grid3DnY) * info.grid3DdeltaY < 0.0f;
 }
 
-void reportGrid(const TrelmInfo &info, const Grid3D &grid, const OrientationSet &set)
+/// The grid, and the cell of a particle around it.
+struct Cell {
+    Grid3D grid;
+    float edge = 0.0f; ///< angstrom
+};
+
+void reportGrid(const AlignmentOptions &info, const Cell &cell, const OrientationSet &set, Messages &messages)
 {
-    std::printf("REMARK trelmInfo->volSample: %f\n", number(info.volSample));
-    std::printf("REMARK trelmInfo->mwLC: %f\n", number(info.mwLC));
-    std::printf("REMARK trelmInfo->massLC: %f\n", number(info.massLC));
-    std::printf("REMARK trelmInfo->unitLengthLC: %f\n", number(info.unitLengthLC));
-    std::printf("REMARK trelmInfo->polymerDeg: %f\n", number(info.polymerDeg));
-    std::printf("REMARK trelmInfo->rSingleCell: %e\n", number(info.rSingleCell));
-    std::printf("REMARK trelmInfo->maxPot: %f\n", number(info.maxPot));
-    std::printf("REMARK trelmInfo->grid3DdeltaX: %f\n", number(info.grid3DdeltaX));
-    std::printf("REMARK trelmInfo->grid3DdeltaY: %f\n", number(info.grid3DdeltaY));
-    std::printf("REMARK trelmInfo->grid3DdeltaZ: %f\n", number(info.grid3DdeltaZ));
-    std::printf("REMARK trelmInfo->grid3DnX: %d\n", info.grid3DnX);
-    std::printf("REMARK trelmInfo->grid3DnY: %d\n", info.grid3DnY);
-    std::printf("REMARK trelmInfo->grid3DnZ: %d\n", info.grid3DnZ);
-    std::printf("REMARK trelmInfo->z1: %d\n", info.z1);
-    std::printf("REMARK trelmInfo->zN: %d\n", info.zN);
-    std::printf("REMARK nZGridSel: %d\n", grid.planes());
-    std::printf("REMARK lengthGrid: %d\n", grid.count[0] * grid.count[1] * grid.planes());
-    std::printf("REMARK Digitization of orientations: digPsi = %d    dots = %d   inc_psi = %.1f\n",
-                info.digPsiNSC, static_cast<int>(set.dots.size() / 3), 360.0 / info.digPsiNSC);
-    std::printf("REMARK nX2 nY2 nZ2: %d  %d  %d\n", grid.half[0], grid.half[1], grid.half[2]);
-    std::printf("REMARK startGrid (x,y,z): %f  %f  %f\n", grid.start[0], grid.start[1], grid.start[2]);
+    const Grid3D &grid = cell.grid;
+    messages.out("REMARK trelmInfo->volSample: %f\n", number(info.volSample));
+    messages.out("REMARK trelmInfo->mwLC: %f\n", number(info.mwLC));
+    messages.out("REMARK trelmInfo->massLC: %f\n", number(info.massLC));
+    messages.out("REMARK trelmInfo->unitLengthLC: %f\n", number(info.unitLengthLC));
+    messages.out("REMARK trelmInfo->polymerDeg: %f\n", number(info.polymerDeg));
+    messages.out("REMARK trelmInfo->rSingleCell: %e\n", number(cell.edge));
+    messages.out("REMARK trelmInfo->maxPot: %f\n", number(info.maxPot));
+    messages.out("REMARK trelmInfo->grid3DdeltaX: %f\n", number(info.grid3DdeltaX));
+    messages.out("REMARK trelmInfo->grid3DdeltaY: %f\n", number(info.grid3DdeltaY));
+    messages.out("REMARK trelmInfo->grid3DdeltaZ: %f\n", number(info.grid3DdeltaZ));
+    messages.out("REMARK trelmInfo->grid3DnX: %d\n", info.grid3DnX);
+    messages.out("REMARK trelmInfo->grid3DnY: %d\n", info.grid3DnY);
+    messages.out("REMARK trelmInfo->grid3DnZ: %d\n", info.grid3DnZ);
+    messages.out("REMARK trelmInfo->z1: %d\n", info.z1);
+    messages.out("REMARK trelmInfo->zN: %d\n", info.zN);
+    messages.out("REMARK nZGridSel: %d\n", grid.planes());
+    messages.out("REMARK lengthGrid: %d\n", grid.count[0] * grid.count[1] * grid.planes());
+    messages.out("REMARK Digitization of orientations: digPsi = %d    dots = %d   inc_psi = %.1f\n",
+                 info.digPsiNSC, static_cast<int>(set.dots.size() / 3), 360.0 / info.digPsiNSC);
+    messages.out("REMARK nX2 nY2 nZ2: %d  %d  %d\n", grid.half[0], grid.half[1], grid.half[2]);
+    messages.out("REMARK startGrid (x,y,z): %f  %f  %f\n", grid.start[0], grid.start[1], grid.start[2]);
 }
 
 /// What both forms do before they look at a position.
-Grid3D startGrid(TrelmInfo &info, const OrientationSet &set)
+Cell startGrid(const AlignmentSetup &setup, const OrientationSet &set)
 {
-    reportSetBias(set, prefix);
-    info.rSingleCell = cellSize(info);
-    if (!(info.rSingleCell > 0.0f) || !std::isfinite(info.rSingleCell))
-        complain("Warning: -vol, -mwLC, -massLC, -unitLC, -polyLC give no size of the cell (%g).\n",
-                 number(info.rSingleCell));
-    if (isNarrow(info))
-        std::fputs("WARNING: Potentials between neighbouring cells overlapping!\n"
-                   "         ---> Magnitude of alignment tensor might be wrong!\n",
-                   stderr);
-    const Grid3D grid = makeGrid3D(info);
-    reportGrid(info, grid, set);
-    return grid;
+    const AlignmentOptions &info = setup.options;
+    Messages &messages = setup.messages;
+    reportSetBias(set, prefix, messages);
+    const Cell cell = {makeGrid3D(info), cellSize(info)};
+    if (!(cell.edge > 0.0f) || !std::isfinite(cell.edge))
+        messages.err("Warning: -vol, -mwLC, -massLC, -unitLC, -polyLC give no size of the cell (%g).\n",
+                     number(cell.edge));
+    if (isNarrow(info, cell.edge))
+        messages.err("WARNING: Potentials between neighbouring cells overlapping!\n"
+                     "         ---> Magnitude of alignment tensor might be wrong!\n");
+    reportGrid(info, cell, set, messages);
+    return cell;
 }
 
 /// The orientations at the free positions of the cell beyond the grid.
-double freeRest(const TrelmInfo &info, const Grid3D &grid, int orientations)
+double freeRest(const Grid3DOptions &info, const Cell &around, int orientations)
 {
-    const float cell = info.rSingleCell;
+    const auto &[grid, cell] = around;
     const bool isWider = cell - static_cast<float>(info.grid3DnX) * info.grid3DdeltaX > 0.0f ||
                          cell - static_cast<float>(info.grid3DnY) * info.grid3DdeltaY > 0.0f;
     if (!isWider)
@@ -254,7 +261,7 @@ double weighFree(const Row &row, const ChargeSet &charges, RowSearch &search)
 
 } // namespace
 
-Grid3D makeGrid3D(const TrelmInfo &info)
+Grid3D makeGrid3D(const Grid3DOptions &info)
 {
     Grid3D grid;
     grid.count = {info.grid3DnX, info.grid3DnY, info.grid3DnZ};
@@ -320,12 +327,13 @@ double weighPositions(const Grid3D &grid, const GridRows &rows, const GridPlaces
     return sum;
 }
 
-int sma3D(TrelmInfo &trelmInfo, const Coordinates &atoms, std::span<const double> dots,
-          const ChargeSet &charges, std::span<const double> pot3D, Saupe &saupe)
+Status sma3D(const AlignmentSetup &setup, const Coordinates &atoms, const ChargeSet &charges,
+             std::span<const double> pot3D, Saupe &saupe)
 {
     saupe = {};
-    const OrientationSet set = makeOrientationSet(dots, trelmInfo.digPsiNSC);
-    const Grid3D grid = startGrid(trelmInfo, set);
+    const OrientationSet set = makeOrientationSet(setup.dots, setup.options.digPsiNSC);
+    const Cell cell = startGrid(setup, set);
+    const Grid3D &grid = cell.grid;
     const GridRows rows = makeGridRows(grid, pot3D);
     GridPlaces places;
     RowSearch search;
@@ -337,24 +345,24 @@ int sma3D(TrelmInfo &trelmInfo, const Coordinates &atoms, std::span<const double
         total += weight;
     });
     // The free rest of a cell can be less than the grid that it leaves out: the sum may be negative.
-    const double rest = freeRest(trelmInfo, grid, set.count());
+    const double rest = freeRest(setup.options, cell, set.count());
     if (std::isinf(rest)) { // a cell without an end, of which no order is left
         saupe = {};
-        return 0;
+        return Status::ok;
     }
-    return divideByWeights("sma3D", total + rest, saupe);
+    return divideByWeights("sma3D", total + rest, saupe, setup.messages);
 }
 
-void ssia3D(TrelmInfo &trelmInfo, std::span<const double> dots, Saupe &saupe)
+void ssia3D(const AlignmentSetup &setup, Saupe &saupe)
 {
     saupe = {};
-    const OrientationSet set = makeOrientationSet(dots, trelmInfo.digPsiNSC);
-    const Grid3D grid = startGrid(trelmInfo, set);
+    const OrientationSet set = makeOrientationSet(setup.dots, setup.options.digPsiNSC);
+    const Cell cell = startGrid(setup, set);
     // What the atoms would meet at the first position changes nothing that is seen.
-    if (grid.hasPositions())
+    if (cell.grid.hasPositions())
         endQuietly();
-    if (freeRest(trelmInfo, grid, set.count()) <= 0.0)
-        std::fputs("WARNING: Error in simulation\n", stderr);
+    if (freeRest(setup.options, cell, set.count()) <= 0.0)
+        setup.messages.err("WARNING: Error in simulation\n");
 }
 
 } // namespace trelm

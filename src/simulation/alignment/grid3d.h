@@ -2,7 +2,7 @@
 #pragma once
 
 #include "couplings/tensor.h"
-#include "ground/trelm.h"
+#include "simulation/alignment/setup.h"
 #include "simulation/charges/charges.h"
 #include "simulation/orientations/columns.h"
 #include "simulation/orientations/orientation.h"
@@ -26,7 +26,7 @@ struct Grid3D {
     [[nodiscard]] bool hasPositions() const { return count[0] > 0 && count[1] > 0 && planes() > 0; }
 };
 
-Grid3D makeGrid3D(const TrelmInfo &trelmInfo);
+Grid3D makeGrid3D(const Grid3DOptions &options);
 
 /// The points of a grid, kT/e, and what the rows along z hold in common: the clash test asks a whole row at
 /// once.
@@ -64,13 +64,12 @@ struct RowSearch {
 double weighPositions(const Grid3D &grid, const GridRows &rows, const GridPlaces &places,
                       const ChargeSet &charges, RowSearch &search);
 
-/// The weighted simulation. Writes rSingleCell. Prints its parameters on standard output. Returns 0, or 1
-/// after a message. gridPoints has accepted the grid.
-int sma3D(TrelmInfo &trelmInfo, const Coordinates &atoms, std::span<const double> dots,
-          const ChargeSet &charges, std::span<const double> pot3D, Saupe &saupe);
+/// The weighted simulation. Tells its parameters. Fails after a message. gridPoints has accepted the grid.
+Status sma3D(const AlignmentSetup &setup, const Coordinates &atoms, const ChargeSet &charges,
+             std::span<const double> pot3D, Saupe &saupe);
 
 /// The steric form of it, which looks at the first position of the first orientation and then ends the
 /// process with status 0. Returns only if there is no position, and then there is no order.
-void ssia3D(TrelmInfo &trelmInfo, std::span<const double> dots, Saupe &saupe);
+void ssia3D(const AlignmentSetup &setup, Saupe &saupe);
 
 } // namespace trelm

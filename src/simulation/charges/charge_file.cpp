@@ -20,9 +20,9 @@ constexpr int chargeLimit = maxCharges - 1; ///< a count that reaches it is refu
 constexpr std::string_view pkaWord = "pKa";
 constexpr std::string_view chargeWord = "charge";
 
-int refuseCount()
+Status refuseCount(Messages &messages)
 {
-    return complain("Too many pKa values were supplied ...\n");
+    return messages.fail("Too many pKa values were supplied ...\n");
 }
 
 /// One line of the file.
@@ -34,13 +34,14 @@ struct PkaLine {
 
 /// The selected atoms, by residue number and in the order of the structure within a number.
 struct SelectedAtoms {
+    const PDBInfo &pdbInfo;
     struct Entry {
         int resID;
         std::size_t atom;
     };
     std::vector<Entry> entries;
 
-    explicit SelectedAtoms(const PDBInfo &pdbInfo)
+    explicit SelectedAtoms(const PDBInfo &molecule) : pdbInfo(molecule)
     {
         const auto atoms = pdbInfo.atoms();
         for (std::size_t i = 0; i < atoms.size(); ++i)
@@ -70,7 +71,7 @@ bool isDataName(std::string_view word)
     return word == pkaWord || word == chargeWord;
 }
 
-bool parseLine(std::string_view text, std::vector<std::string_view> &words, PkaLine &line)
+bool parseLine(std::string_view text, std::vector<std::string_view> &words, PkaLine &line, Messages &messages)
 {
     splitTokens(text, words);
     if (words.size() != 4 || !wholeNumber(words[0], line.resno) || !wholeNumber(words[3], line.value) ||
@@ -82,8 +83,9 @@ bool parseLine(std::string_view text, std::vector<std::string_view> &words, PkaL
     if (isDataName(line.atomName) && !isDataName(line.dataName))
         std::swap(line.dataName, line.atomName);
     if (!isDataName(line.dataName))
-        complain("Warning: %s in a line of the pka file is neither pKa nor charge: its value is a charge.\n",
-                 std::string(line.dataName).c_str());
+        messages.err(
+            "Warning: %s in a line of the pka file is neither pKa nor charge: its value is a charge.\n",
+            std::string(line.dataName).c_str());
     return true;
 }
 
@@ -106,9 +108,10 @@ const TitrationGroup *ruleFor(const PkaLine &line, const AtomInfo &atom, const P
     return name == line.atomName ? &namedAtom : nullptr;
 }
 
-int placeLine(const PkaLine &line, const SelectedAtoms &selected, const PDBInfo &pdbInfo, float pH,
-              ChargeSet &set, ChargeLines &lines)
+Status placeLine(const PkaLine &line, const SelectedAtoms &selected, float pH, ChargeSet &set,
+                 ChargeLines &lines, Messages &messages)
 {
+    const PDBInfo &pdbInfo = selected.pdbInfo;
     const float fraction = titratedFraction(pH, line.value);
     const int before = set.chCount;
     lines.known.clear(); // two lines that charge an atom are two charges
@@ -119,22 +122,23 @@ int placeLine(const PkaLine &line, const SelectedAtoms &selected, const PDBInfo 
             continue;
         const float charge = line.dataName == pkaWord ? rule->atomCharge(fraction) : rule->share * line.value;
         addLine(lines, atom.resID, atom.atomName.view(), charge);
-        if (addCharge(set, entry.atom, charge) != 0)
-            return 1;
+        if (addCharge(set, entry.atom, charge, messages) != Status::ok)
+            return Status::failed;
     }
     if (set.chCount == before)
-        complain("WARNING:   There is no residue %d or the proper atom in the given PDB file!\n", line.resno);
-    return 0;
+        messages.err("WARNING:   There is no residue %d or the proper atom in the given PDB file!\n",
+                     line.resno);
+    return Status::ok;
 }
 
 } // namespace
 
-int addCharge(ChargeSet &set, std::size_t atom, float charge)
+Status addCharge(ChargeSet &set, std::size_t atom, float charge, Messages &messages)
 {
     const auto place = static_cast<std::size_t>(set.chCount++);
     set.chargeAtomID[place] = static_cast<int>(atom);
     set.charges[place] = charge;
-    return set.chCount >= chargeLimit ? refuseCount() : 0;
+    return set.chCount >= chargeLimit ? refuseCount(messages) : Status::ok;
 }
 
 void addLine(ChargeLines &lines, int resID, std::string_view name, float charge)
@@ -149,33 +153,33 @@ void addLine(ChargeLines &lines, int resID, std::string_view name, float charge)
         lines.text += line;
 }
 
-int readChargeFile(const std::string &name, const PDBInfo &pdbInfo, float pH, ChargeSet &set,
-                   ChargeLines &lines, ResidueRange &range)
+Status readChargeFile(const std::string &name, const PDBInfo &pdbInfo, float pH, ChargeSet &set,
+                      ChargeLines &lines, Messages &messages)
 {
     TextInput input;
     const TextStatus status = readText(input, name);
     if (status == TextStatus::noFile)
-        return complain("chargeSetup File open error: %s.\n", name.c_str());
+        return messages.fail("chargeSetup File open error: %s.\n", name.c_str());
     if (status == TextStatus::bad)
-        return 1;
+        return Status::failed;
     trimEnd(input);
     if (input.text.empty())
-        complain("Warning: the pka file %s holds no lines.\n", name.c_str());
+        messages.err("Warning: the pka file %s holds no lines.\n", name.c_str());
     const SelectedAtoms selected(pdbInfo);
     std::vector<std::string_view> words;
     int lineCount = 0;
     for (std::string_view text; fgetsAlloc(input, text);) {
         PkaLine line;
-        if (!parseLine(text, words, line))
-            return complain("Error: wrong format of pka file.\nLine:%s\n", std::string(text).c_str());
-        range.first = std::min(range.first, line.resno);
-        range.last = std::max(range.last, line.resno);
-        if (placeLine(line, selected, pdbInfo, pH, set, lines) != 0)
-            return 1;
+        if (!parseLine(text, words, line, messages))
+            return messages.fail("Error: wrong format of pka file.\nLine:%s\n", std::string(text).c_str());
+        lines.range.first = std::min(lines.range.first, line.resno);
+        lines.range.last = std::max(lines.range.last, line.resno);
+        if (placeLine(line, selected, pH, set, lines, messages) != Status::ok)
+            return Status::failed;
         if (++lineCount >= chargeLimit)
-            return refuseCount();
+            return refuseCount(messages);
     }
-    return 0;
+    return Status::ok;
 }
 
 } // namespace trelm

@@ -32,24 +32,25 @@ void scaleMoments(const ChargeOptions &elInfo, ChargeSet &set)
 
 /// Scales and sums the placed charges. Returns 1 if the sum is no number, which one question tells for pH,
 /// scales and values alike.
-int settle(const ChargeOptions &elInfo, ChargeSet &set)
+Status settle(const ChargeOptions &elInfo, ChargeSet &set, Messages &messages)
 {
     scaleMoments(elInfo, set);
     set.chSum = 0.0f;
     for (const float charge : set.charges.first(static_cast<std::size_t>(set.chCount)))
         set.chSum += charge;
-    return std::isfinite(set.chSum) ? 0 : complain("Error: The net charge is not a finite number.\n");
+    return std::isfinite(set.chSum) ? Status::ok
+                                    : messages.fail("Error: The net charge is not a finite number.\n");
 }
 
-int chargeFromFile(const std::string &inName, const PDBInfo &pdbInfo, const ChargeOptions &elInfo,
-                   ChargeSet &set, ChargeLines &lines)
+Status chargeFromFile(const std::string &inName, const PDBInfo &pdbInfo, const ChargeOptions &elInfo,
+                      ChargeSet &set, ChargeLines &lines, Messages &messages)
 {
-    ResidueRange range;
-    if (readChargeFile(inName, pdbInfo, elInfo.pH, set, lines, range) != 0 || settle(elInfo, set) != 0)
-        return 1;
-    std::fprintf(stderr, "REMARK %s, %d Charges/pka Values, Net Charge %.3f Residues %d to %d.\n",
-                 inName.c_str(), set.chCount, static_cast<double>(set.chSum), range.first, range.last);
-    return 0;
+    if (readChargeFile(inName, pdbInfo, elInfo.pH, set, lines, messages) != Status::ok ||
+        settle(elInfo, set, messages) != Status::ok)
+        return Status::failed;
+    messages.err("REMARK %s, %d Charges/pka Values, Net Charge %.3f Residues %d to %d.\n", inName.c_str(),
+                 set.chCount, static_cast<double>(set.chSum), lines.range.first, lines.range.last);
+    return Status::ok;
 }
 
 /// A group whose atoms come one by one. Its lines are due at the end of the residue.
@@ -133,20 +134,22 @@ void enterResidue(ResidueGroups &groups, const AtomInfo &atom, const PDBInfo &pd
     groups.openOwn.word = defaultWord;
 }
 
-int titrateAtom(ResidueGroups &groups, std::size_t place, std::string_view name, float pH, ChargeSet &set)
+Status titrateAtom(ResidueGroups &groups, std::size_t place, std::string_view name, float pH, ChargeSet &set,
+                   Messages &messages)
 {
     for (const TitrationGroup *group : {groups.terminal[0], groups.terminal[1], groups.own}) {
         if (group == nullptr || !group->holds(name))
             continue;
         const float charge = group->atomCharge(titratedFraction(pH, group->pKa));
         addMember(group == groups.own ? groups.openOwn : groups.openTerminus, *group, name, charge);
-        if (addCharge(set, place, charge) != 0)
-            return 1;
+        if (addCharge(set, place, charge, messages) != Status::ok)
+            return Status::failed;
     }
-    return 0;
+    return Status::ok;
 }
 
-int titrateDefaults(const PDBInfo &pdbInfo, const ChargeOptions &elInfo, ChargeSet &set, ChargeLines &lines)
+Status titrateDefaults(const PDBInfo &pdbInfo, const ChargeOptions &elInfo, ChargeSet &set,
+                       ChargeLines &lines, Messages &messages)
 {
     ResidueGroups groups;
     const auto atoms = pdbInfo.atoms();
@@ -155,15 +158,15 @@ int titrateDefaults(const PDBInfo &pdbInfo, const ChargeOptions &elInfo, ChargeS
             continue;
         if (!isSameResidue(atoms[i], groups.first))
             enterResidue(groups, atoms[i], pdbInfo, elInfo.chTerminiFlag != 0, lines);
-        if (titrateAtom(groups, i, atoms[i].atomName.view(), elInfo.pH, set) != 0)
-            return 1;
+        if (titrateAtom(groups, i, atoms[i].atomName.view(), elInfo.pH, set, messages) != Status::ok)
+            return Status::failed;
     }
     leaveResidue(groups, lines);
-    if (settle(elInfo, set) != 0)
-        return 1;
-    std::fprintf(stderr, "pka Default Values, %d Charges/pka Values, Net charge %.3f   Residues %d to %d.\n",
+    if (settle(elInfo, set, messages) != Status::ok)
+        return Status::failed;
+    messages.err("pka Default Values, %d Charges/pka Values, Net charge %.3f   Residues %d to %d.\n",
                  set.chCount, static_cast<double>(set.chSum), pdbInfo.minResID, pdbInfo.maxResID);
-    return 0;
+    return Status::ok;
 }
 
 /// The rows of the residue that a walk over the atoms is in.
@@ -201,8 +204,8 @@ const ChargeRow *rowOf(const ResidueRows &rows, std::string_view name)
     return findRow(rows.own, name);
 }
 
-int placePartialCharges(ChargeTableID id, const PDBInfo &pdbInfo, const ChargeOptions &elInfo, ChargeSet &set,
-                        ChargeLines &lines)
+Status placePartialCharges(ChargeTableID id, const PDBInfo &pdbInfo, const ChargeOptions &elInfo,
+                           ChargeSet &set, ChargeLines &lines, Messages &messages)
 {
     const ChargeTable table = chargeTable(id);
     ResidueRows rows;
@@ -217,37 +220,38 @@ int placePartialCharges(ChargeTableID id, const PDBInfo &pdbInfo, const ChargeOp
         if (row == nullptr)
             continue;
         addLine(lines, atoms[i].resID, name, row->charge);
-        if (addCharge(set, i, row->charge) != 0)
-            return 1;
+        if (addCharge(set, i, row->charge, messages) != Status::ok)
+            return Status::failed;
     }
-    if (settle(elInfo, set) != 0)
-        return 1;
-    std::fprintf(stderr, "pka Default Values, %d Charges/pka Values  Net Charge %.3f, Residues %d to %d.\n",
+    if (settle(elInfo, set, messages) != Status::ok)
+        return Status::failed;
+    messages.err("pka Default Values, %d Charges/pka Values  Net Charge %.3f, Residues %d to %d.\n",
                  set.chCount, static_cast<double>(set.chSum), pdbInfo.minResID, pdbInfo.maxResID);
-    return 0;
+    return Status::ok;
 }
 
-int placeCharges(const std::string &inName, const PDBInfo &pdbInfo, const ChargeOptions &elInfo,
-                 ChargeSet &set, ChargeLines &lines)
+Status placeCharges(const std::string &inName, const PDBInfo &pdbInfo, const ChargeOptions &elInfo,
+                    ChargeSet &set, ChargeLines &lines, Messages &messages)
 {
     if (!inName.empty())
-        return elInfo.elFlag != 0 ? chargeFromFile(inName, pdbInfo, elInfo, set, lines) : 0;
+        return elInfo.elFlag != 0 ? chargeFromFile(inName, pdbInfo, elInfo, set, lines, messages)
+                                  : Status::ok;
     if (elInfo.pkaFlag == 0)
-        return 0;
+        return Status::ok;
     if (elInfo.charmm == 0)
-        return titrateDefaults(pdbInfo, elInfo, set, lines);
+        return titrateDefaults(pdbInfo, elInfo, set, lines, messages);
     if (elInfo.charmm == 1)
-        return placePartialCharges(ChargeTableID::charmm19, pdbInfo, elInfo, set, lines);
+        return placePartialCharges(ChargeTableID::charmm19, pdbInfo, elInfo, set, lines, messages);
     if (elInfo.charmm == 2 && elInfo.pH >= 6.0f && elInfo.pH <= 7.0f)
-        return placePartialCharges(ChargeTableID::charmm22, pdbInfo, elInfo, set, lines);
+        return placePartialCharges(ChargeTableID::charmm22, pdbInfo, elInfo, set, lines, messages);
     if (elInfo.charmm == 2 && elInfo.pH <= 4.0f)
-        return placePartialCharges(ChargeTableID::charmm22Acid, pdbInfo, elInfo, set, lines);
-    return 0; // the tables know no charges between
+        return placePartialCharges(ChargeTableID::charmm22Acid, pdbInfo, elInfo, set, lines, messages);
+    return Status::ok; // the tables know no charges between
 }
 
 /// The lines of a charge file have no chain and no insertion code: where one number stands for residues of
 /// different names they can not be read back as they were.
-void warnMixedNumbers(const PDBInfo &pdbInfo)
+void warnMixedNumbers(const PDBInfo &pdbInfo, Messages &messages)
 {
     std::unordered_map<int, const AtomInfo *> firstOf;
     for (const AtomInfo &atom : pdbInfo.atoms()) {
@@ -256,37 +260,37 @@ void warnMixedNumbers(const PDBInfo &pdbInfo)
         const AtomInfo *first = firstOf.try_emplace(atom.resID, &atom).first->second;
         if (first->resName == atom.resName)
             continue;
-        complain("Warning: residue number %d stands for %s and %s: the charges written can not be read back "
-                 "as they are.\n",
-                 atom.resID, first->resName.c_str(), atom.resName.c_str());
+        messages.err(
+            "Warning: residue number %d stands for %s and %s: the charges written can not be read back "
+            "as they are.\n",
+            atom.resID, first->resName.c_str(), atom.resName.c_str());
         return;
     }
 }
 
 } // namespace
 
-int chargeSetup(const std::string &inName, PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, ChargeSet &set,
-                const std::string &outName)
+Status chargeSetup(const std::string &inName, const PDBInfo &pdbInfo, const ChargeOptions &elInfo,
+                   ChargeSet &set, const std::string &outName, Messages &messages)
 {
-    const ChargeOptions &elInfo = trelmInfo;
     set.chCount = 0;
     set.chSum = 0.0f;
     if (isSameFile(inName, outName))
-        return complain("Error: %s is the pka input and the pka output file.\n", inName.c_str());
+        return messages.fail("Error: %s is the pka input and the pka output file.\n", inName.c_str());
     OutFile out;
     if (!outName.empty() && openOut(out, outName, "w") != 0)
-        return complain("TRELM Error opening file for pka output %s\n", outName.c_str());
+        return messages.fail("TRELM Error opening file for pka output %s\n", outName.c_str());
     ChargeLines lines;
-    if (placeCharges(inName, *pdbInfo, elInfo, set, lines) != 0) {
+    if (placeCharges(inName, pdbInfo, elInfo, set, lines, messages) != Status::ok) {
         set.chCount = 0;
         set.chSum = 0.0f;
-        return 1;
+        return Status::failed;
     }
     if (outName.empty())
-        return 0;
-    warnMixedNumbers(*pdbInfo);
+        return Status::ok;
+    warnMixedNumbers(pdbInfo, messages);
     writeOut(out, lines.text);
-    return closeOut(out);
+    return closeOut(out) == 0 ? Status::ok : Status::failed;
 }
 
 } // namespace trelm

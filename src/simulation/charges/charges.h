@@ -1,13 +1,16 @@
 // The charge model: point charges on the selected atoms of a structure.
 #pragma once
 
-#include "ground/trelm.h"
+#include "ground/messages.h"
+#include "simulation/charges/options.h"
 #include "structure/pdb.h"
 
 #include <span>
 #include <string>
 
 namespace trelm {
+
+constexpr int maxCharges = 1200; ///< of a simulation
 
 /// The point charges of a simulation, views of a run's buffers, counted from 0; charges in units of e.
 struct ChargeSet {
@@ -22,10 +25,10 @@ struct ChargeSet {
 /// or the CHARMM partial charges by `charmm` and `pH`. The spans of `set` hold maxCharges + 1 elements.
 /// If `outName` is not empty, that file gets the charges in a form that a later run reads as its pKa file:
 /// three decimals, before the scales kMonoCh, kQuadCh and kDipoCh, which apply to fixed places of the list.
-/// Returns 0; 1 without charges, after a message, if a file fails, a line is bad, charges (or lines of the
+/// Fails without charges, after a message, if a file fails, a line is bad, charges (or lines of the
 /// pKa file) reach maxCharges - 1, or the net charge is not finite. pKa defaults and titration: see
 /// charge_tables.h.
-int chargeSetup(const std::string &inName, PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, ChargeSet &set,
-                const std::string &outName);
+Status chargeSetup(const std::string &inName, const PDBInfo &pdbInfo, const ChargeOptions &elInfo,
+                   ChargeSet &set, const std::string &outName, Messages &messages);
 
 } // namespace trelm

@@ -35,22 +35,9 @@ Matrix3d dipoleAxes(const std::array<float, 3> &direction)
     return {x, y * s - z * 0.0, 1.0, y, z - s * x, 0.0, z, x * 0.0 - y, s};
 }
 
-void printDipole(const Dipole &dipole, const std::array<float, 3> &monopolAt,
-                 const std::array<float, 3> &dipolAt, const std::array<float, 3> &direction)
-{
-    std::printf("REMARK Total positive charge %.3f [e], Total negative charge %.3f [e].\n",
-                number(dipole.chargeDipol[0]), number(dipole.chargeDipol[1]));
-    std::printf("REMARK Monopol charge at (%.3f,%.3f,%.3f) [A] of %.3f [e].\n", number(monopolAt[0]),
-                number(monopolAt[1]), number(monopolAt[2]), number(dipole.chSum));
-    std::printf("REMARK Dipol at (%.3f,%.3f,%.3f) [A] of %.3f [Debye].\n", number(dipolAt[0]),
-                number(dipolAt[1]), number(dipolAt[2]), number(dipole.magnitude) * debye);
-    std::printf("REMARK Dipol direction (%.3f,%.3f,%.3f).\n", number(direction[0]), number(direction[1]),
-                number(direction[2]));
-}
-
 } // namespace
 
-Dipole dipoleMoment(const ChargePlaces &places, int verb)
+Dipole dipoleMoment(const ChargePlaces &places)
 {
     Dipole dipole;
     float &positive = dipole.chargeDipol[0];
@@ -63,7 +50,7 @@ Dipole dipoleMoment(const ChargePlaces &places, int verb)
     if (negative < 0.0f)
         dipole.aveNeg =
             weightedCentre(places, [negative](float q) { return q < 0.0f ? std::fabs(q / negative) : 0.0f; });
-    std::array<float, 3> direction;
+    std::array<float, 3> &direction = dipole.direction;
     for (std::size_t i = 0; i < 3; ++i)
         direction[i] = dipole.avePos[i] - dipole.aveNeg[i];
     const float length =
@@ -75,10 +62,24 @@ Dipole dipoleMoment(const ChargePlaces &places, int verb)
     const bool isNegative = std::fabs(positive) <= std::fabs(negative); // the net charge
     dipole.magnitude = isNegative ? length * positive : std::fabs(length * negative);
     dipole.dipoleVec = dipoleAxes(direction);
-    if (verb != 0)
-        printDipole(dipole, isNegative ? dipole.aveNeg : dipole.avePos,
-                    isNegative ? dipole.avePos : dipole.aveNeg, direction);
     return dipole;
+}
+
+void reportDipole(const Dipole &dipole, Messages &messages)
+{
+    const auto [positive, negative] = dipole.chargeDipol;
+    const bool isNegative = std::fabs(positive) <= std::fabs(negative);
+    const auto &monopolAt = isNegative ? dipole.aveNeg : dipole.avePos;
+    const auto &dipolAt = isNegative ? dipole.avePos : dipole.aveNeg;
+    const auto &direction = dipole.direction;
+    messages.out("REMARK Total positive charge %.3f [e], Total negative charge %.3f [e].\n", number(positive),
+                 number(negative));
+    messages.out("REMARK Monopol charge at (%.3f,%.3f,%.3f) [A] of %.3f [e].\n", number(monopolAt[0]),
+                 number(monopolAt[1]), number(monopolAt[2]), number(dipole.chSum));
+    messages.out("REMARK Dipol at (%.3f,%.3f,%.3f) [A] of %.3f [Debye].\n", number(dipolAt[0]),
+                 number(dipolAt[1]), number(dipolAt[2]), number(dipole.magnitude) * debye);
+    messages.out("REMARK Dipol direction (%.3f,%.3f,%.3f).\n", number(direction[0]), number(direction[1]),
+                 number(direction[2]));
 }
 
 } // namespace trelm

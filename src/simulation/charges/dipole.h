@@ -1,6 +1,7 @@
 // The electric dipole of a set of point charges.
 #pragma once
 
+#include "ground/messages.h"
 #include "support/numerics/jacobi.h"
 
 #include <array>
@@ -15,6 +16,7 @@ struct Dipole {
     std::array<float, 3> avePos = {};      ///< centre of the positive charges
     std::array<float, 3> aveNeg = {};      ///< centre of the negative charges
     std::array<float, 2> chargeDipol = {}; ///< total positive, total negative charge, e
+    std::array<float, 3> direction = {};   ///< from negative to positive, of length 1; 0 without a dipole
     /// Columns: the direction, and two at right angles to it, not normalised. These two are no numbers where
     /// the direction has no z, and none at all where there is no dipole: the caller has to look.
     Matrix3d dipoleVec = {};
@@ -27,7 +29,9 @@ struct ChargePlaces {
     std::span<const float> charges;    ///< e
 };
 
-/// The dipole; with `verb` also four REMARK lines on standard output.
-Dipole dipoleMoment(const ChargePlaces &places, int verb);
+Dipole dipoleMoment(const ChargePlaces &places);
+
+/// Four REMARK lines.
+void reportDipole(const Dipole &dipole, Messages &messages);
 
 } // namespace trelm

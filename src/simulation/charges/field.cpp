@@ -8,14 +8,14 @@
 
 namespace trelm {
 
-FieldConstants fieldConstants(const ChargeOptions &elInfo)
+FieldConstants fieldConstants(const FieldOptions &options)
 {
     FieldConstants field;
-    field.rho = static_cast<float>(number(elInfo.concNaCl) * 0.6022);
+    field.rho = static_cast<float>(number(options.concNaCl) * 0.6022);
     const auto kappaSquare = static_cast<float>(number(field.rho) * 25.132742 * 138.935 /
-                                                (number(elInfo.temperaturePot) * 0.6509039));
+                                                (number(options.temperaturePot) * 0.6509039));
     field.kappa = std::sqrt(number(kappaSquare));
-    field.u = field.kappa * number(elInfo.chDensSurf) / (number(field.rho) * 4.0);
+    field.u = field.kappa * number(options.chDensSurf) / (number(field.rho) * 4.0);
     field.y0 = static_cast<float>(2.0 * std::log(std::sqrt(field.u * field.u + 1.0) + field.u));
     field.gamma = static_cast<float>(std::tanh(0.25 * number(field.y0)));
     return field;
@@ -27,23 +27,23 @@ double surfacePotential(const FieldConstants &field, double distance)
     return 2.0 * std::log((1.0 + decayed) / (1.0 - decayed));
 }
 
-void reportField(const FieldConstants &field)
+void reportField(const FieldConstants &field, Messages &messages)
 {
-    std::printf("REMARK Equilibrium density of ion pairs %e [1/nm_3].\n", static_cast<double>(field.rho));
-    std::printf("REMARK Debye length %e nm.\n", 1.0 / field.kappa);
-    std::printf("REMARK Potential at surface %e [e/kB*T].\n", static_cast<double>(field.y0));
+    messages.out("REMARK Equilibrium density of ion pairs %e [1/nm_3].\n", static_cast<double>(field.rho));
+    messages.out("REMARK Debye length %e nm.\n", 1.0 / field.kappa);
+    messages.out("REMARK Potential at surface %e [e/kB*T].\n", static_cast<double>(field.y0));
 }
 
-void checkField(const ChargeOptions &elInfo)
+void checkField(const FieldOptions &options, Messages &messages)
 {
-    const FieldConstants field = fieldConstants(elInfo);
+    const FieldConstants field = fieldConstants(options);
     if (!(field.kappa > 0.0) || !std::isfinite(field.kappa) || std::isnan(field.gamma))
-        complain("Warning: -nacl %g, -temp %g, -chSurf %g: the field of the surface is no number.\n",
-                 number(elInfo.concNaCl), number(elInfo.temperaturePot), number(elInfo.chDensSurf));
-    if (elInfo.kPot == 0.0f)
-        complain("Warning: -kPot 0: the potential is divided by 0.\n");
-    if (elInfo.cutoffPot < 0.0)
-        complain("Warning: -cut %g: the cutoff is negative.\n", elInfo.cutoffPot);
+        messages.err("Warning: -nacl %g, -temp %g, -chSurf %g: the field of the surface is no number.\n",
+                     number(options.concNaCl), number(options.temperaturePot), number(options.chDensSurf));
+    if (options.kPot == 0.0f)
+        messages.err("Warning: -kPot 0: the potential is divided by 0.\n");
+    if (options.cutoffPot < 0.0)
+        messages.err("Warning: -cut %g: the cutoff is negative.\n", options.cutoffPot);
 }
 
 } // namespace trelm

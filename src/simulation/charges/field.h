@@ -3,7 +3,8 @@
 // Source: Gouy, J. Phys. (Paris) 9 (1910) 457; Chapman, Philos. Mag. 25 (1913) 475.
 #pragma once
 
-#include "ground/trelm.h"
+#include "ground/messages.h"
+#include "simulation/charges/options.h"
 
 namespace trelm {
 
@@ -14,16 +15,16 @@ struct FieldConstants {
     float gamma = 0.0f;          ///< tanh(y0 / 4)
 };
 
-FieldConstants fieldConstants(const ChargeOptions &elInfo);
+FieldConstants fieldConstants(const FieldOptions &options);
 
 /// The potential, kT/e, at a distance from the surface, angstrom.
 double surfacePotential(const FieldConstants &field, double distance);
 
-/// Density, Debye length and surface potential as REMARK lines on standard output.
-void reportField(const FieldConstants &field);
+/// Density, Debye length and surface potential as REMARK lines.
+void reportField(const FieldConstants &field, Messages &messages);
 
 /// Warns of salt, temperature, surface charge, scale and cutoff that make no sense: the run goes on with the
 /// numbers, or no numbers, that they give.
-void checkField(const ChargeOptions &elInfo);
+void checkField(const FieldOptions &options, Messages &messages);
 
 } // namespace trelm

@@ -2,7 +2,8 @@
 #pragma once
 
 #include "ground/alloc.h"
-#include "ground/trelm.h"
+#include "ground/messages.h"
+#include "simulation/charges/options.h"
 
 #include <cstddef>
 #include <string>
@@ -21,24 +22,26 @@ struct Potential {
 
 /// Reads lines of a distance in nanometres and a potential. An empty name reads nothing: a table without
 /// entries. Without two lines of rising distances there is no step, and no charge feels a potential: a
-/// warning. Returns 0, or 1 after a message: no memory, no file, a line that is no pair of numbers, a step
+/// warning. Fails after a message: no memory, no file, a line that is no pair of numbers, a step
 /// larger than the first one, too many lines.
-int readPotential(const std::string &inName, Potential &potential);
+Status readPotential(const std::string &inName, Potential &potential, Messages &messages);
 
 /// Whether there is a distance between two entries: else nothing can be looked up.
 bool hasStep(const Potential &potential);
 
-/// The number of points of the grid of a run. Returns 0, or 1 after a message if a spacing is 0 or no finite
+/// The number of points of the grid of a run. Fails after a message if a spacing is 0 or no finite
 /// number, the product of the counts is negative, there are more points or positions than an index can have,
 /// or many positions with far fewer points. Warns of a grid without positions, of z planes beyond it and of
 /// negative spacings.
-int gridPoints(const TrelmInfo &trelmInfo, std::size_t &points);
+Status gridPoints(const Grid3DOptions &options, std::size_t &points, Messages &messages);
 
 /// Read a grid, z fastest, then y, then x, behind a header of eleven lines: its values, kT/e, or for each 1
 /// if an atom may be there (its magnitude is below maxPot), else 0. An empty name reads nothing: all zero.
-/// `read` gets the number of values. Return 0, or 1 after a message if the file can not be read or does not
+/// `read` gets the number of values. Fail after a message if the file can not be read or does not
 /// hold just the points of the grid.
-int read3DPotential(const std::string &inName, const TrelmInfo &trelmInfo, Block<double> &pot3D, int &read);
-int read3DPotSteric(const std::string &inName, const TrelmInfo &trelmInfo, Block<float> &pot3Dst, int &read);
+Status read3DPotential(const std::string &inName, const Grid3DOptions &options, Block<double> &pot3D,
+                       int &read, Messages &messages);
+Status read3DPotSteric(const std::string &inName, const Grid3DOptions &options, Block<float> &pot3Dst,
+                       int &read, Messages &messages);
 
 } // namespace trelm

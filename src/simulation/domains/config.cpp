@@ -70,43 +70,43 @@ struct Store {
     void operator()(DomainAngle angle) const { options.angleDom[angle.place] = value; }
 };
 
-int readLine(std::string_view line, DomainOptions &options)
+Status readLine(std::string_view line, DomainOptions &options, Messages &messages)
 {
     const std::string_view key = getToken(1, line), word = getToken(2, line);
     float value = 0.0f;
     if (!wordToFloat(word, value))
-        return complain("Error: Input data in auto file have wrong format\nLine:%s\n",
-                        std::string(line).c_str());
+        return messages.fail("Error: Input data in auto file have wrong format\nLine:%s\n",
+                             std::string(line).c_str());
     const auto *row = std::ranges::find(configRows, key, &ConfigRow::key);
     if (row == std::end(configRows)) {
-        complain("Error: Wrong input parameter in auto file\nLine:%s\n", std::string(line).c_str());
-        return 0;
+        messages.err("Error: Wrong input parameter in auto file\nLine:%s\n", std::string(line).c_str());
+        return Status::ok;
     }
     if (!std::isfinite(value))
-        return complain("Error: %s in auto file needs a finite number, not %s\n", std::string(key).c_str(),
-                        std::string(word).c_str());
+        return messages.fail("Error: %s in auto file needs a finite number, not %s\n",
+                             std::string(key).c_str(), std::string(word).c_str());
     std::visit(Store{options, value}, row->target);
     std::visit(Store{options, 0.0f}, row->cleared);
-    return 0;
+    return Status::ok;
 }
 
 } // namespace
 
-int readConfig(const std::string &inName, DomainOptions &options)
+Status readConfig(const std::string &inName, DomainOptions &options, Messages &messages)
 {
     if (inName.empty())
-        return 0;
+        return Status::ok;
     TextInput input;
     const TextStatus status = readText(input, inName);
     if (status == TextStatus::noFile)
-        return complain("readConfig File open error: %s.\n", inName.c_str());
+        return messages.fail("readConfig File open error: %s.\n", inName.c_str());
     if (status == TextStatus::bad)
-        return 1;
+        return Status::failed;
     trimEnd(input);
     for (std::string_view line; fgetsAlloc(input, line);)
-        if (readLine(line, options) != 0)
-            return 1;
-    return 0;
+        if (readLine(line, options, messages) != Status::ok)
+            return Status::failed;
+    return Status::ok;
 }
 
 } // namespace trelm

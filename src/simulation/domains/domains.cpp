@@ -41,8 +41,8 @@ int forEachHeavy(const PDBInfo &pdbInfo, int resN, int resC, Visit visit)
     return count;
 }
 
-/// The mean of the residues, hydrogens left out. Returns 0, or 1 after a message if there are no such atoms.
-int meanOfResidues(const PDBInfo &pdbInfo, int resN, int resC, Axis &mean)
+/// The mean of the residues, hydrogens left out. Fails after a message if there are no such atoms.
+Status meanOfResidues(const PDBInfo &pdbInfo, int resN, int resC, Axis &mean, Messages &messages)
 {
     mean = {};
     const int count = forEachHeavy(pdbInfo, resN, resC, [&](const Axis &position) {
@@ -50,10 +50,10 @@ int meanOfResidues(const PDBInfo &pdbInfo, int resN, int resC, Axis &mean)
             mean[k] += position[k];
     });
     if (count == 0)
-        return complain("Error in initOrient: zero atoms selected.");
+        return messages.fail("Error in initOrient: zero atoms selected.");
     for (double &element : mean)
         element /= count;
-    return 0;
+    return Status::ok;
 }
 
 void moveToOrigin(PDBInfo *pdbInfo, const Axis &point)
@@ -66,15 +66,15 @@ void moveToOrigin(PDBInfo *pdbInfo, const Axis &point)
 }
 
 /// Moves the CA of a residue to the origin. `key` is the line of the configuration that names the residue.
-int moveToPivot(PDBInfo *pdbInfo, int resID, const char *key)
+Status moveToPivot(PDBInfo *pdbInfo, int resID, const char *key, Messages &messages)
 {
     const auto atoms = pdbInfo->atoms();
     const auto pivot = std::ranges::find_if(
         atoms, [resID](const AtomInfo &atom) { return atom.resID == resID && atom.atomName == "CA"; });
     if (pivot == atoms.end())
-        return complain("initOrient: %s residue %d has no atom CA.\n", key, resID);
+        return messages.fail("initOrient: %s residue %d has no atom CA.\n", key, resID);
     moveToOrigin(pdbInfo, positionOf(*pivot));
-    return 0;
+    return Status::ok;
 }
 
 bool isBackbone(const AtomInfo &atom)
@@ -84,7 +84,8 @@ bool isBackbone(const AtomInfo &atom)
 
 /// The exposed ones of the backbone atoms for which isWanted holds. The marks of the atoms are used up.
 template <class IsWanted>
-int exposedBackbone(PDBInfo *pdbInfo, IsWanted isWanted, std::vector<std::size_t> &exposed)
+Status exposedBackbone(PDBInfo *pdbInfo, IsWanted isWanted, std::vector<std::size_t> &exposed,
+                       Messages &messages)
 {
     std::vector<std::size_t> measured;
     pdbClearSelection(pdbInfo);
@@ -96,76 +97,74 @@ int exposedBackbone(PDBInfo *pdbInfo, IsWanted isWanted, std::vector<std::size_t
         measured.push_back(i);
     }
     if (measured.empty())
-        return complain("Error in chkDomClash: zero atoms selected.");
-    if (callNSC(pdbInfo) != 0)
-        return 1;
+        return messages.fail("Error in chkDomClash: zero atoms selected.");
+    if (callNSC(pdbInfo, messages) != Status::ok)
+        return Status::failed;
     exposed.clear();
     // The marks go by the count of the measured atoms, not by their places.
     for (std::size_t k = 0; k < measured.size(); ++k)
         if (pdbInfo->atomList[k].selected != 0)
             exposed.push_back(measured[k]);
-    return 0;
+    return Status::ok;
 }
 
 } // namespace
 
-int initOrient(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo)
+Status initOrient(PDBInfo *pdbInfo, const DomainOptions &options, int yzFlag, Messages &messages)
 {
-    const DomainOptions &gridInfo = trelmInfo;
     Axis mean;
-    if (meanOfResidues(*pdbInfo, gridInfo.startResPart1, gridInfo.endResPart1, mean) != 0)
-        return 1;
+    if (meanOfResidues(*pdbInfo, options.startResPart1, options.endResPart1, mean, messages) != Status::ok)
+        return Status::failed;
     moveToOrigin(pdbInfo, mean);
     Matrix3d inertiaTensor;
     TensorAnalysis analysis;
-    if (calcInertiaSel(*pdbInfo, gridInfo.startResPart1, gridInfo.endResPart1, inertiaTensor) != 0)
-        return 1;
-    if (analyzeMatrix3D(inertiaTensor, trelmInfo.yzFlag, analysis) != 0)
-        return complain("initOrient: error in analyzeMatrix3D.");
+    if (calcInertiaSel(*pdbInfo, options.startResPart1, options.endResPart1, inertiaTensor, messages) !=
+        Status::ok)
+        return Status::failed;
+    if (analyzeMatrix3D(inertiaTensor, yzFlag, analysis) != 0)
+        return messages.fail("initOrient: error in analyzeMatrix3D.");
     const EulerLists &euler = analysis.euler;
-    if (gridInfo.initOrientFlag != 0 && rotateDomain({-euler.gamma[0], -euler.beta[0], -euler.alpha[0]},
-                                                     pdbInfo, pdbInfo->minResID, pdbInfo->maxResID) != 0)
-        return complain("initOrient: error in rotateDomain.");
-    if (gridInfo.angleDomFlag != 0 &&
-        positionDomain(pdbInfo, trelmInfo, gridInfo.startResDom2, gridInfo.endResDom2, gridInfo.resDom1Origin,
-                       gridInfo.resDom2Origin) != 0)
-        return 1;
-    return moveToPivot(pdbInfo, gridInfo.resDom1Origin, "ORIGIN_DOM1:");
+    if (options.initOrientFlag != 0 && rotateDomain({-euler.gamma[0], -euler.beta[0], -euler.alpha[0]},
+                                                    pdbInfo, pdbInfo->minResID, pdbInfo->maxResID) != 0)
+        return messages.fail("initOrient: error in rotateDomain.");
+    if (options.angleDomFlag != 0 && positionDomain(pdbInfo, options, messages) != Status::ok)
+        return Status::failed;
+    return moveToPivot(pdbInfo, options.resDom1Origin, "ORIGIN_DOM1:", messages);
 }
 
-int positionDomain(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, int resN, int resC, int origin1, int origin2)
+Status positionDomain(PDBInfo *pdbInfo, const DomainOptions &options, Messages &messages)
 {
+    const int resN = options.startResDom2, resC = options.endResDom2;
     if (std::ranges::none_of(pdbInfo->atoms(),
                              [&](const AtomInfo &atom) { return isInRange(atom, resN, resC); }))
-        complain("Warning: no atoms in residues %d to %d of domain 2: nothing of it is turned.\n", resN,
-                 resC);
-    if (moveToPivot(pdbInfo, origin2, "ORIGIN_DOM2:") != 0)
-        return 1;
-    const auto &angle = trelmInfo.angleDom;
+        messages.err("Warning: no atoms in residues %d to %d of domain 2: nothing of it is turned.\n", resN,
+                     resC);
+    if (moveToPivot(pdbInfo, options.resDom2Origin, "ORIGIN_DOM2:", messages) != Status::ok)
+        return Status::failed;
+    const auto &angle = options.angleDom;
     if (rotateDomain(
             {static_cast<double>(angle[0]), static_cast<double>(angle[1]), static_cast<double>(angle[2])},
             pdbInfo, resN, resC) != 0)
-        return complain("initOrient: error in rotateDomain.");
-    return moveToPivot(pdbInfo, origin1, "ORIGIN_DOM1:");
+        return messages.fail("initOrient: error in rotateDomain.");
+    return moveToPivot(pdbInfo, options.resDom1Origin, "ORIGIN_DOM1:", messages);
 }
 
-int selectSurfDom(PDBInfo *pdbInfo, int resN, int resC, std::vector<std::size_t> &indI,
-                  std::vector<std::size_t> &indJ)
+Status selectSurfDom(PDBInfo *pdbInfo, int resN, int resC, std::vector<std::size_t> &indI,
+                     std::vector<std::size_t> &indJ, Messages &messages)
 {
     const std::vector<int> marks = selectionMarks(*pdbInfo);
     const auto isInDomain = [=](const AtomInfo &atom) { return isInRange(atom, resN, resC); };
-    int status = exposedBackbone(pdbInfo, isInDomain, indI);
-    if (status == 0)
+    Status status = exposedBackbone(pdbInfo, isInDomain, indI, messages);
+    if (status == Status::ok)
         status = exposedBackbone(
-            pdbInfo, [&](const AtomInfo &atom) { return !isInDomain(atom); }, indJ);
+            pdbInfo, [&](const AtomInfo &atom) { return !isInDomain(atom); }, indJ, messages);
     restoreMarks(pdbInfo, marks);
     return status;
 }
 
-int chkClashDom(const PDBInfo &pdbInfo, const TrelmInfo &trelmInfo, std::span<const std::size_t> indI,
-                std::span<const std::size_t> indJ)
+bool chkClashDom(const PDBInfo &pdbInfo, float clashDist, std::span<const std::size_t> indI,
+                 std::span<const std::size_t> indJ, Messages &messages)
 {
-    const float clashDist = trelmInfo.clashDist;
     for (const std::size_t i : indI) {
         const AtomInfo &a = pdbInfo.atomList[i];
         for (const std::size_t j : indJ) {
@@ -176,22 +175,22 @@ int chkClashDom(const PDBInfo &pdbInfo, const TrelmInfo &trelmInfo, std::span<co
             const float distance = calcNorm(dx, a.y - b.y, a.z - b.z);
             if (distance >= clashDist)
                 continue;
-            std::printf("\nREMARK steric clash of %5d %6s %6s   and  %5d %6s %6s : %6.2f A\n", a.resID,
-                        a.resName.c_str(), a.atomName.c_str(), b.resID, b.resName.c_str(), b.atomName.c_str(),
-                        static_cast<double>(distance));
-            return 1;
+            messages.out("\nREMARK steric clash of %5d %6s %6s   and  %5d %6s %6s : %6.2f A\n", a.resID,
+                         a.resName.c_str(), a.atomName.c_str(), b.resID, b.resName.c_str(),
+                         b.atomName.c_str(), static_cast<double>(distance));
+            return true;
         }
     }
-    return 0;
+    return false;
 }
 
-int calcInertiaSel(const PDBInfo &pdbInfo, int resN, int resC, Matrix3d &inertiaTensor)
+Status calcInertiaSel(const PDBInfo &pdbInfo, int resN, int resC, Matrix3d &inertiaTensor, Messages &messages)
 {
     std::vector<Axis> points;
     if (forEachHeavy(pdbInfo, resN, resC, [&](const Axis &position) { points.push_back(position); }) == 0)
-        return complain("Error in initOrient: zero atoms selected.");
+        return messages.fail("Error in initOrient: zero atoms selected.");
     inertiaTensor = secondMoments(points);
-    return 0;
+    return Status::ok;
 }
 
 } // namespace trelm

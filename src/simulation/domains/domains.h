@@ -2,7 +2,8 @@
 // Residues are told by their numbers alone, as in rotateDomain.
 #pragma once
 
-#include "ground/trelm.h"
+#include "ground/messages.h"
+#include "simulation/domains/options.h"
 #include "structure/pdb.h"
 #include "support/numerics/jacobi.h"
 
@@ -13,29 +14,29 @@
 namespace trelm {
 
 /// Moves the mean of the residues of angle definition 1, hydrogens left out, to the origin, turns the
-/// molecule onto the axes of their second moments (initOrientFlag), puts domain 2 in place (angleDomFlag),
-/// and moves the CA of resDom1Origin to the origin. Returns 0, or 1 after a message; residues without axes
-/// fail also where nothing is turned onto them.
-int initOrient(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo);
+/// molecule onto the axes of their second moments (initOrientFlag; yzFlag exchanges two of them), puts domain
+/// 2 in place (angleDomFlag), and moves the CA of resDom1Origin to the origin. Fails after a
+/// message; residues without axes fail also where nothing is turned onto them.
+Status initOrient(PDBInfo *pdbInfo, const DomainOptions &options, int yzFlag, Messages &messages);
 
-/// Turns residues resN to resC by angleDom about the CA of residue origin2, then moves the CA of origin1 to
-/// the origin. Warns of a range without atoms. Returns 0, or 1 after a message if a residue has no CA.
-int positionDomain(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, int resN, int resC, int origin1,
-                   int origin2);
+/// Turns domain 2 by angleDom about the CA of its origin residue, then moves the CA of that of domain 1 to
+/// the origin. Warns of a range without atoms. Fails after a message if a residue has no CA.
+Status positionDomain(PDBInfo *pdbInfo, const DomainOptions &options, Messages &messages);
 
 /// Places, in the atom list, of the exposed backbone atoms (C, CA, N) of residues resN to resC, and of those
-/// of all others. Each group is measured without the other. The marks of the molecule's atoms stay. Returns
-/// 0, or 1 after a message if either group has no atoms.
-int selectSurfDom(PDBInfo *pdbInfo, int resN, int resC, std::vector<std::size_t> &indI,
-                  std::vector<std::size_t> &indJ);
+/// of all others. Each group is measured without the other. The marks of the molecule's atoms stay. Fails
+/// after a message if either group has no atoms.
+Status selectSurfDom(PDBInfo *pdbInfo, int resN, int resC, std::vector<std::size_t> &indI,
+                     std::vector<std::size_t> &indJ, Messages &messages);
 
-/// 1 if an atom of one list is nearer to one of the other than clashDist, after a line on standard output
-/// about the first such pair; else 0.
-int chkClashDom(const PDBInfo &pdbInfo, const TrelmInfo &trelmInfo, std::span<const std::size_t> indI,
-                std::span<const std::size_t> indJ);
+/// Whether an atom of one list is nearer to one of the other than clashDist, after a line about the first
+/// such pair.
+bool chkClashDom(const PDBInfo &pdbInfo, float clashDist, std::span<const std::size_t> indI,
+                 std::span<const std::size_t> indJ, Messages &messages);
 
 /// The second moments, square angstrom, of residues resN to resC about their mean, hydrogens left out, all
-/// atoms of one weight. Returns 0, or 1 after a message if there are no such atoms.
-int calcInertiaSel(const PDBInfo &pdbInfo, int resN, int resC, Matrix3d &inertiaTensor);
+/// atoms of one weight. Fails after a message if there are no such atoms.
+Status calcInertiaSel(const PDBInfo &pdbInfo, int resN, int resC, Matrix3d &inertiaTensor,
+                      Messages &messages);
 
 } // namespace trelm

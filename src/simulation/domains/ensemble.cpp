@@ -1,7 +1,6 @@
 #include "simulation/domains/ensemble.h"
 
 #include "couplings/fit.h"
-#include "couplings/output.h"
 #include "simulation/alignment/alignment.h"
 #include "simulation/domains/domains.h"
 #include "simulation/orientations/rotation.h"
@@ -58,12 +57,12 @@ struct Monitors {
     bool hasAngles = false, hasAxes = false;
 };
 
-int openMonitor(OutFile &out, const std::string &name, bool &isOpen)
+Status openMonitor(OutFile &out, const std::string &name, bool &isOpen, Messages &messages)
 {
     isOpen = !name.empty();
     if (isOpen && openOut(out, name, "w") != 0)
-        return complain("TRELM Error opening ensemble monitoring file %s\n", name.c_str());
-    return 0;
+        return messages.fail("TRELM Error opening ensemble monitoring file %s\n", name.c_str());
+    return Status::ok;
 }
 
 /// A direction of the sphere as a state asks for it, radians.
@@ -71,18 +70,18 @@ struct Direction {
     double alpha, beta;
 };
 
-/// Appends the states of a direction. Returns 0, or 1 after a message if there are too many.
-int appendStates(const DomainOptions &gridInfo, const Direction &direction, Monitors &monitors,
-                 Ensemble &ensemble)
+/// Appends the states of a direction. Fails after a message if there are too many.
+Status appendStates(const DomainOptions &options, const Direction &direction, Monitors &monitors,
+                    Ensemble &ensemble, Messages &messages)
 {
     std::string text;
-    for (int g = 0; g < gridInfo.digPsiE; ++g) {
-        const double gamma = radians(g * (360.0 / gridInfo.digPsiE));
+    for (int g = 0; g < options.digPsiE; ++g) {
+        const double gamma = radians(g * (360.0 / options.digPsiE));
         const Axis v = rotate_vector(direction.beta, direction.alpha, gamma, unitZ);
         // |y| of the tip but for the rounding, which decides at the limit.
         const double sideways =
             std::abs(std::sin(std::atan2(v[1], v[0])) * std::sqrt(v[1] * v[1] + v[0] * v[0]));
-        if (sideways > static_cast<double>(gridInfo.errAlphaCone))
+        if (sideways > static_cast<double>(options.errAlphaCone))
             continue;
         const EnsembleState state = {degrees(direction.alpha), degrees(direction.beta), degrees(gamma)};
         ensemble.states[static_cast<std::size_t>(ensemble.count++)] = state;
@@ -97,47 +96,37 @@ int appendStates(const DomainOptions &gridInfo, const Direction &direction, Moni
             writeOut(monitors.angles, text);
         }
         if (ensemble.count >= maxEnsembleStates)
-            return complain("setupEnsemble: ensemble too big.\n");
+            return messages.fail("setupEnsemble: ensemble too big.\n");
     }
-    return 0;
+    return Status::ok;
 }
 
-int generateStates(const DomainOptions &gridInfo, Monitors &monitors, Ensemble &ensemble)
+Status generateStates(const DomainOptions &options, Monitors &monitors, Ensemble &ensemble,
+                      Messages &messages)
 {
     ensemble.count = 0;
-    std::span<const double> dots;
-    if (gridInfo.densE < 1 || do_unsp(gridInfo.densE, dots) != 0)
-        return complain("setupEnsemble: unsp error occured.\n");
+    std::vector<double> dots;
+    if (options.densE < 1 || !do_unsp(options.densE, dots))
+        return messages.fail("setupEnsemble: unsp error occured.\n");
     const std::size_t count = dots.size() / 3;
-    if (gridInfo.digPsiE >= maxEnsembleStates) // each direction alone would be too much
-        return complain("setupEnsemble: ensemble too big.\n");
+    if (options.digPsiE >= maxEnsembleStates) // each direction alone would be too much
+        return messages.fail("setupEnsemble: ensemble too big.\n");
     if (count >= maxEnsembleStates)
-        complain("WARNING: ENSEMBLE_DENSITY %d: %zu directions, a run holds %d states of those within the "
-                 "limits.\n",
-                 gridInfo.densE, count, maxEnsembleStates - 1);
+        messages.err(
+            "WARNING: ENSEMBLE_DENSITY %d: %zu directions, a run holds %d states of those within the "
+            "limits.\n",
+            options.densE, count, maxEnsembleStates - 1);
     for (std::size_t i = 0; i + 2 < dots.size(); i += 3) {
         const double x = dots[i], y = dots[i + 1], z = dots[i + 2];
         const Direction direction = {std::atan2(y, x),
                                      std::abs(halfPi - std::atan2(z, std::sqrt(x * x + y * y)))};
         const auto beta = static_cast<float>(direction.beta * 180.0 / coneHalfTurn);
-        if (beta < gridInfo.lBetaCone || beta > gridInfo.hBetaCone)
+        if (beta < options.lBetaCone || beta > options.hBetaCone)
             continue;
-        if (appendStates(gridInfo, direction, monitors, ensemble) != 0)
-            return 1;
+        if (appendStates(options, direction, monitors, ensemble, messages) != Status::ok)
+            return Status::failed;
     }
-    return 0;
-}
-
-// ---- the simulation of one state ----
-
-/// Moves coordinates to their centre, in single precision throughout.
-void centreSingle(const CoordinateBuffers &atoms)
-{
-    for (const std::span<double> column : {atoms.x, atoms.y, atoms.z}) {
-        const auto mean = static_cast<double>(singleMean(column));
-        for (double &value : column)
-            value = static_cast<double>(static_cast<float>(value - mean));
-    }
+    return Status::ok;
 }
 
 // ---- the run over all states ----
@@ -146,15 +135,13 @@ void centreSingle(const CoordinateBuffers &atoms)
 struct EnsembleRun {
     PDBInfo *pdbInfo;
     DTable *dTab;
-    TrelmInfo *trelmInfo;
     const EnsembleSetup &setup;
-    Saupe &saupeAve;
+    EnsembleResult &result;
     Block<float> dcAve; ///< sum of the calculated couplings, Hz
     SelectionBuffers buffers;
     std::vector<std::size_t> indI, indJ; ///< exposed backbone of domain 1 and of the rest
     OutFile log;
     Potential none; ///< an ensemble has no table of a rod
-    int stateCount = 0;
     double R = 0.0; ///< of the last state that has one
 };
 
@@ -172,139 +159,152 @@ bool isInUse(const DInfo &calculated)
     return calculated.valid != 0 && calculated.w != 0.0f;
 }
 
-int startEnsemble(EnsembleRun &run)
+Status startEnsemble(EnsembleRun &run)
 {
-    run.saupeAve = {};
+    Messages &messages = run.setup.simulation.messages;
+    run.result = {};
     constexpr const char *tag = "ensembleAlignment";
     run.dcAve = Block<float>(tag, static_cast<std::size_t>(run.dTab->dCount) + 1);
     if (!run.dcAve)
-        return complain("Error allocating coord buffers.\n");
-    if (makeSelectionBuffers(tag, *run.pdbInfo, run.buffers) != 0)
-        return 1;
+        return messages.fail("Error allocating coord buffers.\n");
+    if (makeSelectionBuffers(tag, *run.pdbInfo, run.buffers, messages) != Status::ok)
+        return Status::failed;
     if (openOut(run.log, run.setup.outName, "w") != 0)
-        return complain("TRELM Error opening log file for grid search %s\n", run.setup.outName.c_str());
+        return messages.fail("TRELM Error opening log file for grid search %s\n", run.setup.outName.c_str());
     if (storePDBCoords(run.pdbInfo) != 0)
-        return complain("matrix: error in storePDBCoords.\n");
-    const DomainOptions &gridInfo = *run.trelmInfo;
-    if (selectSurfDom(run.pdbInfo, gridInfo.startResDom1, gridInfo.endResDom1, run.indI, run.indJ) != 0)
-        return complain("ensembleAlignment: error in chkDomClash.\n");
-    return 0;
+        return messages.fail("matrix: error in storePDBCoords.\n");
+    const DomainOptions &options = run.setup.domains;
+    if (selectSurfDom(run.pdbInfo, options.startResDom1, options.endResDom1, run.indI, run.indJ, messages) !=
+        Status::ok)
+        return messages.fail("ensembleAlignment: error in chkDomClash.\n");
+    return Status::ok;
 }
 
 /// Turns domain 1 and shows the molecule.
-int turnState(EnsembleRun &run, StateAtWork &state)
+Status turnState(EnsembleRun &run, StateAtWork &state)
 {
-    const DomainOptions &gridInfo = *run.trelmInfo;
+    Messages &messages = run.setup.simulation.messages;
+    const DomainOptions &options = run.setup.domains;
     const auto &[alpha, beta, gamma] = state.angles;
     if (restorePDBCoords(run.pdbInfo) != 0)
-        return complain("matrix: error in storePDBCoords.\n");
-    if (rotateDomain({alpha, beta, gamma}, run.pdbInfo, gridInfo.startResDom1, gridInfo.endResDom1) != 0)
-        return complain("trelm: error in rotateDomain.\n");
+        return messages.fail("matrix: error in storePDBCoords.\n");
+    if (rotateDomain({alpha, beta, gamma}, run.pdbInfo, options.startResDom1, options.endResDom1) != 0)
+        return messages.fail("trelm: error in rotateDomain.\n");
     if (writePDB("rot.pdb", run.pdbInfo, run.setup.sInfo, run.setup.remark) != 0)
-        return 1;
+        return Status::failed;
     std::string text;
     appendf(text, "[%d]  domain rotation angle [deg.]:  %e  %e  %e\n", state.id, alpha, beta, gamma);
     writeOut(run.log, text);
     appendf(state.remark, "ENSEMBLE ID %d\nREMARK ENSEMBLE Q_EULER_ANGLES  %7.2f  %7.2f  %7.2f\n", state.id,
             alpha, beta, gamma);
-    std::fputs(state.remark.c_str(), stdout);
-    return 0;
+    messages.text(Messages::Stream::out, state.remark);
+    return Status::ok;
 }
 
 /// Puts the turned molecule where it is simulated.
-int placeState(EnsembleRun &run, const StateAtWork &state)
+Status placeState(EnsembleRun &run, const StateAtWork &state)
 {
-    const DomainOptions &gridInfo = *run.trelmInfo;
+    Messages &messages = run.setup.simulation.messages;
+    const DomainOptions &options = run.setup.domains;
     PDBInfo *pdbInfo = run.pdbInfo;
     const auto &[alpha, beta, gamma] = state.angles;
-    if (gridInfo.fixRotDomain != 0 &&
+    if (options.fixRotDomain != 0 &&
         rotateDomain({-gamma, -beta, -alpha}, pdbInfo, pdbInfo->minResID, pdbInfo->maxResID) != 0)
-        return complain("trelm: error in rotateDomain.\n");
-    if (gridInfo.pivotCenter == 0 &&
-        shiftMol2Domain(pdbInfo, gridInfo.startResDom2, gridInfo.endResDom2) != 0)
-        return complain("matrix: error in shiftMol2Domain.\n");
-    if (gridInfo.outEflag != outStates)
-        return 0;
+        return messages.fail("trelm: error in rotateDomain.\n");
+    if (options.pivotCenter == 0 && shiftMol2Domain(pdbInfo, options.startResDom2, options.endResDom2) != 0)
+        return messages.fail("matrix: error in shiftMol2Domain.\n");
+    if (options.outEflag != outStates)
+        return Status::ok;
     const Axis v = rotate_vector(radians(beta), radians(alpha), radians(gamma), unitZ);
-    std::printf("REMARK X Y Z  %.3f %.3f %.3f\n", v[0], v[1], v[2]);
-    return writePDB("rotEns.pdb", pdbInfo, run.setup.sInfo, run.setup.remark);
+    messages.out("REMARK X Y Z  %.3f %.3f %.3f\n", v[0], v[1], v[2]);
+    return writePDB("rotEns.pdb", pdbInfo, run.setup.sInfo, run.setup.remark) == 0 ? Status::ok
+                                                                                   : Status::failed;
 }
 
 /// Whether the state goes no further: its domains clash, or only a list was asked for.
 bool endsHere(EnsembleRun &run, const StateAtWork &state)
 {
-    const DomainOptions &gridInfo = *run.trelmInfo;
-    if (gridInfo.clashFlag != 0 && chkClashDom(*run.pdbInfo, *run.trelmInfo, run.indI, run.indJ) != 0) {
-        std::printf("REMARK steric clash of domains in state %d.\n", state.id);
+    Messages &messages = run.setup.simulation.messages;
+    const DomainOptions &options = run.setup.domains;
+    if (options.clashFlag != 0 &&
+        chkClashDom(*run.pdbInfo, options.clashDist, run.indI, run.indJ, messages)) {
+        messages.out("REMARK steric clash of domains in state %d.\n", state.id);
         return true;
     }
-    if (gridInfo.outEflag != outStates)
+    if (options.outEflag != outStates)
         return false;
-    std::printf("REMARK allowed state %d.\n", state.id);
+    messages.out("REMARK allowed state %d.\n", state.id);
     return true;
 }
 
 /// Logs the angles between the axes of the two parts of the angle definition.
-int logPartAngles(EnsembleRun &run)
+Status logPartAngles(EnsembleRun &run)
 {
-    const DomainOptions &gridInfo = *run.trelmInfo;
+    Messages &messages = run.setup.simulation.messages;
+    const DomainOptions &options = run.setup.domains;
     Matrix3d tensor1, tensor2;
-    if (calcInertiaSel(*run.pdbInfo, gridInfo.startResPart1, gridInfo.endResPart1, tensor1) != 0 ||
-        calcInertiaSel(*run.pdbInfo, gridInfo.startResPart2, gridInfo.endResPart2, tensor2) != 0)
-        return complain("matrix: error in calcInertiaSel.");
+    if (calcInertiaSel(*run.pdbInfo, options.startResPart1, options.endResPart1, tensor1, messages) !=
+            Status::ok ||
+        calcInertiaSel(*run.pdbInfo, options.startResPart2, options.endResPart2, tensor2, messages) !=
+            Status::ok)
+        return messages.fail("matrix: error in calcInertiaSel.");
     TensorAnalysis analysis1, analysis2;
-    if (analyzeMatrix3D(tensor1, run.trelmInfo->yzFlag, analysis1) != 0 ||
-        analyzeMatrix3D(tensor2, run.trelmInfo->yzFlag, analysis2) != 0)
-        return complain("matrix: error in analyzeMatrix3D.");
+    if (analyzeMatrix3D(tensor1, run.setup.yzFlag, analysis1) != 0 ||
+        analyzeMatrix3D(tensor2, run.setup.yzFlag, analysis2) != 0)
+        return messages.fail("matrix: error in analyzeMatrix3D.");
     const auto dcos = calcDcos(analysis1.eigVec, analysis2.eigVec);
     std::string text;
     appendf(text, "inter helix angle (x/y/z) [deg.]: %.3f  %.3f  %.3f\n", degrees(dcos[2]), degrees(dcos[1]),
             degrees(dcos[0]));
     writeOut(run.log, text);
-    return 0;
+    return Status::ok;
 }
 
 /// The order matrix of the state as the molecule stands.
-int simulateState(EnsembleRun &run, StateAtWork &state)
+Status simulateState(EnsembleRun &run, StateAtWork &state)
 {
+    Messages &messages = run.setup.simulation.messages;
     Chosen chosen;
-    int status = selectSolute(run.pdbInfo, *run.trelmInfo, run.setup.charges, run.buffers, 1, chosen);
-    if (status != 0) {
-        complain("Matrix: Error reading selection of atoms.\n");
-        return status;
-    }
-    status =
-        simEnsAlignment(*run.trelmInfo, chosen.atoms, chosen.charges, run.setup.dots, run.none, state.saupe);
-    if (status != 0)
-        complain("Matrix: Error simulating alignment.\n");
+    if (selectSolute(run.pdbInfo, run.setup.simulation.options, run.setup.charges, run.buffers, chosen,
+                     messages) != Status::ok)
+        return messages.fail("Matrix: Error reading selection of atoms.\n");
+    if (chosen.dipole)
+        reportDipole(*chosen.dipole, messages);
+    if (run.setup.domains.pivotCenter != 0)
+        centreSingle(chosen.atoms);
+    const Status status =
+        simEnsAlignment(run.setup.simulation, chosen.atoms, chosen.charges, run.none, state.saupe);
+    if (status != Status::ok)
+        messages.err("Matrix: Error simulating alignment.\n");
     return status;
 }
 
 /// Adds the state to the averages, with its couplings calculated back.
-int addState(EnsembleRun &run, StateAtWork &state)
+Status addState(EnsembleRun &run, StateAtWork &state)
 {
     DTensor &tensor = run.dTab->dTensor;
     tensor.tensorMode = tensorGiven;
     for (std::size_t k = 0; k < state.saupe.size(); ++k) {
         // What survives beside the obstacle averages to the opposite sign.
         state.saupe[k] = -state.saupe[k];
-        run.saupeAve[k] += state.saupe[k];
+        run.result.saupe[k] += state.saupe[k];
         tensor.saupe[k] = tensor.userSaupe[k] = static_cast<float>(state.saupe[k]);
     }
     if (fitD(run.pdbInfo, run.dTab, run.setup.verbose) < 0)
-        return 1;
+        return Status::failed;
     for (std::size_t i = 0; i < run.dTab->calculated().size(); ++i)
         if (isInUse(run.dTab->dCalcList[i]))
             run.dcAve[i] += run.dTab->dCalcList[i].d;
-    return 0;
+    return Status::ok;
 }
 
 /// Logs the tensor of the state and appends its couplings.
-int reportState(EnsembleRun &run, const StateAtWork &state)
+Status reportState(EnsembleRun &run, const StateAtWork &state)
 {
+    Messages &messages = run.setup.simulation.messages;
     TensorAnalysis analysis;
-    if (analyzeSaupe(state.saupe, run.trelmInfo->yzFlag, run.trelmInfo->eulerFlag, analysis) != 0)
-        return complain("Matrix: error in analyzeSaupe.\n");
+    if (analyzeSaupe(state.saupe, run.setup.yzFlag, run.setup.eulerFlag, analysis) != 0)
+        return messages.fail("Matrix: error in analyzeSaupe.\n");
     if (analysis.da != 0.0)
         run.R = analysis.dr / analysis.da;
     std::string text;
@@ -312,135 +312,141 @@ int reportState(EnsembleRun &run, const StateAtWork &state)
     appendf(text, "Euler angles (alpha/beta/gamma) [deg.]: %7.2f  %7.2f  %7.2f  \n", analysis.euler.alpha[0],
             analysis.euler.beta[0], analysis.euler.gamma[0]);
     writeOut(run.log, text);
-    return writeDCmod(run.setup.outDcEnsName, "a", run.dTab, run.trelmInfo, state.remark);
+    return run.setup.takeCouplings(*run.dTab, state.remark) == 0 ? Status::ok : Status::failed;
 }
 
-int runState(EnsembleRun &run, StateAtWork &state)
+Status runState(EnsembleRun &run, StateAtWork &state)
 {
-    int status = turnState(run, state);
-    if (status == 0)
+    Status status = turnState(run, state);
+    if (status == Status::ok)
         status = placeState(run, state);
-    if (status != 0)
+    if (status != Status::ok)
         return status;
-    ++run.stateCount; // also of a state that clashes: it dilutes the average
+    ++run.result.states; // also of a state that clashes: it dilutes the average
     if (endsHere(run, state))
-        return 0;
+        return Status::ok;
     status = logPartAngles(run);
-    if (status == 0)
+    if (status == Status::ok)
         status = simulateState(run, state);
-    if (status == 0)
+    if (status == Status::ok)
         status = addState(run, state);
-    return status != 0 ? status : reportState(run, state);
+    return status != Status::ok ? status : reportState(run, state);
 }
 
-int finishEnsemble(EnsembleRun &run)
+Status finishEnsemble(EnsembleRun &run)
 {
-    if (run.stateCount == 0)
-        return complain("matrix: zero number of ensemble states.\n");
-    for (double &element : run.saupeAve)
-        element /= run.stateCount;
-    for (std::size_t i = 0; i < run.dTab->calculated().size(); ++i)
-        if (isInUse(run.dTab->dCalcList[i]))
-            run.dTab->dCalcList[i].d = static_cast<float>(static_cast<double>(run.dcAve[i]) / run.stateCount);
+    Messages &messages = run.setup.simulation.messages;
+    const int states = run.result.states;
+    if (states == 0)
+        return messages.fail("matrix: zero number of ensemble states.\n");
+    for (double &element : run.result.saupe)
+        element /= states;
+    const auto rows = run.dTab->calculated();
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        run.result.couplings.push_back(isInUse(rows[i]) ? static_cast<float>(number(run.dcAve[i]) / states)
+                                                        : rows[i].d);
     if (restorePDBCoords(run.pdbInfo) != 0)
-        return complain("matrix: error in storePDBCoords.\n");
-    return closeOut(run.log);
+        return messages.fail("matrix: error in storePDBCoords.\n");
+    return closeOut(run.log) == 0 ? Status::ok : Status::failed;
 }
 
 } // namespace
 
-int readEnsemble(const std::string &inName, Ensemble &ensemble)
+Status readEnsemble(const std::string &inName, Ensemble &ensemble, Messages &messages)
 {
     ensemble.count = 0;
     if (inName.empty())
-        return 0;
+        return Status::ok;
     TextInput input;
     const TextStatus status = readText(input, inName);
     if (status == TextStatus::noFile)
-        return complain("RdTable File open error: %s.\n", inName.c_str());
+        return messages.fail("RdTable File open error: %s.\n", inName.c_str());
     if (status != TextStatus::read)
-        return 1;
+        return Status::failed;
     int count = 0;
     for (std::string_view line; fgetsAlloc(input, line); ++count) {
         EnsembleState state;
         if (!readState(line, state))
-            return complain("Error: Input data in file with measured dipolar couplings have wrong format\n"
-                            "Line:%s\n",
-                            std::string(line).c_str());
+            return messages.fail(
+                "Error: Input data in file with measured dipolar couplings have wrong format\n"
+                "Line:%s\n",
+                std::string(line).c_str());
         if (count + 1 >= maxEnsembleStates)
-            return complain("error in readEnsemble: digitization of ensemble too high.\n");
+            return messages.fail("error in readEnsemble: digitization of ensemble too high.\n");
         ensemble.states[static_cast<std::size_t>(count)] = state;
     }
     ensemble.count = count;
-    return 0;
+    return Status::ok;
 }
 
-int setupEnsemble(const TrelmInfo &trelmInfo, const EnsembleFiles &files, Ensemble &ensemble)
+Status setupEnsemble(const DomainOptions &options, const EnsembleFiles &files, Ensemble &ensemble,
+                     Messages &messages)
 {
     Monitors monitors;
-    if (openMonitor(monitors.axes, files.outEAxName, monitors.hasAxes) != 0 ||
-        openMonitor(monitors.angles, files.outEName, monitors.hasAngles) != 0)
-        return 1;
-    if (generateStates(trelmInfo, monitors, ensemble) != 0)
-        return 1;
+    if (openMonitor(monitors.axes, files.outEAxName, monitors.hasAxes, messages) != Status::ok ||
+        openMonitor(monitors.angles, files.outEName, monitors.hasAngles, messages) != Status::ok)
+        return Status::failed;
+    if (generateStates(options, monitors, ensemble, messages) != Status::ok)
+        return Status::failed;
     if ((monitors.hasAxes && closeOut(monitors.axes) != 0) ||
         (monitors.hasAngles && closeOut(monitors.angles) != 0))
-        return 1;
+        return Status::failed;
     const int generated = ensemble.count;
-    if (readEnsemble(files.inEName, ensemble) != 0)
-        return complain("error in readEnsemble.\n");
+    if (readEnsemble(files.inEName, ensemble, messages) != Status::ok)
+        return messages.fail("error in readEnsemble.\n");
     if (ensemble.count == 0)
         ensemble.count = generated;
-    return 0;
+    return Status::ok;
 }
 
-int ensembleAlignment(PDBInfo *pdbInfo, DTable *dTab, TrelmInfo *trelmInfo, const EnsembleSetup &setup,
-                      Saupe &saupeAve)
+Status ensembleAlignment(PDBInfo *pdbInfo, DTable *dTab, const EnsembleSetup &setup, EnsembleResult &result)
 {
     EnsembleRun run = {.pdbInfo = pdbInfo,
                        .dTab = dTab,
-                       .trelmInfo = trelmInfo,
                        .setup = setup,
-                       .saupeAve = saupeAve,
+                       .result = result,
                        .dcAve = {},
                        .buffers = {},
                        .indI = {},
                        .indJ = {},
                        .log = {},
                        .none = {}};
-    if (startEnsemble(run) != 0)
-        return 1;
+    if (startEnsemble(run) != Status::ok)
+        return Status::failed;
     StateAtWork state;
     for (const EnsembleState &angles : setup.states) {
         state = {.id = state.id + 1, .angles = angles, .remark = {}};
-        const int status = runState(run, state);
-        if (status != 0)
+        const Status status = runState(run, state);
+        if (status != Status::ok)
             return status;
     }
     return finishEnsemble(run);
 }
 
-int simEnsAlignment(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, const ChargeSet &charges,
-                    std::span<const double> ddots, Potential &potential, Saupe &saupe)
+void centreSingle(const CoordinateBuffers &atoms)
+{
+    for (const std::span<double> column : {atoms.x, atoms.y, atoms.z}) {
+        const auto mean = static_cast<double>(singleMean(column));
+        for (double &value : column)
+            value = static_cast<double>(static_cast<float>(value - mean));
+    }
+}
+
+Status simEnsAlignment(const AlignmentSetup &setup, const CoordinateBuffers &atoms, const ChargeSet &charges,
+                       Potential &potential, Saupe &saupe)
 {
     if (atoms.x.empty())
-        return complain("simulateAlignment: no atoms selected.\n");
-    if (trelmInfo.pivotCenter != 0)
-        centreSingle(atoms);
+        return setup.messages.fail("simulateAlignment: no atoms selected.\n");
     const float distance = largestDistance(atoms);
-    int status = 0;
-    if (trelmInfo.elFlag == 0) {
-        status = runSteric(trelmInfo, atoms, distance, ddots, saupe);
-        if (status != 0)
-            complain("simulateAlignment: error in stericAlignment.");
-    } else {
-        status = runCharged(trelmInfo, atoms, distance, ddots, charges, potential, saupe);
+    if (setup.options.elFlag != 0) {
+        if (runCharged(setup, atoms, distance, charges, potential, saupe) != Status::ok)
+            return Status::failed;
+    } else if (runSteric(setup, atoms, distance, saupe) != Status::ok) {
+        return setup.messages.fail("simulateAlignment: error in stericAlignment.");
     }
-    if (status != 0)
-        return status;
     for (double &element : saupe)
-        element = static_cast<double>(static_cast<float>(element * static_cast<double>(trelmInfo.lcOrder)));
-    return 0;
+        element = static_cast<double>(static_cast<float>(element * number(setup.options.lcOrder)));
+    return Status::ok;
 }
 
 } // namespace trelm

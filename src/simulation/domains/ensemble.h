@@ -5,14 +5,19 @@
 #include "couplings/dipolar.h"
 #include "couplings/tensor.h"
 #include "ground/alloc.h"
-#include "ground/trelm.h"
+#include "ground/messages.h"
+#include "simulation/alignment/alignment.h"
 #include "simulation/charges/charges.h"
 #include "simulation/charges/potential.h"
+#include "simulation/domains/options.h"
 #include "simulation/obstacle/atom_selection.h"
 #include "structure/select.h"
 
+#include <functional>
 #include <span>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace trelm {
 
@@ -40,40 +45,56 @@ struct EnsembleFiles {
     std::string inEName;    ///< read: states that replace the generated ones
 };
 
-/// Reads lines of alpha, beta, gamma. An empty name gives no states. Returns 0, or 1 with no states after a
+/// Reads lines of alpha, beta, gamma. An empty name gives no states. Fails with no states after a
 /// message: no file, a line without three finite numbers, too many lines.
-int readEnsemble(const std::string &inName, Ensemble &ensemble);
+Status readEnsemble(const std::string &inName, Ensemble &ensemble, Messages &messages);
 
 /// The ensemble of a run: the directions of a sphere of density densE within the limits of beta and of the
-/// sideways displacement, each with digPsiE steps of gamma; or the states of a file, if that has any. Returns
-/// 0, or 1 after a message.
-int setupEnsemble(const TrelmInfo &trelmInfo, const EnsembleFiles &files, Ensemble &ensemble);
+/// sideways displacement, each with digPsiE steps of gamma; or the states of a file, if that has any. Fails
+/// after a message.
+Status setupEnsemble(const DomainOptions &options, const EnsembleFiles &files, Ensemble &ensemble,
+                     Messages &messages);
 
-/// What the simulation of an ensemble is given beside the records of a run.
+/// Takes the couplings of a state, with what is to be remarked on it. Returns 0, or another status, which
+/// ends the run.
+using TakeCouplings = std::function<int(DTable &dTab, std::string_view remark)>;
+
+/// What the simulation of an ensemble is given beside molecule and couplings.
 struct EnsembleSetup {
+    AlignmentSetup simulation;
+    const DomainOptions &domains;
     std::span<const EnsembleState> states;
     ChargeSet charges;                    ///< as placed; every state works on a copy
-    std::span<const double> dots;         ///< of the simulation, three values each, in the caller's buffer
     const PDBSelectInfo *sInfo = nullptr; ///< atoms of the PDB files
     const char *remark = nullptr;         ///< of the PDB files; may be null
     std::string outName;                  ///< log; empty: standard output
-    std::string outDcEnsName;             ///< couplings of all states, appended; empty: standard output
+    TakeCouplings takeCouplings;          ///< called after each state
+    int yzFlag = 0;                       ///< exchange the y and z axes of tensors
+    int eulerFlag = 1;                    ///< find Euler angles
     int verbose = 0;                      ///< of the fits
 };
 
-/// Simulates each state from the coordinates that the molecule comes with, to which it returns at the end.
-/// States whose domains clash count in the averages with nothing. `saupeAve` gets the average order matrix
-/// with its own sign, the calculated rows of dTab the average couplings, which are summed in single
-/// precision; the tensor of dTab is that of the last state. Beside a rod there is no potential table, and
-/// charges feel nothing. A state without Da logs the R of the state before it. Writes "rot.pdb" in the
-/// current folder, and with outEflag 3, which lists the states without simulating them, "rotEns.pdb". Returns
-/// 0, or non-zero after a message; the coordinates stay as they are then.
-int ensembleAlignment(PDBInfo *pdbInfo, DTable *dTab, TrelmInfo *trelmInfo, const EnsembleSetup &setup,
-                      Saupe &saupeAve);
+/// What an ensemble comes to.
+struct EnsembleResult {
+    Saupe saupe = {};             ///< the average, with its own sign
+    std::vector<float> couplings; ///< Hz, the averages of the calculated rows; of the others what they hold
+    int states = 0;               ///< that were averaged
+};
 
-/// The simulation of one state; the coordinates are moved to their centre with pivotCenter. `saupe`: in the
-/// sense of the surviving orientations. Returns 0, or non-zero after a message.
-int simEnsAlignment(const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms, const ChargeSet &charges,
-                    std::span<const double> ddots, Potential &potential, Saupe &saupe);
+/// Simulates each state from the coordinates that the molecule comes with, to which it returns at the end.
+/// States whose domains clash count in the averages with nothing. The couplings are summed in single
+/// precision; tensor and calculated rows of dTab are those of the last state. Beside a rod there is no
+/// potential table, and charges feel nothing. A state without Da logs the R of the state before it. Writes
+/// "rot.pdb" in the current folder, and with outEflag 3, which lists the states without simulating them,
+/// "rotEns.pdb". Fails after a message; the coordinates stay as they are then.
+Status ensembleAlignment(PDBInfo *pdbInfo, DTable *dTab, const EnsembleSetup &setup, EnsembleResult &result);
+
+/// The simulation of one state as it stands. `saupe`: in the sense of the surviving orientations. Fails after
+/// a message.
+Status simEnsAlignment(const AlignmentSetup &setup, const CoordinateBuffers &atoms, const ChargeSet &charges,
+                       Potential &potential, Saupe &saupe);
+
+/// Moves coordinates to their centre, in single precision throughout.
+void centreSingle(const CoordinateBuffers &atoms);
 
 } // namespace trelm

@@ -25,7 +25,7 @@ Matrix3d secondMoments(std::span<const Axis> points)
     return moments;
 }
 
-int calcInertia(const PDBInfo &pdbInfo, Matrix3d &inertiaTensor)
+Status calcInertia(const PDBInfo &pdbInfo, Matrix3d &inertiaTensor, Messages &messages)
 {
     std::vector<Axis> points;
     for (const AtomInfo &atom : pdbInfo.atoms())
@@ -33,9 +33,9 @@ int calcInertia(const PDBInfo &pdbInfo, Matrix3d &inertiaTensor)
             points.push_back(
                 {static_cast<double>(atom.x), static_cast<double>(atom.y), static_cast<double>(atom.z)});
     if (points.empty())
-        return complain("WARNING: Zero atoms for inertia tensor selected.");
+        return messages.fail("WARNING: Zero atoms for inertia tensor selected.");
     inertiaTensor = secondMoments(points);
-    return 0;
+    return Status::ok;
 }
 
 } // namespace trelm

@@ -1,6 +1,7 @@
 // Second moments of the molecule: their axes are those of its shape.
 #pragma once
 
+#include "ground/messages.h"
 #include "structure/pdb.h"
 #include "structure/rotate.h"
 #include "support/numerics/jacobi.h"
@@ -13,7 +14,7 @@ namespace trelm {
 /// must be one at least. Not the moment of inertia: the longest axis has the largest eigenvalue.
 Matrix3d secondMoments(std::span<const Axis> points);
 
-/// Those of the selected atoms, all of one weight. Returns 0, or 1 after a message if none is selected.
-int calcInertia(const PDBInfo &pdbInfo, Matrix3d &inertiaTensor);
+/// Those of the selected atoms, all of one weight. Fails after a message if none is selected.
+Status calcInertia(const PDBInfo &pdbInfo, Matrix3d &inertiaTensor, Messages &messages);
 
 } // namespace trelm

@@ -46,18 +46,18 @@ struct Spheres {
 };
 
 /// For each sphere, whether enough of it is exposed. Returns 0, or 1 after a message.
-int findExposed(const Spheres &spheres, std::vector<bool> &isExposed)
+Status findExposedSpheres(const Spheres &spheres, std::vector<bool> &isExposed, Messages &messages)
 {
     Surface surface;
     if (nsc_dclm(spheres.co.span().first(3 * spheres.count), spheres.radius.span().first(spheres.count),
-                 surfaceDensity, surfaceAtomAreas, surface) != 0)
-        return complain("NSC: error.\n");
+                 surfaceDensity, surfaceAtomAreas, surface, messages) != Status::ok)
+        return messages.fail("NSC: error.\n");
     isExposed.resize(spheres.count);
     for (std::size_t k = 0; k < spheres.count; ++k) {
         const double bare = spheres.radius[k] - probeRadius;
         isExposed[k] = surface.at_area[k] / (12.5663706 * (bare * bare)) > exposedRatio;
     }
-    return 0;
+    return Status::ok;
 }
 
 void storePlace(const CoordinateBuffers &atoms, std::size_t place, double x, double y, double z)
@@ -75,8 +75,7 @@ void storeAtom(const CoordinateBuffers &atoms, std::size_t place, const AtomInfo
 }
 
 /// Puts the charges' coordinates first, and renumbers the charges to match. A dipole replaces them by two.
-void placeCharges(const PDBInfo &pdbInfo, bool asDipole, const CoordinateBuffers &atoms, ChargeSet &charges,
-                  int verb)
+Dipole putCharges(const PDBInfo &pdbInfo, bool asDipole, const CoordinateBuffers &atoms, ChargeSet &charges)
 {
     const auto count = static_cast<std::size_t>(charges.chCount);
     for (std::size_t i = 0; i < count; ++i) {
@@ -84,9 +83,9 @@ void placeCharges(const PDBInfo &pdbInfo, bool asDipole, const CoordinateBuffers
         charges.chargeAtomID[i] = static_cast<int>(i);
     }
     const Dipole dipole = dipoleMoment(
-        {atoms.x, atoms.y, atoms.z, charges.chargeAtomID.first(count), charges.charges.first(count)}, verb);
+        {atoms.x, atoms.y, atoms.z, charges.chargeAtomID.first(count), charges.charges.first(count)});
     if (!asDipole || dipole.magnitude == 0.0f)
-        return;
+        return dipole;
     for (std::size_t i = 0; i < 2; ++i) {
         const auto &centre = i == 0 ? dipole.avePos : dipole.aveNeg;
         storePlace(atoms, i, static_cast<double>(centre[0]), static_cast<double>(centre[1]),
@@ -95,68 +94,69 @@ void placeCharges(const PDBInfo &pdbInfo, bool asDipole, const CoordinateBuffers
         charges.charges[i] = dipole.chargeDipol[i];
     }
     charges.chCount = 2;
+    return dipole;
 }
 
 } // namespace
 
-int callNSC(PDBInfo *pdbInfo)
+Status callNSC(PDBInfo *pdbInfo, Messages &messages)
 {
     Spheres spheres("callNSC", static_cast<std::size_t>(pdbInfo->atomCount));
     if (!spheres.co || !spheres.radius)
-        return complain("callNSC: Error allocating coord buffers.\n");
+        return messages.fail("callNSC: Error allocating coord buffers.\n");
     for (const AtomInfo &atom : pdbInfo->atoms())
         if (atom.selected != 0)
             spheres.append(static_cast<double>(atom.x), static_cast<double>(atom.y),
                            static_cast<double>(atom.z), static_cast<double>(atomRadius(atom)) + probeRadius);
     std::vector<bool> isExposed;
-    if (findExposed(spheres, isExposed) != 0)
-        return 1;
+    if (findExposedSpheres(spheres, isExposed, messages) != Status::ok)
+        return Status::failed;
     for (AtomInfo &atom : pdbInfo->atoms())
         atom.selected = 0;
     for (std::size_t k = 0; k < isExposed.size(); ++k)
         pdbInfo->atomList[k].selected = isExposed[k] ? 1 : 0;
-    return 0;
+    return Status::ok;
 }
 
-int surfSel(int atomCount, const CoordinateBuffers &atoms, int &atomSelCount)
+Status surfSel(int atomCount, const CoordinateBuffers &atoms, int &atomSelCount, Messages &messages)
 {
     const auto count = static_cast<std::size_t>(atomCount);
     Spheres spheres("surfSel", count);
     if (!spheres.co || !spheres.radius)
-        return complain("surfSel: Error allocating coord buffers.\n");
+        return messages.fail("surfSel: Error allocating coord buffers.\n");
     for (std::size_t i = 0; i < count; ++i)
         spheres.append(atoms.x[i], atoms.y[i], atoms.z[i], freeRadius);
     std::vector<bool> isExposed;
-    if (findExposed(spheres, isExposed) != 0)
-        return 1;
+    if (findExposedSpheres(spheres, isExposed, messages) != Status::ok)
+        return Status::failed;
     std::size_t kept = 0;
     for (std::size_t i = 0; i < count; ++i)
         if (isExposed[i])
             storePlace(atoms, kept++, atoms.x[i], atoms.y[i], atoms.z[i]);
     atomSelCount = static_cast<int>(kept);
-    return 0;
+    return Status::ok;
 }
 
-int chCoorSelect(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms,
-                 ChargeSet &charges, int verb, int &chAtomSelCount)
+Status chCoorSelect(PDBInfo *pdbInfo, const SoluteOptions &options, const CoordinateBuffers &atoms,
+                    ChargeSet &charges, SelectedCount &selected, Messages &messages)
 {
-    if (trelmInfo.surfFlag != 0 && callNSC(pdbInfo) != 0)
-        return complain("Error reading selection of atoms.\n");
-    const ChargeOptions &elInfo = trelmInfo;
-    if (elInfo.elFlag != 0)
-        placeCharges(*pdbInfo, elInfo.dipoleFlag != 0, atoms, charges, verb);
+    if (options.surfFlag != 0 && callNSC(pdbInfo, messages) != Status::ok)
+        return messages.fail("Error reading selection of atoms.\n");
+    if (options.elFlag != 0)
+        selected.dipole = putCharges(*pdbInfo, options.dipoleFlag != 0, atoms, charges);
     else
         charges.chCount = 0; // a steric simulation sees none of them
-    chAtomSelCount = charges.chCount;
-    if (elInfo.dipoleFlag != 0 || elInfo.chSelFlag != 0)
-        return 0; // charges only
+    selected.places = static_cast<std::size_t>(charges.chCount);
+    if (options.dipoleFlag != 0 || options.chSelFlag != 0)
+        return Status::ok; // charges only
     for (const AtomInfo &atom : pdbInfo->atoms())
         if (atom.selected != 0)
-            storeAtom(atoms, static_cast<std::size_t>(chAtomSelCount++), atom);
-    return 0;
+            storeAtom(atoms, selected.places++, atom);
+    return Status::ok;
 }
 
-int makeSelectionBuffers(const char *tag, const PDBInfo &pdbInfo, SelectionBuffers &buffers)
+Status makeSelectionBuffers(const char *tag, const PDBInfo &pdbInfo, SelectionBuffers &buffers,
+                            Messages &messages)
 {
     const std::size_t places = static_cast<std::size_t>(pdbInfo.atomCount) + maxCharges + 1;
     for (Block<double> *column : {&buffers.x, &buffers.y, &buffers.z})
@@ -165,11 +165,11 @@ int makeSelectionBuffers(const char *tag, const PDBInfo &pdbInfo, SelectionBuffe
     buffers.charges = Block<float>(tag, maxCharges + 1);
     buffers.marks = selectionMarks(pdbInfo);
     const bool isMade = buffers.x && buffers.y && buffers.z && buffers.chargeAtomID && buffers.charges;
-    return isMade ? 0 : complain("Error allocating coord buffers.\n");
+    return isMade ? Status::ok : messages.fail("Error allocating coord buffers.\n");
 }
 
-int selectSolute(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const ChargeSet &original,
-                 SelectionBuffers &buffers, int verb, Chosen &chosen)
+Status selectSolute(PDBInfo *pdbInfo, const SoluteOptions &options, const ChargeSet &original,
+                    SelectionBuffers &buffers, Chosen &chosen, Messages &messages)
 {
     restoreMarks(pdbInfo, buffers.marks);
     chosen.charges = original;
@@ -178,9 +178,10 @@ int selectSolute(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const ChargeSet &
     chosen.charges.chargeAtomID = buffers.chargeAtomID.span();
     chosen.charges.charges = buffers.charges.span();
     const CoordinateBuffers places = {buffers.x.span(), buffers.y.span(), buffers.z.span()};
-    int atomSelCount = 0;
-    const int status = chCoorSelect(pdbInfo, trelmInfo, places, chosen.charges, verb, atomSelCount);
-    const auto count = static_cast<std::size_t>(atomSelCount);
+    SelectedCount selected;
+    const Status status = chCoorSelect(pdbInfo, options, places, chosen.charges, selected, messages);
+    const std::size_t count = selected.places;
+    chosen.dipole = selected.dipole;
     chosen.atoms = {places.x.first(count), places.y.first(count), places.z.first(count)};
     return status;
 }

@@ -2,10 +2,13 @@
 #pragma once
 
 #include "ground/alloc.h"
-#include "ground/trelm.h"
+#include "ground/messages.h"
 #include "simulation/charges/charges.h"
+#include "simulation/charges/dipole.h"
+#include "simulation/obstacle/options.h"
 #include "structure/pdb.h"
 
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -18,20 +21,26 @@ struct CoordinateBuffers {
 
 /// Keeps `selected` on the exposed atoms only. Hydrogens in the molecule that a selection left out make the
 /// marks land on other atoms than those measured: they go by the count of the selected atoms, as the field is
-/// used to. Returns 0, or 1 after a message.
-int callNSC(PDBInfo *pdbInfo);
+/// used to. Fails after a message.
+Status callNSC(PDBInfo *pdbInfo, Messages &messages);
 
 /// Moves the exposed atoms of bare coordinates, all of one radius, to the front. `atomSelCount` gets their
-/// number. Returns 0, or 1 after a message.
-int surfSel(int atomCount, const CoordinateBuffers &atoms, int &atomSelCount);
+/// number. Fails after a message.
+Status surfSel(int atomCount, const CoordinateBuffers &atoms, int &atomSelCount, Messages &messages);
+
+/// What was chosen.
+struct SelectedCount {
+    std::size_t places = 0;       ///< charges and atoms
+    std::optional<Dipole> dipole; ///< of the charges, in an electrostatic run
+};
 
 /// Fills the coordinates of a simulation: the charges first (in an electrostatic run; chargeAtomID then
 /// numbers these places, and the atoms that carry the charges are known to the caller's copy alone), then the
 /// selected atoms, exposed ones only with surfFlag. With chSelFlag the charges stand alone, and with
 /// dipoleFlag the two of the dipole that replaces them: without electrostatics that is nothing. The buffers
-/// need room for charges and atoms. Returns 0, or 1 after a message.
-int chCoorSelect(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const CoordinateBuffers &atoms,
-                 ChargeSet &charges, int verb, int &chAtomSelCount);
+/// need room for charges and atoms. Fails after a message.
+Status chCoorSelect(PDBInfo *pdbInfo, const SoluteOptions &options, const CoordinateBuffers &atoms,
+                    ChargeSet &charges, SelectedCount &selected, Messages &messages);
 
 /// Room for chCoorSelect, asked for once for many selections of one molecule.
 struct SelectionBuffers {
@@ -41,18 +50,20 @@ struct SelectionBuffers {
     std::vector<int> marks; ///< the selection of the run, which a surface uses up
 };
 
-/// Asks for the room and keeps the marks. Returns 0, or 1 after a message if there is no memory.
-int makeSelectionBuffers(const char *tag, const PDBInfo &pdbInfo, SelectionBuffers &buffers);
+/// Asks for the room and keeps the marks. Fails after a message if there is no memory.
+Status makeSelectionBuffers(const char *tag, const PDBInfo &pdbInfo, SelectionBuffers &buffers,
+                            Messages &messages);
 
 /// What a simulation is given, views of the buffers.
 struct Chosen {
     CoordinateBuffers atoms;
     ChargeSet charges;
+    std::optional<Dipole> dipole; ///< of the charges, in an electrostatic run
 };
 
 /// chCoorSelect with the marks of the run and a copy of the charges, which it renumbers. The marks of the
 /// molecule's atoms are then used up.
-int selectSolute(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, const ChargeSet &original,
-                 SelectionBuffers &buffers, int verb, Chosen &chosen);
+Status selectSolute(PDBInfo *pdbInfo, const SoluteOptions &options, const ChargeSet &original,
+                    SelectionBuffers &buffers, Chosen &chosen, Messages &messages);
 
 } // namespace trelm

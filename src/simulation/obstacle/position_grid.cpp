@@ -7,14 +7,14 @@
 
 namespace trelm {
 
-void warnShortGrid(PositionGrid &grid)
+void warnShortGrid(PositionGrid &grid, Messages &messages)
 {
     if (!grid.isShort)
-        complain("WARNING: concentration too low - magnitude of alignment tensor incorrect\n");
+        messages.err("WARNING: concentration too low - magnitude of alignment tensor incorrect\n");
     grid.isShort = true;
 }
 
-bool layPositions(const char *tag, const GridSetup &setup, PositionGrid &grid)
+bool layPositions(const char *tag, const GridSetup &setup, PositionGrid &grid, Messages &messages)
 {
     constexpr double lastPlace = maxGridPositions - 1;
     grid.positionDist = Block<float>(tag, maxGridPositions);
@@ -23,7 +23,7 @@ bool layPositions(const char *tag, const GridSetup &setup, PositionGrid &grid)
     const double steps =
         std::trunc((setup.max_protein_length - setup.min_protein_length) / setup.gridSpacing);
     if (steps > lastPlace)
-        warnShortGrid(grid);
+        warnShortGrid(grid, messages);
     grid.grid_el = grid.last = static_cast<int>(std::min(steps, lastPlace));
     const double offset = setup.min_protein_length + setup.max_obstruction;
     for (int i = 0; i <= grid.grid_el; ++i)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ground/alloc.h"
+#include "ground/messages.h"
 
 #include <cstddef>
 #include <span>
@@ -41,11 +42,12 @@ struct PositionGrid {
 };
 
 /// Warns, once a grid, that it ends at the table's end.
-void warnShortGrid(PositionGrid &grid);
+void warnShortGrid(PositionGrid &grid, Messages &messages);
 
 /// Lays the positions at which the particle can be touched; a grid beyond the table ends there with a
 /// warning on the standard error stream. Returns false, without a message, if there is no memory.
-[[nodiscard]] bool layPositions(const char *tag, const GridSetup &setup, PositionGrid &grid);
+[[nodiscard]] bool layPositions(const char *tag, const GridSetup &setup, PositionGrid &grid,
+                                Messages &messages);
 
 /// Adds positions behind those while more(last distance, next distance) says so. Returns false where the
 /// table is full before that.

@@ -13,9 +13,9 @@ namespace {
 
 constexpr const char *tag = "stericAlignment";
 
-int noBuffers()
+Status noBuffers(Messages &messages)
 {
-    return complain("Error allocating coord buffers.\n");
+    return messages.fail("Error allocating coord buffers.\n");
 }
 
 /// The positions up to the edge of the wall's cell, where nothing is obstructed, and the wall's limits.
@@ -29,7 +29,7 @@ void setWall(const StericSetup &setup, StericGrid &grid)
 }
 
 /// The weight of all positions beside a rod, and the free positions as far as the gap to the next rod.
-void setRod(const StericSetup &setup, StericGrid &grid)
+void setRod(const StericSetup &setup, StericGrid &grid, Messages &messages)
 {
     const double radius = setup.grid.max_obstruction, spacing = setup.grid.gridSpacing;
     const double cellGap = radius / std::sqrt(setup.wvAmount / rodDensity) - radius;
@@ -41,7 +41,7 @@ void setRod(const StericSetup &setup, StericGrid &grid)
         return;
     extendPositions(grid.at, spacing, [cellGap](double last, double) { return !(cellGap < last); });
     if (grid.at.last == maxGridPositions - 1)
-        warnShortGrid(grid.at);
+        warnShortGrid(grid.at, messages);
 }
 
 /// The sums over the free orientations of each position, as differences from the position before.
@@ -123,30 +123,30 @@ void averagePositions(const StericSetup &setup, const StericGrid &grid, int orie
 
 } // namespace
 
-int makeStericGrid(const StericSetup &setup, StericGrid &grid)
+Status makeStericGrid(const StericSetup &setup, StericGrid &grid, Messages &messages)
 {
     grid.wallLimit = Block<float>(tag, maxGridPositions + 1);
-    if (!grid.wallLimit || !layPositions(tag, setup.grid, grid.at))
-        return noBuffers();
+    if (!grid.wallLimit || !layPositions(tag, setup.grid, grid.at, messages))
+        return noBuffers(messages);
     if (setup.lcType == lcWall)
         setWall(setup, grid);
     else if (setup.lcType == lcRod)
-        setRod(setup, grid);
-    return 0;
+        setRod(setup, grid, messages);
+    return Status::ok;
 }
 
-int stericAlignment(const StericSetup &setup, const Coordinates &atoms, std::span<const double> dots,
-                    Saupe &saupe)
+Status stericAlignment(const StericSetup &setup, const Coordinates &atoms, std::span<const double> dots,
+                       Saupe &saupe, Messages &messages)
 {
     StericGrid grid;
-    if (makeStericGrid(setup, grid) != 0)
-        return 1;
+    if (makeStericGrid(setup, grid, messages) != Status::ok)
+        return Status::failed;
     PositionSums sums;
     const auto beyond = static_cast<std::size_t>(grid.at.last) + 2;
     sums.saupe_dis = Block<Saupe>(tag, beyond);
     sums.allowedCount = Block<int>(tag, beyond);
     if (!sums.saupe_dis || !sums.allowedCount)
-        return noBuffers();
+        return noBuffers(messages);
     const OrientationSet set = makeOrientationSet(dots, setup.digit_psi);
     if (setup.lcType == lcWall)
         sumBesideWall(atoms, set, grid, sums);
@@ -154,7 +154,7 @@ int stericAlignment(const StericSetup &setup, const Coordinates &atoms, std::spa
         sumBesideRod(setup, atoms, set, grid.at, sums);
     double total = 0.0;
     averagePositions(setup, grid, set.count(), sums, saupe, total);
-    return divideByWeights(tag, total, saupe);
+    return divideByWeights(tag, total, saupe, messages);
 }
 
 } // namespace trelm

@@ -9,6 +9,7 @@
 
 #include "couplings/tensor.h"
 #include "ground/alloc.h"
+#include "ground/messages.h"
 #include "simulation/obstacle/position_grid.h"
 #include "simulation/orientations/columns.h"
 #include "simulation/orientations/orientation.h"
@@ -40,16 +41,16 @@ struct StericGrid {
     double total = 0.0;     ///< rod: the weight of all positions, from the concentration
 };
 
-/// Sets up the grid. A grid beyond the table ends there with a warning on the standard error stream. Returns
+/// Sets up the grid. A grid beyond the table ends there with a warning. Returns
 /// 0, or 1 after a message if there is no memory.
-int makeStericGrid(const StericSetup &setup, StericGrid &grid);
+Status makeStericGrid(const StericSetup &setup, StericGrid &grid, Messages &messages);
 
 /// The order matrix of a solute whose coordinates are relative to its centre. `dots`: three values each.
-/// Prints progress on the standard error stream. Returns 0, or 1 after a message if there is no memory or no
+/// Prints progress. Fails after a message if there is no memory or no
 /// position counts. `saupe`: Szz, Sxx - Syy, Sxy, Sxz, Syz, in the sense of the surviving orientations: the
 /// callers turn the sign. In a cell smaller than the solute the free positions count below 0: the order grows
 /// as their sum falls, and changes its sign, with a warning, where the sum is below 0.
-int stericAlignment(const StericSetup &setup, const Coordinates &atoms, std::span<const double> dots,
-                    Saupe &saupe);
+Status stericAlignment(const StericSetup &setup, const Coordinates &atoms, std::span<const double> dots,
+                       Saupe &saupe, Messages &messages);
 
 } // namespace trelm

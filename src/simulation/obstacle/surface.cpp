@@ -154,13 +154,14 @@ void findCaps(const Ball &ball, std::span<const Ball> around, std::vector<Cap> &
 }
 
 /// The dots of each cell of the generator's cube, in the order of the set.
-std::vector<DotGroup> groupDots(std::span<const double> dots, const DotCells &cells)
+std::vector<DotGroup> groupDots(const DotSet &set)
 {
+    const std::span<const double> dots = set.dots;
     std::vector<DotGroup> groups;
-    for (std::size_t c = 0; c < cells.count.size(); ++c) {
-        if (cells.count[c] == 0)
+    for (std::size_t c = 0; c < set.cellCount.size(); ++c) {
+        if (set.cellCount[c] == 0)
             continue;
-        DotGroup group{cells.first[c], cells.count[c], {}, 0.0};
+        DotGroup group{set.cellFirst[c], set.cellCount[c], {}, 0.0};
         for (int i = 0; i < group.count; ++i)
             for (std::size_t axis = 0; axis < 3; ++axis)
                 group.centre[axis] += dotAt(dots, group.first + i)[axis] / group.count;
@@ -257,17 +258,19 @@ Vec centroidOf(std::span<const double> co)
 
 } // namespace
 
-int nsc_dclm(std::span<const double> co, std::span<const double> radius, int densit, int mode,
-             Surface &surface)
+Status nsc_dclm(std::span<const double> co, std::span<const double> radius, int densit, int mode,
+                Surface &surface, Messages &messages)
 {
     surface = Surface{};
     Exposure exposure;
-    DotCells dotCells;
-    surfaceDots(densit, exposure.dots, dotCells);
+    DotSet set;
+    if (!make_unsp(densit, set))
+        return Status::failed;
+    exposure.dots = set.dots;
     exposure.dotTotal = exposure.dots.size() / 3;
-    exposure.groups = groupDots(exposure.dots, dotCells);
+    exposure.groups = groupDots(set);
     if (radius.empty())
-        return complain("nsc_dclm: no surface atoms selected\n");
+        return messages.fail("nsc_dclm: no surface atoms selected\n");
     if ((mode & surfaceAtomAreas) != 0)
         surface.at_area.assign(radius.size(), 0.0);
 
@@ -294,7 +297,7 @@ int nsc_dclm(std::span<const double> co, std::span<const double> radius, int den
         surface.value_of_vol =
             static_cast<double>(static_cast<float>(volume * fullSphere)) / (dotTotal * 3.0);
     }
-    return 0;
+    return Status::ok;
 }
 
 } // namespace trelm

@@ -4,6 +4,7 @@
 // those count that no neighbour covers.
 #pragma once
 
+#include "ground/messages.h"
 #include <span>
 #include <vector>
 
@@ -24,8 +25,8 @@ struct Surface {
 
 /// The exposed surface of spheres. `co`: three values for each atom, `radius`: one. `densit`: at least so
 /// many dots on each sphere (see sphere.h; the generator's set is replaced if it is another). `mode`: the sum
-/// of what is asked for. Returns 0, or 1 after a warning if there are no atoms.
-int nsc_dclm(std::span<const double> co, std::span<const double> radius, int densit, int mode,
-             Surface &surface);
+/// of what is asked for. Fails after a warning if there are no atoms.
+Status nsc_dclm(std::span<const double> co, std::span<const double> radius, int densit, int mode,
+                Surface &surface, Messages &messages);
 
 } // namespace trelm

@@ -74,17 +74,17 @@ Turn makeTurn(const DotTurn &dot, const SinCos &psi)
     return turn;
 }
 
-int divideByWeights(const char *routine, double total, Saupe &saupe)
+Status divideByWeights(const char *routine, double total, Saupe &saupe, Messages &messages)
 {
     if (total == 0.0 || !std::isfinite(total))
-        return complain(
+        return messages.fail(
             "%s: the sum of the weights at this concentration and grid, %g, can not be divided by.\n",
             routine, total);
     if (total < 0.0)
-        complain("WARNING: Sum of the weights is negative (%g): alignment tensor wrong!\n", total);
+        messages.err("WARNING: Sum of the weights is negative (%g): alignment tensor wrong!\n", total);
     for (double &element : saupe)
         element /= total;
-    return 0;
+    return Status::ok;
 }
 
 } // namespace trelm

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "couplings/tensor.h"
+#include "ground/messages.h"
 #include "structure/rotate.h"
 #include "support/text/progress.h"
 
@@ -59,7 +60,7 @@ void forEachTurn(const OrientationSet &set, Visit visit)
     }
 }
 
-/// The same, with progress lines on the standard error stream.
+/// The same, with progress lines.
 template <class Visit>
 void forEachTurnShown(const OrientationSet &set, Visit visit)
 {
@@ -78,9 +79,9 @@ inline void addWeighted(Saupe &sum, const Saupe &saupe, double weight)
         sum[k] += saupe[k] * weight;
 }
 
-/// From weighted sums to averages. Returns 0, or 1 after a message of the routine if the weights sum up to 0
+/// From weighted sums to averages. Fails after a message of the routine if the weights sum up to 0
 /// or to no finite number. A sum below 0, which free positions that count negative can give, warns: the
 /// averages then have the wrong sign and size.
-int divideByWeights(const char *routine, double total, Saupe &saupe);
+Status divideByWeights(const char *routine, double total, Saupe &saupe, Messages &messages);
 
 } // namespace trelm

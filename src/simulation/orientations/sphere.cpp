@@ -1,25 +1,22 @@
 #include "simulation/orientations/sphere.h"
 
-#include "ground/trelm.h"
 #include "simulation/orientations/rotation.h"
-#include "support/text/text.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdarg>
 #include <cstddef>
 #include <limits>
-#include <memory>
-#include <new>
 #include <utility>
+#include <vector>
 
 namespace trelm {
 namespace {
 
 constexpr int typeDodecahedron = 9;
 constexpr int typeIcosahedron = 10;
-constexpr int cubeEdge = 4; ///< cells an edge of do_unsp
+constexpr int arcStep = 10, centredStep = 30; ///< dots that each level adds to the square of it
+constexpr int cubeEdge = 4;                   ///< cells along an edge
 /// Of a set; a round number not far below those whose arcs are too short to divide.
 constexpr int mostDots = 10000000;
 constexpr int vertexCount = 12; ///< of the icosahedron
@@ -31,35 +28,6 @@ constexpr double sameDistance = 0.001; ///< tolerance of squared distances of ne
 constexpr double degree = 0.017453293;
 
 using Vec = Axis;
-
-// The set at hand. Not of the allocation layer: it lives as long as the program, outside any run's balance.
-std::unique_ptr<double[]> xpunsp; ///< the dots, three values each
-std::unique_ptr<int[]> ico_wk;    ///< dots of each cell, and in its second half the first dot of each cell
-int n_dot = 0;
-int ico_cube = 0;      ///< cells an edge
-double del_cube = 0.0; ///< width of a cell
-int last_densit = 0, last_unsp = 0, last_n_dot = 0, last_cubus = 0;
-double rh = 0.0, rg = 0.0; ///< radius and height of the rings of vertices
-
-/// Ends the program: a tessellation that fails has no remedy.
-[[noreturn, gnu::format(printf, 1, 2)]] void fatal(const char *format, ...)
-{
-    std::array<char, 160> text;
-    va_list arguments;
-    va_start(arguments, format);
-    std::vsnprintf(text.data(), text.size(), format, arguments);
-    va_end(arguments);
-    mzerror(text.data());
-}
-
-template <class T>
-std::unique_ptr<T[]> zeroed(std::size_t length, int line)
-{
-    std::unique_ptr<T[]> block(new (std::nothrow) T[length]());
-    if (!block)
-        fatal("CALLOC : failed in file %s at line %d", "sphere.cpp", line);
-    return block;
-}
 
 Vec scaled(const Vec &v, double factor)
 {
@@ -87,38 +55,22 @@ double squaredDistance(const Vec &a, const Vec &b)
     return dot(d, d);
 }
 
-Vec dotAt(int i)
-{
-    const double *place = &xpunsp[static_cast<std::size_t>(3 * i)];
-    return {place[0], place[1], place[2]};
-}
-
-void storeDot(int i, const Vec &v)
-{
-    std::copy(v.begin(), v.end(), &xpunsp[static_cast<std::size_t>(3 * i)]);
-}
-
-/// The dots under construction: `count` of them so far.
+/// The dots under construction, three values each.
 struct Builder {
-    int count = 0;
+    std::vector<double> values;
 
-    void append(const Vec &v)
+    [[nodiscard]] Vec at(int i) const
     {
-        if (count >= n_dot)
-            fatal("ico_dot: tn exceeds dimension of xus");
-        storeDot(count++, v);
+        const double *place = &values[static_cast<std::size_t>(3 * i)];
+        return {place[0], place[1], place[2]};
     }
+    void append(const Vec &v) { values.insert(values.end(), v.begin(), v.end()); }
 };
 
 /// arcsin for arcs below 90 degrees. A sine may exceed 1 by rounding only.
 double arcSine(double sine)
 {
-    constexpr double tolerance = 1e-12;
-    if (std::fabs(sine) < 1.0)
-        return std::asin(sine);
-    if (std::fabs(sine) - 1.0 > tolerance)
-        fatal("ASIN : invalid argument %f", sine);
-    return 1.5707963267948966;
+    return std::fabs(sine) < 1.0 ? std::asin(sine) : 1.5707963267948966;
 }
 
 /// The point that lies the fraction div1 / div2 of the way from one unit vector to another on the great arc,
@@ -128,12 +80,6 @@ Vec divarc(const Vec &v1, const Vec &v2, int div1, int div2)
     Vec axis = cross(v1, v2);
     const double length = std::sqrt(dot(axis, axis));
     const double d1 = dot(v1, v1), d2 = dot(v2, v2);
-    if (length < 0.001)
-        fatal("divarc: rotation axis of length %f", length);
-    if (d1 < 0.5)
-        fatal("divarc: vector 1 of sq.length %f", d1);
-    if (d2 < 0.5)
-        fatal("divarc: vector 2 of sq.length %f", d2);
     const double phi = arcSine(length / std::sqrt(d1 * d2)) * div1 / div2;
     const double cosPhi = std::cos(phi), sinPhi = std::sin(phi);
     axis = scaled(axis, 1.0 / length);
@@ -141,13 +87,13 @@ Vec divarc(const Vec &v1, const Vec &v2, int div1, int div2)
                           scaled(axis, dot(axis, v1) * (1.0 - cosPhi))));
 }
 
-/// The twelve vertices: two poles and two rings of five.
-void icosaeder_vertices(Builder &dots)
+/// The twelve vertices: two poles and two rings of five. Returns the squared edge of the icosahedron.
+double icosaeder_vertices(Builder &dots)
 {
     const double c = std::cos(72.0 * degree);
-    rh = std::sqrt(1.0 - 2.0 * c) / (1.0 - c);
-    rg = c / (1.0 - c);
-    const auto ring = [&dots](int firstAngle, double height) {
+    const double rh = std::sqrt(1.0 - 2.0 * c) / (1.0 - c); // radius and height of the rings
+    const double rg = c / (1.0 - c);
+    const auto ring = [&](int firstAngle, double height) {
         for (int angle = firstAngle; angle < 360; angle += 72)
             dots.append({rh * std::cos(angle * degree), rh * std::sin(angle * degree), height});
     };
@@ -155,29 +101,24 @@ void icosaeder_vertices(Builder &dots)
     ring(0, rg);
     ring(36, -rg);
     dots.append({0.0, 0.0, -1.0});
+    return 2.0 * rh * rh * (1.0 - c);
 }
 
-/// The squared edge of the icosahedron.
-double squaredEdge()
+bool isNeighbour(const Builder &dots, int i, int j, double squared)
 {
-    return 2.0 * rh * rh * (1.0 - std::cos(72.0 * degree));
-}
-
-bool isNeighbour(int i, int j, double squared)
-{
-    return std::fabs(squaredDistance(dotAt(i), dotAt(j)) - squared) <= sameDistance;
+    return std::fabs(squaredDistance(dots.at(i), dots.at(j)) - squared) <= sameDistance;
 }
 
 void divideEdge(Builder &dots, int i, int j, int tess)
 {
     for (int s = 1; s < tess; ++s)
-        dots.append(divarc(dotAt(i), dotAt(j), s, tess));
+        dots.append(divarc(dots.at(i), dots.at(j), s, tess));
 }
 
 /// A dot inside a face is the mean of the crossings of three pairs of arcs that run beside its edges.
 void fillFace(Builder &dots, int i, int j, int k, int tess)
 {
-    const Vec vi = dotAt(i), vj = dotAt(j), vk = dotAt(k);
+    const Vec vi = dots.at(i), vj = dots.at(j), vk = dots.at(k);
     for (int s = 1; s < tess - 1; ++s) {
         const Vec a = divarc(vj, vi, s, tess), b = divarc(vk, vi, s, tess);
         for (int t = 1; t < tess - s; ++t) {
@@ -192,12 +133,12 @@ void fillFace(Builder &dots, int i, int j, int k, int tess)
 
 /// Calls face(i, j, k) for each face of the icosahedron, i < j < k.
 template <class Face>
-void forEachFace(double edge, Face face)
+void forEachFace(const Builder &dots, double edge, Face face)
 {
     for (int i = 0; i < vertexCount - 2; ++i)
         for (int j = i + 1; j < vertexCount - 1; ++j)
-            for (int k = j + 1; isNeighbour(i, j, edge) && k < vertexCount; ++k)
-                if (isNeighbour(j, k, edge) && isNeighbour(k, i, edge))
+            for (int k = j + 1; isNeighbour(dots, i, j, edge) && k < vertexCount; ++k)
+                if (isNeighbour(dots, j, k, edge) && isNeighbour(dots, k, i, edge))
                     face(i, j, k);
 }
 
@@ -208,38 +149,27 @@ double levelOf(int densit, int step)
     return densit > 2 ? std::ceil(std::sqrt((static_cast<double>(densit) - 2.0) / step)) : 1.0;
 }
 
-/// Sets the number of dots and asks for their room. Returns the level.
-int startBuild(int densit, int step, const char *name)
+/// Room for the dots of a level.
+Builder startBuild(int level, int step)
 {
-    const int tess = static_cast<int>(levelOf(densit, step));
-    n_dot = step * tess * tess + 2;
-    if (n_dot < densit) // never: the level reaches the density
-        fatal("%s: error in formula for tessalation level (%d->%d, %d)", name, tess, n_dot, densit);
-    xpunsp = zeroed<double>(std::size_t{3} * static_cast<std::size_t>(n_dot), __LINE__);
-    return tess;
-}
-
-int endBuild(const Builder &dots)
-{
-    if (dots.count != n_dot)
-        fatal("ico_dot: n_dot(%d) and tn(%d) differ", n_dot, dots.count);
-    return dots.count;
-}
-
-int ico_dot_arc(int densit)
-{
-    const int tess = startBuild(densit, 10, "ico_dot_arc");
     Builder dots;
-    icosaeder_vertices(dots);
+    dots.values.reserve(std::size_t{3} * static_cast<std::size_t>(step * level * level + 2));
+    return dots;
+}
+
+Builder ico_dot_arc(int densit)
+{
+    const int tess = static_cast<int>(levelOf(densit, arcStep));
+    Builder dots = startBuild(tess, arcStep);
+    const double edge = icosaeder_vertices(dots);
     if (tess > 1) {
-        const double edge = squaredEdge();
         for (int i = 0; i < vertexCount - 1; ++i)
             for (int j = i + 1; j < vertexCount; ++j)
-                if (isNeighbour(i, j, edge))
+                if (isNeighbour(dots, i, j, edge))
                     divideEdge(dots, i, j, tess);
-        forEachFace(edge, [&](int i, int j, int k) { fillFace(dots, i, j, k, tess); });
+        forEachFace(dots, edge, [&](int i, int j, int k) { fillFace(dots, i, j, k, tess); });
     }
-    return endBuild(dots);
+    return dots;
 }
 
 /// Edges and faces between the vertices of the icosahedron and the centres of its faces.
@@ -251,70 +181,62 @@ void divideCentred(Builder &dots, double edge, int tess)
     for (int i = 0; i < baseCount - 1; ++i) {
         const bool isVertex = i < vertexCount;
         for (int j = isVertex ? vertexCount : i + 1; j < baseCount; ++j)
-            if (isNeighbour(i, j, isVertex ? toCentre : betweenCentres))
+            if (isNeighbour(dots, i, j, isVertex ? toCentre : betweenCentres))
                 divideEdge(dots, i, j, tess);
     }
     for (int i = 0; i < vertexCount; ++i)
         for (int j = vertexCount; j < baseCount - 1; ++j)
-            for (int k = j + 1; isNeighbour(i, j, toCentre) && k < baseCount; ++k)
-                if (isNeighbour(j, k, betweenCentres) && isNeighbour(k, i, toCentre))
+            for (int k = j + 1; isNeighbour(dots, i, j, toCentre) && k < baseCount; ++k)
+                if (isNeighbour(dots, j, k, betweenCentres) && isNeighbour(dots, k, i, toCentre))
                     fillFace(dots, i, j, k, tess);
 }
 
-int ico_dot_dod(int densit)
+Builder ico_dot_dod(int densit)
 {
-    const int tess = startBuild(densit, 30, "ico_dot_dod");
-    Builder dots;
-    icosaeder_vertices(dots);
-    const double edge = squaredEdge();
-    forEachFace(edge,
-                [&](int i, int j, int k) { dots.append(normalised(sum(dotAt(i), dotAt(j), dotAt(k)))); });
+    const int tess = static_cast<int>(levelOf(densit, centredStep));
+    Builder dots = startBuild(tess, centredStep);
+    const double edge = icosaeder_vertices(dots);
+    forEachFace(dots, edge, [&dots](int i, int j, int k) {
+        dots.append(normalised(sum(dots.at(i), dots.at(j), dots.at(k))));
+    });
     if (tess > 1)
         divideCentred(dots, edge, tess);
-    return endBuild(dots);
+    return dots;
 }
 
-int cellOf(int i)
+int cellOf(const Vec &v, int edge)
 {
-    const Vec v = dotAt(i);
     std::array<int, 3> place;
     for (std::size_t axis = 0; axis < 3; ++axis)
-        place[axis] = std::clamp(static_cast<int>(std::floor((v[axis] + 1.0) / del_cube)), 0, ico_cube - 1);
-    return (place[2] * ico_cube + place[1]) * ico_cube + place[0];
+        place[axis] = std::clamp(static_cast<int>(std::floor((v[axis] + 1.0) / (2.0 / edge))), 0, edge - 1);
+    return (place[2] * edge + place[1]) * edge + place[0];
 }
 
-/// Sorts the dots by cell, x outermost and z innermost, and notes where each cell begins.
-void sortIntoCube(int cubus)
+/// Sorts the dots by cell, x outermost and z innermost, by exchanges, and notes where each cell begins.
+void sortIntoCube(DotSet &set)
 {
-    if (cubus == 0) {
-        while (2 * cubus * cubus * cubus < n_dot)
-            ++cubus;
-        cubus = std::max(1, cubus - 1);
-    }
-    ico_cube = cubus;
-    del_cube = 2.0 / cubus;
-    const int cells = cubus * cubus * cubus;
-    ico_wk = zeroed<int>(std::size_t{2} * static_cast<std::size_t>(cells), __LINE__);
-    int *const ico_pt = &ico_wk[static_cast<std::size_t>(cells)];
-    auto cell = zeroed<int>(static_cast<std::size_t>(n_dot), __LINE__);
-    for (int i = 0; i < n_dot; ++i)
-        cell[static_cast<std::size_t>(i)] = cellOf(i);
-
-    int placed = 0;
+    constexpr int edge = cubeEdge, cells = edge * edge * edge;
+    set.cellCount.assign(cells, 0);
+    set.cellFirst.assign(cells, 0);
+    const std::size_t count = set.dots.size() / 3;
+    std::vector<int> cell;
+    for (std::size_t i = 0; i < set.dots.size(); i += 3)
+        cell.push_back(cellOf({set.dots[i], set.dots[i + 1], set.dots[i + 2]}, edge));
+    std::size_t placed = 0;
     for (int rank = 0; rank < cells; ++rank) {
-        const int ix = rank / (cubus * cubus), iy = rank / cubus % cubus, iz = rank % cubus;
-        const int wanted = (iz * cubus + iy) * cubus + ix;
-        ico_pt[wanted] = placed;
-        for (int i = placed; i < n_dot; ++i) {
-            if (cell[static_cast<std::size_t>(i)] != wanted)
+        const int ix = rank / (edge * edge), iy = rank / edge % edge, iz = rank % edge;
+        const int wanted = (iz * edge + iy) * edge + ix;
+        const std::size_t first = placed;
+        for (std::size_t i = placed; i < count; ++i) {
+            if (cell[i] != wanted)
                 continue;
-            const Vec moved = dotAt(i);
-            storeDot(i, dotAt(placed));
-            storeDot(placed, moved);
-            std::swap(cell[static_cast<std::size_t>(i)], cell[static_cast<std::size_t>(placed)]);
+            if (i != placed)
+                std::swap_ranges(&set.dots[3 * i], &set.dots[3 * i] + 3, &set.dots[3 * placed]);
+            std::swap(cell[i], cell[placed]);
             ++placed;
         }
-        ico_wk[static_cast<std::size_t>(wanted)] = placed - ico_pt[wanted];
+        set.cellFirst[static_cast<std::size_t>(wanted)] = static_cast<int>(first);
+        set.cellCount[static_cast<std::size_t>(wanted)] = static_cast<int>(placed - first);
     }
 }
 
@@ -322,59 +244,36 @@ void sortIntoCube(int cubus)
 
 int unsp_type(int densit)
 {
-    const double arc = levelOf(densit, 10), dod = levelOf(densit, 30);
-    return 10.0 * arc * arc < 30.0 * dod * dod ? typeIcosahedron : typeDodecahedron;
+    const double arc = levelOf(densit, arcStep), dod = levelOf(densit, centredStep);
+    return arcStep * arc * arc < centredStep * dod * dod ? typeIcosahedron : typeDodecahedron;
 }
 
 int dotCount(int densit)
 {
-    const int step = unsp_type(densit) == typeIcosahedron ? 10 : 30;
+    const int step = unsp_type(densit) == typeIcosahedron ? arcStep : centredStep;
     const double level = levelOf(densit, step);
     const double count = step * level * level + 2.0;
     constexpr int limit = std::numeric_limits<int>::max();
     return count < limit ? static_cast<int>(count) : limit;
 }
 
-int make_unsp(int densit, int mode, int &num_dot, int cubus)
+bool make_unsp(int densit, DotSet &set)
 {
-    xpunsp.reset();
-    ico_wk.reset();
-    last_unsp = 0;
-    const int type = std::abs(mode);
-    if (type == typeIcosahedron)
-        num_dot = ico_dot_arc(densit);
-    else if (type == typeDodecahedron)
-        num_dot = ico_dot_dod(densit);
-    else
-        return complain("make_unsp: mode %c%d not allowed\n", mode < 0 ? '-' : '+', type);
-    last_n_dot = num_dot;
-    last_densit = densit;
-    last_unsp = mode;
-    last_cubus = cubus;
-    if (mode < 0)
-        sortIntoCube(cubus);
-    return 0;
+    set = {};
+    if (dotCount(densit) > mostDots)
+        return false;
+    Builder made = unsp_type(densit) == typeIcosahedron ? ico_dot_arc(densit) : ico_dot_dod(densit);
+    set.dots = std::move(made.values);
+    sortIntoCube(set);
+    return true;
 }
 
-int do_unsp(int densit, std::span<const double> &dots)
+bool do_unsp(int densit, std::vector<double> &dots)
 {
-    int count = 0;
-    if (dotCount(densit) > mostDots || make_unsp(densit, -unsp_type(densit), count, cubeEdge) != 0)
-        return 1;
-    dots = {xpunsp.get(), std::size_t{3} * static_cast<std::size_t>(count)};
-    return 0;
-}
-
-void surfaceDots(int densit, std::span<const double> &dots, DotCells &cells)
-{
-    const bool isAtHand = last_unsp == -unsp_type(densit) && last_cubus == cubeEdge &&
-                          (densit == last_densit || densit == last_n_dot);
-    int count = last_n_dot;
-    if (!isAtHand)
-        make_unsp(densit, -unsp_type(densit), count, cubeEdge);
-    dots = {xpunsp.get(), std::size_t{3} * static_cast<std::size_t>(count)};
-    const auto cellCount = static_cast<std::size_t>(ico_cube * ico_cube * ico_cube);
-    cells = {{ico_wk.get(), cellCount}, {ico_wk.get() + cellCount, cellCount}};
+    DotSet set;
+    const bool isMade = make_unsp(densit, set);
+    dots = std::move(set.dots);
+    return isMade;
 }
 
 } // namespace trelm

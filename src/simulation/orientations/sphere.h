@@ -3,35 +3,31 @@
 // icosahedron with the centres of its faces.
 #pragma once
 
-#include <span>
+#include <vector>
 
 namespace trelm {
 
-/// Dots that lie in one cell of the cube around the unit sphere stand side by side: cell c holds `count[c]`
-/// dots from `first[c]` on.
-struct DotCells {
-    std::span<const int> count;
-    std::span<const int> first;
+constexpr int maxOrientations = 40001; ///< dots of a simulation
+
+/// Unit vectors. Those that lie in one cell of a 4 by 4 by 4 cube around the unit sphere stand side by side:
+/// cell c holds cellCount[c] of them from number cellFirst[c] on. The cells come x outermost, z innermost.
+struct DotSet {
+    std::vector<double> dots; ///< x, y, z of each
+    std::vector<int> cellCount, cellFirst;
 };
-
-/// Builds the smaller of the two tessellations that reach the density, in the order of the cells of a 4 by 4
-/// by 4 cube. `dots` gets x, y, z of each unit vector; it belongs to the generator and is void after its next
-/// build. Returns 0, or 1 if the set could not be made or would have more than ten million dots. Who
-/// copies them has to look how many there are: maxOrientations is the room of a run.
-int do_unsp(int densit, std::span<const double> &dots);
-
-/// The same, unless the last build already is this set; with the cells.
-void surfaceDots(int densit, std::span<const double> &dots, DotCells &cells);
 
 /// 9 (based on the dodecahedron) or 10 (icosahedron): the one with fewer dots, of equal ones the first.
 int unsp_type(int densit);
 
-/// The number of dots that do_unsp makes of a density. The density is a lower limit. Beyond the range of int
-/// its limit.
+/// The number of dots that make_unsp makes of a density. The density is a lower limit. Beyond the range of
+/// int its limit.
 int dotCount(int densit);
 
-/// Builds the set of a type, 9 or 10; a negative type also sorts the dots into the cells of a cube of `cubus`
-/// cells an edge (0: as many as suit the number of dots). Returns 0, or 1 after a message for any other type.
-int make_unsp(int densit, int mode, int &num_dot, int cubus);
+/// Builds the smaller of the two tessellations that reach the density. False if it would have more than ten
+/// million dots; more than maxOrientations are not for a simulation.
+[[nodiscard]] bool make_unsp(int densit, DotSet &set);
+
+/// Its dots alone.
+[[nodiscard]] bool do_unsp(int densit, std::vector<double> &dots);
 
 } // namespace trelm

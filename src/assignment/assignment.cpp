@@ -205,7 +205,6 @@ int exhSimDC(const AssignmentSetup &setup)
 {
     DTable &dTab = *setup.dTab;
     dTab.dTensor.saupe = {};
-    dTab.dTensor.dSaupe.fill(1.0f);
     PeakTable peaks = peakTableOf(setup);
     const MagnitudeOptions &window = *setup.trelmInfo;
     AssignmentProblem problem;

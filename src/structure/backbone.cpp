@@ -102,14 +102,14 @@ bool isLowHalf(const SegInfo &segment, int resID)
     return (std::int64_t{segment.minResID} + segment.maxResID) / 2 >= resID;
 }
 
-void moveSide(SegInfo &segment, int side)
+void moveSide(SegInfo &segment, int side, const Transform &turn)
 {
     for (int i = 0; i < segment.atomCount; ++i) {
         AtomInfo &atom = *segment.atomList[static_cast<std::size_t>(i)];
         if (atom.selected != side)
             continue;
         Coord3D r = place(&atom);
-        pdb3dCoordTransform({&r, 1});
+        turn.apply({&r, 1});
         atom.x = r.x;
         atom.y = r.y;
         atom.z = r.z;
@@ -124,9 +124,9 @@ void turnShorterSide(SegInfo &segment, int resID, AtomInfo &low, AtomInfo &high,
     const Coord3D from = place(lowMoves ? &high : &low);
     const Coord3D to = place(lowMoves ? &low : &high);
     low.selected = high.selected = lowMoves ? highSide : lowSide;
-    pdb3dReset();
-    pdb3dAppendRotation2(from.x, from.y, from.z, to.x, to.y, to.z, delta);
-    moveSide(segment, lowMoves ? lowSide : highSide);
+    Transform turn;
+    turn.appendRotation(from, to, delta);
+    moveSide(segment, lowMoves ? lowSide : highSide, turn);
 }
 
 } // namespace
@@ -183,16 +183,6 @@ int setPDBPhiPsi(PDBInfo *pdbInfo, int resID, std::string_view chainName, std::s
         result += maskPsi;
     }
     return result;
-}
-
-void updatePDBAngles(PDBInfo *pdbInfo, int res1, int resN)
-{
-    if (pdbInfo == nullptr)
-        return;
-    for (ResInfo &residue : pdbInfo->residues())
-        if (residue.resID >= std::int64_t{res1} - 1 && residue.resID <= std::int64_t{resN} + 1)
-            getPDBPhiPsi(pdbInfo, residue.resID, residue.chainID.view(), residue.segID.view(), residue.phi,
-                         residue.psi);
 }
 
 } // namespace trelm

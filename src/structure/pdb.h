@@ -58,8 +58,7 @@ struct ResInfo {
     int resID = 0;
     int atomCount = 0;
     Name resName, chainID, segID;
-    float phi = noAngle, psi = noAngle; ///< degrees; updatePDBAngles alone fills them
-    Block<AtomInfo *> atomList;         ///< its atoms, in file order
+    Block<AtomInfo *> atomList; ///< its atoms, in file order
 };
 
 /// A chain and a segment are each told by both names: of two chains in one segment each has a segment record

@@ -120,11 +120,6 @@ int restorePDBCoords(PDBInfo *pdbInfo)
     return 0;
 }
 
-void pdbCopyCoords(std::span<Coord3D> dest, std::span<const Coord3D> src)
-{
-    std::ranges::copy(src, dest.begin());
-}
-
 int writePDB(const std::string &pdbName, PDBInfo *pdbInfo, const PDBSelectInfo *sInfo, const char *remark)
 {
     if (pdbInfo == nullptr)

@@ -167,21 +167,4 @@ int truncated(float value)
     return std::isnan(value) ? 0 : static_cast<int>(value);
 }
 
-int intToStr(int value, std::span<char> text)
-{
-    constexpr std::size_t maxDigits = 63;
-    if (text.empty())
-        return 0;
-    text[0] = '\0';
-    char form[16];
-    const char *end = std::to_chars(form, form + sizeof form, value).ptr;
-    const auto length = static_cast<std::size_t>(end - form);
-    const std::size_t digits = value < 0 ? length - 1 : length;
-    if (digits > std::min(text.size() - 1, maxDigits) || length > text.size() - 1)
-        return 0;
-    std::copy(form, form + length, text.begin());
-    text[length] = '\0';
-    return static_cast<int>(length);
-}
-
 } // namespace trelm

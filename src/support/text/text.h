@@ -51,10 +51,4 @@ double toDouble(std::string_view text);
 /// The integer part of a number; beyond the range of int its nearest limit, 0 for what is no number.
 int truncated(float value);
 
-/// The decimal form of a value with its terminator, in at most text.size() characters. Returns the number of
-/// characters without the terminator. A size below 1 writes nothing and returns 0; a size of 1, or more
-/// digits than size - 1 (63 at the most), leaves an empty text and returns 0. The minus sign is not counted
-/// in that test, but a text it has no room in is left empty too.
-int intToStr(int value, std::span<char> text);
-
 } // namespace trelm

@@ -279,23 +279,14 @@ void setDI(DInfo &obs, DInfo &calc, int allowFixedDI)
 
 } // namespace
 
-int dTensorNull(DTensor *tInfo)
+void dTensorNull(DTensor *tInfo)
 {
-    if (tInfo != nullptr)
-        *tInfo = DTensor{};
-    return 0;
+    *tInfo = DTensor{};
 }
 
-int dTabNull(DTable *dTab)
+void dTabFree(DTable *dTab)
 {
-    if (dTab != nullptr)
-        *dTab = DTable{};
-    return 0;
-}
-
-int dTabFree(DTable *dTab)
-{
-    return dTabNull(dTab); // the blocks of the old record go back with their sizes
+    *dTab = DTable{};
 }
 
 void dTensorCopy(DTensor &tInfoA, const DTensor &tInfoB)

@@ -119,10 +119,9 @@ inline bool takesPart(const DInfo &calc)
     return calc.valid != 0 && calc.w != 0.0f;
 }
 
-/// Restores the defaults of a tensor or a table; dTabFree also releases what the table owns. Return 0.
-int dTensorNull(DTensor *tInfo);
-int dTabNull(DTable *dTab);
-int dTabFree(DTable *dTab);
+/// Restores the defaults of a tensor or a table, which gives back what it owns.
+void dTensorNull(DTensor *tInfo);
+void dTabFree(DTable *dTab);
 
 /// A tensor's values from B to A; rh, its bounds and rhFlag are not copied.
 void dTensorCopy(DTensor &tInfoA, const DTensor &tInfoB);

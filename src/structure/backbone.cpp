@@ -1,6 +1,7 @@
 #include "structure/backbone.h"
 
 #include "structure/transform.h"
+#include "support/numerics/vec3.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,26 +12,12 @@
 namespace trelm {
 namespace {
 
-constexpr double degree = 57.29577957855229;
-
 constexpr int maskPhi = 1;
 constexpr int maskPsi = 2;
 
-using Vec = DCoord3D;
-
-Vec difference(const Coord3D &a, const Coord3D &b)
+Vec3 difference(const Coord3D &a, const Coord3D &b)
 {
     return {static_cast<double>(a.x) - b.x, static_cast<double>(a.y) - b.y, static_cast<double>(a.z) - b.z};
-}
-
-Vec cross(const Vec &a, const Vec &b)
-{
-    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
-
-double dot(const Vec &a, const Vec &b)
-{
-    return a.x * b.x + a.y * b.y + a.z * b.z;
 }
 
 Coord3D place(const AtomInfo *atom)
@@ -133,8 +120,8 @@ void turnShorterSide(SegInfo &segment, int resID, AtomInfo &low, AtomInfo &high,
 
 int getDihedralAngle(const Coord3D &r0, const Coord3D &r1, const Coord3D &r2, const Coord3D &r3, float &phi)
 {
-    const Vec b1 = difference(r1, r0), b2 = difference(r2, r1), b3 = difference(r3, r2);
-    const Vec n1 = cross(b1, b2), n2 = cross(b2, b3);
+    const Vec3 b1 = difference(r1, r0), b2 = difference(r2, r1), b3 = difference(r3, r2);
+    const Vec3 n1 = cross(b1, b2), n2 = cross(b2, b3);
     const double norm = std::sqrt(dot(n1, n1)) * std::sqrt(dot(n2, n2));
     phi = 0.0f;
     if (norm == 0.0)
@@ -142,7 +129,7 @@ int getDihedralAngle(const Coord3D &r0, const Coord3D &r1, const Coord3D &r2, co
     const double cosine = dot(n1, n2) / norm;
     if (!(cosine >= -1.001 && cosine <= 1.001))
         return 1;
-    phi = static_cast<float>(std::acos(std::clamp(cosine, -1.0, 1.0)) * degree);
+    phi = static_cast<float>(std::acos(std::clamp(cosine, -1.0, 1.0)) * degreesOfRadian);
     if (dot(cross(n1, n2), b2) < 0.0)
         phi = -phi;
     return 0;

@@ -73,8 +73,7 @@ Written writeFile(const std::string &pdbName, std::string_view text)
 /// Turns the molecule and puts its mean at the origin.
 int turnMolecule(const std::array<double, 3> &angle, PDBInfo *pdbInfo)
 {
-    if (rotateDomain(angle, pdbInfo, pdbInfo->minResID, pdbInfo->maxResID) != 0)
-        return complain("trelm: error in rotateDomain.");
+    rotateDomain(angle, pdbInfo, pdbInfo->minResID, pdbInfo->maxResID);
     if (shiftMol2Domain(pdbInfo, pdbInfo->minResID, pdbInfo->maxResID) != 0)
         return complain("trelm: error in shiftMol2Domain.\n");
     return 0;

@@ -114,13 +114,6 @@ TEST(Text, NumbersAreThoseOfPrintf)
     }
 }
 
-TEST(Text, OnlyLettersAToZAreRaised)
-{
-    std::string text = "az\xe9 1_";
-    raiseStr(text);
-    EXPECT_EQ(text, "AZ\xe9 1_");
-}
-
 TEST(OutputFile, WhatIsWrittenCanBeReadAndAFullDeviceIsOneLineAndFails)
 {
     const TempFile file;

@@ -138,11 +138,6 @@ bool equalNoCase(std::string_view a, std::string_view b)
     return std::ranges::equal(a, b, {}, raised, raised);
 }
 
-void raiseStr(std::string &text)
-{
-    std::ranges::transform(text, text.begin(), raised);
-}
-
 int toInt(std::string_view text)
 {
     int value = 0;

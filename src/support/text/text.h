@@ -40,9 +40,6 @@ constexpr bool isSpace(char c)
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-/// Raises "a" to "z" to capitals in place.
-void raiseStr(std::string &text);
-
 /// The number at the start of a text, in the manner of atoi and atof: 0 where there is none, and what follows
 /// the number is ignored. An integer beyond the range of int becomes its nearest limit.
 int toInt(std::string_view text);

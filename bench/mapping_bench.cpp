@@ -3,7 +3,6 @@
 #include "couplings/fit.h"
 #include "structure/pdb.h"
 #include "support/numerics/random.h"
-#include "support/numerics/svd.h"
 
 #include <benchmark/benchmark.h>
 
@@ -26,7 +25,6 @@ struct Ubiquitin {
         const std::string folder = std::string(TRELM_EXAMPLES) + "/ubiquitin/";
         if (readPDB(folder + "1d3z_model1.pdb", &pdb, nullptr) != 0 || readDC(folder + table, &dTab) != 0)
             return;
-        mapDCInfo(&pdb, &dTab, 0);
         selectD(dTab.observed(), 1, 76, 3);
         buildDC(&pdb, &dTab, 0, 1, {}, 1);
         for (const DInfo &row : dTab.observed())
@@ -45,7 +43,7 @@ struct Ubiquitin {
             dTab.dObsList[i].d =
                 static_cast<float>(gauss() * static_cast<double>(dTab.dObsList[i].sigma) * 0.5) + measured[i];
         if (plain) {
-            svdPolyFree();
+            dTab.fitWork.svd = {};
             fitD(&pdb, &dTab, 0);
         } else {
             refitD(fit, &pdb, &dTab, 0);

@@ -3,6 +3,7 @@
 #include "reference/steric_reference.h"
 #include "simulation/obstacle/steric.h"
 #include "simulation/orientations/rotation.h"
+#include "support/numerics/numbers.h"
 
 #include <algorithm>
 #include <cmath>
@@ -10,11 +11,6 @@
 
 namespace trelm {
 namespace {
-
-double number(float value)
-{
-    return static_cast<double>(value);
-}
 
 std::size_t placeOf(const ChargeSet &charges, int c)
 {

@@ -1,13 +1,11 @@
 #include "reference/fit_reference.h"
 
-#include "support/numerics/svd.h"
-
 namespace trelm {
 
-int findSPlain(const FitVectors &vectors, std::array<float, 5> &saupe, std::array<float, 5> &dSaupe)
+void findSPlain(const FitVectors &vectors, SaupeValues &saupe)
 {
-    svdPolyFree();
-    return findS(vectors, saupe, dSaupe);
+    FitWork fresh;
+    static_cast<void>(findS(vectors, saupe, fresh));
 }
 
 } // namespace trelm

@@ -3,11 +3,9 @@
 
 #include "couplings/fit.h"
 
-#include <array>
-
 namespace trelm {
 
 /// The contract of findS, with nothing kept from the call before.
-int findSPlain(const FitVectors &vectors, std::array<float, 5> &saupe, std::array<float, 5> &dSaupe);
+void findSPlain(const FitVectors &vectors, SaupeValues &saupe);
 
 } // namespace trelm

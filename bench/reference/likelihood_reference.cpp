@@ -1,6 +1,6 @@
 #include "reference/likelihood_reference.h"
 
-#include "support/numerics/fft.h"
+#include "reference/fft.h"
 
 #include <algorithm>
 #include <array>

@@ -98,11 +98,11 @@ class ProblemMaker {
         made.sigma = kind.equalWeights ? 1.0f : static_cast<float>(uniform(0.3, 3.0));
         made.w = kind.equalWeights ? 1.0f : static_cast<float>(uniform(0.2, 2.0));
         const float origin = 0.0f;
-        float value = 0.0f, deviation = made.sigma;
+        float value = 0.0f;
         const trelm::FitVectors one = {{&origin, 1},  {&origin, 1}, {&origin, 1},
                                        {&made.x, 1},  {&made.y, 1}, {&made.z, 1},
-                                       {&made.di, 1}, {&value, 1},  {&deviation, 1}};
-        trelm::findD(one, saupe, {});
+                                       {&made.di, 1}, {&value, 1},  {&made.sigma, 1}};
+        trelm::findD(one, saupe);
         made.d = value + static_cast<float>(std::normal_distribution<double>(0.0, kind.noise)(engine_));
         return made;
     }

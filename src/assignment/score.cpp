@@ -84,8 +84,8 @@ float sumOfSquares(const ScoreWork &work)
 float scoreMedium(const AssignmentProblem &problem, ScoreWork &work)
 {
     const FitVectors vectors = vectorsOf(work);
-    SaupeValues fitted = {}, deviations = {};
-    findS(vectors, fitted, deviations); // without a fit the tensor is 0, which lies outside
+    SaupeValues fitted = {};
+    static_cast<void>(findS(vectors, fitted, work.fit)); // without a fit the tensor is 0, which lies outside
     Saupe saupe;
     std::ranges::copy(fitted, saupe.begin());
     TensorAnalysis analysis;
@@ -95,7 +95,7 @@ float scoreMedium(const AssignmentProblem &problem, ScoreWork &work)
     }
     if (!isInside(problem.window, analysis))
         return outsideWindow;
-    findD(vectors, fitted, deviations);
+    findD(vectors, fitted);
     return sumOfSquares(work);
 }
 

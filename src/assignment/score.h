@@ -2,6 +2,7 @@
 #pragma once
 
 #include "assignment/problem.h"
+#include "couplings/fit_work.h"
 
 #include <span>
 #include <vector>
@@ -17,6 +18,7 @@ struct ScoreWork {
     std::vector<float> di = {}, sigma = {};
     std::vector<float> w = {};
     std::vector<float> dOrig = {}; ///< couplings, Hz
+    FitWork fit = {};
 };
 
 /// The sum over the media of the squared weighted differences between the couplings and those of the order

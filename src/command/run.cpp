@@ -3,8 +3,6 @@
 #include "command/cmndargs.h"
 #include "command/flag_hint.h"
 #include "command/params.h"
-#include "couplings/fit.h"
-#include "structure/transform.h"
 #include "support/text/output_file.h"
 #include "support/text/text.h"
 
@@ -27,8 +25,6 @@ void legalNotice()
 
 int startRun(Run &run)
 {
-    dipolarNull();
-    pdb3dReset();
     legalNotice();
     run.dTab = Block<DTable>("matrix", 1);
     run.pdbInfo = Block<PDBInfo>("matrix", 1);
@@ -60,8 +56,6 @@ int endRun(Run &run, int status)
 {
     if (run.dTab)
         dTabFree(&run.dTab[0]);
-    fitAlignFree();
-    dipolarFree();
     run.options.wList.release();
     // The balance is taken here: it shows what the records and buffers of the run still hold.
     showAlloc();

@@ -5,10 +5,10 @@
 #include "ground/alloc.h"
 #include "structure/select.h"
 #include "structure/transform.h"
-#include "structure/write.h"
 #include "support/numerics/minimise.h"
 #include "support/text/text.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <span>
@@ -22,20 +22,20 @@ constexpr float methylFactor = 0.309107f;
 constexpr auto amideConstant = static_cast<float>(amideHertz); ///< all couplings are weighted on this scale
 constexpr int maxIterations = 1000;
 
-/// What a fit works on: the minimiser's callback has no room for it.
-struct AlignState {
-    PDBInfo *pdbInfo = nullptr;
-    DTable *dTab = nullptr;
-    DTensor *dTensor = nullptr;
-    int rhFlag = 0, verbose = 0;
-    int atomCount = 0;               ///< atoms in use
-    int dCount = 0;                  ///< couplings in use
-    float dRMS = 0.0f;               ///< of the weighted residuals
-    Block<Coord3D> aCoords, wCoords; ///< their coordinates, as they stand and turned
-    int maxCoords = 0;               ///< room in both
-};
+/// What a fit works on. Coordinates stand in the workspace of the table.
+struct AlignRun {
+    PDBInfo &pdbInfo;
+    DTable &dTab;
+    DTensor &tensor;
+    int verbose = 0;
+    std::size_t atomCount = 0; ///< atoms in use
+    int dCount = 0;            ///< couplings in use
+    float dRMS = 0.0f;         ///< of the weighted residuals
+    Transform turn;            ///< of the last evaluation
 
-AlignState state;
+    [[nodiscard]] std::span<Coord3D> standing() { return dTab.fitWork.aCoords.span().first(atomCount); }
+    [[nodiscard]] std::span<Coord3D> turned() { return dTab.fitWork.wCoords.span().first(atomCount); }
+};
 
 /// A parameter of the tensor. It is free if its bounds differ.
 struct Parameter {
@@ -69,10 +69,10 @@ struct FreeParameters {
     std::size_t count = 0;
 };
 
-FreeParameters collectFree(const DTensor &tensor, int rhFlag)
+FreeParameters collectFree(const DTensor &tensor)
 {
     FreeParameters free;
-    for (const Parameter &parameter : parametersOf(rhFlag)) {
+    for (const Parameter &parameter : parametersOf(tensor.rhFlag)) {
         if (!isFree(tensor, parameter))
             continue;
         free.cg[free.count] = tensor.*parameter.value;
@@ -83,12 +83,12 @@ FreeParameters collectFree(const DTensor &tensor, int rhFlag)
     return free;
 }
 
-void takeFree(DTensor &tensor, int rhFlag, const float *cg)
+void takeFree(DTensor &tensor, const float *cg)
 {
-    for (const Parameter &parameter : parametersOf(rhFlag))
+    for (const Parameter &parameter : parametersOf(tensor.rhFlag))
         if (isFree(tensor, parameter))
             tensor.*parameter.value = *cg++;
-    if (rhFlag != 0)
+    if (tensor.rhFlag != 0)
         tensor.dr = tensor.rh * tensor.da;
 }
 
@@ -110,63 +110,61 @@ int forEachPair(const DInfo &calc, Visit visit)
 }
 
 /// Marks the atoms of the couplings in use, and counts both.
-void selectAtoms()
+void selectAtoms(AlignRun &run)
 {
-    pdbClearSelection(state.pdbInfo);
-    pdbClearAuxInfo(state.pdbInfo);
-    for (const DInfo &calc : state.dTab->calculated()) {
+    pdbClearSelection(&run.pdbInfo);
+    pdbClearAuxInfo(&run.pdbInfo);
+    for (const DInfo &calc : run.dTab.calculated()) {
         if (!takesPart(calc))
             continue;
         const int pairs =
             forEachPair(calc, [](AtomInfo &atomI, AtomInfo &atomJ) { atomI.selected = atomJ.selected = 1; });
-        state.dCount += pairs > 0 ? 1 : 0;
+        run.dCount += pairs > 0 ? 1 : 0;
     }
-    for (const AtomInfo &atom : state.pdbInfo->atoms())
-        state.atomCount += atom.selected != 0 ? 1 : 0;
+    for (const AtomInfo &atom : run.pdbInfo.atoms())
+        run.atomCount += atom.selected != 0 ? 1 : 0;
 }
 
-int growCoords()
+Status growCoords(FitWork &work, std::size_t atomCount)
 {
-    if (state.atomCount <= state.maxCoords)
-        return 0;
-    fitAlignFree();
-    state.aCoords = Block<Coord3D>("align", static_cast<std::size_t>(state.atomCount));
-    state.wCoords = Block<Coord3D>("align", static_cast<std::size_t>(state.atomCount));
-    if (!state.aCoords || !state.wCoords) {
-        fitAlignFree();
-        return complain("GORVAT Error (DC Fit) allocating workspaces.\n");
-    }
-    state.maxCoords = state.atomCount;
-    return 0;
+    if (atomCount <= work.wCoords.length())
+        return Status::ok;
+    for (Block<Coord3D> *coords : {&work.aCoords, &work.wCoords})
+        coords->release();
+    work.aCoords = Block<Coord3D>("align", atomCount);
+    work.wCoords = Block<Coord3D>("align", atomCount);
+    if (work.aCoords && work.wCoords)
+        return Status::ok;
+    for (Block<Coord3D> *coords : {&work.aCoords, &work.wCoords})
+        coords->release();
+    complain("GORVAT Error (DC Fit) allocating workspaces.\n");
+    return Status::failed;
 }
 
 /// Gathers the coordinates of the marked atoms, and points each atom to its turned copy.
-int fitDCAlloc()
+Status gatherCoords(AlignRun &run)
 {
-    if (growCoords() != 0)
-        return 1;
+    if (growCoords(run.dTab.fitWork, run.atomCount) != Status::ok)
+        return Status::failed;
     std::size_t count = 0;
-    for (AtomInfo &atom : state.pdbInfo->atoms()) {
+    for (AtomInfo &atom : run.pdbInfo.atoms()) {
         if (atom.selected == 0)
             continue;
-        if (count >= static_cast<std::size_t>(state.maxCoords))
-            return complain("GORVAT Error (DC Fit) workspace overflow.\n");
-        state.aCoords[count] = {atom.x, atom.y, atom.z};
-        atom.auxInfo = &state.wCoords[count];
+        run.standing()[count] = {atom.x, atom.y, atom.z};
+        atom.auxInfo = &run.turned()[count];
         ++count;
     }
-    pdbCopyCoords(state.wCoords.span().first(count), state.aCoords.span().first(count));
-    return 0;
+    std::ranges::copy(run.standing(), run.turned().begin());
+    return Status::ok;
 }
 
 /// Turns the working coordinates by the angles of the tensor.
-void turnCoords()
+void turnCoords(AlignRun &run)
 {
-    const auto count = static_cast<std::size_t>(state.atomCount);
-    pdbCopyCoords(state.wCoords.span().first(count), state.aCoords.span().first(count));
-    pdb3dReset();
-    pdb3dAppendRotation0(state.dTensor->psi, state.dTensor->theta, state.dTensor->phi);
-    pdb3dCoordTransform(state.wCoords.span().first(count));
+    std::ranges::copy(run.standing(), run.turned().begin());
+    run.turn = Transform{};
+    run.turn.appendRotation(run.tensor.psi, run.tensor.theta, run.tensor.phi);
+    run.turn.apply(run.turned());
 }
 
 /// The geometry term of a pair in the frame of the tensor.
@@ -182,13 +180,12 @@ float pairTerm(const AtomInfo &atomI, const AtomInfo &atomJ, float da, float dr)
 }
 
 /// Sets the calculated coupling of a row. Returns false, with no value in it, if the row takes no part.
-bool calculateRow(DInfo &calc)
+bool calculateRow(DInfo &calc, float da, float dr)
 {
     calc.d = noCoupling;
     if (!takesPart(calc))
         return false;
     const float factor = calc.atomICount * calc.atomJCount == 3 ? methylFactor : 1.0f;
-    const float da = state.dTensor->da, dr = state.dTensor->dr;
     float sum = 0.0f;
     const int pairs = forEachPair(calc, [&](const AtomInfo &atomI, const AtomInfo &atomJ) {
         sum += factor * std::fabs(calc.di) * pairTerm(atomI, atomJ, da, dr);
@@ -205,31 +202,31 @@ float residualWeight(const DInfo &obs, const DInfo &calc)
     return spread != 0.0f ? 1.0f / spread : 1.0f;
 }
 
-void tellState(int n)
+void tellState(const AlignRun &run, int n)
 {
-    const DTensor &t = *state.dTensor;
-    const char *name = state.rhFlag != 0 ? "Rh" : "Dr";
+    const DTensor &t = run.tensor;
+    const char *name = t.rhFlag != 0 ? "Rh" : "Dr";
     std::string text;
     appendf(text, "Rot(%.3f %.3f %.3f) Da %.3e %s ", double{t.psi}, double{t.theta}, double{t.phi},
             double{t.da}, name);
-    if (state.rhFlag != 0)
+    if (t.rhFlag != 0)
         appendf(text, "%.3f", double{t.rh});
     else
         appendf(text, "%.3e", double{t.dr});
-    complain("%s RMS(%d): %.4f\n", text.c_str(), n, double{state.dRMS});
+    complain("%s RMS(%d): %.4f\n", text.c_str(), n, double{run.dRMS});
 }
 
 /// The residuals of the couplings in use for the free parameters cg, on the scale of an amide pair. The
-/// calculated couplings, the tensor and the current transform are left as of this call.
-int fitDCTarget(int xCnt, int, float *cg, float *res)
+/// calculated couplings, the tensor and the transform are left as of this call.
+int fitDCTarget(AlignRun &run, int xCnt, const float *cg, float *res)
 {
-    takeFree(*state.dTensor, state.rhFlag, cg);
-    turnCoords();
+    takeFree(run.tensor, cg);
+    turnCoords(run);
     float squares = 0.0f;
     int n = 0;
-    const auto observed = state.dTab->observed(), calculated = state.dTab->calculated();
+    const auto observed = run.dTab.observed(), calculated = run.dTab.calculated();
     for (std::size_t i = 0; i < calculated.size(); ++i) {
-        if (!calculateRow(calculated[i]))
+        if (!calculateRow(calculated[i], run.tensor.da, run.tensor.dr))
             continue;
         const float difference = observed[i].d - calculated[i].d;
         const float residual = residualWeight(observed[i], calculated[i]) * difference;
@@ -237,39 +234,37 @@ int fitDCTarget(int xCnt, int, float *cg, float *res)
             res[n] = residual;
         squares += residual * residual;
         ++n;
-        if (state.verbose > 2)
+        if (run.verbose > 2)
             complain(" DC %3d % 8.3f % 8.3f % 8.3f\n", n, double{observed[i].d}, double{calculated[i].d},
                      double{difference});
     }
-    state.dRMS = n > 0 ? std::sqrt(squares / static_cast<float>(n)) : 0.0f;
-    if (n != state.dCount)
-        complain("DC NLin Internal Warning: DC Count Mismatch: %d %d\n", state.dCount, n);
-    if (state.verbose > 1)
-        tellState(n);
+    run.dRMS = n > 0 ? std::sqrt(squares / static_cast<float>(n)) : 0.0f;
+    if (run.verbose > 1)
+        tellState(run, n);
     return 0;
 }
 
 /// Runs the minimiser, or leaves zero angles where the couplings can not determine the parameters.
-void fitParameters()
+void fitParameters(AlignRun &run)
 {
-    DTensor &tensor = *state.dTensor;
-    FreeParameters free = collectFree(tensor, state.rhFlag);
-    if (state.dCount < static_cast<int>(free.count)) {
+    DTensor &tensor = run.tensor;
+    FreeParameters free = collectFree(tensor);
+    if (run.dCount < static_cast<int>(free.count)) {
         tensor.psi = tensor.theta = tensor.phi = 0.0f;
-        pdb3dReset(); // the transform that the Euler angles are read from is that of these angles
-        return;
+        return; // the transform that the Euler angles are read from is that of these angles
     }
     const auto part = [&](std::array<float, parameterCount> &values) {
         return std::span<float>(values).first(free.count);
     };
-    nlsOpt(fitDCTarget, state.dCount, part(free.cg), part(free.cLo), part(free.cHi), maxIterations);
+    const auto residuals = [&run](int xCnt, int, const float *cg, float *res) {
+        return fitDCTarget(run, xCnt, cg, res);
+    };
+    nlsOpt(residuals, run.dCount, part(free.cg), part(free.cLo), part(free.cHi), maxIterations);
 }
 
 /// The Euler solutions of the last evaluation, and the Saupe vector of the first of them.
-void takeSolutions(DTensor &tensor)
+void takeSolutions(const Matrix4 &m, DTensor &tensor)
 {
-    Matrix4 m = {};
-    pdb3dCopyCurrentMatrix(m);
     const Matrix3f r = {m[0], m[1], m[2], m[4], m[5], m[6], m[8], m[9], m[10]};
     RotationLists lists;
     tensor.eulerCount = rot2euler(r, lists);
@@ -281,40 +276,25 @@ void takeSolutions(DTensor &tensor)
 
 } // namespace
 
-int fitDCAlign(PDBInfo *pdbPtr, DTable *dTabPtr, int verbFlag)
+int fitDCAlign(PDBInfo &pdbInfo, DTable &dTab, int verbose)
 {
-    if (pdbPtr == nullptr || dTabPtr == nullptr)
+    AlignRun run{pdbInfo, dTab, dTab.dTensor, verbose, 0, 0, 0.0f, {}};
+    selectAtoms(run);
+    if (verbose > 1)
+        complain("%d Couplings, %zu Atoms Selected.\n", run.dCount, run.atomCount);
+    if (run.atomCount == 0 || run.dCount == 0)
         return 0;
-    state.pdbInfo = pdbPtr;
-    state.dTab = dTabPtr;
-    state.dTensor = &dTabPtr->dTensor;
-    state.rhFlag = dTabPtr->dTensor.rhFlag;
-    state.verbose = verbFlag;
-    state.atomCount = state.dCount = 0;
-    state.dRMS = 0.0f;
-    selectAtoms();
-    if (state.verbose > 1)
-        complain("%d Couplings, %d Atoms Selected.\n", state.dCount, state.atomCount);
-    if (state.atomCount == 0 || state.dCount == 0)
-        return 0;
-    if (fitDCAlloc() != 0) {
+    if (gatherCoords(run) != Status::ok) {
         complain("GORVAT Error initializing alignment workspaces.\n");
         return -1;
     }
-    fitParameters();
-    takeSolutions(*state.dTensor);
-    if (!std::isfinite(state.dRMS)) {
+    fitParameters(run);
+    takeSolutions(run.turn.m, run.tensor);
+    if (!std::isfinite(run.dRMS)) {
         complain("DC Error: the differences of the couplings are no finite numbers: look at D and DD.\n");
         return -1;
     }
-    return state.dCount;
-}
-
-void fitAlignFree()
-{
-    state.aCoords.release();
-    state.wCoords.release();
-    state.maxCoords = 0;
+    return run.dCount;
 }
 
 } // namespace trelm

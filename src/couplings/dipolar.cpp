@@ -16,7 +16,7 @@ namespace {
 constexpr int wildFactor = maxPairAtoms; ///< entries of a wildcard name, for the size of the workspace
 constexpr std::size_t workSlices = 12;   ///< lists in the workspace: the 10 of a fit, and room for two
 
-/// A number column of the file and the field it fills.
+/// A number column of the file and the field it fills; null for one that is checked alone.
 struct NumberColumn {
     const char *name;
     float DInfo::*field;
@@ -25,7 +25,7 @@ struct NumberColumn {
 
 constexpr NumberColumn numberColumns[] = {
     {"D", &DInfo::d, 0.0f}, {"DI", &DInfo::di, 0.0f}, {"DD", &DInfo::sigma, 1.0f},
-    {"S", &DInfo::s, 1.0f}, {"W", &DInfo::w, 1.0f},   {"FC", &DInfo::fc, 1.0f},
+    {"S", nullptr, 1.0f},   {"W", &DInfo::w, 1.0f},   {"FC", nullptr, 1.0f},
 };
 constexpr std::size_t numberCount = std::size(numberColumns);
 
@@ -35,8 +35,8 @@ constexpr const char *otherNumbers[] = {"RESID_I", "RESID_J", "INDEX", "ABS"};
 /// Places of the columns, negative where absent.
 struct ColumnLocs {
     AtomTabLocs atomI, atomJ;
+    int index = -1;
     std::array<int, numberCount> number = {};
-    int index = -1, abs = -1;
 };
 
 /// One row of the text table.
@@ -54,7 +54,6 @@ ColumnLocs findColumns(const TextTable &text)
     for (std::size_t i = 0; i < numberCount; ++i)
         locs.number[i] = getTabVar(text.varInfo, numberColumns[i].name);
     locs.index = getTabVar(text.varInfo, "INDEX");
-    locs.abs = getTabVar(text.varInfo, "ABS");
     return locs;
 }
 
@@ -130,10 +129,9 @@ void readRow(const TableRow &row, const ColumnLocs &locs, DInfo &obs)
     obs.chainNameJ = sideJ.chainName;
     obs.segNameJ = sideJ.segName;
     for (std::size_t i = 0; i < numberCount; ++i)
-        obs.*numberColumns[i].field = cellOr(row, locs.number[i], numberColumns[i].missing);
+        if (numberColumns[i].field != nullptr)
+            obs.*numberColumns[i].field = cellOr(row, locs.number[i], numberColumns[i].missing);
     obs.id = locs.index >= 0 ? truncated(row.cells[locs.index]) : static_cast<int>(row.number);
-    obs.absFlag = locs.abs >= 0 ? truncated(row.cells[locs.abs]) : 0;
-    obs.count = 1;
     obs.valid = 1;
 }
 
@@ -281,23 +279,14 @@ void setDI(DInfo &obs, DInfo &calc, int allowFixedDI)
 
 } // namespace
 
-int dTensorNull(DTensor *tInfo)
+void dTensorNull(DTensor *tInfo)
 {
-    if (tInfo != nullptr)
-        *tInfo = DTensor{};
-    return 0;
+    *tInfo = DTensor{};
 }
 
-int dTabNull(DTable *dTab)
+void dTabFree(DTable *dTab)
 {
-    if (dTab != nullptr)
-        *dTab = DTable{};
-    return 0;
-}
-
-int dTabFree(DTable *dTab)
-{
-    return dTabNull(dTab); // the blocks of the old record go back with their sizes
+    *dTab = DTable{};
 }
 
 void dTensorCopy(DTensor &tInfoA, const DTensor &tInfoB)
@@ -338,21 +327,6 @@ int readDC(const std::string &inDName, DTable *dTab)
     if (allocateRows(dTab, text.entryCount) != 0)
         return 1;
     return readRows(text, dTab);
-}
-
-int mapDCInfo(PDBInfo *pdbInfo, DTable *dTab, int aOff)
-{
-    if (pdbInfo == nullptr || dTab == nullptr || !dTab->dObsList)
-        return 0;
-    int mapped = 0;
-    for (DInfo &obs : dTab->observed()) {
-        const RowQueries sides = queriesOf(*pdbInfo, *dTab, obs, aOff);
-        findSide(pdbInfo, sides.i, obs.atomI, obs.atomICount);
-        findSide(pdbInfo, sides.j, obs.atomJ, obs.atomJCount);
-        obs.valid = obs.atomICount > 0 && obs.atomJCount > 0 ? 1 : 0;
-        mapped += obs.valid;
-    }
-    return mapped;
 }
 
 int selectD(std::span<DInfo> dList, int segFirst, int segLast, int excludeMode)
@@ -402,7 +376,6 @@ void buildRow(PDBInfo *pdbInfo, const DTable &dTab, int aOff, DInfo &obs, DInfo 
 {
     calc.valid = 1;
     calc.id = obs.id;
-    calc.count = obs.count;
     const RowQueries sides = queriesOf(*pdbInfo, dTab, obs, aOff);
     findSideOrDrop(pdbInfo, sides.i, calc.atomI, calc.atomICount, obs);
     findSideOrDrop(pdbInfo, sides.j, calc.atomJ, calc.atomJCount, obs);

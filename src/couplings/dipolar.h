@@ -1,6 +1,7 @@
 // Coupling tables: the records, their reader, the mapping of rows to atoms, and the choice of rows.
 #pragma once
 
+#include "couplings/fit_work.h"
 #include "ground/alloc.h"
 #include "structure/pdb.h"
 
@@ -27,17 +28,13 @@ constexpr int noResID = -666666;          ///< a residue number that was not set
 
 /// One coupling.
 struct DInfo {
-    int id = 0;      ///< row number
-    int absFlag = 0; ///< column ABS, 1: a magnitude only; kept, but no mode goes by it
-    int count = 0;   ///< multiplicity, 1 after reading
-    int valid = 0;   ///< 1 if it takes part in fits and statistics
+    int id = 0;    ///< row number
+    int valid = 0; ///< 1 if it takes part in fits and statistics
     int resIDI = noResID, resIDJ = noResID;
     Name resNameI, resNameJ, atomNameI, atomNameJ, chainNameI, chainNameJ, segNameI, segNameJ;
     float d = noCoupling; ///< the coupling, Hz
     float di = 0.0f;      ///< interaction constant: the coupling of a fully aligned vector, Hz
     float w = 1.0f; ///< weight in statistics and searches; fits go by sigma and only leave out a weight of 0
-    float s = 1.0f; ///< columns S and FC, scale and force constant: kept, but no mode goes by them
-    float fc = 1.0f;
     int diFixedFlag = 0;                                         ///< 1 if di comes from a fixed distance
     float sigma = 0.0f;                                          ///< error of the coupling, Hz
     std::array<AtomInfo *, maxPairAtoms> atomI = {}, atomJ = {}; ///< the atoms that the row resolves to
@@ -78,7 +75,6 @@ struct DTensor {
     std::array<float, 8> phiList = {};
     float phi = 45.0f, phiMin = -360.0f, phiMax = 360.0f;
     SaupeValues saupe = {}, userSaupe = {};
-    SaupeValues dSaupe = {};          ///< standard deviations by the errors of the couplings; not reported
     std::array<float, 3> eigVal = {}; ///< after a fit not sorted, after a report Azz, Ayy, Axx
     int eulerFlag = 1;
     int eulerCount = 0;
@@ -95,7 +91,8 @@ struct DTable {
     /// The residues of the rows. They are searched for from 1000000 down and from 0 up: without a row between
     /// these limits they stay there.
     int dMinRes = 0, dMaxRes = 0;
-    Block<float> work; ///< workspace of a fit, 12 * maxCount + 12 floats: 10 lists and room
+    Block<float> work; ///< entries of a fit, 12 * maxCount + 12 floats: 10 lists and room
+    FitWork fitWork;   ///< what the fits of this table keep
     int nullChainName = 1, nullSegName = 1; ///< 1 until a row names a chain or segment
 
     [[nodiscard]] std::span<DInfo> observed()
@@ -122,10 +119,9 @@ inline bool takesPart(const DInfo &calc)
     return calc.valid != 0 && calc.w != 0.0f;
 }
 
-/// Restores the defaults of a tensor or a table; dTabFree also releases what the table owns. Return 0.
-int dTensorNull(DTensor *tInfo);
-int dTabNull(DTable *dTab);
-int dTabFree(DTable *dTab);
+/// Restores the defaults of a tensor or a table, which gives back what it owns.
+void dTensorNull(DTensor *tInfo);
+void dTabFree(DTable *dTab);
 
 /// A tensor's values from B to A; rh, its bounds and rhFlag are not copied.
 void dTensorCopy(DTensor &tInfoA, const DTensor &tInfoB);
@@ -149,10 +145,6 @@ struct RowQueries {
     SideQuery i, j;
 };
 RowQueries queriesOf(const PDBInfo &pdbInfo, const DTable &dTab, const DInfo &obs, int aOff);
-
-/// Resolves the atoms of the observed rows, with aOff added to their residue numbers. Returns the number
-/// mapped.
-int mapDCInfo(PDBInfo *pdbInfo, DTable *dTab, int aOff);
 
 /// Sets `valid` by value and by residue window: excludeMode 1 wants both residues inside, 2 at least one, any
 /// other the larger of the two. Returns the number of valid rows.

@@ -1,6 +1,6 @@
 #include "couplings/euler.h"
 
-#include "support/numerics/numbers.h"
+#include "support/numerics/vec3.h"
 
 #include <algorithm>
 #include <cmath>
@@ -10,32 +10,14 @@
 namespace trelm {
 namespace {
 
-constexpr double degreesOf = 180.0 / pi;
 constexpr float piSingle = 3.14159265f;
 constexpr float degreesSingle = 57.29577957855229f;
-
-using Vec = std::array<double, 3>;
-
-Vec column(const Matrix3d &m, std::size_t k)
-{
-    return {m[k], m[3 + k], m[6 + k]};
-}
-
-Vec cross(const Vec &a, const Vec &b)
-{
-    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
-
-Vec scaled(const Vec &v, double sign)
-{
-    return {sign * v[0], sign * v[1], sign * v[2]};
-}
 
 /// acos of the value in degrees, or 360 less it where the turn goes the other way. Unit vectors are unit only
 /// to a rounding, so the value is held within -1 and 1.
 double turnAngle(double cosine, bool isBack)
 {
-    const double angle = std::acos(std::clamp(cosine, -1.0, 1.0)) * degreesOf;
+    const double angle = std::acos(std::clamp(cosine, -1.0, 1.0)) * degreesOfRadian;
     return isBack ? 360.0 - angle : angle;
 }
 
@@ -91,7 +73,7 @@ void eigVec2euler(const Matrix3d &eigVec, EulerLists &lists)
     FrameLists frames;
     make_eigVecList(eigVec, frames);
     for (std::size_t i = 0; i < 4; ++i) {
-        const Vec &x = frames.x[i], &y = frames.y[i], &z = frames.z[i];
+        const Vec3 &x = frames.x[i], &y = frames.y[i], &z = frames.z[i];
         std::array<double, 3> w;
         get_euler({x[0], y[0], z[0], x[1], y[1], z[1], x[2], y[2], z[2]}, w);
         lists.alpha[i] = w[0];
@@ -104,8 +86,8 @@ void get_euler(const Matrix3d &m, std::array<double, 3> &w)
 {
     Matrix3d unit = m;
     for (std::size_t k = 0; k < 3; ++k) {
-        const Vec v = column(m, k);
-        const double length = std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
+        const Vec3 v = column(m, k);
+        const double length = std::sqrt(dot(v, v));
         for (std::size_t i = 0; length > 0.0 && i < 3; ++i)
             unit[i * 3 + k] = v[i] / length;
     }
@@ -118,10 +100,10 @@ void inv_euler(const Matrix3d &m, std::array<double, 3> &w)
     const double s = std::sin(b);
     if (std::abs(s) <= 1e-10) {
         const double u = m[8] < 0.0 ? -1.0 : 1.0;
-        w = {turnAngle(u * m[0], u * m[1] < 0.0), b * degreesOf, 0.0};
+        w = {turnAngle(u * m[0], u * m[1] < 0.0), b * degreesOfRadian, 0.0};
         return;
     }
-    w = {turnAngle(m[6] / s, m[7] / s < 0.0), b * degreesOf, turnAngle(-m[2] / s, m[5] / s < 0.0)};
+    w = {turnAngle(m[6] / s, m[7] / s < 0.0), b * degreesOfRadian, turnAngle(-m[2] / s, m[5] / s < 0.0)};
 }
 
 int eulerTest(const Matrix3f &r, float psi, float theta, float phi)

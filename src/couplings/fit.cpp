@@ -164,13 +164,13 @@ int fitD(PDBInfo *pdbInfo, DTable *dTab, int verbose)
     case tensorSaupe:
     case tensorGiven:
     case tensorGivenToo:
-        used = fitDSVD(dTab);
+        used = fitDSVD(*dTab);
         break;
     case tensorNofixed:
     case tensorDaDr:
     case tensorFixed:
     case tensorFreeToo:
-        used = fitDCAlign(pdbInfo, dTab, verbose);
+        used = pdbInfo != nullptr ? fitDCAlign(*pdbInfo, *dTab, verbose) : 0;
         break;
     default:
         break;
@@ -178,26 +178,23 @@ int fitD(PDBInfo *pdbInfo, DTable *dTab, int verbose)
     return checkTensor(dTab->dTensor, used);
 }
 
-int fitDSVD(DTable *dTab)
+int fitDSVD(DTable &dTab)
 {
-    if (dTab == nullptr)
-        return 0;
-    DTensor &tensor = dTab->dTensor;
+    DTensor &tensor = dTab.dTensor;
     const bool fit = tensor.tensorMode == tensorSvd;
     tensor.saupe = fit ? SaupeValues{} : tensor.userSaupe;
-    tensor.dSaupe.fill(1.0f);
     Slices slices;
-    if (!cutWork(*dTab, slices))
+    if (!cutWork(dTab, slices))
         return 0;
-    const Filled filled = putRows(*dTab, slices);
+    const Filled filled = putRows(dTab, slices);
     // Too few couplings leave a zero tensor, and then zero couplings: that is an answer, not a failure.
-    if (fit && findS(firstEntries(slices, slices.diFit, filled.entries), tensor.saupe, tensor.dSaupe) != 0 &&
-        filled.entries >= fewestCouplings)
+    if (fit && findS(firstEntries(slices, slices.diFit, filled.entries), tensor.saupe, dTab.fitWork) ==
+                   Status::failed)
         return -1;
-    findD(firstEntries(slices, slices.diBack, filled.entries), tensor.saupe, tensor.dSaupe);
+    findD(firstEntries(slices, slices.diBack, filled.entries), tensor.saupe);
     if (tensor.eulerFlag != 0)
         solveEuler(tensor);
-    takeRows(*dTab, slices);
+    takeRows(dTab, slices);
     return filled.rows;
 }
 
@@ -234,8 +231,7 @@ int refitD(RepeatedFit &fit, PDBInfo *pdbInfo, DTable *dTab, int verbose)
     DTensor &tensor = dTab->dTensor;
     for (std::size_t k = 0; k < fit.entries.size(); ++k)
         fit.y[k] = fit.entries[k].toFit * dTab->dObsList[static_cast<std::size_t>(fit.rows[k])].d;
-    if (svdLSMat(fit.x, fit.y, static_cast<int>(fit.y.size()), static_cast<int>(saupeCount), tensor.saupe, {},
-                 1) != 0)
+    if (svdLSMat(fit.x, fit.y, tensor.saupe, fit.svd) != Status::ok)
         return -1;
     if (tensor.eulerFlag != 0)
         solveEuler(tensor);

@@ -3,6 +3,8 @@
 
 #include "couplings/dipolar.h"
 #include "couplings/euler.h"
+#include "couplings/fit_work.h"
+#include "ground/status.h"
 
 #include <array>
 #include <cstddef>
@@ -19,7 +21,7 @@ struct FitVectors {
     std::span<const float> xI, yI, zI, xJ, yJ, zJ;
     std::span<const float> diVal;
     std::span<float> dVal;
-    std::span<float> dSigma;
+    std::span<const float> dSigma;
 };
 
 /// Fits or back-calculates by the tensor's `tensorMode`: the calculated couplings go to dCalcList, the tensor
@@ -31,15 +33,15 @@ int fitD(PDBInfo *pdbInfo, DTable *dTab, int verbose);
 /// Levenberg-Marquardt over rotation, Da and Dr. The second starts from the tensor as it is, so repeated fits
 /// go on from the last answer, and without a coupling that answer stays. Its Saupe vector is that of the
 /// first Euler solution, and shares what rot2euler says about theta = +-90.
-int fitDSVD(DTable *dTab);
-int fitDCAlign(PDBInfo *pdbPtr, DTable *dTabPtr, int verbFlag);
+int fitDSVD(DTable &dTab);
+int fitDCAlign(PDBInfo &pdbInfo, DTable &dTab, int verbose);
 
-/// Least-squares Saupe vector and its standard deviations. Returns 0; 1 with zeros if there are fewer than
-/// five entries, or without memory. Source: Losonczi et al., J. Magn. Reson. 138 (1999) 334.
-int findS(const FitVectors &vectors, SaupeValues &saupe, SaupeValues &dSaupe);
+/// Least-squares Saupe vector. `noSolution` with zeros for fewer than five entries, `failed` with zeros
+/// without memory. Source: Losonczi et al., J. Magn. Reson. 138 (1999) 334.
+Status findS(const FitVectors &vectors, SaupeValues &saupe, FitWork &work);
 
-/// Couplings of a Saupe vector into dVal, their standard deviations into dSigma.
-void findD(const FitVectors &vectors, const SaupeValues &saupe, const SaupeValues &dSaupe);
+/// Couplings of a Saupe vector, Hz, into dVal.
+void findD(const FitVectors &vectors, const SaupeValues &saupe);
 
 /// Euler solutions about x, y, z of a Saupe vector, with its Da and Dr; eigVal is not sorted. Returns their
 /// number, 0 if it cannot be diagonalised.
@@ -65,20 +67,13 @@ struct RepeatedFit {
     std::vector<float> x, y; ///< weighted design matrix and right-hand side
     int used = 0;            ///< rows that take part
     bool isUsable = false;   ///< the table is one for linear fits
+    SvdWork svd;
 };
 
 /// Takes over from a table that fitD has just fitted.
 void prepareRepeatedFit(DTable &dTab, RepeatedFit &fit);
 
-/// As fitD, to the bit; dSaupe stays as the first fit left it, because couplings do not change it.
+/// As fitD, to the bit.
 int refitD(RepeatedFit &fit, PDBInfo *pdbInfo, DTable *dTab, int verbose);
-
-/// The workspace of findS: forgets it, makes it large enough for `size` entries (findS does so itself), gives
-/// it back. dipolarInit returns 0, or 1 after a message if there is no memory. At the end of a run call
-/// dipolarFree, and fitAlignFree, which gives back the coordinates of the non-linear path.
-void dipolarNull();
-int dipolarInit(int size);
-void dipolarFree();
-void fitAlignFree();
 
 } // namespace trelm

@@ -14,22 +14,33 @@
 namespace trelm {
 namespace {
 
-/// The arrays of a fit; they stay from fit to fit.
-struct Workspace {
-    Block<float> xWork, yWork; ///< design matrix and right-hand side
-    int workSize = 0;          ///< entries they hold
-};
-
-Workspace workspace;
+/// Room for the entries of a fit. Asked for only when it is too small: a fit of the last size keeps its
+/// arrays and its decomposition.
+Status makeRoomFor(FitWork &work, std::size_t entries)
+{
+    if (work.y.length() > entries)
+        return Status::ok;
+    work.svd = SvdWork{};
+    work.x.release();
+    work.y.release();
+    work.x = Block<float>("dipolar", entries * saupeCount + saupeCount);
+    work.y = Block<float>("dipolar", entries + 1);
+    if (work.x && work.y)
+        return Status::ok;
+    work.x.release();
+    work.y.release();
+    complain("GORVAT Error Allocating Dipolar Workspace.\n");
+    return Status::failed;
+}
 
 /// Writes row k of the weighted design matrix and right-hand side.
-void designRow(const FitVectors &vectors, std::size_t k)
+void designRow(const FitVectors &vectors, std::size_t k, FitWork &work)
 {
     const RowScale scale = rowScale(vectors, k);
     const SaupeValues terms = geometryTerms(vectors, k);
     for (std::size_t j = 0; j < saupeCount; ++j)
-        workspace.xWork[k * saupeCount + j] = scale.design * terms[j];
-    workspace.yWork[k] = scale.coupling * vectors.dVal[k];
+        work.x[k * saupeCount + j] = scale.design * terms[j];
+    work.y[k] = scale.coupling * vectors.dVal[k];
 }
 
 } // namespace
@@ -54,70 +65,27 @@ RowScale rowScale(const FitVectors &vectors, std::size_t k)
     return {wgt, wgt * a};
 }
 
-void dipolarNull()
-{
-    workspace = Workspace{};
-}
-
-int dipolarInit(int size)
-{
-    if (workspace.workSize > size)
-        return 0;
-    dipolarFree();
-    if (size < 0)
-        return 0;
-    const auto entries = static_cast<std::size_t>(size);
-    workspace.xWork = Block<float>("dipolar", entries * saupeCount + saupeCount);
-    workspace.yWork = Block<float>("dipolar", entries + 1);
-    if (!workspace.xWork || !workspace.yWork) {
-        workspace = Workspace{};
-        return complain("GORVAT Error Allocating Dipolar Workspace.\n");
-    }
-    workspace.workSize = size;
-    return 0;
-}
-
-void dipolarFree()
-{
-    workspace = Workspace{};
-    svdPolyFree();
-}
-
-int findS(const FitVectors &vectors, SaupeValues &saupe, SaupeValues &dSaupe)
+Status findS(const FitVectors &vectors, SaupeValues &saupe, FitWork &work)
 {
     saupe = {};
-    dSaupe = {};
     const std::size_t count = vectors.xI.size();
     if (count < fewestCouplings)
-        return 1;
-    // Asked only when it is too small: a fit of the last size keeps its arrays and its decomposition.
-    if (static_cast<std::size_t>(workspace.workSize) < count && dipolarInit(static_cast<int>(count)) != 0)
-        return 1;
+        return Status::noSolution;
+    if (makeRoomFor(work, count) != Status::ok)
+        return Status::failed;
     for (std::size_t k = 0; k < count; ++k)
-        designRow(vectors, k);
-    std::array<float, saupeCount *saupeCount> covar = {};
-    if (svdLSMat(workspace.xWork.span().first(count * saupeCount), workspace.yWork.span().first(count),
-                 static_cast<int>(count), static_cast<int>(saupeCount), saupe, covar, 1) != 0) {
-        saupe = {};
-        return 1;
-    }
-    for (std::size_t j = 0; j < saupeCount; ++j)
-        dSaupe[j] = std::sqrt(covar[j * saupeCount + j]);
-    return 0;
+        designRow(vectors, k, work);
+    return svdLSMat(work.x.span().first(count * saupeCount), work.y.span().first(count), saupe, work.svd);
 }
 
-void findD(const FitVectors &vectors, const SaupeValues &saupe, const SaupeValues &dSaupe)
+void findD(const FitVectors &vectors, const SaupeValues &saupe)
 {
     for (std::size_t k = 0; k < vectors.xI.size(); ++k) {
         const SaupeValues terms = geometryTerms(vectors, k);
-        float sum = 0.0f, variance = 0.0f;
-        for (std::size_t j = 0; j < saupeCount; ++j) {
+        float sum = 0.0f;
+        for (std::size_t j = 0; j < saupeCount; ++j)
             sum += terms[j] * saupe[j];
-            variance += terms[j] * terms[j] * dSaupe[j] * dSaupe[j];
-        }
-        const float scale = std::fabs(vectors.diVal[k]);
-        vectors.dVal[k] = sum * scale;
-        vectors.dSigma[k] = std::sqrt(variance) * scale;
+        vectors.dVal[k] = sum * std::fabs(vectors.diVal[k]);
     }
 }
 
@@ -142,10 +110,9 @@ int saupe2euler(const SaupeValues &saupe, RotationLists &lists, std::array<float
 
 void euler2saupe(SaupeValues &saupe, float psi, float theta, float phi, float da, float dr)
 {
-    pdb3dReset();
-    pdb3dAppendRotation0(psi, theta, phi);
-    Matrix4 r = {};
-    pdb3dCopyCurrentMatrix(r);
+    Transform turn;
+    turn.appendRotation(psi, theta, phi);
+    const Matrix4 &r = turn.m;
     const float diagonal[3] = {(-2.0f * da + 3.0f * dr) / 2.0f, (-2.0f * da - 3.0f * dr) / 2.0f, 2.0f * da};
     const auto element = [&](std::size_t row, std::size_t column) {
         float sum = 0.0f;

@@ -76,9 +76,9 @@ float qOfTensor(const DTensor &tensor, const Sums &sums, float rms)
 Regression regress(std::span<const float> x, std::span<const float> y)
 {
     Regression result;
-    result.r = pearsn(x, y).r;
-    result.yOnX = fit(x, y, {}, 0);
-    result.xOnY = fit(y, x, {}, 0);
+    result.r = pearsn(x, y);
+    result.yOnX = fit(x, y);
+    result.xOnY = fit(y, x);
     for (LineFit *line : {&result.yOnX, &result.xOnY})
         for (float *value : {&line->a, &line->b, &line->siga, &line->sigb})
             *value = valueOf(*value);

@@ -122,7 +122,7 @@ void irrCollinarity(const SaupeValues &saupe1, const SaupeValues &saupe2, float 
     if (dcos > -1.0f && dcos < 1.0f)
         angle = static_cast<float>(
             90.0 - std::atan2(static_cast<double>(dcos), std::sqrt(1.0 - static_cast<double>(dcos) * dcos)) *
-                       57.29577957855229);
+                       degreesOfRadian);
 }
 
 void reportEuler(std::string &text, const DTensor &dTensor)

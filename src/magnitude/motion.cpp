@@ -86,13 +86,10 @@ Status makePool(const MotionSetup &setup, Pool &pool, Messages &messages)
     const std::int64_t density =
         std::min<std::int64_t>(pool.sCount * static_cast<std::int64_t>(pool.nDcTypeMax), setup.dTab.dCount);
     if (density < 1)
-        messages.err("motionHist: no residue of the window has a coupling.
-");
+        messages.err("motionHist: no residue of the window has a coupling.\n");
     if (density < 1 || !do_unsp(static_cast<int>(density), pool.dots))
-        return messages.fail("motionHist: unsp error occured.
-");
-    messages.out("REMARK %zu simulated couplings (isotropic).
-", pool.dots.size() / 3);
+        return messages.fail("motionHist: unsp error occured.\n");
+    messages.out("REMARK %zu simulated couplings (isotropic).\n", pool.dots.size() / 3);
     return Status::ok;
 }
 

@@ -52,8 +52,6 @@ void selectCouplings(Run &run)
     const DcInfo &dcInfo = run.dcInfo[0];
     PDBInfo *pdbInfo = &run.pdbInfo[0];
     DTable *dTab = &run.dTab[0];
-    // The offset is that of the window, not the one of buildDC, which looks the atoms up again.
-    mapDCInfo(pdbInfo, dTab, shiftedRes(dcInfo.segFirst, -std::int64_t{dcInfo.segLast}));
     chooseRows(*dTab, dcInfo, options.atomNameS1, options.atomNameS2);
     run.trelmInfo[0].validCountD =
         buildDC(pdbInfo, dTab, shiftedRes(dcInfo.aFirst, -std::int64_t{dcInfo.segFirst}), dcInfo.segFirst,

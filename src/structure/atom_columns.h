@@ -23,9 +23,8 @@ struct AtomTabVals {
 /// Finds RESID, RESNAME, ATOMNAME, CHAINNAME, SEGNAME with a suffix such as "_I".
 void getAtomTabLocs(const std::vector<tabVar> &varInfo, std::string_view suffix, AtomTabLocs &locs);
 
-/// Reads the atom columns of the row at rPtr; fields without a column stay. Returns a mask of what was found:
-/// 1 residue number, 2 atom name, 4 residue name, 8 chain name, 16 segment name.
-int getAtomTabVals(const std::vector<tabVar> &varInfo, const float *rPtr, const AtomTabLocs &locs,
-                   AtomTabVals &vals);
+/// Reads the atom columns of the row at rPtr; fields without a column stay.
+void getAtomTabVals(const std::vector<tabVar> &varInfo, const float *rPtr, const AtomTabLocs &locs,
+                    AtomTabVals &vals);
 
 } // namespace trelm

@@ -1,6 +1,7 @@
 #include "structure/backbone.h"
 
 #include "structure/transform.h"
+#include "support/numerics/vec3.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,26 +12,12 @@
 namespace trelm {
 namespace {
 
-constexpr double degree = 57.29577957855229;
-
 constexpr int maskPhi = 1;
 constexpr int maskPsi = 2;
 
-using Vec = DCoord3D;
-
-Vec difference(const Coord3D &a, const Coord3D &b)
+Vec3 difference(const Coord3D &a, const Coord3D &b)
 {
     return {static_cast<double>(a.x) - b.x, static_cast<double>(a.y) - b.y, static_cast<double>(a.z) - b.z};
-}
-
-Vec cross(const Vec &a, const Vec &b)
-{
-    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
-
-double dot(const Vec &a, const Vec &b)
-{
-    return a.x * b.x + a.y * b.y + a.z * b.z;
 }
 
 Coord3D place(const AtomInfo *atom)
@@ -102,14 +89,14 @@ bool isLowHalf(const SegInfo &segment, int resID)
     return (std::int64_t{segment.minResID} + segment.maxResID) / 2 >= resID;
 }
 
-void moveSide(SegInfo &segment, int side)
+void moveSide(SegInfo &segment, int side, const Transform &turn)
 {
     for (int i = 0; i < segment.atomCount; ++i) {
         AtomInfo &atom = *segment.atomList[static_cast<std::size_t>(i)];
         if (atom.selected != side)
             continue;
         Coord3D r = place(&atom);
-        pdb3dCoordTransform({&r, 1});
+        turn.apply({&r, 1});
         atom.x = r.x;
         atom.y = r.y;
         atom.z = r.z;
@@ -124,17 +111,17 @@ void turnShorterSide(SegInfo &segment, int resID, AtomInfo &low, AtomInfo &high,
     const Coord3D from = place(lowMoves ? &high : &low);
     const Coord3D to = place(lowMoves ? &low : &high);
     low.selected = high.selected = lowMoves ? highSide : lowSide;
-    pdb3dReset();
-    pdb3dAppendRotation2(from.x, from.y, from.z, to.x, to.y, to.z, delta);
-    moveSide(segment, lowMoves ? lowSide : highSide);
+    Transform turn;
+    turn.appendRotation(from, to, delta);
+    moveSide(segment, lowMoves ? lowSide : highSide, turn);
 }
 
 } // namespace
 
 int getDihedralAngle(const Coord3D &r0, const Coord3D &r1, const Coord3D &r2, const Coord3D &r3, float &phi)
 {
-    const Vec b1 = difference(r1, r0), b2 = difference(r2, r1), b3 = difference(r3, r2);
-    const Vec n1 = cross(b1, b2), n2 = cross(b2, b3);
+    const Vec3 b1 = difference(r1, r0), b2 = difference(r2, r1), b3 = difference(r3, r2);
+    const Vec3 n1 = cross(b1, b2), n2 = cross(b2, b3);
     const double norm = std::sqrt(dot(n1, n1)) * std::sqrt(dot(n2, n2));
     phi = 0.0f;
     if (norm == 0.0)
@@ -142,7 +129,7 @@ int getDihedralAngle(const Coord3D &r0, const Coord3D &r1, const Coord3D &r2, co
     const double cosine = dot(n1, n2) / norm;
     if (!(cosine >= -1.001 && cosine <= 1.001))
         return 1;
-    phi = static_cast<float>(std::acos(std::clamp(cosine, -1.0, 1.0)) * degree);
+    phi = static_cast<float>(std::acos(std::clamp(cosine, -1.0, 1.0)) * degreesOfRadian);
     if (dot(cross(n1, n2), b2) < 0.0)
         phi = -phi;
     return 0;
@@ -183,16 +170,6 @@ int setPDBPhiPsi(PDBInfo *pdbInfo, int resID, std::string_view chainName, std::s
         result += maskPsi;
     }
     return result;
-}
-
-void updatePDBAngles(PDBInfo *pdbInfo, int res1, int resN)
-{
-    if (pdbInfo == nullptr)
-        return;
-    for (ResInfo &residue : pdbInfo->residues())
-        if (residue.resID >= std::int64_t{res1} - 1 && residue.resID <= std::int64_t{resN} + 1)
-            getPDBPhiPsi(pdbInfo, residue.resID, residue.chainID.view(), residue.segID.view(), residue.phi,
-                         residue.psi);
 }
 
 } // namespace trelm

@@ -20,8 +20,4 @@ int getPDBPhiPsi(PDBInfo *pdbInfo, int resID, std::string_view chainName, std::s
 int setPDBPhiPsi(PDBInfo *pdbInfo, int resID, std::string_view chainName, std::string_view segName,
                  float phiNew, float psiNew);
 
-/// Angles of all residues with numbers res1 - 1 to resN + 1, into the residues' phi and psi. The modes ask
-/// getPDBPhiPsi, which follows a structure that moves.
-void updatePDBAngles(PDBInfo *pdbInfo, int res1, int resN);
-
 } // namespace trelm

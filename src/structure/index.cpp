@@ -38,13 +38,13 @@ int findOrAdd(const KeyedList<T> &keyed, const std::string &key)
 {
     const HSymInfo *known = hFindSym(key, keyed.table);
     if (known != nullptr)
-        return known->val.i;
+        return known->value;
     if (!makeRoom(keyed.list, "pdb", static_cast<std::size_t>(keyed.count), 1, keyed.first))
         return noPlace(keyed.memoryMessage);
-    HSymInfo *symbol = hAddSym(key, symIndex, keyed.table);
+    HSymInfo *symbol = hAddSym(key, 0, keyed.table);
     if (symbol == nullptr)
         return noPlace(keyed.tableMessage);
-    symbol->val.i = keyed.count;
+    symbol->value = keyed.count;
     return keyed.count++;
 }
 
@@ -60,12 +60,12 @@ int insertAtom(PDBInfo &pdbInfo, int place, std::string &key)
         complain("PDB Warning: Redundant Atom Specification.\n"
                  " ResID: %d AtomName: %s Chain: %s Segment: %s\n",
                  atom.resID, atom.atomName.c_str(), atom.chainID.c_str(), atom.segID.c_str());
-        return known->val.i;
+        return known->value;
     }
-    HSymInfo *symbol = hAddSym(key, symIndex, pdbInfo.atomTab);
+    HSymInfo *symbol = hAddSym(key, 0, pdbInfo.atomTab);
     if (symbol == nullptr)
         return noPlace("PDB Atom Symbol Table Error.\n");
-    symbol->val.i = place;
+    symbol->value = place;
     return place;
 }
 

@@ -48,7 +48,7 @@ ResInfo *findRes(PDBInfo *pdbInfo, int resID, std::string_view chainName, std::s
     std::string key;
     buildResText(resID, chainName, segName, key);
     const HSymInfo *symbol = hFindSym(key, pdbInfo->resTab);
-    return symbol == nullptr ? nullptr : &pdbInfo->resList[static_cast<std::size_t>(symbol->val.i)];
+    return symbol == nullptr ? nullptr : &pdbInfo->resList[static_cast<std::size_t>(symbol->value)];
 }
 
 AtomInfo *findAtom(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
@@ -59,7 +59,7 @@ AtomInfo *findAtom(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::
     std::string key;
     buildLookupText(resID, atomName, chainName, segName, key);
     const HSymInfo *symbol = hFindSym(key, pdbInfo->atomTab);
-    return symbol == nullptr ? nullptr : &pdbInfo->atomList[static_cast<std::size_t>(symbol->val.i)];
+    return symbol == nullptr ? nullptr : &pdbInfo->atomList[static_cast<std::size_t>(symbol->value)];
 }
 
 int findAtomList(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,

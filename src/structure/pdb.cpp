@@ -133,15 +133,9 @@ int makeTables(PDBInfo &pdbInfo)
 
 } // namespace
 
-int pdbNull(PDBInfo *pdbInfo)
-{
-    *pdbInfo = PDBInfo{};
-    return 0;
-}
-
 int readPDB(const std::string &pdbName, PDBInfo *pdbInfo, const PDBSelectInfo *sInfo)
 {
-    pdbNull(pdbInfo);
+    *pdbInfo = PDBInfo{};
     if (makeTables(*pdbInfo) != 0)
         return 1;
     TextInput input;
@@ -172,35 +166,12 @@ std::size_t pdbStrCpy(Name &dest, std::string_view src)
     return kept.size();
 }
 
-namespace {
-
-int blankName(Name &name)
+bool blankName(Name &name)
 {
-    if (name.empty())
-        return 0;
     if (!(name == "{}") && !equalNoCase(name.view(), "none") && !equalNoCase(name.view(), "(Null)"))
-        return 0;
+        return false;
     name = Name{};
-    return 1;
-}
-
-} // namespace
-
-int fixAtomName(Name &name)
-{
-    return blankName(name);
-}
-int fixResName(Name &name)
-{
-    return blankName(name);
-}
-int fixChainName(Name &name)
-{
-    return blankName(name);
-}
-int fixSegName(Name &name)
-{
-    return blankName(name);
+    return true;
 }
 
 } // namespace trelm

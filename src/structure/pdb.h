@@ -32,10 +32,6 @@ struct Coord3D {
     float x = 0.0f, y = 0.0f, z = 0.0f;
 };
 
-struct DCoord3D {
-    double x = 0.0, y = 0.0, z = 0.0;
-};
-
 constexpr float noAngle = 9999.0f; ///< a backbone angle that is not known
 constexpr int maxWildAtoms = 16;   ///< the most atoms that a name with wildcards gives
 
@@ -58,8 +54,7 @@ struct ResInfo {
     int resID = 0;
     int atomCount = 0;
     Name resName, chainID, segID;
-    float phi = noAngle, psi = noAngle; ///< degrees; updatePDBAngles alone fills them
-    Block<AtomInfo *> atomList;         ///< its atoms, in file order
+    Block<AtomInfo *> atomList; ///< its atoms, in file order
 };
 
 /// A chain and a segment are each told by both names: of two chains in one segment each has a segment record
@@ -103,9 +98,6 @@ struct PDBInfo {
     }
 };
 
-/// Empties a molecule.
-int pdbNull(PDBInfo *pdbInfo);
-
 /// Reads the ATOM lines of a file (standard input if the name is empty) that pass `sInfo`, and indexes them.
 /// With the hetatmFlag of `sInfo` HETATM lines are atoms too. Null takes all ATOM lines and no HETATM line:
 /// the program itself reads with null, so that its options -hetatm and -protein do not touch what is read.
@@ -143,11 +135,7 @@ float findAtomListRad(std::span<AtomInfo *const> atomListI, std::span<AtomInfo *
 /// copy.
 std::size_t pdbStrCpy(Name &dest, std::string_view src);
 
-/// Names read from a table: "{}", "none" and "(Null)" mean a blank. Each returns 1 if it blanked the name,
-/// else 0.
-int fixAtomName(Name &name);
-int fixResName(Name &name);
-int fixChainName(Name &name);
-int fixSegName(Name &name);
+/// A name read from a table: "{}", "none" and "(Null)" mean a blank. True if it was blanked.
+bool blankName(Name &name);
 
 } // namespace trelm

@@ -1,6 +1,5 @@
 #include "structure/rotate.h"
 
-#include "support/numerics/numbers.h"
 #include "support/text/text.h"
 
 #include <cmath>
@@ -20,7 +19,7 @@ void rotate_coorsystem(double theta, double phi, double psi, Axis &x_axis_tensor
 
 int rotateDomain(const std::array<double, 3> &angle, PDBInfo *pdbInfo, int resN, int resC)
 {
-    constexpr double radian = pi / 180.0;
+    constexpr double radian = radiansOfDegree;
     Axis x, y, z;
     // The columns of the turn by the negated angles are the rows of the turn itself.
     rotate_coorsystem(-angle[1] * radian, -angle[2] * radian, -angle[0] * radian, x, y, z);
@@ -40,22 +39,22 @@ int rotateDomain(const std::array<double, 3> &angle, PDBInfo *pdbInfo, int resN,
 
 int shiftMol2Domain(PDBInfo *pdbInfo, int resN, int resC)
 {
-    DCoord3D mean;
+    Vec3 mean = {};
     int count = 0;
     for (const AtomInfo &atom : pdbInfo->atoms()) {
         if (atom.resID < resN || atom.resID > resC)
             continue;
-        mean.x += static_cast<double>(atom.x);
-        mean.y += static_cast<double>(atom.y);
-        mean.z += static_cast<double>(atom.z);
+        mean[0] += static_cast<double>(atom.x);
+        mean[1] += static_cast<double>(atom.y);
+        mean[2] += static_cast<double>(atom.z);
         ++count;
     }
     if (count == 0)
         return complain("Error in positionDomain: zero atoms selected.");
     for (AtomInfo &atom : pdbInfo->atoms()) {
-        atom.x = static_cast<float>(static_cast<double>(atom.x) - mean.x / count);
-        atom.y = static_cast<float>(static_cast<double>(atom.y) - mean.y / count);
-        atom.z = static_cast<float>(static_cast<double>(atom.z) - mean.z / count);
+        atom.x = static_cast<float>(static_cast<double>(atom.x) - mean[0] / count);
+        atom.y = static_cast<float>(static_cast<double>(atom.y) - mean[1] / count);
+        atom.z = static_cast<float>(static_cast<double>(atom.z) - mean[2] / count);
     }
     return 0;
 }

@@ -2,12 +2,13 @@
 #pragma once
 
 #include "structure/pdb.h"
+#include "support/numerics/vec3.h"
 
 #include <array>
 
 namespace trelm {
 
-using Axis = std::array<double, 3>;
+using Axis = Vec3;
 
 /// Sine and cosine of one angle.
 struct SinCos {

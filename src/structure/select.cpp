@@ -131,12 +131,6 @@ void adjustList(const std::string &list, int &mode)
 
 } // namespace
 
-int pdbSelectNull(PDBSelectInfo *sInfo)
-{
-    *sInfo = PDBSelectInfo{};
-    return 0;
-}
-
 void pdbSelectAdjust(PDBSelectInfo &sInfo)
 {
     if (sInfo.res1 > sInfo.resN)

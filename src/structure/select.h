@@ -24,9 +24,6 @@ struct PDBSelectInfo {
     int dbgFlag = 0;
 };
 
-/// Restores the defaults. Returns 0.
-int pdbSelectNull(PDBSelectInfo *sInfo);
-
 /// Puts res1 and resN in order, and switches off the test of a list that is exactly "*".
 void pdbSelectAdjust(PDBSelectInfo &sInfo);
 

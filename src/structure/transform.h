@@ -1,6 +1,5 @@
-// The current transformation: one 4 by 4 matrix for the whole program, to which rotations and translations
-// are appended. Each user resets it first, and what another one appended is lost. A point transforms as x' =
-// m00 x + m01 y + m02 z + m03 and so on. Angles are in degrees.
+// Rotations and translations of points, put together one after the other. Single precision, angles in
+// degrees.
 #pragma once
 
 #include "structure/pdb.h"
@@ -12,21 +11,24 @@ namespace trelm {
 
 using Matrix4 = std::array<float, 16>; ///< row-major, last column the translation
 
-void pdb3dReset();
-void pdb3dCopyCurrentMatrix(Matrix4 &m);
-void pdb3dAppendTranslation(float tx, float ty, float tz);
+/// A transformation: x' = m00 x + m01 y + m02 z + m03 and so on. A fresh one leaves points where they are;
+/// what is appended is done after what was there.
+struct Transform {
+    Matrix4 m = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
 
-/// Appends Rz(phi) Ry(theta) Rx(psi).
-void pdb3dAppendRotation0(float psi, float theta, float phi);
+    void appendTranslation(float tx, float ty, float tz);
 
-/// Appends a rotation of `theta` degrees about the line from a to b; nothing if a equals b.
-void pdb3dAppendRotation2(float xa, float ya, float za, float xb, float yb, float zb, float theta);
+    /// Rz(phi) Ry(theta) Rx(psi).
+    void appendRotation(float psi, float theta, float phi);
 
-/// Transforms points in place.
-void pdb3dCoordTransform(std::span<Coord3D> coords);
+    /// A rotation of `theta` degrees about the line from a to b; nothing if a equals b.
+    void appendRotation(const Coord3D &a, const Coord3D &b, float theta);
 
-void m4x4SetIdentity(Matrix4 &m);
-void m4x4Transpose(Matrix4 &dest, const Matrix4 &src);
-void m4x4Mult(const Matrix4 &a, Matrix4 &b); ///< b becomes a times b
+    /// Transforms points in place.
+    void apply(std::span<Coord3D> coords) const;
+
+  private:
+    void append(const Matrix4 &a);
+};
 
 } // namespace trelm

@@ -73,8 +73,7 @@ Written writeFile(const std::string &pdbName, std::string_view text)
 /// Turns the molecule and puts its mean at the origin.
 int turnMolecule(const std::array<double, 3> &angle, PDBInfo *pdbInfo)
 {
-    if (rotateDomain(angle, pdbInfo, pdbInfo->minResID, pdbInfo->maxResID) != 0)
-        return complain("trelm: error in rotateDomain.");
+    rotateDomain(angle, pdbInfo, pdbInfo->minResID, pdbInfo->maxResID);
     if (shiftMol2Domain(pdbInfo, pdbInfo->minResID, pdbInfo->maxResID) != 0)
         return complain("trelm: error in shiftMol2Domain.\n");
     return 0;
@@ -118,11 +117,6 @@ int restorePDBCoords(PDBInfo *pdbInfo)
         ++saved;
     }
     return 0;
-}
-
-void pdbCopyCoords(std::span<Coord3D> dest, std::span<const Coord3D> src)
-{
-    std::ranges::copy(src, dest.begin());
 }
 
 int writePDB(const std::string &pdbName, PDBInfo *pdbInfo, const PDBSelectInfo *sInfo, const char *remark)

@@ -15,8 +15,6 @@ struct PDBSelectInfo;
 int storePDBCoords(PDBInfo *pdbInfo);
 int restorePDBCoords(PDBInfo *pdbInfo);
 
-void pdbCopyCoords(std::span<Coord3D> dest, std::span<const Coord3D> src);
-
 /// Writes the atoms that pass `sInfo` (null: all) as ATOM lines, then END. An empty name is standard output;
 /// `remark` may be null. Returns 0, or 1 after a message if the file cannot be opened or not be written to
 /// its end.

@@ -215,14 +215,20 @@ TEST(AddPdbNoise, CountsTheOffsetOnceAndDropsARowWhoseAtomIsGone)
 TEST(AddPhiPsiNoise, TurnsEveryAngleByTheFixedWidth)
 {
     Molecule m("10 N 10 H 1 1\n");
-    updatePDBAngles(&m.pdb, 1, 76);
+    std::vector<std::array<float, 2>> before;
+    for (const ResInfo &residue : m.pdb.residues()) {
+        auto &[phi, psi] = before.emplace_back();
+        getPDBPhiPsi(&m.pdb, residue.resID, "A", m.pdb.defSegName.view(), phi, psi);
+    }
     int idum = -1;
     addPhiPsiNoise(&idum, &m.pdb, &m.table, fixedCone, {1, 1, 76}, 1);
+    auto angles = before.begin();
     for (const ResInfo &residue : m.pdb.residues()) {
+        const auto [phiBefore, psiBefore] = *angles++;
         float phi = 0.0f, psi = 0.0f;
         const int known = getPDBPhiPsi(&m.pdb, residue.resID, "A", m.pdb.defSegName.view(), phi, psi);
-        const float phiTurn = (known & 1) != 0 ? phi - residue.phi : 10.0f;
-        const float psiTurn = (known & 2) != 0 ? psi - residue.psi : 10.0f;
+        const float phiTurn = (known & 1) != 0 ? phi - phiBefore : 10.0f;
+        const float psiTurn = (known & 2) != 0 ? psi - psiBefore : 10.0f;
         EXPECT_NEAR(std::remainder(phiTurn - 10.0f, 360.0f), 0.0f, 0.05f) << residue.resID;
         EXPECT_NEAR(std::remainder(psiTurn - 10.0f, 360.0f), 0.0f, 0.05f) << residue.resID;
     }

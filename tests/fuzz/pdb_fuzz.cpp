@@ -61,9 +61,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         checkResidue(pdbInfo, residue);
     for (const int mode : {matchExact, matchRegex, matchGlob})
         select(pdbInfo, mode);
-    updatePDBAngles(&pdbInfo, pdbInfo.minResID, pdbInfo.maxResID);
-    for (const ResInfo &residue : pdbInfo.residues())
-        require(std::isfinite(residue.phi) && std::isfinite(residue.psi), "torsion angles are finite");
+    for (const ResInfo &residue : pdbInfo.residues()) {
+        float phi = 0.0f, psi = 0.0f;
+        getPDBPhiPsi(&pdbInfo, residue.resID, residue.chainID.view(), residue.segID.view(), phi, psi);
+        require(std::isfinite(phi) && std::isfinite(psi), "torsion angles are finite");
+    }
     require(pdbInfo.atomCount == 0 || writePDB("/dev/null", &pdbInfo, nullptr, "fuzz") == 0,
             "what was read can be written");
     return 0;

@@ -18,7 +18,6 @@ float distance(const AtomInfo &a, const AtomInfo &b)
 TEST(Backbone, AnglesOfUbiquitin)
 {
     PDBInfo pdb = readUbiquitin();
-    updatePDBAngles(&pdb, 1, 76);
     float phi = 0.0f, psi = 0.0f;
     EXPECT_EQ(getPDBPhiPsi(&pdb, 1, "A", "", phi, psi), 2);
     EXPECT_EQ(phi, noAngle);
@@ -26,9 +25,9 @@ TEST(Backbone, AnglesOfUbiquitin)
     EXPECT_EQ(psi, noAngle);
     // Residues 23 to 33 are the helix.
     for (int resID = 24; resID <= 32; ++resID) {
-        const ResInfo *residue = findRes(&pdb, resID, "A", "");
-        EXPECT_NEAR(residue->phi, -63.0f, 12.0f) << resID;
-        EXPECT_NEAR(residue->psi, -41.0f, 15.0f) << resID;
+        EXPECT_EQ(getPDBPhiPsi(&pdb, resID, "A", "", phi, psi), 3);
+        EXPECT_NEAR(phi, -63.0f, 12.0f) << resID;
+        EXPECT_NEAR(psi, -41.0f, 15.0f) << resID;
     }
 }
 
@@ -75,42 +74,40 @@ TEST(Transform, OrderAndSense)
 {
     const struct {
         const char *why;
-        void (*append)();
+        void (*append)(Transform &);
         Coord3D from, to;
     } cases[] = {
         {"a quarter turn about z, after the translation",
-         [] {
-             pdb3dAppendTranslation(0, 1, 0);
-             pdb3dAppendRotation0(0, 0, 90);
+         [](Transform &turn) {
+             turn.appendTranslation(0, 1, 0);
+             turn.appendRotation(0, 0, 90);
          },
          {1, 0, 0},
          {-1, 1, 0}},
         {"about x, which brings y to z; then about y, which brings z to x",
-         [] { pdb3dAppendRotation0(90, 90, 0); },
+         [](Transform &turn) { turn.appendRotation(90, 90, 0); },
          {0, 1, 0},
          {1, 0, 0}},
         {"about a line parallel to z through (1, 1)",
-         [] { pdb3dAppendRotation2(1, 1, 0, 1, 1, 5, 90); },
+         [](Transform &turn) {
+             turn.appendRotation({1, 1, 0}, {1, 1, 5}, 90);
+         },
          {2, 1, 0},
          {1, 2, 0}},
-        {"about no line", [] { pdb3dAppendRotation2(1, 2, 3, 1, 2, 3, 50); }, {2, 1, 0}, {2, 1, 0}},
+        {"about no line",
+         [](Transform &turn) {
+             turn.appendRotation({1, 2, 3}, {1, 2, 3}, 50);
+         },
+         {2, 1, 0},
+         {2, 1, 0}},
     };
     for (const auto &test : cases) {
-        pdb3dReset();
-        test.append();
+        Transform turn;
+        test.append(turn);
         Coord3D r = test.from;
-        pdb3dCoordTransform({&r, 1});
+        turn.apply({&r, 1});
         EXPECT_LT(std::hypot(r.x - test.to.x, r.y - test.to.y, r.z - test.to.z), 1e-6f) << test.why;
     }
-    Matrix4 m, turned, product;
-    pdb3dReset();
-    pdb3dAppendRotation0(10, 20, 30);
-    pdb3dCopyCurrentMatrix(m);
-    m4x4Transpose(turned, m); // a rotation's inverse
-    m4x4Mult(m, turned);
-    m4x4SetIdentity(product);
-    for (std::size_t i = 0; i < 16; ++i)
-        EXPECT_NEAR(turned[i], product[i], 1e-6f);
 }
 
 TEST(Rotate, TurnsBringAnAxisWhereItsAnglesSay)

@@ -177,13 +177,12 @@ TEST(Pdb, NamesFromTables)
     const struct {
         const char *text, *left;
     } cases[] = {{"{}", ""}, {"NONE", ""}, {"(null)", ""}, {"", ""}, {"None1", "None1"}, {"CA", "CA"}};
-    for (const auto &[text, left] : cases)
-        for (const auto fix : {fixAtomName, fixResName, fixChainName, fixSegName}) {
-            Name name;
-            pdbStrCpy(name, text);
-            EXPECT_EQ(fix(name), *text != '\0' && *left == '\0' ? 1 : 0) << text;
-            EXPECT_EQ(name, left);
-        }
+    for (const auto &[text, left] : cases) {
+        Name name;
+        pdbStrCpy(name, text);
+        EXPECT_EQ(blankName(name), *text != '\0' && *left == '\0') << text;
+        EXPECT_EQ(name, left);
+    }
     Name name;
     EXPECT_EQ(said([&] { EXPECT_EQ(pdbStrCpy(name, "sixteen-letters-and-more"), 16u); }).err,
               "PDB Error: string item too long: and-more\n");

@@ -89,8 +89,6 @@ TEST(Select, TheTestAsksTheClassInEveryMode)
     pdbStrCpy(atom.resName, "lys");
     sInfo.selectMode = 1;
     EXPECT_EQ(pdbSelectTest(&sInfo, &atom), 1);
-    pdbSelectNull(&sInfo);
-    EXPECT_EQ(sInfo.selectClass, 1);
 }
 
 TEST(Select, TheRoadIsToldOnRequest)

@@ -1,4 +1,4 @@
-#include "support/numerics/fft.h"
+#include "reference/fft.h"
 
 #include "common/said.h"
 #include "random_values.h"

@@ -144,18 +144,11 @@ TEST(Table, DeclarationsAloneAndHeader)
     EXPECT_EQ(table.varCount, 0);
 }
 
-TEST(Table, LinesTextsAndRelease)
+TEST(Table, ColumnsByName)
 {
-    for (const auto &[line, isRow] : {std::pair{" x 1", 1}, {"", 0}, {"#x", 0}, {"REMARK", 0}, {"vars A", 0}})
-        EXPECT_EQ(isDataLine(line), isRow) << line;
-    std::vector<std::string> list;
-    for (const auto &[text, place] : {std::pair{"a", 0}, {"b", 1}, {"a", 0}, {"A", 2}})
-        EXPECT_EQ(mapText(text, list), place) << text;
     Read read = readTable("VARS RESID_I A A\n1 2 3\n");
     for (const auto &[name, place] : {std::pair{"resid_i", 0}, {"A", 2}, {"RESID", -1}})
         EXPECT_EQ(getTabVar(read.table.varInfo, name), place) << name;
-    freeTab(read.table);
-    EXPECT_FALSE(read.table.matrix);
 }
 
 // A scan of the known texts for each cell would take minutes here, and so would a scan of the line for each

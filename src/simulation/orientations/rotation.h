@@ -11,11 +11,6 @@ namespace trelm {
 
 using Vector3f = std::array<float, 3>;
 
-inline double dot(const Axis &a, const Axis &b)
-{
-    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-}
-
 /// M applied to a vector, with M = Rz(psi) Ry(theta) Rz(phi) in passive form. Radians.
 Axis rotate_vector(double theta, double phi, double psi, const Axis &input_vector);
 

@@ -29,19 +29,9 @@ constexpr double degree = 0.017453293;
 
 using Vec = Axis;
 
-Vec scaled(const Vec &v, double factor)
-{
-    return {v[0] * factor, v[1] * factor, v[2] * factor};
-}
-
 Vec sum(const Vec &a, const Vec &b, const Vec &c)
 {
     return {a[0] + b[0] + c[0], a[1] + b[1] + c[1], a[2] + b[2] + c[2]};
-}
-
-Vec cross(const Vec &a, const Vec &b)
-{
-    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
 }
 
 Vec normalised(const Vec &v)

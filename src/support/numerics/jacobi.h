@@ -1,12 +1,12 @@
 // Eigenvalues of symmetric 3 by 3 matrices by cyclic Jacobi rotations.
+// Source: Jacobi, J. reine angew. Math. 30 (1846) 51; Golub and Van Loan, Matrix Computations, chapter 8.
 #pragma once
+
+#include "support/numerics/vec3.h"
 
 #include <array>
 
 namespace trelm {
-
-using Matrix3f = std::array<float, 9>;  ///< row-major
-using Matrix3d = std::array<double, 9>; ///< row-major
 
 /// Eigenvalues dd and eigenvectors (columns of vv), single precision, not sorted. Returns 0, or 1 after 50
 /// sweeps.

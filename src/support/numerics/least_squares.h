@@ -1,6 +1,7 @@
 // Linear equations and the fit of a model that is not linear in its parameters, single precision.
-// Source: Marquardt, J. Soc. Ind. Appl. Math. 11 (1963) 431; the textbook's chapters on Gauss-Jordan
-// elimination and on non-linear models. Matrices are row-major.
+// Sources: Marquardt, J. Soc. Ind. Appl. Math. 11 (1963) 431; Bevington and Robinson, Data Reduction and
+// Error Analysis for the Physical Sciences, chapter 8; elimination: Golub and Van Loan, Matrix Computations,
+// chapter 3. Matrices are row-major.
 #pragma once
 
 #include <span>

@@ -21,20 +21,32 @@ namespace trelm {
 
 namespace {
 
-ResidualFunction globalResCalc = nullptr; ///< the minimiser's callback has no room for it
-
-/// All parameters, and the places of those that the minimiser moves.
-struct Parameters {
+/// What the minimiser's callback works on: all parameters, and the places of those that it moves.
+struct Problem {
+    const ResidualFunction &resCalc;
     std::vector<float> all;
     std::vector<std::size_t> free;
+
+    void take(std::span<const float> values)
+    {
+        for (std::size_t i = 0; i < values.size(); ++i)
+            all[free[i]] = values[i];
+    }
+    [[nodiscard]] std::vector<float> freeOf(std::span<const float> values) const
+    {
+        std::vector<float> picked;
+        for (const std::size_t i : free)
+            picked.push_back(values[i]);
+        return picked;
+    }
 };
 
-Parameters parameters;
-
-void takeFree(std::span<const float> free)
+/// The residual function in the form that slevmar_bc_dif calls; `data` is the problem.
+void residuals(float *free, float *res, int freeCount, int pointCount, void *data)
 {
-    for (std::size_t i = 0; i < free.size(); ++i)
-        parameters.all[parameters.free[i]] = free[i];
+    auto &problem = *static_cast<Problem *>(data);
+    problem.take({free, static_cast<std::size_t>(freeCount)});
+    problem.resCalc(pointCount, static_cast<int>(problem.all.size()), problem.all.data(), res);
 }
 
 /// Bounds the right way round, in the caller's arrays; a start outside of them moves to their mean.
@@ -48,61 +60,47 @@ void settleBounds(std::span<float> values, std::span<float> lower, std::span<flo
     }
 }
 
-std::vector<float> freeOf(std::span<const float> values)
-{
-    std::vector<float> picked;
-    for (std::size_t i : parameters.free)
-        picked.push_back(values[i]);
-    return picked;
-}
-
 /// One run of the minimiser over the free parameters: they alone are its unknowns. Returns 1 if it refused.
-int minimise(int pointCount, std::span<const float> lower, std::span<const float> upper, int itMax)
+int minimise(Problem &problem, int pointCount, std::span<const float> lower, std::span<const float> upper,
+             int itMax)
 {
-    std::vector<float> p = freeOf(parameters.all), lb = freeOf(lower), ub = freeOf(upper);
+    std::vector<float> p = problem.freeOf(problem.all), lb = problem.freeOf(lower),
+                       ub = problem.freeOf(upper);
     std::vector<float> measured(static_cast<std::size_t>(pointCount), 0.0f); // residuals are to become 0
-    const int iterations = slevmar_bc_dif(resCalc_wrap, p.data(), measured.data(), static_cast<int>(p.size()),
+    const int iterations = slevmar_bc_dif(residuals, p.data(), measured.data(), static_cast<int>(p.size()),
                                           pointCount, lb.data(), ub.data(),
 #if defined(TRELM_LEVMAR_SCALING) && TRELM_LEVMAR_SCALING
                                           nullptr,
 #endif
-                                          itMax, nullptr, nullptr, nullptr, nullptr, nullptr);
-    takeFree(p);
+                                          itMax, nullptr, nullptr, nullptr, nullptr, &problem);
+    problem.take(p);
     return iterations < 0 ? 1 : 0;
 }
 
 } // namespace
 
-void resCalc_wrap(float *coefs, float *data, int amount_of_coef, int amount_of_data, void *)
-{
-    takeFree({coefs, static_cast<std::size_t>(amount_of_coef)});
-    globalResCalc(amount_of_data, static_cast<int>(parameters.all.size()), parameters.all.data(), data);
-}
-
-int nlsOpt(ResidualFunction resCalc, int pointCount, std::span<float> guess, std::span<float> lower,
+int nlsOpt(const ResidualFunction &resCalc, int pointCount, std::span<float> guess, std::span<float> lower,
            std::span<float> upper, int itMax)
 {
     const auto coefCount = static_cast<int>(guess.size());
-    Block<float> residuals("nlsOpt", static_cast<std::size_t>(std::max(pointCount, 1)));
-    if (!residuals) {
+    Block<float> last("nlsOpt", static_cast<std::size_t>(std::max(pointCount, 1)));
+    if (!last) {
         std::puts("NLSOPT Error allocating space.");
         std::exit(-1);
     }
-    parameters.all.assign(guess.begin(), guess.end());
-    settleBounds(parameters.all, lower, upper);
-    globalResCalc = resCalc;
-    parameters.free.clear();
+    Problem problem{resCalc, {guess.begin(), guess.end()}, {}};
+    settleBounds(problem.all, lower, upper);
     for (std::size_t i = 0; i < guess.size(); ++i)
         if (lower[i] != upper[i])
-            parameters.free.push_back(i);
-    if (parameters.free.empty() || itMax == 0) {
-        resCalc(pointCount, coefCount, guess.data(), residuals.data());
+            problem.free.push_back(i);
+    if (problem.free.empty() || itMax == 0) {
+        resCalc(pointCount, coefCount, guess.data(), last.data());
         return 0;
     }
-    const int status = minimise(pointCount, lower, upper, itMax);
+    const int status = minimise(problem, pointCount, lower, upper, itMax);
     // The minimiser's last evaluation need not be that of its answer.
-    std::ranges::copy(parameters.all, guess.begin());
-    resCalc(pointCount, coefCount, guess.data(), residuals.data());
+    std::ranges::copy(problem.all, guess.begin());
+    resCalc(pointCount, coefCount, guess.data(), last.data());
     return status;
 }
 

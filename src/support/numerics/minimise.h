@@ -1,12 +1,14 @@
 // Non-linear least squares within bounds.
 #pragma once
 
+#include <functional>
 #include <span>
 
 namespace trelm {
 
-/// The residuals of a problem: `pointCount` values into `res` for the `coefCount` parameters `coefs`.
-using ResidualFunction = int (*)(int pointCount, int coefCount, float *coefs, float *res);
+/// The residuals of a problem: `pointCount` values into `res` for the `coefCount` parameters `coefs`. What it
+/// returns is not looked at.
+using ResidualFunction = std::function<int(int pointCount, int coefCount, float *coefs, float *res)>;
 
 /// Minimises the sum of squared residuals. Bounds that stand the wrong way round are exchanged in the
 /// caller's arrays; a start outside its bounds begins at their mean. The last call of the function is made
@@ -17,10 +19,7 @@ using ResidualFunction = int (*)(int pointCount, int coefCount, float *coefs, fl
 /// then holds the start. Without memory it prints "NLSOPT Error allocating space." on standard output and
 /// ends the process with status -1, without the tear-down of other failures. Uses slevmar_bc_dif of the
 /// levmar library, or the project's own routine of that name (levmar_own.cpp).
-int nlsOpt(ResidualFunction resCalc, int pointCount, std::span<float> guess, std::span<float> lower,
+int nlsOpt(const ResidualFunction &resCalc, int pointCount, std::span<float> guess, std::span<float> lower,
            std::span<float> upper, int itMax);
-
-/// The residual function in the form that slevmar_bc_dif calls.
-void resCalc_wrap(float *coefs, float *data, int amount_of_coef, int amount_of_data, void *add_data);
 
 } // namespace trelm

@@ -8,11 +8,6 @@
 
 namespace trelm {
 
-void iSort(std::span<int> values)
-{
-    std::ranges::sort(values);
-}
-
 void rSort(std::span<float> values)
 {
     // A sort by < alone has no order for a NaN and could run out of the array.

@@ -5,8 +5,6 @@
 
 namespace trelm {
 
-void iSort(std::span<int> values);
-
 /// Values that are no numbers go to the end.
 void rSort(std::span<float> values);
 

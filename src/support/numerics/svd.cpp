@@ -241,83 +241,55 @@ void makePositive(const Work &work, int k)
         work.v(j, k) = -work.v(j, k);
 }
 
-/// What svdLSMat keeps between calls.
-struct Cache {
-    int lastLength = 0, lastOrder = 0;
-    bool decomposed = false;    ///< u, v and w belong to `matrix`
-    Block<float> matrix;        ///< the matrix of the last decomposition, as it came
-    Block<float> u, v, w;       ///< with small values of w set to 0
-    Block<float> rv1, tmp, rhs; ///< work vectors
-};
-
-Cache cache;
-
 /// Room for a shape; u has as many rows as columns at least. Returns 1 if there is no memory.
-int prepareCache(int length, int nCoef)
+int prepare(SvdWork &work, int length, int nCoef)
 {
-    if (cache.lastLength == length && cache.lastOrder == nCoef)
+    if (work.lastLength == length && work.lastOrder == nCoef)
         return 0;
-    svdPolyFree();
+    work = SvdWork{};
     const auto n = static_cast<std::size_t>(nCoef);
     const auto rows = static_cast<std::size_t>(std::max(length, nCoef));
     const std::pair<Block<float> *, std::size_t> sizes[] = {
-        {&cache.matrix, static_cast<std::size_t>(length) * n},
-        {&cache.u, rows * n},
-        {&cache.v, n * n},
-        {&cache.w, n},
-        {&cache.rv1, n},
-        {&cache.tmp, n},
-        {&cache.rhs, static_cast<std::size_t>(length)}};
+        {&work.matrix, static_cast<std::size_t>(length) * n},
+        {&work.u, rows * n},
+        {&work.v, n * n},
+        {&work.w, n},
+        {&work.rv1, n},
+        {&work.tmp, n},
+        {&work.rhs, static_cast<std::size_t>(length)}};
     for (const auto &[block, size] : sizes) {
         *block = Block<float>("svd", size);
         if (!*block) {
-            svdPolyFree();
+            work = SvdWork{};
             return 1;
         }
     }
-    cache.lastLength = length;
-    cache.lastOrder = nCoef;
+    work.lastLength = length;
+    work.lastOrder = nCoef;
     return 0;
 }
 
 /// Decomposes the matrix and sets singular values below 1e-5 of the largest to 0. Nothing to do when it is
 /// the matrix of the last call: noise sampling changes the right-hand side only.
-void decompose(std::span<const float> x)
+void decompose(SvdWork &work, std::span<const float> x)
 {
-    const std::size_t bytes = cache.matrix.length() * sizeof(float);
-    if (cache.decomposed && std::memcmp(cache.matrix.data(), x.data(), bytes) == 0)
+    const std::size_t bytes = work.matrix.length() * sizeof(float);
+    if (work.decomposed && std::memcmp(work.matrix.data(), x.data(), bytes) == 0)
         return;
-    std::memcpy(cache.matrix.data(), x.data(), bytes);
-    const std::span<float> u = cache.u.span();
+    std::memcpy(work.matrix.data(), x.data(), bytes);
+    const std::span<float> u = work.u.span();
     std::ranges::fill(u, 0.0f);
     std::memcpy(u.data(), x.data(), bytes);
-    svdcmpUser(u, std::max(cache.lastLength, cache.lastOrder), cache.lastOrder, cache.w.span(),
-               cache.v.span(), cache.rv1.span());
+    svdcmpUser(u, std::max(work.lastLength, work.lastOrder), work.lastOrder, work.w.span(), work.v.span(),
+               work.rv1.span());
     float wMax = 0.0f;
-    for (float value : cache.w.span())
+    for (float value : work.w.span())
         wMax = std::max(wMax, std::fabs(value));
     const float thresh = wMax * 1.0e-5f;
-    for (float &value : cache.w.span())
+    for (float &value : work.w.span())
         if (value < thresh)
             value = 0.0f;
-    cache.decomposed = true;
-}
-
-/// covar[i][j] = sum of v[i][k] v[j][k] / w[k]^2; directions that were dropped have no variance.
-void covariance(std::span<float> covar)
-{
-    const int n = cache.lastOrder;
-    const MatrixView v{cache.v.data(), n, n}, result{covar.data(), n, n};
-    for (int i = 0; i < n; ++i)
-        for (int j = 0; j <= i; ++j) {
-            float sum = 0.0f;
-            for (int k = 0; k < n; ++k) {
-                const float w = cache.w.data()[k];
-                if (w != 0.0f)
-                    sum += v(i, k) * v(j, k) / (w * w);
-            }
-            result(i, j) = result(j, i) = sum;
-        }
+    work.decomposed = true;
 }
 
 /// tmp = u^T rhs. The sums of all columns go side by side, so that they do not wait for each other; a fixed
@@ -344,13 +316,13 @@ void project(const MatrixView &u, std::span<const float> rhs, float *tmp)
             tmp[j] += u(i, j) * rhs[static_cast<std::size_t>(i)];
 }
 
-void backSubstitute(std::span<float> coef)
+void backSubstitute(SvdWork &work, std::span<float> coef)
 {
-    const int n = cache.lastOrder;
-    const MatrixView u{cache.u.data(), cache.lastLength, n}, v{cache.v.data(), n, n};
-    const float *w = cache.w.data();
-    float *tmp = cache.tmp.data();
-    project(u, cache.rhs.span(), tmp);
+    const int n = work.lastOrder;
+    const MatrixView u{work.u.data(), work.lastLength, n}, v{work.v.data(), n, n};
+    const float *w = work.w.data();
+    float *tmp = work.tmp.data();
+    project(u, work.rhs.span(), tmp);
     for (int j = 0; j < n; ++j)
         tmp[j] = w[j] != 0.0f ? tmp[j] / w[j] : 0.0f;
     for (int i = 0; i < n; ++i) {
@@ -359,20 +331,6 @@ void backSubstitute(std::span<float> coef)
             sum += v(i, j) * tmp[j];
         coef[static_cast<std::size_t>(i)] = sum;
     }
-}
-
-/// One coefficient: the quotient of two plain sums, with the right-hand side below the line.
-void solveSingle(std::span<const float> x, std::span<const float> y, int length, std::span<float> coef,
-                 std::span<float> covar)
-{
-    float xy = 0.0f, yy = 0.0f;
-    for (int i = 0; i < length; ++i) {
-        xy += x[i] * y[i];
-        yy += y[i] * y[i];
-    }
-    coef[0] = yy != 0.0f ? xy / yy : 0.0f;
-    if (!covar.empty())
-        covar[0] = 1.0f;
 }
 
 } // namespace
@@ -396,28 +354,15 @@ void svdcmpUser(std::span<float> a, int m, int n, std::span<float> w, std::span<
         }
 }
 
-int svdLSMat(std::span<const float> x, std::span<const float> y, int length, int nCoef, std::span<float> coef,
-             std::span<float> covar, int initFlag)
+Status svdLSMat(std::span<const float> x, std::span<const float> y, std::span<float> coef, SvdWork &work)
 {
-    if (nCoef == 1) {
-        solveSingle(x, y, length, coef, covar);
-        return 0;
-    }
-    if (length < 1 || nCoef < 1 || prepareCache(length, nCoef) != 0)
-        return 1;
-    std::copy_n(y.begin(), length, cache.rhs.data());
-    if (initFlag != 0 || !cache.decomposed) {
-        decompose(x);
-        if (!covar.empty())
-            covariance(covar);
-    }
-    backSubstitute(coef);
-    return 0;
-}
-
-void svdPolyFree()
-{
-    cache = Cache{};
+    if (y.empty() || coef.empty() ||
+        prepare(work, static_cast<int>(y.size()), static_cast<int>(coef.size())) != 0)
+        return Status::failed;
+    std::ranges::copy(y, work.rhs.data());
+    decompose(work, x);
+    backSubstitute(work, coef);
+    return Status::ok;
 }
 
 } // namespace trelm

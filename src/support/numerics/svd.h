@@ -1,6 +1,9 @@
 // Least squares by singular value decomposition, single precision.
 #pragma once
 
+#include "ground/alloc.h"
+#include "ground/status.h"
+
 #include <span>
 
 namespace trelm {
@@ -11,20 +14,22 @@ namespace trelm {
 void svdcmpUser(std::span<float> a, int m, int n, std::span<float> w, std::span<float> v,
                 std::span<float> rv1);
 
-/// Solves x coef = y for a `length` by `nCoef` matrix x (row-major). Singular values below 1e-5 of the
-/// largest count as 0. `covar` (nCoef by nCoef, or empty) gets the covariance of unit errors. With initFlag 0
-/// the last decomposition serves again, whatever x is, and `covar` is left alone; it also serves again when x
-/// is the same to the bit as in the last call. Arrays stay from call to call.
-///
-/// One coefficient is no least-squares solution: coef is sum(x y) / sum(y y), 0 if that has no value, and its
-/// covariance 1.
-///
-/// Returns 0, or 1 if length or nCoef is below 1 (one coefficient: never) or there is no memory. A
-/// decomposition that does not converge, or values that are no numbers, give 0 too: the caller looks at coef.
-int svdLSMat(std::span<const float> x, std::span<const float> y, int length, int nCoef, std::span<float> coef,
-             std::span<float> covar, int initFlag);
+/// What svdLSMat keeps from call to call: the arrays of one shape, and the decomposition of the last matrix.
+/// A fresh one begins; who solves again for the same matrix hands the same one in.
+struct SvdWork {
+    int lastLength = 0, lastOrder = 0;
+    bool decomposed = false;    ///< u, v and w belong to `matrix`
+    Block<float> matrix;        ///< the matrix of the last decomposition, as it came
+    Block<float> u, v, w;       ///< with small values of w set to 0
+    Block<float> rv1, tmp, rhs; ///< work vectors
+};
 
-/// Frees the arrays that svdLSMat keeps.
-void svdPolyFree();
+/// The least-squares solution of x coef = y for a y.size() by coef.size() matrix x (row-major); where it is
+/// not determined, that of the smallest norm. Singular values below 1e-5 of the largest count as 0. When x is
+/// the same to the bit as in the last call with this work space, its decomposition serves again.
+///
+/// `failed` without rows or columns, or if there is no memory. A decomposition that does not converge, or
+/// values that are no numbers, are no failure: the caller looks at coef.
+Status svdLSMat(std::span<const float> x, std::span<const float> y, std::span<float> coef, SvdWork &work);
 
 } // namespace trelm

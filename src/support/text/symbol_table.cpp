@@ -107,7 +107,7 @@ HSymInfo *hFindSym(std::string_view name, HTabInfo &hTab)
     return nullptr;
 }
 
-HSymInfo *hAddSym(std::string_view name, int type, HTabInfo &hTab)
+HSymInfo *hAddSym(std::string_view name, int value, HTabInfo &hTab)
 {
     if (hTab.hashLength < 1 || !roomForSymbol(hTab, name.size())) {
         complain("AddSym Error Allocating Symbol.\n");
@@ -121,29 +121,9 @@ HSymInfo *hAddSym(std::string_view name, int type, HTabInfo &hTab)
     if (!name.empty())
         std::memcpy(hTab.names.data() + hTab.namesUsed, name.data(), name.size());
     hTab.namesUsed += name.size();
-    symbol.val.type = type;
+    symbol.value = value;
     linkFirst(hTab, place);
     return &symbol;
-}
-
-HSymInfo *hFindOrAddSym(std::string_view name, int type, HTabInfo &hTab)
-{
-    HSymInfo *symbol = hFindSym(name, hTab);
-    if (symbol == nullptr)
-        return hAddSym(name, type, hTab);
-    if (symbol->val.type != type)
-        complain("Symbol Notice: Type Clash for Symbol %s\n", std::string(name).c_str());
-    return symbol;
-}
-
-int hSetSymFlt(std::string_view name, float val, HTabInfo &hTab)
-{
-    HSymInfo *symbol = hFindOrAddSym(name, symFloat, hTab);
-    if (symbol == nullptr)
-        return 1;
-    symbol->val.type = symFloat; // after a clash the type follows what is stored
-    symbol->val.f = val;
-    return 0;
 }
 
 std::string_view hSymName(const HSymInfo &symbol, const HTabInfo &hTab)
@@ -151,11 +131,6 @@ std::string_view hSymName(const HSymInfo &symbol, const HTabInfo &hTab)
     if (symbol.nameLength == 0)
         return {};
     return {hTab.names.data() + symbol.nameStart, symbol.nameLength};
-}
-
-void hSymTabFree(HTabInfo &hTab)
-{
-    hTab = HTabInfo{};
 }
 
 } // namespace trelm

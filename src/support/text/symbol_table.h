@@ -8,23 +8,11 @@
 
 namespace trelm {
 
-constexpr int symFloat = 2; ///< value types
-constexpr int symIndex = 3; ///< the place of a record in its list
-
-/// A value.
-struct HValInfo {
-    int type = 0;
-    union {
-        int i = 0;
-        float f;
-    };
-};
-
 /// A symbol. `next` is the place of the one behind it in the table's symbol list, -1 for none.
 struct HSymInfo {
     std::size_t nameStart = 0; ///< in the table's text store
     std::size_t nameLength = 0;
-    HValInfo val;
+    int value = 0;
     int next = -1;
 };
 
@@ -46,19 +34,10 @@ int hSymTabAlloc(HTabInfo &hTab, int length);
 HSymInfo *hFindSym(std::string_view name, HTabInfo &hTab);
 
 /// Adds a symbol, even if the name is there. Null after a message if there is no memory.
-HSymInfo *hAddSym(std::string_view name, int type, HTabInfo &hTab);
-
-/// Finds or adds. A symbol of another type comes back as it is, after a notice.
-HSymInfo *hFindOrAddSym(std::string_view name, int type, HTabInfo &hTab);
-
-/// Stores a float under a name. Returns 0 or 1.
-int hSetSymFlt(std::string_view name, float val, HTabInfo &hTab);
+HSymInfo *hAddSym(std::string_view name, int value, HTabInfo &hTab);
 
 /// The name of a symbol.
 std::string_view hSymName(const HSymInfo &symbol, const HTabInfo &hTab);
-
-/// Releases everything the table owns.
-void hSymTabFree(HTabInfo &hTab);
 
 /// The PJW hash of a name, before it is taken modulo the number of chains.
 unsigned hashName(std::string_view name);

@@ -285,23 +285,4 @@ std::string_view tabText(const tabVar &column, float cell)
     return column.equivList[static_cast<std::size_t>(cell)];
 }
 
-void freeTab(TextTable &table)
-{
-    table = TextTable{};
-}
-
-int isDataLine(std::string_view line)
-{
-    return isRowWord(firstWord(line)) ? 1 : 0;
-}
-
-int mapText(std::string_view text, std::vector<std::string> &list)
-{
-    const auto found = std::ranges::find(list, text);
-    const auto place = found - list.begin();
-    if (found == list.end())
-        list.emplace_back(text);
-    return static_cast<int>(place);
-}
-
 } // namespace trelm

@@ -51,13 +51,4 @@ int getTabVar(const std::vector<tabVar> &varInfo, std::string_view varName);
 /// The text of a cell of a text column: empty where it is a NULLSTRING cell or names no text.
 std::string_view tabText(const tabVar &column, float cell);
 
-/// Releases everything the table owns.
-void freeTab(TextTable &table);
-
-/// 1 if a line is a row, by its first word.
-int isDataLine(std::string_view line);
-
-/// The place of a text in a list by exact comparison, after it has been added at the end if it was not there.
-int mapText(std::string_view text, std::vector<std::string> &list);
-
 } // namespace trelm

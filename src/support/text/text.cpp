@@ -138,11 +138,6 @@ bool equalNoCase(std::string_view a, std::string_view b)
     return std::ranges::equal(a, b, {}, raised, raised);
 }
 
-void raiseStr(std::string &text)
-{
-    std::ranges::transform(text, text.begin(), raised);
-}
-
 int toInt(std::string_view text)
 {
     int value = 0;
@@ -165,23 +160,6 @@ int truncated(float value)
     if (value < -limit)
         return std::numeric_limits<int>::min();
     return std::isnan(value) ? 0 : static_cast<int>(value);
-}
-
-int intToStr(int value, std::span<char> text)
-{
-    constexpr std::size_t maxDigits = 63;
-    if (text.empty())
-        return 0;
-    text[0] = '\0';
-    char form[16];
-    const char *end = std::to_chars(form, form + sizeof form, value).ptr;
-    const auto length = static_cast<std::size_t>(end - form);
-    const std::size_t digits = value < 0 ? length - 1 : length;
-    if (digits > std::min(text.size() - 1, maxDigits) || length > text.size() - 1)
-        return 0;
-    std::copy(form, form + length, text.begin());
-    text[length] = '\0';
-    return static_cast<int>(length);
 }
 
 } // namespace trelm

@@ -40,9 +40,6 @@ constexpr bool isSpace(char c)
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-/// Raises "a" to "z" to capitals in place.
-void raiseStr(std::string &text);
-
 /// The number at the start of a text, in the manner of atoi and atof: 0 where there is none, and what follows
 /// the number is ignored. An integer beyond the range of int becomes its nearest limit.
 int toInt(std::string_view text);
@@ -50,11 +47,5 @@ double toDouble(std::string_view text);
 
 /// The integer part of a number; beyond the range of int its nearest limit, 0 for what is no number.
 int truncated(float value);
-
-/// The decimal form of a value with its terminator, in at most text.size() characters. Returns the number of
-/// characters without the terminator. A size below 1 writes nothing and returns 0; a size of 1, or more
-/// digits than size - 1 (63 at the most), leaves an empty text and returns 0. The minus sign is not counted
-/// in that test, but a text it has no room in is left empty too.
-int intToStr(int value, std::span<char> text);
 
 } // namespace trelm

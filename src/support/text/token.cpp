@@ -61,16 +61,6 @@ bool wordToReal(std::string_view word, T &value)
 
 } // namespace
 
-int badToken = 0;
-
-int cntToken(std::string_view text)
-{
-    int count = 0;
-    for (std::size_t place = 0; !nextWord(text, place).empty();)
-        ++count;
-    return count;
-}
-
 std::string_view getToken(int n, std::string_view text)
 {
     std::size_t place = 0;
@@ -80,7 +70,6 @@ std::string_view getToken(int n, std::string_view text)
         if (word.empty())
             break;
     }
-    badToken = word.empty() ? 1 : 0;
     return word;
 }
 
@@ -88,22 +77,6 @@ std::string_view firstWord(std::string_view line)
 {
     std::size_t place = 0;
     return nextWord(line, place);
-}
-
-int getTokenI(int n, std::string_view text)
-{
-    int value = 0;
-    const std::string_view word = getToken(n, text);
-    badToken = wordToInt(word, value) ? 0 : 1;
-    return value;
-}
-
-float getTokenR(int n, std::string_view text)
-{
-    float value = 0.0f;
-    const std::string_view word = getToken(n, text);
-    badToken = wordToFloat(word, value) ? 0 : 1;
-    return value;
 }
 
 void splitTokens(std::string_view text, std::vector<std::string_view> &words)

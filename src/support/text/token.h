@@ -8,21 +8,11 @@
 
 namespace trelm {
 
-/// 1 after a token call that failed, else 0.
-extern int badToken;
-
-/// The number of words of a text.
-int cntToken(std::string_view text);
-
-/// Word number n; the empty text, with badToken set, if there is none. It is a view into `text`.
+/// Word number n, a view into `text`; the empty text if there is none.
 std::string_view getToken(int n, std::string_view text);
 
-/// The first word of a line, empty for a blank one. Leaves badToken alone.
+/// The first word of a line, empty for a blank one.
 std::string_view firstWord(std::string_view line);
-
-/// Word number n as an integer or a number, by "%d" and "%f"; 0, with badToken set, if there is none.
-int getTokenI(int n, std::string_view text);
-float getTokenR(int n, std::string_view text);
 
 /// All words of a text at once, for readers of long rows: one pass over the line.
 void splitTokens(std::string_view text, std::vector<std::string_view> &words);

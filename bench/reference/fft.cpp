@@ -1,4 +1,4 @@
-#include "support/numerics/fft.h"
+#include "reference/fft.h"
 
 #include "support/text/text.h"
 

@@ -1,9 +1,9 @@
 // Fast Fourier transforms and convolution, single precision. A complex value is two floats, real part first.
-// Source: Danielson and Lanczos, J. Franklin Inst. 233 (1942) 365; the textbook's chapter on the FFT.
-// Lengths are powers of two; another length, or a span that is too short, is reported and returns 1.
+// Source: Danielson and Lanczos, J. Franklin Inst. 233 (1942) 365; Cooley and Tukey, Math. Comput. 19 (1965)
+// 297. Lengths are powers of two; another length, or a span that is too short, is reported and returns 1.
 //
-// The program itself convolves with support/symmetric_filter; these are the plain form that tests and
-// benchmarks judge it by.
+// The plain form that tests and benchmarks judge the program's convolution by,
+// support/numerics/symmetric_filter.
 #pragma once
 
 #include <span>

@@ -1,7 +1,7 @@
 // Reading: large files, and a whole best-fit against the reading of its input.
 #include "couplings/dipolar.h"
 #include "couplings/fit.h"
-#include "couplings/output.h"
+#include "report/output.h"
 #include "structure/pdb.h"
 #include "support/text/table.h"
 

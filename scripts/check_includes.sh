@@ -8,7 +8,7 @@ structure="support structure"
 couplings="$structure couplings"
 obstacle="simulation/orientations simulation/charges simulation/obstacle"
 simulation="$couplings simulation"
-modes="$simulation errors compare assignment magnitude modes"
+report="$simulation errors compare assignment magnitude report"
 
 # Room, and the rooms that its files may include beside ground; a room holds its sub-rooms.
 rooms="
@@ -25,8 +25,9 @@ errors                  : $simulation errors
 compare                 : $simulation compare
 assignment              : $couplings assignment
 magnitude               : $simulation errors magnitude
-modes                   : $modes
-command                 : $modes command
+report                  : $report
+modes                   : $report modes
+command                 : $report modes command
 "
 
 status=0

@@ -21,7 +21,7 @@ left_out+=(Likelihood.TensorsComeBackWithinTheirErrors Likelihood.LimitsOfEither
 left_out+=(Candidates.AreNeverWrapped)
 # test_cli and test_faults are not among the programs: they start the program hundreds and thousands of times and look
 # at what comes out. What is worth watching is the program, and the whole runs below do that. The longest come first.
-floors=(ground simulation magnitude assignment errors support structure couplings compare command tools)
+floors=(ground simulation magnitude assignment errors support structure couplings report compare command tools)
 
 ubiquitin=$PWD/examples/ubiquitin
 assignment=$PWD/examples/assignment

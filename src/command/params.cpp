@@ -2,7 +2,7 @@
 
 #include "command/cmndargs.h"
 #include "command/help.h"
-#include "ground/modes.h"
+#include "report/modes.h"
 #include "support/text/text.h"
 
 #include <algorithm>

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "couplings/dipolar.h"
-#include "ground/trelm.h"
 #include "modes/run_options.h"
+#include "report/parameters.h"
 #include "structure/select.h"
 
 #include <optional>

@@ -1,7 +1,7 @@
 // The five actions on two values, of couplings and of order matrices alike.
 #pragma once
 
-#include "ground/modes.h"
+#include "compare/options.h"
 
 namespace trelm {
 

@@ -9,7 +9,7 @@
 
 namespace trelm {
 
-/// The outFormat of the table that readDC reads. That table is written by couplings/output.h.
+/// The outFormat of the table that readDC reads. That table is written by report/output.h.
 constexpr int systemFormat = 4;
 
 /// Fills the calculated rows of valid couplings with what goes out, Hz: the measured ones, with noise of

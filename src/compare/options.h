@@ -3,9 +3,16 @@
 
 namespace trelm {
 
+/// opCode of -anA and -anDc.
+constexpr int opAdd = 1;
+constexpr int opSub = 2;
+constexpr int opMul = 3;
+constexpr int opDiv = 4;
+constexpr int opMax = 5;
+
 /// Comparison of tensors and of coupling sets, analysis of structures.
 struct ComparisonOptions {
-    int opCode = 2;  ///< what is done with the two operands: one of ground/modes.h
+    int opCode = 2;  ///< what is done with the two operands: one of the five above
     float c1 = 1.0f; ///< scale factors of the two operands
     float c2 = 1.0f;
     int elPdbFlag = 0; ///< structure analysis treats the PDB as: 0 steric, 1 electrostatic, 2 user

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "couplings/dipolar.h"
-#include "ground/trelm.h"
+#include "couplings/options.h"
 
 #include <string>
 #include <string_view>

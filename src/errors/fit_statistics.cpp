@@ -1,7 +1,7 @@
 #include "errors/fit_statistics.h"
 
 #include "couplings/statistics.h"
-#include "ground/trelm.h"
+#include "ground/fatal.h"
 #include "support/numerics/numbers.h"
 #include "support/numerics/random.h"
 #include "support/text/text.h"

@@ -2,10 +2,10 @@
 #pragma once
 
 #include "couplings/dipolar.h"
+#include "couplings/options.h"
 #include "couplings/tensor.h"
 #include "ground/alloc.h"
 #include "ground/messages.h"
-#include "ground/trelm.h"
 
 #include <array>
 #include <functional>

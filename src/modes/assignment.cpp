@@ -2,9 +2,9 @@
 
 #include "assignment/assigned_rows.h"
 #include "assignment/assignment.h"
-#include "couplings/output.h"
 #include "ground/messages.h"
-#include "ground/modes.h"
+#include "report/modes.h"
+#include "report/output.h"
 
 namespace trelm {
 namespace {

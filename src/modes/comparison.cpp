@@ -3,9 +3,9 @@
 #include "compare/convert.h"
 #include "compare/coupling_sets.h"
 #include "compare/order_matrices.h"
-#include "couplings/output.h"
 #include "couplings/table_input.h"
 #include "ground/messages.h"
+#include "report/output.h"
 #include "support/text/output_file.h"
 
 #include <algorithm>

@@ -1,10 +1,10 @@
 #include "modes/ensemble.h"
 
-#include "couplings/output.h"
-#include "couplings/run_report.h"
 #include "couplings/tensor.h"
 #include "errors/fit_statistics.h"
 #include "modes/simulation.h"
+#include "report/output.h"
+#include "report/run_report.h"
 #include "simulation/alignment/alignment.h"
 #include "simulation/charges/field.h"
 #include "simulation/domains/domains.h"

@@ -1,10 +1,10 @@
 #include "modes/magnitude.h"
 
-#include "couplings/output.h"
-#include "couplings/run_report.h"
 #include "couplings/table_input.h"
 #include "magnitude/histogram.h"
 #include "magnitude/motion.h"
+#include "report/output.h"
+#include "report/run_report.h"
 #include "support/text/output_file.h"
 
 namespace trelm {

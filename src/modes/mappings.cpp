@@ -1,10 +1,10 @@
 #include "modes/mappings.h"
 
-#include "couplings/output.h"
 #include "errors/coupling_noise.h"
 #include "errors/jackknife.h"
 #include "errors/mapping_text.h"
 #include "errors/structural_noise.h"
+#include "report/output.h"
 #include "structure/write.h"
 #include "support/text/output_file.h"
 #include "support/text/text.h"

@@ -1,6 +1,5 @@
-#include "ground/modes.h"
+#include "report/modes.h"
 #include "couplings/fit.h"
-#include "couplings/output.h"
 #include "modes/assignment.h"
 #include "modes/comparison.h"
 #include "modes/ensemble.h"
@@ -10,6 +9,7 @@
 #include "modes/mappings.h"
 #include "modes/simulation.h"
 #include "modes/structural_noise.h"
+#include "report/output.h"
 #include "support/text/text.h"
 
 #include <algorithm>

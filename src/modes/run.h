@@ -3,8 +3,8 @@
 
 #include "couplings/dipolar.h"
 #include "ground/alloc.h"
-#include "ground/trelm.h"
 #include "modes/run_options.h"
+#include "report/parameters.h"
 #include "structure/pdb.h"
 #include "structure/select.h"
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "ground/alloc.h"
-#include "ground/trelm.h"
+#include "report/parameters.h"
 
 #include <array>
 #include <string>

@@ -1,9 +1,9 @@
 #include "modes/simulation.h"
 
-#include "compare/structure_analysis.h"
 #include "couplings/fit.h"
-#include "couplings/output.h"
 #include "couplings/tensor.h"
+#include "modes/structure_analysis.h"
+#include "report/output.h"
 #include "simulation/alignment/alignment.h"
 #include "simulation/alignment/face.h"
 #include "simulation/alignment/free_format.h"

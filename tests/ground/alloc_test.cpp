@@ -2,7 +2,7 @@
 #include "ground/alloc.h"
 
 #include "common/said.h"
-#include "ground/trelm.h"
+#include "report/parameters.h"
 
 #include <array>
 #include <regex>

@@ -1,6 +1,6 @@
 #include "simulation/alignment/electrostatic.h"
 
-#include "ground/trelm.h"
+#include "ground/fatal.h"
 #include "simulation/charges/field_energy.h"
 #include "simulation/obstacle/position_grid.h"
 #include "simulation/obstacle/rod.h"

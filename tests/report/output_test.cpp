@@ -1,7 +1,7 @@
 // The report and the table, to the byte.
-#include "couplings/output.h"
-#include "couplings/run_report.h"
 #include "couplings/statistics.h"
+#include "report/output.h"
+#include "report/run_report.h"
 
 #include "common/temp_file.h"
 #include "couplings/dc_table.h"

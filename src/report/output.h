@@ -3,7 +3,7 @@
 
 #include "couplings/dipolar.h"
 #include "couplings/tensor.h"
-#include "ground/trelm.h"
+#include "report/parameters.h"
 #include "structure/select.h"
 
 #include <string>

@@ -1,7 +1,7 @@
 // The parameters of a run as DATA lines.
 #pragma once
 
-#include "ground/trelm.h"
+#include "report/parameters.h"
 
 #include <string>
 

@@ -1,7 +1,7 @@
-#include "compare/structure_analysis.h"
+#include "modes/structure_analysis.h"
 
-#include "couplings/output.h"
-#include "couplings/run_report.h"
+#include "report/output.h"
+#include "report/run_report.h"
 #include "simulation/charges/charge_labels.h"
 #include "simulation/charges/dipole.h"
 #include "simulation/domains/inertia.h"

@@ -1,8 +1,8 @@
-#include "couplings/output.h"
+#include "report/output.h"
 
 #include "couplings/fit.h"
-#include "couplings/run_report.h"
 #include "couplings/statistics.h"
+#include "report/run_report.h"
 #include "structure/write.h"
 #include "support/numerics/numbers.h"
 #include "support/text/output_file.h"

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "couplings/tensor.h"
-#include "ground/trelm.h"
+#include "report/parameters.h"
 #include "simulation/charges/charges.h"
 #include "structure/pdb.h"
 

@@ -1,4 +1,4 @@
-#include "ground/trelm.h"
+#include "ground/fatal.h"
 
 #include <cstdio>
 #include <cstdlib>

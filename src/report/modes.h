@@ -31,11 +31,4 @@ constexpr int spreadRand = 4;
 constexpr int spreadExhaust = 5;
 constexpr int spreadExhaustSel = 6;
 
-/// opCode of -anA and -anDc.
-constexpr int opAdd = 1;
-constexpr int opSub = 2;
-constexpr int opMul = 3;
-constexpr int opDiv = 4;
-constexpr int opMax = 5;
-
 } // namespace trelm

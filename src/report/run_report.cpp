@@ -1,7 +1,7 @@
-#include "couplings/run_report.h"
+#include "report/run_report.h"
 
 #include "couplings/dipolar.h"
-#include "ground/modes.h"
+#include "report/modes.h"
 #include "support/numerics/numbers.h"
 #include "support/text/text.h"
 

@@ -1,0 +1,33 @@
+// What the reading, the fit and the report of couplings are asked for.
+#pragma once
+
+namespace trelm {
+
+/// How couplings are fitted.
+struct FitOptions {
+    int allowFixedDI = 1; ///< use fixed interaction constants when possible, else those of PDB distances
+    int yzFlag = 0;       ///< exchange the ordering of the y and z axes in tensor analysis
+    int eulerFlag = 1;    ///< solve for Euler angles
+};
+
+/// What a report shows.
+struct ReportOptions {
+    int verbFlag = 1; ///< coupling output in extended format
+    int qFlag = 1;    ///< 0 Q from rms, 1 Q from the order matrix, 2 a standard deviation
+    int rotN = 0;     ///< index of the rotation of the PDB, or of a hinge axis
+};
+
+/// A field of DcInfo below this counts as unset.
+constexpr int unsetResID = -99999;
+
+/// The window of couplings.
+struct DcInfo {
+    int segFirst = -999999; ///< first residue of the coupling segment
+    int segLast = -999999;  ///< last residue of the segment
+    int segID = 1;          ///< segment id
+    int segStep = 0;        ///< segment step
+    int aFirst = -999999;   ///< first residue in the PDB that corresponds to segFirst
+    int excludeMode = 3;    ///< 1 exclusive, 2 inclusive, 3 inclusive with the maximum range
+};
+
+} // namespace trelm

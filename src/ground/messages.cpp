@@ -1,5 +1,6 @@
 #include "ground/messages.h"
 
+#include <array>
 #include <cstdarg>
 #include <cstdio>
 #include <string>
@@ -8,17 +9,21 @@
 namespace trelm {
 namespace {
 
-std::string formatted(const char *format, std::va_list arguments)
+/// Formats, and hands on. A line of usual length needs no memory of its own.
+void pass(Messages &messages, Messages::Stream stream, const char *format, std::va_list arguments)
 {
     std::va_list again;
     va_copy(again, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, again);
+    std::array<char, 512> line;
+    const int length = std::vsnprintf(line.data(), line.size(), format, arguments);
+    if (length >= static_cast<int>(line.size())) {
+        std::string text(static_cast<std::size_t>(length), '\0');
+        std::vsnprintf(text.data(), text.size() + 1, format, again);
+        messages.text(stream, text);
+    } else if (length > 0) {
+        messages.text(stream, {line.data(), static_cast<std::size_t>(length)});
+    }
     va_end(again);
-    if (length <= 0)
-        return {};
-    std::string text(static_cast<std::size_t>(length), '\0');
-    std::vsnprintf(text.data(), text.size() + 1, format, arguments);
-    return text;
 }
 
 } // namespace
@@ -34,7 +39,7 @@ void Messages::out(const char *format, ...)
 {
     std::va_list arguments;
     va_start(arguments, format);
-    text(Stream::out, formatted(format, arguments));
+    pass(*this, Stream::out, format, arguments);
     va_end(arguments);
 }
 
@@ -42,7 +47,7 @@ void Messages::err(const char *format, ...)
 {
     std::va_list arguments;
     va_start(arguments, format);
-    text(Stream::err, formatted(format, arguments));
+    pass(*this, Stream::err, format, arguments);
     va_end(arguments);
 }
 
@@ -50,7 +55,7 @@ Status Messages::fail(const char *format, ...)
 {
     std::va_list arguments;
     va_start(arguments, format);
-    text(Stream::err, formatted(format, arguments));
+    pass(*this, Stream::err, format, arguments);
     va_end(arguments);
     return Status::failed;
 }

@@ -29,7 +29,7 @@ const char *const wallOutput = "REMARK 63 couplings selected (inclusive max).\n"
                                "o_pts: 2196    saupe_dev[3]: -1.022799e-09\n"
                                "o_pts: 2196    saupe_dev[4]: -3.012013e-09\n"
                                "deviation from uniform distribution:  8.731182e-08   4.365591e-06\n"
-                               "trelmInfo->kPot: 1.0 \n"
+                               "trelmInfo->elInfo.kPot: 1.0 \n"
                                "REMARK Minimum molecule dimension 0.000 [A].\n"
                                "REMARK Maximum molecule dimension 24.198 [A].\n"
                                "@@@ offset_grid = 20.000 [A]  t_pts = 120.\n"
@@ -99,7 +99,7 @@ o_pts: 216    saupe_dev[2]: -8.641019e-09
 o_pts: 216    saupe_dev[3]: -1.852543e-09
 o_pts: 216    saupe_dev[4]: -4.320510e-09
 deviation from uniform distribution:  1.252595e-07   6.262973e-06
-trelmInfo->kPot: 2.0 
+trelmInfo->elInfo.kPot: 2.0 
 REMARK Minimum molecule dimension 0.000 [A].
 REMARK Maximum molecule dimension 23.879 [A].
 @@@ offset_grid = 33.500 [A]  t_pts = 23.
@@ -108,7 +108,7 @@ REMARK Maximum molecule dimension 23.879 [A].
 REMARK Equilibrium density of ion pairs 1.204400e-01 [1/nm_3].
 REMARK Debye length 6.793048e-01 nm.
 REMARK Potential at surface -2.317641e+00 [e/kB*T].
-@@ trelmInfo->cutoffPot: 1.000000e+00
+@@ trelmInfo->elInfo.cutoffPot: 1.000000e+00
 @@ trelmInfo->radiusModel: 33.500000
 @@ trelmInfo->concentration: 0.050000
 @@ density: 1.460000
@@ -190,8 +190,8 @@ TEST(ElectrostaticRun, Grid)
     expectOrder(ran.out,
                 {"REMARK  o_pts: 216    saupe_dev[0]: ", "REMARK  deviation from uniform distribution:  ",
                  "REMARK trelmInfo->volSample: 515.000000\n",
-                 "REMARK trelmInfo->rSingleCell: ", "REMARK trelmInfo->maxPot: 5.000000\n",
-                 "REMARK trelmInfo->z1: 1\n", "REMARK nZGridSel: 6\n", "REMARK lengthGrid: 2400\n",
+                 "REMARK trelmInfo->rSingleCell: ", "REMARK trelmInfo->elInfo.maxPot: 5.000000\n",
+                 "REMARK trelmInfo->elInfo.z1: 1\n", "REMARK nZGridSel: 6\n", "REMARK lengthGrid: 2400\n",
                  "REMARK Digitization of orientations: digPsi = 18    dots = 12   inc_psi = 20.0\n",
                  "REMARK nX2 nY2 nZ2: 10  10  3\n",
                  "REMARK startGrid (x,y,z): -50.000000  -50.000000  -10.000000\n", "SaupeSteric", "SaupeEl"});

@@ -30,7 +30,7 @@ GridSetup gridSetup(const AlignmentOptions &options, const SmaSetup &sizes)
 
 void scalePotential(const FieldOptions &options, Potential &potential, Messages &messages)
 {
-    messages.out("trelmInfo->kPot: %.1f \n", number(options.kPot));
+    messages.out("trelmInfo->elInfo.kPot: %.1f \n", number(options.kPot));
     for (int i = 0; i < potential.count; ++i) {
         double &value = potential.values[static_cast<std::size_t>(i)];
         value = number(static_cast<float>(value) / options.kPot);
@@ -43,7 +43,7 @@ void reportGrid(const AlignmentSetup &setup, const SmaSetup &sizes, const Positi
     messages.out("REMARK Minimum molecule dimension %.3f [A].\n", sizes.min_protein_length);
     messages.out("REMARK Maximum molecule dimension %.3f [A].\n", sizes.max_protein_length);
     if (setup.options.kAtt != 0.0f)
-        messages.out("REMARK trelmInfo->kAtt = %.3f [A].\n", number(setup.options.kAtt));
+        messages.out("REMARK trelmInfo->elInfo.kAtt = %.3f [A].\n", number(setup.options.kAtt));
     messages.out("@@@ offset_grid = %.3f [A]  t_pts = %d.\n",
                  sizes.min_protein_length + number(setup.options.radiusModel), grid.grid_el);
     messages.out("@@@ REMARK grid_el[0] = %.3f [A].\n", number(grid.positionDist[0]));
@@ -139,7 +139,7 @@ void reportRod(const Charged &charged, double end_dist, double beta, const Posit
 {
     Messages &messages = charged.setup.messages;
     const AlignmentOptions &info = charged.setup.options;
-    messages.out("@@ trelmInfo->cutoffPot: %e\n", info.cutoffPot);
+    messages.out("@@ trelmInfo->elInfo.cutoffPot: %e\n", info.cutoffPot);
     messages.out("@@ trelmInfo->radiusModel: %f\n", number(info.radiusModel));
     messages.out("@@ trelmInfo->concentration: %f\n", number(info.concentration));
     messages.out("@@ density: %f\n", rodDensity);

@@ -49,15 +49,15 @@ void reportGrid(const AlignmentOptions &info, const Cell &cell, const Orientatio
     messages.out("REMARK trelmInfo->unitLengthLC: %f\n", number(info.unitLengthLC));
     messages.out("REMARK trelmInfo->polymerDeg: %f\n", number(info.polymerDeg));
     messages.out("REMARK trelmInfo->rSingleCell: %e\n", number(cell.edge));
-    messages.out("REMARK trelmInfo->maxPot: %f\n", number(info.maxPot));
+    messages.out("REMARK trelmInfo->elInfo.maxPot: %f\n", number(info.maxPot));
     messages.out("REMARK trelmInfo->grid3DdeltaX: %f\n", number(info.grid3DdeltaX));
     messages.out("REMARK trelmInfo->grid3DdeltaY: %f\n", number(info.grid3DdeltaY));
     messages.out("REMARK trelmInfo->grid3DdeltaZ: %f\n", number(info.grid3DdeltaZ));
     messages.out("REMARK trelmInfo->grid3DnX: %d\n", info.grid3DnX);
     messages.out("REMARK trelmInfo->grid3DnY: %d\n", info.grid3DnY);
     messages.out("REMARK trelmInfo->grid3DnZ: %d\n", info.grid3DnZ);
-    messages.out("REMARK trelmInfo->z1: %d\n", info.z1);
-    messages.out("REMARK trelmInfo->zN: %d\n", info.zN);
+    messages.out("REMARK trelmInfo->elInfo.z1: %d\n", info.z1);
+    messages.out("REMARK trelmInfo->elInfo.zN: %d\n", info.zN);
     messages.out("REMARK nZGridSel: %d\n", grid.planes());
     messages.out("REMARK lengthGrid: %d\n", grid.count[0] * grid.count[1] * grid.planes());
     messages.out("REMARK Digitization of orientations: digPsi = %d    dots = %d   inc_psi = %.1f\n",

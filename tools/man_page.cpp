@@ -4,7 +4,7 @@
 namespace trelm {
 namespace {
 
-constexpr std::string_view head = R"(.SH NAME
+constexpr std::string_view pageHead = R"(.SH NAME
 trelm \- alignment from structures and from residual dipolar couplings
 .SH SYNOPSIS
 .B trelm
@@ -62,7 +62,7 @@ std::string roff(std::string_view text)
     return replaced(replaced(text, "\\", "\\e"), "-", "\\-");
 }
 
-void appendEntry(std::string &page, const GuideEntry &entry)
+void appendManEntry(std::string &page, const GuideEntry &entry)
 {
     page.append(".TP\n.B ").append(roff(entry.flag));
     if (!entry.argument.empty())
@@ -84,7 +84,7 @@ void appendSection(std::string &page, const ShownSection &shown, const std::vect
             page.append(".PP\n.I ").append(roff(block.heading)).append("\n");
         heading = block.heading;
         for (const GuideEntry &entry : block.entries)
-            appendEntry(page, entry);
+            appendManEntry(page, entry);
     }
     if (!shown.section->note.empty())
         page.append(".PP\n").append(roff(shown.section->note)).append("\n");
@@ -105,7 +105,7 @@ std::string manPage()
 {
     // No date: the same source gives the same page.
     std::string page = ".TH TRELM 1 \"\" \"trelm " TRELM_VERSION "\" \"User Commands\"\n";
-    page += head;
+    page += pageHead;
     const std::vector<ShownSection> sections = shownSections();
     for (const ShownSection &shown : sections)
         appendSection(page, shown, sections);

@@ -8,7 +8,7 @@
 namespace trelm {
 namespace {
 
-constexpr std::string_view head = R"(# Reference of the options
+constexpr std::string_view referenceHead = R"(# Reference of the options
 
 Every option with the value that a run starts from. This page is made by `make reference` from the program's own tables;
 `trelm -help` prints the options in the same order. How options are read is told in [options.md](options.md).
@@ -40,7 +40,7 @@ std::string code(std::string_view text)
     return "`" + std::string(text) + "`";
 }
 
-void appendEntry(std::string &page, const GuideEntry &entry)
+void appendReferenceEntry(std::string &page, const GuideEntry &entry)
 {
     std::string option(entry.flag);
     if (!entry.argument.empty())
@@ -70,7 +70,7 @@ void appendTables(std::string &page, const ShownSection &shown, AnchorCounts &an
         first = false;
         heading = block.heading;
         for (const GuideEntry &entry : block.entries)
-            appendEntry(page, entry);
+            appendReferenceEntry(page, entry);
     }
 }
 
@@ -78,7 +78,7 @@ void appendTables(std::string &page, const ShownSection &shown, AnchorCounts &an
 
 std::string referencePage()
 {
-    std::string page(head);
+    std::string page(referenceHead);
     AnchorCounts anchors = {{"reference-of-the-options", 1}};
     const std::vector<ShownSection> sections = shownSections();
     std::vector<std::map<std::string_view, std::string>> places(sections.size());

@@ -13,7 +13,6 @@ namespace {
 constexpr SaupeTerms sizeWeights = {1.5, 0.5, 2.0, 2.0, 2.0}; ///< of the squares in a tensor's size
 /// Below this part of its diagonal a pivot is lost in rounding: nothing is said about the tensor then.
 constexpr double pivotLimit = 1e-9;
-constexpr double infinity = std::numeric_limits<double>::infinity();
 
 constexpr std::size_t at(std::size_t i, std::size_t j)
 {

@@ -13,7 +13,6 @@
 namespace trelm {
 namespace {
 
-constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr std::size_t fewestStarts = 40; ///< random tensors
 constexpr std::size_t startsPerPeak = 4;
 constexpr std::size_t mostWork = 1'000'000; ///< starts times peaks squared,

@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cstddef>
+#include <limits>
 #include <map>
 #include <optional>
 #include <span>
@@ -23,6 +24,7 @@ constexpr std::size_t couplingTypeCount = 8; ///< coupling types of a medium
 constexpr float outsideWindow = 1.0e8f;
 constexpr int noType = -1; ///< a coupling that is of none of the types
 constexpr int noRow = -1;
+constexpr double infinity = std::numeric_limits<double>::infinity(); ///< of a score or a bound: none yet
 
 /// A coupling that stays with its residue whatever the assignment.
 struct FixedCoupling {

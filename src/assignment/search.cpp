@@ -18,7 +18,6 @@
 namespace trelm {
 namespace {
 
-constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr int mostTightenings = 8;       ///< of the ellipsoids at one node
 constexpr double worthTightening = 0.02; ///< gain of the bound, as a part of the limit
 constexpr int nodesPerLine = 512;        ///< how often the progress is shown

@@ -5,6 +5,7 @@
 #include <new>
 #include <stdexcept>
 
+// What stands behind the handlers asks for no memory. NOLINTNEXTLINE(bugprone-exception-escape)
 int main(int argc, char **argv)
 {
     if (trelm::asksVersion(argc, argv))

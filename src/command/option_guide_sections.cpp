@@ -94,7 +94,7 @@ constexpr HelpBlock elMore[] = {
 constexpr HelpBlock gridMore[] = {{"", gridInput}};
 constexpr HelpBlock likelihoodMore[] = {{"The Pattern of the Search:", likelihoodPattern}};
 constexpr HelpBlock flexMore[] = {{"", flexInput}};
-constexpr HelpBlock commonBlocks[] = {
+constexpr HelpBlock commonOptions[] = {
     {"", commonMore},
     {"Other Names:", otherNames},
     {"Read for Older Scripts, without Effect:", unused},
@@ -103,7 +103,7 @@ constexpr HelpBlock commonBlocks[] = {
 constexpr std::string_view needsHydrogens =
     "Give -H with a structure that has hydrogens: without it the written structures hold hydrogens alone.";
 
-constexpr GuideSection sections[] = {
+constexpr GuideSection guideSectionRows[] = {
     {"Steric Prediction, -stTrelm", "prediction.md", "ARGUMENTS FOR STERIC TRELM", stericMore, ""},
     {"Electrostatic Prediction, -elTrelm", "electrostatics.md", "ARGUMENTS FOR ELECTROSTATIC TRELM",
      elMore, "The face that is turned to the particle stands off by -dIFace."},
@@ -132,7 +132,7 @@ constexpr GuideSection sections[] = {
      "The parameters and limits of -daHist hold as well."},
     {"Conversion of a Table, -conv", "conversion.md",
      "ARGUMENTS FOR CONVERSION OF DIPOLAR COUPLING TABLE", {}, ""},
-    {"Common Options", "options.md", "COMMOM ARGUMENTS", commonBlocks, ""},
+    {"Common Options", "options.md", "COMMOM ARGUMENTS", commonOptions, ""},
 };
 
 constexpr Correction correctionRows[] = {
@@ -169,7 +169,7 @@ constexpr Correction correctionRows[] = {
 
 std::span<const GuideSection> guideSections()
 {
-    return sections;
+    return guideSectionRows;
 }
 
 std::span<const Correction> corrections()

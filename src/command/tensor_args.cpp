@@ -19,7 +19,7 @@ constexpr OptionRow methodRows[] = {
     {"-noeuler", &DTensor::eulerFlag, 0},
 };
 
-constexpr OptionRow magnitudeRows[] = {
+constexpr OptionRow givenTensorRows[] = {
     {"-da", &DTensor::da},
     {"-dr", &DTensor::dr},
 };
@@ -66,7 +66,7 @@ int readUserSaupe(int argc, char **argv, DTensor &tensor)
 
 std::vector<std::span<const OptionRow>> tensorTables()
 {
-    return {methodRows, magnitudeRows, limitRows, angleLimitRows};
+    return {methodRows, givenTensorRows, limitRows, angleLimitRows};
 }
 
 int getDCTensorParams(int argc, char **argv, DTensor *tInfo)
@@ -75,7 +75,7 @@ int getDCTensorParams(int argc, char **argv, DTensor *tInfo)
     dTensorNull(tInfo);
     readRows(argc, argv, methodRows, records);
     // A magnitude on the line is meant to be used: the linear fit, which would ignore it, gives way.
-    if (readRows(argc, argv, magnitudeRows, records) > 0 && tInfo->tensorMode == tensorSvd)
+    if (readRows(argc, argv, givenTensorRows, records) > 0 && tInfo->tensorMode == tensorSvd)
         tInfo->tensorMode = tensorDaDr;
     if (tInfo->tensorMode == tensorDaDr || tInfo->tensorMode == tensorFixed)
         pinMagnitude(*tInfo);

@@ -20,7 +20,7 @@ struct SavedAtom {
     Coord3D place;
 };
 
-struct NoiseRun {
+struct StructuralRun {
     const MappingInput &input;
     const StructuralNoiseOptions &options;
     const ResidueOffset &offset;
@@ -36,14 +36,14 @@ struct NoiseRun {
     [[nodiscard]] DTable &dTab() const { return input.dTab; }
 };
 
-void saveAtoms(NoiseRun &run, std::span<AtomInfo *const> atoms)
+void saveAtoms(StructuralRun &run, std::span<AtomInfo *const> atoms)
 {
     for (AtomInfo *atom : atoms)
         run.atoms.push_back({atom, {atom->x, atom->y, atom->z}});
 }
 
 /// Keeps rows and atoms; from here on the calculated couplings stand for the measured ones.
-void keepState(NoiseRun &run)
+void keepState(StructuralRun &run)
 {
     run.observed.assign(run.dTab().observed().begin(), run.dTab().observed().end());
     run.calculated.assign(run.dTab().calculated().begin(), run.dTab().calculated().end());
@@ -59,7 +59,7 @@ void keepState(NoiseRun &run)
 }
 
 /// Structure and calculated rows as they were. Internuclear vectors move the atoms of the couplings alone.
-void restoreStructure(NoiseRun &run)
+void restoreStructure(StructuralRun &run)
 {
     if (run.options.noiseMode == 0)
         restorePDBCoords(&run.input.pdbInfo);
@@ -73,7 +73,7 @@ void restoreStructure(NoiseRun &run)
 }
 
 /// Noise of the width in use.
-void addNoise(NoiseRun &run)
+void addNoise(StructuralRun &run)
 {
     ConeOptions inUse = run.options;
     inUse.coneWidth = run.result.coneWidth;
@@ -86,7 +86,7 @@ void addNoise(NoiseRun &run)
 }
 
 /// A fit to a fresh copy of the structure with noise of the width in use. Fails after a message.
-Status fitNoisy(NoiseRun &run, bool withNoise)
+Status fitNoisy(StructuralRun &run, bool withNoise)
 {
     dTensorCopy(run.dTab().dTensor, run.tInfo);
     restoreStructure(run);
@@ -96,7 +96,7 @@ Status fitNoisy(NoiseRun &run, bool withNoise)
 }
 
 /// The mean misfit of fits with the width in use; stays as it was without one. Fails after a message.
-Status meanMisfit(NoiseRun &run, double &rSumAve)
+Status meanMisfit(StructuralRun &run, double &rSumAve)
 {
     double rSumDsum = 0.0;
     int count = 0;
@@ -143,7 +143,7 @@ Status checkStep(double width, double step, Messages &messages)
 }
 
 /// Finds the widest noise that does not misfit more than the measured couplings do. Fails after a message.
-Status adjustCone(NoiseRun &run)
+Status adjustCone(StructuralRun &run)
 {
     const double step = number(run.options.nConeInc), target = number(run.rSumOrig);
     double &width = run.result.coneWidth;
@@ -167,7 +167,7 @@ Status adjustCone(NoiseRun &run)
 }
 
 /// Fails after a message.
-Status setCone(NoiseRun &run)
+Status setCone(StructuralRun &run)
 {
     StructuralNoiseResult &result = run.result;
     const int known = std::min(run.input.validCount, result.couplings);
@@ -187,7 +187,7 @@ Status setCone(NoiseRun &run)
     return Status::ok;
 }
 
-Status sampleStructures(NoiseRun &run, const MappingWatch &watch)
+Status sampleStructures(StructuralRun &run, const MappingWatch &watch)
 {
     StructuralNoiseResult &result = run.result;
     watch.start();
@@ -203,7 +203,7 @@ Status sampleStructures(NoiseRun &run, const MappingWatch &watch)
 }
 
 /// The fit that is mapped.
-Status fitMeasured(NoiseRun &run)
+Status fitMeasured(StructuralRun &run)
 {
     dTensorCopy(run.tInfo, run.dTab().dTensor);
     if (fitTable(run.input) != Status::ok)
@@ -220,7 +220,7 @@ Status noiseStrucSimDC(const MappingInput &input, const StructuralNoiseOptions &
                        const ResidueOffset &offset, const MappingWatch &watch, Messages &messages,
                        StructuralNoiseResult &result)
 {
-    NoiseRun run = {input, options, offset, messages, result};
+    StructuralRun run = {input, options, offset, messages, result};
     if (fitMeasured(run) != Status::ok)
         return Status::failed;
     if (result.couplings == 0) {

@@ -12,7 +12,7 @@ namespace {
 /// Room of a list at the start. A residue has some twenty atoms; a file may hold as many chains as atoms.
 constexpr std::size_t firstResidues = 512;
 constexpr std::size_t firstChains = 8;
-constexpr std::size_t firstAtoms = 32;
+constexpr std::size_t firstAtomsOfGroup = 32;
 
 /// A place that could not be given. Prints the message and returns -1.
 int noPlace(const char *message)
@@ -100,7 +100,7 @@ int addAtom(Group &group, AtomInfo &atom)
 {
     group.chainID = atom.chainID;
     group.segID = atom.segID;
-    if (!makeRoom(group.atomList, "pdb", static_cast<std::size_t>(group.atomCount), 1, firstAtoms))
+    if (!makeRoom(group.atomList, "pdb", static_cast<std::size_t>(group.atomCount), 1, firstAtomsOfGroup))
         return complain("PDB Error Allocating Atom Index memory.\n");
     group.atomList[static_cast<std::size_t>(group.atomCount++)] = &atom;
     return 0;

@@ -22,7 +22,7 @@ namespace trelm {
 namespace {
 
 /// What the minimiser's callback works on: all parameters, and the places of those that it moves.
-struct Problem {
+struct FreeProblem {
     const ResidualFunction &resCalc;
     std::vector<float> all;
     std::vector<std::size_t> free;
@@ -44,7 +44,7 @@ struct Problem {
 /// The residual function in the form that slevmar_bc_dif calls; `data` is the problem.
 void residuals(float *free, float *res, int freeCount, int pointCount, void *data)
 {
-    auto &problem = *static_cast<Problem *>(data);
+    auto &problem = *static_cast<FreeProblem *>(data);
     problem.take({free, static_cast<std::size_t>(freeCount)});
     problem.resCalc(pointCount, static_cast<int>(problem.all.size()), problem.all.data(), res);
 }
@@ -61,7 +61,7 @@ void settleBounds(std::span<float> values, std::span<float> lower, std::span<flo
 }
 
 /// One run of the minimiser over the free parameters: they alone are its unknowns. Returns 1 if it refused.
-int minimise(Problem &problem, int pointCount, std::span<const float> lower, std::span<const float> upper,
+int minimise(FreeProblem &problem, int pointCount, std::span<const float> lower, std::span<const float> upper,
              int itMax)
 {
     std::vector<float> p = problem.freeOf(problem.all), lb = problem.freeOf(lower),
@@ -88,7 +88,7 @@ int nlsOpt(const ResidualFunction &resCalc, int pointCount, std::span<float> gue
         std::puts("NLSOPT Error allocating space.");
         std::exit(-1);
     }
-    Problem problem{resCalc, {guess.begin(), guess.end()}, {}};
+    FreeProblem problem{resCalc, {guess.begin(), guess.end()}, {}};
     settleBounds(problem.all, lower, upper);
     for (std::size_t i = 0; i < guess.size(); ++i)
         if (lower[i] != upper[i])

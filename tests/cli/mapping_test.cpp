@@ -33,6 +33,23 @@ int steps(const Ran &ran)
         numbersAfter(ran.file("out.tab"), "DATA STATISTICS MAPPING NUMBER OF SUCCESFUL STEPS").at(0));
 }
 
+/// The lines that begin with `start`, every digit a 0 and the signs of the numbers left out: their form.
+std::string formOf(const std::string &text, const std::string &start)
+{
+    std::istringstream lines(text);
+    std::string form;
+    for (std::string line; std::getline(lines, line);) {
+        if (!line.starts_with(start))
+            continue;
+        for (std::size_t i = 0; i < line.size(); ++i)
+            form += std::isdigit(line[i]) != 0 && line[i - 1] != '_' ? '0'
+                    : line[i] == '-' && line[i - 1] == ' '           ? ' '
+                                                                     : line[i];
+        form += '\n';
+    }
+    return form;
+}
+
 TEST(CouplingNoise, ReportsWhatTheTensorsHaveInCommon)
 {
     const Ran ran = mapping("-mcDc -map 200 -pdbRot turned.pdb");
@@ -40,6 +57,31 @@ TEST(CouplingNoise, ReportsWhatTheTensorsHaveInCommon)
               std::string::npos);
     EXPECT_EQ(countOf(ran.out, "REMARK DC error bars automatically adjusted by factor of "), 1);
     EXPECT_EQ(countOf(ran.err, "REMARK Sampled 200 of 200\r\n"), 1);
+    EXPECT_EQ(formOf(ran.file("out.tab"), "DATA STATISTICS MAPPING"),
+              "DATA STATISTICS MAPPING NUMBER OF SUCCESFUL STEPS   000\n"
+              "DATA STATISTICS MAPPING G_MAG (AVERAGE/STD_DEV/MIN/MAX)    0.0000e-00  0.0000e-00  0.0000e-00 "
+              " 0.0000e-00\n"
+              "DATA STATISTICS MAPPING Da_HN (AVERAGE/STD_DEV/MIN/MAX)    0.0000e+00  0.0000e-00  0.0000e+00 "
+              " 0.0000e+00\n"
+              "DATA STATISTICS MAPPING ANGLE_5D (AVERAGE/STD_DEV/MIN/MAX) 0.0000e-00  0.0000e-00  0.0000e+00 "
+              " 0.0000e+00\n"
+              "DATA STATISTICS MAPPING SZZ (AVERAGE/STD_DEV/MIN/MAX)      0.0000e-00  0.0000e-00  0.0000e-00 "
+              " 0.0000e-00\n"
+              "DATA STATISTICS MAPPING SAUPE AVERAGE     0.0000e-00   0.0000e-00   0.0000e-00   0.0000e-00  "
+              "0.0000e-00\n"
+              "DATA STATISTICS MAPPING SAUPE STD_DEV     0.0000e-00   0.0000e-00   0.0000e-00   0.0000e-00  "
+              "0.0000e-00\n"
+              "DATA STATISTICS MAPPING SAUPE MIN         0.0000e-00   0.0000e-00   0.0000e-00   0.0000e-00  "
+              "0.0000e-00\n"
+              "DATA STATISTICS MAPPING SAUPE MAX         0.0000e-00   0.0000e-00   0.0000e-00   0.0000e-00  "
+              "0.0000e-00\n"
+              "DATA STATISTICS MAPPING Da (AVERAGE/STD_DEV/MIN/MAX)    0.0000e-00  0.0000e-00  0.0000e-00  "
+              "0.0000e-00\n"
+              "DATA STATISTICS MAPPING Dr (AVERAGE/STD_DEV/MIN/MAX)    0.0000e-00  0.0000e-00  0.0000e-00  "
+              "0.0000e-00\n"
+              "DATA STATISTICS MAPPING Phi (MIN/MAX)      00.00  0.00\n"
+              "DATA STATISTICS MAPPING Psi (MIN/MAX)      00.00  00.00\n"
+              "DATA STATISTICS MAPPING Theta (MIN/MAX)    0.00  0.00\n");
     const int count = steps(ran);
     EXPECT_GT(count, 100); // seven of ten by the search
     EXPECT_LT(count, 200);

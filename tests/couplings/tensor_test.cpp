@@ -136,6 +136,10 @@ TEST(Tensor, RotationGivesItsOwnAnglesBack)
         EXPECT_NEAR(lists.theta[0], theta, bound) << theta;
         EXPECT_NEAR(lists.phi[0], phi, bound) << theta;
     }
+    // Theta of 90 degrees, and an element that rounding has put above 1.
+    RotationLists lists;
+    rot2euler({0, 0, 1.0000001f, 0, 1, 0, -1, 0, 0}, lists);
+    EXPECT_TRUE(std::isfinite(lists.psi[0]));
 }
 
 } // namespace

@@ -190,6 +190,7 @@ TEST(DipoleMoment, OfAFewChargesKnownByHand)
         {{-1.0f, 1.0f}, 4.0f, 0.0f, {0.0, 0.0, -1.0}},
         {{2.0f, -1.0f}, 4.0f, 1.0f, {0.0, 0.0, 1.0}}, // the smaller charge takes part
         {{0.5f, -2.0f}, 2.0f, -1.5f, {0.0, 0.0, 1.0}},
+        {{0.05f, -0.05f}, 0.2f, 0.0f, {0.0, 0.0, 1.0}}, // partial charges are small
         {{1.0f, -0.5f, -0.5f}, std::sqrt(20.0f), 0.0f, {0.0, -1.0 / std::sqrt(5.0), 2.0 / std::sqrt(5.0)}}};
     for (const auto &row : rows) {
         const std::vector<int> atoms = {0, 1, 2};

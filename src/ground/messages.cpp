@@ -10,7 +10,8 @@ namespace trelm {
 namespace {
 
 /// Formats, and hands on. A line of usual length needs no memory of its own.
-void pass(Messages &messages, Messages::Stream stream, const char *format, std::va_list arguments)
+[[gnu::format(printf, 3, 0)]] void pass(Messages &messages, Messages::Stream stream, const char *format,
+                                        std::va_list arguments)
 {
     std::va_list again;
     va_copy(again, arguments);

@@ -63,7 +63,7 @@ int matFree(float **matrixPtr, std::size_t xSize, std::size_t ySize);
 void unAlloc(const char *caller, void *ptr, std::size_t length);
 
 /// An owning array of the layer. Elements start as T{}. It can be empty because there was no memory: the
-/// constructor does not throw, and the owner asks with `if (!block)`.
+/// constructor throws nothing but what an element throws, and the owner asks with `if (!block)`.
 template <class T>
 class Block {
   public:
@@ -71,10 +71,15 @@ class Block {
     Block(const char *tag, std::size_t length) : tag_(tag)
     {
         data_ = static_cast<T *>(request(tag, length));
-        if (data_ != nullptr) {
-            length_ = length;
+        if (data_ == nullptr)
+            return;
+        try {
             std::uninitialized_value_construct_n(data_, length);
+        } catch (...) { // an element found no memory of its own
+            unAlloc(tag, data_, length * sizeof(T));
+            throw;
         }
+        length_ = length;
     }
     Block(Block &&other) noexcept
         : tag_(other.tag_), data_(std::exchange(other.data_, nullptr)),

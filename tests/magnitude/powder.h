@@ -2,8 +2,8 @@
 // noise. Synthetic: no molecule stands behind them, so that the tensor is known exactly.
 #pragma once
 
+#include "common/heard.h"
 #include "couplings/dipolar.h"
-#include "magnitude/heard.h"
 #include "magnitude/observed.h"
 
 #include <cmath>

@@ -17,7 +17,7 @@ int main(int argc, char **argv)
         if (status == 0)
             status = trelm::readOptions(argc, argv, run);
         if (status == 0)
-            status = trelm::runMode(run);
+            status = static_cast<int>(trelm::runMode(run, trelm::standardMessages()));
     } catch (const std::bad_alloc &) {
         std::fprintf(stderr, "Memory allocation failure.\n");
         status = 1;

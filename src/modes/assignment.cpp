@@ -44,27 +44,26 @@ std::optional<bool> assignTable(Run &run, Messages &messages)
     return found->isProved;
 }
 
-/// Returns 0, or non-zero after a message.
-int assignAndWrite(Run &run, Messages &messages)
+/// Fails after a message.
+Status assignAndWrite(Run &run, Messages &messages)
 {
     const std::optional<bool> isProved = assignTable(run, messages);
     if (!isProved)
-        return 1;
+        return Status::failed;
     const int status = writeFit({&run.pdbInfo[0], &run.sInfo, &run.dTab[0], &run.trelmInfo[0],
                                  run.options.outDName, run.options.pRotName, run.options.remark});
     if (status != 0 || *isProved)
-        return status;
-    messages.err("trelm: the search was interrupted: the assignment is the best so far, and not proved.\n");
-    return 1;
+        return static_cast<Status>(status);
+    return messages.fail(
+        "trelm: the search was interrupted: the assignment is the best so far, and not proved.\n");
 }
 
 } // namespace
 
-int searchAssignment(Run &run)
+Status searchAssignment(Run &run, Messages &messages)
 {
-    Messages &messages = standardMessages();
-    const int status = assignAndWrite(run, messages);
-    if (status != 0)
+    const Status status = assignAndWrite(run, messages);
+    if (status != Status::ok)
         messages.err("Matrix: error in best-fit of data.\n");
     return status;
 }

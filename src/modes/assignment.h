@@ -5,7 +5,7 @@
 
 namespace trelm {
 
-/// Returns 0, or the status of the failing step after its messages.
-int searchAssignment(Run &run);
+/// Fails after its messages.
+Status searchAssignment(Run &run, Messages &messages);
 
 } // namespace trelm

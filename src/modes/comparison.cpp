@@ -23,26 +23,26 @@ int choose(Run &run, DTable &dTab)
     return count;
 }
 
-int combine(Run &run, Messages &messages)
+Status combine(Run &run, Messages &messages)
 {
     Block<DTable> dTab1("trelm", 1), dTab2("trelm", 1);
     if (!dTab1 || !dTab2)
-        return static_cast<int>(messages.fail("Error allocating DC structures.\n"));
+        return messages.fail("Error allocating DC structures.\n");
     int status = readTable(run.options.inD1Name, &dTab1[0]);
     if (status == 0)
         status = readTable(run.options.inD2Name, &dTab2[0]);
     if (status != 0)
-        return status;
+        return static_cast<Status>(status);
     choose(run, dTab1[0]);
     const int shared = adjustDC(run.trelmInfo[0], dTab1[0], dTab2[0]);
     tellRows(shared, "combined", run.dcInfo[0].excludeMode);
     if (shared == 0)
         messages.err("trelm: the two tables share no coupling of the selection.\n");
-    return writeDCmod(run.options.outDName, "w", &dTab1[0], &run.trelmInfo[0], "");
+    return static_cast<Status>(writeDCmod(run.options.outDName, "w", &dTab1[0], &run.trelmInfo[0], ""));
 }
 
 /// The report is a coupling output without couplings, with the combined tensor.
-int compare(Run &run, Messages &messages)
+Status compare(Run &run, Messages &messages)
 {
     const RunOptions &options = run.options;
     TrelmInfo &trelmInfo = run.trelmInfo[0];
@@ -54,12 +54,12 @@ int compare(Run &run, Messages &messages)
                              .yzFlag = trelmInfo.yzFlag};
     TensorComparison found;
     if (const Status status = compareSaupe(pair, trelmInfo, found, messages); status != Status::ok)
-        return static_cast<int>(status);
+        return status;
     std::string text;
     appendComparison(pair, found, text);
     std::ranges::transform(found.combined, run.dTab[0].dTensor.saupe.begin(),
                            [](double value) { return static_cast<float>(value); });
-    return writeDCmod(options.outAName, "w", &run.dTab[0], &trelmInfo, text);
+    return static_cast<Status>(writeDCmod(options.outAName, "w", &run.dTab[0], &trelmInfo, text));
 }
 
 /// Opens the output. The table to convert is never overwritten: it is read after this.
@@ -73,37 +73,37 @@ Status openResult(const RunOptions &options, OutFile &out, Messages &messages)
     return Status::ok;
 }
 
-int convert(Run &run, Messages &messages)
+Status convert(Run &run, Messages &messages)
 {
     const RunOptions &options = run.options;
     const ConversionOptions &conversion = run.trelmInfo[0];
     Block<DTable> table("convertTab", 1);
     if (!table)
-        return static_cast<int>(messages.fail("Error allocating DC structures.\n"));
+        return messages.fail("Error allocating DC structures.\n");
     DTable &dTab = table[0];
     OutFile out;
     if (conversion.outFormat != systemFormat && openResult(options, out, messages) != Status::ok)
-        return 1;
+        return Status::failed;
     const int status = readTable(options.inDName, &dTab);
     if (status != 0)
-        return status;
+        return static_cast<Status>(status);
     if (choose(run, dTab) == 0)
         messages.err("trelm: no coupling is left to convert.\n");
     fillConverted(conversion, dTab, messages);
     if (conversion.outFormat == systemFormat)
-        return writeDCmod(options.outDName, "w", &dTab, &run.trelmInfo[0], "");
+        return static_cast<Status>(writeDCmod(options.outDName, "w", &dTab, &run.trelmInfo[0], ""));
     std::string text;
     if (convertTab(conversion, dTab, options.inDName, text, messages) != Status::ok)
-        return 1;
+        return Status::failed;
     writeOut(out, text);
-    return closeOut(out);
+    return static_cast<Status>(closeOut(out));
 }
 
 /// The status of a mode, after the line that it adds to a failure.
-int judge(int status, const char *line)
+Status judge(Status status, const char *line, Messages &messages)
 {
-    if (status != 0)
-        standardMessages().err("%s", line);
+    if (status != Status::ok)
+        messages.err("%s", line);
     return status;
 }
 
@@ -111,19 +111,19 @@ constexpr const char *comparisonFailed = "Matrix: error in comparison of order m
 
 } // namespace
 
-int combineCouplings(Run &run)
+Status combineCouplings(Run &run, Messages &messages)
 {
-    return judge(combine(run, standardMessages()), comparisonFailed);
+    return judge(combine(run, messages), comparisonFailed, messages);
 }
 
-int compareTensors(Run &run)
+Status compareTensors(Run &run, Messages &messages)
 {
-    return judge(compare(run, standardMessages()), comparisonFailed);
+    return judge(compare(run, messages), comparisonFailed, messages);
 }
 
-int convertTable(Run &run)
+Status convertTable(Run &run, Messages &messages)
 {
-    return judge(convert(run, standardMessages()), "trelm: error in conversion of table.\n");
+    return judge(convert(run, messages), "trelm: error in conversion of table.\n", messages);
 }
 
 } // namespace trelm

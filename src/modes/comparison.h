@@ -5,9 +5,9 @@
 
 namespace trelm {
 
-/// Each does the job of its mode. Returns 0, or non-zero after its messages.
-int combineCouplings(Run &run);
-int compareTensors(Run &run);
-int convertTable(Run &run);
+/// Each does the job of its mode. Fails after its messages.
+Status combineCouplings(Run &run, Messages &messages);
+Status compareTensors(Run &run, Messages &messages);
+Status convertTable(Run &run, Messages &messages);
 
 } // namespace trelm

@@ -108,35 +108,36 @@ int reportAverage(Run &run, const SampleGeometry &geometry, const EnsembleResult
 
 } // namespace
 
-int simulateEnsemble(Run &run)
+Status simulateEnsemble(Run &run, Messages &messages)
 {
     const TrelmInfo &trelmInfo = run.trelmInfo[0];
     Sample sample;
     if (checkEnsemble(trelmInfo) != 0)
-        return 1;
+        return Status::failed;
     if (!run.options.potName.empty())
-        complain("trelm: -stTrelmGrid reads no potential: -pot is not used.\n");
+        messages.err("trelm: -stTrelmGrid reads no potential: -pot is not used.\n");
     int status = setUp(run, sample);
     if (status != 0)
-        return status;
+        return static_cast<Status>(status);
     Ensemble ensemble;
     ensemble.states = Block<EnsembleState>("matrix", maxEnsembleStates);
     if (!ensemble.states)
-        return complain("Error allocating grid buffers.\n");
+        return messages.fail("Error allocating grid buffers.\n");
     std::span<const double> ddots;
     if (makeDots(run, ddots) != 0 || orientMolecule(run, sample.domains) != 0)
-        return 1;
+        return Status::failed;
     status = makeEnsemble(run, sample.domains, ensemble);
     if (status != 0 || sample.domains.outEflag == outSetupOnly)
-        return status;
+        return static_cast<Status>(status);
     EnsembleResult result;
     status = averageEnsemble(run, sample, ensemble, ddots, result);
     if (status != 0)
-        return status;
+        return static_cast<Status>(status);
     TensorAnalysis average;
     if (analyzeSaupe(result.saupe, trelmInfo.yzFlag, trelmInfo.eulerFlag, average) != 0)
-        return complain("Matrix: error in analyzeSaupe.\n");
-    return trelmInfo.validCountD == 0 ? 0 : reportAverage(run, sample.geometry, result, average);
+        return messages.fail("Matrix: error in analyzeSaupe.\n");
+    return static_cast<Status>(
+        trelmInfo.validCountD == 0 ? 0 : reportAverage(run, sample.geometry, result, average));
 }
 
 } // namespace trelm

@@ -4,37 +4,35 @@
 #include "simulation/charges/charges.h"
 #include "simulation/orientations/sphere.h"
 #include "support/text/match.h"
-#include "support/text/text.h"
 
 #include <cstdint>
-#include <cstdio>
 
 namespace trelm {
 namespace {
 
-int readStructure(Run &run)
+Status readStructure(Run &run, Messages &messages)
 {
     const std::string &pdbName = run.options.pdbName;
     if (pdbName.empty())
-        return 0;
+        return Status::ok;
     PDBInfo &pdbInfo = run.pdbInfo[0];
     const int status = readPDB(pdbName, &pdbInfo, nullptr);
     if (status != 0) {
-        complain("Error reading PDB input %s\n", pdbName.c_str());
-        return status;
+        messages.err("Error reading PDB input %s\n", pdbName.c_str());
+        return static_cast<Status>(status);
     }
-    std::fprintf(stderr, "%s, %d Atoms, Residues %d to %d.\n", pdbName.c_str(), pdbInfo.atomCount,
-                 pdbInfo.minResID, pdbInfo.maxResID);
-    return 0;
+    messages.err("%s, %d Atoms, Residues %d to %d.\n", pdbName.c_str(), pdbInfo.atomCount, pdbInfo.minResID,
+                 pdbInfo.maxResID);
+    return Status::ok;
 }
 
-int allocateBuffers(Run &run)
+Status allocateBuffers(Run &run, Messages &messages)
 {
     const std::size_t coords = static_cast<std::size_t>(run.pdbInfo[0].atomCount) + maxCharges + 1;
     for (Block<double> *buffer : {&run.xI, &run.yI, &run.zI}) {
         *buffer = Block<double>("matrix", coords);
         if (!*buffer)
-            return complain("Error allocating coord buffers.\n");
+            return messages.fail("Error allocating coord buffers.\n");
     }
     run.chargeAtomID = Block<int>("matrix", maxCharges + 1);
     run.charges = Block<float>("matrix", maxCharges + 1);
@@ -42,8 +40,8 @@ int allocateBuffers(Run &run)
     run.chargesOrig = Block<float>("matrix", maxCharges + 1);
     run.ddots = Block<double>("matrix", std::size_t{3} * maxOrientations);
     if (!run.chargeAtomID || !run.charges || !run.chargeAtomIDOrig || !run.chargesOrig || !run.ddots)
-        return complain("Error allocating charge and potential buffers.\n");
-    return 0;
+        return messages.fail("Error allocating charge and potential buffers.\n");
+    return Status::ok;
 }
 
 void selectCouplings(Run &run)
@@ -59,7 +57,7 @@ void selectCouplings(Run &run)
     tellRows(run.trelmInfo[0].validCountD, "selected", dcInfo.excludeMode);
 }
 
-void selectAtoms(Run &run)
+void selectAtoms(Run &run, Messages &messages)
 {
     PDBInfo *pdbInfo = &run.pdbInfo[0];
     PDBSelectInfo &sInfo = run.sInfo;
@@ -68,13 +66,13 @@ void selectAtoms(Run &run)
         sInfo.resN = pdbInfo->maxResID;
     }
     pdbSelect(pdbInfo, &sInfo);
-    std::printf("REMARK PDB Selection:");
+    messages.out("REMARK PDB Selection:");
     if (sInfo.selectMode == 1)
-        std::printf(" All Atoms.\n");
+        messages.out(" All Atoms.\n");
     else
-        std::printf(" Residues %d to %d  Residues: %s  Atoms: %s  Chains %s  Segs: %s.\n", sInfo.res1,
-                    sInfo.resN, sInfo.resNameList.c_str(), sInfo.atomNameList.c_str(),
-                    sInfo.chainNameList.c_str(), sInfo.segNameList.c_str());
+        messages.out(" Residues %d to %d  Residues: %s  Atoms: %s  Chains %s  Segs: %s.\n", sInfo.res1,
+                     sInfo.resN, sInfo.resNameList.c_str(), sInfo.atomNameList.c_str(),
+                     sInfo.chainNameList.c_str(), sInfo.segNameList.c_str());
 }
 
 /// Takes the mark from the hydrogens. The record stays as changed here: later calls see it.
@@ -89,23 +87,23 @@ void dropHydrogens(Run &run)
 
 } // namespace
 
-int readInputs(Run &run)
+Status readInputs(Run &run, Messages &messages)
 {
-    int status = readStructure(run);
-    if (status == 0)
-        status = readTable(run.options.inDName, &run.dTab[0]);
-    if (status != 0)
+    Status status = readStructure(run, messages);
+    if (status == Status::ok)
+        status = static_cast<Status>(readTable(run.options.inDName, &run.dTab[0]));
+    if (status != Status::ok)
         return status;
     DcInfo &dcInfo = run.dcInfo[0];
     settleWindow(dcInfo, run.dTab[0]);
-    status = allocateBuffers(run);
-    if (status != 0)
+    status = allocateBuffers(run, messages);
+    if (status != Status::ok)
         return status;
     selectCouplings(run);
-    selectAtoms(run);
+    selectAtoms(run, messages);
     if (run.trelmInfo[0].Hflag == 0)
         dropHydrogens(run);
-    return 0;
+    return Status::ok;
 }
 
 } // namespace trelm

@@ -6,8 +6,8 @@
 namespace trelm {
 
 /// Reads the structure and the couplings, settles the residue window, maps couplings to atoms, selects atoms,
-/// and drops the hydrogens from the selection unless asked not to. Returns 0, or the status of the failing
-/// step after its messages.
-int readInputs(Run &run);
+/// and drops the hydrogens from the selection unless asked not to. Fails after its
+/// messages.
+Status readInputs(Run &run, Messages &messages);
 
 } // namespace trelm

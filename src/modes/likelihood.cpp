@@ -57,13 +57,12 @@ Status search(Run &run, Messages &messages)
 
 } // namespace
 
-int estimateByLikelihood(Run &run)
+Status estimateByLikelihood(Run &run, Messages &messages)
 {
-    Messages &messages = standardMessages();
     Status status = search(run, messages);
     if (status != Status::ok)
         status = messages.fail("trelm: error in getMlDabR.\n");
-    return static_cast<int>(status);
+    return status;
 }
 
 } // namespace trelm

@@ -5,7 +5,7 @@
 
 namespace trelm {
 
-/// Returns 0, or the status of the failing step after its messages.
-int estimateByLikelihood(Run &run);
+/// Fails after its messages.
+Status estimateByLikelihood(Run &run, Messages &messages);
 
 } // namespace trelm

@@ -11,11 +11,11 @@ namespace trelm {
 namespace {
 
 /// Both modes add the same line to a failure.
-int judge(Status status, Messages &messages)
+Status judge(Status status, Messages &messages)
 {
     if (status != Status::ok)
         status = messages.fail("trelm: error in getHistDabR.\n");
-    return static_cast<int>(status);
+    return status;
 }
 
 /// The calculated rows show the couplings that took part.
@@ -126,14 +126,14 @@ Status reportMagnitude(Run &run, const MagnitudeResult &result, Messages &messag
     return status == 0 ? Status::ok : Status::failed;
 }
 
-int estimateByHistogram(Run &run)
+Status estimateByHistogram(Run &run, Messages &messages)
 {
-    return judge(runHistogram(run, standardMessages()), standardMessages());
+    return judge(runHistogram(run, messages), messages);
 }
 
-int estimateByMotion(Run &run)
+Status estimateByMotion(Run &run, Messages &messages)
 {
-    return judge(runMotion(run, standardMessages()), standardMessages());
+    return judge(runMotion(run, messages), messages);
 }
 
 } // namespace trelm

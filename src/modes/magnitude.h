@@ -17,8 +17,8 @@ Status readObserved(Run &run, ObservedCouplings &observed, Messages &messages);
 /// output cannot be written to its end.
 Status reportMagnitude(Run &run, const MagnitudeResult &result, Messages &messages);
 
-// Both return 0, or 1 after messages.
-int estimateByHistogram(Run &run);
-int estimateByMotion(Run &run);
+// Both fail after their messages.
+Status estimateByHistogram(Run &run, Messages &messages);
+Status estimateByMotion(Run &run, Messages &messages);
 
 } // namespace trelm

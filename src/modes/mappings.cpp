@@ -61,30 +61,31 @@ Status checkNames(const Run &run, const std::string &failName, Messages &message
     return Status::ok;
 }
 
-Status openOne(OutFile &out, const std::string &name, const char *message, const char *dot)
-{
-    return openOut(out, name, "w") == 0 ? Status::ok
-                                        : standardMessages().fail("%s%s%s\n", message, name.c_str(), dot);
-}
-
 /// Opens the four files. Fails after a message.
-Status openFiles(const RunOptions &options, const MappingWords &words, SampleFiles &files)
+Status openFiles(const RunOptions &options, const MappingWords &words, Messages &messages, SampleFiles &files)
 {
-    constexpr const char *noMap = "TRELM Error opening log file for error space mapping ";
-    constexpr const char *noSaupe = "TRELM Error opening log file for Saupe distribution ";
-    if (openOne(files.map, options.outMapName, noMap, "") != Status::ok ||
-        openOne(files.da, options.outDaName, noDaWords, words.dot) != Status::ok ||
-        openOne(files.angles, options.outAngName, words.noAngles, words.dot) != Status::ok ||
-        openOne(files.saupe, options.outAName, noSaupe, ".") != Status::ok)
-        return Status::failed;
+    const struct {
+        OutFile &out;
+        const std::string &name;
+        const char *complaint, *dot;
+    } rows[] = {
+        {files.map, options.outMapName, "TRELM Error opening log file for error space mapping ", ""},
+        {files.da, options.outDaName, noDaWords, words.dot},
+        {files.angles, options.outAngName, words.noAngles, words.dot},
+        {files.saupe, options.outAName, "TRELM Error opening log file for Saupe distribution ", "."},
+    };
+    for (const auto &row : rows)
+        if (openOut(row.out, row.name, "w") != 0)
+            return messages.fail("%s%s%s\n", row.complaint, row.name.c_str(), row.dot);
     return Status::ok;
 }
 
-int closeFiles(SampleFiles &files)
+Status closeFiles(SampleFiles &files)
 {
-    int status = 0;
+    Status status = Status::ok;
     for (OutFile *out : {&files.map, &files.da, &files.angles, &files.saupe})
-        status |= closeOut(*out);
+        if (closeOut(*out) != 0)
+            status = Status::failed;
     return status;
 }
 
@@ -110,38 +111,35 @@ void writeSamples(const TensorSamples &samples, const MappingWords &words, Sampl
     }
 }
 
-/// The structure in the frame of the mean tensor. Returns 0, or non-zero after messages that end in `words`.
-int writeMeanFrame(Run &run, const TensorSamples &samples, const char *words)
+/// The structure in the frame of the mean tensor. Fails after messages that end in `words`.
+Status writeMeanFrame(Run &run, const TensorSamples &samples, const char *words, Messages &messages)
 {
     const EulerLists &euler = samples.euler;
     const int status = writePDBRot(euler.gamma, euler.beta, euler.alpha, run.trelmInfo[0].rotN,
                                    &run.pdbInfo[0], &run.sInfo, run.options.pRotName, run.options.remark);
-    if (status != 0)
-        standardMessages().err("%s", words);
-    return status;
+    return status == 0 ? Status::ok : messages.fail("%s", words);
 }
 
-int writeTable(Run &run, const std::string &name, const std::string &text)
+Status writeTable(Run &run, const std::string &name, const std::string &text)
 {
-    return writeDCmod(name, "w", &run.dTab[0], &run.trelmInfo[0], text);
+    return static_cast<Status>(writeDCmod(name, "w", &run.dTab[0], &run.trelmInfo[0], text));
 }
 
-/// Couplings and structure of the mean tensor. Returns 0, or non-zero after a message.
-int reportMeanTensor(Run &run, const TensorSamples &samples, int mapCount)
+/// Couplings and structure of the mean tensor. Fails after a message.
+Status reportMeanTensor(Run &run, const TensorSamples &samples, int mapCount, Messages &messages)
 {
     if (fitMean(samples, inputOf(run)) != Status::ok ||
-        writeTable(run, run.options.outDName, mappingReport(samples)) != 0)
-        return 1;
+        writeTable(run, run.options.outDName, mappingReport(samples)) != Status::ok)
+        return Status::failed;
     if (samples.count != 0)
-        return writeMeanFrame(run, samples, "trelm: error in writePDBRot.\n");
-    standardMessages().err("WARNING %d SVD runs of %d succesful.\n", 0, mapCount);
-    return 0;
+        return writeMeanFrame(run, samples, "trelm: error in writePDBRot.\n", messages);
+    messages.err("WARNING %d SVD runs of %d succesful.\n", 0, mapCount);
+    return Status::ok;
 }
 
 /// Means and deviations of the couplings, and then in place of the weights the number of fits that missed
-/// them. Angles, Da and Dr of the tensor stay those of the last noisy fit. Returns 0, or non-zero after a
-/// message.
-int reportCouplingNoise(Run &run, const CouplingNoiseResult &result)
+/// them. Angles, Da and Dr of the tensor stay those of the last noisy fit. Fails after a message.
+Status reportCouplingNoise(Run &run, const CouplingNoiseResult &result, Messages &messages)
 {
     DTable &dTab = run.dTab[0];
     for (std::size_t k = 0; k < saupeCount; ++k)
@@ -152,105 +150,101 @@ int reportCouplingNoise(Run &run, const CouplingNoiseResult &result)
         if (takesPart(dTab.dCalcList[i])) // others are never calculated
             dTab.dCalcList[i].d = result.mean[i];
     }
-    int status = writeTable(run, run.options.outDName, mappingReport(result.samples));
+    Status status = writeTable(run, run.options.outDName, mappingReport(result.samples));
     for (std::size_t i = 0; i < dTab.observed().size(); ++i)
         if (dTab.dCalcList[i].valid != 0)
             dTab.dObsList[i].w = static_cast<float>(result.countFail[i]);
     std::string fails = "\nREMARK Failure Statistics.\n";
     appendf(fails, "DATA STATISTICS MAPPING NUMBER OF SUCCESFUL STEPS   %d\n\n\n", result.samples.count);
-    status |= writeTable(run, run.options.outDFailName, fails);
-    if (result.samples.count != 0)
-        status |= writeMeanFrame(run, result.samples, "matrix: error in writePDBRot.\n");
+    if (writeTable(run, run.options.outDFailName, fails) != Status::ok)
+        status = Status::failed;
+    if (result.samples.count != 0 &&
+        writeMeanFrame(run, result.samples, "matrix: error in writePDBRot.\n", messages) != Status::ok)
+        status = Status::failed;
     return status;
 }
 
 /// Closes the files after a mapping whose report ended with this status.
-int ended(int status, SampleFiles &files)
+Status ended(Status status, SampleFiles &files)
 {
-    const int closed = closeFiles(files);
-    return status != 0 ? status : closed;
+    const Status closed = closeFiles(files);
+    return status != Status::ok ? status : closed;
 }
 
-int noMemory()
+Status noMemory(Messages &messages)
 {
-    standardMessages().err("Error allocating coord buffers.\n");
-    return 1;
+    return messages.fail("Error allocating coord buffers.\n");
 }
 
-int couplingNoise(Run &run)
+Status couplingNoise(Run &run, Messages &messages)
 {
     CouplingNoiseResult result(run.dTab[0].observed().size());
     if (!result)
-        return noMemory();
+        return noMemory(messages);
     SampleFiles files;
-    Messages &messages = standardMessages();
     if (checkNames(run, run.options.outDFailName, messages) != Status::ok ||
-        openFiles(run.options, noiseWords, files) != Status::ok ||
+        openFiles(run.options, noiseWords, messages, files) != Status::ok ||
         mapSimDC(inputOf(run), run.trelmInfo[0], watchInto(files), messages, result) != Status::ok)
-        return 1;
+        return Status::failed;
     writeSamples(result.samples, noiseWords, files);
-    return ended(reportCouplingNoise(run, result), files);
+    return ended(reportCouplingNoise(run, result, messages), files);
 }
 
-int jackknife(Run &run)
+Status jackknife(Run &run, Messages &messages)
 {
-    Messages &messages = standardMessages();
     warnOfFraction(run.trelmInfo[0], messages);
     JackknifeResult result(run.dTab[0].observed().size());
     if (!result)
-        return noMemory();
+        return noMemory(messages);
     SampleFiles files;
     if (checkNames(run, "", messages) != Status::ok ||
-        openFiles(run.options, mappingWords, files) != Status::ok ||
+        openFiles(run.options, mappingWords, messages, files) != Status::ok ||
         aeraSimDC(inputOf(run), run.trelmInfo[0], watchInto(files), messages, result) != Status::ok)
-        return 1;
+        return Status::failed;
     writeSamples(result.samples, mappingWords, files);
-    return ended(reportMeanTensor(run, result.samples, run.options.mapCount), files);
+    return ended(reportMeanTensor(run, result.samples, run.options.mapCount, messages), files);
 }
 
-int structuralNoise(Run &run)
+Status structuralNoise(Run &run, Messages &messages)
 {
-    Messages &messages = standardMessages();
     if (checkPositions(run.trelmInfo[0], messages) != Status::ok)
-        return 1;
+        return Status::failed;
     StructuralNoiseResult result;
     if (!result.samples.store)
-        return noMemory();
+        return noMemory(messages);
     const DcInfo &window = run.dcInfo[0];
     SampleFiles files;
     if (checkNames(run, "", messages) != Status::ok ||
-        openFiles(run.options, mappingWords, files) != Status::ok ||
+        openFiles(run.options, mappingWords, messages, files) != Status::ok ||
         noiseStrucSimDC(inputOf(run), run.trelmInfo[0], {window.aFirst, window.segFirst, window.segLast},
                         watchInto(files), messages, result) != Status::ok)
-        return 1;
+        return Status::failed;
     if (result.couplings == 0)
         return closeFiles(files); // without content: nothing of an earlier run stays
     writeSamples(result.samples, mappingWords, files);
-    return ended(reportMeanTensor(run, result.samples, result.mapCount), files);
+    return ended(reportMeanTensor(run, result.samples, result.mapCount, messages), files);
 }
 
-int tellFailure(int status)
+Status tellFailure(Status status, Messages &messages)
 {
-    if (status != 0)
-        standardMessages().err("Matrix: error in best-fit of data.\n");
-    return status;
+    return status == Status::ok ? status : messages.fail("Matrix: error in best-fit of data.\n");
 }
 
 } // namespace
 
-int mapCouplingNoise(Run &run)
+Status mapCouplingNoise(Run &run, Messages &messages)
 {
-    return run.dTab[0].dCount == 0 ? 0 : tellFailure(couplingNoise(run));
+    return run.dTab[0].dCount == 0 ? Status::ok : tellFailure(couplingNoise(run, messages), messages);
 }
 
-int mapJackknife(Run &run)
+Status mapJackknife(Run &run, Messages &messages)
 {
-    return run.dTab[0].dCount == 0 ? 0 : tellFailure(jackknife(run));
+    return run.dTab[0].dCount == 0 ? Status::ok : tellFailure(jackknife(run, messages), messages);
 }
 
-int mapStructuralNoise(Run &run)
+Status mapStructuralNoise(Run &run, Messages &messages)
 {
-    return tellFailure(structuralNoise(run));
+    return tellFailure(structuralNoise(run, messages), messages);
 }
 
 } // namespace trelm

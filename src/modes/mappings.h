@@ -5,9 +5,9 @@
 
 namespace trelm {
 
-// Return 0, or the status of the failing step after its messages.
-int mapCouplingNoise(Run &run);
-int mapStructuralNoise(Run &run);
-int mapJackknife(Run &run);
+// All fail after their messages.
+Status mapCouplingNoise(Run &run, Messages &messages);
+Status mapStructuralNoise(Run &run, Messages &messages);
+Status mapJackknife(Run &run, Messages &messages);
 
 } // namespace trelm

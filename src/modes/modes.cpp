@@ -10,7 +10,6 @@
 #include "modes/simulation.h"
 #include "modes/structural_noise.h"
 #include "report/output.h"
-#include "support/text/text.h"
 
 #include <algorithm>
 
@@ -21,26 +20,26 @@ namespace {
 struct ModeRow {
     int trelmMode;
     bool commonInput; ///< the common input phase comes first
-    int (*road)(Run &run);
+    Status (*work)(Run &run, Messages &messages);
 };
 
 /// A kind of best-fit.
 struct SpreadRow {
     int spreadMode;
-    int (*road)(Run &run);
+    Status (*work)(Run &run, Messages &messages);
 };
 
-int bestFitSingle(Run &run)
+Status bestFitSingle(Run &run, Messages &messages)
 {
     if (run.trelmInfo[0].validCountD == 0)
-        complain("trelm: no coupling is left to fit.\n");
+        messages.err("trelm: no coupling is left to fit.\n");
     const bool isFitted = fitD(&run.pdbInfo[0], &run.dTab[0], run.trelmInfo[0].verbFlag) >= 0;
     const int status = isFitted ? writeFit({&run.pdbInfo[0], &run.sInfo, &run.dTab[0], &run.trelmInfo[0],
                                             run.options.outDName, run.options.pRotName, run.options.remark})
                                 : 1;
     if (status != 0)
-        complain("trelm: error in best-fit of data.\n");
-    return status;
+        messages.err("trelm: error in best-fit of data.\n");
+    return static_cast<Status>(status);
 }
 
 constexpr SpreadRow spreadRows[] = {
@@ -55,11 +54,11 @@ const SpreadRow &spreadRow(int spreadMode)
     return row != std::end(spreadRows) ? *row : spreadRows[0];
 }
 
-int bestFit(Run &run)
+Status bestFit(Run &run, Messages &messages)
 {
     if (run.options.pdbName.empty())
-        complain("trelm: -pdb is missing: without a structure no coupling can be fitted.\n");
-    return spreadRow(run.trelmInfo[0].spreadMode).road(run);
+        messages.err("trelm: -pdb is missing: without a structure no coupling can be fitted.\n");
+    return spreadRow(run.trelmInfo[0].spreadMode).work(run, messages);
 }
 
 constexpr ModeRow modeRows[] = {
@@ -84,12 +83,12 @@ constexpr ModeRow modeRows[] = {
 
 } // namespace
 
-int runMode(Run &run)
+Status runMode(Run &run, Messages &messages)
 {
     const TrelmInfo &trelmInfo = run.trelmInfo[0];
     const ModeRow &mode = *std::ranges::find(modeRows, trelmInfo.trelmMode, &ModeRow::trelmMode);
-    const int status = mode.commonInput ? readInputs(run) : 0;
-    return status != 0 ? status : mode.road(run);
+    const Status status = mode.commonInput ? readInputs(run, messages) : Status::ok;
+    return status != Status::ok ? status : mode.work(run, messages);
 }
 
 } // namespace trelm

@@ -3,6 +3,7 @@
 
 #include "couplings/dipolar.h"
 #include "ground/alloc.h"
+#include "ground/messages.h"
 #include "modes/run_options.h"
 #include "report/parameters.h"
 #include "structure/pdb.h"
@@ -27,7 +28,7 @@ struct Run {
     Block<double> ddots; ///< orientation points on the unit sphere, three values each
 };
 
-/// Does what the run's mode asks for. Returns 0, or the status of the failing step after its messages.
-int runMode(Run &run);
+/// Does what the run's mode asks for. Fails after its messages, with the status of the failing step.
+Status runMode(Run &run, Messages &messages);
 
 } // namespace trelm

@@ -242,47 +242,47 @@ int makeDots(Run &run, std::span<const double> &ddots)
     return 0;
 }
 
-int simulateSteric(Run &run)
+Status simulateSteric(Run &run, Messages &messages)
 {
     const TrelmInfo &trelmInfo = run.trelmInfo[0];
     const bool inGrid = trelmInfo.lcType == lcGrid;
     if (inGrid && trelmInfo.elFlag != 0)
-        return complain("trelm: -stTrelm -3D knows no charges: see -elTrelm.\n");
-    if (checkSimulation(trelmInfo, standardMessages()) != Status::ok)
-        return 1;
+        return messages.fail("trelm: -stTrelm -3D knows no charges: see -elTrelm.\n");
+    if (checkSimulation(trelmInfo, messages) != Status::ok)
+        return Status::failed;
     Solute solute;
     int status = chooseSolute(run, "trelm: error reading selection of atoms.\n", solute);
     if (status != 0)
-        return status;
+        return static_cast<Status>(status);
     if (inGrid && readStericGrid(run) != 0)
-        return 1;
+        return Status::failed;
     AlignmentFields fields;
     TensorAnalysis analysis;
     status = alignSolute(run, solute, fields, analysis);
-    return status != 0 ? status : turnStructure(run, analysis.euler);
+    return static_cast<Status>(status != 0 ? status : turnStructure(run, analysis.euler));
 }
 
-int simulateElectrostatic(Run &run)
+Status simulateElectrostatic(Run &run, Messages &messages)
 {
-    if (checkSimulation(run.trelmInfo[0], standardMessages()) != Status::ok)
-        return 1;
+    if (checkSimulation(run.trelmInfo[0], messages) != Status::ok)
+        return Status::failed;
     Solute solute;
     const int status = chooseSolute(run, "Matrix: Error reading selection of atoms.\n", solute);
     if (status != 0)
-        return status;
-    return run.trelmInfo[0].lcType == lcGrid ? alignInGrid(run, solute) : alignBesideParticle(run, solute);
+        return static_cast<Status>(status);
+    return static_cast<Status>(run.trelmInfo[0].lcType == lcGrid ? alignInGrid(run, solute)
+                                                                 : alignBesideParticle(run, solute));
 }
 
-int simulateFree(Run &run)
+Status simulateFree(Run &run, Messages &messages)
 {
     const TrelmInfo &trelmInfo = run.trelmInfo[0];
     if (trelmInfo.lcType != lcWall && trelmInfo.lcType != lcRod)
-        return complain("trelm: -stTrelmFree knows the models -bic and -pf1 only.\n");
-    if (checkSample(trelmInfo, standardMessages()) != Status::ok ||
-        checkSimulation(trelmInfo, standardMessages()) != Status::ok)
-        return 1;
+        return messages.fail("trelm: -stTrelmFree knows the models -bic and -pf1 only.\n");
+    if (checkSample(trelmInfo, messages) != Status::ok || checkSimulation(trelmInfo, messages) != Status::ok)
+        return Status::failed;
     Saupe saupe = {};
-    int status = static_cast<int>(ssiaFree(trelmInfo, run.options.pdbFName, saupe, standardMessages()));
+    int status = static_cast<int>(ssiaFree(trelmInfo, run.options.pdbFName, saupe, messages));
     if (status == 0) {
         std::ranges::transform(saupe, run.dTab[0].dTensor.saupe.begin(),
                                [](double element) { return static_cast<float>(element); });
@@ -290,29 +290,29 @@ int simulateFree(Run &run)
         status = writeDCmod(run.options.outAName, "w", &run.dTab[0], &shown, "");
     }
     if (status != 0)
-        complain("matrix: error in ssiaFree.\n");
-    return status;
+        messages.err("matrix: error in ssiaFree.\n");
+    return static_cast<Status>(status);
 }
 
-int setUpCharges(Run &run)
+Status setUpCharges(Run &run, Messages &)
 {
     Sample sample;
-    return setUp(run, sample);
+    return static_cast<Status>(setUp(run, sample));
 }
 
-int analyzeStructure(Run &run)
+Status analyzeStructure(Run &run, Messages &messages)
 {
     Sample sample;
     int status = setUp(run, sample);
     if (status != 0)
-        return status;
+        return static_cast<Status>(status);
     const RunOptions &options = run.options;
     status =
         analyzePDB(&run.pdbInfo[0], &run.sInfo, shownParameters(run.trelmInfo[0], sample.geometry),
                    sample.charges, options.userSaupe1, {options.pRotName, options.outPName, options.remark});
     if (status != 0)
-        complain("trelm: error in analysis of PDB.\n");
-    return status;
+        messages.err("trelm: error in analysis of PDB.\n");
+    return static_cast<Status>(status);
 }
 
 } // namespace trelm

@@ -30,18 +30,18 @@ AlignmentSetup alignmentSetup(const Run &run, const Sample &sample, std::span<co
 int makeDots(Run &run, std::span<const double> &ddots);
 
 /// Steric simulation of a structure, with its couplings calculated back if a table is given.
-int simulateSteric(Run &run);
+Status simulateSteric(Run &run, Messages &messages);
 
 /// The same with the charges of the structure in the field of the liquid crystal.
-int simulateElectrostatic(Run &run);
+Status simulateElectrostatic(Run &run, Messages &messages);
 
 /// Steric simulation of a file in free format.
-int simulateFree(Run &run);
+Status simulateFree(Run &run, Messages &messages);
 
 /// Axes and charges of a structure, without a simulation.
-int analyzeStructure(Run &run);
+Status analyzeStructure(Run &run, Messages &messages);
 
 /// Configuration and charges, and no more: modes without a simulation behind them.
-int setUpCharges(Run &run);
+Status setUpCharges(Run &run, Messages &messages);
 
 } // namespace trelm

@@ -35,17 +35,16 @@ Status moveAtoms(Run &run, Messages &messages)
 
 } // namespace
 
-int addStructureNoise(Run &run)
+Status addStructureNoise(Run &run, Messages &messages)
 {
-    Messages &messages = standardMessages();
     if (run.pdbInfo[0].atomCount == 0)
         messages.err("trelm: -struc has no atoms to move: see -pdb.\n");
     else if (moveAtoms(run, messages) != Status::ok)
-        return 1;
+        return Status::failed;
     const int status = writePDB(run.options.pRotName, &run.pdbInfo[0], &run.sInfo, run.options.remark);
     if (status != 0)
         messages.err("trelm: error in writePDB.\n");
-    return status;
+    return static_cast<Status>(status);
 }
 
 } // namespace trelm

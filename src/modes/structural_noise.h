@@ -5,8 +5,8 @@
 
 namespace trelm {
 
-/// Adds noise to the vectors of the couplings or to the backbone angles, and writes the structure. Returns 0,
-/// or 1 after a message.
-int addStructureNoise(Run &run);
+/// Adds noise to the vectors of the couplings or to the backbone angles, and writes the structure. Fails
+/// after its messages.
+Status addStructureNoise(Run &run, Messages &messages);
 
 } // namespace trelm

@@ -72,17 +72,18 @@ struct ChargedUbiquitin {
         info.elFlag = 1;
         if (readPDB(std::string(TRELM_EXAMPLES) + "/ubiquitin/1d3z_model1.pdb", &pdb, nullptr) != 0)
             return;
-        for (AtomInfo &atom : pdb.atoms())
-            atom.selected = atom.atomName.text[0] != 'H' ? 1 : 0;
+        AtomMask heavy;
+        for (const AtomInfo &atom : pdb.atoms())
+            heavy.push_back(atom.atomName.text[0] != 'H' ? 1 : 0);
         chargeAtomID.resize(maxCharges + 1);
         charge.resize(maxCharges + 1);
         charges.chargeAtomID = chargeAtomID;
         charges.charges = charge;
-        static_cast<void>(chargeSetup("", pdb, info, charges, "", standardMessages()));
+        static_cast<void>(chargeSetup("", {pdb, heavy}, info, charges, "", standardMessages()));
         for (std::vector<double> *column : {&x, &y, &z})
             column->resize(static_cast<std::size_t>(pdb.atomCount) + maxCharges);
         SelectedCount selected;
-        static_cast<void>(chCoorSelect(&pdb, info, {x, y, z}, charges, selected, standardMessages()));
+        static_cast<void>(chCoorSelect({pdb, heavy}, info, {x, y, z}, charges, selected, standardMessages()));
         for (std::vector<double> *column : {&x, &y, &z})
             column->resize(selected.places);
         size = static_cast<double>(centreAtoms({x, y, z}));

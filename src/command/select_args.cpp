@@ -163,7 +163,7 @@ int getPDBSelectArgs(int argc, char **argv, PDBSelectInfo *sInfo)
         sInfo->selectMode = 2;
     readRows(argc, argv, matchRows, records);
     pdbSelectAdjust(*sInfo);
-    pdbSelectCheck(*sInfo);
+    pdbSelectCheck(*sInfo, standardMessages());
     if (verb)
         reportSelection(*sInfo);
     return 0;

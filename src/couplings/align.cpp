@@ -3,7 +3,6 @@
 #include "couplings/tensor.h"
 
 #include "ground/alloc.h"
-#include "structure/select.h"
 #include "structure/transform.h"
 #include "support/numerics/minimise.h"
 #include "support/text/text.h"
@@ -11,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <span>
 
 namespace trelm {
@@ -34,6 +34,10 @@ struct AlignRun {
     Transform turn;            ///< of the last evaluation
 
     [[nodiscard]] std::span<Coord3D> standing() { return dTab.fitWork.aCoords.span().first(atomCount); }
+    [[nodiscard]] std::size_t slotOf(const AtomInfo &atom) const
+    {
+        return dTab.fitWork.slots[pdbInfo.placeOf(atom)];
+    }
     [[nodiscard]] std::span<Coord3D> turned() { return dTab.fitWork.wCoords.span().first(atomCount); }
 };
 
@@ -96,33 +100,30 @@ void takeFree(DTensor &tensor, const float *cg)
 template <class Visit>
 int forEachPair(const DInfo &calc, Visit visit)
 {
-    int pairs = 0;
-    for (int i = 0; i < calc.atomICount; ++i)
-        for (int j = 0; j < calc.atomJCount; ++j) {
-            AtomInfo *atomI = calc.atomI[static_cast<std::size_t>(i)];
-            AtomInfo *atomJ = calc.atomJ[static_cast<std::size_t>(j)];
-            if (atomI == nullptr || atomJ == nullptr)
-                continue;
+    for (const AtomInfo *atomI : calc.atomsI())
+        for (const AtomInfo *atomJ : calc.atomsJ())
             visit(*atomI, *atomJ);
-            ++pairs;
-        }
-    return pairs;
+    return calc.atomICount * calc.atomJCount;
 }
 
-/// Marks the atoms of the couplings in use, and counts both.
+constexpr std::size_t noSlot = SIZE_MAX; ///< of an atom without a coupling in use
+
+/// Finds the atoms of the couplings in use, and gives them slots in the order of the molecule.
 void selectAtoms(AlignRun &run)
 {
-    pdbClearSelection(&run.pdbInfo);
-    pdbClearAuxInfo(&run.pdbInfo);
+    std::vector<std::size_t> &slots = run.dTab.fitWork.slots;
+    slots.assign(run.pdbInfo.atoms().size(), noSlot);
     for (const DInfo &calc : run.dTab.calculated()) {
         if (!takesPart(calc))
             continue;
-        const int pairs =
-            forEachPair(calc, [](AtomInfo &atomI, AtomInfo &atomJ) { atomI.selected = atomJ.selected = 1; });
+        const int pairs = forEachPair(calc, [&](const AtomInfo &atomI, const AtomInfo &atomJ) {
+            slots[run.pdbInfo.placeOf(atomI)] = slots[run.pdbInfo.placeOf(atomJ)] = 0;
+        });
         run.dCount += pairs > 0 ? 1 : 0;
     }
-    for (const AtomInfo &atom : run.pdbInfo.atoms())
-        run.atomCount += atom.selected != 0 ? 1 : 0;
+    for (std::size_t &slot : slots)
+        if (slot != noSlot)
+            slot = run.atomCount++;
 }
 
 Status growCoords(FitWork &work, std::size_t atomCount)
@@ -141,19 +142,14 @@ Status growCoords(FitWork &work, std::size_t atomCount)
     return Status::failed;
 }
 
-/// Gathers the coordinates of the marked atoms, and points each atom to its turned copy.
+/// Gathers the coordinates of the atoms in use.
 Status gatherCoords(AlignRun &run)
 {
     if (growCoords(run.dTab.fitWork, run.atomCount) != Status::ok)
         return Status::failed;
-    std::size_t count = 0;
-    for (AtomInfo &atom : run.pdbInfo.atoms()) {
-        if (atom.selected == 0)
-            continue;
-        run.standing()[count] = {atom.x, atom.y, atom.z};
-        atom.auxInfo = &run.turned()[count];
-        ++count;
-    }
+    for (const AtomInfo &atom : run.pdbInfo.atoms())
+        if (const std::size_t slot = run.slotOf(atom); slot != noSlot)
+            run.standing()[slot] = {atom.x, atom.y, atom.z};
     std::ranges::copy(run.standing(), run.turned().begin());
     return Status::ok;
 }
@@ -168,10 +164,8 @@ void turnCoords(AlignRun &run)
 }
 
 /// The geometry term of a pair in the frame of the tensor.
-float pairTerm(const AtomInfo &atomI, const AtomInfo &atomJ, float da, float dr)
+float pairTerm(const Coord3D &i, const Coord3D &j, float da, float dr)
 {
-    const auto &i = *static_cast<const Coord3D *>(atomI.auxInfo);
-    const auto &j = *static_cast<const Coord3D *>(atomJ.auxInfo);
     const float xIJ = j.x - i.x, yIJ = j.y - i.y, zIJ = j.z - i.z;
     const float r = std::sqrt(xIJ * xIJ + yIJ * yIJ + zIJ * zIJ);
     const float rinv = r > 0.0f ? 1.0f / r : 0.0f;
@@ -180,7 +174,7 @@ float pairTerm(const AtomInfo &atomI, const AtomInfo &atomJ, float da, float dr)
 }
 
 /// Sets the calculated coupling of a row. Returns false, with no value in it, if the row takes no part.
-bool calculateRow(DInfo &calc, float da, float dr)
+bool calculateRow(AlignRun &run, DInfo &calc)
 {
     calc.d = noCoupling;
     if (!takesPart(calc))
@@ -188,7 +182,9 @@ bool calculateRow(DInfo &calc, float da, float dr)
     const float factor = calc.atomICount * calc.atomJCount == 3 ? methylFactor : 1.0f;
     float sum = 0.0f;
     const int pairs = forEachPair(calc, [&](const AtomInfo &atomI, const AtomInfo &atomJ) {
-        sum += factor * std::fabs(calc.di) * pairTerm(atomI, atomJ, da, dr);
+        sum += factor * std::fabs(calc.di) *
+               pairTerm(run.turned()[run.slotOf(atomI)], run.turned()[run.slotOf(atomJ)], run.tensor.da,
+                        run.tensor.dr);
     });
     if (pairs > 0)
         calc.d = sum;
@@ -226,7 +222,7 @@ int fitDCTarget(AlignRun &run, int xCnt, const float *cg, float *res)
     int n = 0;
     const auto observed = run.dTab.observed(), calculated = run.dTab.calculated();
     for (std::size_t i = 0; i < calculated.size(); ++i) {
-        if (!calculateRow(calculated[i], run.tensor.da, run.tensor.dr))
+        if (!calculateRow(run, calculated[i]))
             continue;
         const float difference = observed[i].d - calculated[i].d;
         const float residual = residualWeight(observed[i], calculated[i]) * difference;

@@ -5,6 +5,9 @@
 #include "structure/pdb.h"
 #include "support/numerics/svd.h"
 
+#include <cstddef>
+#include <vector>
+
 namespace trelm {
 
 /// The workspace of one table, or of one series of calls of findS. A fresh one asks for its memory when it is
@@ -13,6 +16,7 @@ struct FitWork {
     Block<float> x, y; ///< design matrix (rows of saupeCount) and right-hand side of the linear engine
     SvdWork svd;
     Block<Coord3D> aCoords, wCoords; ///< atoms of the non-linear engine, angstrom: as they stand, and turned
+    std::vector<std::size_t> slots;  ///< for each atom of the molecule its place among them, if it has one
 };
 
 } // namespace trelm

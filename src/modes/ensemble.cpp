@@ -61,6 +61,7 @@ int averageEnsemble(Run &run, const Sample &sample, const Ensemble &ensemble, st
     TrelmInfo shown = shownParameters(trelmInfo, sample.geometry);
     const EnsembleSetup setup = {.simulation = alignmentSetup(run, sample, ddots),
                                  .domains = sample.domains,
+                                 .selection = run.selection,
                                  .states = ensemble.used(),
                                  .charges = sample.charges,
                                  .sInfo = &run.sInfo,

@@ -65,7 +65,8 @@ void selectAtoms(Run &run, Messages &messages)
         sInfo.res1 = pdbInfo->minResID;
         sInfo.resN = pdbInfo->maxResID;
     }
-    pdbSelect(pdbInfo, &sInfo);
+    pdbSelectAdjust(sInfo);
+    pdbSelect(*pdbInfo, sInfo, run.selection, messages);
     messages.out("REMARK PDB Selection:");
     if (sInfo.selectMode == 1)
         messages.out(" All Atoms.\n");
@@ -75,14 +76,14 @@ void selectAtoms(Run &run, Messages &messages)
                      sInfo.chainNameList.c_str(), sInfo.segNameList.c_str());
 }
 
-/// Takes the mark from the hydrogens. The record stays as changed here: later calls see it.
-void dropHydrogens(Run &run)
+/// Takes the hydrogens out. The record stays as changed here: later calls see it.
+void dropHydrogens(Run &run, Messages &messages)
 {
     run.sInfo.atomNameList = "[1-3]H* H*";
     run.sInfo.atomNameMode = matchGlob;
     run.sInfo.selectID = 0;
     run.sInfo.selectMode = 2;
-    pdbSelect(&run.pdbInfo[0], &run.sInfo);
+    pdbSelect(run.pdbInfo[0], run.sInfo, run.selection, messages);
 }
 
 } // namespace
@@ -102,7 +103,7 @@ Status readInputs(Run &run, Messages &messages)
     selectCouplings(run);
     selectAtoms(run, messages);
     if (run.trelmInfo[0].Hflag == 0)
-        dropHydrogens(run);
+        dropHydrogens(run, messages);
     return Status::ok;
 }
 

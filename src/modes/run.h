@@ -16,6 +16,7 @@ namespace trelm {
 struct Run {
     RunOptions options;
     PDBSelectInfo sInfo;
+    AtomMask selection; ///< the atoms of sInfo, without the hydrogens if they are to stay out
     Block<PDBInfo> pdbInfo;
     Block<DTable> dTab;
     Block<TrelmInfo> trelmInfo;

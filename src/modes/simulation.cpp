@@ -11,7 +11,6 @@
 #include "simulation/charges/field.h"
 #include "simulation/domains/config.h"
 #include "simulation/orientations/sphere.h"
-#include "structure/select.h"
 #include "structure/write.h"
 #include "support/text/text.h"
 
@@ -59,7 +58,6 @@ struct Solute {
     Sample sample; ///< its charges by their places in `atoms`
     CoordinateBuffers atoms;
     std::span<const double> ddots;
-    std::vector<int> marks; ///< the selection of the run, which a surface uses up
 };
 
 /// From the simulated order matrix to couplings and report. `analysis` gets the tensor with its own sign.
@@ -98,11 +96,10 @@ int chooseSolute(Run &run, const char *complaint, Solute &solute)
         status = makeDots(run, solute.ddots);
     if (status != 0)
         return status;
-    solute.marks = selectionMarks(run.pdbInfo[0]);
     const CoordinateBuffers places = {run.xI.span(), run.yI.span(), run.zI.span()};
     SelectedCount selected;
-    if (chCoorSelect(&run.pdbInfo[0], run.trelmInfo[0], places, solute.sample.charges, selected,
-                     standardMessages()) != Status::ok)
+    if (chCoorSelect({run.pdbInfo[0], run.selection}, run.trelmInfo[0], places, solute.sample.charges,
+                     selected, standardMessages()) != Status::ok)
         return complain("%s", complaint);
     if (selected.dipole)
         reportDipole(*selected.dipole, standardMessages());
@@ -171,10 +168,9 @@ int alignBesideParticle(Run &run, const Solute &solute)
     const int status = alignSolute(run, solute, fields, analysis);
     if (status != 0)
         return status;
-    restoreMarks(&run.pdbInfo[0], solute.marks);
-    if (iFacePDB(analysis.euler, &run.pdbInfo[0], run.trelmInfo[0],
-                 {options.pRotName, options.remark, standardMessages()}, potential,
-                 originalCharges(run, solute.sample.charges)) != Status::ok)
+    const ChargeSet charges = originalCharges(run, solute.sample.charges);
+    if (iFacePDB(analysis.euler, {&run.pdbInfo[0], run.selection, run.trelmInfo[0], charges}, potential,
+                 {options.pRotName, options.remark, standardMessages()}) != Status::ok)
         return complain("trelm: error in iFacePDB.\n");
     return 0;
 }
@@ -204,7 +200,7 @@ int setUp(Run &run, Sample &sample)
         return complain("Error reading configuration file %s\n", options.inpName.c_str());
     charges.chargeAtomID = run.chargeAtomID.span();
     charges.charges = run.charges.span();
-    if (chargeSetup(options.pkaName, run.pdbInfo[0], trelmInfo, charges, options.outPkaName,
+    if (chargeSetup(options.pkaName, {run.pdbInfo[0], run.selection}, trelmInfo, charges, options.outPkaName,
                     standardMessages()) != Status::ok)
         return complain("WARNING: Error setting up charges!\n");
     std::ranges::copy(charges.chargeAtomID, run.chargeAtomIDOrig.data());
@@ -307,9 +303,9 @@ Status analyzeStructure(Run &run, Messages &messages)
     if (status != 0)
         return static_cast<Status>(status);
     const RunOptions &options = run.options;
-    status =
-        analyzePDB(&run.pdbInfo[0], &run.sInfo, shownParameters(run.trelmInfo[0], sample.geometry),
-                   sample.charges, options.userSaupe1, {options.pRotName, options.outPName, options.remark});
+    status = analyzePDB(&run.pdbInfo[0], run.selection, shownParameters(run.trelmInfo[0], sample.geometry),
+                        sample.charges, options.userSaupe1,
+                        {options.pRotName, options.outPName, &run.sInfo, options.remark});
     if (status != 0)
         messages.err("trelm: error in analysis of PDB.\n");
     return static_cast<Status>(status);

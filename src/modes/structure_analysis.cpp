@@ -75,10 +75,10 @@ void analyzeCharges(const Buffers &buffers, const ChargeSet &placed, Findings &f
         eigVec2euler(structure.eigVec, structure.euler);
 }
 
-int analyzeShape(const PDBInfo &pdbInfo, int yzFlag, Findings &findings)
+int analyzeShape(const SelectedAtoms &atoms, int yzFlag, Findings &findings)
 {
     Matrix3d inertiaTensor;
-    if (calcInertia(pdbInfo, inertiaTensor, standardMessages()) != Status::ok || !isFinite(inertiaTensor))
+    if (calcInertia(atoms, inertiaTensor, standardMessages()) != Status::ok || !isFinite(inertiaTensor))
         return complain("trelm: error in calcInertia.");
     if (analyzeMatrix3D(inertiaTensor, yzFlag, findings.structure) != 0)
         return complain("trelm: error in analyzeMatrix3D.");
@@ -86,11 +86,11 @@ int analyzeShape(const PDBInfo &pdbInfo, int yzFlag, Findings &findings)
 }
 
 /// The frames of structure and order matrix.
-int findFrames(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, ChargeSet &charges, const Saupe &saupe,
-               Findings &findings)
+int findFrames(const SelectedAtoms &molecule, const TrelmInfo &trelmInfo, ChargeSet &charges,
+               const Saupe &saupe, Findings &findings)
 {
     constexpr const char *tag = "analyzePDB";
-    const std::size_t coords = static_cast<std::size_t>(pdbInfo->atomCount) + maxCharges + 1;
+    const std::size_t coords = molecule.mask.size() + maxCharges + 1;
     Buffers buffers = {Block<double>(tag, coords),
                        Block<double>(tag, coords),
                        Block<double>(tag, coords),
@@ -102,7 +102,7 @@ int findFrames(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, ChargeSet &charges,
     placed.chargeAtomID = buffers.chargeAtomID;
     placed.charges = buffers.charges;
     SelectedCount selected;
-    if (chCoorSelect(pdbInfo, trelmInfo, {buffers.xI.span(), buffers.yI.span(), buffers.zI.span()}, placed,
+    if (chCoorSelect(molecule, trelmInfo, {buffers.xI.span(), buffers.yI.span(), buffers.zI.span()}, placed,
                      selected, standardMessages()) != Status::ok)
         return complain("trelm: error reading selection of atoms.\n");
     if (selected.dipole)
@@ -111,7 +111,7 @@ int findFrames(PDBInfo *pdbInfo, const TrelmInfo &trelmInfo, ChargeSet &charges,
     if (trelmInfo.elPdbFlag == asCharged) {
         analyzeCharges(buffers, placed, findings);
         charges.chSum = findings.dipole.chSum;
-    } else if (analyzeShape(*pdbInfo, trelmInfo.yzFlag, findings) != 0) {
+    } else if (analyzeShape({molecule.pdbInfo, selected.atoms}, trelmInfo.yzFlag, findings) != 0) {
         return 1;
     }
     if (analyzeSaupe(saupe, trelmInfo.yzFlag, trelmInfo.eulerFlag, findings.input) != 0 ||
@@ -164,20 +164,20 @@ int appendReport(const TrelmInfo &trelmInfo, const Findings &findings, const Sau
 
 } // namespace
 
-int analyzePDB(PDBInfo *pdbInfo, const PDBSelectInfo *sInfo, const TrelmInfo &trelmInfo, ChargeSet &charges,
+int analyzePDB(PDBInfo *pdbInfo, const AtomMask &selection, const TrelmInfo &trelmInfo, ChargeSet &charges,
                const Saupe &saupe, const AnalysisFiles &files)
 {
     OutFile report;
     if (openOut(report, files.reportName, "w") != 0)
         return complain("TRELM Error opening output file %s\n", files.reportName.c_str());
     Findings findings;
-    if (findFrames(pdbInfo, trelmInfo, charges, saupe, findings) != 0)
+    if (findFrames({*pdbInfo, selection}, trelmInfo, charges, saupe, findings) != 0)
         return 1;
     if (trelmInfo.elPdbFlag == asCharged)
         labelCharges(pdbInfo, charges);
     const EulerLists &euler =
         trelmInfo.elPdbFlag == asUserFrame ? findings.input.euler : findings.structure.euler;
-    const int status = writePDBRot(euler.gamma, euler.beta, euler.alpha, trelmInfo.rotN, pdbInfo, sInfo,
+    const int status = writePDBRot(euler.gamma, euler.beta, euler.alpha, trelmInfo.rotN, pdbInfo, files.sInfo,
                                    files.pdbRotName, files.remark);
     if (status != 0) {
         complain("matrix: error in writePDBRot.\n");

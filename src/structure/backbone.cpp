@@ -4,9 +4,9 @@
 #include "support/numerics/vec3.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
-#include <initializer_list>
 #include <limits>
 
 namespace trelm {
@@ -63,57 +63,43 @@ Backbone findBackbone(PDBInfo *pdbInfo, int resID, std::string_view chainName, s
     return backbone;
 }
 
-/// What setPDBPhiPsi writes into `selected` while it works.
-constexpr int lowSide = 0;
-constexpr int highSide = 1;
-constexpr int otherSegment = 2;
+/// A bond that a segment is turned about, both atoms in one residue. Within the residue the atoms of these
+/// names belong to one side, all others to the other.
+struct Hinge {
+    const AtomInfo &low, &high; ///< they stay
+    std::array<std::string_view, 3> names;
+    bool namesAreLow;
 
-/// Marks the two sides of a residue; within it the atoms of these names belong to `sideOfNames`, all others
-/// to the other side.
-void markSides(SegInfo &segment, int resID, std::initializer_list<std::string_view> names, int sideOfNames)
-{
-    for (int i = 0; i < segment.atomCount; ++i) {
-        AtomInfo &atom = *segment.atomList[static_cast<std::size_t>(i)];
-        if (atom.resID != resID) {
-            atom.selected = atom.resID < resID ? lowSide : highSide;
-        } else {
-            const bool named = std::ranges::find(names, atom.atomName.view()) != names.end();
-            atom.selected = named ? sideOfNames : 1 - sideOfNames;
-        }
+    [[nodiscard]] bool isLow(const AtomInfo &atom) const
+    {
+        if (atom.resID != low.resID)
+            return atom.resID < low.resID;
+        return (std::ranges::find(names, atom.atomName.view()) != names.end()) == namesAreLow;
     }
-}
-
-/// True if the residue stands in the lower half of its segment, whose low side is then the shorter.
-bool isLowHalf(const SegInfo &segment, int resID)
-{
-    return (std::int64_t{segment.minResID} + segment.maxResID) / 2 >= resID;
-}
-
-void moveSide(SegInfo &segment, int side, const Transform &turn)
-{
-    for (int i = 0; i < segment.atomCount; ++i) {
-        AtomInfo &atom = *segment.atomList[static_cast<std::size_t>(i)];
-        if (atom.selected != side)
-            continue;
-        Coord3D r = place(&atom);
-        turn.apply({&r, 1});
-        atom.x = r.x;
-        atom.y = r.y;
-        atom.z = r.z;
+    /// True if the residue stands in the lower half of its segment, whose low side is then the shorter.
+    [[nodiscard]] bool lowMoves() const
+    {
+        return (std::int64_t{low.segInfo->minResID} + low.segInfo->maxResID) / 2 >= low.resID;
     }
-}
+};
 
-/// Turns the shorter side by `delta` degrees about the bond between two atoms, which stay. `low` is the atom
-/// of the bond on the low side.
-void turnShorterSide(SegInfo &segment, int resID, AtomInfo &low, AtomInfo &high, float delta)
+/// Turns the shorter side by `delta` degrees about the bond.
+void turnShorterSide(const Hinge &hinge, float delta)
 {
-    const bool lowMoves = isLowHalf(segment, resID);
-    const Coord3D from = place(lowMoves ? &high : &low);
-    const Coord3D to = place(lowMoves ? &low : &high);
-    low.selected = high.selected = lowMoves ? highSide : lowSide;
+    const bool lowMoves = hinge.lowMoves();
     Transform turn;
-    turn.appendRotation(from, to, delta);
-    moveSide(segment, lowMoves ? lowSide : highSide, turn);
+    turn.appendRotation(place(lowMoves ? &hinge.high : &hinge.low),
+                        place(lowMoves ? &hinge.low : &hinge.high), delta);
+    const SegInfo &segment = *hinge.low.segInfo;
+    for (AtomInfo *atom : segment.atomList.span().first(static_cast<std::size_t>(segment.atomCount))) {
+        if (atom == &hinge.low || atom == &hinge.high || hinge.isLow(*atom) != lowMoves)
+            continue;
+        Coord3D r = place(atom);
+        turn.apply({&r, 1});
+        atom->x = r.x;
+        atom->y = r.y;
+        atom->z = r.z;
+    }
 }
 
 } // namespace
@@ -152,21 +138,15 @@ int setPDBPhiPsi(PDBInfo *pdbInfo, int resID, std::string_view chainName, std::s
     const Backbone backbone = findBackbone(pdbInfo, resID, chainName, segName);
     const float phi = backbone.phi.isComplete() ? backbone.phi.angle() : noAngle;
     const float psi = backbone.psi.isComplete() ? backbone.psi.angle() : noAngle;
-    for (AtomInfo &atom : pdbInfo->atoms())
-        atom.selected = otherSegment;
     int result = 0;
     if (backbone.phi.isComplete()) {
-        AtomInfo &n = *backbone.phi.atoms[1];
-        AtomInfo &ca = *backbone.phi.atoms[2];
-        markSides(*n.segInfo, resID, {"N", "HN", "H"}, lowSide);
-        turnShorterSide(*n.segInfo, resID, n, ca, phiNew - phi);
+        turnShorterSide({*backbone.phi.atoms[1], *backbone.phi.atoms[2], {"N", "HN", "H"}, true},
+                        phiNew - phi);
         result += maskPhi;
     }
     if (backbone.psi.isComplete()) {
-        AtomInfo &ca = *backbone.psi.atoms[1];
-        AtomInfo &c = *backbone.psi.atoms[2];
-        markSides(*ca.segInfo, resID, {"C", "O", "CO"}, highSide);
-        turnShorterSide(*ca.segInfo, resID, ca, c, psiNew - psi);
+        turnShorterSide({*backbone.psi.atoms[1], *backbone.psi.atoms[2], {"C", "O", "CO"}, false},
+                        psiNew - psi);
         result += maskPsi;
     }
     return result;

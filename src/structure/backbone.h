@@ -15,8 +15,8 @@ int getDihedralAngle(const Coord3D &r0, const Coord3D &r1, const Coord3D &r2, co
 int getPDBPhiPsi(PDBInfo *pdbInfo, int resID, std::string_view chainName, std::string_view segName,
                  float &phi, float &psi);
 
-/// Turns the shorter side of the segment so that the residue's torsions become phiNew and psiNew. Changes
-/// `selected` of all atoms. Returns 1 if phi was set plus 2 if psi was set.
+/// Turns the shorter side of the segment so that the residue's torsions become phiNew and psiNew. Returns 1
+/// if phi was set plus 2 if psi was set.
 int setPDBPhiPsi(PDBInfo *pdbInfo, int resID, std::string_view chainName, std::string_view segName,
                  float phiNew, float psiNew);
 

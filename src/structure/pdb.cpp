@@ -115,7 +115,7 @@ int readAtoms(TextInput &input, PDBInfo &pdbInfo, const PDBSelectInfo *sInfo)
             continue;
         AtomInfo atom;
         readNames(line, atom);
-        if (pdbSelectTest(sInfo, &atom) == 0)
+        if (!pdbSelectTest(sInfo, atom))
             continue;
         if (readNumbers(line, atom) != 0 || appendAtom(atom, pdbInfo) != 0)
             return 1;

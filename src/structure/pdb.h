@@ -37,14 +37,12 @@ constexpr int maxWildAtoms = 16;   ///< the most atoms that a name with wildcard
 
 /// One ATOM line. Coordinates in angstrom; x, y, z are the working copy that rotations change.
 struct AtomInfo {
-    int atomID = 0;          ///< serial number from the line
-    void *auxInfo = nullptr; ///< free mark for whichever part is working on the atom
+    int atomID = 0; ///< serial number from the line
     Name atomName, locID, resName, chainID;
     int resID = 0;
     Name icode;
     float x = 0.0f, y = 0.0f, z = 0.0f, occupancy = 0.0f, tempFactor = 0.0f;
     Name segID, element, chargeStr;
-    int selected = 0;           ///< mark of a selection
     ResInfo *resInfo = nullptr; ///< back pointers, set by indexPDB
     ChainInfo *chainInfo = nullptr;
     SegInfo *segInfo = nullptr;
@@ -91,6 +89,11 @@ struct PDBInfo {
     [[nodiscard]] std::span<const AtomInfo> atoms() const
     {
         return atomList.span().first(static_cast<std::size_t>(atomCount));
+    }
+    /// The place of one of its atoms in the list.
+    [[nodiscard]] std::size_t placeOf(const AtomInfo &atom) const
+    {
+        return static_cast<std::size_t>(&atom - atomList.data());
     }
     [[nodiscard]] std::span<ResInfo> residues()
     {

@@ -5,8 +5,7 @@
 #include "support/text/token.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <cstdio>
+#include <span>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -74,52 +73,30 @@ bool isSelective(const PDBSelectInfo &sInfo)
 
 /// The class, the modes that ask nothing else, and then the tests, which a mode that asks nothing needs not
 /// have.
-bool isIn(const PDBSelectInfo &sInfo, const Tests *tests, const AtomInfo *atom)
+bool isIn(const PDBSelectInfo &sInfo, const Tests *tests, const AtomInfo &atom)
 {
-    if (sInfo.selectClass == classCanonical && (atom == nullptr || !isCanonical(*atom)))
+    if (sInfo.selectClass == classCanonical && !isCanonical(atom))
         return false;
     if (tests == nullptr)
         return sInfo.selectMode == 1;
-    const bool passes = atom != nullptr && tests->pass(*atom);
-    return passes != (sInfo.selectMode == selectInverted);
+    return tests->pass(atom) != (sInfo.selectMode == selectInverted);
 }
 
-int markIfIn(const Tests &tests, AtomInfo &atom)
+/// Whether the molecule is one chain and one segment, and none is asked for: then the range of residues
+/// always counts.
+bool isSimple(const PDBInfo &pdbInfo, const PDBSelectInfo &sInfo)
 {
-    if (!isIn(tests.sInfo, &tests, &atom))
-        return 0;
-    atom.selected = tests.sInfo.selectID;
-    return 1;
+    return pdbInfo.chainCount == 1 && pdbInfo.segCount == 1 && sInfo.chainNameMode == 0 &&
+           sInfo.segNameMode == 0;
 }
 
-/// One chain and one segment: only the residues of the range are looked at.
-int selectSimple(PDBInfo &pdbInfo, const PDBSelectInfo &sInfo)
+void tellKind(const PDBSelectInfo &sInfo, bool simple, Messages &messages)
 {
-    if (sInfo.dbgFlag != 0)
-        std::fprintf(stderr, "GORVAT Info: Simple Selection.\n");
-    const Tests tests(sInfo);
-    int marked = 0;
-    const std::int64_t first = std::max(sInfo.res1, pdbInfo.minResID);
-    const std::int64_t last = std::min(sInfo.resN, pdbInfo.maxResID);
-    for (std::int64_t resID = first; resID <= last; ++resID) {
-        ResInfo *residue = findRes(&pdbInfo, static_cast<int>(resID), pdbInfo.defChainName.view(),
-                                   pdbInfo.defSegName.view());
-        for (int i = 0; residue != nullptr && i < residue->atomCount; ++i)
-            marked += markIfIn(tests, *residue->atomList[static_cast<std::size_t>(i)]);
-    }
-    return marked;
-}
-
-int selectComplex(PDBInfo &pdbInfo, const PDBSelectInfo &sInfo)
-{
-    if (sInfo.dbgFlag != 0) // the names "Seg" and "Chain" stand the wrong way round, as scripts know the line
-        std::fprintf(stderr, "GORVAT Info: Complex Selection Atom %d Res %d Seg %d Chain %d\n",
-                     sInfo.atomNameMode, sInfo.resNameMode, sInfo.chainNameMode, sInfo.segNameMode);
-    const Tests tests(sInfo);
-    int marked = 0;
-    for (AtomInfo &atom : pdbInfo.atoms())
-        marked += markIfIn(tests, atom);
-    return marked;
+    if (simple)
+        messages.err("GORVAT Info: Simple Selection.\n");
+    else // the names "Seg" and "Chain" stand the wrong way round, as scripts know the line
+        messages.err("GORVAT Info: Complex Selection Atom %d Res %d Seg %d Chain %d\n", sInfo.atomNameMode,
+                     sInfo.resNameMode, sInfo.chainNameMode, sInfo.segNameMode);
 }
 
 /// Switches off the test of a list that is exactly "*".
@@ -141,96 +118,49 @@ void pdbSelectAdjust(PDBSelectInfo &sInfo)
     adjustList(sInfo.segNameList, sInfo.segNameMode);
 }
 
-int pdbSelectCheck(const PDBSelectInfo &sInfo)
+void pdbSelectCheck(const PDBSelectInfo &sInfo, Messages &messages)
 {
     if (!isSelective(sInfo))
-        return 0;
+        return;
     const Tests tests(sInfo);
-    int faulty = 0;
     for (const NameTest *test : {&tests.atom, &tests.residue, &tests.chain, &tests.segment})
         for (const std::string_view word : test->words) {
-            if (test->mode == matchRegex)
-                strMatch("", word, matchRegex, caseCounts);
-            if (test->mode == matchRegex && !strMatchError().empty())
-                faulty +=
-                    complain("PDB Warning: the regular expression %s is faulty and selects nothing: %s.\n",
+            if (test->mode != matchRegex)
+                continue;
+            strMatch("", word, matchRegex, caseCounts);
+            if (!strMatchError().empty())
+                messages.err("PDB Warning: the regular expression %s is faulty and selects nothing: %s.\n",
                              std::string(word).c_str(), strMatchError().c_str());
         }
-    return faulty;
 }
 
-int pdbSelectTest(const PDBSelectInfo *sInfo, const AtomInfo *atomInfo)
+bool pdbSelectTest(const PDBSelectInfo *sInfo, const AtomInfo &atom)
 {
     if (sInfo == nullptr)
-        return 1;
+        return true;
     if (!isSelective(*sInfo))
-        return isIn(*sInfo, nullptr, atomInfo) ? 1 : 0;
+        return isIn(*sInfo, nullptr, atom);
     const Tests tests(*sInfo);
-    return isIn(*sInfo, &tests, atomInfo) ? 1 : 0;
+    return isIn(*sInfo, &tests, atom);
 }
 
-int pdbSelect(PDBInfo *pdbInfo, PDBSelectInfo *sInfo)
+void pdbSelect(const PDBInfo &pdbInfo, const PDBSelectInfo &sInfo, AtomMask &selection, Messages &messages)
 {
-    if (pdbInfo == nullptr || sInfo == nullptr || !pdbInfo->atomList)
-        return 0;
-    pdbSelectAdjust(*sInfo);
-    if (sInfo->selectMode == 0)
-        return pdbClearSelection(pdbInfo);
-    if (sInfo->selectMode == 1)
-        return pdbSetSelection(pdbInfo, sInfo->selectID);
-    const bool simple = pdbInfo->chainCount == 1 && pdbInfo->segCount == 1 && sInfo->chainNameMode == 0 &&
-                        sInfo->segNameMode == 0;
-    return simple ? selectSimple(*pdbInfo, *sInfo) : selectComplex(*pdbInfo, *sInfo);
-}
-
-int pdbSelect1(PDBInfo *pdbInfo, int res1, int resN, std::string_view atomNameList, int selectID,
-               int matchMode)
-{
-    PDBSelectInfo sInfo;
-    sInfo.res1 = res1;
-    sInfo.resN = resN;
-    sInfo.atomNameList = atomNameList;
-    sInfo.atomNameMode = matchMode;
-    sInfo.selectID = selectID;
-    sInfo.selectMode = 2;
-    return pdbSelect(pdbInfo, &sInfo);
-}
-
-int pdbSetSelection(PDBInfo *pdbInfo, int selectID)
-{
-    if (pdbInfo == nullptr)
-        return 0;
-    for (AtomInfo &atom : pdbInfo->atoms())
-        atom.selected = selectID;
-    return pdbInfo->atomCount;
-}
-
-int pdbClearSelection(PDBInfo *pdbInfo)
-{
-    return pdbSetSelection(pdbInfo, 0);
-}
-
-int pdbClearAuxInfo(PDBInfo *pdbInfo)
-{
-    if (pdbInfo == nullptr)
-        return 0;
-    for (AtomInfo &atom : pdbInfo->atoms())
-        atom.auxInfo = nullptr;
-    return pdbInfo->atomCount;
-}
-
-std::vector<int> selectionMarks(const PDBInfo &pdbInfo)
-{
-    std::vector<int> marks;
-    for (const AtomInfo &atom : pdbInfo.atoms())
-        marks.push_back(atom.selected);
-    return marks;
-}
-
-void restoreMarks(PDBInfo *pdbInfo, std::span<const int> marks)
-{
-    for (std::size_t i = 0; i < marks.size(); ++i)
-        pdbInfo->atomList[i].selected = marks[i];
+    const std::span<const AtomInfo> atoms = pdbInfo.atoms();
+    if (!isSelective(sInfo)) {
+        selection.assign(atoms.size(), sInfo.selectMode == 1 && sInfo.selectID != 0 ? 1 : 0);
+        return;
+    }
+    selection.resize(atoms.size());
+    const bool simple = isSimple(pdbInfo, sInfo);
+    if (sInfo.dbgFlag != 0)
+        tellKind(sInfo, simple, messages);
+    const Tests tests(sInfo);
+    for (std::size_t i = 0; i < atoms.size(); ++i) {
+        const bool isInRange = atoms[i].resID >= sInfo.res1 && atoms[i].resID <= sInfo.resN;
+        if ((!simple || isInRange) && isIn(sInfo, &tests, atoms[i]))
+            selection[i] = sInfo.selectID != 0 ? 1 : 0;
+    }
 }
 
 } // namespace trelm

@@ -53,7 +53,7 @@ std::string fileText(const PDBInfo &pdbInfo, const PDBSelectInfo *sInfo, const c
     if (remark != nullptr)
         text.append("REMARK ").append(remark).append("\n\n");
     for (const AtomInfo &atom : pdbInfo.atoms())
-        if (pdbSelectTest(sInfo, &atom) != 0)
+        if (pdbSelectTest(sInfo, atom))
             appendAtom(text, atom);
     text += "END\n";
     return text;

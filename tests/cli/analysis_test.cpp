@@ -135,8 +135,13 @@ void readAll(const std::string &name, PDBInfo &pdbInfo)
 {
     ASSERT_EQ(readPDB(name, &pdbInfo, nullptr), 0);
     ASSERT_EQ(pdbInfo.atomCount, 1231);
-    for (AtomInfo &atom : pdbInfo.atoms())
-        atom.selected = 1;
+}
+
+Matrix3d momentsOf(const PDBInfo &pdbInfo)
+{
+    Matrix3d m = {};
+    EXPECT_EQ(calcInertia({pdbInfo, AtomMask(1231, 1)}, m, standardMessages()), Status::ok);
+    return m;
 }
 
 /// From atom i to atom j.
@@ -149,10 +154,8 @@ Axis between(const PDBInfo &pdbInfo, std::size_t i, std::size_t j)
 /// An order matrix with the axes of the second moments, in their order.
 std::string alongMoments(const PDBInfo &pdbInfo)
 {
-    Matrix3d m;
     TensorAnalysis axes;
-    EXPECT_EQ(calcInertia(pdbInfo, m, standardMessages()), Status::ok);
-    EXPECT_EQ(analyzeMatrix3D(m, 0, axes), 0);
+    EXPECT_EQ(analyzeMatrix3D(momentsOf(pdbInfo), 0, axes), 0);
     constexpr double eigVal[] = {2e-4, -1.5e-4, -0.5e-4};
     const auto element = [&](std::size_t i, std::size_t j) {
         double sum = 0.0;
@@ -172,8 +175,7 @@ TEST(AnalysisRun, TurnsTheStructureOntoItsOwnAxes)
     for (const char *name : {"turned.pdb", "turned.pdb.0", "turned.pdb.1", "turned.pdb.2", "turned.pdb.3"}) {
         PDBInfo turned;
         readAll(ran.folder / name, turned);
-        Matrix3d m;
-        ASSERT_EQ(calcInertia(turned, m, standardMessages()), Status::ok);
+        const Matrix3d m = momentsOf(turned);
         EXPECT_GT(m[8], m[4]) << name; // the longest axis is z
         EXPECT_GT(m[4], m[0]) << name;
         for (const std::size_t k : {1u, 2u, 5u})

@@ -1,7 +1,5 @@
 #include "fuzz_input.h"
 
-#include "structure/select.h"
-
 #include <cstdio>
 #include <cstdlib>
 
@@ -63,7 +61,6 @@ PDBInfo &smallMolecule()
     static PDBInfo molecule = [] {
         PDBInfo made;
         require(readPDB(fileOf(moleculeText), &made, nullptr) == 0, "the molecule is read");
-        pdbSetSelection(&made, 1);
         return made;
     }();
     return molecule;

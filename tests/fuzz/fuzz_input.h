@@ -20,7 +20,7 @@ std::string fileOf(std::string_view text);
 /// Ends the process as a fault does, with a word on what was broken.
 void require(bool holds, const char *promise);
 
-/// A few residues of a protein, all atoms selected, for readers that look atoms up.
+/// A few residues of a protein, for readers that look atoms up.
 PDBInfo &smallMolecule();
 
 } // namespace trelm::fuzz

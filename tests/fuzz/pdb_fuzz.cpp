@@ -44,8 +44,8 @@ void select(PDBInfo &pdbInfo, int matchMode)
     sInfo.atomNameList = "CA [H]* N";
     sInfo.resNameList = "[A-L]";
     pdbSelectAdjust(sInfo);
-    const int marked = pdbSelect(&pdbInfo, &sInfo);
-    require(marked >= 0 && marked <= pdbInfo.atomCount, "no more atoms are marked than there are");
+    AtomMask selection;
+    pdbSelect(pdbInfo, sInfo, selection, standardMessages());
 }
 
 } // namespace

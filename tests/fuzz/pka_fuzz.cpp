@@ -40,7 +40,8 @@ void checkCharges(const ChargeSet &set)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    PDBInfo &molecule = fuzz::smallMolecule();
+    const AtomMask allAtoms(fuzz::smallMolecule().atoms().size(), 1);
+    const SelectedAtoms molecule = {fuzz::smallMolecule(), allAtoms};
     const std::string name = fuzz::fileOf(fuzz::asText(data, size));
     const ChargeOptions options = electrostaticRun(5.0f);
     Charges first;

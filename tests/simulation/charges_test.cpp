@@ -37,8 +37,8 @@ struct Placed {
     std::vector<std::pair<int, float>> charges; ///< in the order of the list
 };
 
-Placed place(PDBInfo &pdbInfo, const ChargeOptions &elInfo, const std::string &inName = "",
-             const std::string &outName = "")
+Placed placeOn(const SelectedAtoms &selected, const ChargeOptions &elInfo, const std::string &inName = "",
+               const std::string &outName = "")
 {
     std::vector<int> atoms(maxCharges + 1);
     std::vector<float> charges(maxCharges + 1);
@@ -46,12 +46,18 @@ Placed place(PDBInfo &pdbInfo, const ChargeOptions &elInfo, const std::string &i
     Placed placed;
     placed.messages = said([&] {
                           placed.status = static_cast<int>(
-                              chargeSetup(inName, pdbInfo, elInfo, set, outName, standardMessages()));
+                              chargeSetup(inName, selected, elInfo, set, outName, standardMessages()));
                       }).err;
     placed.sum = set.chSum;
     for (std::size_t i = 0; i < static_cast<std::size_t>(set.chCount); ++i)
         placed.charges.emplace_back(atoms[i], charges[i]);
     return placed;
+}
+
+Placed place(const PDBInfo &pdbInfo, const ChargeOptions &elInfo, const std::string &inName = "",
+             const std::string &outName = "")
+{
+    return placeOn({pdbInfo, allAtoms(pdbInfo)}, elInfo, inName, outName);
 }
 
 Placed placeLines(PDBInfo &pdbInfo, const ChargeOptions &elInfo, const std::string &lines)
@@ -119,9 +125,8 @@ TEST(Charges, DefaultsTitrateGroupsAndWriteThem)
                                                 "6\tdefault\tcharge\t1.000\n6\tterminus\tcharge\t0.000\n");
     elInfo.chTerminiFlag = 0;
     EXPECT_EQ(place(pdbInfo, elInfo).charges.size(), 9u);
-    for (AtomInfo &atom : pdbInfo.atoms())
-        atom.selected = 0;
-    EXPECT_EQ(place(pdbInfo, elInfo).messages,
+    const AtomMask nothing(pdbInfo.atoms().size(), 0);
+    EXPECT_EQ(placeOn({pdbInfo, nothing}, elInfo).messages,
               "pka Default Values, 0 Charges/pka Values, Net charge 0.000   Residues 1 to 6.\n");
 }
 

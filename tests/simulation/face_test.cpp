@@ -112,8 +112,8 @@ Said runFace(const std::vector<float> &values, const AlignmentOptions &info, PDB
     const TempFile file;
     Potential none;
     const Said lines = said([&] {
-        EXPECT_EQ(iFacePDB(EulerLists{}, &pdbInfo, info, {file.name, nullptr, standardMessages()}, none,
-                           charges.set()),
+        EXPECT_EQ(iFacePDB(EulerLists{}, {&pdbInfo, allAtoms(pdbInfo), info, charges.set()}, none,
+                           {file.name, nullptr, standardMessages()}),
                   Status::ok);
     });
     EXPECT_EQ(readPDB(file.name, &written, nullptr), 0);
@@ -205,20 +205,20 @@ TEST(DipoleMoment, OfAFewChargesKnownByHand)
 
 TEST(Inertia, IsTheSecondMomentOfTheSelectedAtoms)
 {
-    PDBInfo pdbInfo = makeMolecule(
+    const PDBInfo pdbInfo = makeMolecule(
         {{11.0, 2.0, 0.0}, {9.0, -2.0, 0.0}, {50.0, 50.0, 50.0}, {10.0, 0.0, 3.0}, {10.0, 0.0, -3.0}});
-    pdbInfo.atomList[2].selected = 0;
+    AtomMask mask = {1, 1, 0, 1, 1};
     Matrix3d inertiaTensor;
-    ASSERT_EQ(calcInertia(pdbInfo, inertiaTensor, standardMessages()), Status::ok);
+    ASSERT_EQ(calcInertia({pdbInfo, mask}, inertiaTensor, standardMessages()), Status::ok);
     const Matrix3d expected = {0.5, 1.0, 0.0, 1.0, 2.0, 0.0, 0.0, 0.0, 4.5};
     for (std::size_t i = 0; i < expected.size(); ++i)
         EXPECT_DOUBLE_EQ(inertiaTensor[i], expected[i]) << i;
 
-    for (AtomInfo &atom : pdbInfo.atoms())
-        atom.selected = 0;
-    EXPECT_EQ(
-        said([&] { EXPECT_EQ(calcInertia(pdbInfo, inertiaTensor, standardMessages()), Status::failed); }).err,
-        "WARNING: Zero atoms for inertia tensor selected.");
+    mask.assign(5, 0);
+    EXPECT_EQ(said([&] {
+                  EXPECT_EQ(calcInertia({pdbInfo, mask}, inertiaTensor, standardMessages()), Status::failed);
+              }).err,
+              "WARNING: Zero atoms for inertia tensor selected.");
 }
 
 } // namespace

@@ -13,14 +13,16 @@
 
 namespace trelm {
 
-/// A molecule of which every atom is selected.
 inline PDBInfo readMolecule(const std::string &name)
 {
     PDBInfo pdbInfo;
     EXPECT_EQ(readPDB(name, &pdbInfo, nullptr), 0);
-    for (AtomInfo &atom : pdbInfo.atoms())
-        atom.selected = 1;
     return pdbInfo;
+}
+
+inline AtomMask allAtoms(const PDBInfo &pdbInfo)
+{
+    return AtomMask(pdbInfo.atoms().size(), 1);
 }
 
 inline PDBInfo ubiquitin()

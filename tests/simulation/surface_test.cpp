@@ -5,6 +5,7 @@
 #include "simulation/molecules.h"
 #include "simulation/obstacle/atom_selection.h"
 
+#include <algorithm>
 #include <cmath>
 #include <random>
 #include <vector>
@@ -84,26 +85,25 @@ TEST(AtomSelection, ExposedAtomsAreMarked)
 {
     // Without hydrogens in the way the marks are exact; with hydrogens that the selection left out they go to
     // the first atoms of the molecule.
+    const PDBInfo pdb = ubiquitin();
     for (const bool withHydrogens : {false, true}) {
-        PDBInfo pdb = ubiquitin();
-        for (AtomInfo &atom : pdb.atoms())
-            atom.selected = withHydrogens || !isHydrogen(atom) ? 1 : 0;
-        ASSERT_EQ(callNSC(&pdb, standardMessages()), Status::ok);
-        int selected = 0, beyond = 0;
-        for (int i = 0; i < pdb.atomCount; ++i) {
-            const int mark = pdb.atomList[static_cast<std::size_t>(i)].selected;
-            selected += mark;
-            beyond += i >= 602 ? mark : 0;
-        }
-        EXPECT_GT(selected, 50);
-        EXPECT_LT(selected, 300);
-        EXPECT_EQ(beyond > 0, withHydrogens);
+        AtomMask mask, exposed;
+        for (const AtomInfo &atom : pdb.atoms())
+            mask.push_back(withHydrogens || !isHydrogen(atom) ? 1 : 0);
+        ASSERT_EQ(callNSC({pdb, mask}, exposed, standardMessages()), Status::ok);
+        const auto count = std::ranges::count(exposed, 1);
+        EXPECT_GT(count, 50);
+        EXPECT_LT(count, 300);
+        EXPECT_EQ(std::count(exposed.begin() + 602, exposed.end(), 1) > 0, withHydrogens);
     }
 }
 
 TEST(AtomSelection, ChargesComeFirstAndADipoleReplacesThem)
 {
-    PDBInfo pdb = ubiquitin();
+    const PDBInfo pdb = ubiquitin();
+    AtomMask heavy;
+    for (const AtomInfo &atom : pdb.atoms())
+        heavy.push_back(isHydrogen(atom) ? 0 : 1);
     std::vector<double> x(2000), y(2000), z(2000);
     SoluteOptions info;
     info.surfFlag = 0;
@@ -112,15 +112,14 @@ TEST(AtomSelection, ChargesComeFirstAndADipoleReplacesThem)
     };
     for (const Row &row : std::initializer_list<Row>{
              {0, 0, 0, 0, 602}, {1, 0, 0, 3, 605}, {1, 1, 0, 3, 3}, {1, 0, 1, 2, 2}, {0, 1, 0, 0, 0}}) {
-        for (AtomInfo &atom : pdb.atoms())
-            atom.selected = isHydrogen(atom) ? 0 : 1;
         Charges placed = {{100, 200, 300}, {1.0f, -0.5f, -1.5f}};
         ChargeSet charges = placed.set();
         info.elFlag = row.elFlag;
         info.chSelFlag = row.chSelFlag;
         info.dipoleFlag = row.dipoleFlag;
         SelectedCount selected;
-        ASSERT_EQ(chCoorSelect(&pdb, info, {x, y, z}, charges, selected, standardMessages()), Status::ok);
+        ASSERT_EQ(chCoorSelect({pdb, heavy}, info, {x, y, z}, charges, selected, standardMessages()),
+                  Status::ok);
         EXPECT_EQ(static_cast<int>(selected.places), row.atoms);
         EXPECT_EQ(charges.chCount, row.charges);
         if (row.charges == 3) {
@@ -141,8 +140,10 @@ TEST(AtomSelection, ChargesComeFirstAndADipoleReplacesThem)
 
 TEST(AtomSelection, NothingSelectedIsTold)
 {
-    PDBInfo pdb;
-    EXPECT_EQ(said([&] { EXPECT_EQ(callNSC(&pdb, standardMessages()), Status::failed); }).err,
+    AtomMask exposed;
+    EXPECT_EQ(said([&] {
+                  EXPECT_EQ(callNSC({PDBInfo{}, AtomMask{}}, exposed, standardMessages()), Status::failed);
+              }).err,
               "nsc_dclm: no surface atoms selected\nNSC: error.\n");
 }
 

@@ -1,10 +1,11 @@
 // Selections: which atoms get a mark.
 #include "structure/select.h"
 
+#include "common/heard.h"
 #include "molecules.h"
 #include "support/text/match.h"
 
-#include <string>
+#include <algorithm>
 
 namespace trelm {
 namespace {
@@ -20,7 +21,7 @@ const struct SelectCase {
     // 1231 atoms, 602 of them heavy, 7 lysines.
     {"the defaults take all", {}, 1231},
     {"set takes all, whatever the class", {.selectMode = 1, .selectClass = 4}, 1231},
-    {"clear marks nobody, and tells how many", {.selectMode = 0}, 1231},
+    {"clear takes nobody", {.selectMode = 0}, 0},
     {"two names, case counts", {.resN = 76, .atomNameList = "CA N ca", .selectMode = 2}, 152},
     {"a star switches the test off", {.res1 = 76, .resN = 76, .resIDMode = 1, .selectMode = 2}, 8},
     {"a range the wrong way round",
@@ -53,25 +54,27 @@ const struct SelectCase {
      76},
 };
 
-TEST(Select, MarksByTheCriteria)
+TEST(Select, ChoosesByTheCriteria)
 {
-    PDBInfo pdb = readUbiquitin();
+    const PDBInfo pdb = readUbiquitin();
     for (const SelectCase &choice : cases) {
-        pdbClearSelection(&pdb);
         PDBSelectInfo sInfo = choice.sInfo;
-        EXPECT_EQ(pdbSelect(&pdb, &sInfo), choice.marked) << choice.why;
+        pdbSelectAdjust(sInfo);
+        AtomMask selection;
+        pdbSelect(pdb, sInfo, selection, standardMessages());
+        EXPECT_EQ(std::ranges::count(selection, 1), choice.marked) << choice.why;
     }
 }
 
-TEST(Select, SelectingOnlyAddsMarks)
+TEST(Select, WhatIsNotChosenStays)
 {
-    PDBInfo pdb = readUbiquitin();
-    pdbSetSelection(&pdb, 1);
-    pdbSelect1(&pdb, 1, 76, "[1-3]H* H*", 0, matchGlob);
-    int marked = 0;
-    for (const AtomInfo &atom : pdb.atoms())
-        marked += atom.selected;
-    EXPECT_EQ(marked, 602);
+    const PDBInfo pdb = readUbiquitin();
+    AtomMask selection(1231, 1);
+    PDBSelectInfo hydrogens = {
+        .res1 = 1, .resN = 76, .atomNameList = "[1-3]H* H*", .atomNameMode = matchGlob, .selectID = 0};
+    hydrogens.selectMode = 2;
+    pdbSelect(pdb, hydrogens, selection, standardMessages());
+    EXPECT_EQ(std::ranges::count(selection, 1), 602);
 }
 
 TEST(Select, TheTestAsksTheClassInEveryMode)
@@ -83,38 +86,41 @@ TEST(Select, TheTestAsksTheClassInEveryMode)
         for (const int mode : {-1, 0, 1, 2}) {
             sInfo.selectClass = 4;
             sInfo.selectMode = mode;
-            EXPECT_EQ(pdbSelectTest(&sInfo, &atom), 0) << other << " " << mode;
+            EXPECT_FALSE(pdbSelectTest(&sInfo, atom)) << other << " " << mode;
         }
     }
     pdbStrCpy(atom.resName, "lys");
     sInfo.selectMode = 1;
-    EXPECT_EQ(pdbSelectTest(&sInfo, &atom), 1);
+    EXPECT_TRUE(pdbSelectTest(&sInfo, atom));
 }
 
 TEST(Select, TheRoadIsToldOnRequest)
 {
-    PDBInfo pdb = readUbiquitin();
-    PDBSelectInfo simple = {.resN = 76, .selectMode = 2, .dbgFlag = 1};
-    EXPECT_EQ(said([&] { pdbSelect(&pdb, &simple); }).err, "GORVAT Info: Simple Selection.\n");
-    PDBSelectInfo complex = {.resNameList = "LYS",
-                             .atomNameList = "C?",
-                             .chainNameList = "A",
-                             .resNameMode = 2,
-                             .atomNameMode = 3,
-                             .chainNameMode = 1,
-                             .selectMode = 2,
-                             .dbgFlag = 1};
-    EXPECT_EQ(said([&] { pdbSelect(&pdb, &complex); }).err,
-              "GORVAT Info: Complex Selection Atom 3 Res 2 Seg 1 Chain 0\n");
+    const PDBInfo pdb = readUbiquitin();
+    const struct {
+        PDBSelectInfo sInfo;
+        const char *line;
+    } rows[] = {{{.resN = 76, .selectMode = 2, .dbgFlag = 1}, "GORVAT Info: Simple Selection.\n"},
+                {{.resNameMode = 2, .atomNameMode = 3, .chainNameMode = 1, .selectMode = 2, .dbgFlag = 1},
+                 "GORVAT Info: Complex Selection Atom 3 Res 2 Seg 1 Chain 0\n"}};
+    for (const auto &row : rows) {
+        Heard heard;
+        AtomMask selection;
+        pdbSelect(pdb, row.sInfo, selection, heard.messages);
+        EXPECT_EQ(heard.err, row.line);
+    }
 }
 
 TEST(Select, FaultyExpressionsAreTold)
 {
     PDBSelectInfo sInfo = {
         .resNameList = "(L", .atomNameList = "CA a**", .resNameMode = 1, .atomNameMode = 2};
-    EXPECT_EQ(pdbSelectCheck(sInfo), 0); // all atoms are taken, nothing is matched
+    Heard heard;
+    pdbSelectCheck(sInfo, heard.messages); // all atoms are taken, nothing is matched
+    EXPECT_EQ(heard.err, "");
     sInfo.selectMode = 2;
-    EXPECT_EQ(said([&] { EXPECT_EQ(pdbSelectCheck(sInfo), 1); }).err,
+    pdbSelectCheck(sInfo, heard.messages);
+    EXPECT_EQ(heard.err,
               "PDB Warning: the regular expression a** is faulty and selects nothing: nested *?+.\n");
 }
 

@@ -5,7 +5,6 @@
 #include "simulation/charges/field.h"
 #include "simulation/obstacle/steric.h"
 #include "structure/rotate.h"
-#include "structure/select.h"
 #include "structure/write.h"
 #include "support/numerics/numbers.h"
 #include "support/text/text.h"
@@ -54,9 +53,7 @@ struct Obstacle {
 
 /// What both faces share.
 struct FaceJob {
-    PDBInfo *pdbInfo;
-    const AlignmentOptions &options;
-    const ChargeSet &charges;
+    const FaceInput &input;
     Potential &potential;
     Messages &messages;
     SelectionBuffers buffers = {};
@@ -65,7 +62,7 @@ struct FaceJob {
 /// The whole molecule into the frame of the tensor.
 Status turnIntoFrame(const EulerLists &euler, const FaceJob &job)
 {
-    PDBInfo *pdbInfo = job.pdbInfo;
+    PDBInfo *pdbInfo = job.input.pdbInfo;
     if (rotateDomain({-euler.gamma[0], -euler.beta[0], -euler.alpha[0]}, pdbInfo, pdbInfo->minResID,
                      pdbInfo->maxResID) != 0)
         return job.messages.fail("trelm: error in rotateDomain.");
@@ -75,7 +72,7 @@ Status turnIntoFrame(const EulerLists &euler, const FaceJob &job)
 /// The other face to the particle.
 Status flip(const FaceJob &job)
 {
-    PDBInfo *pdbInfo = job.pdbInfo;
+    PDBInfo *pdbInfo = job.input.pdbInfo;
     if (shiftMol2Domain(pdbInfo, pdbInfo->minResID, pdbInfo->maxResID) != 0)
         return job.messages.fail("trelm: error in shiftMol2Domain.\n");
     if (rotateDomain({0.0, 180.0, 0.0}, pdbInfo, pdbInfo->minResID, pdbInfo->maxResID) != 0)
@@ -86,15 +83,14 @@ Status flip(const FaceJob &job)
 /// The weight of the molecule as it stands.
 Status weighFace(FaceJob &job, double &prob)
 {
+    const FaceInput &input = job.input;
     Chosen chosen;
-    const Status status =
-        selectSolute(job.pdbInfo, job.options, job.charges, job.buffers, chosen, job.messages);
-    restoreMarks(job.pdbInfo, job.buffers.marks);
-    if (status != Status::ok)
+    if (selectSolute({*input.pdbInfo, input.selection}, input.options, input.charges, job.buffers, chosen,
+                     job.messages) != Status::ok)
         return job.messages.fail("trelm: error reading selection of atoms.\n");
     if (chosen.atoms.x.empty()) // without atoms there is no face
         return job.messages.fail("trelm: error determining interaction face.\n");
-    iFace(job.options, chosen.atoms, chosen.charges, job.potential, prob, job.messages);
+    iFace(input.options, chosen.atoms, chosen.charges, job.potential, prob, job.messages);
     return Status::ok;
 }
 
@@ -116,9 +112,9 @@ Status writeFace(const EulerLists &euler, const FaceJob &job, const FaceOutput &
 {
     if (turnIntoFrame(euler, job) != Status::ok || (isFlipped && flip(job) != Status::ok))
         return Status::failed;
-    labelCharges(job.pdbInfo, job.charges);
+    labelCharges(job.input.pdbInfo, job.input.charges);
     const bool isWritten =
-        output.outName.empty() || writePDB(output.outName, job.pdbInfo, nullptr, output.remark) == 0;
+        output.outName.empty() || writePDB(output.outName, job.input.pdbInfo, nullptr, output.remark) == 0;
     return isWritten ? Status::ok : Status::failed;
 }
 
@@ -153,10 +149,11 @@ void iFace(const AlignmentOptions &options, const CoordinateBuffers &atoms, cons
     prob = std::exp(-number(options.kEnergy * static_cast<float>(energy)));
 }
 
-Status iFacePDB(const EulerLists &euler, PDBInfo *pdbInfo, const AlignmentOptions &options,
-                const FaceOutput &output, Potential &potential, const ChargeSet &charges)
+Status iFacePDB(const EulerLists &euler, const FaceInput &input, Potential &potential,
+                const FaceOutput &output)
 {
-    FaceJob job = {pdbInfo, options, charges, potential, output.messages};
+    PDBInfo *pdbInfo = input.pdbInfo;
+    FaceJob job = {input, potential, output.messages};
     if (makeSelectionBuffers("iFacePDB", *pdbInfo, job.buffers, job.messages) != Status::ok)
         return Status::failed;
     storePDBCoords(pdbInfo);

@@ -7,7 +7,7 @@
 #include "simulation/charges/charges.h"
 #include "simulation/charges/potential.h"
 #include "simulation/obstacle/atom_selection.h"
-#include "structure/pdb.h"
+#include "structure/select.h"
 
 #include <string>
 
@@ -25,6 +25,14 @@ struct FaceWeights {
     double initial = 0.0, rotated = 0.0;
 };
 
+/// A molecule and what weighs it.
+struct FaceInput {
+    PDBInfo *pdbInfo;
+    const AtomMask &selection; ///< the atoms that can touch
+    const AlignmentOptions &options;
+    const ChargeSet &charges; ///< by their atoms in the molecule
+};
+
 /// Where the result goes.
 struct FaceOutput {
     std::string outName;          ///< PDB file; empty: none
@@ -33,10 +41,9 @@ struct FaceOutput {
 };
 
 /// Turns the molecule into the first frame of `euler`, weighs it as it is and flipped by 180 degrees, prints
-/// both weights, and writes the one of lower weight with its charges marked. The marks of
-/// the selection choose the atoms. `charges`: by their atoms in the molecule. Coordinates and selection are
+/// both weights, and writes the one of lower weight with its charges marked. The coordinates are
 /// as before at the end. Fails after a message.
-Status iFacePDB(const EulerLists &euler, PDBInfo *pdbInfo, const AlignmentOptions &options,
-                const FaceOutput &output, Potential &potential, const ChargeSet &charges);
+Status iFacePDB(const EulerLists &euler, const FaceInput &input, Potential &potential,
+                const FaceOutput &output);
 
 } // namespace trelm

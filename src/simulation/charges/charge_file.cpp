@@ -33,7 +33,7 @@ struct PkaLine {
 };
 
 /// The selected atoms, by residue number and in the order of the structure within a number.
-struct SelectedAtoms {
+struct AtomsByResidue {
     const PDBInfo &pdbInfo;
     struct Entry {
         int resID;
@@ -41,11 +41,11 @@ struct SelectedAtoms {
     };
     std::vector<Entry> entries;
 
-    explicit SelectedAtoms(const PDBInfo &molecule) : pdbInfo(molecule)
+    explicit AtomsByResidue(const SelectedAtoms &selected) : pdbInfo(selected.pdbInfo)
     {
         const auto atoms = pdbInfo.atoms();
         for (std::size_t i = 0; i < atoms.size(); ++i)
-            if (atoms[i].selected != 0)
+            if (selected.has(i))
                 entries.push_back({atoms[i].resID, i});
         std::ranges::stable_sort(entries, {}, &Entry::resID);
     }
@@ -108,14 +108,14 @@ const TitrationGroup *ruleFor(const PkaLine &line, const AtomInfo &atom, const P
     return name == line.atomName ? &namedAtom : nullptr;
 }
 
-Status placeLine(const PkaLine &line, const SelectedAtoms &selected, float pH, ChargeSet &set,
+Status placeLine(const PkaLine &line, const AtomsByResidue &candidates, float pH, ChargeSet &set,
                  ChargeLines &lines, Messages &messages)
 {
-    const PDBInfo &pdbInfo = selected.pdbInfo;
+    const PDBInfo &pdbInfo = candidates.pdbInfo;
     const float fraction = titratedFraction(pH, line.value);
     const int before = set.chCount;
     lines.known.clear(); // two lines that charge an atom are two charges
-    for (const auto &entry : selected.ofResidue(line.resno)) {
+    for (const auto &entry : candidates.ofResidue(line.resno)) {
         const AtomInfo &atom = pdbInfo.atoms()[entry.atom];
         const TitrationGroup *rule = ruleFor(line, atom, pdbInfo);
         if (rule == nullptr)
@@ -153,7 +153,7 @@ void addLine(ChargeLines &lines, int resID, std::string_view name, float charge)
         lines.text += line;
 }
 
-Status readChargeFile(const std::string &name, const PDBInfo &pdbInfo, float pH, ChargeSet &set,
+Status readChargeFile(const std::string &name, const SelectedAtoms &selected, float pH, ChargeSet &set,
                       ChargeLines &lines, Messages &messages)
 {
     TextInput input;
@@ -165,7 +165,7 @@ Status readChargeFile(const std::string &name, const PDBInfo &pdbInfo, float pH,
     trimEnd(input);
     if (input.text.empty())
         messages.err("Warning: the pka file %s holds no lines.\n", name.c_str());
-    const SelectedAtoms selected(pdbInfo);
+    const AtomsByResidue candidates(selected);
     std::vector<std::string_view> words;
     int lineCount = 0;
     for (std::string_view text; fgetsAlloc(input, text);) {
@@ -174,7 +174,7 @@ Status readChargeFile(const std::string &name, const PDBInfo &pdbInfo, float pH,
             return messages.fail("Error: wrong format of pka file.\nLine:%s\n", std::string(text).c_str());
         lines.range.first = std::min(lines.range.first, line.resno);
         lines.range.last = std::max(lines.range.last, line.resno);
-        if (placeLine(line, selected, pH, set, lines, messages) != Status::ok)
+        if (placeLine(line, candidates, pH, set, lines, messages) != Status::ok)
             return Status::failed;
         if (++lineCount >= chargeLimit)
             return refuseCount(messages);

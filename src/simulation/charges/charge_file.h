@@ -41,7 +41,7 @@ void addLine(ChargeLines &lines, int resID, std::string_view name, float charge)
 /// lines that are written. Places the charges at `pH` and appends them to `lines`, atom by atom. A line that
 /// finds no atom warns. Fails after a message for a file or line that cannot be read or too many
 /// charges or lines.
-Status readChargeFile(const std::string &name, const PDBInfo &pdbInfo, float pH, ChargeSet &set,
+Status readChargeFile(const std::string &name, const SelectedAtoms &selected, float pH, ChargeSet &set,
                       ChargeLines &lines, Messages &messages);
 
 } // namespace trelm

@@ -42,10 +42,10 @@ Status settle(const ChargeOptions &elInfo, ChargeSet &set, Messages &messages)
                                     : messages.fail("Error: The net charge is not a finite number.\n");
 }
 
-Status chargeFromFile(const std::string &inName, const PDBInfo &pdbInfo, const ChargeOptions &elInfo,
+Status chargeFromFile(const std::string &inName, const SelectedAtoms &selected, const ChargeOptions &elInfo,
                       ChargeSet &set, ChargeLines &lines, Messages &messages)
 {
-    if (readChargeFile(inName, pdbInfo, elInfo.pH, set, lines, messages) != Status::ok ||
+    if (readChargeFile(inName, selected, elInfo.pH, set, lines, messages) != Status::ok ||
         settle(elInfo, set, messages) != Status::ok)
         return Status::failed;
     messages.err("REMARK %s, %d Charges/pka Values, Net Charge %.3f Residues %d to %d.\n", inName.c_str(),
@@ -148,13 +148,14 @@ Status titrateAtom(ResidueGroups &groups, std::size_t place, std::string_view na
     return Status::ok;
 }
 
-Status titrateDefaults(const PDBInfo &pdbInfo, const ChargeOptions &elInfo, ChargeSet &set,
+Status titrateDefaults(const SelectedAtoms &selected, const ChargeOptions &elInfo, ChargeSet &set,
                        ChargeLines &lines, Messages &messages)
 {
+    const PDBInfo &pdbInfo = selected.pdbInfo;
     ResidueGroups groups;
     const auto atoms = pdbInfo.atoms();
     for (std::size_t i = 0; i < atoms.size(); ++i) {
-        if (atoms[i].selected == 0)
+        if (!selected.has(i))
             continue;
         if (!isSameResidue(atoms[i], groups.first))
             enterResidue(groups, atoms[i], pdbInfo, elInfo.chTerminiFlag != 0, lines);
@@ -204,14 +205,15 @@ const ChargeRow *rowOf(const ResidueRows &rows, std::string_view name)
     return findRow(rows.own, name);
 }
 
-Status placePartialCharges(ChargeTableID id, const PDBInfo &pdbInfo, const ChargeOptions &elInfo,
+Status placePartialCharges(ChargeTableID id, const SelectedAtoms &selected, const ChargeOptions &elInfo,
                            ChargeSet &set, ChargeLines &lines, Messages &messages)
 {
+    const PDBInfo &pdbInfo = selected.pdbInfo;
     const ChargeTable table = chargeTable(id);
     ResidueRows rows;
     const auto atoms = pdbInfo.atoms();
     for (std::size_t i = 0; i < atoms.size(); ++i) {
-        if (atoms[i].selected == 0)
+        if (!selected.has(i))
             continue;
         if (!isSameResidue(atoms[i], rows.first))
             rows = residueRows(table, atoms[i], pdbInfo, elInfo.chTerminiFlag != 0);
@@ -230,33 +232,35 @@ Status placePartialCharges(ChargeTableID id, const PDBInfo &pdbInfo, const Charg
     return Status::ok;
 }
 
-Status placeCharges(const std::string &inName, const PDBInfo &pdbInfo, const ChargeOptions &elInfo,
+Status placeCharges(const std::string &inName, const SelectedAtoms &selected, const ChargeOptions &elInfo,
                     ChargeSet &set, ChargeLines &lines, Messages &messages)
 {
     if (!inName.empty())
-        return elInfo.elFlag != 0 ? chargeFromFile(inName, pdbInfo, elInfo, set, lines, messages)
+        return elInfo.elFlag != 0 ? chargeFromFile(inName, selected, elInfo, set, lines, messages)
                                   : Status::ok;
     if (elInfo.pkaFlag == 0)
         return Status::ok;
     if (elInfo.charmm == 0)
-        return titrateDefaults(pdbInfo, elInfo, set, lines, messages);
+        return titrateDefaults(selected, elInfo, set, lines, messages);
     if (elInfo.charmm == 1)
-        return placePartialCharges(ChargeTableID::charmm19, pdbInfo, elInfo, set, lines, messages);
+        return placePartialCharges(ChargeTableID::charmm19, selected, elInfo, set, lines, messages);
     if (elInfo.charmm == 2 && elInfo.pH >= 6.0f && elInfo.pH <= 7.0f)
-        return placePartialCharges(ChargeTableID::charmm22, pdbInfo, elInfo, set, lines, messages);
+        return placePartialCharges(ChargeTableID::charmm22, selected, elInfo, set, lines, messages);
     if (elInfo.charmm == 2 && elInfo.pH <= 4.0f)
-        return placePartialCharges(ChargeTableID::charmm22Acid, pdbInfo, elInfo, set, lines, messages);
+        return placePartialCharges(ChargeTableID::charmm22Acid, selected, elInfo, set, lines, messages);
     return Status::ok; // the tables know no charges between
 }
 
 /// The lines of a charge file have no chain and no insertion code: where one number stands for residues of
 /// different names they can not be read back as they were.
-void warnMixedNumbers(const PDBInfo &pdbInfo, Messages &messages)
+void warnMixedNumbers(const SelectedAtoms &selected, Messages &messages)
 {
     std::unordered_map<int, const AtomInfo *> firstOf;
-    for (const AtomInfo &atom : pdbInfo.atoms()) {
-        if (atom.selected == 0)
+    const auto atoms = selected.pdbInfo.atoms();
+    for (std::size_t i = 0; i < atoms.size(); ++i) {
+        if (!selected.has(i))
             continue;
+        const AtomInfo &atom = atoms[i];
         const AtomInfo *first = firstOf.try_emplace(atom.resID, &atom).first->second;
         if (first->resName == atom.resName)
             continue;
@@ -270,7 +274,7 @@ void warnMixedNumbers(const PDBInfo &pdbInfo, Messages &messages)
 
 } // namespace
 
-Status chargeSetup(const std::string &inName, const PDBInfo &pdbInfo, const ChargeOptions &elInfo,
+Status chargeSetup(const std::string &inName, const SelectedAtoms &selected, const ChargeOptions &elInfo,
                    ChargeSet &set, const std::string &outName, Messages &messages)
 {
     set.chCount = 0;
@@ -281,14 +285,14 @@ Status chargeSetup(const std::string &inName, const PDBInfo &pdbInfo, const Char
     if (!outName.empty() && openOut(out, outName, "w") != 0)
         return messages.fail("TRELM Error opening file for pka output %s\n", outName.c_str());
     ChargeLines lines;
-    if (placeCharges(inName, pdbInfo, elInfo, set, lines, messages) != Status::ok) {
+    if (placeCharges(inName, selected, elInfo, set, lines, messages) != Status::ok) {
         set.chCount = 0;
         set.chSum = 0.0f;
         return Status::failed;
     }
     if (outName.empty())
         return Status::ok;
-    warnMixedNumbers(pdbInfo, messages);
+    warnMixedNumbers(selected, messages);
     writeOut(out, lines.text);
     return closeOut(out) == 0 ? Status::ok : Status::failed;
 }

@@ -3,7 +3,7 @@
 
 #include "ground/messages.h"
 #include "simulation/charges/options.h"
-#include "structure/pdb.h"
+#include "structure/select.h"
 
 #include <span>
 #include <string>
@@ -28,7 +28,7 @@ struct ChargeSet {
 /// Fails without charges, after a message, if a file fails, a line is bad, charges (or lines of the
 /// pKa file) reach maxCharges - 1, or the net charge is not finite. pKa defaults and titration: see
 /// charge_tables.h.
-Status chargeSetup(const std::string &inName, const PDBInfo &pdbInfo, const ChargeOptions &elInfo,
+Status chargeSetup(const std::string &inName, const SelectedAtoms &selected, const ChargeOptions &elInfo,
                    ChargeSet &set, const std::string &outName, Messages &messages);
 
 } // namespace trelm

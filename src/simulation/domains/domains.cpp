@@ -82,28 +82,26 @@ bool isBackbone(const AtomInfo &atom)
     return atom.atomName == "C" || atom.atomName == "CA" || atom.atomName == "N";
 }
 
-/// The exposed ones of the backbone atoms for which isWanted holds. The marks of the atoms are used up.
+/// The exposed ones of the backbone atoms for which isWanted holds.
 template <class IsWanted>
-Status exposedBackbone(PDBInfo *pdbInfo, IsWanted isWanted, std::vector<std::size_t> &exposed,
+Status exposedBackbone(const PDBInfo &pdbInfo, IsWanted isWanted, std::vector<std::size_t> &exposed,
                        Messages &messages)
 {
     std::vector<std::size_t> measured;
-    pdbClearSelection(pdbInfo);
-    for (std::size_t i = 0; i < pdbInfo->atoms().size(); ++i) {
-        AtomInfo &atom = pdbInfo->atomList[i];
-        if (!isBackbone(atom) || !isWanted(atom))
-            continue;
-        atom.selected = 1;
-        measured.push_back(i);
-    }
+    AtomMask mask(pdbInfo.atoms().size(), 0);
+    for (std::size_t i = 0; i < mask.size(); ++i)
+        if (const AtomInfo &atom = pdbInfo.atomList[i]; isBackbone(atom) && isWanted(atom)) {
+            mask[i] = 1;
+            measured.push_back(i);
+        }
     if (measured.empty())
         return messages.fail("Error in chkDomClash: zero atoms selected.");
-    if (callNSC(pdbInfo, messages) != Status::ok)
+    std::vector<bool> isExposed;
+    if (findExposed({pdbInfo, mask}, isExposed, messages) != Status::ok)
         return Status::failed;
     exposed.clear();
-    // The marks go by the count of the measured atoms, not by their places.
     for (std::size_t k = 0; k < measured.size(); ++k)
-        if (pdbInfo->atomList[k].selected != 0)
+        if (isExposed[k])
             exposed.push_back(measured[k]);
     return Status::ok;
 }
@@ -149,17 +147,15 @@ Status positionDomain(PDBInfo *pdbInfo, const DomainOptions &options, Messages &
     return moveToPivot(pdbInfo, options.resDom1Origin, "ORIGIN_DOM1:", messages);
 }
 
-Status selectSurfDom(PDBInfo *pdbInfo, int resN, int resC, std::vector<std::size_t> &indI,
+Status selectSurfDom(const PDBInfo &pdbInfo, int resN, int resC, std::vector<std::size_t> &indI,
                      std::vector<std::size_t> &indJ, Messages &messages)
 {
-    const std::vector<int> marks = selectionMarks(*pdbInfo);
     const auto isInDomain = [=](const AtomInfo &atom) { return isInRange(atom, resN, resC); };
-    Status status = exposedBackbone(pdbInfo, isInDomain, indI, messages);
-    if (status == Status::ok)
-        status = exposedBackbone(
-            pdbInfo, [&](const AtomInfo &atom) { return !isInDomain(atom); }, indJ, messages);
-    restoreMarks(pdbInfo, marks);
-    return status;
+    const Status status = exposedBackbone(pdbInfo, isInDomain, indI, messages);
+    return status != Status::ok
+               ? status
+               : exposedBackbone(
+                     pdbInfo, [&](const AtomInfo &atom) { return !isInDomain(atom); }, indJ, messages);
 }
 
 bool chkClashDom(const PDBInfo &pdbInfo, float clashDist, std::span<const std::size_t> indI,

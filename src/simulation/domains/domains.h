@@ -24,9 +24,9 @@ Status initOrient(PDBInfo *pdbInfo, const DomainOptions &options, int yzFlag, Me
 Status positionDomain(PDBInfo *pdbInfo, const DomainOptions &options, Messages &messages);
 
 /// Places, in the atom list, of the exposed backbone atoms (C, CA, N) of residues resN to resC, and of those
-/// of all others. Each group is measured without the other. The marks of the molecule's atoms stay. Fails
-/// after a message if either group has no atoms.
-Status selectSurfDom(PDBInfo *pdbInfo, int resN, int resC, std::vector<std::size_t> &indI,
+/// of all others. Each group is measured without the other. Fails after a message if either group has no
+/// atoms.
+Status selectSurfDom(const PDBInfo &pdbInfo, int resN, int resC, std::vector<std::size_t> &indI,
                      std::vector<std::size_t> &indJ, Messages &messages);
 
 /// Whether an atom of one list is nearer to one of the other than clashDist, after a line about the first

@@ -174,7 +174,7 @@ Status startEnsemble(EnsembleRun &run)
     if (storePDBCoords(run.pdbInfo) != 0)
         return messages.fail("matrix: error in storePDBCoords.\n");
     const DomainOptions &options = run.setup.domains;
-    if (selectSurfDom(run.pdbInfo, options.startResDom1, options.endResDom1, run.indI, run.indJ, messages) !=
+    if (selectSurfDom(*run.pdbInfo, options.startResDom1, options.endResDom1, run.indI, run.indJ, messages) !=
         Status::ok)
         return messages.fail("ensembleAlignment: error in chkDomClash.\n");
     return Status::ok;
@@ -265,8 +265,8 @@ Status simulateState(EnsembleRun &run, StateAtWork &state)
 {
     Messages &messages = run.setup.simulation.messages;
     Chosen chosen;
-    if (selectSolute(run.pdbInfo, run.setup.simulation.options, run.setup.charges, run.buffers, chosen,
-                     messages) != Status::ok)
+    if (selectSolute({*run.pdbInfo, run.setup.selection}, run.setup.simulation.options, run.setup.charges,
+                     run.buffers, chosen, messages) != Status::ok)
         return messages.fail("Matrix: Error reading selection of atoms.\n");
     if (chosen.dipole)
         reportDipole(*chosen.dipole, messages);

@@ -63,6 +63,7 @@ using TakeCouplings = std::function<int(DTable &dTab, std::string_view remark)>;
 struct EnsembleSetup {
     AlignmentSetup simulation;
     const DomainOptions &domains;
+    const AtomMask &selection; ///< atoms to simulate
     std::span<const EnsembleState> states;
     ChargeSet charges;                    ///< as placed; every state works on a copy
     const PDBSelectInfo *sInfo = nullptr; ///< atoms of the PDB files

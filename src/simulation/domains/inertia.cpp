@@ -25,11 +25,11 @@ Matrix3d secondMoments(std::span<const Axis> points)
     return moments;
 }
 
-Status calcInertia(const PDBInfo &pdbInfo, Matrix3d &inertiaTensor, Messages &messages)
+Status calcInertia(const SelectedAtoms &selected, Matrix3d &inertiaTensor, Messages &messages)
 {
     std::vector<Axis> points;
-    for (const AtomInfo &atom : pdbInfo.atoms())
-        if (atom.selected != 0)
+    for (const AtomInfo &atom : selected.pdbInfo.atoms())
+        if (selected.has(selected.pdbInfo.placeOf(atom)))
             points.push_back(
                 {static_cast<double>(atom.x), static_cast<double>(atom.y), static_cast<double>(atom.z)});
     if (points.empty())

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "ground/messages.h"
-#include "structure/pdb.h"
 #include "structure/rotate.h"
+#include "structure/select.h"
 #include "support/numerics/jacobi.h"
 
 #include <span>
@@ -14,7 +14,7 @@ namespace trelm {
 /// must be one at least. Not the moment of inertia: the longest axis has the largest eigenvalue.
 Matrix3d secondMoments(std::span<const Axis> points);
 
-/// Those of the selected atoms, all of one weight. Fails after a message if none is selected.
-Status calcInertia(const PDBInfo &pdbInfo, Matrix3d &inertiaTensor, Messages &messages);
+/// Those of some atoms of a molecule, all of one weight. Fails after a message if there is none.
+Status calcInertia(const SelectedAtoms &selected, Matrix3d &inertiaTensor, Messages &messages);
 
 } // namespace trelm

@@ -2,7 +2,6 @@
 
 #include "simulation/charges/dipole.h"
 #include "simulation/obstacle/surface.h"
-#include "structure/select.h"
 #include "support/text/text.h"
 
 #include <algorithm>
@@ -99,22 +98,27 @@ Dipole putCharges(const PDBInfo &pdbInfo, bool asDipole, const CoordinateBuffers
 
 } // namespace
 
-Status callNSC(PDBInfo *pdbInfo, Messages &messages)
+Status findExposed(const SelectedAtoms &selected, std::vector<bool> &isExposed, Messages &messages)
 {
-    Spheres spheres("callNSC", static_cast<std::size_t>(pdbInfo->atomCount));
+    const auto atoms = selected.pdbInfo.atoms();
+    Spheres spheres("callNSC", atoms.size());
     if (!spheres.co || !spheres.radius)
         return messages.fail("callNSC: Error allocating coord buffers.\n");
-    for (const AtomInfo &atom : pdbInfo->atoms())
-        if (atom.selected != 0)
-            spheres.append(static_cast<double>(atom.x), static_cast<double>(atom.y),
-                           static_cast<double>(atom.z), static_cast<double>(atomRadius(atom)) + probeRadius);
+    for (std::size_t i = 0; i < atoms.size(); ++i)
+        if (selected.has(i))
+            spheres.append(static_cast<double>(atoms[i].x), static_cast<double>(atoms[i].y),
+                           static_cast<double>(atoms[i].z),
+                           static_cast<double>(atomRadius(atoms[i])) + probeRadius);
+    return findExposedSpheres(spheres, isExposed, messages);
+}
+
+Status callNSC(const SelectedAtoms &selected, AtomMask &exposed, Messages &messages)
+{
     std::vector<bool> isExposed;
-    if (findExposedSpheres(spheres, isExposed, messages) != Status::ok)
+    if (findExposed(selected, isExposed, messages) != Status::ok)
         return Status::failed;
-    for (AtomInfo &atom : pdbInfo->atoms())
-        atom.selected = 0;
-    for (std::size_t k = 0; k < isExposed.size(); ++k)
-        pdbInfo->atomList[k].selected = isExposed[k] ? 1 : 0;
+    exposed.assign(selected.mask.size(), 0);
+    std::ranges::copy(isExposed, exposed.begin());
     return Status::ok;
 }
 
@@ -137,21 +141,23 @@ Status surfSel(int atomCount, const CoordinateBuffers &atoms, int &atomSelCount,
     return Status::ok;
 }
 
-Status chCoorSelect(PDBInfo *pdbInfo, const SoluteOptions &options, const CoordinateBuffers &atoms,
-                    ChargeSet &charges, SelectedCount &selected, Messages &messages)
+Status chCoorSelect(const SelectedAtoms &molecule, const SoluteOptions &options,
+                    const CoordinateBuffers &atoms, ChargeSet &charges, SelectedCount &selected,
+                    Messages &messages)
 {
-    if (options.surfFlag != 0 && callNSC(pdbInfo, messages) != Status::ok)
+    selected.atoms = molecule.mask;
+    if (options.surfFlag != 0 && callNSC(molecule, selected.atoms, messages) != Status::ok)
         return messages.fail("Error reading selection of atoms.\n");
     if (options.elFlag != 0)
-        selected.dipole = putCharges(*pdbInfo, options.dipoleFlag != 0, atoms, charges);
+        selected.dipole = putCharges(molecule.pdbInfo, options.dipoleFlag != 0, atoms, charges);
     else
         charges.chCount = 0; // a steric simulation sees none of them
     selected.places = static_cast<std::size_t>(charges.chCount);
     if (options.dipoleFlag != 0 || options.chSelFlag != 0)
         return Status::ok; // charges only
-    for (const AtomInfo &atom : pdbInfo->atoms())
-        if (atom.selected != 0)
-            storeAtom(atoms, selected.places++, atom);
+    for (std::size_t i = 0; i < selected.atoms.size(); ++i)
+        if (selected.atoms[i] != 0)
+            storeAtom(atoms, selected.places++, molecule.pdbInfo.atomList[i]);
     return Status::ok;
 }
 
@@ -163,15 +169,13 @@ Status makeSelectionBuffers(const char *tag, const PDBInfo &pdbInfo, SelectionBu
         *column = Block<double>(tag, places);
     buffers.chargeAtomID = Block<int>(tag, maxCharges + 1);
     buffers.charges = Block<float>(tag, maxCharges + 1);
-    buffers.marks = selectionMarks(pdbInfo);
     const bool isMade = buffers.x && buffers.y && buffers.z && buffers.chargeAtomID && buffers.charges;
     return isMade ? Status::ok : messages.fail("Error allocating coord buffers.\n");
 }
 
-Status selectSolute(PDBInfo *pdbInfo, const SoluteOptions &options, const ChargeSet &original,
+Status selectSolute(const SelectedAtoms &molecule, const SoluteOptions &options, const ChargeSet &original,
                     SelectionBuffers &buffers, Chosen &chosen, Messages &messages)
 {
-    restoreMarks(pdbInfo, buffers.marks);
     chosen.charges = original;
     std::ranges::copy(original.chargeAtomID, buffers.chargeAtomID.data());
     std::ranges::copy(original.charges, buffers.charges.data());
@@ -179,7 +183,7 @@ Status selectSolute(PDBInfo *pdbInfo, const SoluteOptions &options, const Charge
     chosen.charges.charges = buffers.charges.span();
     const CoordinateBuffers places = {buffers.x.span(), buffers.y.span(), buffers.z.span()};
     SelectedCount selected;
-    const Status status = chCoorSelect(pdbInfo, options, places, chosen.charges, selected, messages);
+    const Status status = chCoorSelect(molecule, options, places, chosen.charges, selected, messages);
     const std::size_t count = selected.places;
     chosen.dipole = selected.dipole;
     chosen.atoms = {places.x.first(count), places.y.first(count), places.z.first(count)};

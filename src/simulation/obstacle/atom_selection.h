@@ -6,7 +6,7 @@
 #include "simulation/charges/charges.h"
 #include "simulation/charges/dipole.h"
 #include "simulation/obstacle/options.h"
-#include "structure/pdb.h"
+#include "structure/select.h"
 
 #include <optional>
 #include <span>
@@ -19,10 +19,14 @@ struct CoordinateBuffers {
     std::span<double> x, y, z;
 };
 
-/// Keeps `selected` on the exposed atoms only. Hydrogens in the molecule that a selection left out make the
-/// marks land on other atoms than those measured: they go by the count of the selected atoms, as the field is
-/// used to. Fails after a message.
-Status callNSC(PDBInfo *pdbInfo, Messages &messages);
+/// For each selected atom, counted without the others, whether enough of it is exposed. Fails after a
+/// message.
+Status findExposed(const SelectedAtoms &selected, std::vector<bool> &isExposed, Messages &messages);
+
+/// The exposed ones of the selected atoms, as the field is used to: they are put into the mask by their count
+/// among the selected atoms. Hydrogens in the molecule that a selection left out so make other atoms exposed
+/// than those that are. Fails after a message.
+Status callNSC(const SelectedAtoms &selected, AtomMask &exposed, Messages &messages);
 
 /// Moves the exposed atoms of bare coordinates, all of one radius, to the front. `atomSelCount` gets their
 /// number. Fails after a message.
@@ -31,6 +35,7 @@ Status surfSel(int atomCount, const CoordinateBuffers &atoms, int &atomSelCount,
 /// What was chosen.
 struct SelectedCount {
     std::size_t places = 0;       ///< charges and atoms
+    AtomMask atoms;               ///< those in use: the exposed ones with surfFlag
     std::optional<Dipole> dipole; ///< of the charges, in an electrostatic run
 };
 
@@ -39,18 +44,18 @@ struct SelectedCount {
 /// selected atoms, exposed ones only with surfFlag. With chSelFlag the charges stand alone, and with
 /// dipoleFlag the two of the dipole that replaces them: without electrostatics that is nothing. The buffers
 /// need room for charges and atoms. Fails after a message.
-Status chCoorSelect(PDBInfo *pdbInfo, const SoluteOptions &options, const CoordinateBuffers &atoms,
-                    ChargeSet &charges, SelectedCount &selected, Messages &messages);
+Status chCoorSelect(const SelectedAtoms &molecule, const SoluteOptions &options,
+                    const CoordinateBuffers &atoms, ChargeSet &charges, SelectedCount &selected,
+                    Messages &messages);
 
 /// Room for chCoorSelect, asked for once for many selections of one molecule.
 struct SelectionBuffers {
     Block<double> x, y, z;
     Block<int> chargeAtomID;
     Block<float> charges;
-    std::vector<int> marks; ///< the selection of the run, which a surface uses up
 };
 
-/// Asks for the room and keeps the marks. Fails after a message if there is no memory.
+/// Asks for the room. Fails after a message if there is no memory.
 Status makeSelectionBuffers(const char *tag, const PDBInfo &pdbInfo, SelectionBuffers &buffers,
                             Messages &messages);
 
@@ -61,9 +66,8 @@ struct Chosen {
     std::optional<Dipole> dipole; ///< of the charges, in an electrostatic run
 };
 
-/// chCoorSelect with the marks of the run and a copy of the charges, which it renumbers. The marks of the
-/// molecule's atoms are then used up.
-Status selectSolute(PDBInfo *pdbInfo, const SoluteOptions &options, const ChargeSet &original,
+/// chCoorSelect with a copy of the charges, which it renumbers.
+Status selectSolute(const SelectedAtoms &molecule, const SoluteOptions &options, const ChargeSet &original,
                     SelectionBuffers &buffers, Chosen &chosen, Messages &messages);
 
 } // namespace trelm

@@ -39,11 +39,11 @@ void fitReused(benchmark::State &state)
     FitWork work;
     findSPlain(problem.vectors(), plain);
     for (int round = 0; round < 2; ++round) {
-        if (findS(problem.vectors(), saupe, work) != Status::ok || saupe != plain)
+        if (findS(problem.vectors(), saupe, work, standardMessages()) != Status::ok || saupe != plain)
             return state.SkipWithError("differs from the plain form");
     }
     for (auto step : state) {
-        static_cast<void>(findS(problem.vectors(), saupe, work));
+        static_cast<void>(findS(problem.vectors(), saupe, work, standardMessages()));
         benchmark::DoNotOptimize(saupe);
     }
     state.SetItemsProcessed(state.iterations());

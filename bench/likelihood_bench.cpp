@@ -27,7 +27,7 @@ Couplings measured()
 {
     Couplings couplings;
     DTable dTab;
-    if (readDC(TRELM_EXAMPLES "/ubiquitin/bicelle_hn.tab", &dTab) != 0)
+    if (readDC(TRELM_EXAMPLES "/ubiquitin/bicelle_hn.tab", dTab, standardMessages()) != Status::ok)
         return couplings;
     for (const DInfo &row : dTab.observed())
         couplings.values.push_back(-row.d);

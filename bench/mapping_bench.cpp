@@ -23,13 +23,14 @@ struct Ubiquitin {
     explicit Ubiquitin(const char *table)
     {
         const std::string folder = std::string(TRELM_EXAMPLES) + "/ubiquitin/";
-        if (readPDB(folder + "1d3z_model1.pdb", &pdb, nullptr) != 0 || readDC(folder + table, &dTab) != 0)
+        if (readPDB(folder + "1d3z_model1.pdb", &pdb, nullptr) != 0 ||
+            readDC(folder + table, dTab, standardMessages()) != Status::ok)
             return;
         selectD(dTab.observed(), 1, 76, 3);
-        buildDC(&pdb, &dTab, 0, 1, {}, 1);
+        buildDC(&pdb, dTab, {.wOff = 1}, standardMessages());
         for (const DInfo &row : dTab.observed())
             measured.push_back(row.d);
-        fitD(&pdb, &dTab, 0);
+        fitD(&pdb, dTab, 0, standardMessages());
         prepareRepeatedFit(dTab, fit);
     }
     ~Ubiquitin() { dTabFree(&dTab); }
@@ -44,9 +45,9 @@ struct Ubiquitin {
                 static_cast<float>(gauss() * static_cast<double>(dTab.dObsList[i].sigma) * 0.5) + measured[i];
         if (plain) {
             dTab.fitWork.svd = {};
-            fitD(&pdb, &dTab, 0);
+            fitD(&pdb, dTab, 0, standardMessages());
         } else {
-            refitD(fit, &pdb, &dTab, 0);
+            refitD(fit, &pdb, dTab, 0, standardMessages());
         }
     }
 };

@@ -78,7 +78,7 @@ void readCouplings(benchmark::State &state)
     const std::string name = manyRows(static_cast<int>(state.range(0)));
     for (auto step : state) {
         DTable dTab;
-        if (readDC(name, &dTab) != 0 || dTab.dCount != state.range(0))
+        if (readDC(name, dTab, standardMessages()) != Status::ok || dTab.dCount != state.range(0))
             return state.SkipWithError("the table was not read");
         dTabFree(&dTab);
     }
@@ -89,7 +89,8 @@ BENCHMARK(readCouplings)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond)
 
 bool readInput(PDBInfo &pdbInfo, DTable &dTab)
 {
-    return readPDB(structureName, &pdbInfo, nullptr) == 0 && readDC(backboneName, &dTab) == 0;
+    return readPDB(structureName, &pdbInfo, nullptr) == 0 &&
+           readDC(backboneName, dTab, standardMessages()) == Status::ok;
 }
 
 void inputAlone(benchmark::State &state)
@@ -112,7 +113,8 @@ void inputAndFit(benchmark::State &state)
         if (!readInput(pdbInfo, dTab))
             return state.SkipWithError("the input was not read");
         selectD(dTab.observed(), dTab.dMinRes, dTab.dMaxRes, 3);
-        if (buildDC(&pdbInfo, &dTab, 0, 0, {}, 1) != 301 || fitD(&pdbInfo, &dTab, 0) != 301)
+        if (buildDC(&pdbInfo, dTab, {.wOff = 0}, standardMessages()) != 301 ||
+            fitD(&pdbInfo, dTab, 0, standardMessages()) != 301)
             return state.SkipWithError("not all couplings were fitted");
     }
 }
@@ -131,10 +133,11 @@ void wholeBestFit(benchmark::State &state)
         if (!readInput(pdbInfo, dTab))
             return state.SkipWithError("the input was not read");
         selectD(dTab.observed(), dTab.dMinRes, dTab.dMaxRes, 3);
-        buildDC(&pdbInfo, &dTab, 0, 0, {}, 1);
+        buildDC(&pdbInfo, dTab, {.wOff = 0}, standardMessages());
         const std::string table = (folder / "fit.tab").string(), turned = (folder / "turned.pdb").string();
-        if (fitD(&pdbInfo, &dTab, 1) < 0 ||
-            writeFit({&pdbInfo, nullptr, &dTab, &trelmInfo, table, turned, nullptr}) != 0)
+        if (!fitD(&pdbInfo, dTab, 1, standardMessages()) ||
+            writeFit({&pdbInfo, nullptr, &dTab, &trelmInfo, table, turned, nullptr}, standardMessages()) !=
+                Status::ok)
             return state.SkipWithError("the best-fit failed");
     }
     fs::remove_all(folder);

@@ -5,7 +5,7 @@ namespace trelm {
 void findSPlain(const FitVectors &vectors, SaupeValues &saupe)
 {
     FitWork fresh;
-    static_cast<void>(findS(vectors, saupe, fresh));
+    static_cast<void>(findS(vectors, saupe, fresh, standardMessages()));
 }
 
 } // namespace trelm

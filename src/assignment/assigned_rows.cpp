@@ -48,7 +48,7 @@ void fillRow(const AssignmentProblem &problem, std::size_t cell, MovedRow &moved
 
 /// Appends the couplings of one medium and type that lie on residues without a row.
 void appendLanded(const ProblemInput &input, const TableProblem &made, std::span<const int> bestIdList,
-                  std::pair<std::size_t, std::size_t> mediumAndType, AssignedRows &rows)
+                  std::pair<std::size_t, std::size_t> mediumAndType, AssignedRows &rows, Messages &messages)
 {
     const auto &[problem, peaks] = made;
     const auto [medium, type] = mediumAndType;
@@ -59,7 +59,7 @@ void appendLanded(const ProblemInput &input, const TableProblem &made, std::span
             problem.dcMat[problem.at(peak, column)] == noPeakCoupling)
             continue;
         MovedRow moved =
-            moveRow(input.pdbInfo, input.dTab, peaks.firstRow[medium][type], peaks.resIdList[row]);
+            moveRow(input.pdbInfo, input.dTab, peaks.firstRow[medium][type], peaks.resIdList[row], messages);
         fillRow(problem, problem.at(peak, column), moved);
         moved.obs.id = moved.calc.id = static_cast<int>(rows.observed.size()) + 1;
         rows.observed.push_back(moved.obs);
@@ -88,12 +88,12 @@ void markRows(DTable &dTab, Predicate isIn)
 
 /// Fits the rows marked, and leaves the calculated couplings of all others as they are: a non-linear fit
 /// would mark them as without a value.
-Status fitMarked(PDBInfo &pdbInfo, int verbose, DTable &dTab)
+Status fitMarked(PDBInfo &pdbInfo, int verbose, DTable &dTab, Messages &messages)
 {
     std::vector<float> kept;
     for (const DInfo &calc : dTab.calculated())
         kept.push_back(calc.d);
-    if (fitD(&pdbInfo, &dTab, verbose) < 0)
+    if (!fitD(&pdbInfo, dTab, verbose, messages))
         return Status::failed;
     for (std::size_t i = 0; i < kept.size(); ++i)
         if (DInfo &calc = dTab.calculated()[i]; calc.valid == 0 || calc.w == 0.0f)
@@ -104,7 +104,7 @@ Status fitMarked(PDBInfo &pdbInfo, int verbose, DTable &dTab)
 } // namespace
 
 AssignedRows applyAssignment(const ProblemInput &input, const TableProblem &made,
-                             std::span<const int> bestIdList)
+                             std::span<const int> bestIdList, Messages &messages)
 {
     const auto &[problem, peaks] = made;
     const auto observed = input.dTab.observed(), calculated = input.dTab.calculated();
@@ -123,27 +123,28 @@ AssignedRows applyAssignment(const ProblemInput &input, const TableProblem &made
     }
     for (std::size_t medium = 0; medium < peaks.media.size(); ++medium)
         for (std::size_t type = 0; type < couplingTypeCount; ++type)
-            appendLanded(input, made, bestIdList, {medium, type}, rows);
+            appendLanded(input, made, bestIdList, {medium, type}, rows, messages);
     return rows;
 }
 
-Status takeRows(const AssignedRows &rows, DTable &dTab)
+Status takeRows(const AssignedRows &rows, DTable &dTab, Messages &messages)
 {
     const std::size_t added = rows.observed.size() - dTab.observed().size();
-    if (added > 0 && addRows(&dTab, static_cast<int>(added)) != 0)
+    if (added > 0 && addRows(dTab, added, messages) != Status::ok)
         return Status::failed;
     std::ranges::copy(rows.observed, dTab.observed().begin());
     std::ranges::copy(rows.calculated, dTab.calculated().begin());
     return Status::ok;
 }
 
-Status fitMedia(PDBInfo &pdbInfo, const std::vector<std::string> &media, int verbose, DTable &dTab)
+Status fitMedia(PDBInfo &pdbInfo, const std::vector<std::string> &media, int verbose, DTable &dTab,
+                Messages &messages)
 {
     std::vector<std::string> inTurn = media;
     inTurn.push_back(media.front());
     for (const std::string &medium : inTurn) {
         markRows(dTab, [&](const DInfo &obs) { return obs.segNameI == std::string_view(medium); });
-        if (fitMarked(pdbInfo, verbose, dTab) != Status::ok)
+        if (fitMarked(pdbInfo, verbose, dTab, messages) != Status::ok)
             return Status::failed;
     }
     markRows(dTab, [](const DInfo &) { return true; });

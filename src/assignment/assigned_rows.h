@@ -19,13 +19,14 @@ struct AssignedRows {
 /// on a residue without a row of its type. Where the structure lacks the atoms of it the row is in no fit and
 /// has no calculated coupling. bestIdList: by residue row the peak row on it, or -1.
 AssignedRows applyAssignment(const ProblemInput &input, const TableProblem &made,
-                             std::span<const int> bestIdList);
+                             std::span<const int> bestIdList, Messages &messages);
 
 /// Brings the rows into their table. Fails if there is no memory, after a message.
-Status takeRows(const AssignedRows &rows, DTable &dTab);
+Status takeRows(const AssignedRows &rows, DTable &dTab, Messages &messages);
 
 /// Fits a table medium after medium, and the first once more: its tensor is the one that stays. The Euler
 /// angles are those of the Saupe vector, whatever the kind of fit. Fails after a message.
-Status fitMedia(PDBInfo &pdbInfo, const std::vector<std::string> &media, int verbose, DTable &dTab);
+Status fitMedia(PDBInfo &pdbInfo, const std::vector<std::string> &media, int verbose, DTable &dTab,
+                Messages &messages);
 
 } // namespace trelm

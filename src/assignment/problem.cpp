@@ -236,7 +236,8 @@ void fillMissing(Making &making, std::size_t medium, int type)
             continue;
         const int resID = peaks.resIdList[row];
         appendf(missing, " %d", resID);
-        putVector(moveRow(making.input.pdbInfo, making.input.dTab, peaks.firstRow[medium][type], resID),
+        putVector(moveRow(making.input.pdbInfo, making.input.dTab, peaks.firstRow[medium][type], resID,
+                          making.messages),
                   making.problem, cell);
     }
     if (missing.empty())

@@ -85,11 +85,12 @@ float scoreMedium(const AssignmentProblem &problem, ScoreWork &work)
 {
     const FitVectors vectors = vectorsOf(work);
     SaupeValues fitted = {};
-    static_cast<void>(findS(vectors, fitted, work.fit)); // without a fit the tensor is 0, which lies outside
+    // Without a fit the tensor is 0, which lies outside.
+    static_cast<void>(findS(vectors, fitted, work.fit, work.messages));
     Saupe saupe;
     std::ranges::copy(fitted, saupe.begin());
     TensorAnalysis analysis;
-    if (analyzeSaupe(saupe, 0, 0, analysis) != 0) {
+    if (analyzeSaupe(saupe, 0, 0, analysis, work.messages) != Status::ok) {
         work.messages.err("trelm: error in analyzeSaupe.\n");
         return outsideWindow; // what is no number lies in no window
     }

@@ -202,7 +202,7 @@ RelativeAngles relativeAngles(const Matrix3f &turn1, const Matrix3f &turnClosure
 Status analyze(const Saupe &saupe, int yzFlag, TensorAnalysis &analysis, Messages &messages)
 {
     constexpr double largest = 1e18;
-    if (analyzeSaupe(saupe, yzFlag, 1, analysis) != 0 || !(analysis.gMag < largest))
+    if (analyzeSaupe(saupe, yzFlag, 1, analysis, messages) != Status::ok || !(analysis.gMag < largest))
         return messages.fail("Matrix: error in analyzeSaupe.\n");
     if (analysis.gMag == 0.0)
         messages.err("trelm: an order matrix is 0: it has no frame to compare.\n");

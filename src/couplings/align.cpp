@@ -27,11 +27,12 @@ struct AlignRun {
     PDBInfo &pdbInfo;
     DTable &dTab;
     DTensor &tensor;
-    int verbose = 0;
+    int verbose;
+    Messages &messages;
     std::size_t atomCount = 0; ///< atoms in use
     int dCount = 0;            ///< couplings in use
     float dRMS = 0.0f;         ///< of the weighted residuals
-    Transform turn;            ///< of the last evaluation
+    Transform turn = {};       ///< of the last evaluation
 
     [[nodiscard]] std::span<Coord3D> standing() { return dTab.fitWork.aCoords.span().first(atomCount); }
     [[nodiscard]] std::size_t slotOf(const AtomInfo &atom) const
@@ -126,7 +127,7 @@ void selectAtoms(AlignRun &run)
             slot = run.atomCount++;
 }
 
-Status growCoords(FitWork &work, std::size_t atomCount)
+Status growCoords(FitWork &work, std::size_t atomCount, Messages &messages)
 {
     if (atomCount <= work.wCoords.length())
         return Status::ok;
@@ -138,14 +139,13 @@ Status growCoords(FitWork &work, std::size_t atomCount)
         return Status::ok;
     for (Block<Coord3D> *coords : {&work.aCoords, &work.wCoords})
         coords->release();
-    complain("GORVAT Error (DC Fit) allocating workspaces.\n");
-    return Status::failed;
+    return messages.fail("GORVAT Error (DC Fit) allocating workspaces.\n");
 }
 
 /// Gathers the coordinates of the atoms in use.
 Status gatherCoords(AlignRun &run)
 {
-    if (growCoords(run.dTab.fitWork, run.atomCount) != Status::ok)
+    if (growCoords(run.dTab.fitWork, run.atomCount, run.messages) != Status::ok)
         return Status::failed;
     for (const AtomInfo &atom : run.pdbInfo.atoms())
         if (const std::size_t slot = run.slotOf(atom); slot != noSlot)
@@ -209,7 +209,7 @@ void tellState(const AlignRun &run, int n)
         appendf(text, "%.3f", double{t.rh});
     else
         appendf(text, "%.3e", double{t.dr});
-    complain("%s RMS(%d): %.4f\n", text.c_str(), n, double{run.dRMS});
+    run.messages.err("%s RMS(%d): %.4f\n", text.c_str(), n, double{run.dRMS});
 }
 
 /// The residuals of the couplings in use for the free parameters cg, on the scale of an amide pair. The
@@ -231,8 +231,8 @@ int fitDCTarget(AlignRun &run, int xCnt, const float *cg, float *res)
         squares += residual * residual;
         ++n;
         if (run.verbose > 2)
-            complain(" DC %3d % 8.3f % 8.3f % 8.3f\n", n, double{observed[i].d}, double{calculated[i].d},
-                     double{difference});
+            run.messages.err(" DC %3d % 8.3f % 8.3f % 8.3f\n", n, double{observed[i].d},
+                             double{calculated[i].d}, double{difference});
     }
     run.dRMS = n > 0 ? std::sqrt(squares / static_cast<float>(n)) : 0.0f;
     if (run.verbose > 1)
@@ -272,23 +272,23 @@ void takeSolutions(const Matrix4 &m, DTensor &tensor)
 
 } // namespace
 
-int fitDCAlign(PDBInfo &pdbInfo, DTable &dTab, int verbose)
+std::optional<int> fitDCAlign(PDBInfo &pdbInfo, DTable &dTab, int verbose, Messages &messages)
 {
-    AlignRun run{pdbInfo, dTab, dTab.dTensor, verbose, 0, 0, 0.0f, {}};
+    AlignRun run{pdbInfo, dTab, dTab.dTensor, verbose, messages};
     selectAtoms(run);
     if (verbose > 1)
-        complain("%d Couplings, %zu Atoms Selected.\n", run.dCount, run.atomCount);
+        messages.err("%d Couplings, %zu Atoms Selected.\n", run.dCount, run.atomCount);
     if (run.atomCount == 0 || run.dCount == 0)
         return 0;
     if (gatherCoords(run) != Status::ok) {
-        complain("GORVAT Error initializing alignment workspaces.\n");
-        return -1;
+        messages.err("GORVAT Error initializing alignment workspaces.\n");
+        return std::nullopt;
     }
     fitParameters(run);
     takeSolutions(run.turn.m, run.tensor);
     if (!std::isfinite(run.dRMS)) {
-        complain("DC Error: the differences of the couplings are no finite numbers: look at D and DD.\n");
-        return -1;
+        messages.err("DC Error: the differences of the couplings are no finite numbers: look at D and DD.\n");
+        return std::nullopt;
     }
     return run.dCount;
 }

@@ -59,45 +59,46 @@ ColumnLocs findColumns(const TextTable &text)
 
 /// A cell of a text column is a place in a list. Taken as a coupling it would be a wrong number that nobody
 /// sees.
-int checkNumberColumn(const TextTable &text, const char *name, const std::string &inDName)
+Status checkNumberColumn(const TextTable &text, const char *name, const std::string &inDName,
+                         Messages &messages)
 {
     constexpr int textType = 1;
     const int loc = getTabVar(text.varInfo, name);
     if (loc < 0)
-        return 0;
+        return Status::ok;
     const auto column = static_cast<std::size_t>(loc);
     if (text.varInfo[column].type == textType)
-        return complain("DC Error: column %s of %s holds text, not numbers.\n", name, inDName.c_str());
+        return messages.fail("DC Error: column %s of %s holds text, not numbers.\n", name, inDName.c_str());
     for (std::size_t row = 0; row < static_cast<std::size_t>(text.entryCount); ++row)
         if (!std::isfinite(text.matrix[row * static_cast<std::size_t>(text.varCount) + column]))
-            return complain("DC Error: %s is no finite number in row %zu of %s.\n", name, row + 1,
-                            inDName.c_str());
-    return 0;
+            return messages.fail("DC Error: %s is no finite number in row %zu of %s.\n", name, row + 1,
+                                 inDName.c_str());
+    return Status::ok;
 }
 
-int checkSigmas(const TextTable &text, const std::string &inDName)
+Status checkSigmas(const TextTable &text, const std::string &inDName, Messages &messages)
 {
     const int loc = getTabVar(text.varInfo, "DD");
     for (std::size_t row = 0; loc >= 0 && row < static_cast<std::size_t>(text.entryCount); ++row) {
         const float sigma =
             text.matrix[row * static_cast<std::size_t>(text.varCount) + static_cast<std::size_t>(loc)];
         if (sigma < 0.0f)
-            return complain("DC Error: DD is negative (%g) in row %zu of %s.\n", static_cast<double>(sigma),
-                            row + 1, inDName.c_str());
+            return messages.fail("DC Error: DD is negative (%g) in row %zu of %s.\n",
+                                 static_cast<double>(sigma), row + 1, inDName.c_str());
     }
-    return 0;
+    return Status::ok;
 }
 
 /// Refuses a table with cells that no row could use.
-int checkNumbers(const TextTable &text, const std::string &inDName)
+Status checkNumbers(const TextTable &text, const std::string &inDName, Messages &messages)
 {
     for (const NumberColumn &column : numberColumns)
-        if (checkNumberColumn(text, column.name, inDName) != 0)
-            return 1;
+        if (checkNumberColumn(text, column.name, inDName, messages) != Status::ok)
+            return Status::failed;
     for (const char *name : otherNumbers)
-        if (checkNumberColumn(text, name, inDName) != 0)
-            return 1;
-    return checkSigmas(text, inDName);
+        if (checkNumberColumn(text, name, inDName, messages) != Status::ok)
+            return Status::failed;
+    return checkSigmas(text, inDName, messages);
 }
 
 float cellOr(const TableRow &row, int loc, float missing)
@@ -136,18 +137,16 @@ void readRow(const TableRow &row, const ColumnLocs &locs, DInfo &obs)
 }
 
 /// Sets the constant of a pair with a fixed distance; any other keeps what the table says until the structure
-/// is there. Returns what findVariableDI does.
-int setFixedDI(DInfo &obs)
+/// is there. Fails after a message if a nucleus is not known.
+Status setFixedDI(DInfo &obs, Messages &messages)
 {
-    float di = 0.0f;
-    int fixed = 0;
-    const int status = findVariableDI(0.0f, {obs.resIDI, obs.atomNameI.view()},
-                                      {obs.resIDJ, obs.atomNameJ.view()}, di, fixed, 1);
-    if (fixed != 0) {
+    const Interaction found = findVariableDI(0.0f, {obs.resIDI, obs.atomNameI.view()},
+                                             {obs.resIDJ, obs.atomNameJ.view()}, 1, messages);
+    if (found.isFixed) {
         obs.diFixedFlag = 1;
-        obs.di = di;
+        obs.di = found.di;
     }
-    return status;
+    return found.isKnown ? Status::ok : Status::failed;
 }
 
 /// The most atom pairs that a row can resolve to.
@@ -161,53 +160,53 @@ std::size_t possiblePairs(const DInfo &obs)
     return pairs;
 }
 
-int allocateRows(DTable *dTab, int rowCount)
+Status allocateRows(DTable &dTab, int rowCount, Messages &messages)
 {
     const auto rows = static_cast<std::size_t>(rowCount);
-    dTab->dCount = 0;
-    dTab->dObsList = Block<DInfo>("dc", rows);
-    dTab->dCalcList = Block<DInfo>("dc", rows);
-    if (!dTab->dObsList || !dTab->dCalcList)
-        return complain("DC Error Allocating DC Values.");
-    dTab->dCount = rowCount;
-    dTab->maxCount = 0;
-    dTab->dMinRes = 1000000;
-    dTab->dMaxRes = 0;
-    return 0;
+    dTab.dCount = 0;
+    dTab.dObsList = Block<DInfo>("dc", rows);
+    dTab.dCalcList = Block<DInfo>("dc", rows);
+    if (!dTab.dObsList || !dTab.dCalcList)
+        return messages.fail("DC Error Allocating DC Values.");
+    dTab.dCount = rowCount;
+    dTab.maxCount = 0;
+    dTab.dMinRes = 1000000;
+    dTab.dMaxRes = 0;
+    return Status::ok;
 }
 
-int allocateWork(DTable *dTab, std::size_t pairs)
+Status allocateWork(DTable &dTab, std::size_t pairs, Messages &messages)
 {
     // maxCount is an int, and so is the length of a fit.
-    dTab->work.release();
+    dTab.work.release();
     if (pairs <= static_cast<std::size_t>(INT_MAX))
-        dTab->work = Block<float>("dc", pairs * workSlices + workSlices);
-    if (!dTab->work)
-        return complain("DC Error Allocating DC Workspaces.\n");
-    dTab->maxCount = static_cast<int>(pairs);
-    return 0;
+        dTab.work = Block<float>("dc", pairs * workSlices + workSlices);
+    if (!dTab.work)
+        return messages.fail("DC Error Allocating DC Workspaces.\n");
+    dTab.maxCount = static_cast<int>(pairs);
+    return Status::ok;
 }
 
-/// Fills the table. The result is that of the last row's interaction constant.
-int readRows(const TextTable &text, DTable *dTab)
+/// Fills the table. The status is that of the last row's interaction constant.
+Status readRows(const TextTable &text, DTable &dTab, Messages &messages)
 {
     const ColumnLocs locs = findColumns(text);
     std::size_t pairs = 0;
     std::size_t number = 0;
-    int status = 0;
-    for (DInfo &obs : dTab->observed()) {
+    Status status = Status::ok;
+    for (DInfo &obs : dTab.observed()) {
         const float *cells = text.matrix.data() + number * static_cast<std::size_t>(text.varCount);
         readRow({text, cells, ++number}, locs, obs);
         if (!obs.chainNameI.empty() || !obs.chainNameJ.empty())
-            dTab->nullChainName = 0;
+            dTab.nullChainName = 0;
         if (!obs.segNameI.empty() || !obs.segNameJ.empty())
-            dTab->nullSegName = 0;
-        status = setFixedDI(obs);
-        dTab->dMinRes = std::min({dTab->dMinRes, obs.resIDI, obs.resIDJ});
-        dTab->dMaxRes = std::max({dTab->dMaxRes, obs.resIDI, obs.resIDJ});
+            dTab.nullSegName = 0;
+        status = setFixedDI(obs, messages);
+        dTab.dMinRes = std::min({dTab.dMinRes, obs.resIDI, obs.resIDJ});
+        dTab.dMaxRes = std::max({dTab.dMaxRes, obs.resIDI, obs.resIDJ});
         pairs += possiblePairs(obs);
     }
-    return allocateWork(dTab, pairs) != 0 ? 1 : status;
+    return allocateWork(dTab, pairs, messages) != Status::ok ? Status::failed : status;
 }
 
 /// Resolves one side. Returns how many atoms there are; the record takes maxPairAtoms of them, and `count` is
@@ -224,17 +223,16 @@ int findSide(PDBInfo *pdbInfo, const SideQuery &query, std::array<AtomInfo *, ma
     return all;
 }
 
-/// The same for a row that a fit will use: an excess of atoms is told, and the row takes no part from then
-/// on, so that it is told once.
-void findSideOrDrop(PDBInfo *pdbInfo, const SideQuery &query, std::array<AtomInfo *, maxPairAtoms> &atoms,
-                    int &count, DInfo &obs)
+/// The same for a row that a fit will use. Returns false after a message for an excess of atoms.
+bool findWholeSide(PDBInfo *pdbInfo, const SideQuery &query, std::array<AtomInfo *, maxPairAtoms> &atoms,
+                   int &count, Messages &messages)
 {
     const int all = findSide(pdbInfo, query, atoms, count);
     if (all <= maxPairAtoms)
-        return;
-    complain("DC Error: %s of residue %d resolves to %d atoms, the limit is %d.\n", query.atomName.c_str(),
-             query.resID, all, maxPairAtoms);
-    obs.valid = 0;
+        return true;
+    messages.err("DC Error: %s of residue %d resolves to %d atoms, the limit is %d.\n",
+                 query.atomName.c_str(), query.resID, all, maxPairAtoms);
+    return false;
 }
 
 /// The names that an atom's residue carries.
@@ -265,13 +263,16 @@ void weightRow(const DInfo &obs, DInfo &calc, int wOff, std::span<const float> w
 }
 
 /// Sets the interaction constant of a row that has its atoms.
-void setDI(DInfo &obs, DInfo &calc, int allowFixedDI)
+void setDI(DInfo &obs, DInfo &calc, int allowFixedDI, Messages &messages)
 {
     if (obs.diFixedFlag == 0 || allowFixedDI == 0) {
         const AtomInfo &atomI = *calc.atomI[0], &atomJ = *calc.atomJ[0];
         const float rIJ = findAtomListRad(calc.atomsI(), calc.atomsJ());
-        findVariableDI(rIJ, {calc.resIDI, atomI.atomName.view()}, {calc.resIDJ, atomJ.atomName.view()},
-                       obs.di, obs.diFixedFlag, allowFixedDI);
+        const Interaction found =
+            findVariableDI(rIJ, {calc.resIDI, atomI.atomName.view()}, {calc.resIDJ, atomJ.atomName.view()},
+                           allowFixedDI, messages);
+        obs.di = found.di;
+        obs.diFixedFlag = found.isFixed ? 1 : 0;
     }
     calc.di = obs.di;
     calc.diFixedFlag = obs.diFixedFlag;
@@ -315,18 +316,17 @@ RowQueries queriesOf(const PDBInfo &pdbInfo, const DTable &dTab, const DInfo &ob
             side(obs.resIDJ, obs.atomNameJ, obs.chainNameJ, obs.segNameJ)};
 }
 
-int readDC(const std::string &inDName, DTable *dTab)
+Status readDC(const std::string &inDName, DTable &dTab, Messages &messages)
 {
-    if (dTab == nullptr || inDName.empty() || equalNoCase(inDName, "None"))
-        return 0;
+    if (inDName.empty() || equalNoCase(inDName, "None"))
+        return Status::ok;
     TextTable text;
     if (const int status = rdTable(inDName, text, static_cast<int>(noCoupling)); status != 0)
-        return status;
-    if (checkNumbers(text, inDName) != 0)
-        return 1;
-    if (allocateRows(dTab, text.entryCount) != 0)
-        return 1;
-    return readRows(text, dTab);
+        return static_cast<Status>(status);
+    if (checkNumbers(text, inDName, messages) != Status::ok ||
+        allocateRows(dTab, text.entryCount, messages) != Status::ok)
+        return Status::failed;
+    return readRows(text, dTab, messages);
 }
 
 int selectD(std::span<DInfo> dList, int segFirst, int segLast, int excludeMode)
@@ -359,26 +359,27 @@ int selTypDC(std::span<DInfo> dList, std::string_view atomNameI, std::string_vie
     return count;
 }
 
-int addRows(DTable *dTab, int count)
+Status addRows(DTable &dTab, std::size_t count, Messages &messages)
 {
-    const auto rows = static_cast<std::size_t>(dTab->dCount) + static_cast<std::size_t>(count);
-    const auto pairs = static_cast<std::size_t>(dTab->maxCount) +
-                       static_cast<std::size_t>(count); // one for each row that is added
-    if (!dTab->dObsList.grow("dc", rows) || !dTab->dCalcList.grow("dc", rows))
-        return complain("DC Error Allocating DC Values.\n");
-    if (allocateWork(dTab, pairs) != 0)
-        return 1;
-    dTab->dCount = static_cast<int>(rows);
-    return 0;
+    const auto rows = dTab.observed().size() + count;
+    const auto pairs = static_cast<std::size_t>(dTab.maxCount) + count; // one for each row that is added
+    if (!dTab.dObsList.grow("dc", rows) || !dTab.dCalcList.grow("dc", rows))
+        return messages.fail("DC Error Allocating DC Values.\n");
+    if (allocateWork(dTab, pairs, messages) != Status::ok)
+        return Status::failed;
+    dTab.dCount = static_cast<int>(rows);
+    return Status::ok;
 }
 
-void buildRow(PDBInfo *pdbInfo, const DTable &dTab, int aOff, DInfo &obs, DInfo &calc)
+void buildRow(PDBInfo *pdbInfo, const DTable &dTab, int aOff, DInfo &obs, DInfo &calc, Messages &messages)
 {
     calc.valid = 1;
     calc.id = obs.id;
     const RowQueries sides = queriesOf(*pdbInfo, dTab, obs, aOff);
-    findSideOrDrop(pdbInfo, sides.i, calc.atomI, calc.atomICount, obs);
-    findSideOrDrop(pdbInfo, sides.j, calc.atomJ, calc.atomJCount, obs);
+    const bool isWholeI = findWholeSide(pdbInfo, sides.i, calc.atomI, calc.atomICount, messages);
+    const bool isWholeJ = findWholeSide(pdbInfo, sides.j, calc.atomJ, calc.atomJCount, messages);
+    if (!isWholeI || !isWholeJ)
+        obs.valid = 0; // so that it is told once
     if (calc.atomICount == 0 || calc.atomJCount == 0) {
         calc.valid = 0;
         return;
@@ -393,22 +394,21 @@ void buildRow(PDBInfo *pdbInfo, const DTable &dTab, int aOff, DInfo &obs, DInfo 
     calc.w = obs.w;
 }
 
-int buildDC(PDBInfo *pdbInfo, DTable *dTab, int aOff, int wOff, std::span<const float> wList,
-            int allowFixedDI)
+int buildDC(PDBInfo *pdbInfo, DTable &dTab, const RowMatch &match, Messages &messages)
 {
-    if (pdbInfo == nullptr || dTab == nullptr || !dTab->dObsList || !dTab->dCalcList || !pdbInfo->atomList)
+    if (pdbInfo == nullptr || !dTab.dObsList || !dTab.dCalcList || !pdbInfo->atomList)
         return 0;
-    std::ranges::fill(dTab->calculated(), DInfo{});
+    std::ranges::fill(dTab.calculated(), DInfo{});
     int count = 0;
-    for (std::size_t i = 0; i < dTab->observed().size(); ++i) {
-        DInfo &obs = dTab->observed()[i], &calc = dTab->calculated()[i];
+    for (std::size_t i = 0; i < dTab.observed().size(); ++i) {
+        DInfo &obs = dTab.observed()[i], &calc = dTab.calculated()[i];
         if (obs.valid != 1)
             continue;
-        buildRow(pdbInfo, *dTab, aOff, obs, calc);
+        buildRow(pdbInfo, dTab, match.aOff, obs, calc, messages);
         if (calc.valid != 0)
-            weightRow(obs, calc, wOff, wList);
+            weightRow(obs, calc, match.wOff, match.wList);
         if (calc.valid != 0)
-            setDI(obs, calc, allowFixedDI);
+            setDI(obs, calc, match.allowFixedDI, messages);
         count += calc.valid;
     }
     return count;

@@ -3,6 +3,7 @@
 
 #include "couplings/fit_work.h"
 #include "ground/alloc.h"
+#include "ground/messages.h"
 #include "structure/pdb.h"
 
 #include <array>
@@ -126,11 +127,11 @@ void dTabFree(DTable *dTab);
 /// A tensor's values from B to A; rh, its bounds and rhFlag are not copied.
 void dTensorCopy(DTensor &tInfoA, const DTensor &tInfoB);
 
-/// Reads a coupling file. An empty name or "None" leaves the table alone. Returns 0, or non-zero after a
-/// message: for a table that cannot be read, a number column that holds text or a value that is not finite,
-/// a negative DD, no memory, or an unknown nucleus in the last row (the table is complete then). An unknown
-/// nucleus in any other row is told, and the row read.
-int readDC(const std::string &inDName, DTable *dTab);
+/// Reads a coupling file. An empty name or "None" leaves the table alone. Fails after a message: for a table
+/// that cannot be read, a number column that holds text or a value that is not finite, a negative DD, no
+/// memory, or an unknown nucleus in the last row (the table is complete then). An unknown nucleus in any
+/// other row is told, and the row read.
+Status readDC(const std::string &inDName, DTable &dTab, Messages &messages);
 
 /// A residue number from outside plus an offset; a sum beyond int becomes its limit.
 int shiftedRes(int resID, std::int64_t offset);
@@ -154,19 +155,25 @@ int selectD(std::span<DInfo> dList, int segFirst, int segLast, int excludeMode);
 /// valid count.
 int selTypDC(std::span<DInfo> dList, std::string_view atomNameI, std::string_view atomNameJ);
 
-/// Adds rows of single pairs to the end of a table, in their starting state. Returns 0, or 1 after a message.
-int addRows(DTable *dTab, int count);
+/// Adds rows of single pairs to the end of a table, in their starting state. Fails after a message.
+Status addRows(DTable &dTab, std::size_t count, Messages &messages);
 
 /// Fills one calculated row, which starts as DInfo{}: atoms, names and values of the observed one, all but
 /// the weight of its residue and the constant. `valid` is 0 where the structure lacks the atoms.
-void buildRow(PDBInfo *pdbInfo, const DTable &dTab, int aOff, DInfo &obs, DInfo &calc);
+void buildRow(PDBInfo *pdbInfo, const DTable &dTab, int aOff, DInfo &obs, DInfo &calc, Messages &messages);
 
-/// Fills the calculated rows of the valid observed ones: atoms, names, weights by residue (wList, entry 0 is
-/// residue wOff; empty: none), interaction constants. A residue's weight multiplies `w` by its root and
-/// divides the calculated row's sigma, which no fit reads; 0 takes the row out. A name that resolves to more
-/// than maxPairAtoms atoms is told, and its observed row too becomes invalid; an unknown nucleus is told
-/// again. Returns the number of valid rows.
-int buildDC(PDBInfo *pdbInfo, DTable *dTab, int aOff, int wOff, std::span<const float> wList,
-            int allowFixedDI);
+/// How rows are brought onto a structure.
+struct RowMatch {
+    int aOff = 0;                      ///< what has to be added to a residue number
+    int wOff = 0;                      ///< residue of the first weight
+    std::span<const float> wList = {}; ///< weights by residue; empty: none
+    int allowFixedDI = 1;              ///< interaction constants of known distances
+};
+
+/// Fills the calculated rows of the valid observed ones: atoms, names, weights by residue, interaction
+/// constants. A residue's weight multiplies `w` by its root and divides the calculated row's sigma, which no
+/// fit reads; 0 takes the row out. A name that resolves to more than maxPairAtoms atoms is told, and its
+/// observed row too becomes invalid; an unknown nucleus is told again. Returns the number of valid rows.
+int buildDC(PDBInfo *pdbInfo, DTable &dTab, const RowMatch &match, Messages &messages);
 
 } // namespace trelm

@@ -2,7 +2,6 @@
 
 #include "couplings/design.h"
 #include "support/numerics/svd.h"
-#include "support/text/text.h"
 
 #include <algorithm>
 #include <cmath>
@@ -135,12 +134,13 @@ void calculateRows(const RepeatedFit &fit, const SaupeValues &saupe, DTable &dTa
 }
 
 /// Couplings, errors or a tensor near the end of the range of single precision: no result is worth writing.
-int checkTensor(const DTensor &tensor, int used)
+std::optional<int> checkTensor(const DTensor &tensor, int used, Messages &messages)
 {
     if (std::ranges::all_of(tensor.saupe, [](float element) { return std::isfinite(element); }))
         return used;
-    complain("DC Error: the order matrix is no finite number: look at D, DD, W and the tensor options.\n");
-    return -1;
+    messages.err(
+        "DC Error: the order matrix is no finite number: look at D, DD, W and the tensor options.\n");
+    return std::nullopt;
 }
 
 } // namespace
@@ -154,31 +154,30 @@ void solveEuler(DTensor &tensor)
     tensor.phiList = lists.phi;
 }
 
-int fitD(PDBInfo *pdbInfo, DTable *dTab, int verbose)
+std::optional<int> fitD(PDBInfo *pdbInfo, DTable &dTab, int verbose, Messages &messages)
 {
-    if (dTab == nullptr)
-        return 0;
-    int used = 0;
-    switch (dTab->dTensor.tensorMode) {
+    std::optional<int> used = 0;
+    switch (dTab.dTensor.tensorMode) {
     case tensorSvd:
     case tensorSaupe:
     case tensorGiven:
     case tensorGivenToo:
-        used = fitDSVD(*dTab);
+        used = fitDSVD(dTab, messages);
         break;
     case tensorNofixed:
     case tensorDaDr:
     case tensorFixed:
     case tensorFreeToo:
-        used = pdbInfo != nullptr ? fitDCAlign(*pdbInfo, *dTab, verbose) : 0;
+        if (pdbInfo != nullptr)
+            used = fitDCAlign(*pdbInfo, dTab, verbose, messages);
         break;
     default:
         break;
     }
-    return checkTensor(dTab->dTensor, used);
+    return used ? checkTensor(dTab.dTensor, *used, messages) : std::nullopt;
 }
 
-int fitDSVD(DTable &dTab)
+std::optional<int> fitDSVD(DTable &dTab, Messages &messages)
 {
     DTensor &tensor = dTab.dTensor;
     const bool fit = tensor.tensorMode == tensorSvd;
@@ -188,9 +187,9 @@ int fitDSVD(DTable &dTab)
         return 0;
     const Filled filled = putRows(dTab, slices);
     // Too few couplings leave a zero tensor, and then zero couplings: that is an answer, not a failure.
-    if (fit && findS(firstEntries(slices, slices.diFit, filled.entries), tensor.saupe, dTab.fitWork) ==
-                   Status::failed)
-        return -1;
+    if (fit && findS(firstEntries(slices, slices.diFit, filled.entries), tensor.saupe, dTab.fitWork,
+                     messages) == Status::failed)
+        return std::nullopt;
     findD(firstEntries(slices, slices.diBack, filled.entries), tensor.saupe);
     if (tensor.eulerFlag != 0)
         solveEuler(tensor);
@@ -224,19 +223,19 @@ void prepareRepeatedFit(DTable &dTab, RepeatedFit &fit)
     fit.isUsable = count >= fewestCouplings;
 }
 
-int refitD(RepeatedFit &fit, PDBInfo *pdbInfo, DTable *dTab, int verbose)
+std::optional<int> refitD(RepeatedFit &fit, PDBInfo *pdbInfo, DTable &dTab, int verbose, Messages &messages)
 {
     if (!fit.isUsable)
-        return fitD(pdbInfo, dTab, verbose);
-    DTensor &tensor = dTab->dTensor;
+        return fitD(pdbInfo, dTab, verbose, messages);
+    DTensor &tensor = dTab.dTensor;
     for (std::size_t k = 0; k < fit.entries.size(); ++k)
-        fit.y[k] = fit.entries[k].toFit * dTab->dObsList[static_cast<std::size_t>(fit.rows[k])].d;
+        fit.y[k] = fit.entries[k].toFit * dTab.dObsList[static_cast<std::size_t>(fit.rows[k])].d;
     if (svdLSMat(fit.x, fit.y, tensor.saupe, fit.svd) != Status::ok)
-        return -1;
+        return std::nullopt;
     if (tensor.eulerFlag != 0)
         solveEuler(tensor);
-    calculateRows(fit, tensor.saupe, *dTab);
-    return checkTensor(tensor, fit.used);
+    calculateRows(fit, tensor.saupe, dTab);
+    return checkTensor(tensor, fit.used, messages);
 }
 
 } // namespace trelm

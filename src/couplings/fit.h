@@ -4,10 +4,11 @@
 #include "couplings/dipolar.h"
 #include "couplings/euler.h"
 #include "couplings/fit_work.h"
-#include "ground/status.h"
+#include "ground/messages.h"
 
 #include <array>
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -25,20 +26,20 @@ struct FitVectors {
 };
 
 /// Fits or back-calculates by the tensor's `tensorMode`: the calculated couplings go to dCalcList, the tensor
-/// to dTensor. `verbose` above 1 tells about the non-linear path. Returns the number of couplings used, or -1
-/// if there is no memory for the fit, or, after a message, if its result is no finite number.
-int fitD(PDBInfo *pdbInfo, DTable *dTab, int verbose);
+/// to dTensor. `verbose` above 1 tells about the non-linear path. Returns the number of couplings used, or
+/// nothing after a message: no memory for the fit, or a result that is no finite number.
+std::optional<int> fitD(PDBInfo *pdbInfo, DTable &dTab, int verbose, Messages &messages);
 
 /// The two engines: linear least squares (or no fit at all, for a given Saupe vector), and
 /// Levenberg-Marquardt over rotation, Da and Dr. The second starts from the tensor as it is, so repeated fits
 /// go on from the last answer, and without a coupling that answer stays. Its Saupe vector is that of the
 /// first Euler solution, and shares what rot2euler says about theta = +-90.
-int fitDSVD(DTable &dTab);
-int fitDCAlign(PDBInfo &pdbInfo, DTable &dTab, int verbose);
+std::optional<int> fitDSVD(DTable &dTab, Messages &messages);
+std::optional<int> fitDCAlign(PDBInfo &pdbInfo, DTable &dTab, int verbose, Messages &messages);
 
-/// Least-squares Saupe vector. `noSolution` with zeros for fewer than five entries, `failed` with zeros
-/// without memory. Source: Losonczi et al., J. Magn. Reson. 138 (1999) 334.
-Status findS(const FitVectors &vectors, SaupeValues &saupe, FitWork &work);
+/// Least-squares Saupe vector. `noSolution` with zeros for fewer than five entries, `failed` with zeros and
+/// after a message without memory. Source: Losonczi et al., J. Magn. Reson. 138 (1999) 334.
+Status findS(const FitVectors &vectors, SaupeValues &saupe, FitWork &work, Messages &messages);
 
 /// Couplings of a Saupe vector, Hz, into dVal.
 void findD(const FitVectors &vectors, const SaupeValues &saupe);
@@ -74,6 +75,6 @@ struct RepeatedFit {
 void prepareRepeatedFit(DTable &dTab, RepeatedFit &fit);
 
 /// As fitD, to the bit.
-int refitD(RepeatedFit &fit, PDBInfo *pdbInfo, DTable *dTab, int verbose);
+std::optional<int> refitD(RepeatedFit &fit, PDBInfo *pdbInfo, DTable &dTab, int verbose, Messages &messages);
 
 } // namespace trelm

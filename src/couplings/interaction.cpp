@@ -1,8 +1,8 @@
 #include "couplings/interaction.h"
 
-#include "support/text/text.h"
-
+#include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace trelm {
@@ -67,35 +67,30 @@ char atomLetter(std::string_view atomName)
     return atomName.size() > 1 ? atomName[1] : '\0';
 }
 
-/// Sets the ratio of an atom; 1, after a message, if its nucleus is not known.
-int findGyroRatio(std::string_view atomName, float &ratio)
+/// The ratio of an atom; nothing, after a message, if its nucleus is not known.
+std::optional<float> findGyroRatio(std::string_view atomName, Messages &messages)
 {
-    const char letter = atomLetter(atomName);
-    for (const GyroRatio &row : gyroRatios)
-        if (row.letter == letter) {
-            ratio = row.ratio;
-            return 0;
-        }
-    ratio = 1.0f;
-    return complain("Dipolar Interaction - Unknown atom %s.\n", std::string(atomName).c_str());
+    const auto *row = std::ranges::find(gyroRatios, atomLetter(atomName), &GyroRatio::letter);
+    if (row != std::end(gyroRatios))
+        return row->ratio;
+    messages.err("Dipolar Interaction - Unknown atom %s.\n", std::string(atomName).c_str());
+    return std::nullopt;
 }
 
 } // namespace
 
-int findVariableDI(float rIJOrig, const PairSide &sideI, const PairSide &sideJ, float &diVal,
-                   int &diFixedFlag, int allowFixedDI)
+Interaction findVariableDI(float rIJ, const PairSide &sideI, const PairSide &sideJ, int allowFixedDI,
+                           Messages &messages)
 {
     const FixedDistance *fixed = allowFixedDI != 0 ? findFixedDistance(sideI, sideJ) : nullptr;
-    diFixedFlag = fixed != nullptr ? 1 : 0;
-    const float rIJ = fixed != nullptr ? fixed->rIJ : rIJOrig;
-    const float cube = rIJ * rIJ * rIJ;
+    const float r = fixed != nullptr ? fixed->rIJ : rIJ;
+    const float cube = r * r * r;
     const float r3 = cube > smallestCube ? 1.0f / cube : 0.0f;
-
-    float gI = 1.0f, gJ = 1.0f;
-    const int badI = findGyroRatio(sideI.atomName, gI);
-    const int badJ = findGyroRatio(sideJ.atomName, gJ);
-    diVal = static_cast<float>(double{gI} * couplingScale * gJ * r3);
-    return badI != 0 || badJ != 0 ? 1 : 0;
+    const std::optional<float> gI = findGyroRatio(sideI.atomName, messages);
+    const std::optional<float> gJ = findGyroRatio(sideJ.atomName, messages);
+    return {.di = static_cast<float>(double{gI.value_or(1.0f)} * couplingScale * gJ.value_or(1.0f) * r3),
+            .isFixed = fixed != nullptr,
+            .isKnown = gI && gJ};
 }
 
 } // namespace trelm

@@ -6,7 +6,6 @@
 #include "structure/transform.h"
 #include "support/numerics/jacobi.h"
 #include "support/numerics/svd.h"
-#include "support/text/text.h"
 
 #include <array>
 #include <cmath>
@@ -16,7 +15,7 @@ namespace {
 
 /// Room for the entries of a fit. Asked for only when it is too small: a fit of the last size keeps its
 /// arrays and its decomposition.
-Status makeRoomFor(FitWork &work, std::size_t entries)
+Status makeRoomFor(FitWork &work, std::size_t entries, Messages &messages)
 {
     if (work.y.length() > entries)
         return Status::ok;
@@ -29,8 +28,7 @@ Status makeRoomFor(FitWork &work, std::size_t entries)
         return Status::ok;
     work.x.release();
     work.y.release();
-    complain("GORVAT Error Allocating Dipolar Workspace.\n");
-    return Status::failed;
+    return messages.fail("GORVAT Error Allocating Dipolar Workspace.\n");
 }
 
 /// Writes row k of the weighted design matrix and right-hand side.
@@ -65,13 +63,13 @@ RowScale rowScale(const FitVectors &vectors, std::size_t k)
     return {wgt, wgt * a};
 }
 
-Status findS(const FitVectors &vectors, SaupeValues &saupe, FitWork &work)
+Status findS(const FitVectors &vectors, SaupeValues &saupe, FitWork &work, Messages &messages)
 {
     saupe = {};
     const std::size_t count = vectors.xI.size();
     if (count < fewestCouplings)
         return Status::noSolution;
-    if (makeRoomFor(work, count) != Status::ok)
+    if (makeRoomFor(work, count, messages) != Status::ok)
         return Status::failed;
     for (std::size_t k = 0; k < count; ++k)
         designRow(vectors, k, work);

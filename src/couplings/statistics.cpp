@@ -1,7 +1,5 @@
 #include "couplings/statistics.h"
 
-#include "support/text/text.h"
-
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -117,7 +115,7 @@ int getStatDC(std::span<const DInfo> dObsList, std::span<const DInfo> dCalcList,
     return measured;
 }
 
-int getStatDCmod(const DTable &dTab, DcStatistics &stat)
+Status getStatDCmod(const DTable &dTab, DcStatistics &stat, Messages &messages)
 {
     stat = DcStatistics{};
     const auto rows = static_cast<std::size_t>(dTab.dCount);
@@ -125,11 +123,11 @@ int getStatDCmod(const DTable &dTab, DcStatistics &stat)
     Block<float> obs("statDC", rows + 1);
     Block<float> calc("statDC", rows + 1);
     if (!obs || !calc)
-        return complain("Error allocating temporary buffers.\n");
+        return messages.fail("Error allocating temporary buffers.\n");
     Sums sums;
     collectPairs(dTab, obs, calc, sums, stat);
     if (stat.nD == 0)
-        return 0;
+        return Status::ok;
     const auto n = static_cast<float>(stat.nD);
     stat.stdDevD = std::sqrt(std::max(0.0f, (stat.rSumD2 - squared(sums.diff) / n) / n));
     stat.qD = valueOf(std::sqrt(safeRatio(stat.rSumD2, sums.obs2)));
@@ -144,7 +142,7 @@ int getStatDCmod(const DTable &dTab, DcStatistics &stat)
     stat.errSlope = line.yOnX.sigb;
     stat.aveSlope = line.aveSlope;
     stat.errAveSlope = line.errAveSlope;
-    return 0;
+    return Status::ok;
 }
 
 } // namespace trelm

@@ -47,7 +47,7 @@ struct DcStatistics {
     int nD = 0;
 };
 
-/// Returns 0, or 1 after a message if there is no memory; the statistics then stay 0.
-int getStatDCmod(const DTable &dTab, DcStatistics &stat);
+/// Fails after a message if there is no memory; the statistics then stay 0.
+Status getStatDCmod(const DTable &dTab, DcStatistics &stat, Messages &messages);
 
 } // namespace trelm

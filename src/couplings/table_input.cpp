@@ -1,22 +1,19 @@
 #include "couplings/table_input.h"
 
-#include "support/text/text.h"
-
-#include <cstdio>
 #include <utility>
 
 namespace trelm {
 
-int readTable(const std::string &inDName, DTable *dTab)
+Status readTable(const std::string &inDName, DTable &dTab, Messages &messages)
 {
-    const int status = readDC(inDName, dTab);
-    if (status != 0) {
-        complain("Error reading DC input %s\n", inDName.c_str());
+    const Status status = readDC(inDName, dTab, messages);
+    if (status != Status::ok) {
+        messages.err("Error reading DC input %s\n", inDName.c_str());
         return status;
     }
-    std::fprintf(stderr, "%s, %d Couplings, Residues %d to %d.\n", inDName.c_str(), dTab->dCount,
-                 dTab->dMinRes, dTab->dMaxRes);
-    return 0;
+    messages.err("%s, %d Couplings, Residues %d to %d.\n", inDName.c_str(), dTab.dCount, dTab.dMinRes,
+                 dTab.dMaxRes);
+    return Status::ok;
 }
 
 void settleWindow(DcInfo &dcInfo, const DTable &dTab)
@@ -37,10 +34,10 @@ int chooseRows(DTable &dTab, const DcInfo &dcInfo, std::string_view atomNameS1, 
     return selTypDC(dTab.observed(), atomNameS1, atomNameS2);
 }
 
-void tellRows(int count, const char *deed, int excludeMode)
+void tellRows(int count, const char *deed, int excludeMode, Messages &messages)
 {
-    std::printf("REMARK %d couplings %s (%s%s).\n", count, deed, excludeMode == 1 ? "exclusive" : "inclusive",
-                excludeMode == 3 ? " max" : "");
+    messages.out("REMARK %d couplings %s (%s%s).\n", count, deed,
+                 excludeMode == 1 ? "exclusive" : "inclusive", excludeMode == 3 ? " max" : "");
 }
 
 } // namespace trelm

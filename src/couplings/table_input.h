@@ -9,9 +9,9 @@
 
 namespace trelm {
 
-/// Reads a table and tells its size on the standard error stream. Returns 0, or the reader's status after
+/// Reads a table and tells its size on the standard error stream. Fails with the reader's status after
 /// "Error reading DC input".
-int readTable(const std::string &inDName, DTable *dTab);
+Status readTable(const std::string &inDName, DTable &dTab, Messages &messages);
 
 /// Fills what the command line left open from the table, and turns a reversed window.
 void settleWindow(DcInfo &dcInfo, const DTable &dTab);
@@ -20,6 +20,6 @@ void settleWindow(DcInfo &dcInfo, const DTable &dTab);
 int chooseRows(DTable &dTab, const DcInfo &dcInfo, std::string_view atomNameS1, std::string_view atomNameS2);
 
 /// The remark on standard output that `count` couplings were selected, or whatever was done to them.
-void tellRows(int count, const char *deed, int excludeMode);
+void tellRows(int count, const char *deed, int excludeMode, Messages &messages);
 
 } // namespace trelm

@@ -15,15 +15,15 @@ constexpr double magnitudeNorm = 1.67551608;            ///< 8 pi / 15
 constexpr double axialFactor = 1.585330918136652;       ///< root of 4 pi / 5
 constexpr double transverseFactor = 1.2944172742975892; ///< root of 8 pi / 15
 
-/// Diagonalises and sorts. Returns 0, or 1 after a message.
-int solveEigensystem(const Matrix3d &matrix, int yzFlag, TensorAnalysis &analysis)
+/// Diagonalises and sorts. Fails after a message.
+Status solveEigensystem(const Matrix3d &matrix, int yzFlag, TensorAnalysis &analysis, Messages &messages)
 {
     int nrot = 0;
     if (jacobimz(matrix, analysis.eigVal, analysis.eigVec, nrot) != 0)
-        return 1;
+        return messages.fail("Utility Error: Too many iterations in routine jacobi\nAborting.\n");
     sort_eigensystem(yzFlag, analysis.eigVal, analysis.eigVec);
     pca_tensor(yzFlag, analysis.eigVal, analysis.da, analysis.dr);
-    return 0;
+    return Status::ok;
 }
 
 void exchange(std::size_t i, std::size_t j, std::array<double, 3> &eigVal, Matrix3d &eigVec)
@@ -57,24 +57,25 @@ Matrix3d saupeMatrix(const Saupe &saupe)
     return {sxx, saupe[2], saupe[3], saupe[2], syy, saupe[4], saupe[3], saupe[4], saupe[0]};
 }
 
-int analyzeSaupe(const Saupe &saupe, int yzFlag, int eulerFlag, TensorAnalysis &analysis)
+Status analyzeSaupe(const Saupe &saupe, int yzFlag, int eulerFlag, TensorAnalysis &analysis,
+                    Messages &messages)
 {
     analysis = TensorAnalysis{};
-    if (solveEigensystem(saupeMatrix(saupe), yzFlag, analysis) != 0)
-        return 1;
+    if (solveEigensystem(saupeMatrix(saupe), yzFlag, analysis, messages) != Status::ok)
+        return Status::failed;
     if (eulerFlag != 0)
         eigVec2euler(analysis.eigVec, analysis.euler);
     irreducRepres(saupe, analysis.gMag, analysis.irrSaupe);
-    return 0;
+    return Status::ok;
 }
 
-int analyzeMatrix3D(const Matrix3d &matrix, int yzFlag, TensorAnalysis &analysis)
+Status analyzeMatrix3D(const Matrix3d &matrix, int yzFlag, TensorAnalysis &analysis, Messages &messages)
 {
     analysis = TensorAnalysis{};
-    if (solveEigensystem(matrix, yzFlag, analysis) != 0)
-        return 1;
+    if (solveEigensystem(matrix, yzFlag, analysis, messages) != Status::ok)
+        return Status::failed;
     eigVec2euler(analysis.eigVec, analysis.euler);
-    return 0;
+    return Status::ok;
 }
 
 void sort_eigensystem(int yzFlag, std::array<double, 3> &eigVal, Matrix3d &eigVec)

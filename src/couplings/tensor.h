@@ -33,13 +33,14 @@ struct TensorAnalysis {
 };
 
 /// The whole analysis of a Saupe vector. yzFlag exchanges the order of the two main axes; Euler angles are
-/// solved for if `eulerFlag` is not 0. Returns 0, or 1 after a message where the eigenvalues are not found,
+/// solved for if `eulerFlag` is not 0. Fails after a message where the eigenvalues are not found,
 /// which only a vector that is no number can bring about.
-int analyzeSaupe(const Saupe &saupe, int yzFlag, int eulerFlag, TensorAnalysis &analysis);
+Status analyzeSaupe(const Saupe &saupe, int yzFlag, int eulerFlag, TensorAnalysis &analysis,
+                    Messages &messages);
 
 /// The same for any symmetric matrix, such as an inertia tensor, Euler angles always. irrSaupe and gMag stay
-/// 0. Returns as analyzeSaupe.
-int analyzeMatrix3D(const Matrix3d &matrix, int yzFlag, TensorAnalysis &analysis);
+/// 0. Fails as analyzeSaupe.
+Status analyzeMatrix3D(const Matrix3d &matrix, int yzFlag, TensorAnalysis &analysis, Messages &messages);
 
 /// Sorts eigenvalues and columns so that magnitudes fall; ties keep their order. yzFlag exchanges the first
 /// two.

@@ -208,7 +208,7 @@ float addVecNoise(int *idum, Vector &coor, const ConeSetup &cone)
 }
 
 void addPhiPsiNoise(int *idum, PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone,
-                    const ResidueOffset &offset, int allowFixedDI)
+                    const ResidueOffset &offset, int allowFixedDI, Messages &messages)
 {
     if (!cone.hasNoise())
         return;
@@ -225,7 +225,9 @@ void addPhiPsiNoise(int *idum, PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &
     }
     constexpr int inclusiveMax = 3;
     selectD(dTab->observed(), offset.segFirst, offset.segLast, inclusiveMax);
-    buildDC(pdbInfo, dTab, offsetOf(offset), offset.segFirst, {}, allowFixedDI);
+    buildDC(pdbInfo, *dTab,
+            {.aOff = offsetOf(offset), .wOff = offset.segFirst, .wList = {}, .allowFixedDI = allowFixedDI},
+            messages);
 }
 
 int modifyAtomCoorList(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,

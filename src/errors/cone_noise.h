@@ -60,7 +60,7 @@ float addVecNoise(int *idum, std::array<float, 3> &coor, const ConeSetup &cone);
 /// with the run's allowFixedDI. Residue after residue along the list: a turn moves all atoms on the shorter
 /// side. Uses up the selection marks.
 void addPhiPsiNoise(int *idum, PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone,
-                    const ResidueOffset &offset, int allowFixedDI);
+                    const ResidueOffset &offset, int allowFixedDI, Messages &messages);
 
 /// Finds the atoms of a name again after they were moved, a name with wildcards expanded with 1, 2, 3.
 /// Nothing in the molecule changes: whoever moved them has written their places. Returns the number found.

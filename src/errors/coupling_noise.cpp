@@ -54,8 +54,8 @@ Status fitNoisy(NoiseRun &run)
             run.dTab().dObsList[i].d = static_cast<float>(gauss() * number(run.result.dSigmaOpt[i]) * 0.5 +
                                                           number(run.result.dVal[i]));
     const MappingInput &input = run.input;
-    const int used = refitD(run.fit, &input.pdbInfo, &input.dTab, input.verbose);
-    return used < 0 ? Status::failed : Status::ok;
+    return refitD(run.fit, &input.pdbInfo, input.dTab, input.verbose, run.messages) ? Status::ok
+                                                                                    : Status::failed;
 }
 
 /// Whether all calculated couplings lie within the errors in use; counts those that do not. A row of weight 0
@@ -235,7 +235,7 @@ void restoreMeasured(NoiseRun &run)
 /// The fit that is mapped. Fails after a message.
 Status fitMeasured(NoiseRun &run)
 {
-    if (fitTable(run.input) != Status::ok)
+    if (fitTable(run.input, run.messages) != Status::ok)
         return Status::failed;
     prepareRepeatedFit(run.dTab(), run.fit);
     run.result.samples.orig = eulerSolution(run.dTab().dTensor, 0);

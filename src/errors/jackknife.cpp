@@ -27,7 +27,7 @@ void restoreRows(const JackknifeRun &run)
 
 Status fitAll(JackknifeRun &run)
 {
-    if (fitTable(run.input) != Status::ok)
+    if (fitTable(run.input, run.messages) != Status::ok)
         return Status::failed;
     run.result.samples.orig = eulerSolution(run.input.dTab.dTensor, 0);
     std::ranges::transform(run.input.dTab.calculated(), run.result.selectTab.data(), &DInfo::valid);
@@ -38,7 +38,7 @@ Status samplePart(JackknifeRun &run, int n)
 {
     restoreRows(run);
     run.nDSel = selectDcFrac(&run.idum, &run.input.dTab, run.options.mapFrac, run.options.mapFixCount);
-    if (fitTable(run.input) != Status::ok)
+    if (fitTable(run.input, run.messages) != Status::ok)
         return Status::failed;
     return isWithoutTensor(run.input.dTab)
                ? Status::ok

@@ -82,7 +82,7 @@ void addNoise(StructuralRun &run)
         addPdbNoise(&run.input.pdbInfo, &run.dTab(), cone, offsetOf(run.offset), run.dCalcValid, &run.idum);
     else
         addPhiPsiNoise(&run.idum, &run.input.pdbInfo, &run.dTab(), cone, run.offset,
-                       run.input.fit.allowFixedDI);
+                       run.input.fit.allowFixedDI, run.messages);
 }
 
 /// A fit to a fresh copy of the structure with noise of the width in use. Fails after a message.
@@ -92,7 +92,7 @@ Status fitNoisy(StructuralRun &run, bool withNoise)
     restoreStructure(run);
     if (withNoise)
         addNoise(run);
-    return fitTable(run.input);
+    return fitTable(run.input, run.messages);
 }
 
 /// The mean misfit of fits with the width in use; stays as it was without one. Fails after a message.
@@ -206,7 +206,7 @@ Status sampleStructures(StructuralRun &run, const MappingWatch &watch)
 Status fitMeasured(StructuralRun &run)
 {
     dTensorCopy(run.tInfo, run.dTab().dTensor);
-    if (fitTable(run.input) != Status::ok)
+    if (fitTable(run.input, run.messages) != Status::ok)
         return Status::failed;
     run.result.samples.orig = eulerSolution(run.dTab().dTensor, 0);
     float pSumOrig = 0.0f;

@@ -133,7 +133,7 @@ Status compareSample(TensorSamples &samples, const Saupe &saupe, const TensorAna
                      const FitOptions &fit, MagnitudeRange &range, Messages &messages)
 {
     TensorAnalysis analysis;
-    if (analyzeSaupe(saupe, fit.yzFlag, fit.eulerFlag, analysis) != 0)
+    if (analyzeSaupe(saupe, fit.yzFlag, fit.eulerFlag, analysis, messages) != Status::ok)
         return messages.fail("trelm: error in analyzeSaupe.\n");
     noteMagnitude(samples, saupe, analysis.gMag, range);
     SampleDeviation away = {.axes = calcDcos(analysis.eigVec, mean.eigVec)};
@@ -155,9 +155,9 @@ EulerSolution eulerSolution(const DTensor &dTensor, std::size_t j)
     return {dTensor.phiList[j], dTensor.psiList[j], dTensor.thetaList[j]};
 }
 
-Status fitTable(const MappingInput &input)
+Status fitTable(const MappingInput &input, Messages &messages)
 {
-    return fitD(&input.pdbInfo, &input.dTab, input.verbose) < 0 ? Status::failed : Status::ok;
+    return fitD(&input.pdbInfo, input.dTab, input.verbose, messages) ? Status::ok : Status::failed;
 }
 
 Status sampleAll(int mapCount, const std::function<Status(int n)> &step)
@@ -181,7 +181,7 @@ Status takeSample(TensorSamples &samples, const MappingInput &input, int n, cons
     const Saupe saupe = saupeOf(dTensor);
     CountedSample sample = {.n = n - 1, .analysis = {}};
     ++samples.count;
-    if (analyzeSaupe(saupe, input.fit.yzFlag, input.fit.eulerFlag, sample.analysis) != 0)
+    if (analyzeSaupe(saupe, input.fit.yzFlag, input.fit.eulerFlag, sample.analysis, messages) != Status::ok)
         return messages.fail("Matrix: error in analyzeSaupe.\n");
     countSample(samples, saupe, sample.analysis, dTensor);
     int nD = 0;
@@ -210,7 +210,7 @@ Status compareWithMean(TensorSamples &samples, const FitOptions &fit, Messages &
     if (samples.count == 0)
         return Status::ok;
     TensorAnalysis mean;
-    if (analyzeSaupe(samples.saupeAve, fit.yzFlag, fit.eulerFlag, mean) != 0)
+    if (analyzeSaupe(samples.saupeAve, fit.yzFlag, fit.eulerFlag, mean, messages) != Status::ok)
         return messages.fail("trelm: error in analyzeSaupe.\n");
     samples.euler = mean.euler;
     MagnitudeRange range;
@@ -221,11 +221,11 @@ Status compareWithMean(TensorSamples &samples, const FitOptions &fit, Messages &
     return Status::ok;
 }
 
-Status fitMean(const TensorSamples &samples, const MappingInput &input)
+Status fitMean(const TensorSamples &samples, const MappingInput &input, Messages &messages)
 {
     input.dTab.dTensor.tensorMode = tensorGiven;
     input.dTab.dTensor.userSaupe = toFloats(samples.saupeAve);
-    return fitTable(input);
+    return fitTable(input, messages);
 }
 
 bool isWithoutTensor(const DTable &dTab)

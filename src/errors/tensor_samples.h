@@ -101,7 +101,7 @@ struct MappingWatch {
 };
 
 /// A fit to the table as it is; fails after a message.
-Status fitTable(const MappingInput &input);
+Status fitTable(const MappingInput &input, Messages &messages);
 
 /// Runs `step` for each sample, from 1, with progress lines, until one fails.
 Status sampleAll(int mapCount, const std::function<Status(int n)> &step);
@@ -120,7 +120,7 @@ Status compareWithMean(TensorSamples &samples, const FitOptions &fit, Messages &
 
 /// Calculates the couplings of the mean tensor. The table's tensor is then this one, its tensorMode
 /// tensorGiven. Fails after a message.
-Status fitMean(const TensorSamples &samples, const MappingInput &input);
+Status fitMean(const TensorSamples &samples, const MappingInput &input, Messages &messages);
 
 /// Whether the first element of the fitted Saupe vector is 999.9 or more, which is no order: such a sample is
 /// dropped. A fit of fewer than five couplings leaves zeros, and those count.

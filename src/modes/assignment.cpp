@@ -38,8 +38,9 @@ std::optional<bool> assignTable(Run &run, Messages &messages)
         return std::nullopt;
     const std::optional<AssignmentResult> found = searchAssignments(
         made->problem, {.kind = searchKind(info), .mapCount = options.mapCount, .options = info}, messages);
-    if (!found || takeRows(applyAssignment(input, *made, found->bestIdList), dTab) != Status::ok ||
-        fitMedia(run.pdbInfo[0], info.media, info.verbFlag, dTab) != Status::ok)
+    if (!found ||
+        takeRows(applyAssignment(input, *made, found->bestIdList, messages), dTab, messages) != Status::ok ||
+        fitMedia(run.pdbInfo[0], info.media, info.verbFlag, dTab, messages) != Status::ok)
         return std::nullopt;
     return found->isProved;
 }
@@ -50,10 +51,11 @@ Status assignAndWrite(Run &run, Messages &messages)
     const std::optional<bool> isProved = assignTable(run, messages);
     if (!isProved)
         return Status::failed;
-    const int status = writeFit({&run.pdbInfo[0], &run.sInfo, &run.dTab[0], &run.trelmInfo[0],
-                                 run.options.outDName, run.options.pRotName, run.options.remark});
-    if (status != 0 || *isProved)
-        return static_cast<Status>(status);
+    const Status status = writeFit({&run.pdbInfo[0], &run.sInfo, &run.dTab[0], &run.trelmInfo[0],
+                                    run.options.outDName, run.options.pRotName, run.options.remark},
+                                   messages);
+    if (status != Status::ok || *isProved)
+        return status;
     return messages.fail(
         "trelm: the search was interrupted: the assignment is the best so far, and not proved.\n");
 }

@@ -14,12 +14,12 @@ namespace trelm {
 namespace {
 
 /// Settles the window of the run by a table, and chooses its couplings. Returns their number.
-int choose(Run &run, DTable &dTab)
+int choose(Run &run, DTable &dTab, Messages &messages)
 {
     DcInfo &dcInfo = run.dcInfo[0];
     settleWindow(dcInfo, dTab);
     const int count = chooseRows(dTab, dcInfo, run.options.atomNameS1, run.options.atomNameS2);
-    tellRows(count, "selected", dcInfo.excludeMode);
+    tellRows(count, "selected", dcInfo.excludeMode, messages);
     return count;
 }
 
@@ -28,24 +28,24 @@ Status combine(Run &run, Messages &messages)
     Block<DTable> dTab1("trelm", 1), dTab2("trelm", 1);
     if (!dTab1 || !dTab2)
         return messages.fail("Error allocating DC structures.\n");
-    int status = readTable(run.options.inD1Name, &dTab1[0]);
-    if (status == 0)
-        status = readTable(run.options.inD2Name, &dTab2[0]);
-    if (status != 0)
-        return static_cast<Status>(status);
-    choose(run, dTab1[0]);
+    Status status = readTable(run.options.inD1Name, dTab1[0], messages);
+    if (status == Status::ok)
+        status = readTable(run.options.inD2Name, dTab2[0], messages);
+    if (status != Status::ok)
+        return status;
+    choose(run, dTab1[0], messages);
     const int shared = adjustDC(run.trelmInfo[0], dTab1[0], dTab2[0]);
-    tellRows(shared, "combined", run.dcInfo[0].excludeMode);
+    tellRows(shared, "combined", run.dcInfo[0].excludeMode, messages);
     if (shared == 0)
         messages.err("trelm: the two tables share no coupling of the selection.\n");
-    return static_cast<Status>(writeDCmod(run.options.outDName, "w", &dTab1[0], &run.trelmInfo[0], ""));
+    return writeDCmod({run.options.outDName}, dTab1[0], run.trelmInfo[0], "", messages);
 }
 
 /// The report is a coupling output without couplings, with the combined tensor.
 Status compare(Run &run, Messages &messages)
 {
     const RunOptions &options = run.options;
-    TrelmInfo &trelmInfo = run.trelmInfo[0];
+    const TrelmInfo &trelmInfo = run.trelmInfo[0];
     const TensorPair pair = {.saupe1 = options.userSaupe1,
                              .saupe2 = options.userSaupe2,
                              .hingeAxis = options.hingeAxis,
@@ -59,7 +59,7 @@ Status compare(Run &run, Messages &messages)
     appendComparison(pair, found, text);
     std::ranges::transform(found.combined, run.dTab[0].dTensor.saupe.begin(),
                            [](double value) { return static_cast<float>(value); });
-    return static_cast<Status>(writeDCmod(options.outAName, "w", &run.dTab[0], &trelmInfo, text));
+    return writeDCmod({options.outAName}, run.dTab[0], trelmInfo, text, messages);
 }
 
 /// Opens the output. The table to convert is never overwritten: it is read after this.
@@ -84,14 +84,13 @@ Status convert(Run &run, Messages &messages)
     OutFile out;
     if (conversion.outFormat != systemFormat && openResult(options, out, messages) != Status::ok)
         return Status::failed;
-    const int status = readTable(options.inDName, &dTab);
-    if (status != 0)
-        return static_cast<Status>(status);
-    if (choose(run, dTab) == 0)
+    if (const Status status = readTable(options.inDName, dTab, messages); status != Status::ok)
+        return status;
+    if (choose(run, dTab, messages) == 0)
         messages.err("trelm: no coupling is left to convert.\n");
     fillConverted(conversion, dTab, messages);
     if (conversion.outFormat == systemFormat)
-        return static_cast<Status>(writeDCmod(options.outDName, "w", &dTab, &run.trelmInfo[0], ""));
+        return writeDCmod({options.outDName}, dTab, run.trelmInfo[0], "", messages);
     std::string text;
     if (convertTab(conversion, dTab, options.inDName, text, messages) != Status::ok)
         return Status::failed;

@@ -58,22 +58,23 @@ int averageEnsemble(Run &run, const Sample &sample, const Ensemble &ensemble, st
     const RunOptions &options = run.options;
     if (!options.oDcEName.empty())
         std::printf("REMARK Simulated DCs will be appended to %s.\n", options.oDcEName.c_str());
-    TrelmInfo shown = shownParameters(trelmInfo, sample.geometry);
-    const EnsembleSetup setup = {.simulation = alignmentSetup(run, sample, ddots),
-                                 .domains = sample.domains,
-                                 .selection = run.selection,
-                                 .states = ensemble.used(),
-                                 .charges = sample.charges,
-                                 .sInfo = &run.sInfo,
-                                 .remark = options.remark,
-                                 .outName = options.flexName,
-                                 .takeCouplings =
-                                     [&](DTable &dTab, std::string_view remark) {
-                                         return writeDCmod(options.oDcEName, "a", &dTab, &shown, remark);
-                                     },
-                                 .yzFlag = trelmInfo.yzFlag,
-                                 .eulerFlag = trelmInfo.eulerFlag,
-                                 .verbose = trelmInfo.verbFlag};
+    const TrelmInfo shown = shownParameters(trelmInfo, sample.geometry);
+    const EnsembleSetup setup = {
+        .simulation = alignmentSetup(run, sample, ddots),
+        .domains = sample.domains,
+        .selection = run.selection,
+        .states = ensemble.used(),
+        .charges = sample.charges,
+        .sInfo = &run.sInfo,
+        .remark = options.remark,
+        .outName = options.flexName,
+        .takeCouplings =
+            [&](DTable &dTab, std::string_view remark) {
+                return writeDCmod({options.oDcEName, "a"}, dTab, shown, remark, standardMessages());
+            },
+        .yzFlag = trelmInfo.yzFlag,
+        .eulerFlag = trelmInfo.eulerFlag,
+        .verbose = trelmInfo.verbFlag};
     if (trelmInfo.elFlag != 0) // once: all states lie in one field
         checkField(trelmInfo, standardMessages());
     if (ensembleAlignment(&run.pdbInfo[0], &run.dTab[0], setup, result) != Status::ok)
@@ -85,14 +86,13 @@ int averageEnsemble(Run &run, const Sample &sample, const Ensemble &ensemble, st
 int reportAverage(Run &run, const SampleGeometry &geometry, const EnsembleResult &average,
                   const TensorAnalysis &analysis)
 {
-    TrelmInfo trelmInfo = shownParameters(run.trelmInfo[0], geometry);
+    const TrelmInfo trelmInfo = shownParameters(run.trelmInfo[0], geometry);
     DTable &dTab = run.dTab[0];
     const auto rows = dTab.calculated();
     for (std::size_t i = 0; i < rows.size(); ++i)
         rows[i].d = average.couplings[i];
     std::string result, block;
-    if (writeTrelm(trelmInfo, result) != 0)
-        return complain("trelm: error in writeTrelm.\n");
+    writeTrelm(trelmInfo, result);
     // The irreducible representation of an average of states is not reported: it stands as zero.
     TensorAnalysis shown = analysis;
     shown.irrSaupe = {};
@@ -104,7 +104,7 @@ int reportAverage(Run &run, const SampleGeometry &geometry, const EnsembleResult
     result += block;
     appendSaupeLines(average.saupe, analysis, result);
     std::fputs(result.c_str(), stderr);
-    return writeDCmod(run.options.aveName, "w", &dTab, &trelmInfo, result);
+    return static_cast<int>(writeDCmod({run.options.aveName}, dTab, trelmInfo, result, standardMessages()));
 }
 
 } // namespace
@@ -135,7 +135,7 @@ Status simulateEnsemble(Run &run, Messages &messages)
     if (status != 0)
         return static_cast<Status>(status);
     TensorAnalysis average;
-    if (analyzeSaupe(result.saupe, trelmInfo.yzFlag, trelmInfo.eulerFlag, average) != 0)
+    if (analyzeSaupe(result.saupe, trelmInfo.yzFlag, trelmInfo.eulerFlag, average, messages) != Status::ok)
         return messages.fail("Matrix: error in analyzeSaupe.\n");
     return static_cast<Status>(
         trelmInfo.validCountD == 0 ? 0 : reportAverage(run, sample.geometry, result, average));

@@ -44,17 +44,19 @@ Status allocateBuffers(Run &run, Messages &messages)
     return Status::ok;
 }
 
-void selectCouplings(Run &run)
+void selectCouplings(Run &run, Messages &messages)
 {
     const RunOptions &options = run.options;
     const DcInfo &dcInfo = run.dcInfo[0];
-    PDBInfo *pdbInfo = &run.pdbInfo[0];
-    DTable *dTab = &run.dTab[0];
-    chooseRows(*dTab, dcInfo, options.atomNameS1, options.atomNameS2);
-    run.trelmInfo[0].validCountD =
-        buildDC(pdbInfo, dTab, shiftedRes(dcInfo.aFirst, -std::int64_t{dcInfo.segFirst}), dcInfo.segFirst,
-                options.wList.span(), run.trelmInfo[0].allowFixedDI);
-    tellRows(run.trelmInfo[0].validCountD, "selected", dcInfo.excludeMode);
+    DTable &dTab = run.dTab[0];
+    chooseRows(dTab, dcInfo, options.atomNameS1, options.atomNameS2);
+    run.trelmInfo[0].validCountD = buildDC(&run.pdbInfo[0], dTab,
+                                           {.aOff = shiftedRes(dcInfo.aFirst, -std::int64_t{dcInfo.segFirst}),
+                                            .wOff = dcInfo.segFirst,
+                                            .wList = options.wList.span(),
+                                            .allowFixedDI = run.trelmInfo[0].allowFixedDI},
+                                           messages);
+    tellRows(run.trelmInfo[0].validCountD, "selected", dcInfo.excludeMode, messages);
 }
 
 void selectAtoms(Run &run, Messages &messages)
@@ -92,7 +94,7 @@ Status readInputs(Run &run, Messages &messages)
 {
     Status status = readStructure(run, messages);
     if (status == Status::ok)
-        status = static_cast<Status>(readTable(run.options.inDName, &run.dTab[0]));
+        status = readTable(run.options.inDName, run.dTab[0], messages);
     if (status != Status::ok)
         return status;
     DcInfo &dcInfo = run.dcInfo[0];
@@ -100,7 +102,7 @@ Status readInputs(Run &run, Messages &messages)
     status = allocateBuffers(run, messages);
     if (status != Status::ok)
         return status;
-    selectCouplings(run);
+    selectCouplings(run, messages);
     selectAtoms(run, messages);
     if (run.trelmInfo[0].Hflag == 0)
         dropHydrogens(run, messages);

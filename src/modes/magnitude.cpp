@@ -105,11 +105,11 @@ Status readObserved(Run &run, ObservedCouplings &observed, Messages &messages)
     const RunOptions &options = run.options;
     DTable &dTab = run.dTab[0];
     DcInfo &dcInfo = run.dcInfo[0];
-    if (readTable(options.inDName, &dTab) != 0)
+    if (readTable(options.inDName, dTab, messages) != Status::ok)
         return Status::failed;
     settleWindow(dcInfo, dTab);
     const int count = chooseRows(dTab, dcInfo, options.atomNameS1, options.atomNameS2);
-    tellRows(count, "selected", dcInfo.excludeMode);
+    tellRows(count, "selected", dcInfo.excludeMode, messages);
     if (count <= 0)
         return messages.fail("trelm: no coupling is left to estimate a tensor from.\n");
     return collectObserved(dTab, observed, messages);
@@ -120,10 +120,8 @@ Status reportMagnitude(Run &run, const MagnitudeResult &result, Messages &messag
     TrelmInfo shown = run.trelmInfo[0];
     static_cast<MagnitudeResult &>(shown) = result;
     std::string text;
-    if (writeTrelm(shown, text) != 0)
-        return messages.fail("trelm: error in writeTrelm.\n");
-    const int status = writeDCmod(run.options.outDName, "w", &run.dTab[0], &shown, text);
-    return status == 0 ? Status::ok : Status::failed;
+    writeTrelm(shown, text);
+    return writeDCmod({run.options.outDName}, run.dTab[0], shown, text, messages);
 }
 
 Status estimateByHistogram(Run &run, Messages &messages)

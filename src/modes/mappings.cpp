@@ -120,16 +120,16 @@ Status writeMeanFrame(Run &run, const TensorSamples &samples, const char *words,
     return status == 0 ? Status::ok : messages.fail("%s", words);
 }
 
-Status writeTable(Run &run, const std::string &name, const std::string &text)
+Status writeTable(Run &run, const std::string &name, const std::string &text, Messages &messages)
 {
-    return static_cast<Status>(writeDCmod(name, "w", &run.dTab[0], &run.trelmInfo[0], text));
+    return writeDCmod({name}, run.dTab[0], run.trelmInfo[0], text, messages);
 }
 
 /// Couplings and structure of the mean tensor. Fails after a message.
 Status reportMeanTensor(Run &run, const TensorSamples &samples, int mapCount, Messages &messages)
 {
-    if (fitMean(samples, inputOf(run)) != Status::ok ||
-        writeTable(run, run.options.outDName, mappingReport(samples)) != Status::ok)
+    if (fitMean(samples, inputOf(run), messages) != Status::ok ||
+        writeTable(run, run.options.outDName, mappingReport(samples), messages) != Status::ok)
         return Status::failed;
     if (samples.count != 0)
         return writeMeanFrame(run, samples, "trelm: error in writePDBRot.\n", messages);
@@ -150,13 +150,13 @@ Status reportCouplingNoise(Run &run, const CouplingNoiseResult &result, Messages
         if (takesPart(dTab.dCalcList[i])) // others are never calculated
             dTab.dCalcList[i].d = result.mean[i];
     }
-    Status status = writeTable(run, run.options.outDName, mappingReport(result.samples));
+    Status status = writeTable(run, run.options.outDName, mappingReport(result.samples), messages);
     for (std::size_t i = 0; i < dTab.observed().size(); ++i)
         if (dTab.dCalcList[i].valid != 0)
             dTab.dObsList[i].w = static_cast<float>(result.countFail[i]);
     std::string fails = "\nREMARK Failure Statistics.\n";
     appendf(fails, "DATA STATISTICS MAPPING NUMBER OF SUCCESFUL STEPS   %d\n\n\n", result.samples.count);
-    if (writeTable(run, run.options.outDFailName, fails) != Status::ok)
+    if (writeTable(run, run.options.outDFailName, fails, messages) != Status::ok)
         status = Status::failed;
     if (result.samples.count != 0 &&
         writeMeanFrame(run, result.samples, "matrix: error in writePDBRot.\n", messages) != Status::ok)

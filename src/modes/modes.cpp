@@ -33,13 +33,12 @@ Status bestFitSingle(Run &run, Messages &messages)
 {
     if (run.trelmInfo[0].validCountD == 0)
         messages.err("trelm: no coupling is left to fit.\n");
-    const bool isFitted = fitD(&run.pdbInfo[0], &run.dTab[0], run.trelmInfo[0].verbFlag) >= 0;
-    const int status = isFitted ? writeFit({&run.pdbInfo[0], &run.sInfo, &run.dTab[0], &run.trelmInfo[0],
-                                            run.options.outDName, run.options.pRotName, run.options.remark})
-                                : 1;
-    if (status != 0)
-        messages.err("trelm: error in best-fit of data.\n");
-    return static_cast<Status>(status);
+    if (!fitD(&run.pdbInfo[0], run.dTab[0], run.trelmInfo[0].verbFlag, messages) ||
+        writeFit({&run.pdbInfo[0], &run.sInfo, &run.dTab[0], &run.trelmInfo[0], run.options.outDName,
+                  run.options.pRotName, run.options.remark},
+                 messages) != Status::ok)
+        return messages.fail("trelm: error in best-fit of data.\n");
+    return Status::ok;
 }
 
 constexpr SpreadRow spreadRows[] = {

@@ -68,16 +68,18 @@ int finishAlignment(Run &run, const Solute &solute, Saupe saupe, TensorAnalysis 
     // What survives beside the obstacle averages to the opposite sign.
     for (double &element : saupe)
         element = -element;
-    if (analyzeSaupe(saupe, trelmInfo.yzFlag, trelmInfo.eulerFlag, analysis) != 0)
+    if (analyzeSaupe(saupe, trelmInfo.yzFlag, trelmInfo.eulerFlag, analysis, standardMessages()) !=
+        Status::ok)
         return complain("Matrix: error in analyzeSaupe.\n");
     DTensor &tensor = dTab.dTensor;
     tensor.tensorMode = tensorGiven;
     auto &target = trelmInfo.validCountD != 0 ? tensor.userSaupe : tensor.saupe;
     std::ranges::transform(saupe, target.begin(), [](double element) { return static_cast<float>(element); });
-    if (trelmInfo.validCountD != 0 && fitD(&run.pdbInfo[0], &dTab, trelmInfo.verbFlag) < 0)
+    if (trelmInfo.validCountD != 0 && !fitD(&run.pdbInfo[0], dTab, trelmInfo.verbFlag, standardMessages()))
         return 1;
-    TrelmInfo shown = shownParameters(trelmInfo, solute.sample.geometry);
-    return writeDCmod(run.options.outDName, "w", &dTab, &shown, "");
+    return static_cast<int>(writeDCmod({run.options.outDName}, dTab,
+                                       shownParameters(trelmInfo, solute.sample.geometry), "",
+                                       standardMessages()));
 }
 
 /// The charges by their atoms in the molecule, as many as the simulation had.
@@ -282,8 +284,9 @@ Status simulateFree(Run &run, Messages &messages)
     if (status == 0) {
         std::ranges::transform(saupe, run.dTab[0].dTensor.saupe.begin(),
                                [](double element) { return static_cast<float>(element); });
-        TrelmInfo shown = shownParameters(trelmInfo, refine_bicelle(trelmInfo));
-        status = writeDCmod(run.options.outAName, "w", &run.dTab[0], &shown, "");
+        status =
+            static_cast<int>(writeDCmod({run.options.outAName}, run.dTab[0],
+                                        shownParameters(trelmInfo, refine_bicelle(trelmInfo)), "", messages));
     }
     if (status != 0)
         messages.err("matrix: error in ssiaFree.\n");

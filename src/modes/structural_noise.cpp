@@ -27,7 +27,7 @@ Status moveAtoms(Run &run, Messages &messages)
     const ResidueOffset offset = {window.aFirst, window.segFirst, window.segLast};
     int idum = options.idum;
     if (options.noiseMode == 0)
-        addPhiPsiNoise(&idum, pdbInfo, dTab, cone, offset, run.trelmInfo[0].allowFixedDI);
+        addPhiPsiNoise(&idum, pdbInfo, dTab, cone, offset, run.trelmInfo[0].allowFixedDI, messages);
     else if (addPdbNoise(pdbInfo, dTab, cone, offsetOf(offset), dCalcValid.span(), &idum) == 0)
         messages.err("trelm: no coupling is left: no vector of the structure is moved.\n");
     return Status::ok;

@@ -80,7 +80,7 @@ int analyzeShape(const SelectedAtoms &atoms, int yzFlag, Findings &findings)
     Matrix3d inertiaTensor;
     if (calcInertia(atoms, inertiaTensor, standardMessages()) != Status::ok || !isFinite(inertiaTensor))
         return complain("trelm: error in calcInertia.");
-    if (analyzeMatrix3D(inertiaTensor, yzFlag, findings.structure) != 0)
+    if (analyzeMatrix3D(inertiaTensor, yzFlag, findings.structure, standardMessages()) != Status::ok)
         return complain("trelm: error in analyzeMatrix3D.");
     return 0;
 }
@@ -114,7 +114,8 @@ int findFrames(const SelectedAtoms &molecule, const TrelmInfo &trelmInfo, Charge
     } else if (analyzeShape({molecule.pdbInfo, selected.atoms}, trelmInfo.yzFlag, findings) != 0) {
         return 1;
     }
-    if (analyzeSaupe(saupe, trelmInfo.yzFlag, trelmInfo.eulerFlag, findings.input) != 0 ||
+    if (analyzeSaupe(saupe, trelmInfo.yzFlag, trelmInfo.eulerFlag, findings.input, standardMessages()) !=
+            Status::ok ||
         !std::isfinite(findings.input.gMag))
         return complain("trelm: error in analyzeSaupe.\n");
     return 0;
@@ -142,11 +143,10 @@ void appendInput(const TensorAnalysis &input, const Saupe &saupe, int eulerFlag,
     appendSaupeLines(saupe, input, text);
 }
 
-int appendReport(const TrelmInfo &trelmInfo, const Findings &findings, const Saupe &saupe, std::string &text)
+void appendReport(const TrelmInfo &trelmInfo, const Findings &findings, const Saupe &saupe, std::string &text)
 {
     text += "REMARK Molecular Alignment Simulation.\n\nREMARK Simulation parameters.\n";
-    if (writeTrelm(trelmInfo, text) != 0)
-        return complain("trelm: error in writeTrelm.\n");
+    writeTrelm(trelmInfo, text);
     const bool hasDipole = trelmInfo.elPdbFlag != 0;
     std::string block;
     writeEulerInfo(findings.structure, block, trelmInfo.eulerFlag);
@@ -159,7 +159,6 @@ int appendReport(const TrelmInfo &trelmInfo, const Findings &findings, const Sau
     const auto dcos = calcDcos(findings.structure.eigVec, findings.input.eigVec);
     appendf(text, "DATA DCOS_DEG (x/y/z)    %.3f  %.3f  %.3f\n", dcos[0] * degrees, dcos[1] * degrees,
             dcos[2] * degrees);
-    return 0;
 }
 
 } // namespace
@@ -184,8 +183,7 @@ int analyzePDB(PDBInfo *pdbInfo, const AtomMask &selection, const TrelmInfo &tre
         return status;
     }
     std::string text;
-    if (appendReport(trelmInfo, findings, saupe, text) != 0)
-        return 1;
+    appendReport(trelmInfo, findings, saupe, text);
     writeOut(report, text);
     return closeOut(report);
 }

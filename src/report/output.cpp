@@ -112,28 +112,29 @@ void settleTensor(const TensorAnalysis &analysis, int nD, DTensor &tensor)
     tensor.dr = static_cast<float>(analysis.dr);
 }
 
-/// Everything about the tensor, unless it is zero. Returns 0, or 1 after a message.
-int appendTensor(const TrelmInfo &trelmInfo, int nD, DTensor &tensor, std::string &text)
+/// Everything about the tensor, unless it is zero. Fails after a message.
+Status appendTensor(const TrelmInfo &trelmInfo, int nD, DTensor &tensor, std::string &text,
+                    Messages &messages)
 {
     if (std::ranges::all_of(tensor.saupe, [](float value) { return value == 0.0f; }))
-        return 0;
+        return Status::ok;
     appendOrderMatrix(tensor, text);
     if (!std::ranges::all_of(tensor.saupe, [](float value) { return std::isfinite(value); }))
-        return 0; // a quotient by zero: there are no axes
+        return Status::ok; // a quotient by zero: there are no axes
     Saupe saupe;
     std::ranges::copy(tensor.saupe, saupe.begin());
     TensorAnalysis analysis;
-    if (analyzeSaupe(saupe, trelmInfo.yzFlag, trelmInfo.eulerFlag, analysis) != 0)
-        return complain("TRELM: error occured in analyzeSaupe.\n");
+    if (analyzeSaupe(saupe, trelmInfo.yzFlag, trelmInfo.eulerFlag, analysis, messages) != Status::ok)
+        return messages.fail("TRELM: error occured in analyzeSaupe.\n");
     appendIrreducible(analysis, text);
     appendMapping(analysis, text);
     if (trelmInfo.eulerFlag == 0)
-        return 0;
+        return Status::ok;
     appendEigensystem(analysis, text);
     text += "\n\nREMARK Euler angles (psi/theta/phi) for rotation about x, y, z.\n\n";
     settleTensor(analysis, nD, tensor);
     reportEuler(text, tensor);
-    return 0;
+    return Status::ok;
 }
 
 void appendStatistics(const DcStatistics &stat, int qFlag, std::string &text)
@@ -244,17 +245,18 @@ void appendTable(const DTable &dTab, bool verbose, std::string &text)
     }
 }
 
-/// The report and the table. Returns 0, or 1 after a message: without the tensor's axes the text ends there.
-int appendExtended(DTable &dTab, const TrelmInfo &trelmInfo, std::string_view remark, std::string &text)
+/// The report and the table. Fails after a message: without the tensor's axes the text ends there.
+Status appendExtended(DTable &dTab, const TrelmInfo &trelmInfo, std::string_view remark, std::string &text,
+                      Messages &messages)
 {
     DcStatistics stat;
-    const int status = getStatDCmod(dTab, stat);
+    const Status status = getStatDCmod(dTab, stat, messages);
     text += "REMARK Molecular Alignment Simulation.\n\n";
     text += remark;
     text += "REMARK Simulation parameters.\n";
     appendModeBlock(trelmInfo, dTab.dTensor, text);
-    if (appendTensor(trelmInfo, stat.nD, dTab.dTensor, text) != 0)
-        return 1;
+    if (appendTensor(trelmInfo, stat.nD, dTab.dTensor, text, messages) != Status::ok)
+        return Status::failed;
     appendf(text, "\nREMARK Dipolar couplings.\n\nDATA N                    %d\nDATA SEQUENCE \n", stat.nD);
     if (stat.nD == 0)
         return status;
@@ -273,38 +275,35 @@ void appendShort(const DTable &dTab, std::string &text)
 
 } // namespace
 
-int writeDCmod(const std::string &outDName, const char *access, DTable *dTab, TrelmInfo *trelmInfo,
-               std::string_view remark)
+Status writeDCmod(const TableOutput &output, DTable &dTab, const TrelmInfo &trelmInfo,
+                  std::string_view remark, Messages &messages)
 {
     std::string text;
-    int status = 0;
-    if (trelmInfo->verbFlag != 0)
-        status = appendExtended(*dTab, *trelmInfo, remark, text);
+    Status status = Status::ok;
+    if (trelmInfo.verbFlag != 0)
+        status = appendExtended(dTab, trelmInfo, remark, text, messages);
     else
-        appendShort(*dTab, text);
+        appendShort(dTab, text);
     OutFile out;
-    if (openOut(out, outDName, access) != 0)
-        complain("DC Error opening output file %s\n", outDName.c_str());
+    if (openOut(out, output.name, output.access) != 0)
+        messages.err("DC Error opening output file %s\n", output.name.c_str());
     writeOut(out, text);
-    if (closeOut(out) != 0)
-        status = 1;
-    return status;
+    return closeOut(out) != 0 ? Status::failed : status;
 }
 
-int writeFit(const FittedRun &run)
+Status writeFit(const FittedRun &run, Messages &messages)
 {
     Saupe saupe;
     std::ranges::copy(run.dTab->dTensor.saupe, saupe.begin());
     TensorAnalysis analysis;
-    if (analyzeSaupe(saupe, run.trelmInfo->yzFlag, run.trelmInfo->eulerFlag, analysis) != 0)
-        return complain("trelm: error in analyzeSaupe.\n");
-    const int written = writeDCmod(run.outDName, "w", run.dTab, run.trelmInfo, "");
+    if (analyzeSaupe(saupe, run.trelmInfo->yzFlag, run.trelmInfo->eulerFlag, analysis, messages) !=
+        Status::ok)
+        return messages.fail("trelm: error in analyzeSaupe.\n");
+    const Status written = writeDCmod({run.outDName}, *run.dTab, *run.trelmInfo, "", messages);
     const EulerLists &euler = analysis.euler;
     const int turned = writePDBRot(euler.gamma, euler.beta, euler.alpha, run.trelmInfo->rotN, run.pdbInfo,
                                    run.sInfo, run.pdbRotName, run.remark);
-    if (turned != 0)
-        complain("trelm: error in writePDBRot.\n");
-    return turned != 0 ? turned : written;
+    return turned == 0 ? written : messages.fail("trelm: error in writePDBRot.\n");
 }
 
 void appendSaupeLines(const Saupe &saupe, const TensorAnalysis &analysis, std::string &text)

@@ -11,27 +11,32 @@
 
 namespace trelm {
 
+/// Where a report goes.
+struct TableOutput {
+    const std::string &name;
+    const char *access = "w"; ///< mode of fopen
+};
+
 /// Writes the report (with verbFlag) and the table of a run; the table can be read back by readDC. The file
-/// is opened with the fopen mode `access`; an empty name is standard output, and so is, after a message, one
-/// that cannot be opened. Returns 0, or 1 if the statistics failed or the output could not be written to its
-/// end.
-int writeDCmod(const std::string &outDName, const char *access, DTable *dTab, TrelmInfo *trelmInfo,
-               std::string_view remark);
+/// is opened as `output` says; an empty name is standard output, and so is, after a message, one
+/// that cannot be opened. Fails after a message if the statistics failed or the output could not be written
+/// to its end.
+Status writeDCmod(const TableOutput &output, DTable &dTab, const TrelmInfo &trelmInfo,
+                  std::string_view remark, Messages &messages);
 
 /// A best-fit that is to be written: an argument of writeFit, and no more, for it holds references.
 struct FittedRun {
     PDBInfo *pdbInfo = nullptr;
     const PDBSelectInfo *sInfo = nullptr; ///< atoms of the structures
     DTable *dTab = nullptr;
-    TrelmInfo *trelmInfo = nullptr;
+    const TrelmInfo *trelmInfo = nullptr;
     const std::string &outDName;   ///< couplings
     const std::string &pdbRotName; ///< structures in the frames of the tensor
     const char *remark = nullptr;  ///< of the structures; may be null
 };
 
-/// Writes couplings and turned structures. Returns 0, or non-zero after a message: the status of the
-/// structures, or else of the couplings.
-int writeFit(const FittedRun &run);
+/// Writes couplings and turned structures. Fails after a message.
+Status writeFit(const FittedRun &run, Messages &messages);
 
 /// The block of text with irreducible representation, eigensystem and Euler angles; empty if `eulerFlag` is
 /// 0.

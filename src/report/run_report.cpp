@@ -240,13 +240,12 @@ void appendTensorMode(const DTensor &tensor, std::string &text)
 
 } // namespace
 
-int writeTrelm(const TrelmInfo &trelmInfo, std::string &result)
+void writeTrelm(const TrelmInfo &trelmInfo, std::string &result)
 {
     const auto *row = std::ranges::find(reportRows, trelmInfo.trelmMode, &ReportRow::trelmMode);
     if (row != std::end(reportRows))
         appendMode(row->blockName, row->blockLines, trelmInfo, result);
     rim(trelmInfo, result);
-    return 0;
 }
 
 void appendModeBlock(const TrelmInfo &trelmInfo, const DTensor &dTensor, std::string &text)

@@ -9,8 +9,8 @@ namespace trelm {
 
 struct DTensor;
 
-/// Appends the mode of a run and every simulation parameter that matters for it. Returns 0.
-int writeTrelm(const TrelmInfo &trelmInfo, std::string &result);
+/// Appends the mode of a run and every simulation parameter that matters for it.
+void writeTrelm(const TrelmInfo &trelmInfo, std::string &result);
 
 /// The same at the head of a coupling table, whose blocks and orders differ: the mode block and the rim
 /// block.

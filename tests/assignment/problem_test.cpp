@@ -146,7 +146,7 @@ TEST(MakeProblem, TakesMissingVectorsFromTheStructure)
     // The CA-HA coupling of peak 28 on each of the others.
     for (const std::vector<int> &best : {std::vector<int>{1, 0, 2}, {0, 2, 1}}) {
         const bool hasAtoms = best[0] == 1;
-        const AssignedRows rows = applyAssignment(input, *made, best);
+        const AssignedRows rows = applyAssignment(input, *made, best, standardMessages());
         ASSERT_EQ(rows.observed.size(), 5U);
         ASSERT_EQ(rows.calculated.size(), 5U);
         EXPECT_EQ(rows.observed[3].d, noPeakCoupling);
@@ -164,8 +164,10 @@ TEST(MakeProblem, TakesMissingVectorsFromTheStructure)
     }
     const std::vector<int> none = {-1, -1, -1}, same = {0, 1, 2};
     for (const std::vector<int> &best : {none, same})
-        EXPECT_EQ(applyAssignment(input, *made, best).observed.size(), 4U);
-    ASSERT_EQ(takeRows(applyAssignment(input, *made, std::vector<int>{1, 0, 2}), table.table), Status::ok);
+        EXPECT_EQ(applyAssignment(input, *made, best, standardMessages()).observed.size(), 4U);
+    ASSERT_EQ(takeRows(applyAssignment(input, *made, std::vector<int>{1, 0, 2}, standardMessages()),
+                       table.table, standardMessages()),
+              Status::ok);
     EXPECT_EQ((std::array{table.table.dCount, table.table.maxCount}), (std::array{5, 5}));
 }
 

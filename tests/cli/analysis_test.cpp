@@ -155,7 +155,7 @@ Axis between(const PDBInfo &pdbInfo, std::size_t i, std::size_t j)
 std::string alongMoments(const PDBInfo &pdbInfo)
 {
     TensorAnalysis axes;
-    EXPECT_EQ(analyzeMatrix3D(momentsOf(pdbInfo), 0, axes), 0);
+    EXPECT_EQ(analyzeMatrix3D(momentsOf(pdbInfo), 0, axes, standardMessages()), Status::ok);
     constexpr double eigVal[] = {2e-4, -1.5e-4, -0.5e-4};
     const auto element = [&](std::size_t i, std::size_t j) {
         double sum = 0.0;

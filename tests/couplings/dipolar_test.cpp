@@ -1,6 +1,7 @@
 #include "couplings/dipolar.h"
 #include "couplings/interaction.h"
 
+#include "common/heard.h"
 #include "common/said.h"
 #include "common/temp_file.h"
 #include "couplings/prepared.h"
@@ -22,7 +23,8 @@ const std::string head = "VARS RESID_I ATOMNAME_I RESID_J ATOMNAME_J D DD\nFORMA
 int readText(const std::string &text, DTable &table, std::string &err)
 {
     int status = 0;
-    err = said([&] { status = readDC(TempFile(text).name, &table); }).err;
+    err =
+        said([&] { status = static_cast<int>(readDC(TempFile(text).name, table, standardMessages())); }).err;
     return status;
 }
 
@@ -55,14 +57,13 @@ TEST(FindVariableDI, TakesTheDistanceThatThePairAndTheOptionSay)
         return letter == 'H' ? 2.675198e8 : letter == 'N' ? -2.7116e7 : 6.7283e7;
     };
     for (const auto &row : rows) {
-        float di = 1.0f;
-        int flag = -1;
-        EXPECT_EQ(
-            findVariableDI(2.0f, {row.resI, row.atomI}, {row.resJ, row.atomJ}, di, flag, row.allowFixed), 0);
+        const Interaction found = findVariableDI(2.0f, {row.resI, row.atomI}, {row.resJ, row.atomJ},
+                                                 row.allowFixed, standardMessages());
+        EXPECT_TRUE(found.isKnown);
         const double r = row.rIJ;
         const double expected = ratio(row.atomI[0]) * ratio(row.atomJ[0]) * 3.356809e-12 / (r * r * r);
-        EXPECT_NEAR(di, expected, 1.0e-6 * std::fabs(expected)) << row.why;
-        EXPECT_EQ(flag, row.fixedFlag) << row.why;
+        EXPECT_NEAR(found.di, expected, 1.0e-6 * std::fabs(expected)) << row.why;
+        EXPECT_EQ(found.isFixed, row.fixedFlag != 0) << row.why;
     }
 }
 
@@ -70,17 +71,15 @@ TEST(FindVariableDI, TellsOfAnAtomItDoesNotKnow)
 {
     struct {
         const char *atom;
-        int status;
-    } constexpr rows[] = {{"1HB", 0}, {"2D", 0}, {"ZN", 1}, {"ca", 1}, {"", 1}, {"1", 1}};
+        bool isKnown;
+    } constexpr rows[] = {{"1HB", true}, {"2D", true}, {"ZN", false},
+                          {"ca", false}, {"", false},  {"1", false}};
     for (const auto &row : rows) {
-        float di = 0.0f;
-        int flag = 0;
-        const std::string told =
-            said([&] {
-                EXPECT_EQ(findVariableDI(1.0f, {1, row.atom}, {1, "C"}, di, flag, 1), row.status) << row.atom;
-            }).err;
-        EXPECT_EQ(told.empty(), row.status == 0) << row.atom;
-        EXPECT_TRUE(std::isfinite(di));
+        Heard heard;
+        const Interaction found = findVariableDI(1.0f, {1, row.atom}, {1, "C"}, 1, heard.messages);
+        EXPECT_EQ(found.isKnown, row.isKnown) << row.atom;
+        EXPECT_EQ(heard.err.empty(), row.isKnown) << row.atom;
+        EXPECT_TRUE(std::isfinite(found.di));
     }
 }
 
@@ -88,8 +87,8 @@ TEST(ReadDC, LeavesTheTableAloneWithoutAFile)
 {
     DTable table;
     table.dMinRes = 3;
-    EXPECT_EQ(readDC("", &table), 0);
-    EXPECT_EQ(readDC("nOnE", &table), 0);
+    EXPECT_EQ(readDC("", table, standardMessages()), Status::ok);
+    EXPECT_EQ(readDC("nOnE", table, standardMessages()), Status::ok);
     EXPECT_EQ(table.dCount, 0);
     EXPECT_EQ(table.dMinRes, 3);
 }
@@ -201,7 +200,7 @@ struct Built : Prepared {
 TEST(BuildDC, TakesTheDistanceOfTheStructureWhereNoneIsFixed)
 {
     Built b("5 N 5 H 1 1\n5 H 5 N 1 1\n");
-    EXPECT_EQ(buildDC(&b.pdb, &b.table, 0, 0, {}, 1), 2);
+    EXPECT_EQ(buildDC(&b.pdb, b.table, {}, standardMessages()), 2);
     const DInfo &row = b.table.calculated()[0];
     const double r = std::hypot(row.atomI[0]->x - row.atomJ[0]->x, row.atomI[0]->y - row.atomJ[0]->y,
                                 row.atomI[0]->z - row.atomJ[0]->z);
@@ -212,7 +211,7 @@ TEST(BuildDC, TakesTheDistanceOfTheStructureWhereNoneIsFixed)
     EXPECT_NEAR(b.table.calculated()[1].di, -21585.196, 0.01);
     EXPECT_EQ(b.table.calculated()[1].diFixedFlag, 1);
     EXPECT_TRUE(b.table.calculated()[1].resNameI == "VAL");
-    EXPECT_EQ(buildDC(&b.pdb, &b.table, 0, 0, {}, 0), 2);
+    EXPECT_EQ(buildDC(&b.pdb, b.table, {.allowFixedDI = 0}, standardMessages()), 2);
     EXPECT_NEAR(b.table.calculated()[1].di, -21585.196 * ratio, 0.05);
     EXPECT_EQ(b.table.calculated()[1].diFixedFlag, 0);
 }
@@ -221,7 +220,7 @@ TEST(BuildDC, AppliesOffsetAndWeightsByResidue)
 {
     Built b("15 H 15 N 1 2\n16 H 16 N 1 2\n17 H 16 C 1 2\n900 H 900 N 1 2\n");
     const std::array<float, 2> weights = {0.0f, -4.0f}; // residues 16 and 17 of the table
-    EXPECT_EQ(buildDC(&b.pdb, &b.table, -10, 16, weights, 1), 2);
+    EXPECT_EQ(buildDC(&b.pdb, b.table, {.aOff = -10, .wOff = 16, .wList = weights}, standardMessages()), 2);
     const auto rows = b.table.calculated();
     EXPECT_EQ(rows[0].w, 1.0f);
     EXPECT_EQ(rows[0].resIDI, 5);
@@ -238,8 +237,8 @@ TEST(BuildDC, AppliesOffsetAndWeightsByResidue)
 TEST(BuildDC, KeepsResidueNumbersInRange)
 {
     Built b("99999999999 C 1 N 1 1\n-99999999999 C 2147483647 N 1 1\n");
-    EXPECT_EQ(buildDC(&b.pdb, &b.table, INT_MAX, 0, {}, 1), 0);
-    EXPECT_EQ(buildDC(&b.pdb, &b.table, INT_MIN, 0, {}, 1), 0);
+    EXPECT_EQ(buildDC(&b.pdb, b.table, {.aOff = INT_MAX}, standardMessages()), 0);
+    EXPECT_EQ(buildDC(&b.pdb, b.table, {.aOff = INT_MIN}, standardMessages()), 0);
 }
 
 TEST(BuildDC, TellsOnceAndDropsARowWithMoreAtomsThanItHolds)
@@ -253,7 +252,7 @@ TEST(BuildDC, TellsOnceAndDropsARowWithMoreAtomsThanItHolds)
     const Said told = said([&] {
         Built b("1 HD* 1 N 1 1\n1 HE* 1 N 1 1\n", atoms);
         EXPECT_EQ(b.valid, 1);
-        EXPECT_EQ(buildDC(&b.pdb, &b.table, 0, 0, {}, 1), 1);
+        EXPECT_EQ(buildDC(&b.pdb, b.table, {}, standardMessages()), 1);
         EXPECT_EQ(b.table.calculated()[0].valid, 0);
         EXPECT_EQ(b.table.calculated()[1].atomICount, 4);
     });

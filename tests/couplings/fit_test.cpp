@@ -34,7 +34,7 @@ TEST(FitD, EvaluatesOnceWhereAllIsFixed)
     tensor.psi = tensor.psiMin = tensor.psiMax = 30.0f;
     tensor.theta = tensor.thetaMin = tensor.thetaMax = -20.0f;
     tensor.phi = tensor.phiMin = tensor.phiMax = 110.0f;
-    EXPECT_EQ(fitD(&p.pdb, &p.table, 0), 63);
+    EXPECT_EQ(fitD(&p.pdb, p.table, 0, standardMessages()), 63);
     EXPECT_EQ(tensor.dr, 0.25f * -4.0e-4f);
     EXPECT_EQ(tensor.psi, 30.0f);
     std::vector<float> nonlinear;
@@ -43,7 +43,7 @@ TEST(FitD, EvaluatesOnceWhereAllIsFixed)
     // Both engines have one convention: the vector that this one leaves gives the same couplings.
     tensor.userSaupe = tensor.saupe;
     tensor.tensorMode = 2;
-    fitD(&p.pdb, &p.table, 0);
+    fitD(&p.pdb, p.table, 0, standardMessages());
     for (std::size_t i = 0; i < nonlinear.size(); ++i)
         EXPECT_NEAR(p.table.calculated()[i].d, nonlinear[i], 0.002);
     EXPECT_NEAR(tensor.da, -4.0e-4f, 1.0e-9f);
@@ -66,7 +66,7 @@ TEST(FitD, DebugLinesOfAnEvaluation)
     for (const int rhFlag : {1, 0}) {
         tensor.rhFlag = rhFlag;
         const std::string second = rhFlag != 0 ? "Rh 0.250" : "Dr -1.000e-04";
-        EXPECT_EQ(said([&] { fitD(&p.pdb, &p.table, 3); }).err,
+        EXPECT_EQ(said([&] { fitD(&p.pdb, p.table, 3, standardMessages()); }).err,
                   "2 Couplings, 4 Atoms Selected.\n"
                   " DC   1   -8.170   -1.153   -7.017\n"
                   " DC   2    8.271   -9.864   18.135\n"
@@ -95,7 +95,7 @@ TEST(FitD, RepeatedFitsHaveTheSameBits)
             row.w = i % 11 == 0 ? 0.0f : row.w;
             row.valid = i % 13 == 0 ? 0 : 1;
         }
-    ASSERT_GT(fitD(&kept.pdb, &kept.table, 0), 200);
+    ASSERT_GT(fitD(&kept.pdb, kept.table, 0, standardMessages()), 200);
     RepeatedFit fit;
     prepareRepeatedFit(kept.table, fit);
     ASSERT_TRUE(fit.isUsable);
@@ -104,7 +104,8 @@ TEST(FitD, RepeatedFitsHaveTheSameBits)
     for (int sample = 0; sample < 5; ++sample) {
         for (std::size_t i = 0; i < static_cast<std::size_t>(kept.table.dCount); ++i)
             kept.table.dObsList[i].d = plain.table.dObsList[i].d += noise(engine);
-        EXPECT_EQ(refitD(fit, &kept.pdb, &kept.table, 0), fitD(&plain.pdb, &plain.table, 0));
+        EXPECT_EQ(refitD(fit, &kept.pdb, kept.table, 0, standardMessages()),
+                  fitD(&plain.pdb, plain.table, 0, standardMessages()));
         EXPECT_EQ(kept.table.dTensor.saupe, plain.table.dTensor.saupe);
         EXPECT_EQ(kept.table.dTensor.phiList, plain.table.dTensor.phiList);
         for (std::size_t i = 0; i < static_cast<std::size_t>(kept.table.dCount); ++i)
@@ -122,12 +123,12 @@ TEST(FitD, LeavesZeroAnglesWithFewerCouplingsThanParameters)
     for (DInfo &row : p.table.calculated().subspan(3))
         row.w = 0.0f;
     p.table.dTensor.tensorMode = 3;
-    EXPECT_EQ(fitD(&p.pdb, &p.table, 0), 3);
+    EXPECT_EQ(fitD(&p.pdb, p.table, 0, standardMessages()), 3);
     EXPECT_EQ(p.table.dTensor.psi, 0.0f);
     EXPECT_EQ(p.table.dTensor.psiList[0], 0.0f);
     EXPECT_EQ(p.table.dTensor.da, 0.001f);
     p.table.dTensor = DTensor{};
-    EXPECT_EQ(fitD(&p.pdb, &p.table, 0), 3); // the linear fit: a zero tensor
+    EXPECT_EQ(fitD(&p.pdb, p.table, 0, standardMessages()), 3); // the linear fit: a zero tensor
     EXPECT_EQ(p.table.dTensor.saupe, (SaupeValues{}));
     EXPECT_EQ(p.table.calculated()[0].d, 0.0f);
     EXPECT_EQ(p.table.calculated()[3].d, noCoupling);
@@ -164,7 +165,7 @@ TEST(FitDSVD, TreatsGroupsOfAtomsByTheirNumberOfPairs)
 {
     HandMade one(1, 1), two(1, 2), three(1, 3);
     for (HandMade *made : {&one, &two, &three})
-        EXPECT_EQ(fitD(nullptr, &made->table, 0), 1);
+        EXPECT_EQ(fitD(nullptr, made->table, 0, standardMessages()), 1);
     EXPECT_NEAR(one.table.dCalcList[0].d, 10.0, 1e-5);       // along z
     EXPECT_NEAR(two.table.dCalcList[0].d, 10.0 - 5.0, 1e-5); // along z and along x, summed
     // One vector to the mean (1/3, 1/3, 1): cos^2 = 9/11.
@@ -201,7 +202,7 @@ TEST(FindS, SurvivesRowsThatSayNothing)
     sample.sigma.push_back(0.0f);
     SaupeValues saupe = {};
     FitWork work;
-    EXPECT_EQ(findS(sample.vectors(), saupe, work), Status::ok);
+    EXPECT_EQ(findS(sample.vectors(), saupe, work, standardMessages()), Status::ok);
     // The row has weight 1 and target 0 beside weights of 10000.
     EXPECT_LT(apart(saupe, truth), 2.0e-9);
     findD(sample.vectors(), saupe);
@@ -213,14 +214,14 @@ TEST(FindS, AsksForNoMemoryAgain)
     Sample large(50), small(20);
     SaupeValues saupe = {};
     FitWork work;
-    EXPECT_EQ(findS(large.vectors(), saupe, work), Status::ok);
+    EXPECT_EQ(findS(large.vectors(), saupe, work, standardMessages()), Status::ok);
     EXPECT_EQ(said([&] {
                   setAlloc(1);
-                  EXPECT_EQ(findS(large.vectors(), saupe, work), Status::ok);
+                  EXPECT_EQ(findS(large.vectors(), saupe, work, standardMessages()), Status::ok);
                   setAlloc(0);
               }).err,
               "");
-    EXPECT_EQ(findS(small.vectors(), saupe, work), Status::ok);
+    EXPECT_EQ(findS(small.vectors(), saupe, work, standardMessages()), Status::ok);
 }
 
 TEST(Saupe2Euler, EverySolutionGivesTheVectorBack)

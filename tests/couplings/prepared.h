@@ -20,9 +20,9 @@ struct Prepared {
                       const std::string &pdbName = ubiquitinFolder + "1d3z_model1.pdb")
     {
         EXPECT_EQ(readPDB(pdbName, &pdb, range), 0);
-        EXPECT_EQ(readDC(tableName, &table), 0);
+        EXPECT_EQ(readDC(tableName, table, standardMessages()), Status::ok);
         selectD(table.observed(), -1000, 2000, 3);
-        valid = buildDC(&pdb, &table, aOff, 0, {}, 1);
+        valid = buildDC(&pdb, table, {.aOff = aOff}, standardMessages());
     }
 };
 

@@ -221,7 +221,7 @@ TEST(AddPhiPsiNoise, TurnsEveryAngleByTheFixedWidth)
         getPDBPhiPsi(&m.pdb, residue.resID, "A", m.pdb.defSegName.view(), phi, psi);
     }
     int idum = -1;
-    addPhiPsiNoise(&idum, &m.pdb, &m.table, fixedCone, {1, 1, 76}, 1);
+    addPhiPsiNoise(&idum, &m.pdb, &m.table, fixedCone, {1, 1, 76}, 1, standardMessages());
     auto angles = before.begin();
     for (const ResInfo &residue : m.pdb.residues()) {
         const auto [phiBefore, psiBefore] = *angles++;
@@ -240,7 +240,7 @@ TEST(AddPhiPsiNoise, ResidueZeroBehindTheListDraws)
     for (const auto &[res1, angles] : {std::pair{1, 2 * 77}, {10, 2 * 67}}) {
         Molecule m("20 N 20 H 1 1\n", 0, residuesFrom(res1));
         int idum = -1, seed = -1;
-        addPhiPsiNoise(&idum, &m.pdb, &m.table, gaussCone, {1, 1, 76}, 1);
+        addPhiPsiNoise(&idum, &m.pdb, &m.table, gaussCone, {1, 1, 76}, 1, standardMessages());
         resetRandom();
         for (int n = 0; n < angles; ++n)
             takenAngle(&seed);
@@ -260,7 +260,7 @@ TEST(AddVecNoise, TooNarrowAGaussianConeMovesAndDrawsNothing)
         Molecule m("10 N 10 H 1 1\n");
         idum = -1;
         const std::vector<Vector> before = m.all();
-        addPhiPsiNoise(&idum, &m.pdb, &m.table, cone, {1, 1, 76}, 1);
+        addPhiPsiNoise(&idum, &m.pdb, &m.table, cone, {1, 1, 76}, 1, standardMessages());
         EXPECT_EQ(m.all() != before, isMoved) << cone.coneWidth;
     }
 }

@@ -42,14 +42,16 @@ void checkTable(const std::string &name)
 void checkCouplings(const std::string &name)
 {
     DTable dTab;
-    if (readDC(name, &dTab) != 0)
+    if (readDC(name, dTab, standardMessages()) != Status::ok)
         return;
     for (const DInfo &row : dTab.observed())
         require(std::isfinite(row.d) && std::isfinite(row.w) && row.sigma >= 0.0f,
                 "couplings, weights and errors are numbers");
     PDBInfo &molecule = fuzz::smallMolecule();
     const int valid = selectD(dTab.observed(), 1, 3, 3);
-    const int built = buildDC(&molecule, &dTab, 1, 2, std::vector<float>{0.5f, 0.0f}, 0);
+    const int built = buildDC(
+        &molecule, dTab, {.aOff = 1, .wOff = 2, .wList = std::vector<float>{0.5f, 0.0f}, .allowFixedDI = 0},
+        standardMessages());
     require(built <= valid && valid <= dTab.dCount, "no rows come from nowhere");
     for (const DInfo &row : dTab.calculated())
         require(row.valid == 0 || (row.atomICount > 0 && row.atomJCount > 0 && std::isfinite(row.di)),

@@ -14,7 +14,7 @@ namespace {
 std::string written(DTable &table, TrelmInfo &info)
 {
     const TempFile file;
-    EXPECT_EQ(writeDCmod(file.name, "w", &table, &info, ""), 0);
+    EXPECT_EQ(writeDCmod({file.name}, table, info, "", standardMessages()), Status::ok);
     std::ostringstream text;
     text << std::ifstream(file.name).rdbuf();
     return text.str();
@@ -72,7 +72,7 @@ TEST(Output, StatisticsWithoutSpreadAreZero)
 {
     const DTable table = makeTable({{2.0f, 2.5f}, {2.0f, 2.5f}, {2.0f, 2.5f}});
     DcStatistics stat;
-    ASSERT_EQ(getStatDCmod(table, stat), 0);
+    ASSERT_EQ(getStatDCmod(table, stat, standardMessages()), Status::ok);
     EXPECT_FLOAT_EQ(stat.rSumD2, 0.5f);
     EXPECT_EQ(stat.stdDevD, 0.0f);
     EXPECT_EQ(stat.coorR, 0.0f);

@@ -1,6 +1,5 @@
 #include "support/numerics/jacobi.h"
 
-#include "common/said.h"
 #include "support/numerics/random.h"
 
 #include <algorithm>
@@ -88,8 +87,7 @@ TEST(Jacobi, ValuesThatAreNoNumbersFail)
     std::array<double, 3> dd = {};
     Matrix3d vv = {};
     int nrot = 0;
-    const auto call = [&] { EXPECT_EQ(jacobimz({1, NAN, 0, NAN, 1, 0, 0, 0, 1}, dd, vv, nrot), 1); };
-    EXPECT_EQ(said(call).err, "Utility Error: Too many iterations in routine jacobi\nAborting.\n");
+    EXPECT_EQ(jacobimz({1, NAN, 0, NAN, 1, 0, 0, 0, 1}, dd, vv, nrot), 1);
 }
 
 } // namespace

@@ -190,7 +190,7 @@ Status simulateAlignment(const AlignmentSetup &setup, const CoordinateBuffers &a
     }
     TensorAnalysis analysis; // each part must have axes; the magnitude is that of the last one
     for (const Saupe *part : {&prediction.steric, &prediction.electrostatic, &prediction.sum})
-        if (analyzeSaupe(*part, 0, 0, analysis) != 0)
+        if (analyzeSaupe(*part, 0, 0, analysis, messages) != Status::ok)
             return messages.fail("Matrix: error in analyzeSaupe.\n");
     prediction.gMag = analysis.gMag;
     return Status::ok;

@@ -119,7 +119,7 @@ Status initOrient(PDBInfo *pdbInfo, const DomainOptions &options, int yzFlag, Me
     if (calcInertiaSel(*pdbInfo, options.startResPart1, options.endResPart1, inertiaTensor, messages) !=
         Status::ok)
         return Status::failed;
-    if (analyzeMatrix3D(inertiaTensor, yzFlag, analysis) != 0)
+    if (analyzeMatrix3D(inertiaTensor, yzFlag, analysis, messages) != Status::ok)
         return messages.fail("initOrient: error in analyzeMatrix3D.");
     const EulerLists &euler = analysis.euler;
     if (options.initOrientFlag != 0 && rotateDomain({-euler.gamma[0], -euler.beta[0], -euler.alpha[0]},

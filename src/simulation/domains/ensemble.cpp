@@ -249,8 +249,8 @@ Status logPartAngles(EnsembleRun &run)
             Status::ok)
         return messages.fail("matrix: error in calcInertiaSel.");
     TensorAnalysis analysis1, analysis2;
-    if (analyzeMatrix3D(tensor1, run.setup.yzFlag, analysis1) != 0 ||
-        analyzeMatrix3D(tensor2, run.setup.yzFlag, analysis2) != 0)
+    if (analyzeMatrix3D(tensor1, run.setup.yzFlag, analysis1, messages) != Status::ok ||
+        analyzeMatrix3D(tensor2, run.setup.yzFlag, analysis2, messages) != Status::ok)
         return messages.fail("matrix: error in analyzeMatrix3D.");
     const auto dcos = calcDcos(analysis1.eigVec, analysis2.eigVec);
     std::string text;
@@ -290,7 +290,7 @@ Status addState(EnsembleRun &run, StateAtWork &state)
         run.result.saupe[k] += state.saupe[k];
         tensor.saupe[k] = tensor.userSaupe[k] = static_cast<float>(state.saupe[k]);
     }
-    if (fitD(run.pdbInfo, run.dTab, run.setup.verbose) < 0)
+    if (!fitD(run.pdbInfo, *run.dTab, run.setup.verbose, run.setup.simulation.messages))
         return Status::failed;
     for (std::size_t i = 0; i < run.dTab->calculated().size(); ++i)
         if (isInUse(run.dTab->dCalcList[i]))
@@ -303,7 +303,7 @@ Status reportState(EnsembleRun &run, const StateAtWork &state)
 {
     Messages &messages = run.setup.simulation.messages;
     TensorAnalysis analysis;
-    if (analyzeSaupe(state.saupe, run.setup.yzFlag, run.setup.eulerFlag, analysis) != 0)
+    if (analyzeSaupe(state.saupe, run.setup.yzFlag, run.setup.eulerFlag, analysis, messages) != Status::ok)
         return messages.fail("Matrix: error in analyzeSaupe.\n");
     if (analysis.da != 0.0)
         run.R = analysis.dr / analysis.da;
@@ -312,7 +312,7 @@ Status reportState(EnsembleRun &run, const StateAtWork &state)
     appendf(text, "Euler angles (alpha/beta/gamma) [deg.]: %7.2f  %7.2f  %7.2f  \n", analysis.euler.alpha[0],
             analysis.euler.beta[0], analysis.euler.gamma[0]);
     writeOut(run.log, text);
-    return run.setup.takeCouplings(*run.dTab, state.remark) == 0 ? Status::ok : Status::failed;
+    return run.setup.takeCouplings(*run.dTab, state.remark);
 }
 
 Status runState(EnsembleRun &run, StateAtWork &state)

@@ -55,9 +55,9 @@ Status readEnsemble(const std::string &inName, Ensemble &ensemble, Messages &mes
 Status setupEnsemble(const DomainOptions &options, const EnsembleFiles &files, Ensemble &ensemble,
                      Messages &messages);
 
-/// Takes the couplings of a state, with what is to be remarked on it. Returns 0, or another status, which
+/// Takes the couplings of a state, with what is to be remarked on it. A failure
 /// ends the run.
-using TakeCouplings = std::function<int(DTable &dTab, std::string_view remark)>;
+using TakeCouplings = std::function<Status(DTable &dTab, std::string_view remark)>;
 
 /// What the simulation of an ensemble is given beside molecule and couplings.
 struct EnsembleSetup {

@@ -1,7 +1,5 @@
 #include "support/numerics/jacobi.h"
 
-#include "support/text/text.h"
-
 #include <cmath>
 #include <cstddef>
 #include <utility>
@@ -145,8 +143,6 @@ int jacobimz(const Matrix3d &a, std::array<double, 3> &d, Matrix3d &v, int &nrot
 {
     Rotating<double> m = start(a);
     const int status = diagonalise(m);
-    if (status != 0)
-        nrerror("Too many iterations in routine jacobi");
     d = m.d;
     v = m.v;
     nrot = m.nrot;

@@ -16,8 +16,8 @@ int diag3By3(const Matrix3f &aOrig, std::array<float, 3> &dd, Matrix3f &vv);
 /// its handedness; then transposes the vectors: rows of vOrig.
 void eigsrt3By3NegRevTP(std::array<float, 3> &dOrig, Matrix3f &vOrig);
 
-/// Eigenvalues d and eigenvectors (columns of v), double precision, not sorted; nrot counts rotations. After
-/// 50 sweeps it reports "Too many iterations in routine jacobi". Returns 0, or 1 then.
+/// Eigenvalues d and eigenvectors (columns of v), double precision, not sorted; nrot counts rotations.
+/// Returns 0, or 1 after 50 sweeps.
 int jacobimz(const Matrix3d &a, std::array<double, 3> &d, Matrix3d &v, int &nrot);
 
 } // namespace trelm

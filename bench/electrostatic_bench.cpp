@@ -70,7 +70,8 @@ struct ChargedUbiquitin {
         PDBInfo pdb;
         info.lcType = lcType;
         info.elFlag = 1;
-        if (readPDB(std::string(TRELM_EXAMPLES) + "/ubiquitin/1d3z_model1.pdb", &pdb, nullptr) != 0)
+        if (readPDB(std::string(TRELM_EXAMPLES) + "/ubiquitin/1d3z_model1.pdb", pdb, nullptr,
+                    standardMessages()) != Status::ok)
             return;
         AtomMask heavy;
         for (const AtomInfo &atom : pdb.atoms())

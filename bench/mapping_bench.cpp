@@ -23,7 +23,7 @@ struct Ubiquitin {
     explicit Ubiquitin(const char *table)
     {
         const std::string folder = std::string(TRELM_EXAMPLES) + "/ubiquitin/";
-        if (readPDB(folder + "1d3z_model1.pdb", &pdb, nullptr) != 0 ||
+        if (readPDB(folder + "1d3z_model1.pdb", pdb, nullptr, standardMessages()) != Status::ok ||
             readDC(folder + table, dTab, standardMessages()) != Status::ok)
             return;
         selectD(dTab.observed(), 1, 76, 3);

@@ -65,7 +65,8 @@ void readStructure(benchmark::State &state)
     const std::string name = manyAtoms(static_cast<int>(state.range(0)));
     for (auto step : state) {
         PDBInfo pdbInfo;
-        if (readPDB(name, &pdbInfo, nullptr) != 0 || pdbInfo.atomCount != state.range(0))
+        if (readPDB(name, pdbInfo, nullptr, standardMessages()) != Status::ok ||
+            pdbInfo.atomCount != state.range(0))
             return state.SkipWithError("the structure was not read");
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));
@@ -89,7 +90,7 @@ BENCHMARK(readCouplings)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond)
 
 bool readInput(PDBInfo &pdbInfo, DTable &dTab)
 {
-    return readPDB(structureName, &pdbInfo, nullptr) == 0 &&
+    return readPDB(structureName, pdbInfo, nullptr, standardMessages()) == Status::ok &&
            readDC(backboneName, dTab, standardMessages()) == Status::ok;
 }
 

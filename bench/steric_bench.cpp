@@ -26,7 +26,8 @@ struct Assembly {
     explicit Assembly(int copies, int densit = 100)
     {
         PDBInfo pdb;
-        if (readPDB(std::string(TRELM_EXAMPLES) + "/ubiquitin/1d3z_model1.pdb", &pdb, nullptr) != 0)
+        if (readPDB(std::string(TRELM_EXAMPLES) + "/ubiquitin/1d3z_model1.pdb", pdb, nullptr,
+                    standardMessages()) != Status::ok)
             return;
         constexpr double spacing = 45.0;
         for (int copy = 0; copy < copies; ++copy)

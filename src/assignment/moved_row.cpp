@@ -16,7 +16,7 @@ void nameResidue(PDBInfo &pdbInfo, const SideQuery &side, Name &resName)
     if (residue != nullptr)
         resName = residue->resName;
     else
-        pdbStrCpy(resName, "None");
+        resName = Name::of("None");
 }
 
 } // namespace

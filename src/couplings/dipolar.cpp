@@ -107,18 +107,19 @@ float cellOr(const TableRow &row, int loc, float missing)
 }
 
 /// The atom columns of one side.
-AtomTabVals readSide(const TableRow &row, const AtomTabLocs &locs)
+AtomTabVals readSide(const TableRow &row, const AtomTabLocs &locs, Messages &messages)
 {
     AtomTabVals side;
     side.resID = noResID;
-    getAtomTabVals(row.text.varInfo, row.cells, locs, side);
+    getAtomTabVals(row.text.varInfo, row.cells, locs, side, messages);
     return side;
 }
 
 /// Fills an observed record, all but its interaction constant.
-void readRow(const TableRow &row, const ColumnLocs &locs, DInfo &obs)
+void readRow(const TableRow &row, const ColumnLocs &locs, DInfo &obs, Messages &messages)
 {
-    const AtomTabVals sideI = readSide(row, locs.atomI), sideJ = readSide(row, locs.atomJ);
+    const AtomTabVals sideI = readSide(row, locs.atomI, messages),
+                      sideJ = readSide(row, locs.atomJ, messages);
     obs.resIDI = sideI.resID;
     obs.resNameI = sideI.resName;
     obs.atomNameI = sideI.atomName;
@@ -196,7 +197,7 @@ Status readRows(const TextTable &text, DTable &dTab, Messages &messages)
     Status status = Status::ok;
     for (DInfo &obs : dTab.observed()) {
         const float *cells = text.matrix.data() + number * static_cast<std::size_t>(text.varCount);
-        readRow({text, cells, ++number}, locs, obs);
+        readRow({text, cells, ++number}, locs, obs, messages);
         if (!obs.chainNameI.empty() || !obs.chainNameJ.empty())
             dTab.nullChainName = 0;
         if (!obs.segNameI.empty() || !obs.segNameJ.empty())

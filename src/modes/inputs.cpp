@@ -16,11 +16,8 @@ Status readStructure(Run &run, Messages &messages)
     if (pdbName.empty())
         return Status::ok;
     PDBInfo &pdbInfo = run.pdbInfo[0];
-    const int status = readPDB(pdbName, &pdbInfo, nullptr);
-    if (status != 0) {
-        messages.err("Error reading PDB input %s\n", pdbName.c_str());
-        return static_cast<Status>(status);
-    }
+    if (readPDB(pdbName, pdbInfo, nullptr, messages) != Status::ok)
+        return messages.fail("Error reading PDB input %s\n", pdbName.c_str());
     messages.err("%s, %d Atoms, Residues %d to %d.\n", pdbName.c_str(), pdbInfo.atomCount, pdbInfo.minResID,
                  pdbInfo.maxResID);
     return Status::ok;

@@ -8,11 +8,11 @@ namespace trelm {
 namespace {
 
 /// Reads a name column, if there is one.
-void readName(const std::vector<tabVar> &varInfo, const float *rPtr, int loc, Name &name)
+void readName(const std::vector<tabVar> &varInfo, const float *rPtr, int loc, Name &name, Messages &messages)
 {
     if (loc < 0)
         return;
-    pdbStrCpy(name, tabText(varInfo[static_cast<std::size_t>(loc)], rPtr[loc]));
+    name = pdbStrCpy(tabText(varInfo[static_cast<std::size_t>(loc)], rPtr[loc]), messages);
     blankName(name);
 }
 
@@ -27,14 +27,14 @@ void getAtomTabLocs(const std::vector<tabVar> &varInfo, std::string_view suffix,
 }
 
 void getAtomTabVals(const std::vector<tabVar> &varInfo, const float *rPtr, const AtomTabLocs &locs,
-                    AtomTabVals &vals)
+                    AtomTabVals &vals, Messages &messages)
 {
     if (locs.resID >= 0)
         vals.resID = truncated(rPtr[locs.resID]);
-    readName(varInfo, rPtr, locs.resName, vals.resName);
-    readName(varInfo, rPtr, locs.atomName, vals.atomName);
-    readName(varInfo, rPtr, locs.chainName, vals.chainName);
-    readName(varInfo, rPtr, locs.segName, vals.segName);
+    readName(varInfo, rPtr, locs.resName, vals.resName, messages);
+    readName(varInfo, rPtr, locs.atomName, vals.atomName, messages);
+    readName(varInfo, rPtr, locs.chainName, vals.chainName, messages);
+    readName(varInfo, rPtr, locs.segName, vals.segName, messages);
 }
 
 } // namespace trelm

@@ -23,8 +23,8 @@ struct AtomTabVals {
 /// Finds RESID, RESNAME, ATOMNAME, CHAINNAME, SEGNAME with a suffix such as "_I".
 void getAtomTabLocs(const std::vector<tabVar> &varInfo, std::string_view suffix, AtomTabLocs &locs);
 
-/// Reads the atom columns of the row at rPtr; fields without a column stay.
+/// Reads the atom columns of the row at rPtr; fields without a column stay. A name that is too long is told.
 void getAtomTabVals(const std::vector<tabVar> &varInfo, const float *rPtr, const AtomTabLocs &locs,
-                    AtomTabVals &vals);
+                    AtomTabVals &vals, Messages &messages);
 
 } // namespace trelm

@@ -2,7 +2,6 @@
 #include "structure/keys.h"
 #include "structure/pdb.h"
 #include "structure/write.h"
-#include "support/text/text.h"
 
 #include <algorithm>
 
@@ -14,12 +13,12 @@ constexpr std::size_t firstResidues = 512;
 constexpr std::size_t firstChains = 8;
 constexpr std::size_t firstAtomsOfGroup = 32;
 
-/// A place that could not be given. Prints the message and returns -1.
-int noPlace(const char *message)
-{
-    complain("%s", message);
-    return -1;
-}
+/// A molecule at work.
+struct Indexing {
+    PDBInfo &pdbInfo;
+    Messages &messages;
+    std::string key = {}; ///< of the record at hand
+};
 
 /// A list of records with the table of its keys, and what to say when one of them fails.
 template <class T>
@@ -32,120 +31,130 @@ struct KeyedList {
     const char *tableMessage;
 };
 
-/// The place of the record of a key; a new one, in its default state, if the key is new. -1 after a message.
+/// The record of the key at hand; a new one, in its default state, if the key is new. Null after a message.
 template <class T>
-int findOrAdd(const KeyedList<T> &keyed, const std::string &key)
+T *findOrAdd(const KeyedList<T> &keyed, const Indexing &work)
 {
-    const HSymInfo *known = hFindSym(key, keyed.table);
-    if (known != nullptr)
-        return known->value;
-    if (!makeRoom(keyed.list, "pdb", static_cast<std::size_t>(keyed.count), 1, keyed.first))
-        return noPlace(keyed.memoryMessage);
-    HSymInfo *symbol = hAddSym(key, 0, keyed.table);
-    if (symbol == nullptr)
-        return noPlace(keyed.tableMessage);
-    symbol->value = keyed.count;
-    return keyed.count++;
+    if (const HSymInfo *known = hFindSym(work.key, keyed.table))
+        return &keyed.list[static_cast<std::size_t>(known->value)];
+    const auto count = static_cast<std::size_t>(keyed.count);
+    if (!makeRoom(keyed.list, "pdb", count, 1, keyed.first)) {
+        work.messages.err("%s", keyed.memoryMessage);
+        return nullptr;
+    }
+    HSymInfo *symbol = hAddSym(work.key, 0, keyed.table);
+    if (symbol == nullptr) {
+        work.messages.err("%s", keyed.tableMessage);
+        return nullptr;
+    }
+    symbol->value = keyed.count++;
+    return &keyed.list[count];
 }
 
 /// Enters an atom under its key. An atom whose key is taken stays in the lists, and the key stays with the
 /// first.
-int insertAtom(PDBInfo &pdbInfo, int place, std::string &key)
+Status insertAtom(Indexing &work, int place)
 {
+    PDBInfo &pdbInfo = work.pdbInfo;
     const AtomInfo &atom = pdbInfo.atomList[static_cast<std::size_t>(place)];
     buildAtomText(atom.resID, atom.atomName.view(), atom.icode.view(), atom.chainID.view(), atom.segID.view(),
-                  key);
-    const HSymInfo *known = hFindSym(key, pdbInfo.atomTab);
-    if (known != nullptr) {
-        complain("PDB Warning: Redundant Atom Specification.\n"
-                 " ResID: %d AtomName: %s Chain: %s Segment: %s\n",
-                 atom.resID, atom.atomName.c_str(), atom.chainID.c_str(), atom.segID.c_str());
-        return known->value;
+                  work.key);
+    if (hFindSym(work.key, pdbInfo.atomTab) != nullptr) {
+        work.messages.err("PDB Warning: Redundant Atom Specification.\n"
+                          " ResID: %d AtomName: %s Chain: %s Segment: %s\n",
+                          atom.resID, atom.atomName.c_str(), atom.chainID.c_str(), atom.segID.c_str());
+        return Status::ok;
     }
-    HSymInfo *symbol = hAddSym(key, 0, pdbInfo.atomTab);
+    HSymInfo *symbol = hAddSym(work.key, 0, pdbInfo.atomTab);
     if (symbol == nullptr)
-        return noPlace("PDB Atom Symbol Table Error.\n");
+        return work.messages.fail("PDB Atom Symbol Table Error.\n");
     symbol->value = place;
-    return place;
+    return Status::ok;
 }
 
-int insertRes(PDBInfo &pdbInfo, const AtomInfo &atom, std::string &key)
+ResInfo *residueOf(Indexing &work, const AtomInfo &atom)
 {
-    buildResText(atom.resID, atom.chainID.view(), atom.segID.view(), key);
+    PDBInfo &pdbInfo = work.pdbInfo;
+    buildResText(atom.resID, atom.chainID.view(), atom.segID.view(), work.key);
     return findOrAdd<ResInfo>({pdbInfo.resList, pdbInfo.resCount, pdbInfo.resTab, firstResidues,
                                "PDB Error Allocating Residue memory.\n", "PDB Residue Symbol Table Error.\n"},
-                              key);
+                              work);
 }
 
-int insertChain(PDBInfo &pdbInfo, const AtomInfo &atom, std::string &key)
+ChainInfo *chainOf(Indexing &work, const AtomInfo &atom)
 {
-    buildChainText(atom.chainID.view(), atom.segID.view(), key);
+    PDBInfo &pdbInfo = work.pdbInfo;
+    buildChainText(atom.chainID.view(), atom.segID.view(), work.key);
     return findOrAdd<ChainInfo>({pdbInfo.chainList, pdbInfo.chainCount, pdbInfo.chainTab, firstChains,
                                  "PDB Error Allocating Chain memory.\n", "PDB Chain Symbol Table Error.\n"},
-                                key);
+                                work);
 }
 
-int insertSeg(PDBInfo &pdbInfo, const AtomInfo &atom, std::string &key)
+SegInfo *segmentOf(Indexing &work, const AtomInfo &atom)
 {
-    buildSegText(atom.segID.view(), atom.chainID.view(), key);
+    PDBInfo &pdbInfo = work.pdbInfo;
+    buildSegText(atom.segID.view(), atom.chainID.view(), work.key);
     return findOrAdd<SegInfo>({pdbInfo.segList, pdbInfo.segCount, pdbInfo.segTab, firstChains,
                                "PDB Error Allocating Seg memory.\n", "PDB Seg Symbol Table Error.\n"},
-                              key);
+                              work);
 }
 
 /// Takes an atom into a residue, chain or segment, whose names are those of the last atom. Without memory it
-/// stays out and the loops go on; the molecule is then not whole, and no run may work with it: 1.
+/// stays out and the loops go on; the molecule is then not whole, and no run may work with it.
 template <class Group>
-int addAtom(Group &group, AtomInfo &atom)
+Status addAtom(Group &group, AtomInfo &atom, Messages &messages)
 {
     group.chainID = atom.chainID;
     group.segID = atom.segID;
     if (!makeRoom(group.atomList, "pdb", static_cast<std::size_t>(group.atomCount), 1, firstAtomsOfGroup))
-        return complain("PDB Error Allocating Atom Index memory.\n");
+        return messages.fail("PDB Error Allocating Atom Index memory.\n");
     group.atomList[static_cast<std::size_t>(group.atomCount++)] = &atom;
-    return 0;
+    return Status::ok;
 }
 
-int indexAtoms(PDBInfo &pdbInfo, std::string &key)
+Status indexAtoms(Indexing &work)
 {
+    PDBInfo &pdbInfo = work.pdbInfo;
     for (int i = 0; i < pdbInfo.atomCount; ++i) {
         const int resID = pdbInfo.atomList[static_cast<std::size_t>(i)].resID;
         pdbInfo.minResID = i == 0 ? resID : std::min(pdbInfo.minResID, resID);
         pdbInfo.maxResID = i == 0 ? resID : std::max(pdbInfo.maxResID, resID);
-        if (insertAtom(pdbInfo, i, key) < 0)
-            return 1;
+        if (insertAtom(work, i) != Status::ok)
+            return Status::failed;
     }
-    return 0;
+    return Status::ok;
 }
 
 /// Residues and their atoms.
-int indexResidues(PDBInfo &pdbInfo, std::string &key)
+Status indexResidues(Indexing &work)
 {
-    int status = 0;
-    for (AtomInfo &atom : pdbInfo.atoms()) {
-        const int place = insertRes(pdbInfo, atom, key);
-        if (place < 0)
-            return 1;
-        ResInfo &residue = pdbInfo.resList[static_cast<std::size_t>(place)];
-        residue.resID = atom.resID;
-        residue.resName = atom.resName;
-        status |= addAtom(residue, atom);
+    Status status = Status::ok;
+    for (AtomInfo &atom : work.pdbInfo.atoms()) {
+        ResInfo *residue = residueOf(work, atom);
+        if (residue == nullptr)
+            return Status::failed;
+        residue->resID = atom.resID;
+        residue->resName = atom.resName;
+        if (addAtom(*residue, atom, work.messages) != Status::ok)
+            status = Status::failed;
     }
     return status;
 }
 
-int indexChains(PDBInfo &pdbInfo, std::string &key)
+Status indexChains(Indexing &work)
 {
-    int status = 0;
-    for (AtomInfo &atom : pdbInfo.atoms()) {
-        const int chain = insertChain(pdbInfo, atom, key);
-        if (chain < 0)
-            return 1;
-        status |= addAtom(pdbInfo.chainList[static_cast<std::size_t>(chain)], atom);
-        const int seg = insertSeg(pdbInfo, atom, key);
-        if (seg < 0)
-            return 1;
-        status |= addAtom(pdbInfo.segList[static_cast<std::size_t>(seg)], atom);
+    Status status = Status::ok;
+    for (AtomInfo &atom : work.pdbInfo.atoms()) {
+        ChainInfo *chain = chainOf(work, atom);
+        if (chain == nullptr)
+            return Status::failed;
+        if (addAtom(*chain, atom, work.messages) != Status::ok)
+            status = Status::failed;
+        SegInfo *segment = segmentOf(work, atom);
+        if (segment == nullptr)
+            return Status::failed;
+        if (addAtom(*segment, atom, work.messages) != Status::ok)
+            status = Status::failed;
     }
     return status;
 }
@@ -183,28 +192,29 @@ void linkAll(PDBInfo &pdbInfo)
     }
 }
 
-int saveCoordinates(PDBInfo &pdbInfo)
+Status saveCoordinates(Indexing &work)
 {
-    pdbInfo.coordList = Block<Coord3D>("pdb", pdbInfo.atoms().size());
-    if (!pdbInfo.coordList)
-        return complain("PDB Error Allocating PDB coords.\n");
-    return storePDBCoords(&pdbInfo);
+    work.pdbInfo.coordList = Block<Coord3D>("pdb", work.pdbInfo.atoms().size());
+    if (!work.pdbInfo.coordList)
+        return work.messages.fail("PDB Error Allocating PDB coords.\n");
+    storePDBCoords(&work.pdbInfo);
+    return Status::ok;
 }
 
 } // namespace
 
-int indexPDB(PDBInfo *pdbInfo)
+Status indexPDB(PDBInfo &pdbInfo, Messages &messages)
 {
-    if (pdbInfo == nullptr || pdbInfo->atomCount == 0 || !pdbInfo->atomList)
-        return 0;
-    pdbInfo->defChainName = pdbInfo->atomList[0].chainID;
-    pdbInfo->defSegName = pdbInfo->atomList[0].segID;
-    std::string key;
-    if (saveCoordinates(*pdbInfo) != 0 || indexAtoms(*pdbInfo, key) != 0 ||
-        indexResidues(*pdbInfo, key) != 0 || indexChains(*pdbInfo, key) != 0)
-        return 1;
-    linkAll(*pdbInfo);
-    return 0;
+    if (pdbInfo.atomCount == 0)
+        return Status::ok;
+    pdbInfo.defChainName = pdbInfo.atomList[0].chainID;
+    pdbInfo.defSegName = pdbInfo.atomList[0].segID;
+    Indexing work = {pdbInfo, messages};
+    if (saveCoordinates(work) != Status::ok || indexAtoms(work) != Status::ok ||
+        indexResidues(work) != Status::ok || indexChains(work) != Status::ok)
+        return Status::failed;
+    linkAll(pdbInfo);
+    return Status::ok;
 }
 
 } // namespace trelm

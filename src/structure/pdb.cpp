@@ -72,7 +72,7 @@ void readNames(std::string_view line, AtomInfo &atom)
     atom.icode = column(line, fieldIcode);
 }
 
-int readNumbers(std::string_view line, AtomInfo &atom)
+Status readNumbers(std::string_view line, AtomInfo &atom, Messages &messages)
 {
     atom.atomID = toInt(column(line, fieldAtomID).view());
     atom.x = number(line, fieldX);
@@ -83,18 +83,18 @@ int readNumbers(std::string_view line, AtomInfo &atom)
     atom.element = column(line, fieldElement);
     atom.chargeStr = column(line, fieldCharge);
     if (!std::isfinite(atom.x) || !std::isfinite(atom.y) || !std::isfinite(atom.z))
-        return complain("PDB Error: the coordinates of atom %d are no finite numbers.\n", atom.atomID);
-    return 0;
+        return messages.fail("PDB Error: the coordinates of atom %d are no finite numbers.\n", atom.atomID);
+    return Status::ok;
 }
 
-int appendAtom(const AtomInfo &atom, PDBInfo &pdbInfo)
+Status appendAtom(const AtomInfo &atom, PDBInfo &pdbInfo, Messages &messages)
 {
     const auto count = static_cast<std::size_t>(pdbInfo.atomCount);
     if (!makeRoom(pdbInfo.atomList, "pdb", count, 1, firstAtoms))
-        return complain("PDB Error Allocating Atom memory.\n");
+        return messages.fail("PDB Error Allocating Atom memory.\n");
     pdbInfo.atomList[count] = atom;
     ++pdbInfo.atomCount;
-    return 0;
+    return Status::ok;
 }
 
 /// The other form of structure files, whose atoms stand in ATOM lines, too. It begins with "data_".
@@ -107,7 +107,7 @@ bool isMmcif(TextInput &input)
     return equalNoCase(word.substr(0, 5), "data_");
 }
 
-int readAtoms(TextInput &input, PDBInfo &pdbInfo, const PDBSelectInfo *sInfo)
+Status readAtoms(TextInput &input, PDBInfo &pdbInfo, const PDBSelectInfo *sInfo, Messages &messages)
 {
     const int hetatmFlag = sInfo != nullptr ? sInfo->hetatmFlag : 0;
     for (std::string_view line; fgetsAlloc(input, line);) {
@@ -117,53 +117,52 @@ int readAtoms(TextInput &input, PDBInfo &pdbInfo, const PDBSelectInfo *sInfo)
         readNames(line, atom);
         if (!pdbSelectTest(sInfo, atom))
             continue;
-        if (readNumbers(line, atom) != 0 || appendAtom(atom, pdbInfo) != 0)
-            return 1;
+        if (readNumbers(line, atom, messages) != Status::ok ||
+            appendAtom(atom, pdbInfo, messages) != Status::ok)
+            return Status::failed;
     }
-    return 0;
+    return Status::ok;
 }
 
-int makeTables(PDBInfo &pdbInfo)
+Status makeTables(PDBInfo &pdbInfo, Messages &messages)
 {
     if (hSymTabAlloc(pdbInfo.atomTab, atomChains) != 0 || hSymTabAlloc(pdbInfo.resTab, 0) != 0 ||
         hSymTabAlloc(pdbInfo.chainTab, 0) != 0 || hSymTabAlloc(pdbInfo.segTab, 0) != 0)
-        return complain("PDB Error creating object tables.\n");
-    return 0;
+        return messages.fail("PDB Error creating object tables.\n");
+    return Status::ok;
 }
 
 } // namespace
 
-int readPDB(const std::string &pdbName, PDBInfo *pdbInfo, const PDBSelectInfo *sInfo)
+Status readPDB(const std::string &pdbName, PDBInfo &pdbInfo, const PDBSelectInfo *sInfo, Messages &messages)
 {
-    *pdbInfo = PDBInfo{};
-    if (makeTables(*pdbInfo) != 0)
-        return 1;
+    pdbInfo = PDBInfo{};
+    if (makeTables(pdbInfo, messages) != Status::ok)
+        return Status::failed;
     TextInput input;
     const TextStatus status = readText(input, pdbName);
     if (status == TextStatus::noFile)
-        return complain("PDB Error opening PDB file %s\n", pdbName.c_str());
+        return messages.fail("PDB Error opening PDB file %s\n", pdbName.c_str());
     if (status != TextStatus::read)
-        return 1;
+        return Status::failed;
     const char *shownName = pdbName.empty() ? "(stdin)" : pdbName.c_str();
     if (isMmcif(input))
-        return complain("PDB Error: %s is an mmCIF file: the PDB format is wanted.\n", shownName);
-    if (readAtoms(input, *pdbInfo, sInfo) != 0)
-        return 1;
-    if (pdbInfo->atomCount == 0 && sInfo == nullptr) // a selection may leave out all atoms of a good file
-        complain("PDB Warning: no ATOM line in %s: is it a PDB file?\n", shownName);
-    if (indexPDB(pdbInfo) != 0)
-        return complain("PDB Error Indexing PDB File %s\n", shownName);
-    return 0;
+        return messages.fail("PDB Error: %s is an mmCIF file: the PDB format is wanted.\n", shownName);
+    if (readAtoms(input, pdbInfo, sInfo, messages) != Status::ok)
+        return Status::failed;
+    if (pdbInfo.atomCount == 0 && sInfo == nullptr) // a selection may leave out all atoms of a good file
+        messages.err("PDB Warning: no ATOM line in %s: is it a PDB file?\n", shownName);
+    if (indexPDB(pdbInfo, messages) != Status::ok)
+        return messages.fail("PDB Error Indexing PDB File %s\n", shownName);
+    return Status::ok;
 }
 
-std::size_t pdbStrCpy(Name &dest, std::string_view src)
+Name pdbStrCpy(std::string_view text, Messages &messages)
 {
-    const std::string_view kept = src.substr(0, Name::capacity);
-    dest = Name{};
-    std::copy(kept.begin(), kept.end(), dest.text);
-    if (kept.size() < src.size())
-        complain("PDB Error: string item too long: %s\n", std::string(src.substr(kept.size())).c_str());
-    return kept.size();
+    if (text.size() > Name::capacity)
+        messages.err("PDB Error: string item too long: %s\n",
+                     std::string(text.substr(Name::capacity)).c_str());
+    return Name::of(text);
 }
 
 bool blankName(Name &name)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ground/alloc.h"
+#include "ground/messages.h"
 #include "support/text/symbol_table.h"
 
 #include <cstddef>
@@ -21,6 +22,13 @@ struct Name {
     static constexpr std::size_t capacity = 16;
     char text[capacity + 1] = {};
 
+    /// The first 16 characters of a text.
+    static Name of(std::string_view from)
+    {
+        Name name;
+        from.copy(name.text, capacity);
+        return name;
+    }
     [[nodiscard]] std::string_view view() const { return text; }
     [[nodiscard]] const char *c_str() const { return text; }
     [[nodiscard]] bool empty() const { return text[0] == '\0'; }
@@ -104,14 +112,14 @@ struct PDBInfo {
 /// Reads the ATOM lines of a file (standard input if the name is empty) that pass `sInfo`, and indexes them.
 /// With the hetatmFlag of `sInfo` HETATM lines are atoms too. Null takes all ATOM lines and no HETATM line:
 /// the program itself reads with null, so that its options -hetatm and -protein do not touch what is read.
-/// Returns 0, or 1 after a message on the standard error stream; a file without ATOM lines is told of, one in
-/// the mmCIF format is refused. Numbers are read as atoi and atof read them: what is no number is 0; but a
-/// coordinate that is not finite is a failure.
-int readPDB(const std::string &pdbName, PDBInfo *pdbInfo, const PDBSelectInfo *sInfo);
+/// Fails after a message; a file without ATOM lines is told of, one in the mmCIF format is refused. Numbers
+/// are read as atoi and atof read them: what is no number is 0; but a coordinate that is not finite is a
+/// failure.
+Status readPDB(const std::string &pdbName, PDBInfo &pdbInfo, const PDBSelectInfo *sInfo, Messages &messages);
 
 /// Builds the lists of residues, chains and segments and the look-ups from the atom array. Once for a
-/// molecule, by readPDB: a second call would find every atom redundant. Returns 0 or 1.
-int indexPDB(PDBInfo *pdbInfo);
+/// molecule, by readPDB: a second call would find every atom redundant. Fails after a message.
+Status indexPDB(PDBInfo &pdbInfo, Messages &messages);
 
 /// The residue of this number in a chain and segment, or null.
 ResInfo *findRes(PDBInfo *pdbInfo, int resID, std::string_view chainName, std::string_view segName);
@@ -134,9 +142,8 @@ int isAtomExpr(std::string_view atomName, std::string &atomFmt);
 /// Mean distance between two atom lists, angstrom; 0 if one is empty.
 float findAtomListRad(std::span<AtomInfo *const> atomListI, std::span<AtomInfo *const> atomListJ);
 
-/// Copies a name of at most 16 characters. A longer one is cut after a message. Returns the length of the
-/// copy.
-std::size_t pdbStrCpy(Name &dest, std::string_view src);
+/// A text as a name. A longer one than a name can be is cut after a message.
+Name pdbStrCpy(std::string_view text, Messages &messages);
 
 /// A name read from a table: "{}", "none" and "(Null)" mean a blank. True if it was blanked.
 bool blankName(Name &name);

@@ -80,8 +80,8 @@ TEST(CouplingType, GoesByAtomNamesInEitherOrder)
         DInfo obs;
         obs.resIDI = 10;
         obs.resIDJ = 11;
-        pdbStrCpy(obs.atomNameI, c.atomI);
-        pdbStrCpy(obs.atomNameJ, c.atomJ);
+        obs.atomNameI = Name::of(c.atomI);
+        obs.atomNameJ = Name::of(c.atomJ);
         EXPECT_EQ(couplingType(obs), c.type);
         if (c.type != noType) {
             EXPECT_EQ(peakIdOf(obs, c.type), c.peakId);

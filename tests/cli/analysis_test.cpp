@@ -133,7 +133,7 @@ TEST(AnalysisRun, ThreeVariants)
 
 void readAll(const std::string &name, PDBInfo &pdbInfo)
 {
-    ASSERT_EQ(readPDB(name, &pdbInfo, nullptr), 0);
+    ASSERT_EQ(readPDB(name, pdbInfo, nullptr, standardMessages()), Status::ok);
     ASSERT_EQ(pdbInfo.atomCount, 1231);
 }
 

@@ -72,7 +72,7 @@ TEST(AdjustDC, PairsRowsByResiduesAndAllNames)
          {&DInfo::resNameI, &DInfo::resNameJ, &DInfo::atomNameI, &DInfo::atomNameJ, &DInfo::chainNameI,
           &DInfo::chainNameJ, &DInfo::segNameI, &DInfo::segNameJ}) {
         DTable one = tableOf({1.0f}), other = tableOf({2.0f});
-        pdbStrCpy(other.dObsList[0].*name, "X");
+        other.dObsList[0].*name = Name::of("X");
         EXPECT_EQ(adjustDC({1, 1.0f, 1.0f}, one, other), 0);
     }
     DTable empty;

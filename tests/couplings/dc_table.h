@@ -17,10 +17,10 @@ inline trelm::DTable makeTable(const std::vector<std::pair<float, float>> &coupl
         trelm::DInfo row;
         row.valid = 1;
         row.resIDI = row.resIDJ = static_cast<int>(i) + 2;
-        pdbStrCpy(row.resNameI, "GLN");
-        pdbStrCpy(row.atomNameI, "H");
-        pdbStrCpy(row.resNameJ, "GLN");
-        pdbStrCpy(row.atomNameJ, "N");
+        row.resNameI = trelm::Name::of("GLN");
+        row.atomNameI = trelm::Name::of("H");
+        row.resNameJ = trelm::Name::of("GLN");
+        row.atomNameJ = trelm::Name::of("N");
         row.di = -21585.2f;
         row.sigma = 1.0f;
         row.d = couplings[i].first;

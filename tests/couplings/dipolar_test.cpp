@@ -179,8 +179,8 @@ TEST(SelTypDC, ComparesNamesByPositionAndNeverRevives)
     for (const auto &row : rows) {
         std::array<DInfo, 2> list;
         for (DInfo &d : list) {
-            pdbStrCpy(d.atomNameI, "H");
-            pdbStrCpy(d.atomNameJ, "N");
+            d.atomNameI = Name::of("H");
+            d.atomNameJ = Name::of("N");
         }
         list[0].valid = 1;
         EXPECT_EQ(selTypDC(list, row.atomI, row.atomJ), row.count) << row.atomI << ' ' << row.atomJ;

@@ -19,7 +19,7 @@ struct Prepared {
     explicit Prepared(const std::string &tableName, int aOff = 0, const PDBSelectInfo *range = nullptr,
                       const std::string &pdbName = ubiquitinFolder + "1d3z_model1.pdb")
     {
-        EXPECT_EQ(readPDB(pdbName, &pdb, range), 0);
+        EXPECT_EQ(readPDB(pdbName, pdb, range, standardMessages()), Status::ok);
         EXPECT_EQ(readDC(tableName, table, standardMessages()), Status::ok);
         selectD(table.observed(), -1000, 2000, 3);
         valid = buildDC(&pdb, table, {.aOff = aOff}, standardMessages());

@@ -206,7 +206,7 @@ TEST(AddPdbNoise, ThreeEquivalentAtomsCollapse)
 TEST(AddPdbNoise, CountsTheOffsetOnceAndDropsARowWhoseAtomIsGone)
 {
     Molecule m("110 N 110 H 1 1\n111 N 111 H 1 1\n", -100);
-    pdbStrCpy(m.table.dObsList[1].atomNameJ, "XX");
+    m.table.dObsList[1].atomNameJ = Name::of("XX");
     EXPECT_EQ(m.move(fixedCone, -100), 1);
     EXPECT_EQ(m.table.dCalcList[0].valid, 1);
     EXPECT_EQ(m.table.dCalcList[1].valid, 0);

@@ -60,7 +60,8 @@ PDBInfo &smallMolecule()
 {
     static PDBInfo molecule = [] {
         PDBInfo made;
-        require(readPDB(fileOf(moleculeText), &made, nullptr) == 0, "the molecule is read");
+        require(readPDB(fileOf(moleculeText), made, nullptr, standardMessages()) == Status::ok,
+                "the molecule is read");
         return made;
     }();
     return molecule;

@@ -53,7 +53,7 @@ void select(PDBInfo &pdbInfo, int matchMode)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     PDBInfo pdbInfo;
-    if (readPDB(fuzz::fileOf(fuzz::asText(data, size)), &pdbInfo, nullptr) != 0)
+    if (readPDB(fuzz::fileOf(fuzz::asText(data, size)), pdbInfo, nullptr, standardMessages()) != Status::ok)
         return 0;
     for (const AtomInfo &atom : pdbInfo.atoms())
         checkAtom(pdbInfo, atom);

@@ -24,7 +24,7 @@ TEST(Output, ShortForm)
 {
     DTable table = makeTable({{1.5f, 1.25f}, {-20.0f, -19.875f}});
     table.nullChainName = 0;
-    pdbStrCpy(table.dObsList[0].chainNameI, "A");
+    table.dObsList[0].chainNameI = Name::of("A");
     TrelmInfo info;
     info.verbFlag = 0;
     EXPECT_EQ(

@@ -116,7 +116,7 @@ Said runFace(const std::vector<float> &values, const AlignmentOptions &info, PDB
                            {file.name, nullptr, standardMessages()}),
                   Status::ok);
     });
-    EXPECT_EQ(readPDB(file.name, &written, nullptr), 0);
+    EXPECT_EQ(readPDB(file.name, written, nullptr, standardMessages()), Status::ok);
     EXPECT_EQ(pdbInfo.atomList[0].z, 5.0f); // the molecule itself stays
     EXPECT_EQ(charges.atoms, (std::vector<int>{0, 1}));
     return lines;

@@ -16,7 +16,7 @@ namespace trelm {
 inline PDBInfo readMolecule(const std::string &name)
 {
     PDBInfo pdbInfo;
-    EXPECT_EQ(readPDB(name, &pdbInfo, nullptr), 0);
+    EXPECT_EQ(readPDB(name, pdbInfo, nullptr, standardMessages()), Status::ok);
     return pdbInfo;
 }
 

@@ -1,6 +1,7 @@
 // Molecules of the structure tests.
 #pragma once
 
+#include "common/heard.h"
 #include "common/said.h"
 #include "common/temp_file.h"
 #include "structure/pdb.h"
@@ -13,7 +14,8 @@ namespace trelm {
 inline PDBInfo readUbiquitin()
 {
     PDBInfo pdb;
-    EXPECT_EQ(readPDB(TRELM_EXAMPLES "/ubiquitin/1d3z_model1.pdb", &pdb, nullptr), 0);
+    EXPECT_EQ(readPDB(TRELM_EXAMPLES "/ubiquitin/1d3z_model1.pdb", pdb, nullptr, standardMessages()),
+              Status::ok);
     EXPECT_EQ(pdb.atomCount, 1231);
     return pdb;
 }
@@ -30,13 +32,15 @@ inline std::string atomLine(const char *name, int resID, char chain = 'A', const
 /// A text as a molecule.
 struct ReadPdb {
     PDBInfo pdb;
-    int status = -1;
+    Status status = Status::noSolution;
     std::string messages;
 
     explicit ReadPdb(const std::string &text, const PDBSelectInfo *sInfo = nullptr)
     {
         const TempFile file(text);
-        messages = said([&] { status = readPDB(file.name, &pdb, sInfo); }).err;
+        Heard heard;
+        status = readPDB(file.name, pdb, sInfo, heard.messages);
+        messages = heard.err;
     }
 };
 

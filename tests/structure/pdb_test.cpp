@@ -63,7 +63,7 @@ TEST(Pdb, WhichLinesAreAtoms)
     };
     for (const auto &line : cases) {
         const ReadPdb read(line.text);
-        EXPECT_EQ(read.status, 0) << line.why;
+        EXPECT_EQ(read.status, Status::ok) << line.why;
         EXPECT_EQ((std::array{read.pdb.atomCount, read.pdb.resCount, read.pdb.chainCount, read.pdb.segCount}),
                   (std::array{line.atoms, line.residues, line.chains, line.chains}))
             << line.why;
@@ -82,7 +82,7 @@ TEST(Pdb, ManySegmentsTakeLittleMemory)
         text += atomLine("N", 1, 'A', std::to_string(i).c_str());
     const std::int64_t before = allocBytesUsed();
     const ReadPdb read(text);
-    EXPECT_EQ(read.status, 0) << read.messages;
+    EXPECT_EQ(read.status, Status::ok) << read.messages;
     EXPECT_EQ(read.pdb.segCount, count);
     EXPECT_LT(allocBytesUsed() - before, 3000 * count);
 }
@@ -93,7 +93,7 @@ TEST(Pdb, EveryColumnIsReadWhereNoBlankPartsThem)
         "ATOM  12345?HG11LVALXC1234I???1234.5672345.6783456.789123.45234.56??????SEGWFE2+";
     for (std::size_t cut = 4; cut < line.size(); ++cut) { // a line may end anywhere
         const ReadPdb read(line.substr(0, cut));
-        EXPECT_EQ(read.status, 0) << cut;
+        EXPECT_EQ(read.status, Status::ok) << cut;
         EXPECT_EQ(read.pdb.atomCount, 1) << cut;
     }
     const ReadPdb read(line);
@@ -129,7 +129,7 @@ TEST(Pdb, ASecondModelStaysAsExtraAtoms)
 TEST(Pdb, CoordinatesThatAreNoNumbersFail)
 {
     const ReadPdb read("ATOM      1  N   LYS A   1         nan   2.000   3.000\n");
-    EXPECT_EQ(read.status, 1);
+    EXPECT_EQ(read.status, Status::failed);
     EXPECT_NE(read.messages.find("atom 1"), std::string::npos);
 }
 
@@ -178,15 +178,13 @@ TEST(Pdb, NamesFromTables)
         const char *text, *left;
     } cases[] = {{"{}", ""}, {"NONE", ""}, {"(null)", ""}, {"", ""}, {"None1", "None1"}, {"CA", "CA"}};
     for (const auto &[text, left] : cases) {
-        Name name;
-        pdbStrCpy(name, text);
+        Name name = Name::of(text);
         EXPECT_EQ(blankName(name), *text != '\0' && *left == '\0') << text;
         EXPECT_EQ(name, left);
     }
-    Name name;
-    EXPECT_EQ(said([&] { EXPECT_EQ(pdbStrCpy(name, "sixteen-letters-and-more"), 16u); }).err,
-              "PDB Error: string item too long: and-more\n");
-    EXPECT_EQ(name, "sixteen-letters-");
+    Heard heard;
+    EXPECT_EQ(pdbStrCpy("sixteen-letters-and-more", heard.messages), "sixteen-letters-");
+    EXPECT_EQ(heard.err, "PDB Error: string item too long: and-more\n");
 }
 
 TEST(Write, WhatIsWrittenIsReadBack)
@@ -194,7 +192,7 @@ TEST(Write, WhatIsWrittenIsReadBack)
     PDBInfo pdb = readUbiquitin(), again;
     const TempFile file;
     ASSERT_EQ(writePDB(file.name, &pdb, nullptr, "a remark"), 0);
-    ASSERT_EQ(readPDB(file.name, &again, nullptr), 0);
+    ASSERT_EQ(readPDB(file.name, again, nullptr, standardMessages()), Status::ok);
     ASSERT_EQ(again.atomCount, pdb.atomCount);
     for (std::size_t i = 0; i < 1231; ++i) {
         const AtomInfo &a = pdb.atomList[i], &b = again.atomList[i];

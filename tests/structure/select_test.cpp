@@ -82,14 +82,14 @@ TEST(Select, TheTestAsksTheClassInEveryMode)
     AtomInfo atom;
     PDBSelectInfo sInfo;
     for (const char *other : {"HOH", "ADE"}) { // a nucleotide is no amino acid
-        pdbStrCpy(atom.resName, other);
+        atom.resName = Name::of(other);
         for (const int mode : {-1, 0, 1, 2}) {
             sInfo.selectClass = 4;
             sInfo.selectMode = mode;
             EXPECT_FALSE(pdbSelectTest(&sInfo, atom)) << other << " " << mode;
         }
     }
-    pdbStrCpy(atom.resName, "lys");
+    atom.resName = Name::of("lys");
     sInfo.selectMode = 1;
     EXPECT_TRUE(pdbSelectTest(&sInfo, atom));
 }

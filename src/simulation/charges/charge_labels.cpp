@@ -17,7 +17,7 @@ void labelCharges(PDBInfo *pdbInfo, const ChargeSet &charges)
     for (std::size_t i = 0; i < static_cast<std::size_t>(charges.chCount); ++i) {
         AtomInfo &atom = pdbInfo->atomList[static_cast<std::size_t>(charges.chargeAtomID[i])];
         atom.tempFactor = charges.charges[i];
-        pdbStrCpy(atom.chargeStr, chargeLabel(charges.charges[i]));
+        atom.chargeStr = Name::of(chargeLabel(charges.charges[i]));
     }
 }
 

@@ -1,4 +1,4 @@
-# levmar is used where it is installed; otherwise src/support/numerics/levmar_own.cpp gives the same entry point.
+# levmar is used where it is installed; otherwise src/support/numerics/bounded_fit.cpp does the work.
 # Two signatures are in the field: with a scaling vector behind the upper bounds (2.6), and without.
 include(CheckCXXSourceCompiles)
 find_path(LEVMAR_INCLUDE_DIR NAMES levmar.h PATH_SUFFIXES levmar)

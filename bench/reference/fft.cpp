@@ -1,11 +1,10 @@
 #include "reference/fft.h"
 
-#include "support/text/text.h"
-
 #include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstddef>
+#include <cstdio>
 #include <numbers>
 #include <utility>
 #include <vector>
@@ -19,7 +18,7 @@ std::vector<float> padded, spectrum;
 
 int refuse(const char *message)
 {
-    nrerror(message);
+    std::fprintf(stderr, "Utility Error: %s\nAborting.\n", message);
     return 1;
 }
 

@@ -31,9 +31,9 @@ AssignmentResult searchRandomly(const AssignmentProblem &problem, int mapCount, 
     int idum = -1; // the draws do not follow the seed of the run
     ScoreWork work = {.messages = messages};
     std::vector<int> rowIdList(problem.peakCount);
-    Progress progress = startProgress("REMARK Sampled ", mapCount);
+    Progress progress(messages, "REMARK Sampled ", mapCount);
     for (int n = 1; n <= mapCount; ++n) {
-        showProgress(progress, n);
+        progress.show(n);
         drawPermutation(&idum, rowIdList);
         const float score = getSvdChi2Exh(problem, rowIdList, work);
         if (best.pSumDMin > score) {
@@ -41,7 +41,7 @@ AssignmentResult searchRandomly(const AssignmentProblem &problem, int mapCount, 
             best.bestIdList = rowIdList;
         }
     }
-    endProgress(progress);
+    progress.end();
     return best;
 }
 

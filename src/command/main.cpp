@@ -1,5 +1,6 @@
 #include "command/run.h"
 #include "command/version.h"
+#include "ground/out_of_memory.h"
 
 #include <cstdio>
 #include <new>
@@ -18,6 +19,8 @@ int main(int argc, char **argv)
             status = trelm::readOptions(argc, argv, run);
         if (status == 0)
             status = static_cast<int>(trelm::runMode(run, trelm::standardMessages()));
+    } catch (const trelm::OutOfMemory &failure) {
+        return failure.status;
     } catch (const std::bad_alloc &) {
         std::fprintf(stderr, "Memory allocation failure.\n");
         status = 1;

@@ -63,7 +63,7 @@ int endRun(Run &run, int status)
     // A run that failed has told why already, perhaps just this.
     OutFile out;
     if (status == 0)
-        status = closeOut(out);
+        status = static_cast<int>(closeOut(out, standardMessages()));
     // Warnings and reports go to the standard error stream; of their loss the status alone can tell. And who
     // went on without a block of memory has told of it, but has no whole result.
     const bool isIncomplete = std::ferror(stderr) != 0 || allocHasFailed();

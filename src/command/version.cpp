@@ -14,7 +14,7 @@ int printVersion()
 {
     OutFile out;
     writeOut(out, "trelm " TRELM_VERSION "\n");
-    return closeOut(out);
+    return static_cast<int>(closeOut(out, standardMessages()));
 }
 
 } // namespace trelm

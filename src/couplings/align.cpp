@@ -214,9 +214,9 @@ void tellState(const AlignRun &run, int n)
 
 /// The residuals of the couplings in use for the free parameters cg, on the scale of an amide pair. The
 /// calculated couplings, the tensor and the transform are left as of this call.
-int fitDCTarget(AlignRun &run, int xCnt, const float *cg, float *res)
+void fitDCTarget(AlignRun &run, std::span<const float> cg, std::span<float> res)
 {
-    takeFree(run.tensor, cg);
+    takeFree(run.tensor, cg.data());
     turnCoords(run);
     float squares = 0.0f;
     int n = 0;
@@ -226,8 +226,8 @@ int fitDCTarget(AlignRun &run, int xCnt, const float *cg, float *res)
             continue;
         const float difference = observed[i].d - calculated[i].d;
         const float residual = residualWeight(observed[i], calculated[i]) * difference;
-        if (n < xCnt)
-            res[n] = residual;
+        if (static_cast<std::size_t>(n) < res.size())
+            res[static_cast<std::size_t>(n)] = residual;
         squares += residual * residual;
         ++n;
         if (run.verbose > 2)
@@ -237,7 +237,6 @@ int fitDCTarget(AlignRun &run, int xCnt, const float *cg, float *res)
     run.dRMS = n > 0 ? std::sqrt(squares / static_cast<float>(n)) : 0.0f;
     if (run.verbose > 1)
         tellState(run, n);
-    return 0;
 }
 
 /// Runs the minimiser, or leaves zero angles where the couplings can not determine the parameters.
@@ -252,10 +251,11 @@ void fitParameters(AlignRun &run)
     const auto part = [&](std::array<float, parameterCount> &values) {
         return std::span<float>(values).first(free.count);
     };
-    const auto residuals = [&run](int xCnt, int, const float *cg, float *res) {
-        return fitDCTarget(run, xCnt, cg, res);
+    const auto residuals = [&run](std::span<const float> cg, std::span<float> res) {
+        fitDCTarget(run, cg, res);
     };
-    nlsOpt(residuals, run.dCount, part(free.cg), part(free.cLo), part(free.cHi), maxIterations);
+    nlsOpt({residuals, static_cast<std::size_t>(run.dCount)}, part(free.cg), part(free.cLo), part(free.cHi),
+           maxIterations, run.messages);
 }
 
 /// The Euler solutions of the last evaluation, and the Saupe vector of the first of them.

@@ -9,6 +9,7 @@
 #include <climits>
 #include <cmath>
 #include <cstdint>
+#include <optional>
 
 namespace trelm {
 namespace {
@@ -35,8 +36,8 @@ constexpr const char *otherNumbers[] = {"RESID_I", "RESID_J", "INDEX", "ABS"};
 /// Places of the columns, negative where absent.
 struct ColumnLocs {
     AtomTabLocs atomI, atomJ;
-    int index = -1;
-    std::array<int, numberCount> number = {};
+    std::optional<std::size_t> index;
+    std::array<std::optional<std::size_t>, numberCount> number;
 };
 
 /// One row of the text table.
@@ -62,15 +63,13 @@ ColumnLocs findColumns(const TextTable &text)
 Status checkNumberColumn(const TextTable &text, const char *name, const std::string &inDName,
                          Messages &messages)
 {
-    constexpr int textType = 1;
-    const int loc = getTabVar(text.varInfo, name);
-    if (loc < 0)
+    const auto column = getTabVar(text.varInfo, name);
+    if (!column)
         return Status::ok;
-    const auto column = static_cast<std::size_t>(loc);
-    if (text.varInfo[column].type == textType)
+    if (text.varInfo[*column].type == CellType::text)
         return messages.fail("DC Error: column %s of %s holds text, not numbers.\n", name, inDName.c_str());
-    for (std::size_t row = 0; row < static_cast<std::size_t>(text.entryCount); ++row)
-        if (!std::isfinite(text.matrix[row * static_cast<std::size_t>(text.varCount) + column]))
+    for (std::size_t row = 0; row < text.entryCount; ++row)
+        if (!std::isfinite(text.matrix[row * text.varInfo.size() + *column]))
             return messages.fail("DC Error: %s is no finite number in row %zu of %s.\n", name, row + 1,
                                  inDName.c_str());
     return Status::ok;
@@ -78,10 +77,9 @@ Status checkNumberColumn(const TextTable &text, const char *name, const std::str
 
 Status checkSigmas(const TextTable &text, const std::string &inDName, Messages &messages)
 {
-    const int loc = getTabVar(text.varInfo, "DD");
-    for (std::size_t row = 0; loc >= 0 && row < static_cast<std::size_t>(text.entryCount); ++row) {
-        const float sigma =
-            text.matrix[row * static_cast<std::size_t>(text.varCount) + static_cast<std::size_t>(loc)];
+    const auto column = getTabVar(text.varInfo, "DD");
+    for (std::size_t row = 0; column && row < text.entryCount; ++row) {
+        const float sigma = text.matrix[row * text.varInfo.size() + *column];
         if (sigma < 0.0f)
             return messages.fail("DC Error: DD is negative (%g) in row %zu of %s.\n",
                                  static_cast<double>(sigma), row + 1, inDName.c_str());
@@ -101,9 +99,9 @@ Status checkNumbers(const TextTable &text, const std::string &inDName, Messages 
     return checkSigmas(text, inDName, messages);
 }
 
-float cellOr(const TableRow &row, int loc, float missing)
+float cellOr(const TableRow &row, std::optional<std::size_t> column, float missing)
 {
-    return loc >= 0 ? row.cells[loc] : missing;
+    return column ? row.cells[*column] : missing;
 }
 
 /// The atom columns of one side.
@@ -133,7 +131,7 @@ void readRow(const TableRow &row, const ColumnLocs &locs, DInfo &obs, Messages &
     for (std::size_t i = 0; i < numberCount; ++i)
         if (numberColumns[i].field != nullptr)
             obs.*numberColumns[i].field = cellOr(row, locs.number[i], numberColumns[i].missing);
-    obs.id = locs.index >= 0 ? truncated(row.cells[locs.index]) : static_cast<int>(row.number);
+    obs.id = locs.index ? truncated(row.cells[*locs.index]) : static_cast<int>(row.number);
     obs.valid = 1;
 }
 
@@ -196,7 +194,7 @@ Status readRows(const TextTable &text, DTable &dTab, Messages &messages)
     std::size_t number = 0;
     Status status = Status::ok;
     for (DInfo &obs : dTab.observed()) {
-        const float *cells = text.matrix.data() + number * static_cast<std::size_t>(text.varCount);
+        const float *cells = text.matrix.data() + number * text.varInfo.size();
         readRow({text, cells, ++number}, locs, obs, messages);
         if (!obs.chainNameI.empty() || !obs.chainNameJ.empty())
             dTab.nullChainName = 0;
@@ -322,10 +320,9 @@ Status readDC(const std::string &inDName, DTable &dTab, Messages &messages)
     if (inDName.empty() || equalNoCase(inDName, "None"))
         return Status::ok;
     TextTable text;
-    if (const int status = rdTable(inDName, text, static_cast<int>(noCoupling)); status != 0)
-        return static_cast<Status>(status);
-    if (checkNumbers(text, inDName, messages) != Status::ok ||
-        allocateRows(dTab, text.entryCount, messages) != Status::ok)
+    if (rdTable(inDName, text, noCoupling, messages) != Status::ok ||
+        checkNumbers(text, inDName, messages) != Status::ok ||
+        allocateRows(dTab, static_cast<int>(text.entryCount), messages) != Status::ok)
         return Status::failed;
     return readRows(text, dTab, messages);
 }

@@ -97,7 +97,7 @@ int saupe2euler(const SaupeValues &saupe, RotationLists &lists, std::array<float
     const Matrix3f matrix = {xx, saupe[2], saupe[3], saupe[2], yy, saupe[4], saupe[3], saupe[4], saupe[0]};
     std::array<float, 3> values = {};
     Matrix3f vectors = {};
-    if (diag3By3(matrix, values, vectors) != 0)
+    if (diag3By3(matrix, values, vectors) != Status::ok)
         return 0;
     eigVal = values; // as the diagonaliser left them; the sorted ones give da and dr
     eigsrt3By3NegRevTP(values, vectors);

@@ -18,9 +18,8 @@ constexpr double transverseFactor = 1.2944172742975892; ///< root of 8 pi / 15
 /// Diagonalises and sorts. Fails after a message.
 Status solveEigensystem(const Matrix3d &matrix, int yzFlag, TensorAnalysis &analysis, Messages &messages)
 {
-    int nrot = 0;
-    if (jacobimz(matrix, analysis.eigVal, analysis.eigVec, nrot) != 0)
-        return messages.fail("Utility Error: Too many iterations in routine jacobi\nAborting.\n");
+    if (jacobimz(matrix, analysis.eigVal, analysis.eigVec, messages) != Status::ok)
+        return Status::failed;
     sort_eigensystem(yzFlag, analysis.eigVal, analysis.eigVec);
     pca_tensor(yzFlag, analysis.eigVal, analysis.da, analysis.dr);
     return Status::ok;

@@ -264,7 +264,8 @@ Status mapSimDC(const MappingInput &input, const CouplingNoiseOptions &options, 
     NoiseRun run = {input, options, messages, result, {}};
     watch.start(); // before all else: the search and failures come behind it
     if (fitMeasured(run) != Status::ok || setErrors(run) != Status::ok ||
-        sampleAll(input.mapCount, [&](int n) { return sampleOnce(run, watch, n); }) != Status::ok)
+        sampleAll(
+            input.mapCount, [&](int n) { return sampleOnce(run, watch, n); }, messages) != Status::ok)
         return Status::failed;
     averageSamples(result.samples);
     averageCouplings(result);

@@ -1,7 +1,7 @@
 #include "errors/fit_statistics.h"
 
 #include "couplings/statistics.h"
-#include "ground/fatal.h"
+#include "ground/out_of_memory.h"
 #include "support/numerics/numbers.h"
 #include "support/numerics/random.h"
 #include "support/text/text.h"
@@ -92,13 +92,13 @@ Status statDC(const DTable &dTab, std::string &result, Messages &messages)
     return Status::ok;
 }
 
-int selectDcFrac(int *idum, DTable *dTab, float frac, int fixed)
+int selectDcFrac(int *idum, DTable *dTab, float frac, int fixed, Messages &messages)
 {
     std::vector<std::size_t> indexTab;
     try {
         indexTab.reserve(static_cast<std::size_t>(dTab->dCount));
     } catch (const std::bad_alloc &) { // the callers know no way to go on without a selection
-        mzerror("allocation failure for indexTab");
+        endWithoutMemory("allocation failure for indexTab", messages);
     }
     for (std::size_t i = 0; i < static_cast<std::size_t>(dTab->dCount); ++i) {
         if (dTab->dCalcList[i].valid == 0)

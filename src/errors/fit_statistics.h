@@ -15,8 +15,8 @@ namespace trelm {
 Status statDC(const DTable &dTab, std::string &result, Messages &messages);
 
 /// Keeps a random part of the valid calculated couplings: the fraction `frac`, or with `fixed` the number
-/// `frac`. Returns how many were kept. Draws from ran3. Without memory the process ends (mzerror).
-int selectDcFrac(int *idum, DTable *dTab, float frac, int fixed);
+/// `frac`. Returns how many were kept. Draws from ran3. Without memory the run ends (OutOfMemory).
+int selectDcFrac(int *idum, DTable *dTab, float frac, int fixed, Messages &messages);
 
 /// Couplings by residue for random selection.
 struct ResidueCouplings {

@@ -37,7 +37,8 @@ Status fitAll(JackknifeRun &run)
 Status samplePart(JackknifeRun &run, int n)
 {
     restoreRows(run);
-    run.nDSel = selectDcFrac(&run.idum, &run.input.dTab, run.options.mapFrac, run.options.mapFixCount);
+    run.nDSel =
+        selectDcFrac(&run.idum, &run.input.dTab, run.options.mapFrac, run.options.mapFixCount, run.messages);
     if (fitTable(run.input, run.messages) != Status::ok)
         return Status::failed;
     return isWithoutTensor(run.input.dTab)
@@ -70,7 +71,8 @@ Status aeraSimDC(const MappingInput &input, const JackknifeOptions &options, con
     if (fitAll(run) != Status::ok)
         return Status::failed;
     watch.start();
-    if (sampleAll(input.mapCount, [&](int n) { return samplePart(run, n); }) != Status::ok)
+    if (sampleAll(
+            input.mapCount, [&](int n) { return samplePart(run, n); }, messages) != Status::ok)
         return Status::failed;
     tellParts(run);
     averageSamples(result.samples);

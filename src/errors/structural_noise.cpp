@@ -191,12 +191,16 @@ Status sampleStructures(StructuralRun &run, const MappingWatch &watch)
 {
     StructuralNoiseResult &result = run.result;
     watch.start();
-    const Status sampled = sampleAll(result.mapCount, [&](int n) {
-        if (fitNoisy(run, result.coneWidth > 0.0) != Status::ok)
-            return Status::failed;
-        return isWithoutTensor(run.dTab()) ? Status::ok
-                                           : takeSample(result.samples, run.input, n, watch, run.messages);
-    });
+    const Status sampled = sampleAll(
+        result.mapCount,
+        [&](int n) {
+            if (fitNoisy(run, result.coneWidth > 0.0) != Status::ok)
+                return Status::failed;
+            return isWithoutTensor(run.dTab())
+                       ? Status::ok
+                       : takeSample(result.samples, run.input, n, watch, run.messages);
+        },
+        run.messages);
     if (sampled == Status::ok)
         run.messages.out("REMARK %d SVD runs of %d succesful.\n", result.samples.count, result.mapCount);
     return sampled;

@@ -160,17 +160,17 @@ Status fitTable(const MappingInput &input, Messages &messages)
     return fitD(&input.pdbInfo, input.dTab, input.verbose, messages) ? Status::ok : Status::failed;
 }
 
-Status sampleAll(int mapCount, const std::function<Status(int n)> &step)
+Status sampleAll(int mapCount, const std::function<Status(int n)> &step, Messages &messages)
 {
-    Progress progress = startProgress("REMARK Sampled ", mapCount);
+    Progress progress(messages, "REMARK Sampled ", mapCount);
     for (int n = 1; n <= mapCount; ++n) {
-        showProgress(progress, n);
+        progress.show(n);
         if (step(n) != Status::ok) {
-            pauseProgress(progress);
+            progress.pause();
             return Status::failed;
         }
     }
-    endProgress(progress);
+    progress.end();
     return Status::ok;
 }
 

@@ -104,7 +104,7 @@ struct MappingWatch {
 Status fitTable(const MappingInput &input, Messages &messages);
 
 /// Runs `step` for each sample, from 1, with progress lines, until one fails.
-Status sampleAll(int mapCount, const std::function<Status(int n)> &step);
+Status sampleAll(int mapCount, const std::function<Status(int n)> &step, Messages &messages);
 
 /// Counts the tensor that the last fit left in the table, and tells of it. `n`: number of the try, from 1.
 /// Fails after a message.

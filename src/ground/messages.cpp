@@ -4,6 +4,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <string>
+#include <unistd.h>
 #include <utility>
 
 namespace trelm {
@@ -29,7 +30,7 @@ namespace {
 
 } // namespace
 
-Messages::Messages(Sink receiver) : sink(std::move(receiver)) {}
+Messages::Messages(Sink receiver, bool isTerminal) : sink(std::move(receiver)), hasTerminal(isTerminal) {}
 
 void Messages::text(Stream stream, std::string_view text)
 {
@@ -63,9 +64,11 @@ Status Messages::fail(const char *format, ...)
 
 Messages &standardMessages()
 {
-    static Messages messages([](Messages::Stream stream, std::string_view text) {
-        std::fwrite(text.data(), 1, text.size(), stream == Messages::Stream::out ? stdout : stderr);
-    });
+    static Messages messages(
+        [](Messages::Stream stream, std::string_view text) {
+            std::fwrite(text.data(), 1, text.size(), stream == Messages::Stream::out ? stdout : stderr);
+        },
+        isatty(STDERR_FILENO) != 0);
     return messages;
 }
 

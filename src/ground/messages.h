@@ -1,5 +1,4 @@
-// What a run says while it works: results and remarks on one stream, warnings, errors and progress on the
-// other.
+// What a run says while it works: results and remarks, warnings and errors, and how far it is.
 #pragma once
 
 #include "ground/status.h"
@@ -13,11 +12,12 @@ namespace trelm {
 /// program binds it to what it likes.
 class Messages {
   public:
-    enum class Stream { out, err };
+    enum class Stream { out, err, progress };
     /// Takes a piece of text, as it comes: pieces need not be whole lines.
     using Sink = std::function<void(Stream stream, std::string_view text)>;
 
-    explicit Messages(Sink receiver);
+    /// `isTerminal`: progress is read by someone who waits, not kept.
+    explicit Messages(Sink receiver, bool isTerminal = false);
 
     /// Results and remarks of the run, printf-style.
     [[gnu::format(printf, 2, 3)]] void out(const char *format, ...);
@@ -29,11 +29,14 @@ class Messages {
     /// A text that is made already.
     void text(Stream stream, std::string_view text);
 
+    [[nodiscard]] bool isTerminal() const { return hasTerminal; }
+
   private:
     Sink sink;
+    bool hasTerminal;
 };
 
-/// Messages to standard output and the standard error stream.
+/// Messages to standard output and, all others, the standard error stream.
 Messages &standardMessages();
 
 } // namespace trelm

@@ -85,7 +85,7 @@ Status checkPrincipal(std::span<const float> values, Messages &messages)
 }
 
 /// The fit of a run to values, Dzz first: DaFit, RFit and their errors.
-Status fitPrincipal(std::span<const float> values, float rAveDD, HistogramResult &result)
+Status fitPrincipal(std::span<const float> values, float rAveDD, HistogramResult &result, Messages &messages)
 {
     constexpr std::array<float, 3> x = {0.0f, 1.0f, -1.0f};
     constexpr std::array<int, 2> ia = {1, 1};
@@ -97,12 +97,12 @@ Status fitPrincipal(std::span<const float> values, float rAveDD, HistogramResult
                             .sig = std::span(sig).first(values.size()),
                             .ia = ia,
                             .funcs = alignpoly};
-    const int status = nonlinearfit(model, a, guess, error);
+    const Status status = nonlinearfit(model, a, guess, error, messages);
     result.DaFit = a[0];
     result.RFit = a[1];
     result.DaErrFit = error[0];
     result.RErrFit = error[1];
-    return status == 0 ? Status::ok : Status::failed;
+    return status;
 }
 
 /// The fit to the extremes and, with modeFit 3, the peak. Couplings without one peak leave the guess.
@@ -126,7 +126,7 @@ Status fitValues(std::span<const float> coupList, const PrincipalCouplings &prin
     const auto fitted = std::span(values).first(options.modeFit == 3 ? 3 : 2);
     if (checkPrincipal(fitted, messages) != Status::ok)
         return Status::failed;
-    return fitPrincipal(fitted, rAveDD, result);
+    return fitPrincipal(fitted, rAveDD, result, messages);
 }
 
 /// What the estimate of a run and that of a set begin with: the extremes, the tensor that they alone tell,
@@ -176,17 +176,14 @@ Status findPeak(std::span<const float> coupList, const PrincipalCouplings &princ
     return Status::noSolution;
 }
 
-/// The principal couplings that fitResiduals is to meet: the minimiser passes no context.
-const HistogramResult *toMeet = nullptr;
-
-int fitResiduals(int xCnt, int, float *cg, float *res)
+/// By what Da and R miss the principal couplings; the third is that of Dxx, where it takes part.
+void fitResiduals(const HistogramResult &wanted, std::span<const float> magnitudes, std::span<float> res)
 {
-    const double da = cg[0], rh = cg[1];
-    res[0] = static_cast<float>(toMeet->Dzz - 2.0 * da);
-    res[1] = static_cast<float>(toMeet->Dyy + da * (1.0 + 1.5 * rh));
-    if (xCnt == 3)
-        res[2] = static_cast<float>(toMeet->Dxx + da * (1.0 - 1.5 * rh));
-    return 0;
+    const double da = magnitudes[0], rh = magnitudes[1];
+    res[0] = static_cast<float>(wanted.Dzz - 2.0 * da);
+    res[1] = static_cast<float>(wanted.Dyy + da * (1.0 + 1.5 * rh));
+    if (res.size() == 3)
+        res[2] = static_cast<float>(wanted.Dxx + da * (1.0 - 1.5 * rh));
 }
 
 } // namespace
@@ -309,7 +306,7 @@ Status histoExtFit(std::span<float> coupList, std::span<const float> sigma, cons
         return Status::ok;
     const Status peak = findPeak(coupList, principal, rAveDD, options, result, messages);
     if (peak == Status::ok)
-        fitDCHisto(options, result);
+        fitDCHisto(options, result, messages);
     if (peak != Status::noSolution)
         return peak;
     messages.err("Warning: No single most populated coupling value.\n");
@@ -317,17 +314,19 @@ Status histoExtFit(std::span<float> coupList, std::span<const float> sigma, cons
     return Status::ok;
 }
 
-void fitDCHisto(const HistogramOptions &options, HistogramResult &result)
+void fitDCHisto(const HistogramOptions &options, HistogramResult &result, Messages &messages)
 {
-    toMeet = &result;
+    const auto residuals = [&result](std::span<const float> magnitudes, std::span<float> res) {
+        fitResiduals(result, magnitudes, res);
+    };
     std::array<float, 2> guess = {result.Da2Par, result.R2Par};
     std::array<float, 2> lower = {options.daLo, options.rhLo};
     std::array<float, 2> upper = {options.daHi, options.rhHi};
     constexpr int itMax = 1000;
     // A refusal leaves the guess, which is then the result: one set without a fit does not end a run of many.
     if (options.modeFit >= 2)
-        nlsOpt(fitResiduals, std::min(options.modeFit, 3), guess, lower, upper, itMax);
-    toMeet = nullptr;
+        nlsOpt({residuals, static_cast<std::size_t>(std::min(options.modeFit, 3))}, guess, lower, upper,
+               itMax, messages);
     // Bounds that leave nothing free are values: the minimiser returns the guess then.
     for (std::size_t i = 0; i < guess.size(); ++i)
         if (lower[i] <= upper[i])

@@ -61,6 +61,6 @@ void alignpoly(float x, std::span<const float> a, float &y, std::span<float> dyd
 
 /// Fits DaFit and RFit to Dzz, Dyy and, with modeFit 3, Dxx, within daLo, daHi, rhLo, rhHi, from Da2Par and
 /// R2Par.
-void fitDCHisto(const HistogramOptions &options, HistogramResult &result);
+void fitDCHisto(const HistogramOptions &options, HistogramResult &result, Messages &messages);
 
 } // namespace trelm

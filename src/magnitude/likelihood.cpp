@@ -200,7 +200,7 @@ Status mlMagTensor(const MlCouplings &couplings, const MlGrid &grid, bool clear,
     if (size.points() > 0.0 &&
         startScorer(scorer, couplings.coup_mat, couplings.delta, messages) != Status::ok)
         return Status::failed;
-    Progress progress = startProgress("", 0);
+    Progress progress(messages, "", 0);
     std::string line;
     const auto countR = static_cast<int>(size.R), countDa = static_cast<int>(size.Dab);
     for (int i = 0; i < countR; ++i) {
@@ -208,16 +208,16 @@ Status mlMagTensor(const MlCouplings &couplings, const MlGrid &grid, bool clear,
             MlPoint &point = list[lCount++];
             point.R = grid.lowR + i * grid.incR;
             point.Dab = grid.highDab - k * grid.incDa;
-            if (isDue(progress, i + 1 == countR && k + 1 == countDa)) {
+            if (progress.isDue(i + 1 == countR && k + 1 == countDa)) {
                 line.clear();
                 appendf(line, "Grid point R = %.2f D = %.2f\r", point.R, point.Dab);
-                showLine(progress, line);
+                progress.showLine(line);
             }
             if (isPattern(point.Dab, point.R))
                 point.score = scorePattern(scorer, point.Dab, point.R, clear);
         }
     }
-    endProgress(progress);
+    progress.end();
     return Status::ok;
 }
 

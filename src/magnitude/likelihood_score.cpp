@@ -187,7 +187,7 @@ Window findWindow(std::span<const ScorePlace> list)
 }
 
 /// Sums cost one product a tap and place, the filter what some products a value of its transform cost.
-Status chooseMethod(PatternScorer &scorer, std::span<const float> half)
+Status chooseMethod(PatternScorer &scorer, std::span<const float> half, Messages &messages)
 {
     constexpr std::size_t transformCost = 50;
     const Window window = findWindow(scorer.places);
@@ -196,7 +196,7 @@ Status chooseMethod(PatternScorer &scorer, std::span<const float> half)
     if (!scorer.isDense)
         return Status::ok;
     scorer.first = window.first;
-    return startFilter(scorer.filter, half, window.count) == 0 ? Status::ok : Status::failed;
+    return startFilter(scorer.filter, half, window.count, messages);
 }
 
 /// The broadened pattern at one place, as a sum. The response is symmetric, its centre one place higher.
@@ -317,11 +317,9 @@ Status startScorer(PatternScorer &scorer, std::span<const float> couplings, doub
     if (collectPlaces(couplings, scorer.places, messages) != Status::ok)
         return Status::failed;
     scorer.data = Block<float>("data", places + 2 * margin);
-    if (!scorer.data) {
-        nrerror("allocation failure for data");
-        return Status::failed;
-    }
-    return chooseMethod(scorer, makeTaps(delta, scorer));
+    if (!scorer.data)
+        return nrerror("allocation failure for data", messages);
+    return chooseMethod(scorer, makeTaps(delta, scorer), messages);
 }
 
 double scorePattern(PatternScorer &scorer, double Dab, double R, bool clear)

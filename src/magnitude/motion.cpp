@@ -158,18 +158,18 @@ Status drawSets(const Pool &pool, const MotionSetup &setup, std::vector<MotionSe
     float largestError = 0.0f;
     HistogramResult found;
     sets.resize(static_cast<std::size_t>(std::max(setup.draw.histRan, 0)));
-    Progress progress = startProgress("REMARK Histogram ", setup.draw.histRan);
+    Progress progress(messages, "REMARK Histogram ", setup.draw.histRan);
     Status status = Status::ok;
     for (auto set = sets.begin(); set != sets.end() && status == Status::ok; ++set) {
-        showProgress(progress, ++count);
-        pauseProgress(progress); // a set may have something to say
+        progress.show(++count);
+        progress.pause(); // a set may have something to say
         SetCouplings couplings;
         selectDcResidue(&idum, pool.residues, pool.sCount, couplings.coupList, couplings.sigma,
                         couplings.rAveDD);
         status = scoreSet(pool, setup.histogram, couplings, found, *set, messages);
         largestError = std::max(largestError, couplings.rAveDD);
     }
-    endProgress(progress);
+    progress.end();
     if (status == Status::ok)
         tellSets(sets, setup.histogram.isFitted(), largestError, messages);
     return status;

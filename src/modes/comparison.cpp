@@ -68,7 +68,7 @@ Status openResult(const RunOptions &options, OutFile &out, Messages &messages)
     if (isSameFile(options.inDName, options.outDName))
         return messages.fail("trelm: %s is the table to convert: give the output another name.\n",
                              options.outDName.c_str());
-    if (openOut(out, options.outDName, "w") != 0)
+    if (openOut(out, options.outDName, "w") != Status::ok)
         return messages.fail("TRELM Error opening output file %s\n", options.outDName.c_str());
     return Status::ok;
 }
@@ -95,7 +95,7 @@ Status convert(Run &run, Messages &messages)
     if (convertTab(conversion, dTab, options.inDName, text, messages) != Status::ok)
         return Status::failed;
     writeOut(out, text);
-    return static_cast<Status>(closeOut(out));
+    return closeOut(out, messages);
 }
 
 /// The status of a mode, after the line that it adds to a failure.

@@ -21,7 +21,7 @@ Status writeResults(Run &run, const MlSearch &found, std::span<const MlPoint> li
     std::string text;
     appendScores(list, text);
     writeOut(scores, text);
-    return closeOut(scores) != 0 ? Status::failed : status;
+    return closeOut(scores, messages) != Status::ok ? Status::failed : status;
 }
 
 /// The scores are opened before the table is read.
@@ -32,7 +32,7 @@ Status openScores(const RunOptions &options, OutFile &scores, Messages &messages
         return messages.fail(
             "getMlDabR: %s is another file of this run: give the scores a name of their own.\n",
             name.c_str());
-    if (openOut(scores, name, "w") != 0)
+    if (openOut(scores, name, "w") != Status::ok)
         return messages.fail("TRELM Error opening output file %s\n", name.c_str());
     return Status::ok;
 }

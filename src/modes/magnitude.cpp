@@ -43,7 +43,7 @@ Status runHistogram(Run &run, Messages &messages)
 
 Status openResult(OutFile &out, const std::string &name, Messages &messages)
 {
-    if (openOut(out, name, "w") != 0)
+    if (openOut(out, name, "w") != Status::ok)
         return messages.fail("TRELM Error opening output file %s\n", name.c_str());
     return Status::ok;
 }
@@ -73,7 +73,7 @@ Status writeMotion(MotionSets &drawn, OutFile &outSc, OutFile &outCol, Messages 
     if (status == Status::ok)
         writeOut(outCol, map);
     for (OutFile *out : {&outSc, &outCol})
-        if (closeOut(*out) != 0)
+        if (closeOut(*out, messages) != Status::ok)
             status = Status::failed;
     return status;
 }

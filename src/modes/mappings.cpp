@@ -75,16 +75,16 @@ Status openFiles(const RunOptions &options, const MappingWords &words, Messages 
         {files.saupe, options.outAName, "TRELM Error opening log file for Saupe distribution ", "."},
     };
     for (const auto &row : rows)
-        if (openOut(row.out, row.name, "w") != 0)
+        if (openOut(row.out, row.name, "w") != Status::ok)
             return messages.fail("%s%s%s\n", row.complaint, row.name.c_str(), row.dot);
     return Status::ok;
 }
 
-Status closeFiles(SampleFiles &files)
+Status closeFiles(SampleFiles &files, Messages &messages)
 {
     Status status = Status::ok;
     for (OutFile *out : {&files.map, &files.da, &files.angles, &files.saupe})
-        if (closeOut(*out) != 0)
+        if (closeOut(*out, messages) != Status::ok)
             status = Status::failed;
     return status;
 }
@@ -165,9 +165,9 @@ Status reportCouplingNoise(Run &run, const CouplingNoiseResult &result, Messages
 }
 
 /// Closes the files after a mapping whose report ended with this status.
-Status ended(Status status, SampleFiles &files)
+Status ended(Status status, SampleFiles &files, Messages &messages)
 {
-    const Status closed = closeFiles(files);
+    const Status closed = closeFiles(files, messages);
     return status != Status::ok ? status : closed;
 }
 
@@ -187,7 +187,7 @@ Status couplingNoise(Run &run, Messages &messages)
         mapSimDC(inputOf(run), run.trelmInfo[0], watchInto(files), messages, result) != Status::ok)
         return Status::failed;
     writeSamples(result.samples, noiseWords, files);
-    return ended(reportCouplingNoise(run, result, messages), files);
+    return ended(reportCouplingNoise(run, result, messages), files, messages);
 }
 
 Status jackknife(Run &run, Messages &messages)
@@ -202,7 +202,7 @@ Status jackknife(Run &run, Messages &messages)
         aeraSimDC(inputOf(run), run.trelmInfo[0], watchInto(files), messages, result) != Status::ok)
         return Status::failed;
     writeSamples(result.samples, mappingWords, files);
-    return ended(reportMeanTensor(run, result.samples, run.options.mapCount, messages), files);
+    return ended(reportMeanTensor(run, result.samples, run.options.mapCount, messages), files, messages);
 }
 
 Status structuralNoise(Run &run, Messages &messages)
@@ -220,9 +220,9 @@ Status structuralNoise(Run &run, Messages &messages)
                         watchInto(files), messages, result) != Status::ok)
         return Status::failed;
     if (result.couplings == 0)
-        return closeFiles(files); // without content: nothing of an earlier run stays
+        return closeFiles(files, messages); // without content: nothing of an earlier run stays
     writeSamples(result.samples, mappingWords, files);
-    return ended(reportMeanTensor(run, result.samples, result.mapCount, messages), files);
+    return ended(reportMeanTensor(run, result.samples, result.mapCount, messages), files, messages);
 }
 
 Status tellFailure(Status status, Messages &messages)

@@ -167,7 +167,7 @@ int analyzePDB(PDBInfo *pdbInfo, const AtomMask &selection, const TrelmInfo &tre
                const Saupe &saupe, const AnalysisFiles &files)
 {
     OutFile report;
-    if (openOut(report, files.reportName, "w") != 0)
+    if (openOut(report, files.reportName, "w") != Status::ok)
         return complain("TRELM Error opening output file %s\n", files.reportName.c_str());
     Findings findings;
     if (findFrames({*pdbInfo, selection}, trelmInfo, charges, saupe, findings) != 0)
@@ -185,7 +185,7 @@ int analyzePDB(PDBInfo *pdbInfo, const AtomMask &selection, const TrelmInfo &tre
     std::string text;
     appendReport(trelmInfo, findings, saupe, text);
     writeOut(report, text);
-    return closeOut(report);
+    return static_cast<int>(closeOut(report, standardMessages()));
 }
 
 } // namespace trelm

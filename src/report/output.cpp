@@ -285,10 +285,10 @@ Status writeDCmod(const TableOutput &output, DTable &dTab, const TrelmInfo &trel
     else
         appendShort(dTab, text);
     OutFile out;
-    if (openOut(out, output.name, output.access) != 0)
+    if (openOut(out, output.name, output.access) != Status::ok)
         messages.err("DC Error opening output file %s\n", output.name.c_str());
     writeOut(out, text);
-    return closeOut(out) != 0 ? Status::failed : status;
+    return closeOut(out, messages) != Status::ok ? Status::failed : status;
 }
 
 Status writeFit(const FittedRun &run, Messages &messages)

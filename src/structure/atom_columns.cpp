@@ -8,11 +8,12 @@ namespace trelm {
 namespace {
 
 /// Reads a name column, if there is one.
-void readName(const std::vector<tabVar> &varInfo, const float *rPtr, int loc, Name &name, Messages &messages)
+void readName(const std::vector<tabVar> &varInfo, const float *rPtr, std::optional<std::size_t> loc,
+              Name &name, Messages &messages)
 {
-    if (loc < 0)
+    if (!loc)
         return;
-    name = pdbStrCpy(tabText(varInfo[static_cast<std::size_t>(loc)], rPtr[loc]), messages);
+    name = pdbStrCpy(tabText(varInfo[*loc], rPtr[*loc]), messages);
     blankName(name);
 }
 
@@ -29,8 +30,8 @@ void getAtomTabLocs(const std::vector<tabVar> &varInfo, std::string_view suffix,
 void getAtomTabVals(const std::vector<tabVar> &varInfo, const float *rPtr, const AtomTabLocs &locs,
                     AtomTabVals &vals, Messages &messages)
 {
-    if (locs.resID >= 0)
-        vals.resID = truncated(rPtr[locs.resID]);
+    if (locs.resID)
+        vals.resID = truncated(rPtr[*locs.resID]);
     readName(varInfo, rPtr, locs.resName, vals.resName, messages);
     readName(varInfo, rPtr, locs.atomName, vals.atomName, messages);
     readName(varInfo, rPtr, locs.chainName, vals.chainName, messages);

@@ -4,14 +4,15 @@
 #include "structure/pdb.h"
 #include "support/text/table.h"
 
+#include <optional>
 #include <string_view>
 #include <vector>
 
 namespace trelm {
 
-/// Places of the atom columns of a table, negative where absent.
+/// Places of the atom columns of a table, those that it has.
 struct AtomTabLocs {
-    int resID = -1, resName = -1, atomName = -1, chainName = -1, segName = -1;
+    std::optional<std::size_t> resID, resName, atomName, chainName, segName;
 };
 
 /// What the atom columns of one row hold.

@@ -140,7 +140,7 @@ Status readPDB(const std::string &pdbName, PDBInfo &pdbInfo, const PDBSelectInfo
     if (makeTables(pdbInfo, messages) != Status::ok)
         return Status::failed;
     TextInput input;
-    const TextStatus status = readText(input, pdbName);
+    const TextStatus status = readText(input, pdbName, messages);
     if (status == TextStatus::noFile)
         return messages.fail("PDB Error opening PDB file %s\n", pdbName.c_str());
     if (status != TextStatus::read)

@@ -62,12 +62,12 @@ std::string fileText(const PDBInfo &pdbInfo, const PDBSelectInfo *sInfo, const c
 Written writeFile(const std::string &pdbName, std::string_view text)
 {
     OutFile out;
-    if (openOut(out, pdbName, "w") != 0) {
+    if (openOut(out, pdbName, "w") != Status::ok) {
         complain("PDB Error opening PDB file %s\n", pdbName.c_str());
         return Written::notOpened;
     }
     writeOut(out, text);
-    return closeOut(out) == 0 ? Written::whole : Written::cut;
+    return closeOut(out, standardMessages()) == Status::ok ? Written::whole : Written::cut;
 }
 
 /// Turns the molecule and puts its mean at the origin.

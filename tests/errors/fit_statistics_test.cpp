@@ -1,6 +1,7 @@
 // The statistics block and the random selections.
 #include "errors/fit_statistics.h"
 
+#include "common/heard.h"
 #include "couplings/dc_table.h"
 
 #include <gmock/gmock.h>
@@ -44,7 +45,9 @@ TEST(Select, FractionsOfTheCouplings)
     for (const auto &choice : choices) {
         DTable table = makeTable(std::vector<std::pair<float, float>>(20, {1.0f, 1.0f}));
         int idum = -1;
-        EXPECT_EQ(selectDcFrac(&idum, &table, choice.frac, choice.fixed), choice.kept) << choice.frac;
+        Heard heard;
+        EXPECT_EQ(selectDcFrac(&idum, &table, choice.frac, choice.fixed, heard.messages), choice.kept)
+            << choice.frac;
         EXPECT_EQ(std::ranges::count(table.calculated(), 1, &DInfo::valid), choice.kept);
     }
 }

@@ -15,22 +15,14 @@ using fuzz::require;
 
 void checkTable(const std::string &name)
 {
-    TextTable declared;
-    const bool isDeclared = rdTable2(name, declared, true, 0, 1, 0) == 0;
     TextTable table;
-    if (rdTable2(name, table, true, static_cast<int>(noCoupling), 1, 1) != 0)
+    if (rdTable(name, table, noCoupling, standardMessages()) != Status::ok)
         return;
-    require(isDeclared && declared.varCount == table.varCount && declared.entryCount == table.entryCount &&
-                declared.header == table.header,
-            "the declarations alone are read as they are with their rows");
-    const auto columns = static_cast<std::size_t>(table.varCount);
-    const auto rows = static_cast<std::size_t>(table.entryCount);
-    require(table.varInfo.size() == columns && table.matrix.length() == rows * columns,
-            "the matrix has a cell for each row and column");
-    constexpr int text = 1;
+    const std::size_t columns = table.varInfo.size(), rows = table.entryCount;
+    require(table.matrix.length() == rows * columns, "the matrix has a cell for each row and column");
     for (std::size_t i = 0; i < rows * columns; ++i) {
         const tabVar &column = table.varInfo[i % columns];
-        if (column.type != text)
+        if (column.type != CellType::text)
             continue;
         const float cell = table.matrix[i];
         require(cell == nullTextCell || (cell >= 0.0f && cell < static_cast<float>(column.equivList.size())),

@@ -1,6 +1,7 @@
 // Da and R from extremes and peak of a distribution.
 #include "magnitude/histogram.h"
 
+#include "common/heard.h"
 #include "magnitude/powder.h"
 
 #include <gtest/gtest.h>
@@ -153,7 +154,8 @@ TEST(HistogramOfASet, FitStaysWithinItsBounds)
         HistogramResult hist;
         hist.Dzz = -20.0f, hist.Dyy = 15.0f, hist.Dxx = set.dxx;
         hist.Da2Par = -7.0f, hist.R2Par = 0.1f;
-        fitDCHisto({.rhHi = set.rhHi, .modeFit = set.modeFit}, hist);
+        Heard heard;
+        fitDCHisto({.rhHi = set.rhHi, .modeFit = set.modeFit}, hist, heard.messages);
         EXPECT_NEAR(hist.DaFit, set.da, 2e-3f) << set.rhHi;
         EXPECT_NEAR(hist.RFit, set.r, 1e-4f) << set.rhHi;
     }

@@ -1,5 +1,6 @@
 #include "support/numerics/jacobi.h"
 
+#include "common/heard.h"
 #include "support/numerics/random.h"
 
 #include <algorithm>
@@ -40,13 +41,13 @@ TEST(Jacobi, EigensystemsInBothPrecisions)
         std::ranges::transform(a, single.begin(), [](double x) { return static_cast<float>(x); });
         std::array<float, 3> d = {};
         Matrix3f v = {};
-        ASSERT_EQ(diag3By3(single, d, v), 0);
+        ASSERT_EQ(diag3By3(single, d, v), Status::ok);
         expectEigensystem(single, d, v, 3.0e-6);
 
         std::array<double, 3> dd = {};
         Matrix3d vv = {};
-        int nrot = 0;
-        EXPECT_EQ(jacobimz(a, dd, vv, nrot), 0);
+        Heard heard;
+        EXPECT_EQ(jacobimz(a, dd, vv, heard.messages), Status::ok);
         expectEigensystem(a, dd, vv, 1.0e-13);
     }
 }
@@ -57,7 +58,7 @@ TEST(Jacobi, SortRaisesMagnitudesAndKeepsTheHand)
     const Matrix3f a = {1.0f, 0.4f, -0.2f, 0.4f, -2.0f, 0.6f, -0.2f, 0.6f, 1.0f};
     Matrix3f frame = {};
     std::array<float, 3> unused = {};
-    ASSERT_EQ(diag3By3(a, unused, frame), 0);
+    ASSERT_EQ(diag3By3(a, unused, frame), Status::ok);
     for (std::array<float, 3> d : cases) {
         // The matrix with these eigenvalues in that frame.
         Matrix3f m = {};
@@ -83,11 +84,12 @@ TEST(Jacobi, ValuesThatAreNoNumbersFail)
 {
     std::array<float, 3> d = {};
     Matrix3f v = {};
-    EXPECT_EQ(diag3By3({1, NAN, 0, NAN, 1, 0, 0, 0, 1}, d, v), 1);
+    EXPECT_EQ(diag3By3({1, NAN, 0, NAN, 1, 0, 0, 0, 1}, d, v), Status::failed);
     std::array<double, 3> dd = {};
     Matrix3d vv = {};
-    int nrot = 0;
-    EXPECT_EQ(jacobimz({1, NAN, 0, NAN, 1, 0, 0, 0, 1}, dd, vv, nrot), 1);
+    Heard heard;
+    EXPECT_EQ(jacobimz({1, NAN, 0, NAN, 1, 0, 0, 0, 1}, dd, vv, heard.messages), Status::failed);
+    EXPECT_EQ(heard.err, "Utility Error: Too many iterations in routine jacobi\nAborting.\n");
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #include "support/numerics/minimise.h"
 
-#include "common/said.h"
+#include "common/heard.h"
 #include "support/numerics/random.h"
 
 #include <algorithm>
@@ -35,13 +35,12 @@ float coupling(const Bond &bond, const float *cg)
     return 21585.2f * cg[3] * ((3.0f * z2 * z2 - 1.0f) + 1.5f * cg[4] * (x3 * x3 - y3 * y3));
 }
 
-int tensorResiduals(int pointCount, int coefCount, float *coefs, float *res)
+void tensorResiduals(std::span<const float> coefs, std::span<float> res)
 {
     ++calls;
-    lastCoefs.assign(coefs, coefs + coefCount);
-    for (int i = 0; i < pointCount; ++i)
-        res[i] = observed[static_cast<std::size_t>(i)] - coupling(bonds[static_cast<std::size_t>(i)], coefs);
-    return 0;
+    lastCoefs.assign(coefs.begin(), coefs.end());
+    for (std::size_t i = 0; i < res.size(); ++i)
+        res[i] = observed[i] - coupling(bonds[i], coefs.data());
 }
 
 double tensorRms(const std::vector<float> &coefs)
@@ -74,7 +73,9 @@ struct TensorFit {
 
     double rms()
     {
-        EXPECT_EQ(nlsOpt(tensorResiduals, 60, guess, lower, upper, 1000), 0);
+        Heard heard;
+        nlsOpt({tensorResiduals, 60}, guess, lower, upper, 1000, heard.messages);
+        EXPECT_EQ(heard.err, "");
         return tensorRms(guess);
     }
 };
@@ -129,13 +130,12 @@ TEST(Minimise, ActiveBoundHoldsAndTheOthersAreFitted)
 }
 
 /// A valley: (1 - a)^2 + 100 (b - a^2)^2 with b in thousandths.
-int valley(int, int coefCount, float *coefs, float *res)
+void valley(std::span<const float> coefs, std::span<float> res)
 {
     ++calls;
-    lastCoefs.assign(coefs, coefs + coefCount);
+    lastCoefs.assign(coefs.begin(), coefs.end());
     res[0] = 1.0f - coefs[0];
     res[1] = 10.0f * (1000.0f * coefs[1] - coefs[0] * coefs[0]);
-    return 0;
 }
 
 TEST(Minimise, ValleyWithAndWithoutABound)
@@ -152,7 +152,8 @@ TEST(Minimise, ValleyWithAndWithoutABound)
         std::vector<float> guess(row.start.begin(), row.start.end()),
             upper(row.upper.begin(), row.upper.end());
         std::vector<float> lower = {upper[0] < 0.0f ? 10.0f : -10.0f, -10.0f};
-        nlsOpt(valley, 2, guess, lower, upper, 1000);
+        Heard heard;
+        nlsOpt({valley, 2}, guess, lower, upper, 1000, heard.messages);
         EXPECT_NEAR(guess[0], row.a, 1.0e-4) << row.why;
         EXPECT_NEAR(guess[1], 0.001 * row.a * row.a, 2.0e-7) << row.why;
         EXPECT_LT(lower[0], upper[0]) << row.why;
@@ -166,7 +167,8 @@ TEST(Minimise, NothingFreeEvaluatesOnceTheGuessAsItCame)
         if (itMax == 0)
             upper = {9.0f, 9.0f};
         calls = 0;
-        EXPECT_EQ(nlsOpt(valley, 2, guess, lower, upper, itMax), 0);
+        Heard heard;
+        nlsOpt({valley, 2}, guess, lower, upper, itMax, heard.messages);
         EXPECT_EQ(calls, 1);
         EXPECT_EQ(lastCoefs, (std::vector<float>{3.0f, 4.0f}));
         EXPECT_EQ(guess, lastCoefs);
@@ -175,20 +177,20 @@ TEST(Minimise, NothingFreeEvaluatesOnceTheGuessAsItCame)
 
 std::vector<float> firstCoefs;
 
-int noNumbers(int pointCount, int coefCount, float *coefs, float *res)
+void noNumbers(std::span<const float> coefs, std::span<float> res)
 {
     if (firstCoefs.empty())
-        firstCoefs.assign(coefs, coefs + coefCount);
-    std::fill_n(res, pointCount, NAN);
-    return 0;
+        firstCoefs.assign(coefs.begin(), coefs.end());
+    std::ranges::fill(res, NAN);
 }
 
 TEST(Minimise, AStartOutsideTheBoundsIsTheirMeanAndNoNumbersAreAFailure)
 {
     std::vector<float> guess = {5.0f, 0.5f}, lower = {1.0f, 0.0f}, upper = {3.0f, 1.0f};
     firstCoefs.clear();
-    const Said told = said([&] { EXPECT_EQ(nlsOpt(noNumbers, 2, guess, lower, upper, 1000), 1); });
-    EXPECT_FALSE(told.err.empty());
+    Heard heard;
+    nlsOpt({noNumbers, 2}, guess, lower, upper, 1000, heard.messages);
+    EXPECT_EQ(heard.err, "Error: no fit, bounds or residuals at its start are no finite numbers.\n");
     EXPECT_EQ(firstCoefs, (std::vector<float>{2.0f, 0.5f}));
     EXPECT_EQ(guess, firstCoefs);
 }

@@ -1,7 +1,7 @@
 // Results that replace those of an earlier run, or leave them alone.
 #include "support/text/output_file.h"
 
-#include "common/said.h"
+#include "common/heard.h"
 #include "common/temp_file.h"
 
 #include <filesystem>
@@ -28,13 +28,14 @@ TEST(OutputFile, TheOldResultGoesWhenThereIsANewOne)
                 {"nothing to add", "a", "", "before", true}};
     for (const auto &row : rows) {
         const TempFile file("before");
+        Heard heard;
         {
             OutFile out;
-            ASSERT_EQ(openOut(out, file.name, row.access), 0);
+            ASSERT_EQ(openOut(out, file.name, row.access), Status::ok);
             EXPECT_EQ(contentOf(file), "before");
             writeOut(out, row.text);
             writeOut(out, "");
-            EXPECT_EQ(row.isClosed ? closeOut(out) : 0, 0);
+            EXPECT_EQ(row.isClosed ? closeOut(out, heard.messages) : Status::ok, Status::ok);
         }
         EXPECT_EQ(contentOf(file), row.content) << row.why;
     }
@@ -44,11 +45,13 @@ TEST(OutputFile, AnOldResultThatWillNotGoIsNotContinued)
 {
     const TempFile file("before");
     OutFile out;
-    ASSERT_EQ(openOut(out, file.name, "w"), 0);
+    ASSERT_EQ(openOut(out, file.name, "w"), Status::ok);
     std::filesystem::remove(file.name);
     writeOut(out, "new");
     writeOut(out, "newer");
-    EXPECT_EQ(said([&] { EXPECT_EQ(closeOut(out), 1); }).err, "Error writing " + file.name + ".\n");
+    Heard heard;
+    EXPECT_EQ(closeOut(out, heard.messages), Status::failed);
+    EXPECT_EQ(heard.err, "Error writing " + file.name + ".\n");
 }
 
 } // namespace

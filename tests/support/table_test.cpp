@@ -1,6 +1,6 @@
 #include "support/text/table.h"
 
-#include "common/said.h"
+#include "common/heard.h"
 #include "common/temp_file.h"
 
 #include <gmock/gmock.h>
@@ -13,16 +13,18 @@ using testing::HasSubstr;
 namespace {
 
 struct Read {
-    int status = 0;
+    Status status = Status::ok;
     std::string messages;
     TextTable table;
 };
 
-Read readTable(const std::string &text, int defNullValue = 9999)
+Read readTable(const std::string &text, float defNullValue = 9999.0f)
 {
     const TempFile file(text);
     Read read;
-    read.messages = said([&] { read.status = rdTable(file.name, read.table, defNullValue); }).err;
+    Heard heard;
+    read.status = rdTable(file.name, read.table, defNullValue, heard.messages);
+    read.messages = heard.err;
     return read;
 }
 
@@ -65,7 +67,7 @@ TEST(Table, CellsFollowTheGrammar)
     };
     for (const auto &test : cases) {
         const Read read = readTable(test.text);
-        EXPECT_EQ(read.status, 0) << test.why;
+        EXPECT_EQ(read.status, Status::ok) << test.why;
         EXPECT_EQ(cells(read), test.expected) << test.why;
         EXPECT_THAT(read.messages, HasSubstr(test.message)) << test.why;
         EXPECT_EQ(read.messages.empty(), *test.message == '\0') << test.why << read.messages;
@@ -90,7 +92,7 @@ TEST(Table, FaultsAreOneMessageAndFail)
     };
     for (const auto &test : cases) {
         const Read read = readTable(test.text);
-        EXPECT_EQ(read.status, 1) << test.message;
+        EXPECT_EQ(read.status, Status::failed) << test.message;
         EXPECT_THAT(read.messages, testing::StartsWith(test.message));
     }
 }
@@ -126,29 +128,18 @@ TEST(Table, WhatIsNoFileFails)
     };
     for (const auto &test : cases) {
         TextTable table;
-        EXPECT_EQ(said([&] { EXPECT_EQ(rdTable(test.name, table, 0), 1); }).err, test.message);
+        Heard heard;
+        EXPECT_EQ(rdTable(test.name, table, 0.0f, heard.messages), Status::failed);
+        EXPECT_EQ(heard.err, test.message);
     }
-}
-
-TEST(Table, DeclarationsAloneAndHeader)
-{
-    const TempFile file("#1\nREMARK 2\nVARS A\nDATA 3\ndata 4\nFORMAT %_5s\n5\n");
-    TextTable table;
-    ASSERT_EQ(rdTable2(file.name, table, true, 0, 0, 0), 0);
-    EXPECT_EQ(table.header, (std::vector<std::string>{"#1", "REMARK 2", "DATA 3", "data 4"}));
-    EXPECT_EQ(table.varInfo.at(0).fmt, "% 5s");
-    EXPECT_FALSE(table.matrix);
-
-    const TempFile empty("VARS A\n");
-    EXPECT_EQ(rdTable2(empty.name, table, false, 0, 1, 1), 0);
-    EXPECT_EQ(table.varCount, 0);
 }
 
 TEST(Table, ColumnsByName)
 {
-    Read read = readTable("VARS RESID_I A A\n1 2 3\n");
-    for (const auto &[name, place] : {std::pair{"resid_i", 0}, {"A", 2}, {"RESID", -1}})
-        EXPECT_EQ(getTabVar(read.table.varInfo, name), place) << name;
+    const Read read = readTable("VARS RESID_I A A\n1 2 3\n");
+    EXPECT_EQ(getTabVar(read.table.varInfo, "resid_i"), 0u);
+    EXPECT_EQ(getTabVar(read.table.varInfo, "A"), 2u);
+    EXPECT_EQ(getTabVar(read.table.varInfo, "RESID"), std::nullopt);
 }
 
 // A scan of the known texts for each cell would take minutes here, and so would a scan of the line for each

@@ -1,6 +1,6 @@
 #include "support/text/text.h"
 
-#include "common/said.h"
+#include "common/heard.h"
 #include "common/temp_file.h"
 #include "support/text/output_file.h"
 #include "support/text/text_input.h"
@@ -118,21 +118,18 @@ TEST(OutputFile, WhatIsWrittenCanBeReadAndAFullDeviceIsOneLineAndFails)
 {
     const TempFile file;
     OutFile out;
-    ASSERT_EQ(openOut(out, file.name, "w"), 0);
+    Heard heard;
+    ASSERT_EQ(openOut(out, file.name, "w"), Status::ok);
     writeOut(out, "one\n");
-    EXPECT_EQ(closeOut(out), 0);
+    EXPECT_EQ(closeOut(out, heard.messages), Status::ok);
     TextInput input;
-    EXPECT_EQ(readText(input, file.name), TextStatus::read);
+    EXPECT_EQ(readText(input, file.name, heard.messages), TextStatus::read);
     EXPECT_EQ(input.text, "one\n");
 
-    int status = 0;
-    const Said told = said([&] {
-        ASSERT_EQ(openOut(out, "/dev/full", "w"), 0);
-        writeOut(out, "lost");
-        status = closeOut(out);
-    });
-    EXPECT_EQ(status, 1);
-    EXPECT_EQ(told.err, "Error writing /dev/full.\n");
-    EXPECT_EQ(openOut(out, "/none/such/file", "w"), 1);
+    ASSERT_EQ(openOut(out, "/dev/full", "w"), Status::ok);
+    writeOut(out, "lost");
+    EXPECT_EQ(closeOut(out, heard.messages), Status::failed);
+    EXPECT_EQ(heard.err, "Error writing /dev/full.\n");
+    EXPECT_EQ(openOut(out, "/none/such/file", "w"), Status::failed);
     EXPECT_EQ(out.fp, stdout);
 }

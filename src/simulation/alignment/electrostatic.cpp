@@ -1,6 +1,6 @@
 #include "simulation/alignment/electrostatic.h"
 
-#include "ground/fatal.h"
+#include "ground/out_of_memory.h"
 #include "simulation/charges/field_energy.h"
 #include "simulation/obstacle/position_grid.h"
 #include "simulation/obstacle/rod.h"
@@ -77,7 +77,7 @@ Status simulateWall(const Charged &charged, PositionGrid &grid, Saupe &saupe)
     const auto positions = grid.positions();
     const auto touchable = grid.touchable();
     double total = 0.0;
-    forEachTurnShown(charged.set, [&](const Turn &turn) {
+    forEachTurnShown(charged.set, charged.setup.messages, [&](const Turn &turn) {
         const float nearest = nearestToWall(kernel, turn.column1);
         const auto free = std::ranges::partition_point(
             touchable, [&](float distance) { return nearest + distance <= reach; });
@@ -170,7 +170,7 @@ void sumBesideRod(const Charged &charged, const PositionGrid &grid, RodEnergy &e
             ++sums.pCount[i];
         }
     };
-    forEachTurnShown(charged.set, [&](const Turn &turn) {
+    forEachTurnShown(charged.set, charged.setup.messages, [&](const Turn &turn) {
         turnCharges(energy, charged.placed, turn);
         blockedByRod(kernel, turn.column1, turn.column2, blocked);
         int free = 0;
@@ -320,7 +320,7 @@ Status sma(const AlignmentSetup &setup, const Coordinates &atoms, const SmaSetup
     scalePotential(options, potential, messages);
     PositionGrid grid;
     if (!layPositions(tag, gridSetup(options, sizes), grid, messages))
-        mzerror("allocation failure for grid_el");
+        endWithoutMemory("allocation failure for grid_el", messages);
     reportGrid(setup, sizes, grid);
     return options.lcType == lcWall ? simulateWall(charged, grid, saupe)
                                     : simulateRod(charged, grid, potential, saupe);

@@ -91,7 +91,7 @@ Status readPDBfree(const std::string &inName, int &atomCount, const CoordinateBu
     if (inName.empty())
         return Status::ok;
     TextInput input;
-    const TextStatus status = readText(input, inName);
+    const TextStatus status = readText(input, inName, messages);
     if (status == TextStatus::noFile)
         return messages.fail("readPDBfree File open error: %s.\n", inName.c_str());
     if (status != TextStatus::read)

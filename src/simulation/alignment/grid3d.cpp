@@ -338,7 +338,7 @@ Status sma3D(const AlignmentSetup &setup, const Coordinates &atoms, const Charge
     GridPlaces places;
     RowSearch search;
     double total = 0.0;
-    forEachTurnShown(set, [&](const Turn &turn) {
+    forEachTurnShown(set, setup.messages, [&](const Turn &turn) {
         placeAtoms(grid, atoms, {turn.column1, turn.column2, turn.column3}, places);
         const double weight = weighPositions(grid, rows, places, charges, search);
         addWeighted(saupe, turn.saupe, weight);

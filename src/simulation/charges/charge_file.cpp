@@ -157,7 +157,7 @@ Status readChargeFile(const std::string &name, const SelectedAtoms &selected, fl
                       ChargeLines &lines, Messages &messages)
 {
     TextInput input;
-    const TextStatus status = readText(input, name);
+    const TextStatus status = readText(input, name, messages);
     if (status == TextStatus::noFile)
         return messages.fail("chargeSetup File open error: %s.\n", name.c_str());
     if (status == TextStatus::bad)

@@ -282,7 +282,7 @@ Status chargeSetup(const std::string &inName, const SelectedAtoms &selected, con
     if (isSameFile(inName, outName))
         return messages.fail("Error: %s is the pka input and the pka output file.\n", inName.c_str());
     OutFile out;
-    if (!outName.empty() && openOut(out, outName, "w") != 0)
+    if (!outName.empty() && openOut(out, outName, "w") != Status::ok)
         return messages.fail("TRELM Error opening file for pka output %s\n", outName.c_str());
     ChargeLines lines;
     if (placeCharges(inName, selected, elInfo, set, lines, messages) != Status::ok) {
@@ -294,7 +294,7 @@ Status chargeSetup(const std::string &inName, const SelectedAtoms &selected, con
         return Status::ok;
     warnMixedNumbers(selected, messages);
     writeOut(out, lines.text);
-    return closeOut(out) == 0 ? Status::ok : Status::failed;
+    return closeOut(out, messages);
 }
 
 } // namespace trelm

@@ -24,7 +24,7 @@ constexpr double stepTolerance = 0.001; ///< nanometres
 /// Opens a file for one of the readers. Returns 0, or 1 after a message.
 Status openPotential(TextInput &input, const std::string &name, const char *reader, Messages &messages)
 {
-    const TextStatus status = readText(input, name);
+    const TextStatus status = readText(input, name, messages);
     if (status == TextStatus::noFile)
         return messages.fail("%s File open error: %s.\n", reader, name.c_str());
     return status == TextStatus::read ? Status::ok : Status::failed;
@@ -80,7 +80,7 @@ Status readGrid(const std::string &name, std::size_t points, int &read, Take tak
     std::string_view line;
     for (int skipped = 0; skipped < headerLines && fgetsAlloc(input, line); ++skipped) {
     }
-    Progress progress = startProgress("REMARK Reading values of 3D potential ", static_cast<int>(points));
+    Progress progress(messages, "REMARK Reading values of 3D potential ", static_cast<int>(points));
     std::size_t count = 0;
     bool areFinite = true;
     while (fgetsAlloc(input, line)) {
@@ -91,14 +91,14 @@ Status readGrid(const std::string &name, std::size_t points, int &read, Take tak
                 areFinite = areFinite && std::isfinite(values[i]);
             }
         if (taken < values.size()) {
-            pauseProgress(progress);
+            progress.pause();
             messages.err(
                 "WARNING: File with 3D Potential may contain line with wrong input format!\nLine:%s\n",
                 std::string(line).c_str());
         }
-        showProgress(progress, static_cast<int>(std::min(count, points + 1)));
+        progress.show(static_cast<int>(std::min(count, points + 1)));
     }
-    endProgress(progress);
+    progress.end();
     warnValues(name, areFinite, messages);
     if (count != points)
         return messages.fail("ERROR: Total size of 3D grid not as specified.\n");

@@ -97,7 +97,7 @@ Status readConfig(const std::string &inName, DomainOptions &options, Messages &m
     if (inName.empty())
         return Status::ok;
     TextInput input;
-    const TextStatus status = readText(input, inName);
+    const TextStatus status = readText(input, inName, messages);
     if (status == TextStatus::noFile)
         return messages.fail("readConfig File open error: %s.\n", inName.c_str());
     if (status == TextStatus::bad)

@@ -60,7 +60,7 @@ struct Monitors {
 Status openMonitor(OutFile &out, const std::string &name, bool &isOpen, Messages &messages)
 {
     isOpen = !name.empty();
-    if (isOpen && openOut(out, name, "w") != 0)
+    if (isOpen && openOut(out, name, "w") != Status::ok)
         return messages.fail("TRELM Error opening ensemble monitoring file %s\n", name.c_str());
     return Status::ok;
 }
@@ -169,7 +169,7 @@ Status startEnsemble(EnsembleRun &run)
         return messages.fail("Error allocating coord buffers.\n");
     if (makeSelectionBuffers(tag, *run.pdbInfo, run.buffers, messages) != Status::ok)
         return Status::failed;
-    if (openOut(run.log, run.setup.outName, "w") != 0)
+    if (openOut(run.log, run.setup.outName, "w") != Status::ok)
         return messages.fail("TRELM Error opening log file for grid search %s\n", run.setup.outName.c_str());
     if (storePDBCoords(run.pdbInfo) != 0)
         return messages.fail("matrix: error in storePDBCoords.\n");
@@ -347,7 +347,7 @@ Status finishEnsemble(EnsembleRun &run)
                                                         : rows[i].d);
     if (restorePDBCoords(run.pdbInfo) != 0)
         return messages.fail("matrix: error in storePDBCoords.\n");
-    return closeOut(run.log) == 0 ? Status::ok : Status::failed;
+    return closeOut(run.log, run.setup.simulation.messages);
 }
 
 } // namespace
@@ -358,7 +358,7 @@ Status readEnsemble(const std::string &inName, Ensemble &ensemble, Messages &mes
     if (inName.empty())
         return Status::ok;
     TextInput input;
-    const TextStatus status = readText(input, inName);
+    const TextStatus status = readText(input, inName, messages);
     if (status == TextStatus::noFile)
         return messages.fail("RdTable File open error: %s.\n", inName.c_str());
     if (status != TextStatus::read)
@@ -388,8 +388,8 @@ Status setupEnsemble(const DomainOptions &options, const EnsembleFiles &files, E
         return Status::failed;
     if (generateStates(options, monitors, ensemble, messages) != Status::ok)
         return Status::failed;
-    if ((monitors.hasAxes && closeOut(monitors.axes) != 0) ||
-        (monitors.hasAngles && closeOut(monitors.angles) != 0))
+    if ((monitors.hasAxes && closeOut(monitors.axes, messages) != Status::ok) ||
+        (monitors.hasAngles && closeOut(monitors.angles, messages) != Status::ok))
         return Status::failed;
     const int generated = ensemble.count;
     if (readEnsemble(files.inEName, ensemble, messages) != Status::ok)

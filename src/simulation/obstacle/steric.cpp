@@ -63,12 +63,12 @@ struct PositionSums {
 };
 
 void sumBesideWall(const Coordinates &atoms, const OrientationSet &set, const StericGrid &grid,
-                   PositionSums &sums)
+                   PositionSums &sums, Messages &messages)
 {
     const int last = grid.at.grid_el;
     WallKernel kernel =
         makeWallKernel(atoms, grid.wallLimit.span().first(static_cast<std::size_t>(last) + 1));
-    forEachTurnShown(set, [&](const Turn &turn) {
+    forEachTurnShown(set, messages, [&](const Turn &turn) {
         addWeighted(sums.all, turn.saupe, 1.0);
         const int first = firstFreeOfWall(kernel, turn.column1);
         if (first <= last)
@@ -77,11 +77,11 @@ void sumBesideWall(const Coordinates &atoms, const OrientationSet &set, const St
 }
 
 void sumBesideRod(const StericSetup &setup, const Coordinates &atoms, const OrientationSet &set,
-                  const PositionGrid &grid, PositionSums &sums)
+                  const PositionGrid &grid, PositionSums &sums, Messages &messages)
 {
     RodKernel kernel = makeRodKernel(atoms, grid.touchable(), setup.grid.max_obstruction, setup.radius);
     std::vector<Interval> blocked;
-    forEachTurnShown(set, [&](const Turn &turn) {
+    forEachTurnShown(set, messages, [&](const Turn &turn) {
         addWeighted(sums.all, turn.saupe, 1.0);
         blockedByRod(kernel, turn.column1, turn.column2, blocked);
         int free = 0;
@@ -149,9 +149,9 @@ Status stericAlignment(const StericSetup &setup, const Coordinates &atoms, std::
         return noBuffers(messages);
     const OrientationSet set = makeOrientationSet(dots, setup.digit_psi);
     if (setup.lcType == lcWall)
-        sumBesideWall(atoms, set, grid, sums);
+        sumBesideWall(atoms, set, grid, sums, messages);
     else
-        sumBesideRod(setup, atoms, set, grid.at, sums);
+        sumBesideRod(setup, atoms, set, grid.at, sums, messages);
     double total = 0.0;
     averagePositions(setup, grid, set.count(), sums, saupe, total);
     return divideByWeights(tag, total, saupe, messages);

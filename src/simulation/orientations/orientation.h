@@ -62,15 +62,15 @@ void forEachTurn(const OrientationSet &set, Visit visit)
 
 /// The same, with progress lines.
 template <class Visit>
-void forEachTurnShown(const OrientationSet &set, Visit visit)
+void forEachTurnShown(const OrientationSet &set, Messages &messages, Visit visit)
 {
-    Progress progress = startProgress("REMARK Orientation ", set.count());
+    Progress progress(messages, "REMARK Orientation ", set.count());
     int done = 0;
     forEachTurn(set, [&](const Turn &turn) {
-        showProgress(progress, ++done);
+        progress.show(++done);
         visit(turn);
     });
-    endProgress(progress);
+    progress.end();
 }
 
 inline void addWeighted(Saupe &sum, const Saupe &saupe, double weight)

@@ -1,5 +1,7 @@
 #include "support/numerics/jacobi.h"
 
+#include "support/text/text.h"
+
 #include <cmath>
 #include <cstddef>
 #include <utility>
@@ -18,7 +20,6 @@ struct Rotating {
     std::array<T, 3> d;      ///< the diagonal
     std::array<T, 3> change; ///< what this sweep added to the diagonal
     std::array<T, 9> v;      ///< the rotations so far
-    int nrot;
 };
 
 constexpr std::size_t at(std::size_t row, std::size_t column)
@@ -64,7 +65,6 @@ inline void rotate(Rotating<T> &m, std::size_t p, std::size_t q, T g)
     rotatePair(m.a[r < p ? at(r, p) : at(p, r)], m.a[r < q ? at(r, q) : at(q, r)], s, tau);
     for (std::size_t row = 0; row < 3; ++row)
         rotatePair(m.v[at(row, p)], m.v[at(row, q)], s, tau);
-    ++m.nrot;
 }
 
 /// One sweep: elements above the threshold are cleared by a rotation, and from the fifth sweep on those that
@@ -86,36 +86,36 @@ void sweepOnce(Rotating<T> &m, int sweep, T threshold)
     visit(1, 2);
 }
 
-/// Cyclic Jacobi rotations. Source: Rutishauser, Numer. Math. 9 (1966) 1. Returns 1 after 50 sweeps.
+/// Cyclic Jacobi rotations. Source: Rutishauser, Numer. Math. 9 (1966) 1. Fails after 50 sweeps.
 template <class T>
-int diagonalise(Rotating<T> &m)
+Status diagonalise(Rotating<T> &m)
 {
     std::array<T, 3> base = m.d;
     for (int sweep = 1; sweep <= maxSweeps; ++sweep) {
         const T sum = std::fabs(m.a[1]) + std::fabs(m.a[2]) + std::fabs(m.a[5]);
         if (sum == T{0})
-            return 0;
+            return Status::ok;
         m.change = {};
         sweepOnce(m, sweep, sweep < 4 ? static_cast<T>(0.2 * sum / 9.0) : T{0});
         // The diagonal is made of the sums of whole sweeps, which lose less to rounding.
         for (std::size_t i = 0; i < 3; ++i)
             m.d[i] = base[i] = base[i] + m.change[i];
     }
-    return 1;
+    return Status::failed;
 }
 
 template <class T>
 Rotating<T> start(const std::array<T, 9> &a)
 {
-    return {a, {a[0], a[4], a[8]}, {}, {1, 0, 0, 0, 1, 0, 0, 0, 1}, 0};
+    return {a, {a[0], a[4], a[8]}, {}, {1, 0, 0, 0, 1, 0, 0, 0, 1}};
 }
 
 } // namespace
 
-int diag3By3(const Matrix3f &aOrig, std::array<float, 3> &dd, Matrix3f &vv)
+Status diag3By3(const Matrix3f &aOrig, std::array<float, 3> &dd, Matrix3f &vv)
 {
     Rotating<float> m = start(aOrig);
-    const int status = diagonalise(m);
+    const Status status = diagonalise(m);
     dd = m.d;
     vv = m.v;
     return status;
@@ -139,14 +139,13 @@ void eigsrt3By3NegRevTP(std::array<float, 3> &dOrig, Matrix3f &vOrig)
             std::swap(vOrig[at(i, j)], vOrig[at(j, i)]);
 }
 
-int jacobimz(const Matrix3d &a, std::array<double, 3> &d, Matrix3d &v, int &nrot)
+Status jacobimz(const Matrix3d &a, std::array<double, 3> &d, Matrix3d &v, Messages &messages)
 {
     Rotating<double> m = start(a);
-    const int status = diagonalise(m);
+    const Status status = diagonalise(m);
     d = m.d;
     v = m.v;
-    nrot = m.nrot;
-    return status;
+    return status == Status::ok ? status : nrerror("Too many iterations in routine jacobi", messages);
 }
 
 } // namespace trelm

@@ -83,33 +83,29 @@ void finish(const ModelFit &model, int ma, int mfit, MarquardtState &state)
 }
 
 /// Solves the damped equations: the step in trialB, the inverse in trialA.
-int solveStep(MarquardtState &state, int mfit)
+Status solveStep(MarquardtState &state, int mfit, Messages &messages)
 {
     state.trialA = state.alpha;
     state.trialB = state.beta;
     const MatrixView damped{state.trialA.data(), mfit, mfit};
     for (int j = 0; j < mfit; ++j)
         damped(j, j) *= 1.0f + state.alamda;
-    return gaussj(state.trialA, mfit, state.trialB, 1);
+    return gaussj(state.trialA, mfit, state.trialB, 1, messages);
 }
 
 } // namespace
 
-int gaussj(std::span<float> a, int n, std::span<float> b, int m)
+Status gaussj(std::span<float> a, int n, std::span<float> b, int m, Messages &messages)
 {
     const MatrixView matrix{a.data(), n, n}, sides{b.data(), n, m};
     std::vector<Place> pivots;
     std::vector<char> used(static_cast<std::size_t>(n), 0);
     for (int step = 0; step < n; ++step) {
         const Place pivot = findPivot(matrix, used);
-        if (pivot.row < 0 || !std::isfinite(matrix(pivot.row, pivot.column))) {
-            nrerror("gaussj: Singular Matrix-1");
-            return 1;
-        }
-        if (matrix(pivot.row, pivot.column) == 0.0f) {
-            nrerror("gaussj: Singular Matrix-2");
-            return 1;
-        }
+        if (pivot.row < 0 || !std::isfinite(matrix(pivot.row, pivot.column)))
+            return nrerror("gaussj: Singular Matrix-1", messages);
+        if (matrix(pivot.row, pivot.column) == 0.0f)
+            return nrerror("gaussj: Singular Matrix-2", messages);
         used[pivot.column] = 1;
         if (pivot.row != pivot.column) {
             std::ranges::swap_ranges(matrix.row(pivot.row), matrix.row(pivot.column));
@@ -122,7 +118,7 @@ int gaussj(std::span<float> a, int n, std::span<float> b, int m)
     for (int step = n - 1; step >= 0; --step)
         for (int k = 0; k < n; ++k)
             std::swap(matrix(k, pivots[step].row), matrix(k, pivots[step].column));
-    return 0;
+    return Status::ok;
 }
 
 void covsrt(std::span<float> covar, int ma, std::span<const int> ia, int mfit)
@@ -171,17 +167,17 @@ float mrqcof(const ModelFit &model, std::span<const float> a, std::span<float> a
     return chisq;
 }
 
-int mrqmin(const ModelFit &model, std::span<float> a, MarquardtState &state)
+Status mrqmin(const ModelFit &model, std::span<float> a, MarquardtState &state, Messages &messages)
 {
     constexpr float leastDamping = 1.0e-20f; // 0 would mean the last call
     if (state.alamda < 0.0f)
         begin(model, a, state);
     const auto mfit = static_cast<int>(state.beta.size());
-    if (solveStep(state, mfit) != 0)
-        return 1;
+    if (solveStep(state, mfit, messages) != Status::ok)
+        return Status::failed;
     if (state.alamda == 0.0f) {
         finish(model, static_cast<int>(a.size()), mfit, state);
-        return 0;
+        return Status::ok;
     }
     state.atry.assign(a.begin(), a.end());
     for (std::size_t l = 0, j = 0; l < a.size(); ++l)
@@ -197,11 +193,11 @@ int mrqmin(const ModelFit &model, std::span<float> a, MarquardtState &state)
     } else {
         state.alamda *= 10.0f;
     }
-    return 0;
+    return Status::ok;
 }
 
-int nonlinearfit(const ModelFit &model, std::span<float> a, std::span<const float> guesa,
-                 std::span<float> error)
+Status nonlinearfit(const ModelFit &model, std::span<float> a, std::span<const float> guesa,
+                    std::span<float> error, Messages &messages)
 {
     constexpr int stopCount = 4; // steps without a fall of chi-square by leastFall
     constexpr int maxSteps =
@@ -209,30 +205,28 @@ int nonlinearfit(const ModelFit &model, std::span<float> a, std::span<const floa
     constexpr float leastFall = 0.1f;
     std::ranges::copy(guesa, a.begin());
     std::ranges::fill(error, 0.0f);
-    if (std::ranges::any_of(model.sig, [](float sig) { return !(sig > 0.0f); })) {
-        nrerror("errors must be above 0 in nonlinearfit");
-        return 1;
-    }
+    if (std::ranges::any_of(model.sig, [](float sig) { return !(sig > 0.0f); }))
+        return nrerror("errors must be above 0 in nonlinearfit", messages);
     MarquardtState state;
-    if (mrqmin(model, a, state) != 0)
-        return 1;
+    if (mrqmin(model, a, state, messages) != Status::ok)
+        return Status::failed;
     int still = 0;
     for (int step = 0; step < maxSteps && still < stopCount; ++step) {
         const float before = state.chisq;
-        if (mrqmin(model, a, state) != 0)
-            return 1;
+        if (mrqmin(model, a, state, messages) != Status::ok)
+            return Status::failed;
         // Written so that a chi-square that is no number ends the fit.
         if (!(before - state.chisq >= leastFall))
             ++still;
     }
     state.alamda = 0.0f;
-    if (mrqmin(model, a, state) != 0)
-        return 1;
+    if (mrqmin(model, a, state, messages) != Status::ok)
+        return Status::failed;
     for (std::size_t i = 0; i < error.size(); ++i) {
         const float variance = state.covar[i * a.size() + i];
         error[i] = variance > 0.0f ? std::sqrt(variance) : 0.0f;
     }
-    return 0;
+    return Status::ok;
 }
 
 } // namespace trelm

@@ -4,15 +4,17 @@
 // chapter 3. Matrices are row-major.
 #pragma once
 
+#include "ground/messages.h"
+
 #include <span>
 #include <vector>
 
 namespace trelm {
 
 /// Gauss-Jordan elimination with full pivoting: the n by n matrix a becomes its inverse, the n by m matrix b
-/// (m can be 0) the solutions. Returns 0, or 1 after a report if a is singular or holds a value that is no
-/// finite number; a and b are then of no use.
-int gaussj(std::span<float> a, int n, std::span<float> b, int m);
+/// (m can be 0) the solutions. Fails after a message if a is singular or holds a value that is no finite
+/// number; a and b are then of no use.
+Status gaussj(std::span<float> a, int n, std::span<float> b, int m, Messages &messages);
 
 /// Spreads the covariance of the mfit fitted parameters, in the upper left corner of the ma by ma matrix,
 /// to the rows and columns of all parameters. Fixed ones (ia 0) get zeros.
@@ -41,14 +43,14 @@ struct MarquardtState {
 /// Curvature matrix (mfit by mfit) and gradient (mfit values) of chi-square at a. Returns chi-square.
 float mrqcof(const ModelFit &model, std::span<const float> a, std::span<float> alpha, std::span<float> beta);
 
-/// One step of the method of Levenberg and Marquardt; a takes the better parameters. Returns 0, or 1 if the
-/// equations have no solution, which has been reported.
-int mrqmin(const ModelFit &model, std::span<float> a, MarquardtState &state);
+/// One step of the method of Levenberg and Marquardt; a takes the better parameters. Fails after a message
+/// if the equations have no solution.
+Status mrqmin(const ModelFit &model, std::span<float> a, MarquardtState &state, Messages &messages);
 
-/// Fits the parameters a from the starting values guesa; `error` takes their standard deviations. Returns 0;
-/// or 1, after a report, if sig is not above 0 or the equations have no solution: a then holds the best
-/// parameters so far, and the errors are 0.
-int nonlinearfit(const ModelFit &model, std::span<float> a, std::span<const float> guesa,
-                 std::span<float> error);
+/// Fits the parameters a from the starting values guesa; `error` takes their standard deviations. Fails
+/// after a message if sig is not above 0 or the equations have no solution: a then holds the best parameters
+/// so far, and the errors are 0.
+Status nonlinearfit(const ModelFit &model, std::span<float> a, std::span<const float> guesa,
+                    std::span<float> error, Messages &messages);
 
 } // namespace trelm

@@ -1,11 +1,10 @@
 #include "support/numerics/minimise.h"
 
 #include "ground/alloc.h"
+#include "ground/out_of_memory.h"
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdio>
-#include <cstdlib>
 #include <utility>
 #include <vector>
 
@@ -14,16 +13,16 @@ extern "C" {
 #include <levmar.h>
 }
 #else
-#include "support/numerics/levmar_own.h"
+#include "support/numerics/bounded_fit.h"
 #endif
 
 namespace trelm {
 
 namespace {
 
-/// What the minimiser's callback works on: all parameters, and the places of those that it moves.
+/// All parameters, and the places of those that the minimiser moves.
 struct FreeProblem {
-    const ResidualFunction &resCalc;
+    const Residuals &residuals;
     std::vector<float> all;
     std::vector<std::size_t> free;
 
@@ -41,14 +40,6 @@ struct FreeProblem {
     }
 };
 
-/// The residual function in the form that slevmar_bc_dif calls; `data` is the problem.
-void residuals(float *free, float *res, int freeCount, int pointCount, void *data)
-{
-    auto &problem = *static_cast<FreeProblem *>(data);
-    problem.take({free, static_cast<std::size_t>(freeCount)});
-    problem.resCalc(pointCount, static_cast<int>(problem.all.size()), problem.all.data(), res);
-}
-
 /// Bounds the right way round, in the caller's arrays; a start outside of them moves to their mean.
 void settleBounds(std::span<float> values, std::span<float> lower, std::span<float> upper)
 {
@@ -60,48 +51,69 @@ void settleBounds(std::span<float> values, std::span<float> lower, std::span<flo
     }
 }
 
-/// One run of the minimiser over the free parameters: they alone are its unknowns. Returns 1 if it refused.
-int minimise(FreeProblem &problem, int pointCount, std::span<const float> lower, std::span<const float> upper,
-             int itMax)
+#ifdef TRELM_LEVMAR_SCALING
+/// The residuals in the form that the library calls; `data` is the problem.
+void freeResiduals(float *free, float *res, int freeCount, int pointCount, void *data)
+{
+    auto &problem = *static_cast<FreeProblem *>(data);
+    problem.take({free, static_cast<std::size_t>(freeCount)});
+    problem.residuals.at(problem.all, {res, static_cast<std::size_t>(pointCount)});
+}
+
+void fitFree(FreeProblem &problem, std::span<float> p, std::span<float> lower, std::span<float> upper,
+             int itMax, Messages &)
+{
+    std::vector<float> measured(problem.residuals.count, 0.0f); // residuals are to become 0
+    slevmar_bc_dif(freeResiduals, p.data(), measured.data(), static_cast<int>(p.size()),
+                   static_cast<int>(measured.size()), lower.data(), upper.data(),
+#if TRELM_LEVMAR_SCALING
+                   nullptr,
+#endif
+                   itMax, nullptr, nullptr, nullptr, nullptr, &problem);
+}
+#else
+void fitFree(FreeProblem &problem, std::span<float> p, std::span<float> lower, std::span<float> upper,
+             int itMax, Messages &messages)
+{
+    const auto at = [&problem](std::span<const float> place, std::span<float> values) {
+        problem.take(place);
+        problem.residuals.at(problem.all, values);
+    };
+    fitWithinBounds({at, problem.residuals.count}, p, lower, upper, itMax, messages);
+}
+#endif
+
+/// One run of the minimiser over the free parameters: they alone are its unknowns.
+void minimise(FreeProblem &problem, std::span<const float> lower, std::span<const float> upper, int itMax,
+              Messages &messages)
 {
     std::vector<float> p = problem.freeOf(problem.all), lb = problem.freeOf(lower),
                        ub = problem.freeOf(upper);
-    std::vector<float> measured(static_cast<std::size_t>(pointCount), 0.0f); // residuals are to become 0
-    const int iterations = slevmar_bc_dif(residuals, p.data(), measured.data(), static_cast<int>(p.size()),
-                                          pointCount, lb.data(), ub.data(),
-#if defined(TRELM_LEVMAR_SCALING) && TRELM_LEVMAR_SCALING
-                                          nullptr,
-#endif
-                                          itMax, nullptr, nullptr, nullptr, nullptr, &problem);
+    fitFree(problem, p, lb, ub, itMax, messages);
     problem.take(p);
-    return iterations < 0 ? 1 : 0;
 }
 
 } // namespace
 
-int nlsOpt(const ResidualFunction &resCalc, int pointCount, std::span<float> guess, std::span<float> lower,
-           std::span<float> upper, int itMax)
+void nlsOpt(const Residuals &residuals, std::span<float> guess, std::span<float> lower,
+            std::span<float> upper, int itMax, Messages &messages)
 {
-    const auto coefCount = static_cast<int>(guess.size());
-    Block<float> last("nlsOpt", static_cast<std::size_t>(std::max(pointCount, 1)));
+    Block<float> last("nlsOpt", std::max(residuals.count, std::size_t{1}));
     if (!last) {
-        std::puts("NLSOPT Error allocating space.");
-        std::exit(-1);
+        messages.out("NLSOPT Error allocating space.\n");
+        throw OutOfMemory(-1);
     }
-    FreeProblem problem{resCalc, {guess.begin(), guess.end()}, {}};
+    FreeProblem problem{residuals, {guess.begin(), guess.end()}, {}};
     settleBounds(problem.all, lower, upper);
     for (std::size_t i = 0; i < guess.size(); ++i)
         if (lower[i] != upper[i])
             problem.free.push_back(i);
-    if (problem.free.empty() || itMax == 0) {
-        resCalc(pointCount, coefCount, guess.data(), last.data());
-        return 0;
+    if (!problem.free.empty() && itMax != 0) {
+        minimise(problem, lower, upper, itMax, messages);
+        std::ranges::copy(problem.all, guess.begin());
     }
-    const int status = minimise(problem, pointCount, lower, upper, itMax);
     // The minimiser's last evaluation need not be that of its answer.
-    std::ranges::copy(problem.all, guess.begin());
-    resCalc(pointCount, coefCount, guess.data(), last.data());
-    return status;
+    residuals.at(guess, last.span().first(residuals.count));
 }
 
 } // namespace trelm

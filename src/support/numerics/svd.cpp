@@ -241,11 +241,11 @@ void makePositive(const Work &work, int k)
         work.v(j, k) = -work.v(j, k);
 }
 
-/// Room for a shape; u has as many rows as columns at least. Returns 1 if there is no memory.
-int prepare(SvdWork &work, int length, int nCoef)
+/// Room for a shape; u has as many rows as columns at least. Fails if there is no memory.
+Status prepare(SvdWork &work, int length, int nCoef)
 {
     if (work.lastLength == length && work.lastOrder == nCoef)
-        return 0;
+        return Status::ok;
     work = SvdWork{};
     const auto n = static_cast<std::size_t>(nCoef);
     const auto rows = static_cast<std::size_t>(std::max(length, nCoef));
@@ -261,12 +261,12 @@ int prepare(SvdWork &work, int length, int nCoef)
         *block = Block<float>("svd", size);
         if (!*block) {
             work = SvdWork{};
-            return 1;
+            return Status::failed;
         }
     }
     work.lastLength = length;
     work.lastOrder = nCoef;
-    return 0;
+    return Status::ok;
 }
 
 /// Decomposes the matrix and sets singular values below 1e-5 of the largest to 0. Nothing to do when it is
@@ -357,7 +357,7 @@ void svdcmpUser(std::span<float> a, int m, int n, std::span<float> w, std::span<
 Status svdLSMat(std::span<const float> x, std::span<const float> y, std::span<float> coef, SvdWork &work)
 {
     if (y.empty() || coef.empty() ||
-        prepare(work, static_cast<int>(y.size()), static_cast<int>(coef.size())) != 0)
+        prepare(work, static_cast<int>(y.size()), static_cast<int>(coef.size())) != Status::ok)
         return Status::failed;
     std::ranges::copy(y, work.rhs.data());
     decompose(work, x);

@@ -115,22 +115,18 @@ void copyRing(std::span<const float> ring, std::size_t first, std::span<float> o
     }
 }
 
-int allocateFilter(SymmetricFilter &filter, std::size_t length)
+Status allocateFilter(SymmetricFilter &filter, std::size_t length, Messages &messages)
 {
     filter.resp = Block<float>("resp", length);
-    if (!filter.resp) {
-        nrerror("allocation failure for resp");
-        return 1;
-    }
+    if (!filter.resp)
+        return nrerror("allocation failure for resp", messages);
     filter.cosines = Block<float>("ans", length);
     filter.sines = Block<float>("ans", length);
     filter.real = Block<float>("ans", length);
     filter.ans = Block<float>("ans", 2 * length);
-    if (!filter.cosines || !filter.sines || !filter.real || !filter.ans) {
-        nrerror("allocation failure for ans");
-        return 1;
-    }
-    return 0;
+    if (!filter.cosines || !filter.sines || !filter.real || !filter.ans)
+        return nrerror("allocation failure for ans", messages);
+    return Status::ok;
 }
 
 void fillTurns(SymmetricFilter &filter, std::size_t length)
@@ -153,11 +149,12 @@ std::size_t filterLength(std::size_t wing, std::size_t window)
     return length;
 }
 
-int startFilter(SymmetricFilter &filter, std::span<const float> response, std::size_t window)
+Status startFilter(SymmetricFilter &filter, std::span<const float> response, std::size_t window,
+                   Messages &messages)
 {
     const std::size_t length = filterLength(response.size() - 1, window);
-    if (allocateFilter(filter, length) != 0)
-        return 1;
+    if (allocateFilter(filter, length, messages) != Status::ok)
+        return Status::failed;
     filter.wing = response.size() - 1;
     filter.half = length - 2 * filter.wing;
     fillTurns(filter, length);
@@ -168,7 +165,7 @@ int startFilter(SymmetricFilter &filter, std::span<const float> response, std::s
         joinFour(filter.real.data() + i, filter.ans.data() + i);
     for (std::size_t i = 0; i < length; ++i)
         filter.resp[i] = filter.real[i] / static_cast<float>(length);
-    return 0;
+    return Status::ok;
 }
 
 float applyFilter(SymmetricFilter &filter, std::span<const float> ring, std::size_t first)

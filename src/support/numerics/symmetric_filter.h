@@ -7,6 +7,7 @@
 #pragma once
 
 #include "ground/alloc.h"
+#include "ground/messages.h"
 
 #include <cstddef>
 #include <span>
@@ -27,8 +28,9 @@ struct SymmetricFilter {
 std::size_t filterLength(std::size_t wing, std::size_t window);
 
 /// Sets a filter up for a response, given from its centre to its end, and windows of up to `window` places.
-/// Returns 0, or 1 after a message if there is no memory.
-int startFilter(SymmetricFilter &filter, std::span<const float> response, std::size_t window);
+/// Fails after a message if there is no memory.
+Status startFilter(SymmetricFilter &filter, std::span<const float> response, std::size_t window,
+                   Messages &messages);
 
 /// Convolves the ring for the window that begins at place `first`. The result stands in the first `window`
 /// places of `ans` until the next call. Returns the largest value at all 2 `half` places that were computed,

@@ -1,7 +1,5 @@
 #include "support/text/output_file.h"
 
-#include "support/text/text.h"
-
 #include <filesystem>
 #include <system_error>
 
@@ -27,7 +25,7 @@ OutFile::~OutFile()
         std::fclose(fp);
 }
 
-int openOut(OutFile &out, const std::string &name, const char *access)
+Status openOut(OutFile &out, const std::string &name, const char *access)
 {
     if (out.fp != stdout)
         std::fclose(out.fp);
@@ -35,15 +33,15 @@ int openOut(OutFile &out, const std::string &name, const char *access)
     out.name = name;
     out.holdsOld = out.isSpoilt = false;
     if (name.empty())
-        return 0;
+        return Status::ok;
     // Opening to append asks for the same rights as opening to replace, and loses nothing.
     std::FILE *opened = std::fopen(name.c_str(), "a");
     if (opened == nullptr)
-        return 1;
+        return Status::failed;
     out.fp = opened;
     std::error_code none;
     out.holdsOld = *access == 'w' && std::filesystem::is_regular_file(name, none);
-    return 0;
+    return Status::ok;
 }
 
 bool isSameFile(const std::string &a, const std::string &b)
@@ -68,7 +66,7 @@ void writeOut(OutFile &out, std::string_view text)
         std::fwrite(text.data(), 1, text.size(), out.fp);
 }
 
-int closeOut(OutFile &out)
+Status closeOut(OutFile &out, Messages &messages)
 {
     const bool owned = out.fp != stdout;
     dropOld(out);
@@ -78,7 +76,7 @@ int closeOut(OutFile &out)
         bad = std::fclose(out.fp) != 0 || bad;
     out.fp = stdout;
     out.isSpoilt = false;
-    return bad ? complain("Error writing %s.\n", owned ? out.name.c_str() : "(stdout)") : 0;
+    return bad ? messages.fail("Error writing %s.\n", owned ? out.name.c_str() : "(stdout)") : Status::ok;
 }
 
 } // namespace trelm

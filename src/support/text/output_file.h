@@ -1,6 +1,8 @@
 // A result file that is written to its end, or the user hears of it.
 #pragma once
 
+#include "ground/messages.h"
+
 #include <cstdio>
 #include <string>
 #include <string_view>
@@ -23,9 +25,9 @@ struct OutFile {
 /// Opens a file to be replaced ("w") or continued ("a"); an empty name is standard output. What a file to be
 /// replaced held before stays until there is a result: it goes with the first text written or, without any,
 /// at closeOut. So a run that fails before leaves the result of an earlier one as it was, and every road of
-/// success has to end in closeOut. Returns 0, or 1 if the file cannot be opened: the message is the caller's,
-/// and `out` is then standard output.
-[[nodiscard]] int openOut(OutFile &out, const std::string &name, const char *access);
+/// success has to end in closeOut. Fails if the file cannot be opened: the message is the caller's, and `out`
+/// is then standard output.
+Status openOut(OutFile &out, const std::string &name, const char *access);
 
 /// True if both names lead to one file, by whatever path; false if one of them is empty. A device can be
 /// written to under two names.
@@ -34,8 +36,8 @@ struct OutFile {
 /// Writes a text. What the stream says is asked at the close.
 void writeOut(OutFile &out, std::string_view text);
 
-/// Ends the road of success: flushes, closes what is owned, and returns 0. If anything could not be written
-/// to its end it prints "Error writing %s.\n" on the standard error stream and returns 1.
-[[nodiscard]] int closeOut(OutFile &out);
+/// Ends the road of success: flushes and closes what is owned. Fails after "Error writing %s.\n" if anything
+/// could not be written to its end.
+Status closeOut(OutFile &out, Messages &messages);
 
 } // namespace trelm

@@ -2,8 +2,6 @@
 
 #include <array>
 #include <charconv>
-#include <cstdio>
-#include <unistd.h>
 
 namespace trelm {
 namespace {
@@ -11,65 +9,47 @@ namespace {
 constexpr std::size_t pieceSize = std::size_t{1} << 14;
 constexpr auto interval = std::chrono::milliseconds(50);
 
-void flush(Progress &progress)
-{
-    std::fputs(progress.pending.c_str(), stderr);
-    std::fflush(stderr);
-    progress.pending.clear();
-}
-
 } // namespace
 
-Progress startProgress(std::string_view text, int total)
+Progress::Progress(Messages &receiver, std::string_view before, int count)
+    : messages(receiver), text(before), tail(" of " + std::to_string(count) + '\r'), total(count)
 {
-    Progress progress;
-    progress.text = text;
-    progress.total = total;
-    progress.tail = " of " + std::to_string(total) + '\r';
-    progress.isTerminal = isatty(STDERR_FILENO) != 0;
-    return progress;
 }
 
-bool isDue(const Progress &progress, bool isLast)
+void Progress::show(int n)
 {
-    return !progress.isTerminal || isLast ||
-           std::chrono::steady_clock::now() - progress.lastShown >= interval;
-}
-
-void showLine(Progress &progress, std::string_view line)
-{
-    progress.pending += line;
-    if (progress.isTerminal)
-        progress.lastShown = std::chrono::steady_clock::now();
-    if (progress.isTerminal || progress.pending.size() >= pieceSize)
-        flush(progress);
-}
-
-void showProgress(Progress &progress, int n)
-{
-    if (!isDue(progress, n >= progress.total))
+    if (!isDue(n >= total))
         return;
     std::array<char, 16> digits;
     const auto end = std::to_chars(digits.begin(), digits.end(), n).ptr;
-    progress.line.assign(progress.text).append(digits.begin(), end).append(progress.tail);
-    showLine(progress, progress.line);
+    pending.append(text).append(digits.begin(), end);
+    showLine(tail);
 }
 
-void pauseProgress(Progress &progress)
+bool Progress::isDue(bool isLast) const
 {
-    flush(progress);
+    return !messages.isTerminal() || isLast || std::chrono::steady_clock::now() - lastShown >= interval;
 }
 
-int failed(Progress &progress)
+void Progress::showLine(std::string_view line)
 {
-    pauseProgress(progress);
-    return 1;
+    pending += line;
+    if (messages.isTerminal())
+        lastShown = std::chrono::steady_clock::now();
+    if (messages.isTerminal() || pending.size() >= pieceSize)
+        pause();
 }
 
-void endProgress(Progress &progress)
+void Progress::pause()
 {
-    progress.pending += '\n';
-    flush(progress);
+    messages.text(Messages::Stream::progress, pending);
+    pending.clear();
+}
+
+void Progress::end()
+{
+    pending += '\n';
+    pause();
 }
 
 } // namespace trelm

@@ -128,9 +128,9 @@ int complain(const char *format, ...)
     return 1;
 }
 
-void nrerror(const char *message)
+Status nrerror(const char *message, Messages &messages)
 {
-    complain("Utility Error: %s\nAborting.\n", message);
+    return messages.fail("Utility Error: %s\nAborting.\n", message);
 }
 
 bool equalNoCase(std::string_view a, std::string_view b)

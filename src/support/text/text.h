@@ -1,6 +1,8 @@
 // Text under construction, messages, and the small string helpers.
 #pragma once
 
+#include "ground/messages.h"
+
 #include <cstddef>
 #include <span>
 #include <string>
@@ -27,9 +29,8 @@ void appendFixed(std::string &text, float value, std::size_t width, int decimals
 /// Prints one message on the standard error stream. Returns 1, so that a check reads `return complain(...)`.
 [[gnu::format(printf, 1, 2), gnu::cold]] int complain(const char *format, ...);
 
-/// Reports an error of the numerical code on the standard error stream, in two lines, and returns: the run
-/// goes on.
-void nrerror(const char *message);
+/// The two lines of an error of the numerical code, on which the run goes on. Returns Status::failed.
+Status nrerror(const char *message, Messages &messages);
 
 /// True if the texts are equal, capitals or not (letters a to z only).
 bool equalNoCase(std::string_view a, std::string_view b);

@@ -21,16 +21,16 @@ struct CloseInput {
     }
 };
 
-TextStatus refuse(TextInput &input, const char *shownName, const char *why)
+TextStatus refuse(TextInput &input, const char *shownName, const char *why, Messages &messages)
 {
     input = TextInput{};
-    complain("Error reading %s: %s.\n", shownName, why);
+    messages.err("Error reading %s: %s.\n", shownName, why);
     return TextStatus::bad;
 }
 
 } // namespace
 
-TextStatus readText(TextInput &input, const std::string &name)
+TextStatus readText(TextInput &input, const std::string &name, Messages &messages)
 {
     input = TextInput{};
     const std::unique_ptr<std::FILE, CloseInput> stream(name.empty() ? stdin
@@ -45,13 +45,13 @@ TextStatus readText(TextInput &input, const std::string &name)
         const int error = errno;
         // Each piece is looked at as it comes, so that a device of zero bytes ends here at once.
         if (std::memchr(chunk.data(), '\0', count) != nullptr)
-            return refuse(input, shownName, "it holds binary data");
+            return refuse(input, shownName, "it holds binary data", messages);
         if (count > maxTextBytes - input.text.size())
-            return refuse(input, shownName, "it is too large for a text file");
+            return refuse(input, shownName, "it is too large for a text file", messages);
         input.text.append(chunk.data(), count);
         if (std::ferror(stream.get()) != 0)
             return refuse(input, shownName,
-                          error != 0 ? std::strerror(error) : "it cannot be read to its end");
+                          error != 0 ? std::strerror(error) : "it cannot be read to its end", messages);
     }
     if (input.text.starts_with(byteOrderMark))
         input.text.erase(0, byteOrderMark.size());

@@ -1,6 +1,8 @@
 // Text files from outside, read whole and looked at line by line.
 #pragma once
 
+#include "ground/messages.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -21,9 +23,8 @@ enum class TextStatus { read, noFile, bad };
 
 /// Reads a file, or standard input if the name is empty. A byte order mark of UTF-8 is left out. `noFile`: it
 /// cannot be opened, and the message is the caller's. `bad`: it cannot be read to its end, exceeds
-/// maxTextBytes, or holds binary data (a zero byte); one line that says which went to the standard error
-/// stream.
-[[nodiscard]] TextStatus readText(TextInput &input, const std::string &name);
+/// maxTextBytes, or holds binary data (a zero byte); one message says which.
+[[nodiscard]] TextStatus readText(TextInput &input, const std::string &name, Messages &messages);
 
 /// The next line, without its newline and a carriage return before it; a line is of any length. Returns false
 /// at the end of the text. The view holds as long as `input.text` is left alone.

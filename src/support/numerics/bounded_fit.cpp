@@ -1,8 +1,6 @@
 #ifndef TRELM_LEVMAR_SCALING
 
-#include "support/numerics/levmar_own.h"
-
-#include "support/text/text.h"
+#include "support/numerics/bounded_fit.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,16 +15,13 @@ namespace {
 
 using Vector = std::vector<double>;
 
-/// The problem as it was handed in, with bounds for all parameters.
+/// The problem, with finite bounds.
 struct Problem {
-    void (*func)(float *p, float *hx, int m, int n, void *adata) = nullptr;
-    void *adata = nullptr;
-    const float *x = nullptr;
-    int m = 0, n = 0;
+    const Residuals &wanted;
     std::vector<float> lower, upper;
 };
 
-/// The state of the search. Residuals are hx - x.
+/// The state of the search.
 struct Search {
     std::vector<float> p;    ///< the best parameters so far
     Vector residuals;        ///< at p
@@ -49,14 +44,11 @@ double dot(const Vector &a, const Vector &b)
     return sum;
 }
 
-/// Residuals at p. The function gets a copy, as it may write to its parameters.
-void evaluate(const Problem &problem, std::vector<float> p, Vector &residuals)
+void evaluate(const Problem &problem, const std::vector<float> &p, Vector &residuals)
 {
-    std::vector<float> hx(static_cast<std::size_t>(problem.n), 0.0f);
-    problem.func(p.data(), hx.data(), problem.m, problem.n, problem.adata);
-    residuals.resize(hx.size());
-    for (std::size_t i = 0; i < hx.size(); ++i)
-        residuals[i] = double{hx[i]} - (problem.x != nullptr ? problem.x[i] : 0.0f);
+    std::vector<float> values(problem.wanted.count, 0.0f);
+    problem.wanted.at(p, values);
+    residuals.assign(values.begin(), values.end());
 }
 
 /// The change of the residuals from p - h to p + h in parameter j, cut at the bounds. Returns the distance
@@ -96,7 +88,7 @@ void differentiate(const Problem &problem, Search &search, std::size_t j, Vector
         h = std::min(10.0f * h, longest);
         distance = change(problem, search, j, h, difference);
     }
-    const auto m = static_cast<std::size_t>(problem.m);
+    const std::size_t m = problem.lower.size();
     const bool usable = distance > 0.0 && std::isfinite(dot(difference, difference));
     for (std::size_t i = 0; i < search.residuals.size(); ++i)
         search.jacobian[i * m + j] = usable ? difference[i] / distance : 0.0;
@@ -105,7 +97,7 @@ void differentiate(const Problem &problem, Search &search, std::size_t j, Vector
 /// Jacobian, gradient and curvature at the present parameters.
 void linearise(const Problem &problem, Search &search)
 {
-    const auto m = static_cast<std::size_t>(problem.m);
+    const std::size_t m = problem.lower.size();
     Vector difference;
     for (std::size_t j = 0; j < m; ++j)
         differentiate(problem, search, j, difference);
@@ -287,14 +279,13 @@ double improve(const Problem &problem, Search &search)
     return 0.0;
 }
 
-/// Copies of the bounds, without limits where none were given. Returns false if they stand the wrong way
-/// round.
-bool takeBounds(Problem &problem, const float *lb, const float *ub)
+/// Takes the bounds, infinite ones as the largest numbers. Returns false if they stand the wrong way round.
+bool takeBounds(Problem &problem, std::span<const float> lower, std::span<const float> upper)
 {
     constexpr float limit = std::numeric_limits<float>::max();
-    for (int j = 0; j < problem.m; ++j) {
-        problem.lower.push_back(lb != nullptr ? std::max(lb[j], -limit) : -limit);
-        problem.upper.push_back(ub != nullptr ? std::min(ub[j], limit) : limit);
+    for (std::size_t j = 0; j < lower.size(); ++j) {
+        problem.lower.push_back(std::max(lower[j], -limit));
+        problem.upper.push_back(std::min(upper[j], limit));
         if (!(problem.lower.back() <= problem.upper.back()))
             return false;
     }
@@ -304,10 +295,10 @@ bool takeBounds(Problem &problem, const float *lb, const float *ub)
 /// The search at its start, which is moved into the bounds. Returns false if it has no finite residuals.
 bool beginSearch(const Problem &problem, std::span<const float> p, Search &search)
 {
-    const auto m = static_cast<std::size_t>(problem.m);
+    const std::size_t m = problem.lower.size();
     for (std::size_t j = 0; j < m; ++j)
         search.p.push_back(std::clamp(p[j], problem.lower[j], problem.upper[j]));
-    search.jacobian.assign(m * static_cast<std::size_t>(problem.n), 0.0);
+    search.jacobian.assign(m * problem.wanted.count, 0.0);
     search.curvature.assign(m * m, 0.0);
     search.gradient.assign(m, 0.0);
     search.scale.assign(m, 0.0);
@@ -320,25 +311,20 @@ bool beginSearch(const Problem &problem, std::span<const float> p, Search &searc
 
 } // namespace
 
-int slevmar_bc_dif(void (*func)(float *p, float *hx, int m, int n, void *adata), float *p, const float *x,
-                   int m, int n, const float *lb, const float *ub, int itmax, const float *, float *, float *,
-                   float *, void *adata)
+void fitWithinBounds(const Residuals &residuals, std::span<float> p, std::span<const float> lower,
+                     std::span<const float> upper, int itMax, Messages &messages)
 {
     constexpr double smallFall = 1.0e-7; // relative
     constexpr int maxSmallFalls = 3;     // so many in a row are the end
-    Problem problem{func, adata, x, m, n, {}, {}};
+    if (residuals.count < p.size())
+        return messages.err("Error: %zu residuals are too few to fit %zu parameters.\n", residuals.count,
+                            p.size());
+    Problem problem{residuals, {}, {}};
     Search search;
-    if (m < 1 || n < m) {
-        complain("Error: %d residuals are too few to fit %d parameters.\n", n, m);
-        return -1;
-    }
-    if (!takeBounds(problem, lb, ub) || !beginSearch(problem, {p, static_cast<std::size_t>(m)}, search)) {
-        complain("Error: no fit, bounds or residuals at its start are no finite numbers.\n");
-        return -1;
-    }
-    int iteration = 0;
-    for (int smallFalls = 0; iteration < itmax && smallFalls < maxSmallFalls && search.half > 0.0;
-         ++iteration) {
+    if (!takeBounds(problem, lower, upper) || !beginSearch(problem, p, search))
+        return messages.err("Error: no fit, bounds or residuals at its start are no finite numbers.\n");
+    for (int iteration = 0, smallFalls = 0;
+         iteration < itMax && smallFalls < maxSmallFalls && search.half > 0.0; ++iteration) {
         linearise(problem, search);
         const double before = search.half;
         const double fall = improve(problem, search);
@@ -346,8 +332,7 @@ int slevmar_bc_dif(void (*func)(float *p, float *hx, int m, int n, void *adata),
             break;
         smallFalls = fall < smallFall * before ? smallFalls + 1 : 0;
     }
-    std::ranges::copy(search.p, p);
-    return iteration;
+    std::ranges::copy(search.p, p.begin());
 }
 
 } // namespace trelm

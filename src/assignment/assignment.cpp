@@ -13,11 +13,11 @@ namespace trelm {
 namespace {
 
 /// A random permutation. A deviate can round to 1.0, which is no place in the list.
-void drawPermutation(int *idum, std::vector<int> &rowIdList)
+void drawPermutation(RandomStream &random, std::vector<int> &rowIdList)
 {
     std::vector<bool> drawn(rowIdList.size(), false);
     for (std::size_t k = 0; k < rowIdList.size();) {
-        const auto row = static_cast<std::size_t>(ran3(idum) * static_cast<float>(rowIdList.size()));
+        const auto row = static_cast<std::size_t>(random.ran3() * static_cast<float>(rowIdList.size()));
         if (row >= rowIdList.size() || drawn[row])
             continue;
         drawn[row] = true;
@@ -28,13 +28,13 @@ void drawPermutation(int *idum, std::vector<int> &rowIdList)
 AssignmentResult searchRandomly(const AssignmentProblem &problem, int mapCount, Messages &messages)
 {
     AssignmentResult best = unassigned(problem);
-    int idum = -1; // the draws do not follow the seed of the run
+    RandomStream random; // the draws do not follow the seed of the run
     ScoreWork work = {.messages = messages};
     std::vector<int> rowIdList(problem.peakCount);
     Progress progress(messages, "REMARK Sampled ", mapCount);
     for (int n = 1; n <= mapCount; ++n) {
         progress.show(n);
-        drawPermutation(&idum, rowIdList);
+        drawPermutation(random, rowIdList);
         const float score = getSvdChi2Exh(problem, rowIdList, work);
         if (best.pSumDMin > score) {
             best.pSumDMin = score;

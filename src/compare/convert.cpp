@@ -201,6 +201,7 @@ constexpr Writer writers[] = {appendRestraints, appendRestraints, appendListing,
 void fillConverted(const ConversionOptions &options, DTable &dTab, Messages &messages)
 {
     const auto observed = dTab.observed(), calculated = dTab.calculated();
+    RandomStream random;
     bool areFinite = true;
     for (std::size_t i = 0; i < observed.size(); ++i) {
         DInfo &obs = observed[i], &calc = calculated[i];
@@ -209,8 +210,8 @@ void fillConverted(const ConversionOptions &options, DTable &dTab, Messages &mes
         calc.valid = 1;
         calc.w = obs.w;
         calc.sigma = obs.sigma;
-        calc.d =
-            options.dcNoise != 0 ? static_cast<float>(number(obs.d) + gauss() * number(obs.sigma)) : obs.d;
+        calc.d = options.dcNoise != 0 ? static_cast<float>(number(obs.d) + random.gauss() * number(obs.sigma))
+                                      : obs.d;
         if (options.normDc != 0) {
             const float f = obs.w;
             calc.d *= f;

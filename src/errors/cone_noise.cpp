@@ -17,14 +17,14 @@ using Vector = std::array<float, 3>;
 
 /// An angle of the cone, radians; below 0 on the other side of the axis. The draws are thinned by the sine:
 /// a ring around the axis holds places in proportion to it.
-double drawAngle(int *idum, const ConeSetup &cone)
+double drawAngle(RandomStream &random, const ConeSetup &cone)
 {
     if (cone.coneFix != 0)
         return cone.coneWidth * pi / 180.0;
     double gamma = 0.0, u = 0.0;
     do {
-        gamma = gauss() * cone.coneWidth * pi / 180.0;
-        u = static_cast<double>(ran1(idum));
+        gamma = random.gauss() * cone.coneWidth * pi / 180.0;
+        u = static_cast<double>(random.ran1());
     } while (std::sin(std::fabs(gamma)) <= u);
     return gamma;
 }
@@ -94,7 +94,7 @@ bool findAgain(PDBInfo *pdbInfo, const RowSide &side)
 }
 
 /// Three equivalent atoms and a single one: all three go to one place.
-bool moveGroup(PDBInfo *pdbInfo, const RowSides &sides, const ConeSetup &cone, int *idum)
+bool moveGroup(PDBInfo *pdbInfo, const RowSides &sides, const ConeSetup &cone, RandomStream &random)
 {
     const bool groupIsI = sides.i.count >= sides.j.count;
     const RowSide &group = groupIsI ? sides.i : sides.j, &single = groupIsI ? sides.j : sides.i;
@@ -102,21 +102,21 @@ bool moveGroup(PDBInfo *pdbInfo, const RowSides &sides, const ConeSetup &cone, i
     // With the group on the first side the vector points away from it, and the group lands opposite: the
     // coupling does not see the sign.
     Vector vector = groupIsI ? difference(from, mean(group.found())) : difference(mean(group.found()), from);
-    addVecNoise(idum, vector, cone);
+    addVecNoise(random, vector, cone);
     for (AtomInfo *atom : group.found())
         moveTo(*atom, from, vector);
     return findAgain(pdbInfo, group);
 }
 
 /// Every pair for itself. The list that is walked is the one found last.
-bool movePairs(PDBInfo *pdbInfo, const RowSides &sides, const ConeSetup &cone, int *idum)
+bool movePairs(PDBInfo *pdbInfo, const RowSides &sides, const ConeSetup &cone, RandomStream &random)
 {
     for (std::size_t k = 0; k < sides.i.found().size(); ++k)
         for (std::size_t l = 0; l < sides.j.found().size(); ++l) {
             const Axis from = place(*sides.i.atoms[k]);
             AtomInfo &moved = *sides.j.atoms[l];
             Vector vector = difference(place(moved), from);
-            addVecNoise(idum, vector, cone);
+            addVecNoise(random, vector, cone);
             moveTo(moved, from, vector);
             if (!findAgain(pdbInfo, sides.j))
                 return false;
@@ -125,10 +125,10 @@ bool movePairs(PDBInfo *pdbInfo, const RowSides &sides, const ConeSetup &cone, i
 }
 
 /// Draws and sets the two angles of a residue.
-void turnResidue(int *idum, PDBInfo *pdbInfo, const ResInfo &residue, const ConeSetup &cone)
+void turnResidue(RandomStream &random, PDBInfo *pdbInfo, const ResInfo &residue, const ConeSetup &cone)
 {
-    const double phiInc = drawAngle(idum, cone);
-    const double psiInc = drawAngle(idum, cone);
+    const double phiInc = drawAngle(random, cone);
+    const double psiInc = drawAngle(random, cone);
     float phi = 0.0f, psi = 0.0f;
     getPDBPhiPsi(pdbInfo, residue.resID, residue.chainID.view(), residue.segID.view(), phi, psi);
     const auto turned = [](float angle, double inc) {
@@ -183,7 +183,7 @@ void rotCone(const Axis &A, double w, double Gamma, Axis &r)
         r[k] = c * A[k] + s * (cosW * u[k] + sinW * v[k]);
 }
 
-float addVecNoise(int *idum, Vector &coor, const ConeSetup &cone)
+float addVecNoise(RandomStream &random, Vector &coor, const ConeSetup &cone)
 {
     const Axis vector = {static_cast<double>(coor[0]), static_cast<double>(coor[1]),
                          static_cast<double>(coor[2])};
@@ -197,17 +197,17 @@ float addVecNoise(int *idum, Vector &coor, const ConeSetup &cone)
             unit[k] = roundedToFloat(vector[k] * (1.0 / static_cast<double>(length)));
     const double phi = std::atan2(unit[1], unit[0]);
     const double theta = halfPi - std::atan2(unit[2], std::sqrt(unit[0] * unit[0] + unit[1] * unit[1]));
-    const double gamma = drawAngle(idum, cone);
+    const double gamma = drawAngle(random, cone);
     const double sine = std::sin(theta - gamma);
     Axis r = {sine * std::cos(phi), sine * std::sin(phi), std::cos(theta - gamma)};
-    const int k = truncated(ran3(idum) * static_cast<float>(cone.coneDig));
+    const int k = truncated(random.ran3() * static_cast<float>(cone.coneDig));
     rotCone(unit, k * cone.rotInc, gamma, r);
     for (std::size_t i = 0; i < 3; ++i)
         coor[i] = static_cast<float>(r[i] * static_cast<double>(length));
     return length;
 }
 
-void addPhiPsiNoise(int *idum, PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone,
+void addPhiPsiNoise(RandomStream &random, PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone,
                     const ResidueOffset &offset, int allowFixedDI, Messages &messages)
 {
     if (!cone.hasNoise())
@@ -216,12 +216,12 @@ void addPhiPsiNoise(int *idum, PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &
     const std::int64_t last = std::int64_t{pdbInfo->maxResID} + 1;
     for (const ResInfo &residue : pdbInfo->residues())
         if (residue.resID >= first && residue.resID <= last)
-            turnResidue(idum, pdbInfo, residue, cone);
+            turnResidue(random, pdbInfo, residue, cone);
     // An empty residue of number 0 closes the list. It has no angles to turn, but its draws are in the
     // sequence.
     if (first <= 0 && last >= 0) {
-        drawAngle(idum, cone);
-        drawAngle(idum, cone);
+        drawAngle(random, cone);
+        drawAngle(random, cone);
     }
     constexpr int inclusiveMax = 3;
     selectD(dTab->observed(), offset.segFirst, offset.segLast, inclusiveMax);
@@ -251,7 +251,7 @@ int modifyAtomCoorList(PDBInfo *pdbInfo, int resID, std::string_view atomName, s
 }
 
 int addPdbNoise(PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone, int aOff,
-                std::span<const int> dCalcValid, int *idum)
+                std::span<const int> dCalcValid, RandomStream &random)
 {
     int moved = 0;
     for (std::size_t row = 0; row < dTab->calculated().size(); ++row) {
@@ -261,7 +261,7 @@ int addPdbNoise(PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone, int aOff,
         const RowSides sides = sidesOf(*pdbInfo, *dTab, row, aOff);
         const bool isGroup = sides.i.count * sides.j.count == groupSize;
         const bool found =
-            isGroup ? moveGroup(pdbInfo, sides, cone, idum) : movePairs(pdbInfo, sides, cone, idum);
+            isGroup ? moveGroup(pdbInfo, sides, cone, random) : movePairs(pdbInfo, sides, cone, random);
         if (found)
             ++moved;
         else

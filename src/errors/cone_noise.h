@@ -9,6 +9,7 @@
 #include "ground/messages.h"
 #include "structure/pdb.h"
 #include "structure/rotate.h"
+#include "support/numerics/random.h"
 
 #include <array>
 #include <span>
@@ -54,12 +55,12 @@ void rotCone(const Axis &A, double w, double Gamma, Axis &r);
 
 /// Moves a vector, angstrom, to a random place on its cone; its length is kept. Draws gauss and ran1 in pairs
 /// until an angle is taken (none of them with a fixed cone), then ran3. Returns the length.
-float addVecNoise(int *idum, std::array<float, 3> &coor, const ConeSetup &cone);
+float addVecNoise(RandomStream &random, std::array<float, 3> &coor, const ConeSetup &cone);
 
 /// Turns phi and psi of every residue by random angles, phi drawn first, and builds the calculated rows anew
 /// with the run's allowFixedDI. Residue after residue along the list: a turn moves all atoms on the shorter
 /// side. Uses up the selection marks.
-void addPhiPsiNoise(int *idum, PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone,
+void addPhiPsiNoise(RandomStream &random, PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone,
                     const ResidueOffset &offset, int allowFixedDI, Messages &messages);
 
 /// Finds the atoms of a name again after they were moved, a name with wildcards expanded with 1, 2, 3.
@@ -71,6 +72,6 @@ int modifyAtomCoorList(PDBInfo *pdbInfo, int resID, std::string_view atomName, s
 /// moves. Three equivalent atoms are moved to one place: their mean stands for them. A row whose atoms are
 /// found no more becomes invalid. Rows that share an atom move it in turns. Returns the number of rows moved.
 int addPdbNoise(PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone, int aOff,
-                std::span<const int> dCalcValid, int *idum);
+                std::span<const int> dCalcValid, RandomStream &random);
 
 } // namespace trelm

@@ -19,6 +19,7 @@ struct NoiseRun {
     Messages &messages;
     CouplingNoiseResult &result;
     RepeatedFit fit;
+    RandomStream random = RandomStream();
 
     [[nodiscard]] DTable &dTab() const { return input.dTab; }
     [[nodiscard]] std::size_t rows() const { return static_cast<std::size_t>(dTab().dCount); }
@@ -51,8 +52,8 @@ Status fitNoisy(NoiseRun &run)
 {
     for (std::size_t i = 0; i < run.rows(); ++i)
         if (run.isValid(i))
-            run.dTab().dObsList[i].d = static_cast<float>(gauss() * number(run.result.dSigmaOpt[i]) * 0.5 +
-                                                          number(run.result.dVal[i]));
+            run.dTab().dObsList[i].d = static_cast<float>(
+                run.random.gauss() * number(run.result.dSigmaOpt[i]) * 0.5 + number(run.result.dVal[i]));
     const MappingInput &input = run.input;
     return refitD(run.fit, &input.pdbInfo, input.dTab, input.verbose, run.messages) ? Status::ok
                                                                                     : Status::failed;

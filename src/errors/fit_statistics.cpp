@@ -62,9 +62,9 @@ void appendBlock(float stdDevD, float q, const Regression &line, std::string &re
 }
 
 /// A random place in a list of n. The deviate can round to 1.0, so the place is bounded.
-std::size_t drawPlace(int *idum, std::size_t n)
+std::size_t drawPlace(RandomStream &random, std::size_t n)
 {
-    const auto place = static_cast<std::size_t>(ran3(idum) * static_cast<float>(n));
+    const auto place = static_cast<std::size_t>(random.ran3() * static_cast<float>(n));
     return std::min(place, n - 1);
 }
 
@@ -92,7 +92,7 @@ Status statDC(const DTable &dTab, std::string &result, Messages &messages)
     return Status::ok;
 }
 
-int selectDcFrac(int *idum, DTable *dTab, float frac, int fixed, Messages &messages)
+int selectDcFrac(RandomStream &random, DTable *dTab, float frac, int fixed, Messages &messages)
 {
     std::vector<std::size_t> indexTab;
     try {
@@ -112,7 +112,7 @@ int selectDcFrac(int *idum, DTable *dTab, float frac, int fixed, Messages &messa
     const std::size_t target =
         wanted >= static_cast<float>(indexTab.size()) ? indexTab.size() : static_cast<std::size_t>(wanted);
     for (std::size_t count = 0; count < target;) {
-        int &valid = dTab->dCalcList[indexTab[drawPlace(idum, indexTab.size())]].valid;
+        int &valid = dTab->dCalcList[indexTab[drawPlace(random, indexTab.size())]].valid;
         if (valid != 0)
             continue; // drawn before
         valid = 1;
@@ -121,8 +121,8 @@ int selectDcFrac(int *idum, DTable *dTab, float frac, int fixed, Messages &messa
     return static_cast<int>(target);
 }
 
-int selectDcResidue(int *idum, const ResidueCouplings &residues, int sCount, std::vector<float> &coupList,
-                    std::vector<float> &sigmaList, float &rAveDD)
+int selectDcResidue(RandomStream &random, const ResidueCouplings &residues, int sCount,
+                    std::vector<float> &coupList, std::vector<float> &sigmaList, float &rAveDD)
 {
     const std::size_t nRes = residues.dcMat.size();
     // More draws than residues would never end.
@@ -131,7 +131,7 @@ int selectDcResidue(int *idum, const ResidueCouplings &residues, int sCount, std
     float sum = 0.0f;
     int copied = 0;
     for (std::size_t count = 0; count < draws;) {
-        const std::size_t k = drawPlace(idum, nRes);
+        const std::size_t k = drawPlace(random, nRes);
         if (drawn[k])
             continue;
         drawn[k] = true;

@@ -3,6 +3,7 @@
 
 #include "couplings/dipolar.h"
 #include "ground/messages.h"
+#include "support/numerics/random.h"
 
 #include <string>
 #include <vector>
@@ -16,7 +17,7 @@ Status statDC(const DTable &dTab, std::string &result, Messages &messages);
 
 /// Keeps a random part of the valid calculated couplings: the fraction `frac`, or with `fixed` the number
 /// `frac`. Returns how many were kept. Draws from ran3. Without memory the run ends (OutOfMemory).
-int selectDcFrac(int *idum, DTable *dTab, float frac, int fixed, Messages &messages);
+int selectDcFrac(RandomStream &random, DTable *dTab, float frac, int fixed, Messages &messages);
 
 /// Couplings by residue for random selection.
 struct ResidueCouplings {
@@ -26,7 +27,7 @@ struct ResidueCouplings {
 
 /// Draws sCount different residues, or all if there are fewer, from ran3 and appends all their couplings.
 /// rAveDD becomes the mean of the copied errors, 0 without any. Returns the number of couplings copied.
-int selectDcResidue(int *idum, const ResidueCouplings &residues, int sCount, std::vector<float> &coupList,
-                    std::vector<float> &sigmaList, float &rAveDD);
+int selectDcResidue(RandomStream &random, const ResidueCouplings &residues, int sCount,
+                    std::vector<float> &coupList, std::vector<float> &sigmaList, float &rAveDD);
 
 } // namespace trelm

@@ -15,8 +15,8 @@ struct JackknifeRun {
     const MappingWatch &watch;
     Messages &messages;
     JackknifeResult &result;
-    int idum = -1; ///< the draws do not follow the seed of the run
-    int nDSel = 0; ///< couplings of the last sample
+    RandomStream random = RandomStream(); ///< the draws do not follow the seed of the run
+    int nDSel = 0;                        ///< couplings of the last sample
 };
 
 void restoreRows(const JackknifeRun &run)
@@ -38,7 +38,7 @@ Status samplePart(JackknifeRun &run, int n)
 {
     restoreRows(run);
     run.nDSel =
-        selectDcFrac(&run.idum, &run.input.dTab, run.options.mapFrac, run.options.mapFixCount, run.messages);
+        selectDcFrac(run.random, &run.input.dTab, run.options.mapFrac, run.options.mapFixCount, run.messages);
     if (fitTable(run.input, run.messages) != Status::ok)
         return Status::failed;
     return isWithoutTensor(run.input.dTab)

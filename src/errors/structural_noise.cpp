@@ -28,7 +28,7 @@ struct StructuralRun {
     StructuralNoiseResult &result;
     DTensor tInfo = {};                                ///< the tensor before the fits
     float rSumOrig = 0.0f;                             ///< misfit of the measured couplings, Hz
-    int idum = -1;                                     ///< the draws do not follow the seed of the run
+    RandomStream random = RandomStream();              ///< the draws do not follow the seed of the run
     std::vector<DInfo> observed = {}, calculated = {}; ///< the rows before the sampling
     std::vector<int> dCalcValid = {};
     std::vector<SavedAtom> atoms = {};
@@ -79,9 +79,9 @@ void addNoise(StructuralRun &run)
     inUse.coneWidth = run.result.coneWidth;
     const ConeSetup cone = coneOf(inUse);
     if (run.options.noiseMode != 0)
-        addPdbNoise(&run.input.pdbInfo, &run.dTab(), cone, offsetOf(run.offset), run.dCalcValid, &run.idum);
+        addPdbNoise(&run.input.pdbInfo, &run.dTab(), cone, offsetOf(run.offset), run.dCalcValid, run.random);
     else
-        addPhiPsiNoise(&run.idum, &run.input.pdbInfo, &run.dTab(), cone, run.offset,
+        addPhiPsiNoise(run.random, &run.input.pdbInfo, &run.dTab(), cone, run.offset,
                        run.input.fit.allowFixedDI, run.messages);
 }
 

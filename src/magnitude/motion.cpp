@@ -154,7 +154,8 @@ void tellSets(std::span<const MotionSet> sets, bool isFitted, float largestError
 
 Status drawSets(const Pool &pool, const MotionSetup &setup, std::vector<MotionSet> &sets, Messages &messages)
 {
-    int idum = -1, count = 0;
+    RandomStream random;
+    int count = 0;
     float largestError = 0.0f;
     HistogramResult found;
     sets.resize(static_cast<std::size_t>(std::max(setup.draw.histRan, 0)));
@@ -164,7 +165,7 @@ Status drawSets(const Pool &pool, const MotionSetup &setup, std::vector<MotionSe
         progress.show(++count);
         progress.pause(); // a set may have something to say
         SetCouplings couplings;
-        selectDcResidue(&idum, pool.residues, pool.sCount, couplings.coupList, couplings.sigma,
+        selectDcResidue(random, pool.residues, pool.sCount, couplings.coupList, couplings.sigma,
                         couplings.rAveDD);
         status = scoreSet(pool, setup.histogram, couplings, found, *set, messages);
         largestError = std::max(largestError, couplings.rAveDD);

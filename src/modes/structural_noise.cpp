@@ -25,10 +25,10 @@ Status moveAtoms(Run &run, Messages &messages)
     std::ranges::transform(dTab->calculated(), dCalcValid.data(), &DInfo::valid);
     const ConeSetup cone = coneOf(options);
     const ResidueOffset offset = {window.aFirst, window.segFirst, window.segLast};
-    int idum = options.idum;
+    RandomStream random(options.idum);
     if (options.noiseMode == 0)
-        addPhiPsiNoise(&idum, pdbInfo, dTab, cone, offset, run.trelmInfo[0].allowFixedDI, messages);
-    else if (addPdbNoise(pdbInfo, dTab, cone, offsetOf(offset), dCalcValid.span(), &idum) == 0)
+        addPhiPsiNoise(random, pdbInfo, dTab, cone, offset, run.trelmInfo[0].allowFixedDI, messages);
+    else if (addPdbNoise(pdbInfo, dTab, cone, offsetOf(offset), dCalcValid.span(), random) == 0)
         messages.err("trelm: no coupling is left: no vector of the structure is moved.\n");
     return Status::ok;
 }

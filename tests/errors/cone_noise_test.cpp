@@ -25,11 +25,11 @@ constexpr ConeSetup fixedCone = {10.0, 4, 1, 90.0};
 constexpr ConeSetup gaussCone = {20.0, 360, 0, 1.0};
 
 /// A cone angle as gaussCone has it: a ring around the axis is as likely as its area is large.
-double takenAngle(int *seed)
+double takenAngle(RandomStream &random)
 {
     for (;;) {
-        const double g = gauss() * gaussCone.coneWidth * degree;
-        if (std::sin(std::fabs(g)) > static_cast<double>(ran1(seed)))
+        const double g = random.gauss() * gaussCone.coneWidth * degree;
+        if (std::sin(std::fabs(g)) > static_cast<double>(random.ran1()))
             return g;
     }
 }
@@ -45,7 +45,7 @@ PDBSelectInfo residuesFrom(int res1)
     return range;
 }
 
-/// Ubiquitin from residue res1 on and a table of these couplings. Generators fresh.
+/// Ubiquitin from residue res1 on and a table of these couplings.
 struct Molecule : Prepared {
     explicit Molecule(const std::string &rows, int aOff = 0, const PDBSelectInfo &range = residuesFrom(1))
         : Prepared(
@@ -53,12 +53,11 @@ struct Molecule : Prepared {
                   .name,
               aOff, &range)
     {
-        resetRandom();
     }
+    RandomStream random;
     int move(const ConeSetup &cone, int aOff = 0)
     {
-        int idum = -1;
-        return addPdbNoise(&pdb, &table, cone, aOff, std::vector(table.observed().size(), 1), &idum);
+        return addPdbNoise(&pdb, &table, cone, aOff, std::vector(table.observed().size(), 1), random);
     }
     Vector at(int resID, const char *name)
     {
@@ -81,14 +80,13 @@ struct Molecule : Prepared {
 
 TEST(AddVecNoise, FixedConeKeepsLengthAndAngleAndTakesEveryPosition)
 {
-    resetRandom();
-    int idum = -1;
+    RandomStream random;
     for (const Vector &from : {Vector{1.02f, 0, 0}, {0, 0, -1.5f}, {0.3f, -0.7f, 0.6f}, {0, 0, 0}}) {
         const float length = std::hypot(from[0], from[1], from[2]);
         std::set<std::array<long, 3>> positions;
         for (int n = 0; n < 100; ++n) {
             Vector v = from;
-            EXPECT_FLOAT_EQ(addVecNoise(&idum, v, fixedCone), length);
+            EXPECT_FLOAT_EQ(addVecNoise(random, v, fixedCone), length);
             EXPECT_NEAR(std::hypot(v[0], v[1], v[2]), length, 1e-6);
             EXPECT_NEAR(v[0] * from[0] + v[1] * from[1] + v[2] * from[2],
                         length * length * std::cos(10.0 * degree), 2e-6);
@@ -103,7 +101,6 @@ TEST(AddVecNoise, FixedConeKeepsLengthAndAngleAndTakesEveryPosition)
 
 TEST(AddVecNoise, GaussianConeIsWeightedByTheAreaOfItsRings)
 {
-    resetRandom();
     double norm = 0.0, cosine = 0.0, square = 0.0;
     for (double g = 0.0005; g < 180.0 * degree; g += 0.001) {
         const double p = std::exp(-0.5 * std::pow(g / (gaussCone.coneWidth * degree), 2)) * std::sin(g);
@@ -112,11 +109,11 @@ TEST(AddVecNoise, GaussianConeIsWeightedByTheAreaOfItsRings)
         square += p * std::cos(g) * std::cos(g);
     }
     constexpr int count = 20000;
-    int idum = -1;
+    RandomStream random;
     std::array<double, 3> mean = {};
     for (int n = 0; n < count; ++n) {
         Vector v = {0, 0, 1};
-        addVecNoise(&idum, v, gaussCone);
+        addVecNoise(random, v, gaussCone);
         for (std::size_t k = 0; k < 3; ++k)
             mean[k] += static_cast<double>(v[k]) / count;
     }
@@ -131,21 +128,19 @@ TEST(AddVecNoise, GaussianConeIsWeightedByTheAreaOfItsRings)
 TEST(AddVecNoise, DrawsInOrderFromOneSeed)
 {
     std::vector<Vector> expected;
-    resetRandom();
-    int seed = -1, idum = -1;
+    RandomStream random, judge;
     for (int n = 0; n < 50; ++n) {
-        const auto g = static_cast<float>(takenAngle(&seed));
-        const float w = std::floor(ran3(&seed) * 360.0f) * static_cast<float>(degree);
+        const auto g = static_cast<float>(takenAngle(judge));
+        const float w = std::floor(judge.ran3() * 360.0f) * static_cast<float>(degree);
         const float s = std::fabs(std::sin(g));
         expected.push_back({std::cos(g), -s * std::sin(w), s * std::cos(w)});
     }
-    resetRandom();
     for (const Vector &e : expected) {
         Vector v = {1, 0, 0};
-        addVecNoise(&idum, v, gaussCone);
+        addVecNoise(random, v, gaussCone);
         EXPECT_LT(std::hypot(v[0] - e[0], v[1] - e[1], v[2] - e[2]), 1e-6f);
     }
-    EXPECT_EQ(idum, seed);
+    EXPECT_EQ(random.ran1(), judge.ran1());
 }
 
 TEST(AddPdbNoise, MovesTheSecondAtomAloneAndTheSameWayFromTheSavedCopy)
@@ -162,7 +157,7 @@ TEST(AddPdbNoise, MovesTheSecondAtomAloneAndTheSameWayFromTheSavedCopy)
         std::inner_product(before.begin(), before.end(), after.begin(), 0, std::plus(), std::not_equal_to()),
         1);
     restorePDBCoords(&m.pdb);
-    resetRandom();
+    m.random = RandomStream();
     m.move(gaussCone);
     EXPECT_EQ(m.all(), after);
 }
@@ -220,8 +215,7 @@ TEST(AddPhiPsiNoise, TurnsEveryAngleByTheFixedWidth)
         auto &[phi, psi] = before.emplace_back();
         getPDBPhiPsi(&m.pdb, residue.resID, "A", m.pdb.defSegName.view(), phi, psi);
     }
-    int idum = -1;
-    addPhiPsiNoise(&idum, &m.pdb, &m.table, fixedCone, {1, 1, 76}, 1, standardMessages());
+    addPhiPsiNoise(m.random, &m.pdb, &m.table, fixedCone, {1, 1, 76}, 1, standardMessages());
     auto angles = before.begin();
     for (const ResInfo &residue : m.pdb.residues()) {
         const auto [phiBefore, psiBefore] = *angles++;
@@ -239,12 +233,11 @@ TEST(AddPhiPsiNoise, ResidueZeroBehindTheListDraws)
 {
     for (const auto &[res1, angles] : {std::pair{1, 2 * 77}, {10, 2 * 67}}) {
         Molecule m("20 N 20 H 1 1\n", 0, residuesFrom(res1));
-        int idum = -1, seed = -1;
-        addPhiPsiNoise(&idum, &m.pdb, &m.table, gaussCone, {1, 1, 76}, 1, standardMessages());
-        resetRandom();
+        RandomStream judge;
+        addPhiPsiNoise(m.random, &m.pdb, &m.table, gaussCone, {1, 1, 76}, 1, standardMessages());
         for (int n = 0; n < angles; ++n)
-            takenAngle(&seed);
-        EXPECT_EQ(idum, seed) << res1;
+            takenAngle(judge);
+        EXPECT_EQ(m.random.ran1(), judge.ran1()) << res1;
     }
 }
 
@@ -253,14 +246,13 @@ TEST(AddVecNoise, TooNarrowAGaussianConeMovesAndDrawsNothing)
     for (const auto &[cone, isMoved] : {std::pair{ConeSetup{9e-7, 4, 0, 90.0}, false},
                                         {{9e-7, 4, 1, 90.0}, true},
                                         {{-5.0, 4, 1, 90.0}, false}}) {
-        int idum = -1;
+        RandomStream random;
         Vector v = {0, 0, 1};
-        addVecNoise(&idum, v, cone);
-        EXPECT_EQ(idum != -1, isMoved) << cone.coneWidth;
+        addVecNoise(random, v, cone);
+        EXPECT_EQ(random.ran3() != RandomStream().ran3(), isMoved) << cone.coneWidth;
         Molecule m("10 N 10 H 1 1\n");
-        idum = -1;
         const std::vector<Vector> before = m.all();
-        addPhiPsiNoise(&idum, &m.pdb, &m.table, cone, {1, 1, 76}, 1, standardMessages());
+        addPhiPsiNoise(m.random, &m.pdb, &m.table, cone, {1, 1, 76}, 1, standardMessages());
         EXPECT_EQ(m.all() != before, isMoved) << cone.coneWidth;
     }
 }

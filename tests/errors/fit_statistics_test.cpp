@@ -44,9 +44,9 @@ TEST(Select, FractionsOfTheCouplings)
                              {0.01f, 0, 0}, {-3.0f, 1, 0},  {2.0f, 0, 20}};
     for (const auto &choice : choices) {
         DTable table = makeTable(std::vector<std::pair<float, float>>(20, {1.0f, 1.0f}));
-        int idum = -1;
+        RandomStream random;
         Heard heard;
-        EXPECT_EQ(selectDcFrac(&idum, &table, choice.frac, choice.fixed, heard.messages), choice.kept)
+        EXPECT_EQ(selectDcFrac(random, &table, choice.frac, choice.fixed, heard.messages), choice.kept)
             << choice.frac;
         EXPECT_EQ(std::ranges::count(table.calculated(), 1, &DInfo::valid), choice.kept);
     }
@@ -57,13 +57,13 @@ TEST(Select, ResiduesBringAllTheirCouplings)
     const ResidueCouplings residues = {{{1, 2}, {3}, {}}, {{0.5f, 0.5f}, {2}, {}}};
     std::vector<float> couplings, errors;
     float average = 0.0f;
-    int idum = -1;
-    EXPECT_EQ(selectDcResidue(&idum, residues, 3, couplings, errors, average), 3);
+    RandomStream random;
+    EXPECT_EQ(selectDcResidue(random, residues, 3, couplings, errors, average), 3);
     EXPECT_FLOAT_EQ(average, 1.0f);
     EXPECT_EQ(errors.size(), couplings.size());
     couplings.clear();
     errors.clear();
-    EXPECT_EQ(selectDcResidue(&idum, residues, 99, couplings, errors, average), 3); // no endless drawing
+    EXPECT_EQ(selectDcResidue(random, residues, 99, couplings, errors, average), 3); // no endless drawing
 }
 
 } // namespace

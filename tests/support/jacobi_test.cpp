@@ -31,12 +31,12 @@ void expectEigensystem(const std::array<T, 9> &a, const std::array<T, 3> &d, con
 
 TEST(Jacobi, EigensystemsInBothPrecisions)
 {
-    int seed = -5;
+    RandomStream random(-5);
     for (int trial = 0; trial < 200; ++trial) {
         Matrix3d a = {};
         for (std::size_t i = 0; i < 3; ++i)
             for (std::size_t j = i; j < 3; ++j)
-                a[3 * i + j] = a[3 * j + i] = trial % 4 == 0 && i != j ? 1.0 : 2.0 * ran1(&seed) - 1.0;
+                a[3 * i + j] = a[3 * j + i] = trial % 4 == 0 && i != j ? 1.0 : 2.0 * random.ran1() - 1.0;
         Matrix3f single = {};
         std::ranges::transform(a, single.begin(), [](double x) { return static_cast<float>(x); });
         std::array<float, 3> d = {};

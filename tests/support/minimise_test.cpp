@@ -57,12 +57,12 @@ void makeCouplings(const Five &truth, float noise)
 {
     bonds.clear();
     observed.clear();
-    int seed = -11;
+    RandomStream random(-11);
     for (int i = 0; i < 60; ++i) {
-        const float z = 2.0f * ran1(&seed) - 1.0f, angle = 6.2831853f * ran1(&seed);
+        const float z = 2.0f * random.ran1() - 1.0f, angle = 6.2831853f * random.ran1();
         const float r = std::sqrt(1.0f - z * z);
         bonds.push_back({r * std::cos(angle), r * std::sin(angle), z});
-        observed.push_back(coupling(bonds.back(), truth.data()) + noise * (ran1(&seed) - 0.5f));
+        observed.push_back(coupling(bonds.back(), truth.data()) + noise * (random.ran1() - 0.5f));
     }
 }
 

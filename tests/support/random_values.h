@@ -7,12 +7,13 @@
 
 namespace trelm {
 
-/// Values in -1 to 1; a seed below 0 gives the same ones each time.
+/// Values in -1 to 1, the same for a seed below 0.
 inline std::vector<float> randomValues(std::size_t count, int seed)
 {
     std::vector<float> values(count);
+    RandomStream random(seed);
     for (float &value : values)
-        value = 2.0f * ran1(&seed) - 1.0f;
+        value = 2.0f * random.ran1() - 1.0f;
     return values;
 }
 

@@ -17,8 +17,10 @@ using namespace trelm;
 struct Ubiquitin {
     PDBInfo pdb;
     DTable dTab;
-    std::vector<float> measured;
-    RepeatedFit fit;
+    FitColumns columns;
+    FitWork work;
+    FitResult fit;
+    RepeatedFit repeated;
     RandomStream random;
 
     explicit Ubiquitin(const char *table)
@@ -29,27 +31,27 @@ struct Ubiquitin {
             return;
         selectD(dTab.observed(), 1, 76, 3);
         buildDC(&pdb, dTab, {.wOff = 1}, standardMessages());
-        for (const DInfo &row : dTab.observed())
-            measured.push_back(row.d);
-        fitD(&pdb, dTab, 0, standardMessages());
-        prepareRepeatedFit(dTab, fit);
+        takeColumns(dTab, columns);
+        fit = startOf(dTab);
+        static_cast<void>(fitColumns(input(), work, fit, standardMessages()));
+        prepareRepeatedFit(input(), fit.tensor, repeated);
     }
-    ~Ubiquitin() { dTabFree(&dTab); }
     Ubiquitin(const Ubiquitin &) = delete;
     Ubiquitin &operator=(const Ubiquitin &) = delete;
+
+    [[nodiscard]] FitInput input() const { return {&pdb, dTab, columns}; }
 
     /// Plain: the fit as a run without samples makes it.
     void fitNoisy(bool plain)
     {
-        for (std::size_t i = 0; i < measured.size(); ++i)
-            dTab.dObsList[i].d =
-                static_cast<float>(random.gauss() * static_cast<double>(dTab.dObsList[i].sigma) * 0.5) +
-                measured[i];
+        for (std::size_t i = 0; i < columns.d.size(); ++i)
+            columns.d[i] = static_cast<float>(random.gauss() * static_cast<double>(columns.sigma[i]) * 0.5) +
+                           dTab.dObsList[i].d;
         if (plain) {
-            dTab.fitWork.svd = {};
-            fitD(&pdb, dTab, 0, standardMessages());
+            work.svd = {};
+            static_cast<void>(fitColumns(input(), work, fit, standardMessages()));
         } else {
-            refitD(fit, &pdb, dTab, 0, standardMessages());
+            static_cast<void>(refitColumns(repeated, input(), work, fit, standardMessages()));
         }
     }
 };
@@ -60,19 +62,18 @@ void noiseSamples(benchmark::State &state, const char *table, bool plain)
     for (int i = 0; i < 10; ++i) { // both forms give the same bits
         ubiquitin.random = RandomStream();
         ubiquitin.fitNoisy(false);
-        const auto kept = ubiquitin.dTab.dTensor.saupe;
-        const float d = ubiquitin.dTab.dCalcList[5].d;
+        const FitResult kept = ubiquitin.fit;
         ubiquitin.random = RandomStream();
         ubiquitin.fitNoisy(true);
-        if (kept != ubiquitin.dTab.dTensor.saupe || d != ubiquitin.dTab.dCalcList[5].d)
+        if (kept.tensor.saupe != ubiquitin.fit.tensor.saupe || kept.calculated != ubiquitin.fit.calculated)
             return state.SkipWithError("differs from the plain form");
     }
     for (auto step : state) {
         ubiquitin.fitNoisy(plain);
-        benchmark::DoNotOptimize(ubiquitin.dTab.dTensor);
+        benchmark::DoNotOptimize(ubiquitin.fit);
     }
     state.SetItemsProcessed(state.iterations());
-    state.counters["couplings"] = static_cast<double>(ubiquitin.measured.size());
+    state.counters["couplings"] = static_cast<double>(ubiquitin.columns.d.size());
 }
 BENCHMARK_CAPTURE(noiseSamples, amides, "bicelle_hn.tab", false);
 BENCHMARK_CAPTURE(noiseSamples, amidesPlain, "bicelle_hn.tab", true);

@@ -81,7 +81,7 @@ void readCouplings(benchmark::State &state)
         DTable dTab;
         if (readDC(name, dTab, standardMessages()) != Status::ok || dTab.dCount != state.range(0))
             return state.SkipWithError("the table was not read");
-        dTabFree(&dTab);
+        dTab = DTable{};
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));
     fs::remove(name);

@@ -86,21 +86,6 @@ void markRows(DTable &dTab, Predicate isIn)
     }
 }
 
-/// Fits the rows marked, and leaves the calculated couplings of all others as they are: a non-linear fit
-/// would mark them as without a value.
-Status fitMarked(PDBInfo &pdbInfo, int verbose, DTable &dTab, Messages &messages)
-{
-    std::vector<float> kept;
-    for (const DInfo &calc : dTab.calculated())
-        kept.push_back(calc.d);
-    if (!fitD(&pdbInfo, dTab, verbose, messages))
-        return Status::failed;
-    for (std::size_t i = 0; i < kept.size(); ++i)
-        if (DInfo &calc = dTab.calculated()[i]; calc.valid == 0 || calc.w == 0.0f)
-            calc.d = kept[i];
-    return Status::ok;
-}
-
 } // namespace
 
 AssignedRows applyAssignment(const ProblemInput &input, const TableProblem &made,
@@ -144,7 +129,7 @@ Status fitMedia(PDBInfo &pdbInfo, const std::vector<std::string> &media, int ver
     inTurn.push_back(media.front());
     for (const std::string &medium : inTurn) {
         markRows(dTab, [&](const DInfo &obs) { return obs.segNameI == std::string_view(medium); });
-        if (fitMarked(pdbInfo, verbose, dTab, messages) != Status::ok)
+        if (!fitD(&pdbInfo, dTab, verbose, messages))
             return Status::failed;
     }
     markRows(dTab, [](const DInfo &) { return true; });

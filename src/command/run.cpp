@@ -55,7 +55,7 @@ int readOptions(int argc, char **argv, Run &run)
 int endRun(Run &run, int status)
 {
     if (run.dTab)
-        dTabFree(&run.dTab[0]);
+        run.dTab[0] = DTable{};
     run.options.wList.release();
     // The balance is taken here: it shows what the records and buffers of the run still hold.
     showAlloc();

@@ -72,7 +72,7 @@ std::vector<std::span<const OptionRow>> tensorTables()
 int getDCTensorParams(int argc, char **argv, DTensor *tInfo)
 {
     const OptionRecords records = {.dTensor = tInfo};
-    dTensorNull(tInfo);
+    *tInfo = DTensor{};
     readRows(argc, argv, methodRows, records);
     // A magnitude on the line is meant to be used: the linear fit, which would ignore it, gives way.
     if (readRows(argc, argv, givenTensorRows, records) > 0 && tInfo->tensorMode == tensorSvd)

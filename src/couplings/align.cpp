@@ -22,24 +22,22 @@ constexpr float methylFactor = 0.309107f;
 constexpr auto amideConstant = static_cast<float>(amideHertz); ///< all couplings are weighted on this scale
 constexpr int maxIterations = 1000;
 
-/// What a fit works on. Coordinates stand in the workspace of the table.
+/// What a fit works on. Coordinates stand in its workspace.
 struct AlignRun {
-    PDBInfo &pdbInfo;
-    DTable &dTab;
+    const PDBInfo &pdbInfo;
+    const FitInput &input;
+    FitWork &work;
+    FitResult &result;
     DTensor &tensor;
-    int verbose;
     Messages &messages;
     std::size_t atomCount = 0; ///< atoms in use
     int dCount = 0;            ///< couplings in use
     float dRMS = 0.0f;         ///< of the weighted residuals
     Transform turn = {};       ///< of the last evaluation
 
-    [[nodiscard]] std::span<Coord3D> standing() { return dTab.fitWork.aCoords.span().first(atomCount); }
-    [[nodiscard]] std::size_t slotOf(const AtomInfo &atom) const
-    {
-        return dTab.fitWork.slots[pdbInfo.placeOf(atom)];
-    }
-    [[nodiscard]] std::span<Coord3D> turned() { return dTab.fitWork.wCoords.span().first(atomCount); }
+    [[nodiscard]] std::span<Coord3D> standing() { return work.aCoords.span().first(atomCount); }
+    [[nodiscard]] std::size_t slotOf(const AtomInfo &atom) const { return work.slots[pdbInfo.placeOf(atom)]; }
+    [[nodiscard]] std::span<Coord3D> turned() { return work.wCoords.span().first(atomCount); }
 };
 
 /// A parameter of the tensor. It is free if its bounds differ.
@@ -112,14 +110,15 @@ constexpr std::size_t noSlot = SIZE_MAX; ///< of an atom without a coupling in u
 /// Finds the atoms of the couplings in use, and gives them slots in the order of the molecule.
 void selectAtoms(AlignRun &run)
 {
-    std::vector<std::size_t> &slots = run.dTab.fitWork.slots;
+    std::vector<std::size_t> &slots = run.work.slots;
     slots.assign(run.pdbInfo.atoms().size(), noSlot);
-    for (const DInfo &calc : run.dTab.calculated()) {
-        if (!takesPart(calc))
+    for (std::size_t row = 0; row < run.input.columns.use.size(); ++row) {
+        if (run.input.columns.use[row] == 0)
             continue;
-        const int pairs = forEachPair(calc, [&](const AtomInfo &atomI, const AtomInfo &atomJ) {
-            slots[run.pdbInfo.placeOf(atomI)] = slots[run.pdbInfo.placeOf(atomJ)] = 0;
-        });
+        const int pairs =
+            forEachPair(run.input.dTab.dCalcList[row], [&](const AtomInfo &atomI, const AtomInfo &atomJ) {
+                slots[run.pdbInfo.placeOf(atomI)] = slots[run.pdbInfo.placeOf(atomJ)] = 0;
+            });
         run.dCount += pairs > 0 ? 1 : 0;
     }
     for (std::size_t &slot : slots)
@@ -145,7 +144,7 @@ Status growCoords(FitWork &work, std::size_t atomCount, Messages &messages)
 /// Gathers the coordinates of the atoms in use.
 Status gatherCoords(AlignRun &run)
 {
-    if (growCoords(run.dTab.fitWork, run.atomCount, run.messages) != Status::ok)
+    if (growCoords(run.work, run.atomCount, run.messages) != Status::ok)
         return Status::failed;
     for (const AtomInfo &atom : run.pdbInfo.atoms())
         if (const std::size_t slot = run.slotOf(atom); slot != noSlot)
@@ -173,11 +172,11 @@ float pairTerm(const Coord3D &i, const Coord3D &j, float da, float dr)
     return da * (3.0f * z * z - 1.0f) + 1.5f * dr * (x * x - y * y);
 }
 
-/// Sets the calculated coupling of a row. Returns false, with no value in it, if the row takes no part.
-bool calculateRow(AlignRun &run, DInfo &calc)
+/// Sets the calculated coupling of a row. Returns false if the row takes no part.
+bool calculateRow(AlignRun &run, std::size_t row)
 {
-    calc.d = noCoupling;
-    if (!takesPart(calc))
+    const DInfo &calc = run.input.dTab.dCalcList[row];
+    if (run.input.columns.use[row] == 0)
         return false;
     const float factor = calc.atomICount * calc.atomJCount == 3 ? methylFactor : 1.0f;
     float sum = 0.0f;
@@ -187,14 +186,14 @@ bool calculateRow(AlignRun &run, DInfo &calc)
                         run.tensor.dr);
     });
     if (pairs > 0)
-        calc.d = sum;
+        run.result.calculated[row] = sum;
     return pairs > 0;
 }
 
-float residualWeight(const DInfo &obs, const DInfo &calc)
+float residualWeight(float di, float sigma)
 {
-    const float scale = calc.di != 0.0f ? amideConstant / std::fabs(calc.di) : 0.0f;
-    const float spread = scale * obs.sigma;
+    const float scale = di != 0.0f ? amideConstant / std::fabs(di) : 0.0f;
+    const float spread = scale * sigma;
     return spread != 0.0f ? 1.0f / spread : 1.0f;
 }
 
@@ -220,22 +219,22 @@ void fitDCTarget(AlignRun &run, std::span<const float> cg, std::span<float> res)
     turnCoords(run);
     float squares = 0.0f;
     int n = 0;
-    const auto observed = run.dTab.observed(), calculated = run.dTab.calculated();
-    for (std::size_t i = 0; i < calculated.size(); ++i) {
-        if (!calculateRow(run, calculated[i]))
+    const FitColumns &columns = run.input.columns;
+    for (std::size_t i = 0; i < columns.d.size(); ++i) {
+        if (!calculateRow(run, i))
             continue;
-        const float difference = observed[i].d - calculated[i].d;
-        const float residual = residualWeight(observed[i], calculated[i]) * difference;
+        const float calculated = run.result.calculated[i], difference = columns.d[i] - calculated;
+        const float residual = residualWeight(run.input.dTab.dCalcList[i].di, columns.sigma[i]) * difference;
         if (static_cast<std::size_t>(n) < res.size())
             res[static_cast<std::size_t>(n)] = residual;
         squares += residual * residual;
         ++n;
-        if (run.verbose > 2)
-            run.messages.err(" DC %3d % 8.3f % 8.3f % 8.3f\n", n, double{observed[i].d},
-                             double{calculated[i].d}, double{difference});
+        if (run.input.verbose > 2)
+            run.messages.err(" DC %3d % 8.3f % 8.3f % 8.3f\n", n, double{columns.d[i]}, double{calculated},
+                             double{difference});
     }
     run.dRMS = n > 0 ? std::sqrt(squares / static_cast<float>(n)) : 0.0f;
-    if (run.verbose > 1)
+    if (run.input.verbose > 1)
         tellState(run, n);
 }
 
@@ -272,25 +271,24 @@ void takeSolutions(const Matrix4 &m, DTensor &tensor)
 
 } // namespace
 
-std::optional<int> fitDCAlign(PDBInfo &pdbInfo, DTable &dTab, int verbose, Messages &messages)
+Status fitDCAlign(const PDBInfo &pdbInfo, const FitInput &input, FitWork &work, FitResult &result,
+                  Messages &messages)
 {
-    AlignRun run{pdbInfo, dTab, dTab.dTensor, verbose, messages};
+    AlignRun run{pdbInfo, input, work, result, result.tensor, messages};
     selectAtoms(run);
-    if (verbose > 1)
+    if (input.verbose > 1)
         messages.err("%d Couplings, %zu Atoms Selected.\n", run.dCount, run.atomCount);
     if (run.atomCount == 0 || run.dCount == 0)
-        return 0;
-    if (gatherCoords(run) != Status::ok) {
-        messages.err("GORVAT Error initializing alignment workspaces.\n");
-        return std::nullopt;
-    }
+        return Status::ok;
+    if (gatherCoords(run) != Status::ok)
+        return messages.fail("GORVAT Error initializing alignment workspaces.\n");
     fitParameters(run);
     takeSolutions(run.turn.m, run.tensor);
-    if (!std::isfinite(run.dRMS)) {
-        messages.err("DC Error: the differences of the couplings are no finite numbers: look at D and DD.\n");
-        return std::nullopt;
-    }
-    return run.dCount;
+    if (!std::isfinite(run.dRMS))
+        return messages.fail(
+            "DC Error: the differences of the couplings are no finite numbers: look at D and DD.\n");
+    result.used = run.dCount;
+    return Status::ok;
 }
 
 } // namespace trelm

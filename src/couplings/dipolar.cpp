@@ -15,7 +15,6 @@ namespace trelm {
 namespace {
 
 constexpr int wildFactor = maxPairAtoms; ///< entries of a wildcard name, for the size of the workspace
-constexpr std::size_t workSlices = 12;   ///< lists in the workspace: the 10 of a fit, and room for two
 
 /// A number column of the file and the field it fills; null for one that is checked alone.
 struct NumberColumn {
@@ -174,13 +173,10 @@ Status allocateRows(DTable &dTab, int rowCount, Messages &messages)
     return Status::ok;
 }
 
-Status allocateWork(DTable &dTab, std::size_t pairs, Messages &messages)
+/// Fails after a message: maxCount is an int, and so is the length of a fit.
+Status boundPairs(DTable &dTab, std::size_t pairs, Messages &messages)
 {
-    // maxCount is an int, and so is the length of a fit.
-    dTab.work.release();
-    if (pairs <= static_cast<std::size_t>(INT_MAX))
-        dTab.work = Block<float>("dc", pairs * workSlices + workSlices);
-    if (!dTab.work)
+    if (pairs > static_cast<std::size_t>(INT_MAX))
         return messages.fail("DC Error Allocating DC Workspaces.\n");
     dTab.maxCount = static_cast<int>(pairs);
     return Status::ok;
@@ -205,7 +201,7 @@ Status readRows(const TextTable &text, DTable &dTab, Messages &messages)
         dTab.dMaxRes = std::max({dTab.dMaxRes, obs.resIDI, obs.resIDJ});
         pairs += possiblePairs(obs);
     }
-    return allocateWork(dTab, pairs, messages) != Status::ok ? Status::failed : status;
+    return boundPairs(dTab, pairs, messages) != Status::ok ? Status::failed : status;
 }
 
 /// Resolves one side. Returns how many atoms there are; the record takes maxPairAtoms of them, and `count` is
@@ -279,24 +275,20 @@ void setDI(DInfo &obs, DInfo &calc, int allowFixedDI, Messages &messages)
 
 } // namespace
 
-void dTensorNull(DTensor *tInfo)
+std::optional<DTable> copyTable(const DTable &dTab, Messages &messages)
 {
-    *tInfo = DTensor{};
-}
-
-void dTabFree(DTable *dTab)
-{
-    *dTab = DTable{};
-}
-
-void dTensorCopy(DTensor &tInfoA, const DTensor &tInfoB)
-{
-    const DTensor kept = tInfoA;
-    tInfoA = tInfoB;
-    tInfoA.rh = kept.rh;
-    tInfoA.rhMin = kept.rhMin;
-    tInfoA.rhMax = kept.rhMax;
-    tInfoA.rhFlag = kept.rhFlag;
+    DTable copy;
+    if (dTab.dCount != 0 && addRows(copy, dTab.observed().size(), messages) != Status::ok)
+        return std::nullopt;
+    std::ranges::copy(dTab.observed(), copy.observed().begin());
+    std::ranges::copy(dTab.calculated(), copy.calculated().begin());
+    copy.dTensor = dTab.dTensor;
+    copy.maxCount = dTab.maxCount;
+    copy.dMinRes = dTab.dMinRes;
+    copy.dMaxRes = dTab.dMaxRes;
+    copy.nullChainName = dTab.nullChainName;
+    copy.nullSegName = dTab.nullSegName;
+    return copy;
 }
 
 int shiftedRes(int resID, std::int64_t offset)
@@ -363,7 +355,7 @@ Status addRows(DTable &dTab, std::size_t count, Messages &messages)
     const auto pairs = static_cast<std::size_t>(dTab.maxCount) + count; // one for each row that is added
     if (!dTab.dObsList.grow("dc", rows) || !dTab.dCalcList.grow("dc", rows))
         return messages.fail("DC Error Allocating DC Values.\n");
-    if (allocateWork(dTab, pairs, messages) != Status::ok)
+    if (boundPairs(dTab, pairs, messages) != Status::ok)
         return Status::failed;
     dTab.dCount = static_cast<int>(rows);
     return Status::ok;

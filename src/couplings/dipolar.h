@@ -9,6 +9,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -92,8 +93,7 @@ struct DTable {
     /// The residues of the rows. They are searched for from 1000000 down and from 0 up: without a row between
     /// these limits they stay there.
     int dMinRes = 0, dMaxRes = 0;
-    Block<float> work; ///< entries of a fit, 12 * maxCount + 12 floats: 10 lists and room
-    FitWork fitWork;   ///< what the fits of this table keep
+    FitWork fitWork;                        ///< what the fits of this table keep
     int nullChainName = 1, nullSegName = 1; ///< 1 until a row names a chain or segment
 
     [[nodiscard]] std::span<DInfo> observed()
@@ -120,12 +120,8 @@ inline bool takesPart(const DInfo &calc)
     return calc.valid != 0 && calc.w != 0.0f;
 }
 
-/// Restores the defaults of a tensor or a table, which gives back what it owns.
-void dTensorNull(DTensor *tInfo);
-void dTabFree(DTable *dTab);
-
-/// A tensor's values from B to A; rh, its bounds and rhFlag are not copied.
-void dTensorCopy(DTensor &tInfoA, const DTensor &tInfoB);
+/// A copy of a table. Nothing after a message without memory.
+std::optional<DTable> copyTable(const DTable &dTab, Messages &messages);
 
 /// Reads a coupling file. An empty name or "None" leaves the table alone. Fails after a message: for a table
 /// that cannot be read, a number column that holds text or a value that is not finite, a negative DD, no

@@ -9,7 +9,7 @@
 namespace trelm {
 namespace {
 
-/// The workspace of a table, cut into arrays of maxCount values each.
+/// The entries of a fit, cut into arrays of maxCount values each.
 struct Slices {
     std::span<float> xI, yI, zI, xJ, yJ, zJ;
     std::span<float> diBack; ///< constants for back-calculation
@@ -24,15 +24,18 @@ FitVectors firstEntries(const Slices &s, std::span<float> di, std::size_t count)
             s.zJ.first(count), di.first(count),   s.d.first(count),  s.sigma.first(count)};
 }
 
-/// Zeroes the workspace and cuts it. Returns false if the table has none.
-bool cutWork(DTable &dTab, Slices &s)
+/// Zeroes the entries and cuts them. Returns false without memory.
+bool cutEntries(const DTable &dTab, FitWork &work, Slices &s)
 {
-    const auto size = static_cast<std::size_t>(dTab.maxCount);
-    std::span<float> rest = dTab.work.span();
     std::span<float> *const slices[] = {&s.xI, &s.yI,     &s.zI,    &s.xJ, &s.yJ,
                                         &s.zJ, &s.diBack, &s.diFit, &s.d,  &s.sigma};
-    if (dTab.maxCount < 0 || rest.size() < size * std::size(slices))
+    const auto size = static_cast<std::size_t>(dTab.maxCount);
+    const std::size_t length = size * std::size(slices);
+    if (work.entries.length() < length)
+        work.entries = Block<float>("dc", length);
+    if (work.entries.length() < length)
         return false;
+    std::span<float> rest = work.entries.span().first(length);
     std::ranges::fill(rest, 0.0f);
     for (std::span<float> *slice : slices) {
         *slice = rest.first(size);
@@ -60,8 +63,9 @@ void addPair(const Slices &s, std::size_t k, const AtomInfo &atomI, const AtomIn
 }
 
 /// Writes the entries of one row from place k on.
-void putRow(const Slices &s, std::size_t k, const DInfo &obs, const DInfo &calc)
+void putRow(const Slices &s, std::size_t k, const FitInput &input, std::size_t row)
 {
+    const DInfo &calc = input.dTab.dCalcList[row];
     const bool single = calc.atomICount * calc.atomJCount == 1;
     const bool mean = calc.atomICount * calc.atomJCount == 3;
     const std::size_t entries = entryCount(calc);
@@ -69,8 +73,8 @@ void putRow(const Slices &s, std::size_t k, const DInfo &obs, const DInfo &calc)
         s.diBack[k + i] = calc.di;
         // Rows of several pairs hold no coupling of one vector: constant 0 makes their target 0.
         s.diFit[k + i] = single || mean ? calc.di : 0.0f;
-        s.d[k + i] = obs.d;
-        s.sigma[k + i] = obs.sigma;
+        s.d[k + i] = input.columns.d[row];
+        s.sigma[k + i] = input.columns.sigma[row];
     }
     std::size_t place = k;
     for (const AtomInfo *atomI : calc.atomsI())
@@ -86,61 +90,87 @@ struct Filled {
     int rows = 0;            ///< of the table
 };
 
-Filled putRows(const DTable &dTab, const Slices &s)
+/// Calls `visit` with each row in use that has room, and the place of its entries.
+template <class Visit>
+Filled forEachRow(const FitInput &input, std::size_t room, Visit visit)
 {
     Filled filled;
-    for (std::size_t i = 0; i < dTab.calculated().size(); ++i) {
-        const DInfo &calc = dTab.calculated()[i];
-        if (!takesPart(calc) || filled.entries + entryCount(calc) > s.d.size())
+    for (std::size_t row = 0; row < input.columns.use.size(); ++row) {
+        const std::size_t entries = entryCount(input.dTab.dCalcList[row]);
+        if (input.columns.use[row] == 0 || filled.entries + entries > room)
             continue;
-        putRow(s, filled.entries, dTab.observed()[i], calc);
-        filled.entries += entryCount(calc);
+        visit(row, filled.entries, entries);
+        filled.entries += entries;
         ++filled.rows;
     }
     return filled;
 }
 
-/// The couplings back to the rows, in the order in which putRows went. The other rows keep theirs: in a table
-/// of several media the fits of one medium leave those of the others alone.
-void takeRows(DTable &dTab, const Slices &s)
+Filled putRows(const FitInput &input, const Slices &s)
 {
-    std::size_t k = 0;
-    for (DInfo &calc : dTab.calculated()) {
-        const std::size_t entries = entryCount(calc);
-        if (!takesPart(calc) || k + entries > s.d.size())
-            continue;
-        calc.d = 0.0f;
-        for (float value : s.d.subspan(k, entries))
-            calc.d += value;
-        k += entries;
-    }
+    return forEachRow(input, s.d.size(),
+                      [&](std::size_t row, std::size_t k, std::size_t) { putRow(s, k, input, row); });
+}
+
+/// The couplings back to the rows. The others keep theirs: in a table of several media the fits of one medium
+/// leave those of the others alone.
+void takeRows(const FitInput &input, const Slices &s, FitResult &result)
+{
+    forEachRow(input, s.d.size(), [&](std::size_t row, std::size_t k, std::size_t entries) {
+        result.calculated[row] = 0.0f;
+        for (const float value : s.d.subspan(k, entries))
+            result.calculated[row] += value;
+    });
 }
 
 /// The couplings of a tensor into the rows, as findD and takeRows.
-void calculateRows(const RepeatedFit &fit, const SaupeValues &saupe, DTable &dTab)
+void calculateRows(const RepeatedFit &fit, FitResult &result)
 {
-    std::size_t k = 0;
-    while (k < fit.rows.size()) {
-        const int row = fit.rows[k];
-        DInfo &calc = dTab.dCalcList[static_cast<std::size_t>(row)];
-        calc.d = 0.0f;
-        for (; k < fit.rows.size() && fit.rows[k] == row; ++k) {
-            float sum = 0.0f;
-            for (std::size_t j = 0; j < saupe.size(); ++j)
-                sum += fit.entries[k].terms[j] * saupe[j];
-            calc.d += sum * fit.entries[k].scale;
-        }
+    const SaupeValues &saupe = result.tensor.saupe;
+    for (const int row : fit.rows)
+        result.calculated[static_cast<std::size_t>(row)] = 0.0f;
+    for (std::size_t k = 0; k < fit.rows.size(); ++k) {
+        float sum = 0.0f;
+        for (std::size_t j = 0; j < saupe.size(); ++j)
+            sum += fit.entries[k].terms[j] * saupe[j];
+        result.calculated[static_cast<std::size_t>(fit.rows[k])] += sum * fit.entries[k].scale;
     }
 }
 
 /// Couplings, errors or a tensor near the end of the range of single precision: no result is worth writing.
-std::optional<int> checkTensor(const DTensor &tensor, int used, Messages &messages)
+Status checkTensor(const DTensor &tensor, Messages &messages)
 {
     if (std::ranges::all_of(tensor.saupe, [](float element) { return std::isfinite(element); }))
-        return used;
-    messages.err(
+        return Status::ok;
+    return messages.fail(
         "DC Error: the order matrix is no finite number: look at D, DD, W and the tensor options.\n");
-    return std::nullopt;
+}
+
+Status noRoom(Messages &messages)
+{
+    return messages.fail("DC Error Allocating DC Workspaces.\n");
+}
+
+/// The linear engine.
+Status fitDSVD(const FitInput &input, FitWork &work, FitResult &result, Messages &messages)
+{
+    DTensor &tensor = result.tensor;
+    const bool fit = tensor.tensorMode == tensorSvd;
+    tensor.saupe = fit ? SaupeValues{} : tensor.userSaupe;
+    Slices slices;
+    if (!cutEntries(input.dTab, work, slices))
+        return noRoom(messages);
+    const Filled filled = putRows(input, slices);
+    // Too few couplings leave a zero tensor, and then zero couplings: that is an answer, not a failure.
+    if (fit && findS(firstEntries(slices, slices.diFit, filled.entries), tensor.saupe, work, messages) ==
+                   Status::failed)
+        return Status::failed;
+    findD(firstEntries(slices, slices.diBack, filled.entries), tensor.saupe);
+    if (tensor.eulerFlag != 0)
+        solveEuler(tensor);
+    takeRows(input, slices, result);
+    result.used = filled.rows;
+    return Status::ok;
 }
 
 } // namespace
@@ -154,56 +184,70 @@ void solveEuler(DTensor &tensor)
     tensor.phiList = lists.phi;
 }
 
-std::optional<int> fitD(PDBInfo *pdbInfo, DTable &dTab, int verbose, Messages &messages)
+void takeColumns(const DTable &dTab, FitColumns &columns)
 {
-    std::optional<int> used = 0;
-    switch (dTab.dTensor.tensorMode) {
+    const std::size_t rows = dTab.observed().size();
+    columns.d.resize(rows);
+    columns.sigma.resize(rows);
+    columns.use.resize(rows);
+    std::ranges::transform(dTab.observed(), columns.d.begin(), &DInfo::d);
+    std::ranges::transform(dTab.observed(), columns.sigma.begin(), &DInfo::sigma);
+    std::ranges::transform(dTab.calculated(), columns.use.begin(),
+                           [](const DInfo &calc) { return takesPart(calc) ? 1 : 0; });
+}
+
+FitResult startOf(const DTable &dTab)
+{
+    FitResult result = {.tensor = dTab.dTensor, .calculated = {}};
+    for (const DInfo &calc : dTab.calculated())
+        result.calculated.push_back(calc.d);
+    return result;
+}
+
+Status fitColumns(const FitInput &input, FitWork &work, FitResult &result, Messages &messages)
+{
+    result.used = 0;
+    Status status = Status::ok;
+    switch (result.tensor.tensorMode) {
     case tensorSvd:
     case tensorSaupe:
     case tensorGiven:
     case tensorGivenToo:
-        used = fitDSVD(dTab, messages);
+        status = fitDSVD(input, work, result, messages);
         break;
     case tensorNofixed:
     case tensorDaDr:
     case tensorFixed:
     case tensorFreeToo:
-        if (pdbInfo != nullptr)
-            used = fitDCAlign(*pdbInfo, dTab, verbose, messages);
+        if (input.pdbInfo != nullptr)
+            status = fitDCAlign(*input.pdbInfo, input, work, result, messages);
         break;
     default:
         break;
     }
-    return used ? checkTensor(dTab.dTensor, *used, messages) : std::nullopt;
+    return status == Status::ok ? checkTensor(result.tensor, messages) : status;
 }
 
-std::optional<int> fitDSVD(DTable &dTab, Messages &messages)
+std::optional<int> fitD(const PDBInfo *pdbInfo, DTable &dTab, int verbose, Messages &messages)
 {
-    DTensor &tensor = dTab.dTensor;
-    const bool fit = tensor.tensorMode == tensorSvd;
-    tensor.saupe = fit ? SaupeValues{} : tensor.userSaupe;
-    Slices slices;
-    if (!cutWork(dTab, slices))
-        return 0;
-    const Filled filled = putRows(dTab, slices);
-    // Too few couplings leave a zero tensor, and then zero couplings: that is an answer, not a failure.
-    if (fit && findS(firstEntries(slices, slices.diFit, filled.entries), tensor.saupe, dTab.fitWork,
-                     messages) == Status::failed)
-        return std::nullopt;
-    findD(firstEntries(slices, slices.diBack, filled.entries), tensor.saupe);
-    if (tensor.eulerFlag != 0)
-        solveEuler(tensor);
-    takeRows(dTab, slices);
-    return filled.rows;
+    FitColumns columns;
+    takeColumns(dTab, columns);
+    FitResult result = startOf(dTab);
+    const Status status = fitColumns({pdbInfo, dTab, columns, verbose}, dTab.fitWork, result, messages);
+    dTab.dTensor = result.tensor;
+    for (std::size_t row = 0; row < result.calculated.size(); ++row)
+        dTab.dCalcList[row].d = result.calculated[row];
+    return status == Status::ok ? std::optional(result.used) : std::nullopt;
 }
 
-void prepareRepeatedFit(DTable &dTab, RepeatedFit &fit)
+void prepareRepeatedFit(const FitInput &input, const DTensor &tensor, RepeatedFit &fit)
 {
     fit = RepeatedFit{};
+    FitWork work;
     Slices slices;
-    if (dTab.dTensor.tensorMode != tensorSvd || !cutWork(dTab, slices))
+    if (tensor.tensorMode != tensorSvd || !cutEntries(input.dTab, work, slices))
         return;
-    const Filled filled = putRows(dTab, slices);
+    const Filled filled = putRows(input, slices);
     const std::size_t count = filled.entries;
     fit.used = filled.rows;
     const FitVectors vectors = firstEntries(slices, slices.diFit, count);
@@ -214,28 +258,28 @@ void prepareRepeatedFit(DTable &dTab, RepeatedFit &fit)
         for (const float term : terms)
             fit.x.push_back(scale.design * term);
     }
-    for (int row = 0; row < dTab.dCount; ++row) {
-        const DInfo &calc = dTab.dCalcList[static_cast<std::size_t>(row)];
-        if (takesPart(calc) && fit.rows.size() + entryCount(calc) <= slices.d.size())
-            fit.rows.insert(fit.rows.end(), entryCount(calc), row);
-    }
+    forEachRow(input, slices.d.size(), [&](std::size_t row, std::size_t, std::size_t entries) {
+        fit.rows.insert(fit.rows.end(), entries, static_cast<int>(row));
+    });
     fit.y.resize(count);
     fit.isUsable = count >= fewestCouplings;
 }
 
-std::optional<int> refitD(RepeatedFit &fit, PDBInfo *pdbInfo, DTable &dTab, int verbose, Messages &messages)
+Status refitColumns(RepeatedFit &fit, const FitInput &input, FitWork &work, FitResult &result,
+                    Messages &messages)
 {
     if (!fit.isUsable)
-        return fitD(pdbInfo, dTab, verbose, messages);
-    DTensor &tensor = dTab.dTensor;
+        return fitColumns(input, work, result, messages);
+    DTensor &tensor = result.tensor;
     for (std::size_t k = 0; k < fit.entries.size(); ++k)
-        fit.y[k] = fit.entries[k].toFit * dTab.dObsList[static_cast<std::size_t>(fit.rows[k])].d;
+        fit.y[k] = fit.entries[k].toFit * input.columns.d[static_cast<std::size_t>(fit.rows[k])];
     if (svdLSMat(fit.x, fit.y, tensor.saupe, fit.svd) != Status::ok)
-        return std::nullopt;
+        return Status::failed;
     if (tensor.eulerFlag != 0)
         solveEuler(tensor);
-    calculateRows(fit, tensor.saupe, dTab);
-    return checkTensor(tensor, fit.used, messages);
+    calculateRows(fit, result);
+    result.used = fit.used;
+    return checkTensor(tensor, messages);
 }
 
 } // namespace trelm

@@ -25,17 +25,49 @@ struct FitVectors {
     std::span<const float> dSigma;
 };
 
-/// Fits or back-calculates by the tensor's `tensorMode`: the calculated couplings go to dCalcList, the tensor
-/// to dTensor. `verbose` above 1 tells about the non-linear path. Returns the number of couplings used, or
-/// nothing after a message: no memory for the fit, or a result that is no finite number.
-std::optional<int> fitD(PDBInfo *pdbInfo, DTable &dTab, int verbose, Messages &messages);
+/// What a fit goes by, one value for each row of a table: what was measured, or what stands for it.
+struct FitColumns {
+    std::vector<float> d, sigma;    ///< coupling and its error, Hz
+    std::vector<unsigned char> use; ///< 1 if the row takes part
+};
 
-/// The two engines: linear least squares (or no fit at all, for a given Saupe vector), and
+/// The columns of a table as it is.
+void takeColumns(const DTable &dTab, FitColumns &columns);
+
+/// A fit: the tensor that it starts from and finds, and the couplings of that.
+struct FitResult {
+    DTensor tensor;
+    std::vector<float> calculated; ///< by row of the table, Hz; rows that take no part keep theirs
+    int used = 0;                  ///< couplings that were fitted
+};
+
+/// The tensor and the calculated couplings of a table, to start a fit from.
+FitResult startOf(const DTable &dTab);
+
+/// What is fitted. The rows of the table tell atoms and constants, the columns tell the rest.
+struct FitInput {
+    const PDBInfo *pdbInfo; ///< null: no structure, and no non-linear fit
+    const DTable &dTab;
+    const FitColumns &columns;
+    int verbose = 0; ///< above 1 the non-linear path is told
+};
+
+/// Fits or back-calculates by the `tensorMode` of the result's tensor. Fails after a message: no memory, or a
+/// result that is no finite number.
+///
+/// There are two engines: linear least squares (or no fit at all, for a given Saupe vector), and
 /// Levenberg-Marquardt over rotation, Da and Dr. The second starts from the tensor as it is, so repeated fits
 /// go on from the last answer, and without a coupling that answer stays. Its Saupe vector is that of the
 /// first Euler solution, and shares what rot2euler says about theta = +-90.
-std::optional<int> fitDSVD(DTable &dTab, Messages &messages);
-std::optional<int> fitDCAlign(PDBInfo &pdbInfo, DTable &dTab, int verbose, Messages &messages);
+Status fitColumns(const FitInput &input, FitWork &work, FitResult &result, Messages &messages);
+
+/// The non-linear engine.
+Status fitDCAlign(const PDBInfo &pdbInfo, const FitInput &input, FitWork &work, FitResult &result,
+                  Messages &messages);
+
+/// Fits a table as it is: the tensor and the calculated rows take the result. Returns the number of couplings
+/// used, or nothing after a message.
+std::optional<int> fitD(const PDBInfo *pdbInfo, DTable &dTab, int verbose, Messages &messages);
 
 /// Least-squares Saupe vector. `noSolution` with zeros for fewer than five entries, `failed` with zeros and
 /// after a message without memory. Source: Losonczi et al., J. Magn. Reson. 138 (1999) 334.
@@ -67,14 +99,15 @@ struct RepeatedFit {
     std::vector<int> rows;   ///< row of the table of each entry; rows rise
     std::vector<float> x, y; ///< weighted design matrix and right-hand side
     int used = 0;            ///< rows that take part
-    bool isUsable = false;   ///< the table is one for linear fits
+    bool isUsable = false;   ///< the fits are linear ones
     SvdWork svd;
 };
 
-/// Takes over from a table that fitD has just fitted.
-void prepareRepeatedFit(DTable &dTab, RepeatedFit &fit);
+/// Prepares fits with this kind of tensor. Without memory `fit` is left as one that is not usable.
+void prepareRepeatedFit(const FitInput &input, const DTensor &tensor, RepeatedFit &fit);
 
-/// As fitD, to the bit.
-std::optional<int> refitD(RepeatedFit &fit, PDBInfo *pdbInfo, DTable &dTab, int verbose, Messages &messages);
+/// As fitColumns, to the bit.
+Status refitColumns(RepeatedFit &fit, const FitInput &input, FitWork &work, FitResult &result,
+                    Messages &messages);
 
 } // namespace trelm

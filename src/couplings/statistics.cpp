@@ -92,27 +92,21 @@ Regression regress(std::span<const float> x, std::span<const float> y)
     return result;
 }
 
-int getStatDC(std::span<const DInfo> dObsList, std::span<const DInfo> dCalcList, float &rSumD, float &pSumD,
-              int &nD)
+Misfit getStatDC(const DTable &dTab, const FitColumns &columns, std::span<const float> calculated)
 {
-    rSumD = pSumD = 0.0f;
-    nD = 0;
-    int measured = 0;
-    for (std::size_t i = 0; i < dObsList.size(); ++i) {
-        const DInfo &o = dObsList[i];
-        const DInfo &c = dCalcList[i];
-        if (o.valid == 0 || o.d > maxCoupling)
+    Misfit misfit;
+    for (std::size_t i = 0; i < calculated.size(); ++i) {
+        const bool isMeasured = dTab.dObsList[i].valid != 0 && !(columns.d[i] > maxCoupling);
+        if (!isMeasured || columns.use[i] == 0 || calculated[i] > maxCoupling)
             continue;
-        ++measured;
-        if (c.valid == 0 || c.d > maxCoupling)
-            continue;
-        const float diff = o.d - c.d;
-        rSumD += squared(diff) * squared(c.w);
-        pSumD += squared(o.sigma != 0.0f ? diff / o.sigma : diff);
-        ++nD;
+        const float diff = columns.d[i] - calculated[i], sigma = columns.sigma[i];
+        misfit.rSumD += squared(diff) * squared(dTab.dCalcList[i].w);
+        misfit.pSumD += squared(sigma != 0.0f ? diff / sigma : diff);
+        ++misfit.nD;
     }
-    rSumD = nD > 0 ? std::sqrt(rSumD / static_cast<float>(nD)) : 0.0f;
-    return measured;
+    if (misfit.nD > 0)
+        misfit.rSumD = std::sqrt(misfit.rSumD / static_cast<float>(misfit.nD));
+    return misfit;
 }
 
 Status getStatDCmod(const DTable &dTab, DcStatistics &stat, Messages &messages)

@@ -10,16 +10,20 @@
 #pragma once
 
 #include "couplings/dipolar.h"
+#include "couplings/fit.h"
 #include "support/numerics/statistics.h"
 
 #include <span>
 
 namespace trelm {
 
-/// Quick statistics: rSumD the root of the mean of weighted squared differences (Hz), pSumD the sum of
-/// squared differences over errors, nD the pairs behind both. Returns the number of measured couplings.
-int getStatDC(std::span<const DInfo> dObsList, std::span<const DInfo> dCalcList, float &rSumD, float &pSumD,
-              int &nD);
+/// Quick statistics of a fit.
+struct Misfit {
+    float rSumD = 0.0f; ///< root of the mean of weighted squared differences, Hz
+    float pSumD = 0.0f; ///< sum of squared differences over errors
+    int nD = 0;         ///< pairs behind both
+};
+Misfit getStatDC(const DTable &dTab, const FitColumns &columns, std::span<const float> calculated);
 
 /// Correlation and regressions of two equally long lists, without errors. What has no value is 0.
 struct Regression {

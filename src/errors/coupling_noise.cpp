@@ -1,6 +1,5 @@
 #include "errors/coupling_noise.h"
 
-#include "couplings/fit.h"
 #include "support/numerics/numbers.h"
 #include "support/numerics/random.h"
 #include "support/text/text.h"
@@ -18,45 +17,34 @@ struct NoiseRun {
     const CouplingNoiseOptions &options;
     Messages &messages;
     CouplingNoiseResult &result;
-    RepeatedFit fit;
+    RepeatedFit repeated;
     RandomStream random = RandomStream();
 
-    [[nodiscard]] DTable &dTab() const { return input.dTab; }
-    [[nodiscard]] std::size_t rows() const { return static_cast<std::size_t>(dTab().dCount); }
-    [[nodiscard]] bool isValid(std::size_t i) const { return dTab().dCalcList[i].valid != 0; }
+    [[nodiscard]] std::size_t rows() const { return input.dTab.observed().size(); }
+    [[nodiscard]] bool isValid(std::size_t i) const { return input.dTab.dCalcList[i].valid != 0; }
+    [[nodiscard]] bool isUsed(std::size_t i) const { return result.fit.columns.use[i] != 0; }
+    [[nodiscard]] const DInfo &measured(std::size_t i) const { return input.dTab.dObsList[i]; }
+    [[nodiscard]] float calculated(std::size_t i) const { return result.fit.last.calculated[i]; }
 };
-
-/// Keeps what was measured. Returns the number of couplings in use.
-int keepMeasured(NoiseRun &run)
-{
-    int used = 0;
-    for (std::size_t i = 0; i < run.rows(); ++i) {
-        if (!run.isValid(i))
-            continue;
-        run.result.dVal[i] = run.dTab().dObsList[i].d;
-        run.result.dSigma[i] = run.dTab().dObsList[i].sigma;
-        ++used;
-    }
-    return used;
-}
 
 void scaleErrors(NoiseRun &run)
 {
     for (std::size_t i = 0; i < run.rows(); ++i)
         if (run.isValid(i))
-            run.result.dSigmaOpt[i] = run.result.dSigma[i] * run.result.kSigma;
+            run.result.dSigmaOpt[i] = run.measured(i).sigma * run.result.kSigma;
 }
 
 /// Noise of half the error in use, onto what was measured, and a fit. Fails after a message.
 Status fitNoisy(NoiseRun &run)
 {
+    MappingFit &fit = run.result.fit;
     for (std::size_t i = 0; i < run.rows(); ++i)
         if (run.isValid(i))
-            run.dTab().dObsList[i].d = static_cast<float>(
-                run.random.gauss() * number(run.result.dSigmaOpt[i]) * 0.5 + number(run.result.dVal[i]));
+            fit.columns.d[i] = static_cast<float>(run.random.gauss() * number(run.result.dSigmaOpt[i]) * 0.5 +
+                                                  number(run.measured(i).d));
     const MappingInput &input = run.input;
-    return refitD(run.fit, &input.pdbInfo, input.dTab, input.verbose, run.messages) ? Status::ok
-                                                                                    : Status::failed;
+    return refitColumns(run.repeated, {&input.pdbInfo, input.dTab, fit.columns, input.verbose}, fit.work,
+                        fit.last, run.messages);
 }
 
 /// Whether all calculated couplings lie within the errors in use; counts those that do not. A row of weight 0
@@ -65,10 +53,10 @@ bool isWithinErrors(NoiseRun &run)
 {
     bool isWithin = true;
     for (std::size_t i = 0; i < run.rows(); ++i) {
-        if (!takesPart(run.dTab().dCalcList[i]))
+        if (!run.isUsed(i))
             continue;
-        const double value = number(run.result.dVal[i]), sigma = number(run.result.dSigmaOpt[i]);
-        const double calculated = number(run.dTab().dCalcList[i].d);
+        const double value = number(run.measured(i).d), sigma = number(run.result.dSigmaOpt[i]);
+        const double calculated = number(run.calculated(i));
         if (calculated >= value - sigma && calculated <= value + sigma)
             continue;
         ++run.result.countFail[i];
@@ -96,11 +84,9 @@ Status checkErrors(NoiseRun &run, int nAdjust)
     if (run.options.mapMode == 0 || nAdjust < 0)
         return Status::ok;
     int missed = 0;
-    for (std::size_t i = 0; i < run.rows(); ++i) {
-        const DInfo &calculated = run.dTab().dCalcList[i];
-        if (takesPart(calculated) && run.result.dSigma[i] == 0.0f && calculated.d != run.result.dVal[i])
+    for (std::size_t i = 0; i < run.rows(); ++i)
+        if (run.isUsed(i) && run.measured(i).sigma == 0.0f && run.calculated(i) != run.measured(i).d)
             ++missed;
-    }
     if (missed == 0)
         return Status::ok;
     return run.messages.fail(
@@ -183,7 +169,7 @@ Status setErrors(NoiseRun &run)
 bool isAccepted(NoiseRun &run)
 {
     bool isGood = isWithinErrors(run);
-    const DTensor &dTensor = run.dTab().dTensor;
+    const DTensor &dTensor = run.result.fit.last.tensor;
     for (std::size_t j = 0; j < static_cast<std::size_t>(dTensor.eulerCount); ++j) {
         if (!eulerSolution(dTensor, j).isZero())
             continue;
@@ -201,12 +187,12 @@ Status sampleOnce(NoiseRun &run, const MappingWatch &watch, int n)
         return Status::failed;
     if (run.options.mapMode != 0 && !isAccepted(run))
         return Status::ok;
-    if (takeSample(run.result.samples, run.input, n, watch, run.messages) != Status::ok)
+    if (takeSample(run.result.samples, run.input, run.result.fit, n, watch, run.messages) != Status::ok)
         return Status::failed;
     for (std::size_t i = 0; i < run.rows(); ++i) {
-        if (!takesPart(run.dTab().dCalcList[i]))
+        if (!run.isUsed(i))
             continue;
-        const float d = run.dTab().dCalcList[i].d;
+        const float d = run.calculated(i);
         run.result.mean[i] += d;
         run.result.deviation[i] += d * d;
     }
@@ -226,21 +212,18 @@ void averageCouplings(CouplingNoiseResult &result)
     }
 }
 
-void restoreMeasured(NoiseRun &run)
-{
-    for (std::size_t i = 0; i < run.rows(); ++i)
-        if (run.isValid(i))
-            run.dTab().dObsList[i].d = run.result.dVal[i];
-}
-
 /// The fit that is mapped. Fails after a message.
 Status fitMeasured(NoiseRun &run)
 {
-    if (fitTable(run.input, run.messages) != Status::ok)
+    MappingFit &fit = run.result.fit;
+    if (fitTable(run.input, fit, run.messages) != Status::ok)
         return Status::failed;
-    prepareRepeatedFit(run.dTab(), run.fit);
-    run.result.samples.orig = eulerSolution(run.dTab().dTensor, 0);
-    const int used = keepMeasured(run);
+    prepareRepeatedFit({&run.input.pdbInfo, run.input.dTab, fit.columns, run.input.verbose}, fit.last.tensor,
+                       run.repeated);
+    run.result.samples.orig = eulerSolution(fit.last.tensor, 0);
+    int used = 0;
+    for (std::size_t i = 0; i < run.rows(); ++i)
+        used += run.isValid(i) ? 1 : 0;
     if (used < static_cast<int>(fewestCouplings))
         return run.messages.fail("TRELM Error: Only %d couplings available. Exiting ....\n", used);
     return Status::ok;
@@ -249,14 +232,13 @@ Status fitMeasured(NoiseRun &run)
 } // namespace
 
 CouplingNoiseResult::CouplingNoiseResult(std::size_t rows)
-    : mean("trelm", rows), deviation("trelm", rows), dVal("trelm", rows), dSigma("trelm", rows),
-      dSigmaOpt("trelm", rows), countFail("trelm", rows)
+    : mean("trelm", rows), deviation("trelm", rows), dSigmaOpt("trelm", rows), countFail("trelm", rows)
 {
 }
 
 CouplingNoiseResult::operator bool() const
 {
-    return mean && deviation && dVal && dSigma && dSigmaOpt && countFail && samples.store;
+    return mean && deviation && dSigmaOpt && countFail && samples.store;
 }
 
 Status mapSimDC(const MappingInput &input, const CouplingNoiseOptions &options, const MappingWatch &watch,
@@ -270,7 +252,6 @@ Status mapSimDC(const MappingInput &input, const CouplingNoiseOptions &options, 
         return Status::failed;
     averageSamples(result.samples);
     averageCouplings(result);
-    restoreMeasured(run);
     return compareWithMean(result.samples, input.fit, messages);
 }
 

@@ -13,10 +13,10 @@ struct CouplingNoiseResult {
     [[nodiscard]] explicit operator bool() const;
 
     Block<float> mean, deviation; ///< calculated coupling over the samples, Hz; 0 without any
-    Block<float> dVal, dSigma;    ///< coupling and error as measured, Hz
     Block<float> dSigmaOpt;       ///< error in use, Hz
     Block<int> countFail;         ///< fits that missed the coupling
     TensorSamples samples;
+    MappingFit fit;      ///< the last noisy one
     float kSigma = 1.0f; ///< scale of the errors in use
 };
 
@@ -25,8 +25,7 @@ struct CouplingNoiseResult {
 /// the scale of the errors at which enough of the fits are kept. The noise is that of gauss, which no option
 /// seeds: two runs have the same. The tensor is not reset between the fits, so those of -nofixed and -dadr go
 /// on from the last one.
-/// The measured couplings are back at the end of a run without failure, while the tensor and the calculated
-/// couplings are left as the last noisy fit had them. No scale is searched where the fit misses a coupling
+/// No scale is searched where the fit misses a coupling
 /// without an error. A fit that leaves Euler solution j (from 0) at three zero angles is dropped as well, and
 /// counted at row j of the table, whatever coupling that is. Fails after a message.
 Status mapSimDC(const MappingInput &input, const CouplingNoiseOptions &options, const MappingWatch &watch,

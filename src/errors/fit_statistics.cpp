@@ -92,18 +92,19 @@ Status statDC(const DTable &dTab, std::string &result, Messages &messages)
     return Status::ok;
 }
 
-int selectDcFrac(RandomStream &random, DTable *dTab, float frac, int fixed, Messages &messages)
+int selectDcFrac(RandomStream &random, std::span<unsigned char> marks, float frac, int fixed,
+                 Messages &messages)
 {
     std::vector<std::size_t> indexTab;
     try {
-        indexTab.reserve(static_cast<std::size_t>(dTab->dCount));
+        indexTab.reserve(marks.size());
     } catch (const std::bad_alloc &) { // the callers know no way to go on without a selection
         endWithoutMemory("allocation failure for indexTab", messages);
     }
-    for (std::size_t i = 0; i < static_cast<std::size_t>(dTab->dCount); ++i) {
-        if (dTab->dCalcList[i].valid == 0)
+    for (std::size_t i = 0; i < marks.size(); ++i) {
+        if (marks[i] == 0)
             continue;
-        dTab->dCalcList[i].valid = 0;
+        marks[i] = 0;
         indexTab.push_back(i);
     }
     const float wanted = fixed != 0 ? frac : static_cast<float>(indexTab.size()) * frac;
@@ -112,10 +113,10 @@ int selectDcFrac(RandomStream &random, DTable *dTab, float frac, int fixed, Mess
     const std::size_t target =
         wanted >= static_cast<float>(indexTab.size()) ? indexTab.size() : static_cast<std::size_t>(wanted);
     for (std::size_t count = 0; count < target;) {
-        int &valid = dTab->dCalcList[indexTab[drawPlace(random, indexTab.size())]].valid;
-        if (valid != 0)
+        unsigned char &mark = marks[indexTab[drawPlace(random, indexTab.size())]];
+        if (mark != 0)
             continue; // drawn before
-        valid = 1;
+        mark = 1;
         ++count;
     }
     return static_cast<int>(target);

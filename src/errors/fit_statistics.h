@@ -5,6 +5,7 @@
 #include "ground/messages.h"
 #include "support/numerics/random.h"
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -15,9 +16,10 @@ namespace trelm {
 /// of calculated on measured ones. `result` is replaced. Fails after a message if there is no memory.
 Status statDC(const DTable &dTab, std::string &result, Messages &messages);
 
-/// Keeps a random part of the valid calculated couplings: the fraction `frac`, or with `fixed` the number
-/// `frac`. Returns how many were kept. Draws from ran3. Without memory the run ends (OutOfMemory).
-int selectDcFrac(RandomStream &random, DTable *dTab, float frac, int fixed, Messages &messages);
+/// Keeps a random part of the rows that are marked: the fraction `frac`, or with `fixed` the number `frac`.
+/// Returns how many were kept. Draws from ran3. Without memory the run ends (OutOfMemory).
+int selectDcFrac(RandomStream &random, std::span<unsigned char> marks, float frac, int fixed,
+                 Messages &messages);
 
 /// Couplings by residue for random selection.
 struct ResidueCouplings {

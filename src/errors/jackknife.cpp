@@ -1,6 +1,5 @@
 #include "errors/jackknife.h"
 
-#include "couplings/fit.h"
 #include "errors/fit_statistics.h"
 #include "support/numerics/numbers.h"
 
@@ -19,31 +18,28 @@ struct JackknifeRun {
     int nDSel = 0;                        ///< couplings of the last sample
 };
 
-void restoreRows(const JackknifeRun &run)
-{
-    for (std::size_t i = 0; i < run.result.selectTab.length(); ++i)
-        run.input.dTab.dCalcList[i].valid = run.result.selectTab[i];
-}
-
 Status fitAll(JackknifeRun &run)
 {
-    if (fitTable(run.input, run.messages) != Status::ok)
+    if (fitTable(run.input, run.result.fit, run.messages) != Status::ok)
         return Status::failed;
-    run.result.samples.orig = eulerSolution(run.input.dTab.dTensor, 0);
-    std::ranges::transform(run.input.dTab.calculated(), run.result.selectTab.data(), &DInfo::valid);
+    run.result.samples.orig = eulerSolution(run.result.fit.last.tensor, 0);
     return Status::ok;
 }
 
 Status samplePart(JackknifeRun &run, int n)
 {
-    restoreRows(run);
-    run.nDSel =
-        selectDcFrac(run.random, &run.input.dTab, run.options.mapFrac, run.options.mapFixCount, run.messages);
-    if (fitTable(run.input, run.messages) != Status::ok)
+    const auto rows = run.input.dTab.calculated();
+    std::vector<unsigned char> &use = run.result.fit.columns.use;
+    std::ranges::transform(rows, use.begin(), [](const DInfo &calc) { return calc.valid != 0 ? 1 : 0; });
+    run.nDSel = selectDcFrac(run.random, use, run.options.mapFrac, run.options.mapFixCount, run.messages);
+    for (std::size_t i = 0; i < use.size(); ++i)
+        if (rows[i].w == 0.0f) // it can be drawn, and yet is not fitted
+            use[i] = 0;
+    if (fitAgain(run.input, run.result.fit, run.messages) != Status::ok)
         return Status::failed;
-    return isWithoutTensor(run.input.dTab)
+    return isWithoutTensor(run.result.fit.last)
                ? Status::ok
-               : takeSample(run.result.samples, run.input, n, run.watch, run.messages);
+               : takeSample(run.result.samples, run.input, run.result.fit, n, run.watch, run.messages);
 }
 
 void tellParts(const JackknifeRun &run)
@@ -76,7 +72,7 @@ Status aeraSimDC(const MappingInput &input, const JackknifeOptions &options, con
         return Status::failed;
     tellParts(run);
     averageSamples(result.samples);
-    restoreRows(run);
+    takeColumns(input.dTab, result.fit.columns);
     return compareWithMean(result.samples, input.fit, messages);
 }
 

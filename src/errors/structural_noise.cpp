@@ -1,12 +1,13 @@
 #include "errors/structural_noise.h"
 
-#include "couplings/fit.h"
 #include "couplings/statistics.h"
 #include "structure/write.h"
 #include "support/numerics/numbers.h"
 
 #include <algorithm>
+#include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace trelm {
@@ -26,14 +27,19 @@ struct StructuralRun {
     const ResidueOffset &offset;
     Messages &messages;
     StructuralNoiseResult &result;
-    DTensor tInfo = {};                                ///< the tensor before the fits
-    float rSumOrig = 0.0f;                             ///< misfit of the measured couplings, Hz
-    RandomStream random = RandomStream();              ///< the draws do not follow the seed of the run
-    std::vector<DInfo> observed = {}, calculated = {}; ///< the rows before the sampling
+    DTensor tInfo = {};                   ///< the tensor before the fits
+    float rSumOrig = 0.0f;                ///< misfit of the measured couplings, Hz
+    RandomStream random = RandomStream(); ///< the draws do not follow the seed of the run
+    DTable rows = {};                     ///< of a copy of the structure
     std::vector<int> dCalcValid = {};
     std::vector<SavedAtom> atoms = {};
 
-    [[nodiscard]] DTable &dTab() const { return input.dTab; }
+    [[nodiscard]] MappingFit &fit() const { return result.fit; }
+    /// The same mapping, of the copy.
+    [[nodiscard]] MappingInput noisy() const
+    {
+        return {input.pdbInfo, rows, input.fit, input.validCount, input.mapCount, input.verbose};
+    }
 };
 
 void saveAtoms(StructuralRun &run, std::span<AtomInfo *const> atoms)
@@ -42,20 +48,23 @@ void saveAtoms(StructuralRun &run, std::span<AtomInfo *const> atoms)
         run.atoms.push_back({atom, {atom->x, atom->y, atom->z}});
 }
 
-/// Keeps rows and atoms; from here on the calculated couplings stand for the measured ones.
-void keepState(StructuralRun &run)
+/// Keeps the atoms, and makes the rows of the copies, in which the calculated couplings stand for the
+/// measured ones. Fails after a message.
+Status keepState(StructuralRun &run)
 {
-    run.observed.assign(run.dTab().observed().begin(), run.dTab().observed().end());
-    run.calculated.assign(run.dTab().calculated().begin(), run.dTab().calculated().end());
-    for (const DInfo &row : run.calculated) {
-        run.dCalcValid.push_back(row.valid);
-        saveAtoms(run, row.atomsI());
-        saveAtoms(run, row.atomsJ());
+    std::optional<DTable> copy = copyTable(run.input.dTab, run.messages);
+    if (!copy)
+        return Status::failed;
+    run.rows = std::move(*copy);
+    for (std::size_t i = 0; i < run.rows.observed().size(); ++i) {
+        const DInfo &calc = run.input.dTab.dCalcList[i];
+        run.dCalcValid.push_back(calc.valid);
+        saveAtoms(run, calc.atomsI());
+        saveAtoms(run, calc.atomsJ());
+        run.rows.dObsList[i].d = run.fit().last.calculated[i];
+        run.rows.dObsList[i].valid = calc.valid;
     }
-    for (std::size_t i = 0; i < run.observed.size(); ++i) {
-        run.dTab().dObsList[i].d = run.calculated[i].d;
-        run.dTab().dObsList[i].valid = run.calculated[i].valid;
-    }
+    return Status::ok;
 }
 
 /// Structure and calculated rows as they were. Internuclear vectors move the atoms of the couplings alone.
@@ -69,7 +78,7 @@ void restoreStructure(StructuralRun &run)
         saved.atom->z = saved.place.z;
     }
     // With them `valid` comes back, which a row loses in a copy where its atoms were not found again.
-    std::ranges::copy(run.calculated, run.dTab().dCalcList.data());
+    std::ranges::copy(run.input.dTab.calculated(), run.rows.calculated().begin());
 }
 
 /// Noise of the width in use.
@@ -79,20 +88,23 @@ void addNoise(StructuralRun &run)
     inUse.coneWidth = run.result.coneWidth;
     const ConeSetup cone = coneOf(inUse);
     if (run.options.noiseMode != 0)
-        addPdbNoise(&run.input.pdbInfo, &run.dTab(), cone, offsetOf(run.offset), run.dCalcValid, run.random);
+        addPdbNoise(&run.input.pdbInfo, &run.rows, cone, offsetOf(run.offset), run.dCalcValid, run.random);
     else
-        addPhiPsiNoise(run.random, &run.input.pdbInfo, &run.dTab(), cone, run.offset,
+        addPhiPsiNoise(run.random, &run.input.pdbInfo, &run.rows, cone, run.offset,
                        run.input.fit.allowFixedDI, run.messages);
 }
 
 /// A fit to a fresh copy of the structure with noise of the width in use. Fails after a message.
 Status fitNoisy(StructuralRun &run, bool withNoise)
 {
-    dTensorCopy(run.dTab().dTensor, run.tInfo);
+    const float rh = run.fit().last.tensor.rh; // goes on from fit to fit
+    run.fit().last.tensor = run.tInfo;
+    run.fit().last.tensor.rh = rh;
     restoreStructure(run);
     if (withNoise)
         addNoise(run);
-    return fitTable(run.input, run.messages);
+    takeColumns(run.rows, run.fit().columns);
+    return fitAgain(run.noisy(), run.fit(), run.messages);
 }
 
 /// The mean misfit of fits with the width in use; stays as it was without one. Fails after a message.
@@ -103,12 +115,9 @@ Status meanMisfit(StructuralRun &run, double &rSumAve)
     for (int n = 0; n < run.options.nConeAdjust; ++n) {
         if (fitNoisy(run, true) != Status::ok)
             return Status::failed;
-        if (isWithoutTensor(run.dTab()))
+        if (isWithoutTensor(run.fit().last))
             continue;
-        float rSum = 0.0f, pSum = 0.0f;
-        int nD = 0;
-        getStatDC(run.dTab().observed(), run.dTab().calculated(), rSum, pSum, nD);
-        rSumDsum += number(rSum);
+        rSumDsum += number(getStatDC(run.rows, run.fit().columns, run.fit().last.calculated).rSumD);
         ++count;
     }
     if (count != 0)
@@ -196,9 +205,9 @@ Status sampleStructures(StructuralRun &run, const MappingWatch &watch)
         [&](int n) {
             if (fitNoisy(run, result.coneWidth > 0.0) != Status::ok)
                 return Status::failed;
-            return isWithoutTensor(run.dTab())
+            return isWithoutTensor(run.fit().last)
                        ? Status::ok
-                       : takeSample(result.samples, run.input, n, watch, run.messages);
+                       : takeSample(result.samples, run.noisy(), run.fit(), n, watch, run.messages);
         },
         run.messages);
     if (sampled == Status::ok)
@@ -209,12 +218,13 @@ Status sampleStructures(StructuralRun &run, const MappingWatch &watch)
 /// The fit that is mapped.
 Status fitMeasured(StructuralRun &run)
 {
-    dTensorCopy(run.tInfo, run.dTab().dTensor);
-    if (fitTable(run.input, run.messages) != Status::ok)
+    run.tInfo = run.input.dTab.dTensor;
+    if (fitTable(run.input, run.fit(), run.messages) != Status::ok)
         return Status::failed;
-    run.result.samples.orig = eulerSolution(run.dTab().dTensor, 0);
-    float pSumOrig = 0.0f;
-    getStatDC(run.dTab().observed(), run.dTab().calculated(), run.rSumOrig, pSumOrig, run.result.couplings);
+    run.result.samples.orig = eulerSolution(run.fit().last.tensor, 0);
+    const Misfit misfit = getStatDC(run.input.dTab, run.fit().columns, run.fit().last.calculated);
+    run.rSumOrig = misfit.rSumD;
+    run.result.couplings = misfit.nD;
     return Status::ok;
 }
 
@@ -232,13 +242,14 @@ Status noiseStrucSimDC(const MappingInput &input, const StructuralNoiseOptions &
         return Status::ok;
     }
     storePDBCoords(&input.pdbInfo);
-    keepState(run);
+    if (keepState(run) != Status::ok)
+        return Status::failed;
     messages.out("REMARK Experimental DC and structure have %.3f Hz DC Rms.\n", number(run.rSumOrig));
     if (setCone(run) != Status::ok || sampleStructures(run, watch) != Status::ok)
         return Status::failed;
     averageSamples(result.samples);
-    std::ranges::copy(run.observed, run.dTab().dObsList.data());
     restoreStructure(run);
+    takeColumns(input.dTab, result.fit.columns);
     return compareWithMean(result.samples, input.fit, messages);
 }
 

@@ -10,6 +10,7 @@ namespace trelm {
 /// What structural noise finds. Without memory for the samples their store is empty.
 struct StructuralNoiseResult {
     TensorSamples samples;
+    MappingFit fit;         ///< the last one; the next is to go by the measured couplings
     int couplings = 0;      ///< behind the misfit of the measured couplings; without any nothing is sampled
     double coneWidth = 0.0; ///< of the noise, degrees
     int mapCount = 0;       ///< samples that were drawn: one without noise

@@ -1,6 +1,5 @@
 #include "errors/tensor_samples.h"
 
-#include "couplings/fit.h"
 #include "couplings/statistics.h"
 #include "simulation/orientations/rotation.h"
 #include "support/numerics/numbers.h"
@@ -155,9 +154,16 @@ EulerSolution eulerSolution(const DTensor &dTensor, std::size_t j)
     return {dTensor.phiList[j], dTensor.psiList[j], dTensor.thetaList[j]};
 }
 
-Status fitTable(const MappingInput &input, Messages &messages)
+Status fitTable(const MappingInput &input, MappingFit &fit, Messages &messages)
 {
-    return fitD(&input.pdbInfo, input.dTab, input.verbose, messages) ? Status::ok : Status::failed;
+    takeColumns(input.dTab, fit.columns);
+    fit.last = startOf(input.dTab);
+    return fitAgain(input, fit, messages);
+}
+
+Status fitAgain(const MappingInput &input, MappingFit &fit, Messages &messages)
+{
+    return fitColumns({&input.pdbInfo, input.dTab, fit.columns, input.verbose}, fit.work, fit.last, messages);
 }
 
 Status sampleAll(int mapCount, const std::function<Status(int n)> &step, Messages &messages)
@@ -174,18 +180,19 @@ Status sampleAll(int mapCount, const std::function<Status(int n)> &step, Message
     return Status::ok;
 }
 
-Status takeSample(TensorSamples &samples, const MappingInput &input, int n, const MappingWatch &watch,
-                  Messages &messages)
+Status takeSample(TensorSamples &samples, const MappingInput &input, const MappingFit &fit, int n,
+                  const MappingWatch &watch, Messages &messages)
 {
-    const DTensor &dTensor = input.dTab.dTensor;
+    const DTensor &dTensor = fit.last.tensor;
     const Saupe saupe = saupeOf(dTensor);
     CountedSample sample = {.n = n - 1, .analysis = {}};
     ++samples.count;
     if (analyzeSaupe(saupe, input.fit.yzFlag, input.fit.eulerFlag, sample.analysis, messages) != Status::ok)
         return messages.fail("Matrix: error in analyzeSaupe.\n");
     countSample(samples, saupe, sample.analysis, dTensor);
-    int nD = 0;
-    getStatDC(input.dTab.observed(), input.dTab.calculated(), sample.rSum, sample.pSum, nD);
+    const Misfit misfit = getStatDC(input.dTab, fit.columns, fit.last.calculated);
+    sample.rSum = misfit.rSumD;
+    sample.pSum = misfit.pSumD;
     watch.sample(sample);
     return Status::ok;
 }
@@ -221,16 +228,16 @@ Status compareWithMean(TensorSamples &samples, const FitOptions &fit, Messages &
     return Status::ok;
 }
 
-Status fitMean(const TensorSamples &samples, const MappingInput &input, Messages &messages)
+Status fitMean(const TensorSamples &samples, const MappingInput &input, MappingFit &fit, Messages &messages)
 {
-    input.dTab.dTensor.tensorMode = tensorGiven;
-    input.dTab.dTensor.userSaupe = toFloats(samples.saupeAve);
-    return fitTable(input, messages);
+    fit.last.tensor.tensorMode = tensorGiven;
+    fit.last.tensor.userSaupe = toFloats(samples.saupeAve);
+    return fitAgain(input, fit, messages);
 }
 
-bool isWithoutTensor(const DTable &dTab)
+bool isWithoutTensor(const FitResult &fit)
 {
-    return !(dTab.dTensor.saupe[0] < noTensor);
+    return !(fit.tensor.saupe[0] < noTensor);
 }
 
 } // namespace trelm

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "couplings/dipolar.h"
+#include "couplings/fit.h"
 #include "couplings/options.h"
 #include "couplings/tensor.h"
 #include "ground/alloc.h"
@@ -77,10 +78,17 @@ struct TensorSamples {
     EulerLists euler;                        ///< of the mean tensor
 };
 
-/// What a mapping works on. It moves atoms and couplings on the way, and puts them back.
+/// The fits of a mapping, one after the other. None of them starts anew: non-linear ones go on from the last.
+struct MappingFit {
+    FitColumns columns; ///< of the fit to come
+    FitWork work;
+    FitResult last;
+};
+
+/// What a mapping works on. Some move atoms on the way, and put them back.
 struct MappingInput {
     PDBInfo &pdbInfo;
-    DTable &dTab;
+    const DTable &dTab;
     const FitOptions &fit;
     int validCount = 0; ///< couplings that a choice of rows has left
     int mapCount = 0;   ///< samples to draw
@@ -100,16 +108,18 @@ struct MappingWatch {
     std::function<void(const CountedSample &sample)> sample;
 };
 
-/// A fit to the table as it is; fails after a message.
-Status fitTable(const MappingInput &input, Messages &messages);
+/// The first fit, to the table as it is. Fails after a message.
+Status fitTable(const MappingInput &input, MappingFit &fit, Messages &messages);
+
+/// A fit to the columns as they are. Fails after a message.
+Status fitAgain(const MappingInput &input, MappingFit &fit, Messages &messages);
 
 /// Runs `step` for each sample, from 1, with progress lines, until one fails.
 Status sampleAll(int mapCount, const std::function<Status(int n)> &step, Messages &messages);
 
-/// Counts the tensor that the last fit left in the table, and tells of it. `n`: number of the try, from 1.
-/// Fails after a message.
-Status takeSample(TensorSamples &samples, const MappingInput &input, int n, const MappingWatch &watch,
-                  Messages &messages);
+/// Counts the tensor of the last fit, and tells of it. `n`: number of the try, from 1. Fails after a message.
+Status takeSample(TensorSamples &samples, const MappingInput &input, const MappingFit &fit, int n,
+                  const MappingWatch &watch, Messages &messages);
 
 /// Averages and deviations of what was counted.
 void averageSamples(TensorSamples &samples);
@@ -118,12 +128,12 @@ void averageSamples(TensorSamples &samples);
 /// after a message.
 Status compareWithMean(TensorSamples &samples, const FitOptions &fit, Messages &messages);
 
-/// Calculates the couplings of the mean tensor. The table's tensor is then this one, its tensorMode
-/// tensorGiven. Fails after a message.
-Status fitMean(const TensorSamples &samples, const MappingInput &input, Messages &messages);
+/// Calculates the couplings of the mean tensor, which with tensorMode tensorGiven is the last one then. Fails
+/// after a message.
+Status fitMean(const TensorSamples &samples, const MappingInput &input, MappingFit &fit, Messages &messages);
 
 /// Whether the first element of the fitted Saupe vector is 999.9 or more, which is no order: such a sample is
 /// dropped. A fit of fewer than five couplings leaves zeros, and those count.
-bool isWithoutTensor(const DTable &dTab);
+bool isWithoutTensor(const FitResult &fit);
 
 } // namespace trelm

@@ -9,6 +9,8 @@
 #include "support/text/output_file.h"
 #include "support/text/text.h"
 
+#include <algorithm>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -120,16 +122,34 @@ Status writeMeanFrame(Run &run, const TensorSamples &samples, const char *words,
     return status == 0 ? Status::ok : messages.fail("%s", words);
 }
 
-Status writeTable(Run &run, const std::string &name, const std::string &text, Messages &messages)
+/// Writes a table.
+Status writeTable(const Run &run, const std::string &name, DTable &dTab, const std::string &text,
+                  Messages &messages)
 {
-    return writeDCmod({name}, run.dTab[0], run.trelmInfo[0], text, messages);
+    return writeDCmod({name}, dTab, run.trelmInfo[0], text, messages);
+}
+
+/// The table of the run with what a fit has found.
+std::optional<DTable> tableWith(const Run &run, const FitResult &fit, Messages &messages)
+{
+    std::optional<DTable> shown = copyTable(run.dTab[0], messages);
+    if (!shown)
+        return std::nullopt;
+    shown->dTensor = fit.tensor;
+    for (std::size_t i = 0; i < fit.calculated.size(); ++i)
+        shown->dCalcList[i].d = fit.calculated[i];
+    return shown;
 }
 
 /// Couplings and structure of the mean tensor. Fails after a message.
-Status reportMeanTensor(Run &run, const TensorSamples &samples, int mapCount, Messages &messages)
+Status reportMeanTensor(Run &run, const TensorSamples &samples, MappingFit &fit, int mapCount,
+                        Messages &messages)
 {
-    if (fitMean(samples, inputOf(run), messages) != Status::ok ||
-        writeTable(run, run.options.outDName, mappingReport(samples), messages) != Status::ok)
+    if (fitMean(samples, inputOf(run), fit, messages) != Status::ok)
+        return Status::failed;
+    std::optional<DTable> shown = tableWith(run, fit.last, messages);
+    if (!shown ||
+        writeTable(run, run.options.outDName, *shown, mappingReport(samples), messages) != Status::ok)
         return Status::failed;
     if (samples.count != 0)
         return writeMeanFrame(run, samples, "trelm: error in writePDBRot.\n", messages);
@@ -141,22 +161,25 @@ Status reportMeanTensor(Run &run, const TensorSamples &samples, int mapCount, Me
 /// them. Angles, Da and Dr of the tensor stay those of the last noisy fit. Fails after a message.
 Status reportCouplingNoise(Run &run, const CouplingNoiseResult &result, Messages &messages)
 {
-    DTable &dTab = run.dTab[0];
-    for (std::size_t k = 0; k < saupeCount; ++k)
-        dTab.dTensor.saupe[k] = static_cast<float>(result.samples.saupeAve[k]);
-    for (std::size_t i = 0; i < dTab.observed().size(); ++i) {
-        if (dTab.dCalcList[i].valid != 0)
-            dTab.dObsList[i].sigma = result.deviation[i];
-        if (takesPart(dTab.dCalcList[i])) // others are never calculated
-            dTab.dCalcList[i].d = result.mean[i];
+    std::optional<DTable> shown = tableWith(run, result.fit.last, messages);
+    if (!shown)
+        return Status::failed;
+    std::ranges::transform(result.samples.saupeAve, shown->dTensor.saupe.begin(),
+                           [](double element) { return static_cast<float>(element); });
+    const auto observed = shown->observed(), calculated = shown->calculated();
+    for (std::size_t i = 0; i < observed.size(); ++i) {
+        if (calculated[i].valid != 0)
+            observed[i].sigma = result.deviation[i];
+        if (takesPart(calculated[i])) // others are never calculated
+            calculated[i].d = result.mean[i];
     }
-    Status status = writeTable(run, run.options.outDName, mappingReport(result.samples), messages);
-    for (std::size_t i = 0; i < dTab.observed().size(); ++i)
-        if (dTab.dCalcList[i].valid != 0)
-            dTab.dObsList[i].w = static_cast<float>(result.countFail[i]);
+    Status status = writeTable(run, run.options.outDName, *shown, mappingReport(result.samples), messages);
+    for (std::size_t i = 0; i < observed.size(); ++i)
+        if (calculated[i].valid != 0)
+            observed[i].w = static_cast<float>(result.countFail[i]);
     std::string fails = "\nREMARK Failure Statistics.\n";
     appendf(fails, "DATA STATISTICS MAPPING NUMBER OF SUCCESFUL STEPS   %d\n\n\n", result.samples.count);
-    if (writeTable(run, run.options.outDFailName, fails, messages) != Status::ok)
+    if (writeTable(run, run.options.outDFailName, *shown, fails, messages) != Status::ok)
         status = Status::failed;
     if (result.samples.count != 0 &&
         writeMeanFrame(run, result.samples, "matrix: error in writePDBRot.\n", messages) != Status::ok)
@@ -193,8 +216,8 @@ Status couplingNoise(Run &run, Messages &messages)
 Status jackknife(Run &run, Messages &messages)
 {
     warnOfFraction(run.trelmInfo[0], messages);
-    JackknifeResult result(run.dTab[0].observed().size());
-    if (!result)
+    JackknifeResult result;
+    if (!result.samples.store)
         return noMemory(messages);
     SampleFiles files;
     if (checkNames(run, "", messages) != Status::ok ||
@@ -202,7 +225,8 @@ Status jackknife(Run &run, Messages &messages)
         aeraSimDC(inputOf(run), run.trelmInfo[0], watchInto(files), messages, result) != Status::ok)
         return Status::failed;
     writeSamples(result.samples, mappingWords, files);
-    return ended(reportMeanTensor(run, result.samples, run.options.mapCount, messages), files, messages);
+    return ended(reportMeanTensor(run, result.samples, result.fit, run.options.mapCount, messages), files,
+                 messages);
 }
 
 Status structuralNoise(Run &run, Messages &messages)
@@ -222,7 +246,8 @@ Status structuralNoise(Run &run, Messages &messages)
     if (result.couplings == 0)
         return closeFiles(files, messages); // without content: nothing of an earlier run stays
     writeSamples(result.samples, mappingWords, files);
-    return ended(reportMeanTensor(run, result.samples, result.mapCount, messages), files, messages);
+    return ended(reportMeanTensor(run, result.samples, result.fit, result.mapCount, messages), files,
+                 messages);
 }
 
 Status tellFailure(Status status, Messages &messages)

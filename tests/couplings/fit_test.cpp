@@ -79,41 +79,48 @@ TEST(FitD, RepeatedFitsHaveTheSameBits)
 {
     // Rows of one, two, three and six pairs, of weight 0, and out of use.
     const std::string name = ubiquitinFolder + "bicelle_backbone.tab";
-    Prepared kept(name), plain(name);
-    ASSERT_EQ(kept.valid, kept.table.dCount);
-    for (Prepared *p : {&kept, &plain})
-        for (std::size_t i = 0; i < 40; ++i) {
-            DInfo &row = p->table.dCalcList[i];
-            const auto atomsI = static_cast<int>(i % 4);
-            for (int a = 1; a < atomsI; ++a)
-                row.atomI[static_cast<std::size_t>(a)] = p->table.dCalcList[i + 50].atomI[0];
-            row.atomICount = std::max(1, atomsI);
-            if (i % 8 == 0) {
-                row.atomJ[1] = p->table.dCalcList[i + 60].atomJ[0];
-                row.atomJCount = 2;
-            }
-            row.w = i % 11 == 0 ? 0.0f : row.w;
-            row.valid = i % 13 == 0 ? 0 : 1;
+    Prepared p(name);
+    DTable &table = p.table;
+    ASSERT_EQ(p.valid, table.dCount);
+    for (std::size_t i = 0; i < 40; ++i) {
+        DInfo &row = table.dCalcList[i];
+        const auto atomsI = static_cast<int>(i % 4);
+        for (int a = 1; a < atomsI; ++a)
+            row.atomI[static_cast<std::size_t>(a)] = table.dCalcList[i + 50].atomI[0];
+        row.atomICount = std::max(1, atomsI);
+        if (i % 8 == 0) {
+            row.atomJ[1] = table.dCalcList[i + 60].atomJ[0];
+            row.atomJCount = 2;
         }
-    ASSERT_GT(fitD(&kept.pdb, kept.table, 0, standardMessages()), 200);
-    RepeatedFit fit;
-    prepareRepeatedFit(kept.table, fit);
-    ASSERT_TRUE(fit.isUsable);
+        row.w = i % 11 == 0 ? 0.0f : row.w;
+        row.valid = i % 13 == 0 ? 0 : 1;
+    }
+    FitColumns columns;
+    takeColumns(table, columns);
+    FitResult plain = startOf(table);
+    const FitInput input = {&p.pdb, table, columns};
+    FitWork work;
+    ASSERT_EQ(fitColumns(input, work, plain, standardMessages()), Status::ok);
+    ASSERT_GT(plain.used, 200);
+    RepeatedFit repeated;
+    prepareRepeatedFit(input, plain.tensor, repeated);
+    ASSERT_TRUE(repeated.isUsable);
+    FitResult kept = plain;
     std::mt19937 engine(3);
     std::normal_distribution<float> noise;
     for (int sample = 0; sample < 5; ++sample) {
-        for (std::size_t i = 0; i < static_cast<std::size_t>(kept.table.dCount); ++i)
-            kept.table.dObsList[i].d = plain.table.dObsList[i].d += noise(engine);
-        EXPECT_EQ(refitD(fit, &kept.pdb, kept.table, 0, standardMessages()),
-                  fitD(&plain.pdb, plain.table, 0, standardMessages()));
-        EXPECT_EQ(kept.table.dTensor.saupe, plain.table.dTensor.saupe);
-        EXPECT_EQ(kept.table.dTensor.phiList, plain.table.dTensor.phiList);
-        for (std::size_t i = 0; i < static_cast<std::size_t>(kept.table.dCount); ++i)
-            EXPECT_EQ(kept.table.dCalcList[i].d, plain.table.dCalcList[i].d) << i;
+        for (float &d : columns.d)
+            d += noise(engine);
+        ASSERT_EQ(refitColumns(repeated, input, work, kept, standardMessages()), Status::ok);
+        ASSERT_EQ(fitColumns(input, work, plain, standardMessages()), Status::ok);
+        EXPECT_EQ(kept.used, plain.used);
+        EXPECT_EQ(kept.tensor.saupe, plain.tensor.saupe);
+        EXPECT_EQ(kept.tensor.phiList, plain.tensor.phiList);
+        EXPECT_EQ(kept.calculated, plain.calculated);
     }
-    kept.table.dTensor.tensorMode = 3; // not a linear fit: fitD itself
-    prepareRepeatedFit(kept.table, fit);
-    EXPECT_FALSE(fit.isUsable);
+    plain.tensor.tensorMode = tensorNofixed; // no linear fit: fitColumns itself
+    prepareRepeatedFit(input, plain.tensor, repeated);
+    EXPECT_FALSE(repeated.isUsable);
 }
 
 TEST(FitD, LeavesZeroAnglesWithFewerCouplingsThanParameters)
@@ -148,7 +155,6 @@ struct HandMade {
         }
         table = makeTable({{0.0f, 0.0f}});
         table.maxCount = countI * countJ;
-        table.work = Block<float>("dc", static_cast<std::size_t>(table.maxCount) * 12 + 12);
         DInfo &calc = table.dCalcList[0];
         calc.di = -10.0f;
         calc.atomICount = countI;

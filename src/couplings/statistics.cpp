@@ -1,5 +1,8 @@
 #include "couplings/statistics.h"
 
+#include "support/numerics/numbers.h"
+#include "support/text/text.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -69,6 +72,54 @@ float qOfTensor(const DTensor &tensor, const Sums &sums, float rms)
     return valueOf(rms / std::sqrt(2.0 * aSquared * (4.0 + 3.0 * ratio * ratio) / 5.0));
 }
 
+/// The weighted pairs of a statistics block and their sums.
+struct Pairs {
+    explicit Pairs(std::size_t rows) : dcNorm("statDC", rows + 1), dcMatrixNorm("statDC", rows + 1) {}
+    Block<float> dcNorm, dcMatrixNorm; ///< measured and calculated, times the calculated entry's weight
+    int nD = 0;
+    double rSumD = 0.0, rSumD2 = 0.0, sumD2 = 0.0;
+};
+
+bool isCompared(const DInfo &observed, const DInfo &calculated)
+{
+    return observed.valid != 0 && calculated.valid != 0 && observed.d < missingCoupling &&
+           calculated.d < missingCoupling;
+}
+
+void collectCompared(const DTable &dTab, Pairs &pairs)
+{
+    for (std::size_t i = 0; i < static_cast<std::size_t>(dTab.dCount); ++i) {
+        const DInfo &o = dTab.dObsList[i];
+        const DInfo &c = dTab.dCalcList[i];
+        if (!isCompared(o, c))
+            continue;
+        const auto pair = static_cast<std::size_t>(pairs.nD++);
+        pairs.dcNorm[pair] = o.d * c.w;
+        pairs.dcMatrixNorm[pair] = c.d * c.w;
+        const double measured = static_cast<double>(pairs.dcNorm[pair]);
+        const double diff = measured - static_cast<double>(pairs.dcMatrixNorm[pair]);
+        pairs.rSumD += diff;
+        pairs.rSumD2 += diff * diff;
+        pairs.sumD2 += measured * measured;
+    }
+}
+
+/// The lines of a block. The offset is that of the exchanged regression, measured on calculated.
+void appendBlock(float stdDevD, float q, const Regression &line, std::string &result)
+{
+    result += "\nDATA STATISTICS DC\n";
+    appendf(result, "DATA STATISTICS DC STDDEV_DIFF  %.3f [Hz]\n", number(stdDevD));
+    appendf(result, "DATA STATISTICS DC CORR R       %.3f\n", number(line.r));
+    appendf(result, "DATA STATISTICS DC CORNILESCU Q %.3f\n", number(q));
+    appendf(result, "DATA STATISTICS DC REGRESSION OFFSET    %.3f +/- %.3f [Hz]\n", number(line.xOnY.a),
+            number(line.xOnY.siga));
+    appendf(result, "DATA STATISTICS DC REGRESSION SLOPE     %.3f +/- %.3f [Hz]\n", number(line.yOnX.b),
+            number(line.yOnX.sigb));
+    appendf(result, "DATA STATISTICS DC REGRESSION BAX SLOPE %.3f +/- %.3f [Hz]\n", number(line.aveSlope),
+            number(line.errAveSlope));
+    result += "\n";
+}
+
 } // namespace
 
 Regression regress(std::span<const float> x, std::span<const float> y)
@@ -136,6 +187,28 @@ Status getStatDCmod(const DTable &dTab, DcStatistics &stat, Messages &messages)
     stat.errSlope = line.yOnX.sigb;
     stat.aveSlope = line.aveSlope;
     stat.errAveSlope = line.errAveSlope;
+    return Status::ok;
+}
+
+Status statDC(const DTable &dTab, std::string &result, Messages &messages)
+{
+    result.clear();
+    Pairs pairs(static_cast<std::size_t>(dTab.dCount));
+    if (!pairs.dcNorm || !pairs.dcMatrixNorm)
+        return messages.fail("Error allocating temporary buffers.\n");
+    collectCompared(dTab, pairs);
+    float stdDevD = 0.0f, q = 0.0f;
+    Regression line;
+    if (pairs.nD != 0) {
+        const double n = pairs.nD;
+        stdDevD =
+            static_cast<float>(std::sqrt(std::max(0.0, (pairs.rSumD2 - pairs.rSumD * pairs.rSumD / n) / n)));
+        const auto count = static_cast<std::size_t>(pairs.nD);
+        line = regress(pairs.dcNorm.span().first(count), pairs.dcMatrixNorm.span().first(count));
+    }
+    if (pairs.sumD2 != 0.0)
+        q = static_cast<float>(std::sqrt(pairs.rSumD2 / pairs.sumD2));
+    appendBlock(stdDevD, q, line, result);
     return Status::ok;
 }
 

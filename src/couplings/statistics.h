@@ -5,7 +5,7 @@
 //   chi-square; sums in single precision.
 // - getStatDCmod, in the report of a fit: couplings below 888; both couplings are weighted before anything
 //   else, so chi-square is too; sums in single precision.
-// - statDC (errors/fit_statistics.h), the block of the simulations: couplings below 999; weighted as in the
+// - statDC, the block of the simulations: couplings below 999; weighted as in the
 //   report; sums in double precision; no chi-square.
 #pragma once
 
@@ -14,6 +14,7 @@
 #include "support/numerics/statistics.h"
 
 #include <span>
+#include <string>
 
 namespace trelm {
 
@@ -53,5 +54,10 @@ struct DcStatistics {
 
 /// Fails after a message if there is no memory; the statistics then stay 0.
 Status getStatDCmod(const DTable &dTab, DcStatistics &stat, Messages &messages);
+
+/// Statistics of measured against calculated couplings as DATA lines. REGRESSION OFFSET is that of measured
+/// on calculated couplings, SLOPE that of calculated on measured ones. `result` is replaced. Fails after a
+/// message if there is no memory.
+Status statDC(const DTable &dTab, std::string &result, Messages &messages);
 
 } // namespace trelm

@@ -1,9 +1,11 @@
 #include "errors/jackknife.h"
 
-#include "errors/fit_statistics.h"
+#include "ground/out_of_memory.h"
 #include "support/numerics/numbers.h"
 
 #include <algorithm>
+#include <new>
+#include <vector>
 
 namespace trelm {
 namespace {
@@ -52,6 +54,36 @@ void tellParts(const JackknifeRun &run)
 }
 
 } // namespace
+
+int selectDcFrac(RandomStream &random, std::span<unsigned char> marks, float frac, int fixed,
+                 Messages &messages)
+{
+    std::vector<std::size_t> indexTab;
+    try {
+        indexTab.reserve(marks.size());
+    } catch (const std::bad_alloc &) { // the callers know no way to go on without a selection
+        endWithoutMemory("allocation failure for indexTab", messages);
+    }
+    for (std::size_t i = 0; i < marks.size(); ++i) {
+        if (marks[i] == 0)
+            continue;
+        marks[i] = 0;
+        indexTab.push_back(i);
+    }
+    const float wanted = fixed != 0 ? frac : static_cast<float>(indexTab.size()) * frac;
+    if (!(wanted >= 1.0f) || indexTab.empty())
+        return 0;
+    const std::size_t target =
+        wanted >= static_cast<float>(indexTab.size()) ? indexTab.size() : static_cast<std::size_t>(wanted);
+    for (std::size_t count = 0; count < target;) {
+        unsigned char &mark = marks[indexTab[random.place(indexTab.size())]];
+        if (mark != 0)
+            continue; // drawn before
+        mark = 1;
+        ++count;
+    }
+    return static_cast<int>(target);
+}
 
 void warnOfFraction(const JackknifeOptions &options, Messages &messages)
 {

@@ -3,6 +3,9 @@
 
 #include "errors/options.h"
 #include "errors/tensor_samples.h"
+#include "support/numerics/random.h"
+
+#include <span>
 
 namespace trelm {
 
@@ -11,6 +14,11 @@ struct JackknifeResult {
     TensorSamples samples;
     MappingFit fit; ///< the last one; all couplings are to take part in the next
 };
+
+/// Keeps a random part of the rows that are marked: the fraction `frac`, or with `fixed` the number `frac`.
+/// Returns how many were kept. Draws from ran3. Without memory the run ends (OutOfMemory).
+int selectDcFrac(RandomStream &random, std::span<unsigned char> marks, float frac, int fixed,
+                 Messages &messages);
 
 /// What a user who means a number of couplings should hear.
 void warnOfFraction(const JackknifeOptions &options, Messages &messages);

@@ -1,6 +1,5 @@
 #include "magnitude/motion.h"
 
-#include "errors/fit_statistics.h"
 #include "magnitude/histogram.h"
 #include "magnitude/likelihood_score.h"
 #include "simulation/orientations/sphere.h"
@@ -377,6 +376,31 @@ Status appendMap(std::span<const MotionSet> sets, const MotionRanges &ranges, st
         ++cell;
     }
     return Status::ok;
+}
+
+int selectDcResidue(RandomStream &random, const ResidueCouplings &residues, int sCount,
+                    std::vector<float> &coupList, std::vector<float> &sigmaList, float &rAveDD)
+{
+    const std::size_t nRes = residues.dcMat.size();
+    // More draws than residues would never end.
+    const std::size_t draws = std::min(nRes, static_cast<std::size_t>(std::max(sCount, 0)));
+    std::vector<bool> drawn(nRes, false);
+    float sum = 0.0f;
+    int copied = 0;
+    for (std::size_t count = 0; count < draws;) {
+        const std::size_t k = random.place(nRes);
+        if (drawn[k])
+            continue;
+        drawn[k] = true;
+        ++count;
+        coupList.insert(coupList.end(), residues.dcMat[k].begin(), residues.dcMat[k].end());
+        sigmaList.insert(sigmaList.end(), residues.sigMat[k].begin(), residues.sigMat[k].end());
+        for (const float sigma : residues.sigMat[k])
+            sum += sigma;
+        copied += static_cast<int>(residues.dcMat[k].size());
+    }
+    rAveDD = copied > 0 ? sum / static_cast<float>(copied) : 0.0f;
+    return copied;
 }
 
 } // namespace trelm

@@ -4,6 +4,7 @@
 
 #include "magnitude/observed.h"
 #include "magnitude/options.h"
+#include "support/numerics/random.h"
 
 #include <array>
 #include <cstdint>
@@ -83,5 +84,16 @@ struct MapAxes {
 /// The colours, 0 to 15, of each cell, R fastest: by the largest of each score, less its minimum, of the sets
 /// within half a step of the cell's middle. A cell with sets has at least 1 as its first colour.
 std::vector<std::array<int, 3>> mapColours(std::span<const MotionSet> sets, const MapAxes &axes);
+
+/// Couplings by residue for random selection.
+struct ResidueCouplings {
+    std::vector<std::vector<float>> dcMat;  ///< couplings of each residue, Hz
+    std::vector<std::vector<float>> sigMat; ///< their errors, Hz
+};
+
+/// Draws sCount different residues, or all if there are fewer, from ran3 and appends all their couplings.
+/// rAveDD becomes the mean of the copied errors, 0 without any. Returns the number of couplings copied.
+int selectDcResidue(RandomStream &random, const ResidueCouplings &residues, int sCount,
+                    std::vector<float> &coupList, std::vector<float> &sigmaList, float &rAveDD);
 
 } // namespace trelm

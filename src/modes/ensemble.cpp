@@ -1,7 +1,7 @@
 #include "modes/ensemble.h"
 
+#include "couplings/statistics.h"
 #include "couplings/tensor.h"
-#include "errors/fit_statistics.h"
 #include "modes/simulation.h"
 #include "report/output.h"
 #include "report/run_report.h"

@@ -10,6 +10,7 @@
 #include "support/text/text.h"
 
 #include <algorithm>
+#include <cmath>
 #include <optional>
 #include <string>
 #include <vector>
@@ -123,7 +124,7 @@ Status writeMeanFrame(Run &run, const TensorSamples &samples, const char *words,
 }
 
 /// Writes a table.
-Status writeTable(const Run &run, const std::string &name, DTable &dTab, const std::string &text,
+Status writeTable(const Run &run, const std::string &name, const DTable &dTab, const std::string &text,
                   Messages &messages)
 {
     return writeDCmod({name}, dTab, run.trelmInfo[0], text, messages);
@@ -147,13 +148,30 @@ Status reportMeanTensor(Run &run, const TensorSamples &samples, MappingFit &fit,
 {
     if (fitMean(samples, inputOf(run), fit, messages) != Status::ok)
         return Status::failed;
-    std::optional<DTable> shown = tableWith(run, fit.last, messages);
+    const std::optional<DTable> shown = tableWith(run, fit.last, messages);
     if (!shown ||
         writeTable(run, run.options.outDName, *shown, mappingReport(samples), messages) != Status::ok)
         return Status::failed;
     if (samples.count != 0)
         return writeMeanFrame(run, samples, "trelm: error in writePDBRot.\n", messages);
     messages.err("WARNING %d SVD runs of %d succesful.\n", 0, mapCount);
+    return Status::ok;
+}
+
+/// The failures are told beside Da and Dr of the mean tensor, by which their Q goes. Fails after a message.
+Status takeMean(const TrelmInfo &options, DTensor &tensor, Messages &messages)
+{
+    const bool isTensor = tensor.saupe != SaupeValues{} &&
+                          std::ranges::all_of(tensor.saupe, [](float value) { return std::isfinite(value); });
+    if (!isTensor || options.eulerFlag == 0 || options.verbFlag == 0)
+        return Status::ok;
+    Saupe saupe;
+    std::ranges::copy(tensor.saupe, saupe.begin());
+    TensorAnalysis mean;
+    if (analyzeSaupe(saupe, options.yzFlag, 1, mean, messages) != Status::ok)
+        return Status::failed;
+    tensor.da = static_cast<float>(mean.da);
+    tensor.dr = static_cast<float>(mean.dr);
     return Status::ok;
 }
 
@@ -177,6 +195,8 @@ Status reportCouplingNoise(Run &run, const CouplingNoiseResult &result, Messages
     for (std::size_t i = 0; i < observed.size(); ++i)
         if (calculated[i].valid != 0)
             observed[i].w = static_cast<float>(result.countFail[i]);
+    if (takeMean(run.trelmInfo[0], shown->dTensor, messages) != Status::ok)
+        status = Status::failed;
     std::string fails = "\nREMARK Failure Statistics.\n";
     appendf(fails, "DATA STATISTICS MAPPING NUMBER OF SUCCESFUL STEPS   %d\n\n\n", result.samples.count);
     if (writeTable(run, run.options.outDFailName, *shown, fails, messages) != Status::ok)

@@ -102,18 +102,21 @@ void appendEigensystem(const TensorAnalysis &analysis, std::string &text)
 
 /// The tensor that is reported: of a run without couplings that of its Saupe vector, else that of the
 /// analysis.
-void settleTensor(const TensorAnalysis &analysis, int nD, DTensor &tensor)
+DTensor settledTensor(const TensorAnalysis &analysis, int nD, DTensor tensor)
 {
-    if (nD <= 0)
-        return solveEuler(tensor);
+    if (nD <= 0) {
+        solveEuler(tensor);
+        return tensor;
+    }
     for (std::size_t k = 0; k < 3; ++k)
         tensor.eigVal[k] = static_cast<float>(analysis.eigVal[k]);
     tensor.da = static_cast<float>(analysis.da);
     tensor.dr = static_cast<float>(analysis.dr);
+    return tensor;
 }
 
 /// Everything about the tensor, unless it is zero. Fails after a message.
-Status appendTensor(const TrelmInfo &trelmInfo, int nD, DTensor &tensor, std::string &text,
+Status appendTensor(const TrelmInfo &trelmInfo, int nD, const DTensor &tensor, std::string &text,
                     Messages &messages)
 {
     if (std::ranges::all_of(tensor.saupe, [](float value) { return value == 0.0f; }))
@@ -132,8 +135,7 @@ Status appendTensor(const TrelmInfo &trelmInfo, int nD, DTensor &tensor, std::st
         return Status::ok;
     appendEigensystem(analysis, text);
     text += "\n\nREMARK Euler angles (psi/theta/phi) for rotation about x, y, z.\n\n";
-    settleTensor(analysis, nD, tensor);
-    reportEuler(text, tensor);
+    reportEuler(text, settledTensor(analysis, nD, tensor));
     return Status::ok;
 }
 
@@ -246,8 +248,8 @@ void appendTable(const DTable &dTab, bool verbose, std::string &text)
 }
 
 /// The report and the table. Fails after a message: without the tensor's axes the text ends there.
-Status appendExtended(DTable &dTab, const TrelmInfo &trelmInfo, std::string_view remark, std::string &text,
-                      Messages &messages)
+Status appendExtended(const DTable &dTab, const TrelmInfo &trelmInfo, std::string_view remark,
+                      std::string &text, Messages &messages)
 {
     DcStatistics stat;
     const Status status = getStatDCmod(dTab, stat, messages);
@@ -275,7 +277,7 @@ void appendShort(const DTable &dTab, std::string &text)
 
 } // namespace
 
-Status writeDCmod(const TableOutput &output, DTable &dTab, const TrelmInfo &trelmInfo,
+Status writeDCmod(const TableOutput &output, const DTable &dTab, const TrelmInfo &trelmInfo,
                   std::string_view remark, Messages &messages)
 {
     std::string text;

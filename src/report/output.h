@@ -21,14 +21,14 @@ struct TableOutput {
 /// is opened as `output` says; an empty name is standard output, and so is, after a message, one
 /// that cannot be opened. Fails after a message if the statistics failed or the output could not be written
 /// to its end.
-Status writeDCmod(const TableOutput &output, DTable &dTab, const TrelmInfo &trelmInfo,
+Status writeDCmod(const TableOutput &output, const DTable &dTab, const TrelmInfo &trelmInfo,
                   std::string_view remark, Messages &messages);
 
 /// A best-fit that is to be written: an argument of writeFit, and no more, for it holds references.
 struct FittedRun {
     PDBInfo *pdbInfo = nullptr;
     const PDBSelectInfo *sInfo = nullptr; ///< atoms of the structures
-    DTable *dTab = nullptr;
+    const DTable *dTab = nullptr;
     const TrelmInfo *trelmInfo = nullptr;
     const std::string &outDName;   ///< couplings
     const std::string &pdbRotName; ///< structures in the frames of the tensor

@@ -220,5 +220,19 @@ TEST(Motion, MoreThanThousandsOfCouplings)
     EXPECT_EQ(numbers(run.table).at(1).at(3), 12000.0);
 }
 
+TEST(SelectDcResidue, ResiduesBringAllTheirCouplings)
+{
+    const ResidueCouplings residues = {{{1, 2}, {3}, {}}, {{0.5f, 0.5f}, {2}, {}}};
+    std::vector<float> couplings, errors;
+    float average = 0.0f;
+    RandomStream random;
+    EXPECT_EQ(selectDcResidue(random, residues, 3, couplings, errors, average), 3);
+    EXPECT_FLOAT_EQ(average, 1.0f);
+    EXPECT_EQ(errors.size(), couplings.size());
+    couplings.clear();
+    errors.clear();
+    EXPECT_EQ(selectDcResidue(random, residues, 99, couplings, errors, average), 3); // no endless drawing
+}
+
 } // namespace
 } // namespace trelm

@@ -1,6 +1,7 @@
 // Random deviates. A stream starts the same each time: the same run gives the same numbers.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -30,6 +31,12 @@ class RandomStream {
     /// negative seed, and any seed on the first call, starts the sequence of its magnitude and becomes 1.
     /// Source: Knuth, Seminumerical Algorithms, section 3.2.2, subtractive method.
     float ran3();
+
+    /// A place in a list of n, by ran3.
+    std::size_t place(std::size_t n)
+    {
+        return std::min(static_cast<std::size_t>(ran3() * static_cast<float>(n)), n - 1);
+    }
 
   private:
     /// TT800: the state words, the deviates they give, and the place of the next one to be read.

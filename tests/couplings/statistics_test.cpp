@@ -1,7 +1,6 @@
-// The statistics block and the random selections.
-#include "errors/fit_statistics.h"
+// The statistics block.
+#include "couplings/statistics.h"
 
-#include "common/heard.h"
 #include "couplings/dc_table.h"
 
 #include <gmock/gmock.h>
@@ -33,37 +32,6 @@ TEST(StatDC, WithoutPairsAllIsZero)
     EXPECT_NE(result.find("BAX SLOPE 0.000 +/- 0.000"), std::string::npos);
     EXPECT_EQ(result.find("left over"), std::string::npos);
     EXPECT_EQ(result.find("nan"), std::string::npos);
-}
-
-TEST(Select, FractionsOfTheCouplings)
-{
-    struct {
-        float frac;
-        int fixed, kept;
-    } constexpr choices[] = {{7.9f, 1, 7},  {50.0f, 1, 20}, {0.2f, 0, 4}, {0.99f, 0, 19},
-                             {0.01f, 0, 0}, {-3.0f, 1, 0},  {2.0f, 0, 20}};
-    for (const auto &choice : choices) {
-        std::vector<unsigned char> marks(20, 1);
-        RandomStream random;
-        Heard heard;
-        EXPECT_EQ(selectDcFrac(random, marks, choice.frac, choice.fixed, heard.messages), choice.kept)
-            << choice.frac;
-        EXPECT_EQ(std::ranges::count(marks, 1), choice.kept);
-    }
-}
-
-TEST(Select, ResiduesBringAllTheirCouplings)
-{
-    const ResidueCouplings residues = {{{1, 2}, {3}, {}}, {{0.5f, 0.5f}, {2}, {}}};
-    std::vector<float> couplings, errors;
-    float average = 0.0f;
-    RandomStream random;
-    EXPECT_EQ(selectDcResidue(random, residues, 3, couplings, errors, average), 3);
-    EXPECT_FLOAT_EQ(average, 1.0f);
-    EXPECT_EQ(errors.size(), couplings.size());
-    couplings.clear();
-    errors.clear();
-    EXPECT_EQ(selectDcResidue(random, residues, 99, couplings, errors, average), 3); // no endless drawing
 }
 
 } // namespace

@@ -204,6 +204,17 @@ FitResult startOf(const DTable &dTab)
     return result;
 }
 
+std::optional<DTable> tableWith(const DTable &dTab, const FitResult &fit, Messages &messages)
+{
+    std::optional<DTable> shown = copyTable(dTab, messages);
+    if (!shown)
+        return std::nullopt;
+    shown->dTensor = fit.tensor;
+    for (std::size_t row = 0; row < fit.calculated.size(); ++row)
+        shown->dCalcList[row].d = fit.calculated[row];
+    return shown;
+}
+
 Status fitColumns(const FitInput &input, FitWork &work, FitResult &result, Messages &messages)
 {
     result.used = 0;

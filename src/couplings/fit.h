@@ -44,6 +44,9 @@ struct FitResult {
 /// The tensor and the calculated couplings of a table, to start a fit from.
 FitResult startOf(const DTable &dTab);
 
+/// A copy of a table with what a fit has found. Nothing after a message without memory.
+std::optional<DTable> tableWith(const DTable &dTab, const FitResult &fit, Messages &messages);
+
 /// What is fitted. The rows of the table tell atoms and constants, the columns tell the rest.
 struct FitInput {
     const PDBInfo *pdbInfo; ///< null: no structure, and no non-linear fit

@@ -6,6 +6,9 @@
 #include "report/modes.h"
 #include "report/output.h"
 
+#include <optional>
+#include <utility>
+
 namespace trelm {
 namespace {
 
@@ -21,15 +24,19 @@ SearchKind searchKind(const ModeOptions &mode)
     }
 }
 
-/// Searches, and leaves the table with its couplings assigned and fitted. Returns whether the assignment is
-/// proved to be the best; nothing after a message.
-std::optional<bool> assignTable(Run &run, Messages &messages)
+/// A table with its couplings assigned and fitted.
+struct AssignedTable {
+    DTable dTab;
+    bool isProved; ///< to be the best assignment
+};
+
+/// Searches. Returns nothing after a message.
+std::optional<AssignedTable> assignTable(Run &run, Messages &messages)
 {
     const RunOptions &options = run.options;
     const TrelmInfo &info = run.trelmInfo[0];
-    DTable &dTab = run.dTab[0];
     const ProblemInput input = {.pdbInfo = run.pdbInfo[0],
-                                .dTab = dTab,
+                                .dTab = run.dTab[0],
                                 .fixResList = info.fixedResidues,
                                 .media = info.media,
                                 .window = info};
@@ -38,23 +45,26 @@ std::optional<bool> assignTable(Run &run, Messages &messages)
         return std::nullopt;
     const std::optional<AssignmentResult> found = searchAssignments(
         made->problem, {.kind = searchKind(info), .mapCount = options.mapCount, .options = info}, messages);
-    if (!found ||
-        takeRows(applyAssignment(input, *made, found->bestIdList, messages), dTab, messages) != Status::ok ||
-        fitMedia(run.pdbInfo[0], info.media, info.verbFlag, dTab, messages) != Status::ok)
+    if (!found)
         return std::nullopt;
-    return found->isProved;
+    std::optional<DTable> dTab = copyTable(run.dTab[0], messages);
+    if (!dTab ||
+        takeRows(applyAssignment(input, *made, found->bestIdList, messages), *dTab, messages) != Status::ok ||
+        fitMedia(run.pdbInfo[0], info.media, info.verbFlag, *dTab, messages) != Status::ok)
+        return std::nullopt;
+    return AssignedTable{std::move(*dTab), found->isProved};
 }
 
 /// Fails after a message.
 Status assignAndWrite(Run &run, Messages &messages)
 {
-    const std::optional<bool> isProved = assignTable(run, messages);
-    if (!isProved)
+    const std::optional<AssignedTable> assigned = assignTable(run, messages);
+    if (!assigned)
         return Status::failed;
-    const Status status = writeFit({&run.pdbInfo[0], &run.sInfo, &run.dTab[0], &run.trelmInfo[0],
+    const Status status = writeFit({&run.pdbInfo[0], &run.sInfo, &assigned->dTab, &run.trelmInfo[0],
                                     run.options.outDName, run.options.pRotName, run.options.remark},
                                    messages);
-    if (status != Status::ok || *isProved)
+    if (status != Status::ok || assigned->isProved)
         return status;
     return messages.fail(
         "trelm: the search was interrupted: the assignment is the best so far, and not proved.\n");

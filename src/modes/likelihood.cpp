@@ -4,12 +4,14 @@
 #include "modes/magnitude.h"
 #include "support/text/output_file.h"
 
+#include <optional>
+
 namespace trelm {
 namespace {
 
 /// Table and scores.
-Status writeResults(Run &run, const MlSearch &found, std::span<const MlPoint> list, OutFile &scores,
-                    Messages &messages)
+Status writeResults(const Run &run, const MlSearch &found, const DTable &shown, std::span<const MlPoint> list,
+                    OutFile &scores, Messages &messages)
 {
     MagnitudeResult result;
     static_cast<ExtremesTensor &>(result) = found.extremes;
@@ -17,7 +19,7 @@ Status writeResults(Run &run, const MlSearch &found, std::span<const MlPoint> li
     result.DaErrMl = static_cast<float>(found.best.DabErr);
     result.RMl = static_cast<float>(found.best.R);
     result.RErrMl = static_cast<float>(found.best.RErr);
-    const Status status = reportMagnitude(run, result, messages);
+    const Status status = reportMagnitude(run, result, shown, messages);
     std::string text;
     appendScores(list, text);
     writeOut(scores, text);
@@ -49,10 +51,12 @@ Status search(Run &run, Messages &messages)
     ObservedCouplings observed;
     MlSearch found;
     if (readObserved(run, observed, messages) != Status::ok ||
-        getMlDabR(observed, options, list.span(), found, messages) != Status::ok ||
-        fillCalculated(run.dTab[0], found.best, options.mlMap != 0, messages) != Status::ok)
+        getMlDabR(observed, options, list.span(), found, messages) != Status::ok)
         return Status::failed;
-    return writeResults(run, found, list.span().first(found.points), scores, messages);
+    std::optional<DTable> shown = copyTable(run.dTab[0], messages);
+    if (!shown || fillCalculated(*shown, found.best, options.mlMap != 0, messages) != Status::ok)
+        return Status::failed;
+    return writeResults(run, found, *shown, list.span().first(found.points), scores, messages);
 }
 
 } // namespace

@@ -7,6 +7,8 @@
 #include "report/run_report.h"
 #include "support/text/output_file.h"
 
+#include <optional>
+
 namespace trelm {
 namespace {
 
@@ -37,8 +39,11 @@ Status runHistogram(Run &run, Messages &messages)
     if (readObserved(run, observed, messages) != Status::ok ||
         getHistDabR(observed, run.trelmInfo[0], result, messages) != Status::ok)
         return Status::failed;
-    copyObserved(run.dTab[0]);
-    return reportMagnitude(run, result, messages);
+    std::optional<DTable> shown = copyTable(run.dTab[0], messages);
+    if (!shown)
+        return Status::failed;
+    copyObserved(*shown);
+    return reportMagnitude(run, result, *shown, messages);
 }
 
 Status openResult(OutFile &out, const std::string &name, Messages &messages)
@@ -95,7 +100,7 @@ Status runMotion(Run &run, Messages &messages)
             drawn, messages) != Status::ok ||
         writeMotion(drawn, outSc, outCol, messages) != Status::ok)
         return Status::failed;
-    return reportMagnitude(run, {}, messages);
+    return reportMagnitude(run, {}, run.dTab[0], messages);
 }
 
 } // namespace
@@ -115,13 +120,13 @@ Status readObserved(Run &run, ObservedCouplings &observed, Messages &messages)
     return collectObserved(dTab, observed, messages);
 }
 
-Status reportMagnitude(Run &run, const MagnitudeResult &result, Messages &messages)
+Status reportMagnitude(const Run &run, const MagnitudeResult &result, const DTable &dTab, Messages &messages)
 {
     TrelmInfo shown = run.trelmInfo[0];
     static_cast<MagnitudeResult &>(shown) = result;
     std::string text;
     writeTrelm(shown, text);
-    return writeDCmod({run.options.outDName}, run.dTab[0], shown, text, messages);
+    return writeDCmod({run.options.outDName}, dTab, shown, text, messages);
 }
 
 Status estimateByHistogram(Run &run, Messages &messages)

@@ -13,9 +13,9 @@ namespace trelm {
 /// collectObserved refuses.
 Status readObserved(Run &run, ObservedCouplings &observed, Messages &messages);
 
-/// Writes the report of an estimate, which shows `result`, with the table. Fails after a message if the
+/// Writes the report of an estimate, which shows `result`, with a table. Fails after a message if the
 /// output cannot be written to its end.
-Status reportMagnitude(Run &run, const MagnitudeResult &result, Messages &messages);
+Status reportMagnitude(const Run &run, const MagnitudeResult &result, const DTable &dTab, Messages &messages);
 
 // Both fail after their messages.
 Status estimateByHistogram(Run &run, Messages &messages);

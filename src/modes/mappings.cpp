@@ -130,25 +130,13 @@ Status writeTable(const Run &run, const std::string &name, const DTable &dTab, c
     return writeDCmod({name}, dTab, run.trelmInfo[0], text, messages);
 }
 
-/// The table of the run with what a fit has found.
-std::optional<DTable> tableWith(const Run &run, const FitResult &fit, Messages &messages)
-{
-    std::optional<DTable> shown = copyTable(run.dTab[0], messages);
-    if (!shown)
-        return std::nullopt;
-    shown->dTensor = fit.tensor;
-    for (std::size_t i = 0; i < fit.calculated.size(); ++i)
-        shown->dCalcList[i].d = fit.calculated[i];
-    return shown;
-}
-
 /// Couplings and structure of the mean tensor. Fails after a message.
 Status reportMeanTensor(Run &run, const TensorSamples &samples, MappingFit &fit, int mapCount,
                         Messages &messages)
 {
     if (fitMean(samples, inputOf(run), fit, messages) != Status::ok)
         return Status::failed;
-    const std::optional<DTable> shown = tableWith(run, fit.last, messages);
+    const std::optional<DTable> shown = tableWith(run.dTab[0], fit.last, messages);
     if (!shown ||
         writeTable(run, run.options.outDName, *shown, mappingReport(samples), messages) != Status::ok)
         return Status::failed;
@@ -179,7 +167,7 @@ Status takeMean(const TrelmInfo &options, DTensor &tensor, Messages &messages)
 /// them. Angles, Da and Dr of the tensor stay those of the last noisy fit. Fails after a message.
 Status reportCouplingNoise(Run &run, const CouplingNoiseResult &result, Messages &messages)
 {
-    std::optional<DTable> shown = tableWith(run, result.fit.last, messages);
+    std::optional<DTable> shown = tableWith(run.dTab[0], result.fit.last, messages);
     if (!shown)
         return Status::failed;
     std::ranges::transform(result.samples.saupeAve, shown->dTensor.saupe.begin(),

@@ -12,6 +12,7 @@
 #include "report/output.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace trelm {
 namespace {
@@ -33,10 +34,18 @@ Status bestFitSingle(Run &run, Messages &messages)
 {
     if (run.trelmInfo[0].validCountD == 0)
         messages.err("trelm: no coupling is left to fit.\n");
-    if (!fitD(&run.pdbInfo[0], run.dTab[0], run.trelmInfo[0].verbFlag, messages) ||
-        writeFit({&run.pdbInfo[0], &run.sInfo, &run.dTab[0], &run.trelmInfo[0], run.options.outDName,
-                  run.options.pRotName, run.options.remark},
-                 messages) != Status::ok)
+    const DTable &dTab = run.dTab[0];
+    FitColumns columns;
+    takeColumns(dTab, columns);
+    FitWork work;
+    FitResult fit = startOf(dTab);
+    std::optional<DTable> shown;
+    if (fitColumns({&run.pdbInfo[0], dTab, columns, run.trelmInfo[0].verbFlag}, work, fit, messages) ==
+        Status::ok)
+        shown = tableWith(dTab, fit, messages);
+    if (!shown || writeFit({&run.pdbInfo[0], &run.sInfo, &*shown, &run.trelmInfo[0], run.options.outDName,
+                            run.options.pRotName, run.options.remark},
+                           messages) != Status::ok)
         return messages.fail("trelm: error in best-fit of data.\n");
     return Status::ok;
 }

@@ -83,9 +83,12 @@ constexpr OptionRow fitKindRows[] = {
 };
 
 constexpr OptionRow reportRows[] = {
-    {"-verb", &TrelmInfo::verbFlag, 1}, {"-noverb", &TrelmInfo::verbFlag, 0},
-    {"-qDa", &TrelmInfo::qFlag, 1},     {"-qRms", &TrelmInfo::qFlag, 0},
-    {"-qStd", &TrelmInfo::qFlag, 2},    {"-err", &TrelmInfo::mapMode, 1},
+    {"-verb", &TrelmInfo::verbFlag, 1},
+    {"-noverb", &TrelmInfo::verbFlag, 0},
+    {"-qDa", &TrelmInfo::qFlag, qOfOrderMatrix},
+    {"-qRms", &TrelmInfo::qFlag, qOfRms},
+    {"-qStd", &TrelmInfo::qFlag, standardDeviation},
+    {"-err", &TrelmInfo::mapMode, 1},
     {"-noerr", &TrelmInfo::mapMode, 0},
 };
 
@@ -115,8 +118,8 @@ constexpr OptionRow fileRows[] = {
     {"-a1", &DcInfo::aFirst},
     {"-csThresh", &RunOptions::csThresh},
     {"-vcThresh", &RunOptions::validThresh},
-    {"-excl", &DcInfo::excludeMode, 1},
-    {"-inc", &DcInfo::excludeMode, 2},
+    {"-excl", &DcInfo::excludeMode, bothInside},
+    {"-inc", &DcInfo::excludeMode, oneInside},
     {"-fit", &RunOptions::fitFlag, 1},
     {"-nofit", &RunOptions::fitFlag, 0},
     {"-fixedDI", &TrelmInfo::allowFixedDI, 1},

@@ -325,9 +325,9 @@ int selectD(std::span<DInfo> dList, int segFirst, int segLast, int excludeMode)
     int count = 0;
     for (DInfo &row : dList) {
         bool keep = inside(std::max(row.resIDI, row.resIDJ));
-        if (excludeMode == 1)
+        if (excludeMode == bothInside)
             keep = inside(row.resIDI) && inside(row.resIDJ);
-        else if (excludeMode == 2)
+        else if (excludeMode == oneInside)
             keep = inside(row.resIDI) || inside(row.resIDJ);
         row.valid = row.d <= maxCoupling && keep ? 1 : 0;
         count += row.valid;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "couplings/fit_work.h"
+#include "couplings/options.h"
 #include "ground/alloc.h"
 #include "ground/messages.h"
 #include "structure/pdb.h"
@@ -143,8 +144,8 @@ struct RowQueries {
 };
 RowQueries queriesOf(const PDBInfo &pdbInfo, const DTable &dTab, const DInfo &obs, int aOff);
 
-/// Sets `valid` by value and by residue window: excludeMode 1 wants both residues inside, 2 at least one, any
-/// other the larger of the two. Returns the number of valid rows.
+/// Sets `valid` by value and by residue window: excludeMode is a WindowKind, and any other
+/// number largerInside. Returns the number of valid rows.
 int selectD(std::span<DInfo> dList, int segFirst, int segLast, int excludeMode);
 
 /// Drops rows by atom names, position by position; "All" means any. Never makes a row valid. Returns the

@@ -10,24 +10,38 @@ struct FitOptions {
     int eulerFlag = 1;    ///< solve for Euler angles
 };
 
+/// What a report tells as Q: values of ReportOptions::qFlag.
+enum QKind : int {
+    qOfRms = 0,
+    qOfOrderMatrix = 1,
+    standardDeviation = 2, ///< of the differences
+};
+
 /// What a report shows.
 struct ReportOptions {
-    int verbFlag = 1; ///< coupling output in extended format
-    int qFlag = 1;    ///< 0 Q from rms, 1 Q from the order matrix, 2 a standard deviation
-    int rotN = 0;     ///< index of the rotation of the PDB, or of a hinge axis
+    int verbFlag = 1;           ///< coupling output in extended format
+    int qFlag = qOfOrderMatrix; ///< a QKind
+    int rotN = 0;               ///< index of the rotation of the PDB, or of a hinge axis
 };
 
 /// A field of DcInfo below this counts as unset.
 constexpr int unsetResID = -99999;
 
+/// Which couplings lie in a window of residues: values of DcInfo::excludeMode.
+enum WindowKind : int {
+    bothInside = 1,   ///< those with both residues inside
+    oneInside = 2,    ///< at least one of them
+    largerInside = 3, ///< the larger of the two
+};
+
 /// The window of couplings.
 struct DcInfo {
-    int segFirst = -999999; ///< first residue of the coupling segment
-    int segLast = -999999;  ///< last residue of the segment
-    int segID = 1;          ///< segment id
-    int segStep = 0;        ///< segment step
-    int aFirst = -999999;   ///< first residue in the PDB that corresponds to segFirst
-    int excludeMode = 3;    ///< 1 exclusive, 2 inclusive, 3 inclusive with the maximum range
+    int segFirst = -999999;         ///< first residue of the coupling segment
+    int segLast = -999999;          ///< last residue of the segment
+    int segID = 1;                  ///< segment id
+    int segStep = 0;                ///< segment step
+    int aFirst = -999999;           ///< first residue in the PDB that corresponds to segFirst
+    int excludeMode = largerInside; ///< a WindowKind
 };
 
 } // namespace trelm

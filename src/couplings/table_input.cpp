@@ -37,7 +37,8 @@ int chooseRows(DTable &dTab, const DcInfo &dcInfo, std::string_view atomNameS1, 
 void tellRows(int count, const char *deed, int excludeMode, Messages &messages)
 {
     messages.out("REMARK %d couplings %s (%s%s).\n", count, deed,
-                 excludeMode == 1 ? "exclusive" : "inclusive", excludeMode == 3 ? " max" : "");
+                 excludeMode == bothInside ? "exclusive" : "inclusive",
+                 excludeMode == largerInside ? " max" : "");
 }
 
 } // namespace trelm

@@ -223,8 +223,7 @@ void addPhiPsiNoise(RandomStream &random, PDBInfo *pdbInfo, DTable *dTab, const 
         drawAngle(random, cone);
         drawAngle(random, cone);
     }
-    constexpr int inclusiveMax = 3;
-    selectD(dTab->observed(), offset.segFirst, offset.segLast, inclusiveMax);
+    selectD(dTab->observed(), offset.segFirst, offset.segLast, largerInside);
     buildDC(pdbInfo, *dTab,
             {.aOff = offsetOf(offset), .wOff = offset.segFirst, .wList = {}, .allowFixedDI = allowFixedDI},
             messages);

@@ -144,11 +144,11 @@ void appendStatistics(const DcStatistics &stat, int qFlag, std::string &text)
     appendf(text, "DATA RMS                  %.3f\n", number(stat.rSumD2));
     appendf(text, "DATA Chi2                 %.3f\n", number(stat.pSumD));
     appendf(text, "DATA CORR R               %.3f\n", number(stat.coorR));
-    if (qFlag == 0)
+    if (qFlag == qOfRms)
         appendf(text, "DATA Q RDC_RMS            %.3f\n", number(stat.qD));
-    else if (qFlag == 1)
+    else if (qFlag == qOfOrderMatrix)
         appendf(text, "DATA Q SAUPE              %.3f\n", number(stat.qIsoD));
-    else if (qFlag == 2)
+    else if (qFlag == standardDeviation)
         appendf(text, "DATA Q STDDEV             %.3f\n", number(stat.stdDevD));
     appendf(text, "DATA REGRESSION OFFSET    %.3f +/- %.3f [Hz]\n", number(stat.offset),
             number(stat.errOffset));

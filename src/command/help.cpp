@@ -1,7 +1,6 @@
 #include "command/help.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace trelm {
 namespace {
@@ -42,7 +41,7 @@ std::string helpLine(const HelpEntry &entry)
     return line.append(entry.description).append("\n");
 }
 
-void printInfo()
+void printInfo(Messages &messages)
 {
     std::string text = "trelm: Alignment from Structures and from Residual Dipolar Couplings.\n";
     for (const HelpSection &section : helpSections()) {
@@ -50,7 +49,7 @@ void printInfo()
         for (const HelpBlock &block : section.blocks)
             appendBlock(text, block);
     }
-    std::fputs(text.c_str(), stderr);
+    messages.text(Messages::Stream::err, text);
 }
 
 } // namespace trelm

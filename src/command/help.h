@@ -1,6 +1,8 @@
 // The help text of the program.
 #pragma once
 
+#include "ground/messages.h"
+
 #include <span>
 #include <string>
 #include <string_view>
@@ -33,7 +35,7 @@ std::span<const HelpSection> helpSections();
 /// One line: a blank, and flag, argument, default and description in their columns.
 std::string helpLine(const HelpEntry &entry);
 
-/// Writes the help text to the standard error stream.
-void printInfo();
+/// Says the help text.
+void printInfo(Messages &messages);
 
 } // namespace trelm

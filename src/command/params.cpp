@@ -1,6 +1,6 @@
 #include "command/params.h"
 
-#include "command/cmndargs.h"
+#include "command/command_line.h"
 #include "command/help.h"
 #include "report/modes.h"
 #include "support/text/text.h"
@@ -274,49 +274,38 @@ constexpr std::string_view specialFlagList[] = {
     "-twist", "-fixAa", "-fixRes", "-dcID", "-res",  "-r1",   "-rN",  "-version",
 };
 
-/// The words of the command line.
-struct CommandLine {
-    int argc;
-    char **argv;
-};
-
-void tellMissing(const CommandLine &line, const OptionRow &row)
+/// The value of a row; null after a warning if the option has none.
+const char *wordOf(CommandLine &line, const OptionRow &row)
 {
-    if (!row.quiet && flagLoc(line.argc, line.argv, row.flag) != 0)
-        warnNoValue(row.flag);
-}
-
-const char *wordOf(const CommandLine &line, const OptionRow &row)
-{
-    const char *word = nullptr;
-    if (ptrArgD(line.argc, line.argv, row.flag, &word) == 0)
-        tellMissing(line, row);
+    const char *word = line.valueOf(row.flag);
+    if (word == nullptr && !row.quiet && line.has(row.flag))
+        line.warnNoValue(row.flag);
     return word;
 }
 
-bool readValue(const CommandLine &line, const OptionRow &row, int &value)
+bool readValue(CommandLine &line, const OptionRow &row, int &value)
 {
     const char *word = wordOf(line, row);
     if (word == nullptr)
         return false;
     if (!row.quiet)
-        warnIntWord(row.flag, word);
+        line.warnInt(row.flag, word);
     value = intWord(word);
     return true;
 }
 
-bool readValue(const CommandLine &line, const OptionRow &row, float &value)
+bool readValue(CommandLine &line, const OptionRow &row, float &value)
 {
     const char *word = wordOf(line, row);
     if (word == nullptr)
         return false;
     if (!row.quiet)
-        warnFltWord(row.flag, word);
+        line.warnFloat(row.flag, word);
     value = fltWord(word);
     return true;
 }
 
-bool readValue(const CommandLine &line, const OptionRow &row, double &value)
+bool readValue(CommandLine &line, const OptionRow &row, double &value)
 {
     float single = 0.0f;
     if (!readValue(line, row, single))
@@ -325,7 +314,7 @@ bool readValue(const CommandLine &line, const OptionRow &row, double &value)
     return true;
 }
 
-bool readValue(const CommandLine &line, const OptionRow &row, std::string &value)
+bool readValue(CommandLine &line, const OptionRow &row, std::string &value)
 {
     const char *word = wordOf(line, row);
     if (word != nullptr)
@@ -333,7 +322,7 @@ bool readValue(const CommandLine &line, const OptionRow &row, std::string &value
     return word != nullptr;
 }
 
-bool readValue(const CommandLine &line, const OptionRow &row, const char *&value)
+bool readValue(CommandLine &line, const OptionRow &row, const char *&value)
 {
     const char *word = wordOf(line, row);
     if (word != nullptr)
@@ -341,14 +330,14 @@ bool readValue(const CommandLine &line, const OptionRow &row, const char *&value
     return word != nullptr;
 }
 
-bool readRow(const CommandLine &line, const OptionRow &row, const OptionRecords &records)
+bool readRow(CommandLine &line, const OptionRow &row, const OptionRecords &records)
 {
     const auto fill = [&](auto target) {
         auto &field = fieldOf(records, target);
         using Value = std::remove_reference_t<decltype(field)>;
         if (!row.preset)
             return readValue(line, row, field);
-        if (flagLoc(line.argc, line.argv, row.flag) == 0)
+        if (!line.has(row.flag))
             return false;
         if constexpr (std::is_arithmetic_v<Value>)
             field = static_cast<Value>(*row.preset);
@@ -357,18 +346,18 @@ bool readRow(const CommandLine &line, const OptionRow &row, const OptionRecords 
     return std::visit(fill, row.target);
 }
 
-void readDebugLevel(const CommandLine &line, RunOptions &options)
+void readDebugLevel(CommandLine &line, RunOptions &options)
 {
-    const int loc = flagLoc(line.argc, line.argv, "-dbg");
-    if (loc == 0)
+    if (!line.has("-dbg"))
         return;
     options.dbgFlag = 1;
-    if (intArgD(line.argc, line.argv, "-dbg", &options.dbgFlag) == 0)
+    const char *word = line.valueOf("-dbg");
+    if (word == nullptr)
         return;
+    options.dbgFlag = intWord(word);
     // A flag behind -dbg makes the level 0, like any word that is no number; the user meant no value at all.
-    const char *word = line.argv[loc + 1];
-    if (isFlag(word) == 0)
-        warnIntWord("-dbg", word);
+    if (!isFlag(word))
+        line.warnInt("-dbg", word);
 }
 
 void readEnvironment(RunOptions &options)
@@ -383,15 +372,15 @@ void readEnvironment(RunOptions &options)
             options.*field = value;
 }
 
-void readWeights(const CommandLine &line, RunOptions &options)
+void readWeights(CommandLine &line, RunOptions &options)
 {
-    options.wList = rListArg(line.argc, line.argv, "-w", &options.wCount);
-    if (flagLoc(line.argc, line.argv, "-w") == 0)
+    options.wList = line.numbersOf("-w", options.wCount);
+    if (!line.has("-w"))
         return;
     if (options.wCount == 0)
-        warnNoValue("-w");
-    for (const char *word : listWords(line.argc, line.argv, "-w"))
-        warnFltWord("-w", word);
+        line.warnNoValue("-w");
+    for (const char *word : line.listOf("-w"))
+        line.warnFloat("-w", word);
 }
 
 void expandNameLists(RunOptions &options)
@@ -403,104 +392,103 @@ void expandNameLists(RunOptions &options)
                            "LEU LYS MET PHE PRO SER THR TRP TYR VAL xPRO";
 }
 
-int readCutoff(const CommandLine &line, FieldOptions &elInfo)
+Status readCutoff(CommandLine &line, FieldOptions &elInfo)
 {
-    const int loc = flagLoc(line.argc, line.argv, "-cut");
+    const int loc = line.flagLoc("-cut");
     if (loc == 0)
-        return 0;
-    if (nextFlag(line.argc, line.argv, loc) - loc != 2)
-        return complain("GORVAT Error: -cut option requires 1 value only.\n");
-    const char *word = getNthArg(line.argc, line.argv, loc + 1);
-    warnDblWord("-cut", word);
+        return Status::ok;
+    if (line.nextFlag(loc) - loc != 2)
+        return line.messages.fail("GORVAT Error: -cut option requires 1 value only.\n");
+    const char *word = line.word(loc + 1);
+    line.warnDouble("-cut", word);
     elInfo.cutoffPot = dblWord(word);
-    return 0;
+    return Status::ok;
 }
 
-int readAxis(const CommandLine &line, std::string_view flag, std::array<float, 3> &axis)
+Status readAxis(CommandLine &line, std::string_view flag, std::array<float, 3> &axis)
 {
     std::array<double, 3> values = {};
-    const int status = readValues(line.argc, line.argv, flag, flag, values);
+    const Status status = readValues(line, flag, flag, values);
     std::ranges::transform(values, axis.begin(), boundedFloat);
     return status;
 }
 
 /// The order matrices to compare, and the axes of the comparison. Stops at the first fault.
-int readMatrices(const CommandLine &line, RunOptions &options)
+Status readMatrices(CommandLine &line, RunOptions &options)
 {
-    int status = readValues(line.argc, line.argv, "-inS1", "-inS1", options.userSaupe1);
-    if (status == 0)
-        status = readValues(line.argc, line.argv, "-inS2", "-inS2", options.userSaupe2);
-    if (status == 0)
+    Status status = readValues(line, "-inS1", "-inS1", options.userSaupe1);
+    if (status == Status::ok)
+        status = readValues(line, "-inS2", "-inS2", options.userSaupe2);
+    if (status == Status::ok)
         status = readAxis(line, "-hinge", options.hingeAxis);
-    return status == 0 ? readAxis(line, "-twist", options.twistAxis) : status;
+    return status == Status::ok ? readAxis(line, "-twist", options.twistAxis) : status;
 }
 
-int tooMany(std::string_view flag, std::size_t found, std::size_t limit)
+Status tooMany(CommandLine &line, std::string_view flag, std::size_t found, std::size_t limit)
 {
-    return complain("GORVAT Error: option %s takes at most %zu values, %zu were given.\n",
-                    std::string(flag).c_str(), limit, found);
+    return line.messages.fail("GORVAT Error: option %s takes at most %zu values, %zu were given.\n",
+                              std::string(flag).c_str(), limit, found);
 }
 
 /// Reads a list of integers; without the option it stays empty. Returns 0, or 1 after a message.
-int readIntList(const CommandLine &line, std::string_view flag, std::size_t limit,
-                std::optional<std::vector<int>> &list)
+Status readIntList(CommandLine &line, std::string_view flag, std::size_t limit,
+                   std::optional<std::vector<int>> &list)
 {
-    if (flagLoc(line.argc, line.argv, flag) == 0)
-        return 0;
-    const std::vector<const char *> words = listWords(line.argc, line.argv, flag);
+    if (!line.has(flag))
+        return Status::ok;
+    const std::vector<const char *> words = line.listOf(flag);
     if (words.size() > limit)
-        return tooMany(flag, words.size(), limit);
+        return tooMany(line, flag, words.size(), limit);
     if (words.empty())
-        warnNoValue(flag);
+        line.warnNoValue(flag);
     list.emplace();
     for (const char *word : words) {
-        warnIntWord(flag, word);
+        line.warnInt(flag, word);
         list->push_back(intWord(word));
     }
-    return 0;
+    return Status::ok;
 }
 
-int readPeakLists(const CommandLine &line, AssignmentOptions &assignment)
+Status readPeakLists(CommandLine &line, AssignmentOptions &assignment)
 {
     std::optional<std::vector<int>> classes, residues;
-    if (readIntList(line, "-fixAa", maxClasses, classes) != 0 ||
-        readIntList(line, "-fixRes", maxFixedResidues, residues) != 0)
-        return 1;
+    if (readIntList(line, "-fixAa", maxClasses, classes) != Status::ok ||
+        readIntList(line, "-fixRes", maxFixedResidues, residues) != Status::ok)
+        return Status::failed;
     // One counter serves all lists: without -fixRes it shows the length of the list that was read last, and
     // the assignment search has always seen that.
-    const std::size_t otherLists = flagLoc(line.argc, line.argv, "-inS") != 0 ? 5 : 3;
+    const std::size_t otherLists = line.has("-inS") ? 5 : 3;
     assignment.classes = classes.value_or(std::vector<int>());
     assignment.fixedResidues =
         residues.value_or(std::vector<int>(classes ? classes->size() : otherLists, noFixedResidue));
-    return 0;
+    return Status::ok;
 }
 
-int readMedia(const CommandLine &line, AssignmentOptions &assignment)
+Status readMedia(CommandLine &line, AssignmentOptions &assignment)
 {
-    if (flagLoc(line.argc, line.argv, "-dcID") == 0)
-        return 0;
-    const std::vector<const char *> words = listWords(line.argc, line.argv, "-dcID");
+    if (!line.has("-dcID"))
+        return Status::ok;
+    const std::vector<const char *> words = line.listOf("-dcID");
     if (words.size() > maxMedia)
-        return tooMany("-dcID", words.size(), maxMedia);
+        return tooMany(line, "-dcID", words.size(), maxMedia);
     if (words.empty())
-        warnNoValue("-dcID");
+        line.warnNoValue("-dcID");
     else
         assignment.media.assign(words.begin(), words.end());
-    return 0;
+    return Status::ok;
 }
 
-void readTensor(const CommandLine &line, TrelmInfo &trelmInfo, DTensor &dTensor)
+void readTensor(CommandLine &line, TrelmInfo &trelmInfo, DTensor &dTensor)
 {
-    getDCTensorParams(line.argc, line.argv, &dTensor); // a bad vector was told, and the run goes on
+    // A bad vector was told, and the run goes on.
+    static_cast<void>(getDCTensorParams(line, dTensor));
     trelmInfo.eulerFlag = dTensor.eulerFlag;
 }
 
 /// All options behind the selection and the tensor, in look-up order.
-int readMainOptions(const CommandLine &line, const OptionRecords &records)
+Status readMainOptions(CommandLine &line, const OptionRecords &records)
 {
-    const auto rows = [&](std::span<const OptionRow> table) {
-        readRows(line.argc, line.argv, table, records);
-    };
+    const auto rows = [&](std::span<const OptionRow> table) { readRows(line, table, records); };
     RunOptions &options = *records.options;
     TrelmInfo &trelmInfo = *records.trelmInfo;
     readDebugLevel(line, options);
@@ -510,54 +498,40 @@ int readMainOptions(const CommandLine &line, const OptionRecords &records)
     rows(fileRows);
     expandNameLists(options);
     rows(simulationRows);
-    if (readCutoff(line, trelmInfo) != 0)
-        return 1;
+    if (readCutoff(line, trelmInfo) != Status::ok)
+        return Status::failed;
     rows(conversionRows);
-    if (readMatrices(line, options) != 0)
-        return 1;
+    if (readMatrices(line, options) != Status::ok)
+        return Status::failed;
     rows(comparisonRows);
-    if (readValues(line.argc, line.argv, "-inS", "-inS", options.userSaupe1) != 0)
-        return 1;
+    if (readValues(line, "-inS", "-inS", options.userSaupe1) != Status::ok)
+        return Status::failed;
     rows(magnitudeRows);
-    if (readPeakLists(line, trelmInfo) != 0)
-        return 1;
+    if (readPeakLists(line, trelmInfo) != Status::ok)
+        return Status::failed;
     return readMedia(line, trelmInfo);
 }
 
 } // namespace
 
-int readRows(int argc, char **argv, std::span<const OptionRow> rows, const OptionRecords &records)
+std::ptrdiff_t readRows(CommandLine &line, std::span<const OptionRow> rows, const OptionRecords &records)
 {
-    const CommandLine line = {argc, argv};
-    return static_cast<int>(
-        std::ranges::count_if(rows, [&](const OptionRow &row) { return readRow(line, row, records); }));
+    return std::ranges::count_if(rows, [&](const OptionRow &row) { return readRow(line, row, records); });
 }
 
-std::vector<const char *> listWords(int argc, char **argv, std::string_view flag)
+Status readValues(CommandLine &line, std::string_view flag, std::string_view name, std::span<double> values)
 {
-    std::vector<const char *> words;
-    const int loc = flagLoc(argc, argv, flag);
-    if (loc == 0)
-        return words;
-    const int end = nextFlag(argc, argv, loc);
-    for (int i = loc + 1; i < end; ++i)
-        words.push_back(getNthArg(argc, argv, i));
-    return words;
-}
-
-int readValues(int argc, char **argv, std::string_view flag, std::string_view name, std::span<double> values)
-{
-    if (flagLoc(argc, argv, flag) == 0)
-        return 0;
-    const std::vector<const char *> words = listWords(argc, argv, flag);
+    if (!line.has(flag))
+        return Status::ok;
+    const std::vector<const char *> words = line.listOf(flag);
     if (words.size() != values.size())
-        return complain("GORVAT Error: %s option requires %zu values.\n", std::string(name).c_str(),
-                        values.size());
+        return line.messages.fail("GORVAT Error: %s option requires %zu values.\n", std::string(name).c_str(),
+                                  values.size());
     for (std::size_t i = 0; i < words.size(); ++i) {
-        warnDblWord(flag, words[i]);
+        line.warnDouble(flag, words[i]);
         values[i] = dblWord(words[i]);
     }
-    return 0;
+    return Status::ok;
 }
 
 std::vector<std::span<const OptionRow>> optionTables()
@@ -578,20 +552,19 @@ std::span<const std::string_view> specialFlags()
     return specialFlagList;
 }
 
-int getparams(int argc, char **argv, RunOptions &options, TrelmInfo &trelmInfo, DcInfo &dcInfo,
-              PDBSelectInfo &sInfo, DTensor &dTensor)
+Status getparams(CommandLine &line, RunOptions &options, TrelmInfo &trelmInfo, DcInfo &dcInfo,
+                 PDBSelectInfo &sInfo, DTensor &dTensor)
 {
-    const CommandLine line = {argc, argv};
     const OptionRecords records = {&options, &trelmInfo, &dcInfo, &sInfo, &dTensor};
-    if (argc <= 1 || flagLoc(argc, argv, "-help") != 0) {
-        printInfo();
-        return 1;
+    if (line.count() <= 1 || line.has("-help")) {
+        printInfo(line.messages);
+        return Status::failed;
     }
-    readRows(argc, argv, modeFlagRows, records);
-    readRows(argc, argv, fitKindRows, records);
-    options.fitFlag = flagLoc(argc, argv, "-pdb") != 0 ? 1 : 0;
+    readRows(line, modeFlagRows, records);
+    readRows(line, fitKindRows, records);
+    options.fitFlag = line.has("-pdb") ? 1 : 0;
     if (options.fitFlag != 0)
-        getPDBSelectArgs(argc, argv, &sInfo);
+        getPDBSelectArgs(line, sInfo);
     readTensor(line, trelmInfo, dTensor);
     return readMainOptions(line, records);
 }

@@ -1,11 +1,13 @@
 // The options: rows of tables that say which field an option fills, and the walk over them.
 #pragma once
 
+#include "command/command_line.h"
 #include "couplings/dipolar.h"
 #include "modes/run_options.h"
 #include "report/parameters.h"
 #include "structure/select.h"
 
+#include <cstddef>
 #include <optional>
 #include <span>
 #include <string>
@@ -68,14 +70,11 @@ Value &fieldOf(const OptionRecords &records, Value DTensor::*field)
 }
 
 /// Reads the options of a table in the order of its rows. Returns the number of rows that filled their field.
-int readRows(int argc, char **argv, std::span<const OptionRow> rows, const OptionRecords &records);
+std::ptrdiff_t readRows(CommandLine &line, std::span<const OptionRow> rows, const OptionRecords &records);
 
-/// The words from an option to the next flag, marked as used.
-std::vector<const char *> listWords(int argc, char **argv, std::string_view flag);
-
-/// Reads an option that takes exactly values.size() numbers. Returns 0, also without the option; 1 after
+/// Reads an option that takes exactly values.size() numbers. Fails after
 /// "GORVAT Error: %s option requires %d values.\n" with `name` if the count is another.
-int readValues(int argc, char **argv, std::string_view flag, std::string_view name, std::span<double> values);
+Status readValues(CommandLine &line, std::string_view flag, std::string_view name, std::span<double> values);
 
 /// All tables in look-up order, those of the selection and the tensor included.
 std::vector<std::span<const OptionRow>> optionTables();
@@ -85,17 +84,17 @@ std::vector<std::span<const OptionRow>> tensorTables();
 /// The options that are read by steps of their own, not by rows.
 std::span<const std::string_view> specialFlags();
 
-/// Reads the command line into the records, which hold their defaults. Returns 0, or 1 after the help text
+/// Reads the command line into the records, which hold their defaults. Fails after the help text
 /// (asked for, or no arguments at all) or after the message on a list of the wrong length. What follows such
 /// a list in look-up order is then not read.
-int getparams(int argc, char **argv, RunOptions &options, TrelmInfo &trelmInfo, DcInfo &dcInfo,
-              PDBSelectInfo &sInfo, DTensor &dTensor);
+Status getparams(CommandLine &line, RunOptions &options, TrelmInfo &trelmInfo, DcInfo &dcInfo,
+                 PDBSelectInfo &sInfo, DTensor &dTensor);
 
-/// Reads the selection options. Returns 0; 1 if it printed its help text and set nothing.
-int getPDBSelectArgs(int argc, char **argv, PDBSelectInfo *sInfo);
+/// Reads the selection options.
+void getPDBSelectArgs(CommandLine &line, PDBSelectInfo &sInfo);
 
-/// Reads the tensor options into a tensor with its defaults. Returns 0, or 1 after the message on a Saupe
+/// Reads the tensor options into a tensor with its defaults. Fails after the message on a Saupe
 /// vector that has not five values.
-int getDCTensorParams(int argc, char **argv, DTensor *tInfo);
+Status getDCTensorParams(CommandLine &line, DTensor &tInfo);
 
 } // namespace trelm

@@ -5,15 +5,15 @@
 
 namespace trelm {
 
-/// Prints the banner and asks for the records. Returns 0, or 1 after a message.
-int startRun(Run &run);
+/// Prints the banner and asks for the records. Fails after a message.
+Status startRun(Run &run, Messages &messages);
 
-/// Reads the command line into the records and checks its words. Returns 0, or 1 after a message.
-int readOptions(int argc, char **argv, Run &run);
+/// Reads the command line into the records and checks its words. Fails after a message.
+Status readOptions(int argc, char **argv, Run &run, Messages &messages);
 
 /// The one tear-down: releases the records and prints the memory balance. Returns the status, or 1 if
 /// standard output or the standard error stream could not be written to its end, or if any request for memory
 /// failed.
-int endRun(Run &run, int status);
+int endRun(Run &run, Status status, Messages &messages);
 
 } // namespace trelm

@@ -1,4 +1,4 @@
-#include "command/cmndargs.h"
+#include "command/command_line.h"
 #include "command/params.h"
 #include "support/text/match.h"
 #include "support/text/text.h"
@@ -51,72 +51,30 @@ constexpr OptionRow matchRows[] = {
     {"-sGlob", &PDBSelectInfo::segNameMode, matchGlob},
 };
 
-/// A line of the help text; without a flag it is a heading. The description starts in `column`.
-struct SelectHelpRow {
-    const char *flag;
-    const char *argument;
-    int column;
-    const char *text;
-};
-
-constexpr SelectHelpRow helpRows[] = {
-    {"-res", "resID", 18, "Single Residue for Selection."},
-    {"-r1", "res1", 18, "First Residue in Segment."},
-    {"-rN", "resN", 18, "Last Residue in Segment."},
-    {"-atomName", "aList", 18, "Atom Name List  (also -atom)."},
-    {"-resName", "rList", 18, "Res Name List   (Default: *)."},
-    {"-chain", "cList", 18, "Chain Name List (Default: *)."},
-    {"-seg", "sList", 18, "Seg Name List   (Default: *)."},
-    {"-id", "sID", 18, "Selection ID."},
-    {"-inv", "", 18, "Invert Selection."},
-    {"", "", 0, "Special Class Selection:"},
-    {"-protein", "", 17, "Select Only Canonical Amino Acids."},
-    {"", "", 0, "Reset Selection; No Other Selection Performed:"},
-    {"-clear", "", 17, "Clear Selection for All Atoms."},
-    {"-set", "", 17, "Set Selection for All Atoms."},
-    {"", "", 0, "Name Matching Modes:"},
-    {"-exact", "", 15, "Match Names Exactly (Default)."},
-    {"-regex", "", 15, "Regular Expression Pattern Matching."},
-    {"-glob", "", 15, "Glob-style Pattern Matching."},
-    {"", "", 0, "PDB Input Options:"},
-    {"-hetatm", "", 15, "Interpret HETATM records as ATOMs."},
-};
-
-void printSelectHelp()
-{
-    std::string text;
-    for (const SelectHelpRow &row : helpRows) {
-        std::string line;
-        if (row.column > 0)
-            appendf(line, " %-10s%s", row.flag, row.argument);
-        line.resize(static_cast<std::size_t>(row.column), ' ');
-        text += line + row.text + "\n";
-    }
-    complain("%s", text.c_str());
-}
-
 /// Reads one of the residue options. The text "*" is no number, and no fault either.
-bool readResidueText(int argc, char **argv, const char *flag, std::string &text)
+bool readResidueText(CommandLine &line, const char *flag, std::string &text)
 {
-    if (flagLoc(argc, argv, flag) == 0)
+    if (!line.has(flag))
         return false;
-    if (strArgD(argc, argv, flag, &text) == 0) {
-        warnNoValue(flag);
+    const char *word = line.valueOf(flag);
+    if (word == nullptr) {
+        line.warnNoValue(flag);
         return false;
     }
+    text = word;
     if (text != "*")
-        warnIntWord(flag, text);
+        line.warnInt(flag, text);
     return true;
 }
 
 /// Reads the residue range. Returns true if there was one.
-bool readResidues(int argc, char **argv, PDBSelectInfo &sInfo)
+bool readResidues(CommandLine &line, PDBSelectInfo &sInfo)
 {
     std::string first;
-    bool given = readResidueText(argc, argv, "-res", first);
+    bool given = readResidueText(line, "-res", first);
     std::string last = first;
-    given = readResidueText(argc, argv, "-r1", first) || given;
-    given = readResidueText(argc, argv, "-rN", last) || given;
+    given = readResidueText(line, "-r1", first) || given;
+    given = readResidueText(line, "-rN", last) || given;
     if (given)
         sInfo.resIDMode = 1;
     if (first == "*" || last == "*") {
@@ -128,7 +86,7 @@ bool readResidues(int argc, char **argv, PDBSelectInfo &sInfo)
     return given;
 }
 
-void reportSelection(const PDBSelectInfo &sInfo)
+void reportSelection(const PDBSelectInfo &sInfo, Messages &messages)
 {
     std::string text = "PDB Selection:";
     if (sInfo.selectMode == 1)
@@ -137,7 +95,7 @@ void reportSelection(const PDBSelectInfo &sInfo)
         appendf(text, " %d to %d Atoms: %s Residues: %s Chains %s Segs: %s.\n", sInfo.res1, sInfo.resN,
                 sInfo.atomNameList.c_str(), sInfo.resNameList.c_str(), sInfo.chainNameList.c_str(),
                 sInfo.segNameList.c_str());
-    complain("%s", text.c_str());
+    messages.text(Messages::Stream::err, text);
 }
 
 } // namespace
@@ -147,26 +105,21 @@ std::vector<std::span<const OptionRow>> selectionTables()
     return {classRows, listRows, matchRows};
 }
 
-int getPDBSelectArgs(int argc, char **argv, PDBSelectInfo *sInfo)
+void getPDBSelectArgs(CommandLine &line, PDBSelectInfo &sInfo)
 {
-    if (flagLoc(argc, argv, "-help") != 0) {
-        printSelectHelp();
-        return 1;
-    }
-    const OptionRecords records = {.sInfo = sInfo};
-    readRows(argc, argv, classRows, records);
-    const bool verb = flagLoc(argc, argv, "-verb") != 0;
-    const bool residues = readResidues(argc, argv, *sInfo);
-    const bool lists = readRows(argc, argv, listRows, records) > 0;
+    const OptionRecords records = {.sInfo = &sInfo};
+    readRows(line, classRows, records);
+    const bool verb = line.has("-verb");
+    const bool residues = readResidues(line, sInfo);
+    const bool lists = readRows(line, listRows, records) > 0;
     // Stands behind -inv, which a range or a list so overrides, and before -clear and -set.
     if (residues || lists)
-        sInfo->selectMode = 2;
-    readRows(argc, argv, matchRows, records);
-    pdbSelectAdjust(*sInfo);
-    pdbSelectCheck(*sInfo, standardMessages());
+        sInfo.selectMode = 2;
+    readRows(line, matchRows, records);
+    pdbSelectAdjust(sInfo);
+    pdbSelectCheck(sInfo, line.messages);
     if (verb)
-        reportSelection(*sInfo);
-    return 0;
+        reportSelection(sInfo, line.messages);
 }
 
 } // namespace trelm

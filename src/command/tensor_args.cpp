@@ -1,4 +1,4 @@
-#include "command/cmndargs.h"
+#include "command/command_line.h"
 #include "command/params.h"
 
 #include <array>
@@ -49,17 +49,17 @@ void pinAngles(DTensor &tensor)
     tensor.phiMin = tensor.phiMax = tensor.phi;
 }
 
-int readUserSaupe(int argc, char **argv, DTensor &tensor)
+Status readUserSaupe(CommandLine &line, DTensor &tensor)
 {
-    const char *flag = flagLoc(argc, argv, "-saupe") != 0 ? "-saupe" : "-align";
+    const char *flag = line.has("-saupe") ? "-saupe" : "-align";
     std::array<double, 5> values = {};
-    if (readValues(argc, argv, flag, "-saupe", values) != 0)
-        return 1;
-    if (flagLoc(argc, argv, flag) == 0)
-        return 0;
+    if (readValues(line, flag, "-saupe", values) != Status::ok)
+        return Status::failed;
+    if (!line.has(flag))
+        return Status::ok;
     for (std::size_t i = 0; i < values.size(); ++i)
         tensor.userSaupe[i] = boundedFloat(values[i]);
-    return 0;
+    return Status::ok;
 }
 
 } // namespace
@@ -69,21 +69,21 @@ std::vector<std::span<const OptionRow>> tensorTables()
     return {methodRows, givenTensorRows, limitRows, angleLimitRows};
 }
 
-int getDCTensorParams(int argc, char **argv, DTensor *tInfo)
+Status getDCTensorParams(CommandLine &line, DTensor &tInfo)
 {
-    const OptionRecords records = {.dTensor = tInfo};
-    *tInfo = DTensor{};
-    readRows(argc, argv, methodRows, records);
+    const OptionRecords records = {.dTensor = &tInfo};
+    tInfo = DTensor{};
+    readRows(line, methodRows, records);
     // A magnitude on the line is meant to be used: the linear fit, which would ignore it, gives way.
-    if (readRows(argc, argv, givenTensorRows, records) > 0 && tInfo->tensorMode == tensorSvd)
-        tInfo->tensorMode = tensorDaDr;
-    if (tInfo->tensorMode == tensorDaDr || tInfo->tensorMode == tensorFixed)
-        pinMagnitude(*tInfo);
-    readRows(argc, argv, limitRows, records);
-    if (tInfo->tensorMode == tensorFixed)
-        pinAngles(*tInfo);
-    readRows(argc, argv, angleLimitRows, records);
-    return readUserSaupe(argc, argv, *tInfo);
+    if (readRows(line, givenTensorRows, records) > 0 && tInfo.tensorMode == tensorSvd)
+        tInfo.tensorMode = tensorDaDr;
+    if (tInfo.tensorMode == tensorDaDr || tInfo.tensorMode == tensorFixed)
+        pinMagnitude(tInfo);
+    readRows(line, limitRows, records);
+    if (tInfo.tensorMode == tensorFixed)
+        pinAngles(tInfo);
+    readRows(line, angleLimitRows, records);
+    return readUserSaupe(line, tInfo);
 }
 
 } // namespace trelm

@@ -1,20 +1,28 @@
 #include "command/version.h"
 
-#include "command/cmndargs.h"
 #include "support/text/output_file.h"
+
+#include <algorithm>
+#include <span>
+#include <string_view>
 
 namespace trelm {
 
 bool asksVersion(int argc, char **argv)
 {
-    return flagLoc(argc, argv, "-version") != 0 && flagLoc(argc, argv, "-help") == 0;
+    const std::span<char *> words(argv, static_cast<std::size_t>(argc));
+    const auto has = [words](std::string_view flag) {
+        return std::ranges::any_of(words,
+                                   [flag](const char *word) { return word != nullptr && flag == word; });
+    };
+    return has("-version") && !has("-help");
 }
 
-int printVersion()
+Status printVersion(Messages &messages)
 {
     OutFile out;
     writeOut(out, "trelm " TRELM_VERSION "\n");
-    return static_cast<int>(closeOut(out, standardMessages()));
+    return closeOut(out, messages);
 }
 
 } // namespace trelm

@@ -1,8 +1,8 @@
 // Every option by its row, contradictions, lists, and values that are none.
 #include "command/params.h"
 
+#include "common/heard.h"
 #include "common/line.h"
-#include "common/said.h"
 
 #include <gtest/gtest.h>
 
@@ -23,7 +23,7 @@ struct Parsed {
     PDBSelectInfo sInfo;
     DTensor dTensor;
     std::optional<Line> words; ///< texts of the records point into it
-    int status = -1;
+    Status status = Status::failed;
     std::string told;
 
     [[nodiscard]] OptionRecords records() { return {&options, &trelmInfo, &dcInfo, &sInfo, &dTensor}; }
@@ -32,10 +32,10 @@ struct Parsed {
     {
         line.insert(line.begin(), "trelm");
         words.emplace(std::move(line));
-        told = said([&] {
-                   status =
-                       getparams(words->argc(), words->argv(), options, trelmInfo, dcInfo, sInfo, dTensor);
-               }).err;
+        Heard heard;
+        CommandLine commandLine(words->argc(), words->argv(), ArgumentCheck::none, heard.messages);
+        status = getparams(commandLine, options, trelmInfo, dcInfo, sInfo, dTensor);
+        told = heard.err;
     }
 };
 
@@ -112,7 +112,7 @@ TEST(Params, EachFlagSetsItsFieldAndOnlyIt)
         Parsed parsed;
         readSpoiled(parsed, rows,
                     takesValue ? Words{std::string(tried.flag), "7"} : Words{std::string(tried.flag)});
-        EXPECT_EQ(parsed.status, 0);
+        EXPECT_EQ(parsed.status, Status::ok);
         const std::string value = valueOf(tried, parsed.records());
         EXPECT_TRUE(tried.preset ? value == show(*tried.preset) : value == "7" || value == show(7)) << value;
         for (std::size_t i = 0; i < rows.size() && !pinning.contains(tried.flag); ++i) {
@@ -160,7 +160,7 @@ void expectAll(std::span<const Case> cases)
         std::string text;
         for (const std::string &word : check.line)
             text += word + " ";
-        EXPECT_EQ(parsed.status, 0) << text << parsed.told;
+        EXPECT_EQ(parsed.status, Status::ok) << text << parsed.told;
         EXPECT_EQ(check.field(parsed), check.expected) << text;
     }
 }
@@ -345,12 +345,12 @@ TEST(Params, ValuesThatAreNoneAreToldOnceAndTheRunGoesOn)
     for (const auto &check : cases) {
         Parsed parsed;
         parsed.read(check.line);
-        EXPECT_EQ(parsed.status, 0) << check.line[0];
+        EXPECT_EQ(parsed.status, Status::ok) << check.line[0];
         EXPECT_EQ(parsed.told, check.told.empty() ? "" : "Warning: " + check.told + "\n");
     }
     Parsed four;
     four.read({"-saupe", "1", "2", "3", "4"});
-    EXPECT_EQ(four.status, 0);
+    EXPECT_EQ(four.status, Status::ok);
     EXPECT_EQ(four.told, "GORVAT Error: -saupe option requires 5 values.\n");
 }
 
@@ -379,7 +379,7 @@ TEST(Params, ListsOfAnotherLengthEndTheReading)
     for (const auto &check : cases) {
         Parsed parsed;
         parsed.read(check.line);
-        EXPECT_EQ(parsed.status, 1) << check.line[0];
+        EXPECT_EQ(parsed.status, Status::failed) << check.line[0];
         EXPECT_EQ(parsed.told, std::string("GORVAT Error: ") + check.told);
     }
     Parsed full;
@@ -389,34 +389,6 @@ TEST(Params, ListsOfAnotherLengthEndTheReading)
     stopped.read({"-inS1", "1", "-outA", "later", "-outD", "earlier"});
     EXPECT_EQ(stopped.options.outAName, "");
     EXPECT_EQ(stopped.options.outDName, "earlier");
-}
-
-TEST(Params, TheSelectionHasAHelpTextOfItsOwn)
-{
-    Line line({"trelm", "-help", "-inv"});
-    PDBSelectInfo sInfo;
-    EXPECT_EQ(said([&] { getPDBSelectArgs(line.argc(), line.argv(), &sInfo); }).err,
-              " -res      resID  Single Residue for Selection.\n"
-              " -r1       res1   First Residue in Segment.\n"
-              " -rN       resN   Last Residue in Segment.\n"
-              " -atomName aList  Atom Name List  (also -atom).\n"
-              " -resName  rList  Res Name List   (Default: *).\n"
-              " -chain    cList  Chain Name List (Default: *).\n"
-              " -seg      sList  Seg Name List   (Default: *).\n"
-              " -id       sID    Selection ID.\n"
-              " -inv             Invert Selection.\n"
-              "Special Class Selection:\n"
-              " -protein        Select Only Canonical Amino Acids.\n"
-              "Reset Selection; No Other Selection Performed:\n"
-              " -clear          Clear Selection for All Atoms.\n"
-              " -set            Set Selection for All Atoms.\n"
-              "Name Matching Modes:\n"
-              " -exact        Match Names Exactly (Default).\n"
-              " -regex        Regular Expression Pattern Matching.\n"
-              " -glob         Glob-style Pattern Matching.\n"
-              "PDB Input Options:\n"
-              " -hetatm       Interpret HETATM records as ATOMs.\n");
-    EXPECT_EQ(sInfo.selectMode, 1);
 }
 
 } // namespace

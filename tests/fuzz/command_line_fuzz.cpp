@@ -1,7 +1,6 @@
 // Command lines: each line of the input is a word. The first byte chooses how unused words are reported.
 #include "fuzz_input.h"
 
-#include "command/cmndargs.h"
 #include "command/run.h"
 #include "simulation/alignment/alignment.h"
 #include "simulation/charges/potential.h"
@@ -69,10 +68,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     argv.push_back(nullptr);
 
     Run run;
-    require(startRun(run) == 0, "a run starts");
-    int status = readOptions(static_cast<int>(words.size()), argv.data(), run);
+    require(startRun(run, standardMessages()) == Status::ok, "a run starts");
+    const Status status = readOptions(static_cast<int>(words.size()), argv.data(), run, standardMessages());
     setAlloc(0); // a debug level would trace all later inputs
-    if (status == 0) {
+    if (status == Status::ok) {
         checkRecords(run);
         static_cast<void>(checkSample(run.trelmInfo[0], standardMessages()));
         static_cast<void>(checkSimulation(run.trelmInfo[0], standardMessages()));
@@ -80,6 +79,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         static_cast<void>(gridPoints(run.trelmInfo[0], points, standardMessages()));
         static_cast<void>(refine_bicelle(run.trelmInfo[0]));
     }
-    require(endRun(run, status) == status, "a run ends with the status it is given");
+    require(endRun(run, status, standardMessages()) == static_cast<int>(status),
+            "a run ends with the status it is given");
     return 0;
 }

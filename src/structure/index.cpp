@@ -35,19 +35,18 @@ struct KeyedList {
 template <class T>
 T *findOrAdd(const KeyedList<T> &keyed, const Indexing &work)
 {
-    if (const HSymInfo *known = hFindSym(work.key, keyed.table))
-        return &keyed.list[static_cast<std::size_t>(known->value)];
+    if (const auto place = hFindSym(work.key, keyed.table))
+        return &keyed.list[static_cast<std::size_t>(*place)];
     const auto count = static_cast<std::size_t>(keyed.count);
     if (!makeRoom(keyed.list, "pdb", count, 1, keyed.first)) {
         work.messages.err("%s", keyed.memoryMessage);
         return nullptr;
     }
-    HSymInfo *symbol = hAddSym(work.key, 0, keyed.table);
-    if (symbol == nullptr) {
+    if (hAddSym(work.key, keyed.count, keyed.table, work.messages) != Status::ok) {
         work.messages.err("%s", keyed.tableMessage);
         return nullptr;
     }
-    symbol->value = keyed.count++;
+    ++keyed.count;
     return &keyed.list[count];
 }
 
@@ -59,16 +58,14 @@ Status insertAtom(Indexing &work, int place)
     const AtomInfo &atom = pdbInfo.atomList[static_cast<std::size_t>(place)];
     buildAtomText(atom.resID, atom.atomName.view(), atom.icode.view(), atom.chainID.view(), atom.segID.view(),
                   work.key);
-    if (hFindSym(work.key, pdbInfo.atomTab) != nullptr) {
+    if (hFindSym(work.key, pdbInfo.atomTab)) {
         work.messages.err("PDB Warning: Redundant Atom Specification.\n"
                           " ResID: %d AtomName: %s Chain: %s Segment: %s\n",
                           atom.resID, atom.atomName.c_str(), atom.chainID.c_str(), atom.segID.c_str());
         return Status::ok;
     }
-    HSymInfo *symbol = hAddSym(work.key, 0, pdbInfo.atomTab);
-    if (symbol == nullptr)
+    if (hAddSym(work.key, place, pdbInfo.atomTab, work.messages) != Status::ok)
         return work.messages.fail("PDB Atom Symbol Table Error.\n");
-    symbol->value = place;
     return Status::ok;
 }
 

@@ -47,8 +47,8 @@ ResInfo *findRes(PDBInfo *pdbInfo, int resID, std::string_view chainName, std::s
         return nullptr;
     std::string key;
     buildResText(resID, chainName, segName, key);
-    const HSymInfo *symbol = hFindSym(key, pdbInfo->resTab);
-    return symbol == nullptr ? nullptr : &pdbInfo->resList[static_cast<std::size_t>(symbol->value)];
+    const auto place = hFindSym(key, pdbInfo->resTab);
+    return place ? &pdbInfo->resList[static_cast<std::size_t>(*place)] : nullptr;
 }
 
 AtomInfo *findAtom(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
@@ -58,8 +58,8 @@ AtomInfo *findAtom(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::
         return nullptr;
     std::string key;
     buildLookupText(resID, atomName, chainName, segName, key);
-    const HSymInfo *symbol = hFindSym(key, pdbInfo->atomTab);
-    return symbol == nullptr ? nullptr : &pdbInfo->atomList[static_cast<std::size_t>(symbol->value)];
+    const auto place = hFindSym(key, pdbInfo->atomTab);
+    return place ? &pdbInfo->atomList[static_cast<std::size_t>(*place)] : nullptr;
 }
 
 int findAtomList(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,

@@ -126,8 +126,10 @@ Status readAtoms(TextInput &input, PDBInfo &pdbInfo, const PDBSelectInfo *sInfo,
 
 Status makeTables(PDBInfo &pdbInfo, Messages &messages)
 {
-    if (hSymTabAlloc(pdbInfo.atomTab, atomChains) != 0 || hSymTabAlloc(pdbInfo.resTab, 0) != 0 ||
-        hSymTabAlloc(pdbInfo.chainTab, 0) != 0 || hSymTabAlloc(pdbInfo.segTab, 0) != 0)
+    if (hSymTabAlloc(pdbInfo.atomTab, atomChains, messages) != Status::ok ||
+        hSymTabAlloc(pdbInfo.resTab, 0, messages) != Status::ok ||
+        hSymTabAlloc(pdbInfo.chainTab, 0, messages) != Status::ok ||
+        hSymTabAlloc(pdbInfo.segTab, 0, messages) != Status::ok)
         return messages.fail("PDB Error creating object tables.\n");
     return Status::ok;
 }

@@ -15,7 +15,6 @@ namespace {
 
 constexpr int classCanonical = 4;  ///< selectClass: canonical amino acids only
 constexpr int selectInverted = -1; ///< selectMode
-constexpr int caseCounts = 1;
 
 // The amino acids of selectClass, capitals or not. Nucleotides are none.
 constexpr std::string_view aminoAcids[] = {"ALA", "ARG", "ASN", "ASP", "CYS", "GLN", "GLU",
@@ -28,20 +27,23 @@ bool isCanonical(const AtomInfo &atom)
         aminoAcids, [&atom](std::string_view name) { return equalNoCase(atom.resName.view(), name); });
 }
 
-/// A name test: the words of its list and how they match; mode 0 is no test.
+/// A name test: the patterns of its list; mode 0 is no test.
 struct NameTest {
-    std::vector<std::string_view> words;
+    std::vector<NamePattern> patterns;
     int mode = 0;
 
     NameTest(const std::string &list, int matchMode) : mode(matchMode)
     {
+        std::vector<std::string_view> words;
         if (mode != 0)
             splitTokens(list, words);
+        for (const std::string_view word : words)
+            patterns.emplace_back(word, mode);
     }
     [[nodiscard]] bool passes(const Name &name) const
     {
-        return mode == 0 || std::ranges::any_of(words, [&](std::string_view word) {
-                   return strMatch(name.view(), word, mode, caseCounts) != 0;
+        return mode == 0 || std::ranges::any_of(patterns, [&](const NamePattern &pattern) {
+                   return pattern.matches(name.view());
                });
     }
 };
@@ -124,14 +126,10 @@ void pdbSelectCheck(const PDBSelectInfo &sInfo, Messages &messages)
         return;
     const Tests tests(sInfo);
     for (const NameTest *test : {&tests.atom, &tests.residue, &tests.chain, &tests.segment})
-        for (const std::string_view word : test->words) {
-            if (test->mode != matchRegex)
-                continue;
-            strMatch("", word, matchRegex, caseCounts);
-            if (!strMatchError().empty())
+        for (const NamePattern &pattern : test->patterns)
+            if (!pattern.error().empty())
                 messages.err("PDB Warning: the regular expression %s is faulty and selects nothing: %s.\n",
-                             std::string(word).c_str(), strMatchError().c_str());
-        }
+                             pattern.text().c_str(), pattern.error().c_str());
 }
 
 bool pdbSelectTest(const PDBSelectInfo *sInfo, const AtomInfo &atom)

@@ -1,47 +1,9 @@
 #include "support/text/match.h"
 
-#include "support/text/regexp.h"
-#include "support/text/text.h"
-
-#include <functional>
-#include <map>
-#include <memory>
 #include <utility>
 
 namespace trelm {
 namespace {
-
-std::string lastError;
-
-struct CompiledPattern {
-    std::unique_ptr<Regexp> prog; ///< null for a faulty one
-    std::string error;
-};
-
-/// A selection matches the names of all atoms against each pattern of a list in turn: each is compiled once.
-std::map<std::string, CompiledPattern, std::less<>> compiled;
-
-CompiledPattern &compiledPattern(std::string_view pattern)
-{
-    constexpr std::size_t maxPatterns = 1024; // no run has as many; this is there to end
-    const auto known = compiled.find(pattern);
-    if (known != compiled.end())
-        return known->second;
-    if (compiled.size() >= maxPatterns)
-        compiled.clear();
-    CompiledPattern &added = compiled[std::string(pattern)];
-    added.prog = strRegComp(pattern, added.error);
-    return added;
-}
-
-int matchRegularExpression(std::string_view string, std::string_view pattern)
-{
-    CompiledPattern &found = compiledPattern(pattern);
-    if (found.prog)
-        return strRegExec2(*found.prog, string, 0, lastError);
-    lastError = found.error;
-    return 0;
-}
 
 /// True if a character is in the set whose text begins behind a "[". `size` gets the length of the set with
 /// its "]"; a set that is never closed has no member.
@@ -85,7 +47,7 @@ std::size_t matchedElement(char c, std::string_view pattern)
 
 } // namespace
 
-int strMatchGlob(std::string_view string, std::string_view pattern)
+bool strMatchGlob(std::string_view string, std::string_view pattern)
 {
     // Every element but "*" takes one character, so that after a mismatch only the last "*" has to take one
     // more: an earlier one could gain nothing. That keeps the time below string times pattern.
@@ -99,7 +61,7 @@ int strMatchGlob(std::string_view string, std::string_view pattern)
             continue;
         }
         if (place == string.size())
-            return element == pattern.size() ? 1 : 0;
+            return element == pattern.size();
         const std::size_t size =
             element < pattern.size() ? matchedElement(string[place], pattern.substr(element)) : 0;
         if (size > 0) {
@@ -109,29 +71,29 @@ int strMatchGlob(std::string_view string, std::string_view pattern)
             element = starElement;
             place = ++starPlace;
         } else {
-            return 0;
+            return false;
         }
     }
 }
 
-int strMatch(std::string_view string, std::string_view pattern, int matchMode, int caseMode)
+NamePattern::NamePattern(std::string_view text, int matchMode) : pattern(text), mode(matchMode)
 {
-    lastError.clear();
-    switch (matchMode) {
-    case matchExact:
-        return (caseMode != 0 ? string == pattern : equalNoCase(string, pattern)) ? 1 : 0;
-    case matchRegex:
-        return matchRegularExpression(string, pattern);
-    case matchGlob:
-        return strMatchGlob(string, pattern);
-    default:
-        return 0;
-    }
+    if (mode == matchRegex)
+        prog = strRegComp(pattern, fault);
 }
 
-const std::string &strMatchError()
+bool NamePattern::matches(std::string_view name) const
 {
-    return lastError;
+    switch (mode) {
+    case matchExact:
+        return name == pattern;
+    case matchRegex:
+        return prog && strRegExec2(*prog, name);
+    case matchGlob:
+        return strMatchGlob(name, pattern);
+    default:
+        return false;
+    }
 }
 
 } // namespace trelm

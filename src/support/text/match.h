@@ -2,6 +2,9 @@
 // program's own, not those of the platform.
 #pragma once
 
+#include "support/text/regexp.h"
+
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -11,15 +14,28 @@ constexpr int matchExact = 1;
 constexpr int matchRegex = 2;
 constexpr int matchGlob = 3;
 
-/// 1 if the whole string matches the pattern (for a regular expression: if the pattern occurs in it), else 0.
-/// In mode 1 `caseMode` 0 ignores case; in modes 2 and 3 case always counts. Other modes give 0.
-int strMatch(std::string_view string, std::string_view pattern, int matchMode, int caseMode);
+/// A pattern that names are held against. Case counts in every mode.
+class NamePattern {
+  public:
+    NamePattern(std::string_view text, int matchMode);
 
-/// 1 or 0, by the glob dialect: * ? [a-z] and a backslash before a literal.
-int strMatchGlob(std::string_view string, std::string_view pattern);
+    /// Whether the whole name matches (for a regular expression: whether the pattern occurs in it). A faulty
+    /// expression matches nothing, nor does a mode that is none of the three.
+    [[nodiscard]] bool matches(std::string_view name) const;
 
-/// What the last strMatch found wrong with its pattern or its memory, empty if nothing: a fault is no match
-/// and is not printed here.
-const std::string &strMatchError();
+    [[nodiscard]] const std::string &text() const { return pattern; }
+
+    /// What is wrong with the expression, empty if nothing.
+    [[nodiscard]] const std::string &error() const { return fault; }
+
+  private:
+    std::string pattern;
+    int mode;
+    std::unique_ptr<Regexp> prog; ///< of mode 2, null for a faulty one
+    std::string fault;
+};
+
+/// By the glob dialect: * ? [a-z] and a backslash before a literal.
+bool strMatchGlob(std::string_view string, std::string_view pattern);
 
 } // namespace trelm

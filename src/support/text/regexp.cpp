@@ -24,7 +24,7 @@ enum Opcode : unsigned char {
 };
 
 constexpr std::size_t nodeSize = 3;
-constexpr std::size_t noNode = 0; ///< the magic byte stands there
+constexpr std::size_t noNode = 0; ///< the first byte is none
 constexpr std::size_t firstNode = 1;
 constexpr std::string_view metaCharacters = "^$.[()|?+*\\";
 
@@ -57,7 +57,7 @@ struct Compiler {
     std::string &error;
     bool emit = false;
     std::size_t place = 0; ///< in the expression
-    std::size_t size = 1;  ///< of the program, its magic byte included
+    std::size_t size = 1;  ///< of the program, its first byte included
     unsigned groups = 1;   ///< number of the next group
     Program program = {};
 };
@@ -312,7 +312,7 @@ std::size_t Reg(Compiler &c, bool inGroup, unsigned &flags)
     std::size_t start = noNode;
     unsigned closer = END;
     if (inGroup) {
-        if (c.groups >= regSubCount)
+        if (c.groups > regMostGroups)
             return fail(c, "too many ()");
         closer = CLOSE + c.groups;
         start = addNode(c, OPEN + c.groups++);
@@ -351,7 +351,7 @@ void optimise(Regexp &prog, unsigned flags)
     if (program[start] == EXACTLY)
         prog.regstart = operandText(program, start).front();
     else if (program[start] == BOL)
-        prog.reganch = 1;
+        prog.reganch = true;
     if ((flags & startsLoop) == 0)
         return;
     for (std::size_t node = start; node != noNode; node = nextNode(program, node))
@@ -365,18 +365,14 @@ void optimise(Regexp &prog, unsigned flags)
 /// One search in one text. The states still to be tried stand in a list of their own, not in the call stack,
 /// and a state that failed once is not entered again: it would fail again.
 struct Matcher {
-    enum class Kind { alternative, oldStart, oldEnd };
-    struct Entry {
-        Kind kind;
-        std::size_t node; ///< where to go on; for an old position, the number of the group
-        std::size_t place;
-        const char *pointer; ///< the old position
+    struct State {
+        std::size_t node, place;
     };
 
-    Regexp &prog;
+    const Program &program;
     std::string_view text;
     std::vector<bool> entered; ///< by node and place
-    std::vector<Entry> stack = {};
+    std::vector<State> stack = {};
 };
 
 bool isOneCharacter(const Program &program, std::size_t node, char c)
@@ -398,7 +394,7 @@ bool isOneCharacter(const Program &program, std::size_t node, char c)
 /// character have the rest of it in common. `node` is the one behind at the end of the run.
 bool stepRun(Matcher &m, std::size_t &node, std::size_t &place)
 {
-    const Program &program = m.prog.program;
+    const Program &program = m.program;
     const std::size_t next = nextNode(program, node);
     const bool isMore = place < m.text.size() && isOneCharacter(program, node + nodeSize, m.text[place]);
     const bool mayEnd = program[node] == STAR;
@@ -406,31 +402,21 @@ bool stepRun(Matcher &m, std::size_t &node, std::size_t &place)
         node = next;
         return mayEnd;
     }
-    m.stack.push_back({Matcher::Kind::alternative, next, mayEnd ? place : place + 1, nullptr});
+    m.stack.push_back({next, mayEnd ? place : place + 1});
     ++place;
     return true;
-}
-
-/// Notes where a group begins or ends, and what stood there, for the way back.
-void setGroup(Matcher &m, unsigned opcode, std::size_t place)
-{
-    const bool opens = opcode < CLOSE;
-    const std::size_t group = opcode - (opens ? OPEN : CLOSE);
-    const char *&position = opens ? m.prog.startp[group] : m.prog.endp[group];
-    m.stack.push_back({opens ? Matcher::Kind::oldStart : Matcher::Kind::oldEnd, group, 0, position});
-    position = m.text.data() + place;
 }
 
 /// One node at one place of the text; both move on. Returns false if it does not match there.
 bool step(Matcher &m, std::size_t &node, std::size_t &place)
 {
-    const Program &program = m.prog.program;
+    const Program &program = m.program;
     const unsigned char opcode = program[node];
     const std::size_t next = nextNode(program, node);
     bool matches = true;
     if (opcode == BRANCH) {
         if (program[next] == BRANCH)
-            m.stack.push_back({Matcher::Kind::alternative, next, place, nullptr});
+            m.stack.push_back({next, place});
         node += nodeSize;
         return true;
     }
@@ -447,47 +433,28 @@ bool step(Matcher &m, std::size_t &node, std::size_t &place)
     } else if (opcode == ANY || opcode == ANYOF || opcode == ANYBUT) {
         matches = place < m.text.size() && isOneCharacter(program, node, m.text[place]);
         place += matches ? 1 : 0;
-    } else if (opcode >= OPEN) {
-        setGroup(m, opcode, place);
     }
     node = next;
     return matches;
 }
 
-/// The latest state that is still to be tried, with the groups as they were then.
-bool backtrack(Matcher &m, std::size_t &node, std::size_t &place)
-{
-    while (!m.stack.empty()) {
-        const Matcher::Entry entry = m.stack.back();
-        m.stack.pop_back();
-        if (entry.kind == Matcher::Kind::alternative) {
-            node = entry.node;
-            place = entry.place;
-            return true;
-        }
-        (entry.kind == Matcher::Kind::oldStart ? m.prog.startp : m.prog.endp)[entry.node] = entry.pointer;
-    }
-    return false;
-}
-
 /// Tries the program at one place of the text.
 bool Regmatch(Matcher &m, std::size_t start)
 {
-    m.prog.startp.fill(nullptr);
-    m.prog.endp.fill(nullptr);
     m.stack.clear();
     std::size_t node = firstNode, place = start;
-    for (;;) {
-        if (m.prog.program[node] == END)
-            break;
+    while (m.program[node] != END) {
         const std::size_t state = node * (m.text.size() + 1) + place;
         const bool isNew = !m.entered[state];
         m.entered[state] = true;
-        if ((!isNew || !step(m, node, place)) && !backtrack(m, node, place))
+        if (isNew && step(m, node, place))
+            continue;
+        if (m.stack.empty())
             return false;
+        node = m.stack.back().node;
+        place = m.stack.back().place;
+        m.stack.pop_back();
     }
-    m.prog.startp[0] = m.text.data() + start;
-    m.prog.endp[0] = m.text.data() + place;
     return true;
 }
 
@@ -506,7 +473,7 @@ std::unique_ptr<Regexp> strRegComp(std::string_view exp, std::string &error)
     }
     Compiler compiler{.exp = exp, .error = error, .emit = true};
     compiler.program.reserve(measure.size);
-    compiler.program.push_back(regProgramMagic);
+    compiler.program.push_back(0);
     if (Reg(compiler, false, flags) == noNode)
         return nullptr;
     auto prog = std::make_unique<Regexp>();
@@ -515,25 +482,21 @@ std::unique_ptr<Regexp> strRegComp(std::string_view exp, std::string &error)
     return prog;
 }
 
-int strRegExec2(Regexp &prog, std::string_view string, std::size_t start, std::string &error)
+bool strRegExec2(const Regexp &prog, std::string_view text)
 {
-    if (prog.program.empty() || prog.program.front() != regProgramMagic) {
-        error = "corrupted program";
-        return 0;
-    }
-    if (start > string.size() || string.find(prog.regmust, start) == std::string_view::npos)
-        return 0;
-    Matcher m{.prog = prog, .text = string, .entered = {}};
-    m.entered.resize(prog.program.size() * (string.size() + 1));
-    if (prog.reganch != 0)
-        return Regmatch(m, start) ? 1 : 0;
-    for (std::size_t place = start; place <= string.size(); ++place) {
-        if (prog.regstart != '\0' && (place == string.size() || string[place] != prog.regstart))
+    if (text.find(prog.regmust) == std::string_view::npos)
+        return false;
+    Matcher m{.program = prog.program, .text = text, .entered = {}};
+    m.entered.resize(prog.program.size() * (text.size() + 1));
+    if (prog.reganch)
+        return Regmatch(m, 0);
+    for (std::size_t place = 0; place <= text.size(); ++place) {
+        if (prog.regstart != '\0' && (place == text.size() || text[place] != prog.regstart))
             continue;
         if (Regmatch(m, place))
-            return 1;
+            return true;
     }
-    return 0;
+    return false;
 }
 
 } // namespace trelm

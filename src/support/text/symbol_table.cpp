@@ -1,11 +1,7 @@
 #include "support/text/symbol_table.h"
 
-#include "support/text/text.h"
-
 #include <algorithm>
-#include <cstring>
 #include <limits>
-#include <string>
 #include <utility>
 
 namespace trelm {
@@ -18,16 +14,16 @@ std::size_t chainOf(std::string_view name, const HTabInfo &hTab)
     return hashName(name) % static_cast<unsigned>(hTab.hashLength);
 }
 
-HSymInfo &symbolAt(HTabInfo &hTab, int place)
+std::string_view nameOf(const HSymInfo &symbol, const HTabInfo &hTab)
 {
-    return hTab.symbols[static_cast<std::size_t>(place)];
+    return {hTab.names.data() + symbol.nameStart, symbol.nameLength};
 }
 
 /// Puts a symbol in front of its chain.
 void linkFirst(HTabInfo &hTab, int place)
 {
-    HSymInfo &symbol = symbolAt(hTab, place);
-    int &head = hTab.base[chainOf(hSymName(symbol, hTab), hTab)];
+    HSymInfo &symbol = hTab.symbols[static_cast<std::size_t>(place)];
+    int &head = hTab.base[chainOf(nameOf(symbol, hTab), hTab)];
     symbol.next = head;
     head = place;
 }
@@ -51,22 +47,16 @@ bool rehash(HTabInfo &hTab)
     return true;
 }
 
-bool roomForSymbol(HTabInfo &hTab, std::size_t nameLength)
+Status roomForSymbol(HTabInfo &hTab, std::size_t nameLength, Messages &messages)
 {
     constexpr std::size_t first = 256;
-    if (!makeRoom(hTab.symbols, tag, static_cast<std::size_t>(hTab.symbolCount), 1, first)) {
-        complain("SymAlloc Error allocating memory.\n");
-        return false;
-    }
-    if (!makeRoom(hTab.names, tag, hTab.namesUsed, nameLength, first)) {
-        complain("NameAlloc Error allocating name.\n");
-        return false;
-    }
-    if (hTab.symbolCount >= 2 * static_cast<long>(hTab.hashLength) && !rehash(hTab)) {
-        complain("SymAlloc Error allocating memory.\n");
-        return false;
-    }
-    return true;
+    if (!makeRoom(hTab.symbols, tag, static_cast<std::size_t>(hTab.symbolCount), 1, first))
+        return messages.fail("SymAlloc Error allocating memory.\n");
+    if (!makeRoom(hTab.names, tag, hTab.namesUsed, nameLength, first))
+        return messages.fail("NameAlloc Error allocating name.\n");
+    if (hTab.symbolCount >= 2 * static_cast<long>(hTab.hashLength) && !rehash(hTab))
+        return messages.fail("SymAlloc Error allocating memory.\n");
+    return Status::ok;
 }
 
 } // namespace
@@ -84,53 +74,42 @@ unsigned hashName(std::string_view name)
     return hash;
 }
 
-int hSymTabAlloc(HTabInfo &hTab, int length)
+Status hSymTabAlloc(HTabInfo &hTab, int length, Messages &messages)
 {
     constexpr int defaultLength = 253;
     hTab = HTabInfo{};
     const int chains = length < 1 ? defaultLength : length;
     hTab.base = Block<int>(tag, static_cast<std::size_t>(chains));
     if (!hTab.base)
-        return complain("SymTabAlloc Error allocating memory.\n");
+        return messages.fail("SymTabAlloc Error allocating memory.\n");
     std::ranges::fill(hTab.base.span(), -1);
     hTab.hashLength = chains;
-    return 0;
+    return Status::ok;
 }
 
-HSymInfo *hFindSym(std::string_view name, HTabInfo &hTab)
+std::optional<int> hFindSym(std::string_view name, const HTabInfo &hTab)
 {
     if (hTab.hashLength < 1)
-        return nullptr;
-    for (int place = hTab.base[chainOf(name, hTab)]; place >= 0; place = symbolAt(hTab, place).next)
-        if (hSymName(symbolAt(hTab, place), hTab) == name)
-            return &symbolAt(hTab, place);
-    return nullptr;
-}
-
-HSymInfo *hAddSym(std::string_view name, int value, HTabInfo &hTab)
-{
-    if (hTab.hashLength < 1 || !roomForSymbol(hTab, name.size())) {
-        complain("AddSym Error Allocating Symbol.\n");
-        return nullptr;
+        return std::nullopt;
+    for (int place = hTab.base[chainOf(name, hTab)]; place >= 0;) {
+        const HSymInfo &symbol = hTab.symbols[static_cast<std::size_t>(place)];
+        if (nameOf(symbol, hTab) == name)
+            return symbol.value;
+        place = symbol.next;
     }
-    const int place = hTab.symbolCount++;
-    HSymInfo &symbol = symbolAt(hTab, place);
-    symbol = HSymInfo{};
-    symbol.nameStart = hTab.namesUsed;
-    symbol.nameLength = name.size();
-    if (!name.empty())
-        std::memcpy(hTab.names.data() + hTab.namesUsed, name.data(), name.size());
-    hTab.namesUsed += name.size();
-    symbol.value = value;
-    linkFirst(hTab, place);
-    return &symbol;
+    return std::nullopt;
 }
 
-std::string_view hSymName(const HSymInfo &symbol, const HTabInfo &hTab)
+Status hAddSym(std::string_view name, int value, HTabInfo &hTab, Messages &messages)
 {
-    if (symbol.nameLength == 0)
-        return {};
-    return {hTab.names.data() + symbol.nameStart, symbol.nameLength};
+    if (hTab.hashLength < 1 || roomForSymbol(hTab, name.size(), messages) != Status::ok)
+        return messages.fail("AddSym Error Allocating Symbol.\n");
+    const int place = hTab.symbolCount++;
+    hTab.symbols[static_cast<std::size_t>(place)] = {hTab.namesUsed, name.size(), value, -1};
+    std::ranges::copy(name, hTab.names.data() + hTab.namesUsed);
+    hTab.namesUsed += name.size();
+    linkFirst(hTab, place);
+    return Status::ok;
 }
 
 } // namespace trelm

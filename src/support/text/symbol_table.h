@@ -2,8 +2,10 @@
 #pragma once
 
 #include "ground/alloc.h"
+#include "ground/messages.h"
 
 #include <cstddef>
+#include <optional>
 #include <string_view>
 
 namespace trelm {
@@ -27,17 +29,14 @@ struct HTabInfo {
     std::size_t namesUsed = 0;
 };
 
-/// Makes a table of `length` chains, or 253 if length is below 1. Returns 0, or 1 after a message.
-int hSymTabAlloc(HTabInfo &hTab, int length);
+/// Makes a table of `length` chains, or 253 if length is below 1. Fails after a message.
+Status hSymTabAlloc(HTabInfo &hTab, int length, Messages &messages);
 
-/// The symbol of a name, or null. Pointers to symbols hold until the next one is added.
-HSymInfo *hFindSym(std::string_view name, HTabInfo &hTab);
+/// The value of a name, if it has one.
+std::optional<int> hFindSym(std::string_view name, const HTabInfo &hTab);
 
-/// Adds a symbol, even if the name is there. Null after a message if there is no memory.
-HSymInfo *hAddSym(std::string_view name, int value, HTabInfo &hTab);
-
-/// The name of a symbol.
-std::string_view hSymName(const HSymInfo &symbol, const HTabInfo &hTab);
+/// Adds a symbol, even if the name is there. Fails after a message if there is no memory.
+Status hAddSym(std::string_view name, int value, HTabInfo &hTab, Messages &messages);
 
 /// The PJW hash of a name, before it is taken modulo the number of chains.
 unsigned hashName(std::string_view name);

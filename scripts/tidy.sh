@@ -17,6 +17,8 @@ while read -r file; do
 done < <(git ls-files 'src/*.cpp' 'tools/*.cpp')
 
 flags=(-std=c++20 -O2 -Isrc -Itools -DTRELM_VERSION='"0"' -Wall -Wextra)
+# How many steps the analyzer goes through a function: a third of its default takes a third of the time.
+flags+=(-Xclang -analyzer-config -Xclang max-nodes=75000)
 status=0
 find "$folder" -name '*.cpp' -printf '%s %p\n' | sort -rn | cut -d' ' -f2 |
     xargs -P "$jobs" -I{} clang-tidy --quiet {} -- "${flags[@]}" > "$folder/told" 2>&1 || status=1

@@ -28,6 +28,11 @@ namespace {
     va_end(again);
 }
 
+void toStandardStream(Messages::Stream stream, std::string_view text)
+{
+    std::fwrite(text.data(), 1, text.size(), stream == Messages::Stream::out ? stdout : stderr);
+}
+
 } // namespace
 
 Messages::Messages(Sink receiver, bool isTerminal) : sink(std::move(receiver)), hasTerminal(isTerminal) {}
@@ -53,6 +58,23 @@ void Messages::err(const char *format, ...)
     va_end(arguments);
 }
 
+void Messages::note(const char *format, ...)
+{
+    std::va_list arguments;
+    va_start(arguments, format);
+    pass(*this, Stream::note, format, arguments);
+    va_end(arguments);
+}
+
+void Messages::warn(const char *format, ...)
+{
+    ++warnings;
+    std::va_list arguments;
+    va_start(arguments, format);
+    pass(*this, Stream::err, format, arguments);
+    va_end(arguments);
+}
+
 Status Messages::fail(const char *format, ...)
 {
     std::va_list arguments;
@@ -64,11 +86,16 @@ Status Messages::fail(const char *format, ...)
 
 Messages &standardMessages()
 {
-    static Messages messages(
-        [](Messages::Stream stream, std::string_view text) {
-            std::fwrite(text.data(), 1, text.size(), stream == Messages::Stream::out ? stdout : stderr);
-        },
-        isatty(STDERR_FILENO) != 0);
+    static Messages messages(toStandardStream, isatty(STDERR_FILENO) != 0);
+    return messages;
+}
+
+Messages &quietMessages()
+{
+    static Messages messages([](Messages::Stream stream, std::string_view text) {
+        if (stream == Messages::Stream::out || stream == Messages::Stream::err)
+            toStandardStream(stream, text);
+    });
     return messages;
 }
 

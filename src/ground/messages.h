@@ -12,7 +12,8 @@ namespace trelm {
 /// program binds it to what it likes.
 class Messages {
   public:
-    enum class Stream { out, err, progress };
+    /// `note`: remarks on the error stream that tell of nothing wrong.
+    enum class Stream { out, err, note, progress };
     /// Takes a piece of text, as it comes: pieces need not be whole lines.
     using Sink = std::function<void(Stream stream, std::string_view text)>;
 
@@ -23,6 +24,10 @@ class Messages {
     [[gnu::format(printf, 2, 3)]] void out(const char *format, ...);
     /// Warnings and remarks about the run.
     [[gnu::format(printf, 2, 3)]] void err(const char *format, ...);
+    /// A remark on the error stream: how large the input is, what a step has found.
+    [[gnu::format(printf, 2, 3)]] void note(const char *format, ...);
+    /// A warning, one line, of input or options that the user did hardly mean like this. It is counted.
+    [[gnu::format(printf, 2, 3), gnu::cold]] void warn(const char *format, ...);
     /// An error. Returns Status::failed, so that a check reads `return messages.fail(...)`.
     [[gnu::format(printf, 2, 3), gnu::cold]] Status fail(const char *format, ...);
 
@@ -31,12 +36,23 @@ class Messages {
 
     [[nodiscard]] bool isTerminal() const { return hasTerminal; }
 
+    /// From now on a warning makes the run fail.
+    void setStrict() { isStrict = true; }
+    /// Whether result files may be put in their places: not in a strict run that has warned.
+    [[nodiscard]] bool mayWrite() const { return !isStrict || warnings == 0; }
+    [[nodiscard]] int warningCount() const { return warnings; }
+
   private:
     Sink sink;
     bool hasTerminal;
+    bool isStrict = false;
+    int warnings = 0;
 };
 
 /// Messages to standard output and, all others, the standard error stream.
 Messages &standardMessages();
+
+/// The same without remarks and progress.
+Messages &quietMessages();
 
 } // namespace trelm

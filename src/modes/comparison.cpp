@@ -6,6 +6,7 @@
 #include "couplings/table_input.h"
 #include "ground/messages.h"
 #include "report/output.h"
+#include "support/text/file_identity.h"
 #include "support/text/output_file.h"
 
 #include <algorithm>

@@ -2,6 +2,7 @@
 
 #include "magnitude/likelihood.h"
 #include "modes/magnitude.h"
+#include "support/text/file_identity.h"
 #include "support/text/output_file.h"
 
 #include <optional>

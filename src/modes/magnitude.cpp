@@ -5,6 +5,7 @@
 #include "magnitude/motion.h"
 #include "report/output.h"
 #include "report/run_report.h"
+#include "support/text/file_identity.h"
 #include "support/text/output_file.h"
 
 #include <optional>

@@ -6,6 +6,7 @@
 #include "errors/structural_noise.h"
 #include "report/output.h"
 #include "structure/write.h"
+#include "support/text/file_identity.h"
 #include "support/text/output_file.h"
 #include "support/text/text.h"
 
@@ -214,9 +215,12 @@ Status couplingNoise(Run &run, Messages &messages)
         return noMemory(messages);
     SampleFiles files;
     if (checkNames(run, run.options.outDFailName, messages) != Status::ok ||
-        openFiles(run.options, noiseWords, messages, files) != Status::ok ||
-        mapSimDC(inputOf(run), run.trelmInfo[0], watchInto(files), messages, result) != Status::ok)
+        openFiles(run.options, noiseWords, messages, files) != Status::ok)
         return Status::failed;
+    if (mapSimDC(inputOf(run), run.trelmInfo[0], watchInto(files), messages, result) != Status::ok) {
+        keepNew(files.da, messages); // its head stands before the first fit
+        return Status::failed;
+    }
     writeSamples(result.samples, noiseWords, files);
     return ended(reportCouplingNoise(run, result, messages), files, messages);
 }

@@ -1,10 +1,16 @@
 #include "support/text/output_file.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <filesystem>
 #include <system_error>
 
 namespace trelm {
 namespace {
+
+namespace fs = std::filesystem;
 
 /// Empties a file of what it held before.
 void dropOld(OutFile &out)
@@ -12,48 +18,106 @@ void dropOld(OutFile &out)
     if (!out.holdsOld)
         return;
     std::error_code failure;
-    std::filesystem::resize_file(out.name, 0, failure);
+    fs::resize_file(out.target, 0, failure);
     out.isSpoilt = static_cast<bool>(failure);
     out.holdsOld = false;
+}
+
+/// The file that a name leads to, which need not be there yet.
+std::string followLinks(const std::string &name)
+{
+    constexpr int mostLinks = 40; // as the system has it; more are a ring
+    fs::path path = name;
+    std::error_code none;
+    for (int i = 0; i < mostLinks && fs::is_symlink(path, none); ++i) {
+        const fs::path next = fs::read_symlink(path, none);
+        path = next.is_absolute() ? next : path.parent_path() / next;
+    }
+    return path.string();
+}
+
+/// A new file beside the target, hidden and named after it. Null if the folder takes none.
+std::FILE *openBeside(const fs::path &target, std::string &temporary)
+{
+    constexpr int mostTries = 100; // runs that were killed may have left theirs
+    for (int i = 0; i < mostTries; ++i) {
+        const std::string name =
+            '.' + target.filename().string() + '.' + std::to_string(getpid()) + '.' + std::to_string(i);
+        temporary = (target.parent_path() / name).string();
+        if (std::FILE *fp = std::fopen(temporary.c_str(), "wx"); fp != nullptr || errno != EEXIST)
+            return fp;
+    }
+    return nullptr;
+}
+
+/// Whether a file can be written that a new one beside it cannot stand for.
+bool mustWriteItself(int error)
+{
+    return error == EACCES || error == EPERM || error == EROFS || error == ENAMETOOLONG;
+}
+
+std::FILE *openTarget(OutFile &out, bool isReplaced)
+{
+    struct stat found = {};
+    const bool exists = stat(out.target.c_str(), &found) == 0;
+    if (isReplaced && (!exists || S_ISREG(found.st_mode))) {
+        if (exists && access(out.target.c_str(), W_OK) != 0)
+            return nullptr;
+        std::FILE *fp = openBeside(out.target, out.temporary);
+        if (fp != nullptr && exists)
+            chmod(out.temporary.c_str(), found.st_mode & 07777);
+        if (fp != nullptr || !exists || !mustWriteItself(errno))
+            return fp;
+        out.temporary.clear();
+        out.holdsOld = true;
+    }
+    // Opening to append asks for the same rights as opening to replace, and loses nothing.
+    return std::fopen(out.target.c_str(), "a");
+}
+
+/// Closes without a judgement, and takes back what was not finished.
+void abandon(OutFile &out)
+{
+    if (out.fp != stdout)
+        std::fclose(out.fp);
+    if (!out.temporary.empty())
+        unlink(out.temporary.c_str());
+    out.fp = stdout;
+    out.temporary.clear();
+    out.holdsOld = out.isSpoilt = false;
+}
+
+/// Flushes an owned stream to the disk, and closes it. A full device is often heard of only here.
+bool closeWhole(std::FILE *fp)
+{
+    bool isWhole = std::ferror(fp) == 0;
+    isWhole = std::fflush(fp) == 0 && isWhole;
+    if (const int fd = fileno(fp); fd >= 0)
+        isWhole = (fsync(fd) == 0 || errno == EINVAL || errno == EROFS) && isWhole; // a pipe has no disk
+    return std::fclose(fp) == 0 && isWhole;
 }
 
 } // namespace
 
 OutFile::~OutFile()
 {
-    if (fp != stdout)
-        std::fclose(fp);
+    abandon(*this);
 }
 
 Status openOut(OutFile &out, const std::string &name, const char *access)
 {
-    if (out.fp != stdout)
-        std::fclose(out.fp);
-    out.fp = stdout;
-    out.name = name;
-    out.holdsOld = out.isSpoilt = false;
-    if (name.empty())
+    abandon(out);
+    out.name = name == "-" ? "" : name;
+    if (out.name.empty())
         return Status::ok;
-    // Opening to append asks for the same rights as opening to replace, and loses nothing.
-    std::FILE *opened = std::fopen(name.c_str(), "a");
-    if (opened == nullptr)
+    out.target = followLinks(name);
+    std::FILE *opened = openTarget(out, *access == 'w');
+    if (opened == nullptr) {
+        out.temporary.clear();
         return Status::failed;
+    }
     out.fp = opened;
-    std::error_code none;
-    out.holdsOld = *access == 'w' && std::filesystem::is_regular_file(name, none);
     return Status::ok;
-}
-
-bool isSameFile(const std::string &a, const std::string &b)
-{
-    namespace fs = std::filesystem;
-    if (a.empty() || b.empty())
-        return false;
-    std::error_code none;
-    const fs::path pathA = fs::weakly_canonical(fs::absolute(a, none), none),
-                   pathB = fs::weakly_canonical(fs::absolute(b, none), none);
-    const bool isOne = pathA == pathB || fs::equivalent(pathA, pathB, none); // the second: a hard link
-    return isOne && (!fs::exists(pathA, none) || fs::is_regular_file(pathA, none));
 }
 
 void writeOut(OutFile &out, std::string_view text)
@@ -68,15 +132,27 @@ void writeOut(OutFile &out, std::string_view text)
 
 Status closeOut(OutFile &out, Messages &messages)
 {
-    const bool owned = out.fp != stdout;
+    if (out.fp == stdout) {
+        const bool isWhole = std::ferror(stdout) == 0;
+        return std::fflush(stdout) == 0 && isWhole ? Status::ok
+                                                   : messages.fail("Error writing %s.\n", "(stdout)");
+    }
     dropOld(out);
-    bool bad = out.isSpoilt || std::ferror(out.fp) != 0;
-    bad = std::fflush(out.fp) != 0 || bad; // a full device is often heard of only here, or at the close
-    if (owned)
-        bad = std::fclose(out.fp) != 0 || bad;
+    bool isWhole = closeWhole(out.fp) && !out.isSpoilt;
     out.fp = stdout;
-    out.isSpoilt = false;
-    return bad ? messages.fail("Error writing %s.\n", owned ? out.name.c_str() : "(stdout)") : Status::ok;
+    if (isWhole && !out.temporary.empty() && messages.mayWrite()) {
+        isWhole = std::rename(out.temporary.c_str(), out.target.c_str()) == 0;
+        if (isWhole)
+            out.temporary.clear();
+    }
+    abandon(out);
+    return isWhole ? Status::ok : messages.fail("Error writing %s.\n", out.name.c_str());
+}
+
+void keepNew(OutFile &out, Messages &messages)
+{
+    if (out.fp != stdout && !out.temporary.empty() && !fs::exists(out.target))
+        static_cast<void>(closeOut(out, messages)); // the run has failed already
 }
 
 } // namespace trelm

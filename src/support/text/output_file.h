@@ -13,31 +13,35 @@ namespace trelm {
 struct OutFile {
     std::FILE *fp = stdout;
     std::string name;
-    bool holdsOld = false; ///< what the file held before is still there
+    std::string target;    ///< the file that `name` leads to, where the result goes in the end
+    std::string temporary; ///< the file that is written until then; empty: the target itself
+    bool holdsOld = false; ///< what the target held before is still in it
     bool isSpoilt = false; ///< it would not go
 
     OutFile() = default;
     OutFile(const OutFile &) = delete;
     OutFile &operator=(const OutFile &) = delete;
-    ~OutFile(); // a road of failure: closed, not judged
+    ~OutFile(); // after a failure: closed, not judged, and a temporary file is removed
 };
 
-/// Opens a file to be replaced ("w") or continued ("a"); an empty name is standard output. What a file to be
-/// replaced held before stays until there is a result: it goes with the first text written or, without any,
-/// at closeOut. So a run that fails before leaves the result of an earlier one as it was, and every road of
-/// success has to end in closeOut. Fails if the file cannot be opened: the message is the caller's, and `out`
-/// is then standard output.
+/// Opens a file to be replaced ("w") or continued ("a"); an empty name or "-" is standard output. A regular
+/// file is written under a temporary name in its folder and takes its place, its permissions and the links to
+/// it, when it is whole, at closeOut: until then the result of an earlier run stands as it was, whatever
+/// happens. A file that is continued, a device, a pipe, and a file in a folder that takes no new one are
+/// written themselves; what such a file to be replaced held before goes with the first text written or,
+/// without any, at closeOut. Fails if the file cannot be opened: the message is the caller's, and `out` is
+/// then standard output.
 Status openOut(OutFile &out, const std::string &name, const char *access);
-
-/// True if both names lead to one file, by whatever path; false if one of them is empty. A device can be
-/// written to under two names.
-[[nodiscard]] bool isSameFile(const std::string &a, const std::string &b);
 
 /// Writes a text. What the stream says is asked at the close.
 void writeOut(OutFile &out, std::string_view text);
 
-/// Ends the road of success: flushes and closes what is owned. Fails after "Error writing %s.\n" if anything
-/// could not be written to its end.
+/// Ends a success: flushes to the disk, closes what is owned, and puts it in its place; in a strict run that
+/// has warned it is thrown away. Fails after "Error writing %s.\n" if anything could not be written to its
+/// end.
 Status closeOut(OutFile &out, Messages &messages);
+
+/// After a failure: what was written stays, if there was no such file before.
+void keepNew(OutFile &out, Messages &messages);
 
 } // namespace trelm

@@ -1,6 +1,7 @@
 #!/bin/sh
-# Who may include whom in src: each room names those below it; all stand on ground. Prints every include that goes
-# elsewhere; status 1 if there is any.
+# Who may include whom in src: each room names those below it; all stand on ground. And who may write to a stream:
+# the command, the modes, and those that carry what is said. Prints every line that does otherwise; status 1 if there is
+# any.
 set -eu
 cd "$(dirname "$0")/.."
 
@@ -45,4 +46,11 @@ for file in $(git ls-files 'src/*.h' 'src/*.cpp'); do
         status=1
     fi
 done
+
+streams='\b(v?f?printf|puts|fputs|putchar|f?putc|fwrite|perror) *\(|\b(stdout|stderr)\b|\bstd::(cout|cerr|clog)\b'
+if git ls-files 'src/*.h' 'src/*.cpp' | grep -vE '^src/(ground|command|modes)/|^src/support/text/(output_file|text)\.|^src/simulation/alignment/grid3d\.' |
+    xargs grep -HnE "$streams" | grep -vE '^[^:]*:[0-9]*: *//'; then
+    echo "only the command and the modes talk: what lies below hands its words to Messages" >&2
+    status=1
+fi
 exit $status

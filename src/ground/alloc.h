@@ -15,8 +15,8 @@ namespace trelm {
 /// Turns the trace of every request and release on the standard error stream on (non-zero) or off.
 void setAlloc(int verboseFlag);
 
-/// Prints the balance on the standard error stream. Returns 0.
-int showAlloc();
+/// Prints the balance on the standard error stream.
+void showAlloc();
 
 /// Bytes in use by the account of the callers, and the sum of old sizes handed to the reallocating calls.
 std::int64_t allocBytesUsed();
@@ -32,32 +32,12 @@ bool allocHasFailed();
 float *fltAlloc(const char *caller, std::size_t length);
 int *intAlloc(const char *caller, std::size_t length);
 double *dFltAlloc(const char *caller, std::size_t length);
-long *dIntAlloc(const char *caller, std::size_t length);
 char *charMalloc(const char *caller, std::size_t length);
 void *voidMalloc(const char *caller, std::size_t length);
 
-/// A copy of a text, under the tag "strDup" or the caller's own; null if there is no memory.
-char *strDup(const char *string);
-char *strDup2(const char *caller, const char *string);
-
-/// Releases such a copy by its length plus 1; null is allowed. Returns 0.
-int strFree(char *string);
-
 /// A block of `newLength` bytes with the old contents; a new one if `ptr` is null. On failure null comes back
 /// and the old block stays as it was.
-char *charReMalloc(const char *caller, char *ptr, std::size_t newLength, std::size_t oldLength);
 void *voidReMalloc(const char *caller, void *ptr, std::size_t newLength, std::size_t oldLength);
-
-/// Row pointers into a flat matrix: `ySize` rows of `xSize` floats.
-float **mat2Ptr(float *matrix, std::size_t xSize, std::size_t ySize);
-
-/// A flat block of xLength * yLength floats with row pointers; element x of row y is matrix[y][x].
-/// Its account is out of balance on purpose: it adds more than matFree takes off. Null, after the line of the
-/// requests, if there is no memory.
-float **matAlloc(const char *caller, std::size_t xLength, std::size_t yLength);
-
-/// Releases both parts of such a matrix. Returns 0.
-int matFree(float **matrixPtr, std::size_t xSize, std::size_t ySize);
 
 /// Releases a block; `length` is its size in bytes. Null is a no-op.
 void unAlloc(const char *caller, void *ptr, std::size_t length);

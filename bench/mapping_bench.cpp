@@ -30,7 +30,7 @@ struct Ubiquitin {
             readDC(folder + table, dTab, standardMessages()) != Status::ok)
             return;
         selectD(dTab.observed(), 1, 76, 3);
-        buildDC(&pdb, dTab, {.wOff = 1}, standardMessages());
+        buildDC(pdb, dTab, {.wOff = 1}, standardMessages());
         takeColumns(dTab, columns);
         fit = startOf(dTab);
         static_cast<void>(fitColumns(input(), work, fit, standardMessages()));
@@ -39,7 +39,7 @@ struct Ubiquitin {
     Ubiquitin(const Ubiquitin &) = delete;
     Ubiquitin &operator=(const Ubiquitin &) = delete;
 
-    [[nodiscard]] FitInput input() const { return {&pdb, dTab, columns}; }
+    [[nodiscard]] FitInput input() const { return {pdb.coordinates(), dTab, columns}; }
 
     /// Plain: the fit as a run without samples makes it.
     void fitNoisy(bool plain)

@@ -114,8 +114,8 @@ void inputAndFit(benchmark::State &state)
         if (!readInput(pdbInfo, dTab))
             return state.SkipWithError("the input was not read");
         selectD(dTab.observed(), dTab.dMinRes, dTab.dMaxRes, 3);
-        if (buildDC(&pdbInfo, dTab, {.wOff = 0}, standardMessages()) != 301 ||
-            fitD(&pdbInfo, dTab, 0, standardMessages()) != 301)
+        if (buildDC(pdbInfo, dTab, {.wOff = 0}, standardMessages()) != 301 ||
+            fitD(pdbInfo.coordinates(), dTab, 0, standardMessages()) != 301)
             return state.SkipWithError("not all couplings were fitted");
     }
 }
@@ -134,9 +134,9 @@ void wholeBestFit(benchmark::State &state)
         if (!readInput(pdbInfo, dTab))
             return state.SkipWithError("the input was not read");
         selectD(dTab.observed(), dTab.dMinRes, dTab.dMaxRes, 3);
-        buildDC(&pdbInfo, dTab, {.wOff = 0}, standardMessages());
+        buildDC(pdbInfo, dTab, {.wOff = 0}, standardMessages());
         const std::string table = (folder / "fit.tab").string(), turned = (folder / "turned.pdb").string();
-        if (!fitD(&pdbInfo, dTab, 1, standardMessages()) ||
+        if (!fitD(pdbInfo.coordinates(), dTab, 1, standardMessages()) ||
             writeFit({&pdbInfo, nullptr, &dTab, &trelmInfo, table, turned, nullptr}, standardMessages()) !=
                 Status::ok)
             return state.SkipWithError("the best-fit failed");

@@ -33,9 +33,10 @@ struct Assembly {
         for (int copy = 0; copy < copies; ++copy)
             for (const AtomInfo &atom : pdb.atoms())
                 if (atom.atomName.text[0] != 'H') {
-                    x.push_back(static_cast<double>(atom.x) + spacing * (copy % 3));
-                    y.push_back(static_cast<double>(atom.y) + spacing * (copy / 3 % 3));
-                    z.push_back(static_cast<double>(atom.z) + spacing * (copy / 9));
+                    const Coord3D &at = pdb.coordinates()[pdb.placeOf(atom)];
+                    x.push_back(static_cast<double>(at.x) + spacing * (copy % 3));
+                    y.push_back(static_cast<double>(at.y) + spacing * (copy / 3 % 3));
+                    z.push_back(static_cast<double>(at.z) + spacing * (copy / 9));
                 }
         for (std::vector<double> *column : {&x, &y, &z}) {
             double sum = 0.0;

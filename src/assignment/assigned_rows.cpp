@@ -122,14 +122,14 @@ Status takeRows(const AssignedRows &rows, DTable &dTab, Messages &messages)
     return Status::ok;
 }
 
-Status fitMedia(PDBInfo &pdbInfo, const std::vector<std::string> &media, int verbose, DTable &dTab,
-                Messages &messages)
+Status fitMedia(std::span<const Coord3D> coords, const std::vector<std::string> &media, int verbose,
+                DTable &dTab, Messages &messages)
 {
     std::vector<std::string> inTurn = media;
     inTurn.push_back(media.front());
     for (const std::string &medium : inTurn) {
         markRows(dTab, [&](const DInfo &obs) { return obs.segNameI == std::string_view(medium); });
-        if (!fitD(&pdbInfo, dTab, verbose, messages))
+        if (!fitD(coords, dTab, verbose, messages))
             return Status::failed;
     }
     markRows(dTab, [](const DInfo &) { return true; });

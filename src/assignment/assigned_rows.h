@@ -26,7 +26,7 @@ Status takeRows(const AssignedRows &rows, DTable &dTab, Messages &messages);
 
 /// Fits a table medium after medium, and the first once more: its tensor is the one that stays. The Euler
 /// angles are those of the Saupe vector, whatever the kind of fit. Fails after a message.
-Status fitMedia(PDBInfo &pdbInfo, const std::vector<std::string> &media, int verbose, DTable &dTab,
-                Messages &messages);
+Status fitMedia(std::span<const Coord3D> coords, const std::vector<std::string> &media, int verbose,
+                DTable &dTab, Messages &messages);
 
 } // namespace trelm

@@ -8,11 +8,11 @@ namespace trelm {
 namespace {
 
 /// The name of a side's residue in the structure; a table without residue names stays without.
-void nameResidue(PDBInfo &pdbInfo, const SideQuery &side, Name &resName)
+void nameResidue(const PDBInfo &pdbInfo, const SideQuery &side, Name &resName)
 {
     if (resName.empty())
         return;
-    const ResInfo *residue = findRes(&pdbInfo, side.resID, side.chainName.view(), side.segName.view());
+    const ResInfo *residue = findRes(pdbInfo, side.resID, side.chainName.view(), side.segName.view());
     if (residue != nullptr)
         resName = residue->resName;
     else
@@ -21,7 +21,7 @@ void nameResidue(PDBInfo &pdbInfo, const SideQuery &side, Name &resName)
 
 } // namespace
 
-MovedRow moveRow(PDBInfo &pdbInfo, const DTable &dTab, int row, int resID, Messages &messages)
+MovedRow moveRow(const PDBInfo &pdbInfo, const DTable &dTab, int row, int resID, Messages &messages)
 {
     const DInfo &likeObs = dTab.dObsList[row];
     const DInfo &likeCalc = dTab.dCalcList[row];
@@ -34,7 +34,7 @@ MovedRow moveRow(PDBInfo &pdbInfo, const DTable &dTab, int row, int resID, Messa
     const RowQueries sides = queriesOf(pdbInfo, dTab, moved.obs, aOff);
     nameResidue(pdbInfo, sides.i, moved.obs.resNameI);
     nameResidue(pdbInfo, sides.j, moved.obs.resNameJ);
-    buildRow(&pdbInfo, dTab, aOff, moved.obs, moved.calc, messages);
+    buildRow(pdbInfo, dTab, aOff, moved.obs, moved.calc, messages);
     moved.obs.atomI = moved.calc.atomI;
     moved.obs.atomJ = moved.calc.atomJ;
     moved.obs.atomICount = moved.calc.atomICount;

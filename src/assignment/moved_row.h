@@ -13,6 +13,6 @@ struct MovedRow {
 };
 
 /// Moves a row of the table to the peak `resID`: the same atoms of residues at the same distance from it.
-MovedRow moveRow(PDBInfo &pdbInfo, const DTable &dTab, int row, int resID, Messages &messages);
+MovedRow moveRow(const PDBInfo &pdbInfo, const DTable &dTab, int row, int resID, Messages &messages);
 
 } // namespace trelm

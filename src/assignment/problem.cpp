@@ -173,7 +173,8 @@ Status readCoupling(const Making &making, std::size_t i, FixedCoupling &coupling
     const DInfo &obs = making.input.dTab.observed()[i], &calc = making.input.dTab.calculated()[i];
     if (calc.atomICount * calc.atomJCount != 1)
         return making.messages.fail("Error: Degenerate Atoms not implemented yet.\n");
-    const AtomInfo &atomI = *calc.atomI[0], &atomJ = *calc.atomJ[0];
+    const auto coords = making.input.pdbInfo.coordinates();
+    const Coord3D &atomI = coords[calc.atomI[0]], &atomJ = coords[calc.atomJ[0]];
     coupling = {atomJ.x - atomI.x, atomJ.y - atomI.y, atomJ.z - atomI.z, obs.d, calc.di, obs.sigma, obs.w};
     return Status::ok;
 }
@@ -215,11 +216,12 @@ Status fillRows(Making &making, std::size_t medium, int type)
 }
 
 /// The vector that a residue has without a row in the table. It stays 0 where the structure lacks the pair.
-void putVector(const MovedRow &moved, AssignmentProblem &problem, std::size_t cell)
+void putVector(std::span<const Coord3D> coords, const MovedRow &moved, AssignmentProblem &problem,
+               std::size_t cell)
 {
     if (moved.calc.atomICount != 1 || moved.calc.atomJCount != 1)
         return;
-    const AtomInfo &atomI = *moved.calc.atomI[0], &atomJ = *moved.calc.atomJ[0];
+    const Coord3D &atomI = coords[moved.calc.atomI[0]], &atomJ = coords[moved.calc.atomJ[0]];
     problem.xMat[cell] = atomJ.x - atomI.x;
     problem.yMat[cell] = atomJ.y - atomI.y;
     problem.zMat[cell] = atomJ.z - atomI.z;
@@ -236,7 +238,8 @@ void fillMissing(Making &making, std::size_t medium, int type)
             continue;
         const int resID = peaks.resIdList[row];
         appendf(missing, " %d", resID);
-        putVector(moveRow(making.input.pdbInfo, making.input.dTab, peaks.firstRow[medium][type], resID,
+        putVector(making.input.pdbInfo.coordinates(),
+                  moveRow(making.input.pdbInfo, making.input.dTab, peaks.firstRow[medium][type], resID,
                           making.messages),
                   making.problem, cell);
     }

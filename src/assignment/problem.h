@@ -76,7 +76,7 @@ struct TableProblem {
 
 /// What a problem is made from. Structure and lists have to outlive it.
 struct ProblemInput {
-    PDBInfo &pdbInfo;
+    const PDBInfo &pdbInfo;
     const DTable &dTab;
     std::span<const int> fixResList;       ///< residues whose assignment is fixed
     const std::vector<std::string> &media; ///< names of the media

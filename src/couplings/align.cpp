@@ -24,7 +24,6 @@ constexpr int maxIterations = 1000;
 
 /// What a fit works on. Coordinates stand in its workspace.
 struct AlignRun {
-    const PDBInfo &pdbInfo;
     const FitInput &input;
     FitWork &work;
     FitResult &result;
@@ -36,7 +35,6 @@ struct AlignRun {
     Transform turn = {};       ///< of the last evaluation
 
     [[nodiscard]] std::span<Coord3D> standing() { return work.aCoords.span().first(atomCount); }
-    [[nodiscard]] std::size_t slotOf(const AtomInfo &atom) const { return work.slots[pdbInfo.placeOf(atom)]; }
     [[nodiscard]] std::span<Coord3D> turned() { return work.wCoords.span().first(atomCount); }
 };
 
@@ -99,9 +97,9 @@ void takeFree(DTensor &tensor, const float *cg)
 template <class Visit>
 int forEachPair(const DInfo &calc, Visit visit)
 {
-    for (const AtomInfo *atomI : calc.atomsI())
-        for (const AtomInfo *atomJ : calc.atomsJ())
-            visit(*atomI, *atomJ);
+    for (const std::size_t atomI : calc.atomsI())
+        for (const std::size_t atomJ : calc.atomsJ())
+            visit(atomI, atomJ);
     return calc.atomICount * calc.atomJCount;
 }
 
@@ -111,14 +109,13 @@ constexpr std::size_t noSlot = SIZE_MAX; ///< of an atom without a coupling in u
 void selectAtoms(AlignRun &run)
 {
     std::vector<std::size_t> &slots = run.work.slots;
-    slots.assign(run.pdbInfo.atoms().size(), noSlot);
+    slots.assign(run.input.coords.size(), noSlot);
     for (std::size_t row = 0; row < run.input.columns.use.size(); ++row) {
         if (run.input.columns.use[row] == 0)
             continue;
         const int pairs =
-            forEachPair(run.input.dTab.dCalcList[row], [&](const AtomInfo &atomI, const AtomInfo &atomJ) {
-                slots[run.pdbInfo.placeOf(atomI)] = slots[run.pdbInfo.placeOf(atomJ)] = 0;
-            });
+            forEachPair(run.input.dTab.dCalcList[row],
+                        [&](std::size_t atomI, std::size_t atomJ) { slots[atomI] = slots[atomJ] = 0; });
         run.dCount += pairs > 0 ? 1 : 0;
     }
     for (std::size_t &slot : slots)
@@ -146,9 +143,9 @@ Status gatherCoords(AlignRun &run)
 {
     if (growCoords(run.work, run.atomCount, run.messages) != Status::ok)
         return Status::failed;
-    for (const AtomInfo &atom : run.pdbInfo.atoms())
-        if (const std::size_t slot = run.slotOf(atom); slot != noSlot)
-            run.standing()[slot] = {atom.x, atom.y, atom.z};
+    for (std::size_t atom = 0; atom < run.input.coords.size(); ++atom)
+        if (const std::size_t slot = run.work.slots[atom]; slot != noSlot)
+            run.standing()[slot] = run.input.coords[atom];
     std::ranges::copy(run.standing(), run.turned().begin());
     return Status::ok;
 }
@@ -180,10 +177,10 @@ bool calculateRow(AlignRun &run, std::size_t row)
         return false;
     const float factor = calc.atomICount * calc.atomJCount == 3 ? methylFactor : 1.0f;
     float sum = 0.0f;
-    const int pairs = forEachPair(calc, [&](const AtomInfo &atomI, const AtomInfo &atomJ) {
+    const int pairs = forEachPair(calc, [&](std::size_t atomI, std::size_t atomJ) {
         sum += factor * std::fabs(calc.di) *
-               pairTerm(run.turned()[run.slotOf(atomI)], run.turned()[run.slotOf(atomJ)], run.tensor.da,
-                        run.tensor.dr);
+               pairTerm(run.turned()[run.work.slots[atomI]], run.turned()[run.work.slots[atomJ]],
+                        run.tensor.da, run.tensor.dr);
     });
     if (pairs > 0)
         run.result.calculated[row] = sum;
@@ -271,10 +268,9 @@ void takeSolutions(const Matrix4 &m, DTensor &tensor)
 
 } // namespace
 
-Status fitDCAlign(const PDBInfo &pdbInfo, const FitInput &input, FitWork &work, FitResult &result,
-                  Messages &messages)
+Status fitDCAlign(const FitInput &input, FitWork &work, FitResult &result, Messages &messages)
 {
-    AlignRun run{pdbInfo, input, work, result, result.tensor, messages};
+    AlignRun run{input, work, result, result.tensor, messages};
     selectAtoms(run);
     if (input.verbose > 1)
         messages.err("%d Couplings, %zu Atoms Selected.\n", run.dCount, run.atomCount);

@@ -206,10 +206,10 @@ Status readRows(const TextTable &text, DTable &dTab, Messages &messages)
 
 /// Resolves one side. Returns how many atoms there are; the record takes maxPairAtoms of them, and `count` is
 /// 0 where there are more: a part of the pairs would be a wrong coupling.
-int findSide(PDBInfo *pdbInfo, const SideQuery &query, std::array<AtomInfo *, maxPairAtoms> &atoms,
+int findSide(const PDBInfo &pdbInfo, const SideQuery &query, std::array<std::size_t, maxPairAtoms> &atoms,
              int &count)
 {
-    std::array<AtomInfo *, maxWildAtoms> found = {};
+    std::array<std::size_t, maxWildAtoms> found = {};
     const int all = findAtomList(pdbInfo, query.resID, query.atomName.view(), query.chainName.view(),
                                  query.segName.view(), found);
     count = all > maxPairAtoms ? 0 : std::max(all, 0);
@@ -219,8 +219,8 @@ int findSide(PDBInfo *pdbInfo, const SideQuery &query, std::array<AtomInfo *, ma
 }
 
 /// The same for a row that a fit will use. Returns false after a message for an excess of atoms.
-bool findWholeSide(PDBInfo *pdbInfo, const SideQuery &query, std::array<AtomInfo *, maxPairAtoms> &atoms,
-                   int &count, Messages &messages)
+bool findWholeSide(const PDBInfo &pdbInfo, const SideQuery &query,
+                   std::array<std::size_t, maxPairAtoms> &atoms, int &count, Messages &messages)
 {
     const int all = findSide(pdbInfo, query, atoms, count);
     if (all <= maxPairAtoms)
@@ -258,14 +258,15 @@ void weightRow(const DInfo &obs, DInfo &calc, int wOff, std::span<const float> w
 }
 
 /// Sets the interaction constant of a row that has its atoms.
-void setDI(DInfo &obs, DInfo &calc, int allowFixedDI, Messages &messages)
+void setDI(const PDBInfo &pdbInfo, const RowMatch &match, DInfo &obs, DInfo &calc, Messages &messages)
 {
-    if (obs.diFixedFlag == 0 || allowFixedDI == 0) {
-        const AtomInfo &atomI = *calc.atomI[0], &atomJ = *calc.atomJ[0];
-        const float rIJ = findAtomListRad(calc.atomsI(), calc.atomsJ());
+    if (obs.diFixedFlag == 0 || match.allowFixedDI == 0) {
+        const AtomInfo &atomI = pdbInfo.atomList[calc.atomI[0]], &atomJ = pdbInfo.atomList[calc.atomJ[0]];
+        const float rIJ = findAtomListRad(match.coords.empty() ? pdbInfo.coordinates() : match.coords,
+                                          calc.atomsI(), calc.atomsJ());
         const Interaction found =
             findVariableDI(rIJ, {calc.resIDI, atomI.atomName.view()}, {calc.resIDJ, atomJ.atomName.view()},
-                           allowFixedDI, messages);
+                           match.allowFixedDI, messages);
         obs.di = found.di;
         obs.diFixedFlag = found.isFixed ? 1 : 0;
     }
@@ -361,11 +362,12 @@ Status addRows(DTable &dTab, std::size_t count, Messages &messages)
     return Status::ok;
 }
 
-void buildRow(PDBInfo *pdbInfo, const DTable &dTab, int aOff, DInfo &obs, DInfo &calc, Messages &messages)
+void buildRow(const PDBInfo &pdbInfo, const DTable &dTab, int aOff, DInfo &obs, DInfo &calc,
+              Messages &messages)
 {
     calc.valid = 1;
     calc.id = obs.id;
-    const RowQueries sides = queriesOf(*pdbInfo, dTab, obs, aOff);
+    const RowQueries sides = queriesOf(pdbInfo, dTab, obs, aOff);
     const bool isWholeI = findWholeSide(pdbInfo, sides.i, calc.atomI, calc.atomICount, messages);
     const bool isWholeJ = findWholeSide(pdbInfo, sides.j, calc.atomJ, calc.atomJCount, messages);
     if (!isWholeI || !isWholeJ)
@@ -378,15 +380,15 @@ void buildRow(PDBInfo *pdbInfo, const DTable &dTab, int aOff, DInfo &obs, DInfo 
     calc.resIDJ = sides.j.resID;
     calc.atomNameI = obs.atomNameI;
     calc.atomNameJ = obs.atomNameJ;
-    takeNames(*calc.atomI[0], calc.resNameI, calc.chainNameI, calc.segNameI);
-    takeNames(*calc.atomJ[0], calc.resNameJ, calc.chainNameJ, calc.segNameJ);
+    takeNames(pdbInfo.atomList[calc.atomI[0]], calc.resNameI, calc.chainNameI, calc.segNameI);
+    takeNames(pdbInfo.atomList[calc.atomJ[0]], calc.resNameJ, calc.chainNameJ, calc.segNameJ);
     calc.sigma = obs.sigma;
     calc.w = obs.w;
 }
 
-int buildDC(PDBInfo *pdbInfo, DTable &dTab, const RowMatch &match, Messages &messages)
+int buildDC(const PDBInfo &pdbInfo, DTable &dTab, const RowMatch &match, Messages &messages)
 {
-    if (pdbInfo == nullptr || !dTab.dObsList || !dTab.dCalcList || !pdbInfo->atomList)
+    if (pdbInfo.atoms().empty()) // the rows keep what they hold
         return 0;
     std::ranges::fill(dTab.calculated(), DInfo{});
     int count = 0;
@@ -398,7 +400,7 @@ int buildDC(PDBInfo *pdbInfo, DTable &dTab, const RowMatch &match, Messages &mes
         if (calc.valid != 0)
             weightRow(obs, calc, match.wOff, match.wList);
         if (calc.valid != 0)
-            setDI(obs, calc, match.allowFixedDI, messages);
+            setDI(pdbInfo, match, obs, calc, messages);
         count += calc.valid;
     }
     return count;

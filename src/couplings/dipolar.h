@@ -38,16 +38,16 @@ struct DInfo {
     float d = noCoupling; ///< the coupling, Hz
     float di = 0.0f;      ///< interaction constant: the coupling of a fully aligned vector, Hz
     float w = 1.0f; ///< weight in statistics and searches; fits go by sigma and only leave out a weight of 0
-    int diFixedFlag = 0;                                         ///< 1 if di comes from a fixed distance
-    float sigma = 0.0f;                                          ///< error of the coupling, Hz
-    std::array<AtomInfo *, maxPairAtoms> atomI = {}, atomJ = {}; ///< the atoms that the row resolves to
+    int diFixedFlag = 0;                                          ///< 1 if di comes from a fixed distance
+    float sigma = 0.0f;                                           ///< error of the coupling, Hz
+    std::array<std::size_t, maxPairAtoms> atomI = {}, atomJ = {}; ///< places of the atoms it resolves to
     int atomICount = 0, atomJCount = 0;
 
-    [[nodiscard]] std::span<AtomInfo *const> atomsI() const
+    [[nodiscard]] std::span<const std::size_t> atomsI() const
     {
         return {atomI.data(), static_cast<std::size_t>(atomICount)};
     }
-    [[nodiscard]] std::span<AtomInfo *const> atomsJ() const
+    [[nodiscard]] std::span<const std::size_t> atomsJ() const
     {
         return {atomJ.data(), static_cast<std::size_t>(atomJCount)};
     }
@@ -157,20 +157,22 @@ Status addRows(DTable &dTab, std::size_t count, Messages &messages);
 
 /// Fills one calculated row, which starts as DInfo{}: atoms, names and values of the observed one, all but
 /// the weight of its residue and the constant. `valid` is 0 where the structure lacks the atoms.
-void buildRow(PDBInfo *pdbInfo, const DTable &dTab, int aOff, DInfo &obs, DInfo &calc, Messages &messages);
+void buildRow(const PDBInfo &pdbInfo, const DTable &dTab, int aOff, DInfo &obs, DInfo &calc,
+              Messages &messages);
 
 /// How rows are brought onto a structure.
 struct RowMatch {
-    int aOff = 0;                      ///< what has to be added to a residue number
-    int wOff = 0;                      ///< residue of the first weight
-    std::span<const float> wList = {}; ///< weights by residue; empty: none
-    int allowFixedDI = 1;              ///< interaction constants of known distances
+    int aOff = 0;                         ///< what has to be added to a residue number
+    int wOff = 0;                         ///< residue of the first weight
+    std::span<const float> wList = {};    ///< weights by residue; empty: none
+    int allowFixedDI = 1;                 ///< interaction constants of known distances
+    std::span<const Coord3D> coords = {}; ///< where the atoms stand; empty: as read
 };
 
 /// Fills the calculated rows of the valid observed ones: atoms, names, weights by residue, interaction
 /// constants. A residue's weight multiplies `w` by its root and divides the calculated row's sigma, which no
 /// fit reads; 0 takes the row out. A name that resolves to more than maxPairAtoms atoms is told, and its
 /// observed row too becomes invalid; an unknown nucleus is told again. Returns the number of valid rows.
-int buildDC(PDBInfo *pdbInfo, DTable &dTab, const RowMatch &match, Messages &messages);
+int buildDC(const PDBInfo &pdbInfo, DTable &dTab, const RowMatch &match, Messages &messages);
 
 } // namespace trelm

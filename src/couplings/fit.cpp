@@ -52,7 +52,7 @@ std::size_t entryCount(const DInfo &calc)
 }
 
 /// Adds a share of a pair's coordinates to entry k.
-void addPair(const Slices &s, std::size_t k, const AtomInfo &atomI, const AtomInfo &atomJ, float divisor)
+void addPair(const Slices &s, std::size_t k, const Coord3D &atomI, const Coord3D &atomJ, float divisor)
 {
     s.xI[k] += atomI.x / divisor;
     s.yI[k] += atomI.y / divisor;
@@ -77,9 +77,9 @@ void putRow(const Slices &s, std::size_t k, const FitInput &input, std::size_t r
         s.sigma[k + i] = input.columns.sigma[row];
     }
     std::size_t place = k;
-    for (const AtomInfo *atomI : calc.atomsI())
-        for (const AtomInfo *atomJ : calc.atomsJ()) {
-            addPair(s, place, *atomI, *atomJ, mean ? 3.0f : 1.0f);
+    for (const std::size_t atomI : calc.atomsI())
+        for (const std::size_t atomJ : calc.atomsJ()) {
+            addPair(s, place, input.coords[atomI], input.coords[atomJ], mean ? 3.0f : 1.0f);
             place += mean ? 0 : 1;
         }
 }
@@ -230,8 +230,7 @@ Status fitColumns(const FitInput &input, FitWork &work, FitResult &result, Messa
     case tensorDaDr:
     case tensorFixed:
     case tensorFreeToo:
-        if (input.pdbInfo != nullptr)
-            status = fitDCAlign(*input.pdbInfo, input, work, result, messages);
+        status = fitDCAlign(input, work, result, messages);
         break;
     default:
         break;
@@ -239,12 +238,12 @@ Status fitColumns(const FitInput &input, FitWork &work, FitResult &result, Messa
     return status == Status::ok ? checkTensor(result.tensor, messages) : status;
 }
 
-std::optional<int> fitD(const PDBInfo *pdbInfo, DTable &dTab, int verbose, Messages &messages)
+std::optional<int> fitD(std::span<const Coord3D> coords, DTable &dTab, int verbose, Messages &messages)
 {
     FitColumns columns;
     takeColumns(dTab, columns);
     FitResult result = startOf(dTab);
-    const Status status = fitColumns({pdbInfo, dTab, columns, verbose}, dTab.fitWork, result, messages);
+    const Status status = fitColumns({coords, dTab, columns, verbose}, dTab.fitWork, result, messages);
     dTab.dTensor = result.tensor;
     for (std::size_t row = 0; row < result.calculated.size(); ++row)
         dTab.dCalcList[row].d = result.calculated[row];

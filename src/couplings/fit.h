@@ -49,7 +49,7 @@ std::optional<DTable> tableWith(const DTable &dTab, const FitResult &fit, Messag
 
 /// What is fitted. The rows of the table tell atoms and constants, the columns tell the rest.
 struct FitInput {
-    const PDBInfo *pdbInfo; ///< null: no structure, and no non-linear fit
+    std::span<const Coord3D> coords; ///< where the atoms stand
     const DTable &dTab;
     const FitColumns &columns;
     int verbose = 0; ///< above 1 the non-linear path is told
@@ -65,12 +65,11 @@ struct FitInput {
 Status fitColumns(const FitInput &input, FitWork &work, FitResult &result, Messages &messages);
 
 /// The non-linear engine.
-Status fitDCAlign(const PDBInfo &pdbInfo, const FitInput &input, FitWork &work, FitResult &result,
-                  Messages &messages);
+Status fitDCAlign(const FitInput &input, FitWork &work, FitResult &result, Messages &messages);
 
 /// Fits a table as it is: the tensor and the calculated rows take the result. Returns the number of couplings
 /// used, or nothing after a message.
-std::optional<int> fitD(const PDBInfo *pdbInfo, DTable &dTab, int verbose, Messages &messages);
+std::optional<int> fitD(std::span<const Coord3D> coords, DTable &dTab, int verbose, Messages &messages);
 
 /// Least-squares Saupe vector. `noSolution` with zeros for fewer than five entries, `failed` with zeros and
 /// after a message without memory. Source: Losonczi et al., J. Magn. Reson. 138 (1999) 334.

@@ -29,13 +29,13 @@ double drawAngle(RandomStream &random, const ConeSetup &cone)
     return gamma;
 }
 
-/// One side of a coupling: how its atoms are looked up, and those that were found.
+/// One side of a coupling: how its atoms are looked up, and the places of those that were found.
 struct RowSide {
     SideQuery query;
-    std::array<AtomInfo *, maxPairAtoms> &atoms;
+    std::array<std::size_t, maxPairAtoms> &atoms;
     int &count;
 
-    [[nodiscard]] std::span<AtomInfo *const> found() const
+    [[nodiscard]] std::span<const std::size_t> found() const
     {
         return {atoms.data(), static_cast<std::size_t>(count)};
     }
@@ -47,24 +47,20 @@ struct RowSides {
     RowSide i, j;
 };
 
-RowSides sidesOf(const PDBInfo &pdbInfo, DTable &dTab, std::size_t row, int aOff)
+RowSides sidesOf(const NoiseTarget &target, std::size_t row, int aOff)
 {
-    const RowQueries queries = queriesOf(pdbInfo, dTab, dTab.dObsList[row], aOff);
+    DTable &dTab = target.dTab;
+    const RowQueries queries = queriesOf(target.molecule.pdbInfo, dTab, dTab.dObsList[row], aOff);
     DInfo &calc = dTab.dCalcList[row];
     return {{queries.i, calc.atomI, calc.atomICount}, {queries.j, calc.atomJ, calc.atomJCount}};
 }
 
-Axis place(const AtomInfo &atom)
-{
-    return {static_cast<double>(atom.x), static_cast<double>(atom.y), static_cast<double>(atom.z)};
-}
-
-Axis mean(std::span<AtomInfo *const> atoms)
+Axis mean(std::span<const Coord3D> coords, std::span<const std::size_t> atoms)
 {
     Axis sum = {};
-    for (const AtomInfo *atom : atoms)
+    for (const std::size_t atom : atoms)
         for (std::size_t k = 0; k < 3; ++k)
-            sum[k] += place(*atom)[k];
+            sum[k] += toAxis(coords[atom])[k];
     for (double &value : sum)
         value /= static_cast<double>(atoms.size());
     return sum;
@@ -76,16 +72,16 @@ Vector difference(const Axis &to, const Axis &from)
             static_cast<float>(to[2] - from[2])};
 }
 
-/// Puts an atom to `from` plus the vector.
-void moveTo(AtomInfo &atom, const Axis &from, const Vector &vector)
+/// `from` plus the vector.
+Coord3D moved(const Axis &from, const Vector &vector)
 {
-    atom.x = static_cast<float>(from[0] + static_cast<double>(vector[0]));
-    atom.y = static_cast<float>(from[1] + static_cast<double>(vector[1]));
-    atom.z = static_cast<float>(from[2] + static_cast<double>(vector[2]));
+    return {static_cast<float>(from[0] + static_cast<double>(vector[0])),
+            static_cast<float>(from[1] + static_cast<double>(vector[1])),
+            static_cast<float>(from[2] + static_cast<double>(vector[2]))};
 }
 
 /// Looks the moved side up again. Returns whether it has atoms.
-bool findAgain(PDBInfo *pdbInfo, const RowSide &side)
+bool findAgain(const PDBInfo &pdbInfo, const RowSide &side)
 {
     const SideQuery &query = side.query;
     side.count = modifyAtomCoorList(pdbInfo, query.resID, query.atomName.view(), query.chainName.view(),
@@ -94,47 +90,50 @@ bool findAgain(PDBInfo *pdbInfo, const RowSide &side)
 }
 
 /// Three equivalent atoms and a single one: all three go to one place.
-bool moveGroup(PDBInfo *pdbInfo, const RowSides &sides, const ConeSetup &cone, RandomStream &random)
+bool moveGroup(const Conformation &molecule, const RowSides &sides, const ConeSetup &cone,
+               RandomStream &random)
 {
     const bool groupIsI = sides.i.count >= sides.j.count;
     const RowSide &group = groupIsI ? sides.i : sides.j, &single = groupIsI ? sides.j : sides.i;
-    const Axis from = place(*single.atoms[0]);
+    const Axis from = toAxis(molecule.coords[single.atoms[0]]), to = mean(molecule.coords, group.found());
     // With the group on the first side the vector points away from it, and the group lands opposite: the
     // coupling does not see the sign.
-    Vector vector = groupIsI ? difference(from, mean(group.found())) : difference(mean(group.found()), from);
+    Vector vector = groupIsI ? difference(from, to) : difference(to, from);
     addVecNoise(random, vector, cone);
-    for (AtomInfo *atom : group.found())
-        moveTo(*atom, from, vector);
-    return findAgain(pdbInfo, group);
+    for (const std::size_t atom : group.found())
+        molecule.coords[atom] = moved(from, vector);
+    return findAgain(molecule.pdbInfo, group);
 }
 
 /// Every pair for itself. The list that is walked is the one found last.
-bool movePairs(PDBInfo *pdbInfo, const RowSides &sides, const ConeSetup &cone, RandomStream &random)
+bool movePairs(const Conformation &molecule, const RowSides &sides, const ConeSetup &cone,
+               RandomStream &random)
 {
     for (std::size_t k = 0; k < sides.i.found().size(); ++k)
         for (std::size_t l = 0; l < sides.j.found().size(); ++l) {
-            const Axis from = place(*sides.i.atoms[k]);
-            AtomInfo &moved = *sides.j.atoms[l];
-            Vector vector = difference(place(moved), from);
+            const Axis from = toAxis(molecule.coords[sides.i.atoms[k]]);
+            Coord3D &at = molecule.coords[sides.j.atoms[l]];
+            Vector vector = difference(toAxis(at), from);
             addVecNoise(random, vector, cone);
-            moveTo(moved, from, vector);
-            if (!findAgain(pdbInfo, sides.j))
+            at = moved(from, vector);
+            if (!findAgain(molecule.pdbInfo, sides.j))
                 return false;
         }
     return sides.i.count != 0 && sides.j.count != 0;
 }
 
 /// Draws and sets the two angles of a residue.
-void turnResidue(RandomStream &random, PDBInfo *pdbInfo, const ResInfo &residue, const ConeSetup &cone)
+void turnResidue(RandomStream &random, const Conformation &molecule, const ResInfo &residue,
+                 const ConeSetup &cone)
 {
     const double phiInc = drawAngle(random, cone);
     const double psiInc = drawAngle(random, cone);
     float phi = 0.0f, psi = 0.0f;
-    getPDBPhiPsi(pdbInfo, residue.resID, residue.chainID.view(), residue.segID.view(), phi, psi);
+    getPDBPhiPsi(molecule, residue.resID, residue.chainID.view(), residue.segID.view(), phi, psi);
     const auto turned = [](float angle, double inc) {
         return static_cast<float>(static_cast<double>(angle) + inc * 180.0 / pi);
     };
-    setPDBPhiPsi(pdbInfo, residue.resID, residue.chainID.view(), residue.segID.view(), turned(phi, phiInc),
+    setPDBPhiPsi(molecule, residue.resID, residue.chainID.view(), residue.segID.view(), turned(phi, phiInc),
                  turned(psi, psiInc));
 }
 
@@ -207,30 +206,35 @@ float addVecNoise(RandomStream &random, Vector &coor, const ConeSetup &cone)
     return length;
 }
 
-void addPhiPsiNoise(RandomStream &random, PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone,
+void addPhiPsiNoise(RandomStream &random, const NoiseTarget &target, const ConeSetup &cone,
                     const ResidueOffset &offset, int allowFixedDI, Messages &messages)
 {
     if (!cone.hasNoise())
         return;
-    const std::int64_t first = std::int64_t{pdbInfo->minResID} - 1;
-    const std::int64_t last = std::int64_t{pdbInfo->maxResID} + 1;
-    for (const ResInfo &residue : pdbInfo->residues())
+    const PDBInfo &pdbInfo = target.molecule.pdbInfo;
+    const std::int64_t first = std::int64_t{pdbInfo.minResID} - 1;
+    const std::int64_t last = std::int64_t{pdbInfo.maxResID} + 1;
+    for (const ResInfo &residue : pdbInfo.residues())
         if (residue.resID >= first && residue.resID <= last)
-            turnResidue(random, pdbInfo, residue, cone);
+            turnResidue(random, target.molecule, residue, cone);
     // An empty residue of number 0 closes the list. It has no angles to turn, but its draws are in the
     // sequence.
     if (first <= 0 && last >= 0) {
         drawAngle(random, cone);
         drawAngle(random, cone);
     }
-    selectD(dTab->observed(), offset.segFirst, offset.segLast, largerInside);
-    buildDC(pdbInfo, *dTab,
-            {.aOff = offsetOf(offset), .wOff = offset.segFirst, .wList = {}, .allowFixedDI = allowFixedDI},
+    selectD(target.dTab.observed(), offset.segFirst, offset.segLast, largerInside);
+    buildDC(pdbInfo, target.dTab,
+            {.aOff = offsetOf(offset),
+             .wOff = offset.segFirst,
+             .wList = {},
+             .allowFixedDI = allowFixedDI,
+             .coords = target.molecule.coords},
             messages);
 }
 
-int modifyAtomCoorList(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
-                       std::string_view segName, std::span<AtomInfo *> atomList)
+int modifyAtomCoorList(const PDBInfo &pdbInfo, int resID, std::string_view atomName,
+                       std::string_view chainName, std::string_view segName, std::span<std::size_t> places)
 {
     std::string format;
     const bool isWild = isAtomExpr(atomName, format) != 0;
@@ -240,33 +244,33 @@ int modifyAtomCoorList(PDBInfo *pdbInfo, int resID, std::string_view atomName, s
         std::string name;
         for (const char c : atomName)
             name += c == '#' || c == '*' ? digit : c;
-        AtomInfo *atom = findAtom(pdbInfo, resID, isWild ? name : atomName, chainName, segName);
-        if (atom != nullptr && count < atomList.size())
-            atomList[count++] = atom;
+        const AtomInfo *atom = findAtom(pdbInfo, resID, isWild ? name : atomName, chainName, segName);
+        if (atom != nullptr && count < places.size())
+            places[count++] = pdbInfo.placeOf(*atom);
         if (!isWild)
             break;
     }
     return static_cast<int>(count);
 }
 
-int addPdbNoise(PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone, int aOff,
-                std::span<const int> dCalcValid, RandomStream &random)
+int addPdbNoise(const NoiseTarget &target, const ConeSetup &cone, int aOff, std::span<const int> dCalcValid,
+                RandomStream &random)
 {
-    int moved = 0;
-    for (std::size_t row = 0; row < dTab->calculated().size(); ++row) {
+    constexpr int groupSize = 3;
+    int count = 0;
+    for (std::size_t row = 0; row < target.dTab.calculated().size(); ++row) {
         if (dCalcValid[row] == 0)
             continue;
-        constexpr int groupSize = 3;
-        const RowSides sides = sidesOf(*pdbInfo, *dTab, row, aOff);
+        const RowSides sides = sidesOf(target, row, aOff);
         const bool isGroup = sides.i.count * sides.j.count == groupSize;
-        const bool found =
-            isGroup ? moveGroup(pdbInfo, sides, cone, random) : movePairs(pdbInfo, sides, cone, random);
+        const bool found = isGroup ? moveGroup(target.molecule, sides, cone, random)
+                                   : movePairs(target.molecule, sides, cone, random);
         if (found)
-            ++moved;
+            ++count;
         else
-            dTab->dCalcList[row].valid = 0;
+            target.dTab.dCalcList[row].valid = 0;
     }
-    return moved;
+    return count;
 }
 
 } // namespace trelm

@@ -57,21 +57,28 @@ void rotCone(const Axis &A, double w, double Gamma, Axis &r);
 /// until an angle is taken (none of them with a fixed cone), then ran3. Returns the length.
 float addVecNoise(RandomStream &random, std::array<float, 3> &coor, const ConeSetup &cone);
 
+/// A molecule whose atoms are moved, and the table whose rows they belong to.
+struct NoiseTarget {
+    Conformation molecule;
+    DTable &dTab;
+};
+
 /// Turns phi and psi of every residue by random angles, phi drawn first, and builds the calculated rows anew
 /// with the run's allowFixedDI. Residue after residue along the list: a turn moves all atoms on the shorter
-/// side. Uses up the selection marks.
-void addPhiPsiNoise(RandomStream &random, PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone,
+/// side.
+void addPhiPsiNoise(RandomStream &random, const NoiseTarget &target, const ConeSetup &cone,
                     const ResidueOffset &offset, int allowFixedDI, Messages &messages);
 
-/// Finds the atoms of a name again after they were moved, a name with wildcards expanded with 1, 2, 3.
-/// Nothing in the molecule changes: whoever moved them has written their places. Returns the number found.
-int modifyAtomCoorList(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
-                       std::string_view segName, std::span<AtomInfo *> atomList);
+/// Finds the places of the atoms of a name again after they were moved, a name with wildcards expanded with
+/// 1, 2, 3. Nothing in the molecule changes: whoever moved them has written their places. Returns the number
+/// found.
+int modifyAtomCoorList(const PDBInfo &pdbInfo, int resID, std::string_view atomName,
+                       std::string_view chainName, std::string_view segName, std::span<std::size_t> places);
 
 /// Moves the vectors of the rows with a mark in dCalcValid (one for each row). Of a pair the second atom
 /// moves. Three equivalent atoms are moved to one place: their mean stands for them. A row whose atoms are
 /// found no more becomes invalid. Rows that share an atom move it in turns. Returns the number of rows moved.
-int addPdbNoise(PDBInfo *pdbInfo, DTable *dTab, const ConeSetup &cone, int aOff,
-                std::span<const int> dCalcValid, RandomStream &random);
+int addPdbNoise(const NoiseTarget &target, const ConeSetup &cone, int aOff, std::span<const int> dCalcValid,
+                RandomStream &random);
 
 } // namespace trelm

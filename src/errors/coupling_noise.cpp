@@ -43,7 +43,7 @@ Status fitNoisy(NoiseRun &run)
             fit.columns.d[i] = static_cast<float>(run.random.gauss() * number(run.result.dSigmaOpt[i]) * 0.5 +
                                                   number(run.measured(i).d));
     const MappingInput &input = run.input;
-    return refitColumns(run.repeated, {&input.pdbInfo, input.dTab, fit.columns, input.verbose}, fit.work,
+    return refitColumns(run.repeated, {input.coords, input.dTab, fit.columns, input.verbose}, fit.work,
                         fit.last, run.messages);
 }
 
@@ -218,7 +218,7 @@ Status fitMeasured(NoiseRun &run)
     MappingFit &fit = run.result.fit;
     if (fitTable(run.input, fit, run.messages) != Status::ok)
         return Status::failed;
-    prepareRepeatedFit({&run.input.pdbInfo, run.input.dTab, fit.columns, run.input.verbose}, fit.last.tensor,
+    prepareRepeatedFit({run.input.coords, run.input.dTab, fit.columns, run.input.verbose}, fit.last.tensor,
                        run.repeated);
     run.result.samples.orig = eulerSolution(fit.last.tensor, 0);
     int used = 0;

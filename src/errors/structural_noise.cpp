@@ -1,7 +1,6 @@
 #include "errors/structural_noise.h"
 
 #include "couplings/statistics.h"
-#include "structure/write.h"
 #include "support/numerics/numbers.h"
 
 #include <algorithm>
@@ -15,12 +14,6 @@ namespace {
 
 constexpr float widestCone = 90.0f; ///< degrees: the search ends there
 
-/// An atom of a coupling, and where it was.
-struct SavedAtom {
-    AtomInfo *atom;
-    Coord3D place;
-};
-
 struct StructuralRun {
     const MappingInput &input;
     const StructuralNoiseOptions &options;
@@ -32,23 +25,18 @@ struct StructuralRun {
     RandomStream random = RandomStream(); ///< the draws do not follow the seed of the run
     DTable rows = {};                     ///< of a copy of the structure
     std::vector<int> dCalcValid = {};
-    std::vector<SavedAtom> atoms = {};
+    std::vector<Coord3D> coords = {};    ///< of a copy of the structure
+    std::vector<std::size_t> atoms = {}; ///< places of the atoms of the couplings
 
     [[nodiscard]] MappingFit &fit() const { return result.fit; }
     /// The same mapping, of the copy.
     [[nodiscard]] MappingInput noisy() const
     {
-        return {input.pdbInfo, rows, input.fit, input.validCount, input.mapCount, input.verbose};
+        return {input.pdbInfo, coords, rows, input.fit, input.validCount, input.mapCount, input.verbose};
     }
 };
 
-void saveAtoms(StructuralRun &run, std::span<AtomInfo *const> atoms)
-{
-    for (AtomInfo *atom : atoms)
-        run.atoms.push_back({atom, {atom->x, atom->y, atom->z}});
-}
-
-/// Keeps the atoms, and makes the rows of the copies, in which the calculated couplings stand for the
+/// Makes the coordinates and the rows of the copies, in which the calculated couplings stand for the
 /// measured ones. Fails after a message.
 Status keepState(StructuralRun &run)
 {
@@ -56,11 +44,12 @@ Status keepState(StructuralRun &run)
     if (!copy)
         return Status::failed;
     run.rows = std::move(*copy);
+    run.coords = copyOfCoordinates(run.input.pdbInfo);
     for (std::size_t i = 0; i < run.rows.observed().size(); ++i) {
         const DInfo &calc = run.input.dTab.dCalcList[i];
         run.dCalcValid.push_back(calc.valid);
-        saveAtoms(run, calc.atomsI());
-        saveAtoms(run, calc.atomsJ());
+        run.atoms.insert(run.atoms.end(), calc.atomsI().begin(), calc.atomsI().end());
+        run.atoms.insert(run.atoms.end(), calc.atomsJ().begin(), calc.atomsJ().end());
         run.rows.dObsList[i].d = run.fit().last.calculated[i];
         run.rows.dObsList[i].valid = calc.valid;
     }
@@ -70,13 +59,12 @@ Status keepState(StructuralRun &run)
 /// Structure and calculated rows as they were. Internuclear vectors move the atoms of the couplings alone.
 void restoreStructure(StructuralRun &run)
 {
+    const std::span<const Coord3D> asRead = run.input.pdbInfo.coordinates();
     if (run.options.noiseMode == 0)
-        restorePDBCoords(&run.input.pdbInfo);
-    for (const SavedAtom &saved : run.atoms) {
-        saved.atom->x = saved.place.x;
-        saved.atom->y = saved.place.y;
-        saved.atom->z = saved.place.z;
-    }
+        std::ranges::copy(asRead, run.coords.begin());
+    else
+        for (const std::size_t atom : run.atoms)
+            run.coords[atom] = asRead[atom];
     // With them `valid` comes back, which a row loses in a copy where its atoms were not found again.
     std::ranges::copy(run.input.dTab.calculated(), run.rows.calculated().begin());
 }
@@ -87,11 +75,11 @@ void addNoise(StructuralRun &run)
     ConeOptions inUse = run.options;
     inUse.coneWidth = run.result.coneWidth;
     const ConeSetup cone = coneOf(inUse);
+    const NoiseTarget target = {{run.input.pdbInfo, run.coords}, run.rows};
     if (run.options.noiseMode != 0)
-        addPdbNoise(&run.input.pdbInfo, &run.rows, cone, offsetOf(run.offset), run.dCalcValid, run.random);
+        addPdbNoise(target, cone, offsetOf(run.offset), run.dCalcValid, run.random);
     else
-        addPhiPsiNoise(run.random, &run.input.pdbInfo, &run.rows, cone, run.offset,
-                       run.input.fit.allowFixedDI, run.messages);
+        addPhiPsiNoise(run.random, target, cone, run.offset, run.input.fit.allowFixedDI, run.messages);
 }
 
 /// A fit to a fresh copy of the structure with noise of the width in use. Fails after a message.
@@ -241,14 +229,12 @@ Status noiseStrucSimDC(const MappingInput &input, const StructuralNoiseOptions &
         messages.err("trelm: no coupling is left to fit.\n");
         return Status::ok;
     }
-    storePDBCoords(&input.pdbInfo);
     if (keepState(run) != Status::ok)
         return Status::failed;
     messages.out("REMARK Experimental DC and structure have %.3f Hz DC Rms.\n", number(run.rSumOrig));
     if (setCone(run) != Status::ok || sampleStructures(run, watch) != Status::ok)
         return Status::failed;
     averageSamples(result.samples);
-    restoreStructure(run);
     takeColumns(input.dTab, result.fit.columns);
     return compareWithMean(result.samples, input.fit, messages);
 }

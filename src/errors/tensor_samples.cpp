@@ -163,7 +163,7 @@ Status fitTable(const MappingInput &input, MappingFit &fit, Messages &messages)
 
 Status fitAgain(const MappingInput &input, MappingFit &fit, Messages &messages)
 {
-    return fitColumns({&input.pdbInfo, input.dTab, fit.columns, input.verbose}, fit.work, fit.last, messages);
+    return fitColumns({input.coords, input.dTab, fit.columns, input.verbose}, fit.work, fit.last, messages);
 }
 
 Status sampleAll(int mapCount, const std::function<Status(int n)> &step, Messages &messages)

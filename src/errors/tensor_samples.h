@@ -10,6 +10,7 @@
 
 #include <array>
 #include <functional>
+#include <span>
 #include <vector>
 
 namespace trelm {
@@ -85,9 +86,10 @@ struct MappingFit {
     FitResult last;
 };
 
-/// What a mapping works on. Some move atoms on the way, and put them back.
+/// What a mapping works on.
 struct MappingInput {
-    PDBInfo &pdbInfo;
+    const PDBInfo &pdbInfo;
+    std::span<const Coord3D> coords; ///< where the atoms stand in the fits
     const DTable &dTab;
     const FitOptions &fit;
     int validCount = 0; ///< couplings that a choice of rows has left

@@ -50,7 +50,7 @@ std::optional<AssignedTable> assignTable(Run &run, Messages &messages)
     std::optional<DTable> dTab = copyTable(run.dTab[0], messages);
     if (!dTab ||
         takeRows(applyAssignment(input, *made, found->bestIdList, messages), *dTab, messages) != Status::ok ||
-        fitMedia(run.pdbInfo[0], info.media, info.verbFlag, *dTab, messages) != Status::ok)
+        fitMedia(run.pdbInfo[0].coordinates(), info.media, info.verbFlag, *dTab, messages) != Status::ok)
         return std::nullopt;
     return AssignedTable{std::move(*dTab), found->isProved};
 }

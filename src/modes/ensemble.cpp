@@ -10,81 +10,90 @@
 #include "simulation/domains/domains.h"
 #include "simulation/domains/ensemble.h"
 #include "structure/write.h"
-#include "support/text/text.h"
 
-#include <cstdio>
+#include <span>
 #include <string>
+#include <vector>
 
 namespace trelm {
 namespace {
 
 constexpr int outSetupOnly = 2; ///< outEflag: the run ends once the ensemble is set up
 
-int checkEnsemble(const AlignmentOptions &options)
+Status checkEnsemble(const AlignmentOptions &options, Messages &messages)
 {
     if (options.lcType != lcWall && options.lcType != lcRod)
-        return complain("trelm: -stTrelmGrid knows the models -bic and -pf1 only.\n");
-    return static_cast<int>(checkSimulation(options, standardMessages()));
+        return messages.fail("trelm: -stTrelmGrid knows the models -bic and -pf1 only.\n");
+    return checkSimulation(options, messages);
 }
 
-/// The molecule in its starting position, saved, and written if asked for.
-int orientMolecule(Run &run, const DomainOptions &domains)
+/// Moves the molecule to its starting position, and writes it if asked for.
+Status orientMolecule(const Run &run, const DomainOptions &domains, std::span<Coord3D> coords,
+                      Messages &messages)
 {
-    PDBInfo *pdbInfo = &run.pdbInfo[0];
-    if (initOrient(pdbInfo, domains, run.trelmInfo[0].yzFlag, standardMessages()) != Status::ok)
-        return complain("matrix: error in initOrient.\n");
-    if (storePDBCoords(pdbInfo) != 0)
-        return complain("matrix: error in storePDBCoords.\n");
+    const PDBInfo &pdbInfo = run.pdbInfo[0];
+    if (initOrient({pdbInfo, coords}, domains, run.trelmInfo[0].yzFlag, messages) != Status::ok)
+        return messages.fail("matrix: error in initOrient.\n");
     const RunOptions &options = run.options;
-    return options.pRotName.empty() ? 0 : writePDB(options.pRotName, pdbInfo, nullptr, options.remark);
+    return options.pRotName.empty()
+               ? Status::ok
+               : writePDB(options.pRotName, {pdbInfo, nullptr, options.remark}, coords, messages);
 }
 
-int makeEnsemble(const Run &run, const DomainOptions &domains, Ensemble &ensemble)
+Status makeEnsemble(const Run &run, const DomainOptions &domains, Ensemble &ensemble, Messages &messages)
 {
     const RunOptions &options = run.options;
-    if (setupEnsemble(domains, {options.outEName, options.outEAxName, options.inEName}, ensemble,
-                      standardMessages()) != Status::ok)
-        return complain("matrix: setupEnsemble error occured.\n");
-    std::printf("REMARK ENSEMBLE MODE.\n");
-    std::printf("REMARK STERIC CLASH CHECK %s.\n", domains.clashFlag != 0 ? "ENABLED" : "DISABLED");
-    std::printf("REMARK %d states in ensemble.\n", ensemble.count);
-    return 0;
+    if (setupEnsemble(domains, {options.outEName, options.outEAxName, options.inEName}, ensemble, messages) !=
+        Status::ok)
+        return messages.fail("matrix: setupEnsemble error occured.\n");
+    messages.out("REMARK ENSEMBLE MODE.\n");
+    messages.out("REMARK STERIC CLASH CHECK %s.\n", domains.clashFlag != 0 ? "ENABLED" : "DISABLED");
+    messages.out("REMARK %d states in ensemble.\n", ensemble.count);
+    return Status::ok;
 }
 
-int averageEnsemble(Run &run, const Sample &sample, const Ensemble &ensemble, std::span<const double> ddots,
-                    EnsembleResult &result)
+/// What the states of an ensemble are simulated with.
+struct EnsembleInput {
+    const Sample &sample;
+    const Ensemble &ensemble;
+    std::span<const Coord3D> start; ///< where the atoms stand before domain 1 is turned
+    std::span<const double> ddots;
+};
+
+Status averageEnsemble(Run &run, const EnsembleInput &input, EnsembleResult &result, Messages &messages)
 {
     const TrelmInfo &trelmInfo = run.trelmInfo[0];
     const RunOptions &options = run.options;
     if (!options.oDcEName.empty())
-        std::printf("REMARK Simulated DCs will be appended to %s.\n", options.oDcEName.c_str());
-    const TrelmInfo shown = shownParameters(trelmInfo, sample.geometry);
+        messages.out("REMARK Simulated DCs will be appended to %s.\n", options.oDcEName.c_str());
+    const TrelmInfo shown = shownParameters(trelmInfo, input.sample.geometry);
     const EnsembleSetup setup = {
-        .simulation = alignmentSetup(run, sample, ddots),
-        .domains = sample.domains,
+        .simulation = alignmentSetup(run, input.sample, input.ddots, messages),
+        .domains = input.sample.domains,
         .selection = run.selection,
-        .states = ensemble.used(),
-        .charges = sample.charges,
+        .start = input.start,
+        .states = input.ensemble.used(),
+        .charges = input.sample.charges,
         .sInfo = &run.sInfo,
         .remark = options.remark,
         .outName = options.flexName,
         .takeCouplings =
             [&](DTable &dTab, std::string_view remark) {
-                return writeDCmod({options.oDcEName, "a"}, dTab, shown, remark, standardMessages());
+                return writeDCmod({options.oDcEName, "a"}, dTab, shown, remark, messages);
             },
         .yzFlag = trelmInfo.yzFlag,
         .eulerFlag = trelmInfo.eulerFlag,
         .verbose = trelmInfo.verbFlag};
     if (trelmInfo.elFlag != 0) // once: all states lie in one field
-        checkField(trelmInfo, standardMessages());
-    if (ensembleAlignment(&run.pdbInfo[0], &run.dTab[0], setup, result) != Status::ok)
-        return complain("matrix: ensembleAlignment error occured.\n");
-    return 0;
+        checkField(trelmInfo, messages);
+    if (ensembleAlignment(run.pdbInfo[0], run.dTab[0], setup, result) != Status::ok)
+        return messages.fail("matrix: ensembleAlignment error occured.\n");
+    return Status::ok;
 }
 
 /// The report of the averages, on the standard error stream and at the head of the coupling table.
-int reportAverage(Run &run, const SampleGeometry &geometry, const EnsembleResult &average,
-                  const TensorAnalysis &analysis)
+Status reportAverage(Run &run, const SampleGeometry &geometry, const EnsembleResult &average,
+                     const TensorAnalysis &analysis, Messages &messages)
 {
     const TrelmInfo trelmInfo = shownParameters(run.trelmInfo[0], geometry);
     DTable &dTab = run.dTab[0];
@@ -99,12 +108,12 @@ int reportAverage(Run &run, const SampleGeometry &geometry, const EnsembleResult
     shown.gMag = 0.0;
     writeEulerInfo(shown, block, trelmInfo.eulerFlag);
     result += block;
-    if (statDC(dTab, block, standardMessages()) != Status::ok)
-        return complain("Matrix: error in statDC.\n");
+    if (statDC(dTab, block, messages) != Status::ok)
+        return messages.fail("Matrix: error in statDC.\n");
     result += block;
     appendSaupeLines(average.saupe, analysis, result);
-    std::fputs(result.c_str(), stderr);
-    return static_cast<int>(writeDCmod({run.options.aveName}, dTab, trelmInfo, result, standardMessages()));
+    messages.text(Messages::Stream::err, result);
+    return writeDCmod({run.options.aveName}, dTab, trelmInfo, result, messages);
 }
 
 } // namespace
@@ -113,32 +122,32 @@ Status simulateEnsemble(Run &run, Messages &messages)
 {
     const TrelmInfo &trelmInfo = run.trelmInfo[0];
     Sample sample;
-    if (checkEnsemble(trelmInfo) != 0)
+    if (checkEnsemble(trelmInfo, messages) != Status::ok)
         return Status::failed;
     if (!run.options.potName.empty())
         messages.err("trelm: -stTrelmGrid reads no potential: -pot is not used.\n");
-    int status = setUp(run, sample);
-    if (status != 0)
-        return static_cast<Status>(status);
+    if (setUp(run, sample, messages) != Status::ok)
+        return Status::failed;
     Ensemble ensemble;
     ensemble.states = Block<EnsembleState>("matrix", maxEnsembleStates);
     if (!ensemble.states)
         return messages.fail("Error allocating grid buffers.\n");
+    std::vector<Coord3D> start = copyOfCoordinates(run.pdbInfo[0]);
     std::span<const double> ddots;
-    if (makeDots(run, ddots) != 0 || orientMolecule(run, sample.domains) != 0)
+    if (makeDots(run, ddots, messages) != Status::ok ||
+        orientMolecule(run, sample.domains, start, messages) != Status::ok ||
+        makeEnsemble(run, sample.domains, ensemble, messages) != Status::ok)
         return Status::failed;
-    status = makeEnsemble(run, sample.domains, ensemble);
-    if (status != 0 || sample.domains.outEflag == outSetupOnly)
-        return static_cast<Status>(status);
+    if (sample.domains.outEflag == outSetupOnly)
+        return Status::ok;
     EnsembleResult result;
-    status = averageEnsemble(run, sample, ensemble, ddots, result);
-    if (status != 0)
-        return static_cast<Status>(status);
+    if (averageEnsemble(run, {sample, ensemble, start, ddots}, result, messages) != Status::ok)
+        return Status::failed;
     TensorAnalysis average;
     if (analyzeSaupe(result.saupe, trelmInfo.yzFlag, trelmInfo.eulerFlag, average, messages) != Status::ok)
         return messages.fail("Matrix: error in analyzeSaupe.\n");
-    return static_cast<Status>(
-        trelmInfo.validCountD == 0 ? 0 : reportAverage(run, sample.geometry, result, average));
+    return trelmInfo.validCountD == 0 ? Status::ok
+                                      : reportAverage(run, sample.geometry, result, average, messages);
 }
 
 } // namespace trelm

@@ -47,7 +47,7 @@ void selectCouplings(Run &run, Messages &messages)
     const DcInfo &dcInfo = run.dcInfo[0];
     DTable &dTab = run.dTab[0];
     chooseRows(dTab, dcInfo, options.atomNameS1, options.atomNameS2);
-    run.trelmInfo[0].validCountD = buildDC(&run.pdbInfo[0], dTab,
+    run.trelmInfo[0].validCountD = buildDC(run.pdbInfo[0], dTab,
                                            {.aOff = shiftedRes(dcInfo.aFirst, -std::int64_t{dcInfo.segFirst}),
                                             .wOff = dcInfo.segFirst,
                                             .wList = options.wList.span(),
@@ -58,14 +58,14 @@ void selectCouplings(Run &run, Messages &messages)
 
 void selectAtoms(Run &run, Messages &messages)
 {
-    PDBInfo *pdbInfo = &run.pdbInfo[0];
+    const PDBInfo &pdbInfo = run.pdbInfo[0];
     PDBSelectInfo &sInfo = run.sInfo;
     if (sInfo.res1 == 0 && sInfo.resN == 0) {
-        sInfo.res1 = pdbInfo->minResID;
-        sInfo.resN = pdbInfo->maxResID;
+        sInfo.res1 = pdbInfo.minResID;
+        sInfo.resN = pdbInfo.maxResID;
     }
     pdbSelectAdjust(sInfo);
-    pdbSelect(*pdbInfo, sInfo, run.selection, messages);
+    pdbSelect(pdbInfo, sInfo, run.selection, messages);
     messages.out("REMARK PDB Selection:");
     if (sInfo.selectMode == 1)
         messages.out(" All Atoms.\n");

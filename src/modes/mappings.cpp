@@ -37,6 +37,7 @@ constexpr MappingWords mappingWords = {"TRELM Error opening log file for Angular
 MappingInput inputOf(Run &run)
 {
     return {.pdbInfo = run.pdbInfo[0],
+            .coords = run.pdbInfo[0].coordinates(),
             .dTab = run.dTab[0],
             .fit = run.trelmInfo[0],
             .validCount = run.trelmInfo[0].validCountD,
@@ -119,9 +120,10 @@ void writeSamples(const TensorSamples &samples, const MappingWords &words, Sampl
 Status writeMeanFrame(Run &run, const TensorSamples &samples, const char *words, Messages &messages)
 {
     const EulerLists &euler = samples.euler;
-    const int status = writePDBRot(euler.gamma, euler.beta, euler.alpha, run.trelmInfo[0].rotN,
-                                   &run.pdbInfo[0], &run.sInfo, run.options.pRotName, run.options.remark);
-    return status == 0 ? Status::ok : messages.fail("%s", words);
+    const Status status =
+        writePDBRot({euler.gamma, euler.beta, euler.alpha}, run.trelmInfo[0].rotN,
+                    {run.pdbInfo[0], &run.sInfo, run.options.remark}, run.options.pRotName, messages);
+    return status == Status::ok ? status : messages.fail("%s", words);
 }
 
 /// Writes a table.

@@ -40,8 +40,8 @@ Status bestFitSingle(Run &run, Messages &messages)
     FitWork work;
     FitResult fit = startOf(dTab);
     std::optional<DTable> shown;
-    if (fitColumns({&run.pdbInfo[0], dTab, columns, run.trelmInfo[0].verbFlag}, work, fit, messages) ==
-        Status::ok)
+    if (fitColumns({run.pdbInfo[0].coordinates(), dTab, columns, run.trelmInfo[0].verbFlag}, work, fit,
+                   messages) == Status::ok)
         shown = tableWith(dTab, fit, messages);
     if (!shown || writeFit({&run.pdbInfo[0], &run.sInfo, &*shown, &run.trelmInfo[0], run.options.outDName,
                             run.options.pRotName, run.options.remark},

@@ -17,17 +17,18 @@ struct Sample {
     SampleGeometry geometry;
 };
 
-/// Returns 0, or a status after a message.
-int setUp(Run &run, Sample &sample);
+/// Fails after a message.
+Status setUp(Run &run, Sample &sample, Messages &messages);
 
 /// The parameters as reports show them: with the geometry of the sample.
 TrelmInfo shownParameters(const TrelmInfo &trelmInfo, const SampleGeometry &geometry);
 
 /// What the simulations of a run share. `dots` of makeDots.
-AlignmentSetup alignmentSetup(const Run &run, const Sample &sample, std::span<const double> dots);
+AlignmentSetup alignmentSetup(const Run &run, const Sample &sample, std::span<const double> dots,
+                              Messages &messages);
 
-/// The orientation points of a run, in its own buffer. Returns 0, or 1 after a message.
-int makeDots(Run &run, std::span<const double> &ddots);
+/// The orientation points of a run, in its own buffer. Fails after a message.
+Status makeDots(Run &run, std::span<const double> &ddots, Messages &messages);
 
 /// Steric simulation of a structure, with its couplings calculated back if a table is given.
 Status simulateSteric(Run &run, Messages &messages);

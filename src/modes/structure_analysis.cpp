@@ -15,7 +15,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
 #include <vector>
 
 namespace trelm {
@@ -48,46 +47,46 @@ bool isFinite(const Matrix3d &matrix)
 
 /// The dipole's axes as the dipole has them: its direction first, the others not at unit length. Without a
 /// direction the structure keeps its frame.
-int dipoleFrame(const Matrix3d &dipoleVec, Matrix3d &eigVec)
+Status dipoleFrame(const Matrix3d &dipoleVec, Matrix3d &eigVec, Messages &messages)
 {
     eigVec = dipoleVec;
     if (isFinite(eigVec))
-        return 0;
+        return Status::ok;
     const double x = dipoleVec[0], y = dipoleVec[3];
     if (x == 0.0 && y == 0.0) {
         eigVec = ownFrame;
-        return complain("eigVec2euler: error occured!\n");
+        return messages.fail("eigVec2euler: error occured!\n");
     }
     // At right angles to z, where the rule for the third axis divides by zero and tends to z.
     eigVec = {x, y, 0.0, y, -x, 0.0, 0.0, 0.0, 1.0};
-    return 0;
+    return Status::ok;
 }
 
 /// The charges as numbered by the places in the coordinate arrays, and their dipole.
-void analyzeCharges(const Buffers &buffers, const ChargeSet &placed, Findings &findings)
+void analyzeCharges(const Buffers &buffers, const ChargeSet &placed, Findings &findings, Messages &messages)
 {
-    std::printf("REMARK %d charges selected for simulation.\n", placed.chCount);
+    messages.out("REMARK %d charges selected for simulation.\n", placed.chCount);
     const auto count = static_cast<std::size_t>(placed.chCount);
     findings.dipole = dipoleMoment({buffers.xI.span(), buffers.yI.span(), buffers.zI.span(),
                                     placed.chargeAtomID.first(count), placed.charges.first(count)});
     TensorAnalysis &structure = findings.structure;
-    if (dipoleFrame(findings.dipole.dipoleVec, structure.eigVec) == 0)
+    if (dipoleFrame(findings.dipole.dipoleVec, structure.eigVec, messages) == Status::ok)
         eigVec2euler(structure.eigVec, structure.euler);
 }
 
-int analyzeShape(const SelectedAtoms &atoms, int yzFlag, Findings &findings)
+Status analyzeShape(const SelectedAtoms &atoms, int yzFlag, Findings &findings, Messages &messages)
 {
     Matrix3d inertiaTensor;
-    if (calcInertia(atoms, inertiaTensor, standardMessages()) != Status::ok || !isFinite(inertiaTensor))
-        return complain("trelm: error in calcInertia.");
-    if (analyzeMatrix3D(inertiaTensor, yzFlag, findings.structure, standardMessages()) != Status::ok)
-        return complain("trelm: error in analyzeMatrix3D.");
-    return 0;
+    if (calcInertia(atoms, inertiaTensor, messages) != Status::ok || !isFinite(inertiaTensor))
+        return messages.fail("trelm: error in calcInertia.");
+    if (analyzeMatrix3D(inertiaTensor, yzFlag, findings.structure, messages) != Status::ok)
+        return messages.fail("trelm: error in analyzeMatrix3D.");
+    return Status::ok;
 }
 
 /// The frames of structure and order matrix.
-int findFrames(const SelectedAtoms &molecule, const TrelmInfo &trelmInfo, ChargeSet &charges,
-               const Saupe &saupe, Findings &findings)
+Status findFrames(const SelectedAtoms &molecule, const TrelmInfo &trelmInfo, ChargeSet &charges,
+                  const Saupe &saupe, Findings &findings, Messages &messages)
 {
     constexpr const char *tag = "analyzePDB";
     const std::size_t coords = molecule.mask.size() + maxCharges + 1;
@@ -97,28 +96,28 @@ int findFrames(const SelectedAtoms &molecule, const TrelmInfo &trelmInfo, Charge
                        {charges.chargeAtomID.begin(), charges.chargeAtomID.end()},
                        {charges.charges.begin(), charges.charges.end()}};
     if (!buffers.xI || !buffers.yI || !buffers.zI)
-        return complain("Error in analyzePDB: allocating coord buffers.\n");
+        return messages.fail("Error in analyzePDB: allocating coord buffers.\n");
     ChargeSet placed = charges;
     placed.chargeAtomID = buffers.chargeAtomID;
     placed.charges = buffers.charges;
     SelectedCount selected;
     if (chCoorSelect(molecule, trelmInfo, {buffers.xI.span(), buffers.yI.span(), buffers.zI.span()}, placed,
-                     selected, standardMessages()) != Status::ok)
-        return complain("trelm: error reading selection of atoms.\n");
+                     selected, messages) != Status::ok)
+        return messages.fail("trelm: error reading selection of atoms.\n");
     if (selected.dipole)
-        reportDipole(*selected.dipole, standardMessages());
-    std::printf("REMARK %zu atoms selected for simulation.\n", selected.places);
+        reportDipole(*selected.dipole, messages);
+    messages.out("REMARK %zu atoms selected for simulation.\n", selected.places);
     if (trelmInfo.elPdbFlag == asCharged) {
-        analyzeCharges(buffers, placed, findings);
+        analyzeCharges(buffers, placed, findings, messages);
         charges.chSum = findings.dipole.chSum;
-    } else if (analyzeShape({molecule.pdbInfo, selected.atoms}, trelmInfo.yzFlag, findings) != 0) {
-        return 1;
+    } else if (analyzeShape({molecule.pdbInfo, selected.atoms}, trelmInfo.yzFlag, findings, messages) !=
+               Status::ok) {
+        return Status::failed;
     }
-    if (analyzeSaupe(saupe, trelmInfo.yzFlag, trelmInfo.eulerFlag, findings.input, standardMessages()) !=
-            Status::ok ||
+    if (analyzeSaupe(saupe, trelmInfo.yzFlag, trelmInfo.eulerFlag, findings.input, messages) != Status::ok ||
         !std::isfinite(findings.input.gMag))
-        return complain("trelm: error in analyzeSaupe.\n");
-    return 0;
+        return messages.fail("trelm: error in analyzeSaupe.\n");
+    return Status::ok;
 }
 
 void appendDipole(const Dipole &dipole, std::string &text)
@@ -163,29 +162,28 @@ void appendReport(const TrelmInfo &trelmInfo, const Findings &findings, const Sa
 
 } // namespace
 
-int analyzePDB(PDBInfo *pdbInfo, const AtomMask &selection, const TrelmInfo &trelmInfo, ChargeSet &charges,
-               const Saupe &saupe, const AnalysisFiles &files)
+Status analyzePDB(const SelectedAtoms &molecule, const TrelmInfo &trelmInfo, ChargeSet &charges,
+                  const Saupe &saupe, const AnalysisFiles &files, Messages &messages)
 {
     OutFile report;
     if (openOut(report, files.reportName, "w") != Status::ok)
-        return complain("TRELM Error opening output file %s\n", files.reportName.c_str());
+        return messages.fail("TRELM Error opening output file %s\n", files.reportName.c_str());
     Findings findings;
-    if (findFrames({*pdbInfo, selection}, trelmInfo, charges, saupe, findings) != 0)
-        return 1;
+    if (findFrames(molecule, trelmInfo, charges, saupe, findings, messages) != Status::ok)
+        return Status::failed;
+    std::vector<AtomLabel> labels;
     if (trelmInfo.elPdbFlag == asCharged)
-        labelCharges(pdbInfo, charges);
+        labels = labelCharges(molecule.pdbInfo, charges);
     const EulerLists &euler =
         trelmInfo.elPdbFlag == asUserFrame ? findings.input.euler : findings.structure.euler;
-    const int status = writePDBRot(euler.gamma, euler.beta, euler.alpha, trelmInfo.rotN, pdbInfo, files.sInfo,
-                                   files.pdbRotName, files.remark);
-    if (status != 0) {
-        complain("matrix: error in writePDBRot.\n");
-        return status;
-    }
+    if (writePDBRot({euler.gamma, euler.beta, euler.alpha}, trelmInfo.rotN,
+                    {molecule.pdbInfo, files.sInfo, files.remark, labels}, files.pdbRotName,
+                    messages) != Status::ok)
+        return messages.fail("matrix: error in writePDBRot.\n");
     std::string text;
     appendReport(trelmInfo, findings, saupe, text);
     writeOut(report, text);
-    return static_cast<int>(closeOut(report, standardMessages()));
+    return closeOut(report, messages);
 }
 
 } // namespace trelm

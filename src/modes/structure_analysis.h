@@ -21,11 +21,11 @@ struct AnalysisFiles {
 /// Finds the axes of the selected atoms (with surfFlag the exposed ones), from their second moments or, with
 /// elPdbFlag 1, from the dipole of their charges; writes the structure turned into these axes (with elPdbFlag
 /// 2 into those of `saupe`), and a report of both frames with the angles between them. With elPdbFlag 1 the
-/// atoms get the marks of their charges. `charges` numbers places in the atom list; its chSum becomes the net
+/// structures show the charges. `charges` numbers places in the atom list; its chSum becomes the net
 /// charge of those in use. A molecule whose charges have no direction keeps the frame it has, after a line on
-/// the standard error stream. Returns 0, or non-zero after a message: no atoms or memory, values that are no
+/// the standard error stream. Fails after a message: no atoms or memory, values that are no
 /// finite numbers, files that can not be written.
-int analyzePDB(PDBInfo *pdbInfo, const AtomMask &selection, const TrelmInfo &trelmInfo, ChargeSet &charges,
-               const Saupe &saupe, const AnalysisFiles &files);
+Status analyzePDB(const SelectedAtoms &molecule, const TrelmInfo &trelmInfo, ChargeSet &charges,
+                  const Saupe &saupe, const AnalysisFiles &files, Messages &messages);
 
 } // namespace trelm

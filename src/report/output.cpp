@@ -303,9 +303,9 @@ Status writeFit(const FittedRun &run, Messages &messages)
         return messages.fail("trelm: error in analyzeSaupe.\n");
     const Status written = writeDCmod({run.outDName}, *run.dTab, *run.trelmInfo, "", messages);
     const EulerLists &euler = analysis.euler;
-    const int turned = writePDBRot(euler.gamma, euler.beta, euler.alpha, run.trelmInfo->rotN, run.pdbInfo,
-                                   run.sInfo, run.pdbRotName, run.remark);
-    return turned == 0 ? written : messages.fail("trelm: error in writePDBRot.\n");
+    const Status turned = writePDBRot({euler.gamma, euler.beta, euler.alpha}, run.trelmInfo->rotN,
+                                      {*run.pdbInfo, run.sInfo, run.remark}, run.pdbRotName, messages);
+    return turned == Status::ok ? written : messages.fail("trelm: error in writePDBRot.\n");
 }
 
 void appendSaupeLines(const Saupe &saupe, const TensorAnalysis &analysis, std::string &text)

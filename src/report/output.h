@@ -26,7 +26,7 @@ Status writeDCmod(const TableOutput &output, const DTable &dTab, const TrelmInfo
 
 /// A best-fit that is to be written: an argument of writeFit, and no more, for it holds references.
 struct FittedRun {
-    PDBInfo *pdbInfo = nullptr;
+    const PDBInfo *pdbInfo = nullptr;
     const PDBSelectInfo *sInfo = nullptr; ///< atoms of the structures
     const DTable *dTab = nullptr;
     const TrelmInfo *trelmInfo = nullptr;

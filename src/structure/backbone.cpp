@@ -20,22 +20,25 @@ Vec3 difference(const Coord3D &a, const Coord3D &b)
     return {static_cast<double>(a.x) - b.x, static_cast<double>(a.y) - b.y, static_cast<double>(a.z) - b.z};
 }
 
-Coord3D place(const AtomInfo *atom)
+Coord3D &place(const Conformation &molecule, const AtomInfo &atom)
 {
-    return {atom->x, atom->y, atom->z};
+    return molecule.coords[molecule.pdbInfo.placeOf(atom)];
 }
 
 /// The four atoms of a torsion angle; complete only if all were found.
 struct Torsion {
-    AtomInfo *atoms[4] = {};
+    const AtomInfo *atoms[4] = {};
     [[nodiscard]] bool isComplete() const
     {
         return std::ranges::none_of(atoms, [](const AtomInfo *atom) { return atom == nullptr; });
     }
-    [[nodiscard]] float angle() const
+    [[nodiscard]] float angle(const Conformation &molecule) const
     {
+        if (!isComplete())
+            return noAngle;
+        const auto at = [&](std::size_t i) { return place(molecule, *atoms[i]); };
         float value = 0.0f; // it stays so for an angle without a cosine, which finite coordinates do not make
-        getDihedralAngle(place(atoms[0]), place(atoms[1]), place(atoms[2]), place(atoms[3]), value);
+        getDihedralAngle(at(0), at(1), at(2), at(3), value);
         return value;
     }
 };
@@ -45,19 +48,19 @@ struct Backbone {
 };
 
 /// The backbone atoms around a residue. The limits of int have no neighbour.
-Backbone findBackbone(PDBInfo *pdbInfo, int resID, std::string_view chainName, std::string_view segName)
+Backbone findBackbone(const PDBInfo &pdbInfo, int resID, std::string_view chainName, std::string_view segName)
 {
     Backbone backbone;
-    if (pdbInfo == nullptr || resID < pdbInfo->minResID || resID > pdbInfo->maxResID)
+    if (resID < pdbInfo.minResID || resID > pdbInfo.maxResID)
         return backbone;
-    const auto find = [&](std::int64_t number, std::string_view name) -> AtomInfo * {
+    const auto find = [&](std::int64_t number, std::string_view name) -> const AtomInfo * {
         if (number < std::numeric_limits<int>::min() || number > std::numeric_limits<int>::max())
             return nullptr;
         return findAtom(pdbInfo, static_cast<int>(number), name, chainName, segName);
     };
-    AtomInfo *n = find(resID, "N");
-    AtomInfo *ca = find(resID, "CA");
-    AtomInfo *c = find(resID, "C");
+    const AtomInfo *n = find(resID, "N");
+    const AtomInfo *ca = find(resID, "CA");
+    const AtomInfo *c = find(resID, "C");
     backbone.phi = {{find(std::int64_t{resID} - 1, "C"), n, ca, c}};
     backbone.psi = {{n, ca, c, find(std::int64_t{resID} + 1, "N")}};
     return backbone;
@@ -84,22 +87,16 @@ struct Hinge {
 };
 
 /// Turns the shorter side by `delta` degrees about the bond.
-void turnShorterSide(const Hinge &hinge, float delta)
+void turnShorterSide(const Conformation &molecule, const Hinge &hinge, float delta)
 {
     const bool lowMoves = hinge.lowMoves();
     Transform turn;
-    turn.appendRotation(place(lowMoves ? &hinge.high : &hinge.low),
-                        place(lowMoves ? &hinge.low : &hinge.high), delta);
+    turn.appendRotation(place(molecule, lowMoves ? hinge.high : hinge.low),
+                        place(molecule, lowMoves ? hinge.low : hinge.high), delta);
     const SegInfo &segment = *hinge.low.segInfo;
-    for (AtomInfo *atom : segment.atomList.span().first(static_cast<std::size_t>(segment.atomCount))) {
-        if (atom == &hinge.low || atom == &hinge.high || hinge.isLow(*atom) != lowMoves)
-            continue;
-        Coord3D r = place(atom);
-        turn.apply({&r, 1});
-        atom->x = r.x;
-        atom->y = r.y;
-        atom->z = r.z;
-    }
+    for (const AtomInfo *atom : segment.atomList.span().first(static_cast<std::size_t>(segment.atomCount)))
+        if (atom != &hinge.low && atom != &hinge.high && hinge.isLow(*atom) == lowMoves)
+            turn.apply({&place(molecule, *atom), 1});
 }
 
 } // namespace
@@ -121,35 +118,26 @@ int getDihedralAngle(const Coord3D &r0, const Coord3D &r1, const Coord3D &r2, co
     return 0;
 }
 
-int getPDBPhiPsi(PDBInfo *pdbInfo, int resID, std::string_view chainName, std::string_view segName,
-                 float &phi, float &psi)
+int getPDBPhiPsi(const Conformation &molecule, int resID, std::string_view chainName,
+                 std::string_view segName, float &phi, float &psi)
 {
-    const Backbone backbone = findBackbone(pdbInfo, resID, chainName, segName);
-    phi = backbone.phi.isComplete() ? backbone.phi.angle() : noAngle;
-    psi = backbone.psi.isComplete() ? backbone.psi.angle() : noAngle;
+    const Backbone backbone = findBackbone(molecule.pdbInfo, resID, chainName, segName);
+    phi = backbone.phi.angle(molecule);
+    psi = backbone.psi.angle(molecule);
     return (backbone.phi.isComplete() ? maskPhi : 0) + (backbone.psi.isComplete() ? maskPsi : 0);
 }
 
-int setPDBPhiPsi(PDBInfo *pdbInfo, int resID, std::string_view chainName, std::string_view segName,
-                 float phiNew, float psiNew)
+int setPDBPhiPsi(const Conformation &molecule, int resID, std::string_view chainName,
+                 std::string_view segName, float phiNew, float psiNew)
 {
-    if (pdbInfo == nullptr || resID < pdbInfo->minResID || resID > pdbInfo->maxResID)
-        return 0;
-    const Backbone backbone = findBackbone(pdbInfo, resID, chainName, segName);
-    const float phi = backbone.phi.isComplete() ? backbone.phi.angle() : noAngle;
-    const float psi = backbone.psi.isComplete() ? backbone.psi.angle() : noAngle;
-    int result = 0;
-    if (backbone.phi.isComplete()) {
-        turnShorterSide({*backbone.phi.atoms[1], *backbone.phi.atoms[2], {"N", "HN", "H"}, true},
-                        phiNew - phi);
-        result += maskPhi;
-    }
-    if (backbone.psi.isComplete()) {
-        turnShorterSide({*backbone.psi.atoms[1], *backbone.psi.atoms[2], {"C", "O", "CO"}, false},
-                        psiNew - psi);
-        result += maskPsi;
-    }
-    return result;
+    const Backbone backbone = findBackbone(molecule.pdbInfo, resID, chainName, segName);
+    const auto &phi = backbone.phi, &psi = backbone.psi;
+    const float phiTurn = phiNew - phi.angle(molecule), psiTurn = psiNew - psi.angle(molecule);
+    if (phi.isComplete())
+        turnShorterSide(molecule, {*phi.atoms[1], *phi.atoms[2], {"N", "HN", "H"}, true}, phiTurn);
+    if (psi.isComplete())
+        turnShorterSide(molecule, {*psi.atoms[1], *psi.atoms[2], {"C", "O", "CO"}, false}, psiTurn);
+    return (phi.isComplete() ? maskPhi : 0) + (psi.isComplete() ? maskPsi : 0);
 }
 
 } // namespace trelm

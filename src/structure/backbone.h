@@ -12,12 +12,12 @@ namespace trelm {
 int getDihedralAngle(const Coord3D &r0, const Coord3D &r1, const Coord3D &r2, const Coord3D &r3, float &phi);
 
 /// phi and psi of a residue, degrees; 9999.0 where an atom is missing. Returns 1 for phi plus 2 for psi.
-int getPDBPhiPsi(PDBInfo *pdbInfo, int resID, std::string_view chainName, std::string_view segName,
-                 float &phi, float &psi);
+int getPDBPhiPsi(const Conformation &molecule, int resID, std::string_view chainName,
+                 std::string_view segName, float &phi, float &psi);
 
 /// Turns the shorter side of the segment so that the residue's torsions become phiNew and psiNew. Returns 1
 /// if phi was set plus 2 if psi was set.
-int setPDBPhiPsi(PDBInfo *pdbInfo, int resID, std::string_view chainName, std::string_view segName,
-                 float phiNew, float psiNew);
+int setPDBPhiPsi(const Conformation &molecule, int resID, std::string_view chainName,
+                 std::string_view segName, float phiNew, float psiNew);
 
 } // namespace trelm

@@ -1,7 +1,6 @@
 // The lists of residues, chains and segments over the atom array.
 #include "structure/keys.h"
 #include "structure/pdb.h"
-#include "structure/write.h"
 
 #include <algorithm>
 
@@ -99,7 +98,7 @@ SegInfo *segmentOf(Indexing &work, const AtomInfo &atom)
 /// Takes an atom into a residue, chain or segment, whose names are those of the last atom. Without memory it
 /// stays out and the loops go on; the molecule is then not whole, and no run may work with it.
 template <class Group>
-Status addAtom(Group &group, AtomInfo &atom, Messages &messages)
+Status addAtom(Group &group, const AtomInfo &atom, Messages &messages)
 {
     group.chainID = atom.chainID;
     group.segID = atom.segID;
@@ -126,7 +125,7 @@ Status indexAtoms(Indexing &work)
 Status indexResidues(Indexing &work)
 {
     Status status = Status::ok;
-    for (AtomInfo &atom : work.pdbInfo.atoms()) {
+    for (const AtomInfo &atom : work.pdbInfo.atoms()) {
         ResInfo *residue = residueOf(work, atom);
         if (residue == nullptr)
             return Status::failed;
@@ -141,7 +140,7 @@ Status indexResidues(Indexing &work)
 Status indexChains(Indexing &work)
 {
     Status status = Status::ok;
-    for (AtomInfo &atom : work.pdbInfo.atoms()) {
+    for (const AtomInfo &atom : work.pdbInfo.atoms()) {
         ChainInfo *chain = chainOf(work, atom);
         if (chain == nullptr)
             return Status::failed;
@@ -158,10 +157,10 @@ Status indexChains(Indexing &work)
 
 /// The atoms' pointers to the record that lists them. They come last: the lists move as they grow.
 template <class Group>
-void linkAtoms(Group &group, Group *AtomInfo::*field)
+void linkAtoms(PDBInfo &pdbInfo, const Group &group, const Group *AtomInfo::*field)
 {
-    for (int i = 0; i < group.atomCount; ++i)
-        group.atomList[static_cast<std::size_t>(i)]->*field = &group;
+    for (const AtomInfo *atom : group.atomList.span().first(static_cast<std::size_t>(group.atomCount)))
+        pdbInfo.atomList[pdbInfo.placeOf(*atom)].*field = &group;
 }
 
 template <class Group>
@@ -177,25 +176,16 @@ void setRange(Group &group)
 
 void linkAll(PDBInfo &pdbInfo)
 {
-    for (ResInfo &residue : pdbInfo.residues())
-        linkAtoms(residue, &AtomInfo::resInfo);
+    for (const ResInfo &residue : pdbInfo.residues())
+        linkAtoms(pdbInfo, residue, &AtomInfo::resInfo);
     for (ChainInfo &chain : pdbInfo.chainList.span().first(static_cast<std::size_t>(pdbInfo.chainCount))) {
-        linkAtoms(chain, &AtomInfo::chainInfo);
+        linkAtoms(pdbInfo, chain, &AtomInfo::chainInfo);
         setRange(chain);
     }
     for (SegInfo &seg : pdbInfo.segList.span().first(static_cast<std::size_t>(pdbInfo.segCount))) {
-        linkAtoms(seg, &AtomInfo::segInfo);
+        linkAtoms(pdbInfo, seg, &AtomInfo::segInfo);
         setRange(seg);
     }
-}
-
-Status saveCoordinates(Indexing &work)
-{
-    work.pdbInfo.coordList = Block<Coord3D>("pdb", work.pdbInfo.atoms().size());
-    if (!work.pdbInfo.coordList)
-        return work.messages.fail("PDB Error Allocating PDB coords.\n");
-    storePDBCoords(&work.pdbInfo);
-    return Status::ok;
 }
 
 } // namespace
@@ -207,8 +197,8 @@ Status indexPDB(PDBInfo &pdbInfo, Messages &messages)
     pdbInfo.defChainName = pdbInfo.atomList[0].chainID;
     pdbInfo.defSegName = pdbInfo.atomList[0].segID;
     Indexing work = {pdbInfo, messages};
-    if (saveCoordinates(work) != Status::ok || indexAtoms(work) != Status::ok ||
-        indexResidues(work) != Status::ok || indexChains(work) != Status::ok)
+    if (indexAtoms(work) != Status::ok || indexResidues(work) != Status::ok ||
+        indexChains(work) != Status::ok)
         return Status::failed;
     linkAll(pdbInfo);
     return Status::ok;

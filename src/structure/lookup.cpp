@@ -41,35 +41,34 @@ std::string expandName(std::string_view atomName, std::string_view number, std::
 
 } // namespace
 
-ResInfo *findRes(PDBInfo *pdbInfo, int resID, std::string_view chainName, std::string_view segName)
+const ResInfo *findRes(const PDBInfo &pdbInfo, int resID, std::string_view chainName,
+                       std::string_view segName)
 {
-    if (pdbInfo == nullptr || resID < pdbInfo->minResID || resID > pdbInfo->maxResID)
+    if (resID < pdbInfo.minResID || resID > pdbInfo.maxResID)
         return nullptr;
     std::string key;
     buildResText(resID, chainName, segName, key);
-    const auto place = hFindSym(key, pdbInfo->resTab);
-    return place ? &pdbInfo->resList[static_cast<std::size_t>(*place)] : nullptr;
+    const auto place = hFindSym(key, pdbInfo.resTab);
+    return place ? &pdbInfo.resList[static_cast<std::size_t>(*place)] : nullptr;
 }
 
-AtomInfo *findAtom(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
-                   std::string_view segName)
+const AtomInfo *findAtom(const PDBInfo &pdbInfo, int resID, std::string_view atomName,
+                         std::string_view chainName, std::string_view segName)
 {
-    if (pdbInfo == nullptr)
-        return nullptr;
     std::string key;
     buildLookupText(resID, atomName, chainName, segName, key);
-    const auto place = hFindSym(key, pdbInfo->atomTab);
-    return place ? &pdbInfo->atomList[static_cast<std::size_t>(*place)] : nullptr;
+    const auto place = hFindSym(key, pdbInfo.atomTab);
+    return place ? &pdbInfo.atomList[static_cast<std::size_t>(*place)] : nullptr;
 }
 
-int findAtomList(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
-                 std::string_view segName, std::span<AtomInfo *> atomList)
+int findAtomList(const PDBInfo &pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
+                 std::string_view segName, std::span<std::size_t> places)
 {
     std::size_t count = 0;
     const auto look = [&](std::string_view name) {
-        AtomInfo *atom = findAtom(pdbInfo, resID, name, chainName, segName);
-        if (atom != nullptr && count < atomList.size())
-            atomList[count++] = atom;
+        const AtomInfo *atom = findAtom(pdbInfo, resID, name, chainName, segName);
+        if (atom != nullptr && count < places.size())
+            places[count++] = pdbInfo.placeOf(*atom);
     };
     switch (wildcardKind(atomName)) {
     case numberWildcard:
@@ -93,17 +92,19 @@ int isAtomExpr(std::string_view atomName, std::string &atomFmt)
     return wildcardKind(atomName);
 }
 
-float findAtomListRad(std::span<AtomInfo *const> atomListI, std::span<AtomInfo *const> atomListJ)
+float findAtomListRad(std::span<const Coord3D> coords, std::span<const std::size_t> placesI,
+                      std::span<const std::size_t> placesJ)
 {
-    if (atomListI.empty() || atomListJ.empty())
+    if (placesI.empty() || placesJ.empty())
         return 0.0f;
-    const float share = 1.0f / static_cast<float>(atomListI.size() * atomListJ.size());
+    const float share = 1.0f / static_cast<float>(placesI.size() * placesJ.size());
     float rIJ = 0.0f;
-    for (const AtomInfo *i : atomListI) {
-        for (const AtomInfo *j : atomListJ) {
-            const double dx = static_cast<double>(i->x) - j->x;
-            const double dy = static_cast<double>(i->y) - j->y;
-            const double dz = static_cast<double>(i->z) - j->z;
+    for (const std::size_t placeI : placesI) {
+        for (const std::size_t placeJ : placesJ) {
+            const Coord3D &i = coords[placeI], &j = coords[placeJ];
+            const double dx = static_cast<double>(i.x) - j.x;
+            const double dy = static_cast<double>(i.y) - j.y;
+            const double dz = static_cast<double>(i.z) - j.z;
             rIJ += static_cast<float>(std::sqrt(dx * dx + dy * dy + dz * dz)) * share;
         }
     }

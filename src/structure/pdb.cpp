@@ -72,27 +72,28 @@ void readNames(std::string_view line, AtomInfo &atom)
     atom.icode = column(line, fieldIcode);
 }
 
-Status readNumbers(std::string_view line, AtomInfo &atom, Messages &messages)
+Status readNumbers(std::string_view line, AtomInfo &atom, Coord3D &at, Messages &messages)
 {
     atom.atomID = toInt(column(line, fieldAtomID).view());
-    atom.x = number(line, fieldX);
-    atom.y = number(line, fieldY);
-    atom.z = number(line, fieldZ);
+    at = {number(line, fieldX), number(line, fieldY), number(line, fieldZ)};
     atom.occupancy = number(line, fieldOccupancy);
     atom.tempFactor = number(line, fieldTempFactor);
     atom.element = column(line, fieldElement);
     atom.chargeStr = column(line, fieldCharge);
-    if (!std::isfinite(atom.x) || !std::isfinite(atom.y) || !std::isfinite(atom.z))
+    if (!std::isfinite(at.x) || !std::isfinite(at.y) || !std::isfinite(at.z))
         return messages.fail("PDB Error: the coordinates of atom %d are no finite numbers.\n", atom.atomID);
     return Status::ok;
 }
 
-Status appendAtom(const AtomInfo &atom, PDBInfo &pdbInfo, Messages &messages)
+Status appendAtom(const AtomInfo &atom, const Coord3D &at, PDBInfo &pdbInfo, Messages &messages)
 {
     const auto count = static_cast<std::size_t>(pdbInfo.atomCount);
     if (!makeRoom(pdbInfo.atomList, "pdb", count, 1, firstAtoms))
         return messages.fail("PDB Error Allocating Atom memory.\n");
+    if (!makeRoom(pdbInfo.coordList, "pdb", count, 1, firstAtoms))
+        return messages.fail("PDB Error Allocating PDB coords.\n");
     pdbInfo.atomList[count] = atom;
+    pdbInfo.coordList[count] = at;
     ++pdbInfo.atomCount;
     return Status::ok;
 }
@@ -117,8 +118,9 @@ Status readAtoms(TextInput &input, PDBInfo &pdbInfo, const PDBSelectInfo *sInfo,
         readNames(line, atom);
         if (!pdbSelectTest(sInfo, atom))
             continue;
-        if (readNumbers(line, atom, messages) != Status::ok ||
-            appendAtom(atom, pdbInfo, messages) != Status::ok)
+        Coord3D at;
+        if (readNumbers(line, atom, at, messages) != Status::ok ||
+            appendAtom(atom, at, pdbInfo, messages) != Status::ok)
             return Status::failed;
     }
     return Status::ok;
@@ -135,6 +137,12 @@ Status makeTables(PDBInfo &pdbInfo, Messages &messages)
 }
 
 } // namespace
+
+std::vector<Coord3D> copyOfCoordinates(const PDBInfo &pdbInfo)
+{
+    const std::span<const Coord3D> coords = pdbInfo.coordinates();
+    return {coords.begin(), coords.end()};
+}
 
 Status readPDB(const std::string &pdbName, PDBInfo &pdbInfo, const PDBSelectInfo *sInfo, Messages &messages)
 {

@@ -9,6 +9,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace trelm {
 
@@ -43,24 +44,24 @@ struct Coord3D {
 constexpr float noAngle = 9999.0f; ///< a backbone angle that is not known
 constexpr int maxWildAtoms = 16;   ///< the most atoms that a name with wildcards gives
 
-/// One ATOM line. Coordinates in angstrom; x, y, z are the working copy that rotations change.
+/// One ATOM line, but for the coordinates.
 struct AtomInfo {
     int atomID = 0; ///< serial number from the line
     Name atomName, locID, resName, chainID;
     int resID = 0;
     Name icode;
-    float x = 0.0f, y = 0.0f, z = 0.0f, occupancy = 0.0f, tempFactor = 0.0f;
+    float occupancy = 0.0f, tempFactor = 0.0f;
     Name segID, element, chargeStr;
-    ResInfo *resInfo = nullptr; ///< back pointers, set by indexPDB
-    ChainInfo *chainInfo = nullptr;
-    SegInfo *segInfo = nullptr;
+    const ResInfo *resInfo = nullptr; ///< back pointers, set by indexPDB
+    const ChainInfo *chainInfo = nullptr;
+    const SegInfo *segInfo = nullptr;
 };
 
 struct ResInfo {
     int resID = 0;
     int atomCount = 0;
     Name resName, chainID, segID;
-    Block<AtomInfo *> atomList; ///< its atoms, in file order
+    Block<const AtomInfo *> atomList; ///< its atoms, in file order
 };
 
 /// A chain and a segment are each told by both names: of two chains in one segment each has a segment record
@@ -69,14 +70,14 @@ struct ChainInfo {
     int atomCount = 0;
     int minResID = 0, maxResID = 0;
     Name chainID, segID;
-    Block<AtomInfo *> atomList;
+    Block<const AtomInfo *> atomList;
 };
 
 struct SegInfo {
     int atomCount = 0;
     int minResID = 0, maxResID = 0;
     Name segID, chainID;
-    Block<AtomInfo *> atomList;
+    Block<const AtomInfo *> atomList;
 };
 
 struct PDBInfo {
@@ -84,30 +85,41 @@ struct PDBInfo {
     Block<ResInfo> resList;
     Block<ChainInfo> chainList;
     Block<SegInfo> segList;
-    Block<Coord3D> coordList;                   ///< the saved coordinates, one for each atom
+    Block<Coord3D> coordList;                   ///< where the atoms stand in the file, angstrom
     HTabInfo atomTab, resTab, chainTab, segTab; ///< keys to places in the lists
     int atomCount = 0, resCount = 0, chainCount = 0, segCount = 0;
     int minResID = 0, maxResID = 0;
     Name defChainName, defSegName; ///< of the first atom
 
-    [[nodiscard]] std::span<AtomInfo> atoms()
-    {
-        return atomList.span().first(static_cast<std::size_t>(atomCount));
-    }
     [[nodiscard]] std::span<const AtomInfo> atoms() const
     {
         return atomList.span().first(static_cast<std::size_t>(atomCount));
+    }
+    /// One for each atom.
+    [[nodiscard]] std::span<const Coord3D> coordinates() const
+    {
+        return coordList.span().first(static_cast<std::size_t>(atomCount));
     }
     /// The place of one of its atoms in the list.
     [[nodiscard]] std::size_t placeOf(const AtomInfo &atom) const
     {
         return static_cast<std::size_t>(&atom - atomList.data());
     }
-    [[nodiscard]] std::span<ResInfo> residues()
+    [[nodiscard]] std::span<const ResInfo> residues() const
     {
         return resList.span().first(static_cast<std::size_t>(resCount));
     }
 };
+
+/// A molecule whose atoms stand elsewhere than in the file. The coordinates are their owner's, one for each
+/// atom, angstrom.
+struct Conformation {
+    const PDBInfo &pdbInfo;
+    std::span<Coord3D> coords;
+};
+
+/// Coordinates of one's own, where the file has them.
+std::vector<Coord3D> copyOfCoordinates(const PDBInfo &pdbInfo);
 
 /// Reads the ATOM lines of a file (standard input if the name is empty) that pass `sInfo`, and indexes them.
 /// With the hetatmFlag of `sInfo` HETATM lines are atoms too. Null takes all ATOM lines and no HETATM line:
@@ -122,25 +134,27 @@ Status readPDB(const std::string &pdbName, PDBInfo &pdbInfo, const PDBSelectInfo
 Status indexPDB(PDBInfo &pdbInfo, Messages &messages);
 
 /// The residue of this number in a chain and segment, or null.
-ResInfo *findRes(PDBInfo *pdbInfo, int resID, std::string_view chainName, std::string_view segName);
+const ResInfo *findRes(const PDBInfo &pdbInfo, int resID, std::string_view chainName,
+                       std::string_view segName);
 
 /// The atom of this name, or null. The first of equal ones. An atom with an insertion code is not found by
 /// its own chain; but a chain name of two letters (which only a table can hold) is the same key as code and
 /// chain: "AB" finds the atom of chain B with code A.
-AtomInfo *findAtom(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
-                   std::string_view segName);
+const AtomInfo *findAtom(const PDBInfo &pdbInfo, int resID, std::string_view atomName,
+                         std::string_view chainName, std::string_view segName);
 
-/// The atoms of a name with wildcards: # tries the numbers 1 to 3, * the suffixes "", 1, 2, 3 twice over, so
-/// that an atom can stand in the list more than once. atomList needs room for maxWildAtoms. Returns how many
-/// were found.
-int findAtomList(PDBInfo *pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
-                 std::string_view segName, std::span<AtomInfo *> atomList);
+/// The places of the atoms of a name with wildcards: # tries the numbers 1 to 3, * the suffixes "", 1, 2, 3
+/// twice over, so that an atom can stand in the list more than once. `places` needs room for maxWildAtoms.
+/// Returns how many were found.
+int findAtomList(const PDBInfo &pdbInfo, int resID, std::string_view atomName, std::string_view chainName,
+                 std::string_view segName, std::span<std::size_t> places);
 
 /// 0 for a plain name; 1 or 2 if its last wildcard is # or *. atomFmt gets the expansion format.
 int isAtomExpr(std::string_view atomName, std::string &atomFmt);
 
-/// Mean distance between two atom lists, angstrom; 0 if one is empty.
-float findAtomListRad(std::span<AtomInfo *const> atomListI, std::span<AtomInfo *const> atomListJ);
+/// Mean distance between the atoms at the places of two lists, angstrom; 0 if one is empty.
+float findAtomListRad(std::span<const Coord3D> coords, std::span<const std::size_t> placesI,
+                      std::span<const std::size_t> placesJ);
 
 /// A text as a name. A longer one than a name can be is cut after a message.
 Name pdbStrCpy(std::string_view text, Messages &messages);

@@ -5,10 +5,17 @@
 #include "support/numerics/vec3.h"
 
 #include <array>
+#include <span>
 
 namespace trelm {
 
 using Axis = Vec3;
+
+/// A place in double precision.
+constexpr Axis toAxis(const Coord3D &at)
+{
+    return {static_cast<double>(at.x), static_cast<double>(at.y), static_cast<double>(at.z)};
+}
 
 /// Sine and cosine of one angle.
 struct SinCos {
@@ -41,11 +48,17 @@ inline void rotate_coorsystem(const SinCos &theta, const SinCos &phi, const SinC
 
 /// Turns the atoms of residues resN to resC by x' = M x with theta = angle[1], phi = angle[0], psi =
 /// angle[2], the angles in degrees. With the negated Euler angles gamma, beta, alpha of a tensor this is the
-/// turn into its frame. Stops at the first residue number above resC. Returns 0.
-int rotateDomain(const std::array<double, 3> &angle, PDBInfo *pdbInfo, int resN, int resC);
+/// turn into its frame. Stops at the first residue number above resC.
+void rotateDomain(const std::array<double, 3> &angle, const Conformation &molecule, int resN, int resC);
 
-/// Moves the mean of the atoms of residues resN to resC to the origin; all atoms move. Returns 0, or 1 after
-/// a message if there are no such atoms.
-int shiftMol2Domain(PDBInfo *pdbInfo, int resN, int resC);
+/// The same for all residues.
+void rotateMolecule(const std::array<double, 3> &angle, const Conformation &molecule);
+
+/// Moves all places so that `point` comes to the origin.
+void shiftToOrigin(std::span<Coord3D> coords, const Axis &point);
+
+/// Moves the mean of the atoms of residues resN to resC to the origin; all atoms move. Fails after a
+/// message if there are no such atoms.
+Status shiftMol2Domain(const Conformation &molecule, int resN, int resC, Messages &messages);
 
 } // namespace trelm

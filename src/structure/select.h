@@ -5,6 +5,7 @@
 #include "structure/pdb.h"
 
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,6 +19,7 @@ using AtomMask = std::vector<unsigned char>;
 struct SelectedAtoms {
     const PDBInfo &pdbInfo;
     const AtomMask &mask;
+    std::span<const Coord3D> coords = pdbInfo.coordinates(); ///< where they stand
 
     [[nodiscard]] bool has(std::size_t place) const { return mask[place] != 0; }
 };

@@ -147,7 +147,7 @@ Matrix3d momentsOf(const PDBInfo &pdbInfo)
 /// From atom i to atom j.
 Axis between(const PDBInfo &pdbInfo, std::size_t i, std::size_t j)
 {
-    const AtomInfo &a = pdbInfo.atomList[i], &b = pdbInfo.atomList[j];
+    const Coord3D &a = pdbInfo.coordinates()[i], &b = pdbInfo.coordinates()[j];
     return {double{b.x} - double{a.x}, double{b.y} - double{a.y}, double{b.z} - double{a.z}};
 }
 

@@ -199,10 +199,10 @@ struct Built : Prepared {
 TEST(BuildDC, TakesTheDistanceOfTheStructureWhereNoneIsFixed)
 {
     Built b("5 N 5 H 1 1\n5 H 5 N 1 1\n");
-    EXPECT_EQ(buildDC(&b.pdb, b.table, {}, standardMessages()), 2);
+    EXPECT_EQ(buildDC(b.pdb, b.table, {}, standardMessages()), 2);
     const DInfo &row = b.table.calculated()[0];
-    const double r = std::hypot(row.atomI[0]->x - row.atomJ[0]->x, row.atomI[0]->y - row.atomJ[0]->y,
-                                row.atomI[0]->z - row.atomJ[0]->z);
+    const Coord3D &i = b.pdb.coordinates()[row.atomI[0]], &j = b.pdb.coordinates()[row.atomJ[0]];
+    const double r = std::hypot(i.x - j.x, i.y - j.y, i.z - j.z);
     const double ratio = std::pow(1.041 / r, 3.0);
     EXPECT_NEAR(row.di, -21585.196 * ratio, 0.05);
     EXPECT_NEAR(r, 0.98, 0.01);
@@ -210,7 +210,7 @@ TEST(BuildDC, TakesTheDistanceOfTheStructureWhereNoneIsFixed)
     EXPECT_NEAR(b.table.calculated()[1].di, -21585.196, 0.01);
     EXPECT_EQ(b.table.calculated()[1].diFixedFlag, 1);
     EXPECT_TRUE(b.table.calculated()[1].resNameI == "VAL");
-    EXPECT_EQ(buildDC(&b.pdb, b.table, {.allowFixedDI = 0}, standardMessages()), 2);
+    EXPECT_EQ(buildDC(b.pdb, b.table, {.allowFixedDI = 0}, standardMessages()), 2);
     EXPECT_NEAR(b.table.calculated()[1].di, -21585.196 * ratio, 0.05);
     EXPECT_EQ(b.table.calculated()[1].diFixedFlag, 0);
 }
@@ -219,7 +219,7 @@ TEST(BuildDC, AppliesOffsetAndWeightsByResidue)
 {
     Built b("15 H 15 N 1 2\n16 H 16 N 1 2\n17 H 16 C 1 2\n900 H 900 N 1 2\n");
     const std::array<float, 2> weights = {0.0f, -4.0f}; // residues 16 and 17 of the table
-    EXPECT_EQ(buildDC(&b.pdb, b.table, {.aOff = -10, .wOff = 16, .wList = weights}, standardMessages()), 2);
+    EXPECT_EQ(buildDC(b.pdb, b.table, {.aOff = -10, .wOff = 16, .wList = weights}, standardMessages()), 2);
     const auto rows = b.table.calculated();
     EXPECT_EQ(rows[0].w, 1.0f);
     EXPECT_EQ(rows[0].resIDI, 5);
@@ -236,8 +236,8 @@ TEST(BuildDC, AppliesOffsetAndWeightsByResidue)
 TEST(BuildDC, KeepsResidueNumbersInRange)
 {
     Built b("99999999999 C 1 N 1 1\n-99999999999 C 2147483647 N 1 1\n");
-    EXPECT_EQ(buildDC(&b.pdb, b.table, {.aOff = INT_MAX}, standardMessages()), 0);
-    EXPECT_EQ(buildDC(&b.pdb, b.table, {.aOff = INT_MIN}, standardMessages()), 0);
+    EXPECT_EQ(buildDC(b.pdb, b.table, {.aOff = INT_MAX}, standardMessages()), 0);
+    EXPECT_EQ(buildDC(b.pdb, b.table, {.aOff = INT_MIN}, standardMessages()), 0);
 }
 
 TEST(BuildDC, TellsOnceAndDropsARowWithMoreAtomsThanItHolds)
@@ -251,7 +251,7 @@ TEST(BuildDC, TellsOnceAndDropsARowWithMoreAtomsThanItHolds)
     const Said told = said([&] {
         Built b("1 HD* 1 N 1 1\n1 HE* 1 N 1 1\n", atoms);
         EXPECT_EQ(b.valid, 1);
-        EXPECT_EQ(buildDC(&b.pdb, b.table, {}, standardMessages()), 1);
+        EXPECT_EQ(buildDC(b.pdb, b.table, {}, standardMessages()), 1);
         EXPECT_EQ(b.table.calculated()[0].valid, 0);
         EXPECT_EQ(b.table.calculated()[1].atomICount, 4);
     });

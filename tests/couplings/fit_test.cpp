@@ -34,7 +34,7 @@ TEST(FitD, EvaluatesOnceWhereAllIsFixed)
     tensor.psi = tensor.psiMin = tensor.psiMax = 30.0f;
     tensor.theta = tensor.thetaMin = tensor.thetaMax = -20.0f;
     tensor.phi = tensor.phiMin = tensor.phiMax = 110.0f;
-    EXPECT_EQ(fitD(&p.pdb, p.table, 0, standardMessages()), 63);
+    EXPECT_EQ(fitD(p.pdb.coordinates(), p.table, 0, standardMessages()), 63);
     EXPECT_EQ(tensor.dr, 0.25f * -4.0e-4f);
     EXPECT_EQ(tensor.psi, 30.0f);
     std::vector<float> nonlinear;
@@ -43,7 +43,7 @@ TEST(FitD, EvaluatesOnceWhereAllIsFixed)
     // Both engines have one convention: the vector that this one leaves gives the same couplings.
     tensor.userSaupe = tensor.saupe;
     tensor.tensorMode = 2;
-    fitD(&p.pdb, p.table, 0, standardMessages());
+    fitD(p.pdb.coordinates(), p.table, 0, standardMessages());
     for (std::size_t i = 0; i < nonlinear.size(); ++i)
         EXPECT_NEAR(p.table.calculated()[i].d, nonlinear[i], 0.002);
     EXPECT_NEAR(tensor.da, -4.0e-4f, 1.0e-9f);
@@ -66,7 +66,7 @@ TEST(FitD, DebugLinesOfAnEvaluation)
     for (const int rhFlag : {1, 0}) {
         tensor.rhFlag = rhFlag;
         const std::string second = rhFlag != 0 ? "Rh 0.250" : "Dr -1.000e-04";
-        EXPECT_EQ(said([&] { fitD(&p.pdb, p.table, 3, standardMessages()); }).err,
+        EXPECT_EQ(said([&] { fitD(p.pdb.coordinates(), p.table, 3, standardMessages()); }).err,
                   "2 Couplings, 4 Atoms Selected.\n"
                   " DC   1   -8.170   -1.153   -7.017\n"
                   " DC   2    8.271   -9.864   18.135\n"
@@ -98,7 +98,7 @@ TEST(FitD, RepeatedFitsHaveTheSameBits)
     FitColumns columns;
     takeColumns(table, columns);
     FitResult plain = startOf(table);
-    const FitInput input = {&p.pdb, table, columns};
+    const FitInput input = {p.pdb.coordinates(), table, columns};
     FitWork work;
     ASSERT_EQ(fitColumns(input, work, plain, standardMessages()), Status::ok);
     ASSERT_GT(plain.used, 200);
@@ -130,12 +130,12 @@ TEST(FitD, LeavesZeroAnglesWithFewerCouplingsThanParameters)
     for (DInfo &row : p.table.calculated().subspan(3))
         row.w = 0.0f;
     p.table.dTensor.tensorMode = 3;
-    EXPECT_EQ(fitD(&p.pdb, p.table, 0, standardMessages()), 3);
+    EXPECT_EQ(fitD(p.pdb.coordinates(), p.table, 0, standardMessages()), 3);
     EXPECT_EQ(p.table.dTensor.psi, 0.0f);
     EXPECT_EQ(p.table.dTensor.psiList[0], 0.0f);
     EXPECT_EQ(p.table.dTensor.da, 0.001f);
     p.table.dTensor = DTensor{};
-    EXPECT_EQ(fitD(&p.pdb, p.table, 0, standardMessages()), 3); // the linear fit: a zero tensor
+    EXPECT_EQ(fitD(p.pdb.coordinates(), p.table, 0, standardMessages()), 3); // the linear fit: a zero tensor
     EXPECT_EQ(p.table.dTensor.saupe, (SaupeValues{}));
     EXPECT_EQ(p.table.calculated()[0].d, 0.0f);
     EXPECT_EQ(p.table.calculated()[3].d, noCoupling);
@@ -143,25 +143,18 @@ TEST(FitD, LeavesZeroAnglesWithFewerCouplingsThanParameters)
 
 /// One row on four atoms by hand, the tensor Szz = 1: a coupling is |di| (3 z^2 - 1) / 2.
 struct HandMade {
-    std::array<AtomInfo, 4> atoms;
+    static constexpr Coord3D coords[4] = {{0, 0, 0}, {0, 0, 1}, {1, 0, 0}, {0, 1, 2}};
     DTable table;
     HandMade(int countI, int countJ)
     {
-        constexpr float xyz[4][3] = {{0, 0, 0}, {0, 0, 1}, {1, 0, 0}, {0, 1, 2}};
-        for (std::size_t i = 0; i < 4; ++i) {
-            atoms[i].x = xyz[i][0];
-            atoms[i].y = xyz[i][1];
-            atoms[i].z = xyz[i][2];
-        }
         table = makeTable({{0.0f, 0.0f}});
         table.maxCount = countI * countJ;
         DInfo &calc = table.dCalcList[0];
         calc.di = -10.0f;
         calc.atomICount = countI;
         calc.atomJCount = countJ;
-        calc.atomI[0] = &atoms[0];
         for (std::size_t j = 0; j < static_cast<std::size_t>(countJ); ++j)
-            calc.atomJ[j] = &atoms[j + 1];
+            calc.atomJ[j] = j + 1;
         table.dTensor.tensorMode = 2;
         table.dTensor.userSaupe = {1.0f, 0.0f, 0.0f, 0.0f, 0.0f};
     }
@@ -171,7 +164,7 @@ TEST(FitDSVD, TreatsGroupsOfAtomsByTheirNumberOfPairs)
 {
     HandMade one(1, 1), two(1, 2), three(1, 3);
     for (HandMade *made : {&one, &two, &three})
-        EXPECT_EQ(fitD(nullptr, made->table, 0, standardMessages()), 1);
+        EXPECT_EQ(fitD(HandMade::coords, made->table, 0, standardMessages()), 1);
     EXPECT_NEAR(one.table.dCalcList[0].d, 10.0, 1e-5);       // along z
     EXPECT_NEAR(two.table.dCalcList[0].d, 10.0 - 5.0, 1e-5); // along z and along x, summed
     // One vector to the mean (1/3, 1/3, 1): cos^2 = 9/11.

@@ -3,7 +3,6 @@
 
 #include "structure/backbone.h"
 #include "structure/select.h"
-#include "structure/write.h"
 #include "support/numerics/random.h"
 
 #include "common/temp_file.h"
@@ -55,14 +54,19 @@ struct Molecule : Prepared {
     {
     }
     RandomStream random;
+    std::vector<Coord3D> coords = copyOfCoordinates(pdb);
+    NoiseTarget target() { return {{pdb, coords}, table}; }
     int move(const ConeSetup &cone, int aOff = 0)
     {
-        return addPdbNoise(&pdb, &table, cone, aOff, std::vector(table.observed().size(), 1), random);
+        return addPdbNoise(target(), cone, aOff, std::vector(table.observed().size(), 1), random);
     }
     Vector at(int resID, const char *name)
     {
-        const AtomInfo *atom = findAtom(&pdb, resID, name, pdb.defChainName.view(), pdb.defSegName.view());
-        return atom != nullptr ? Vector{atom->x, atom->y, atom->z} : Vector{};
+        const AtomInfo *atom = findAtom(pdb, resID, name, pdb.defChainName.view(), pdb.defSegName.view());
+        if (atom == nullptr)
+            return {};
+        const Coord3D &place = coords[pdb.placeOf(*atom)];
+        return {place.x, place.y, place.z};
     }
     double distance(int resID, const char *nameI, const char *nameJ)
     {
@@ -72,8 +76,8 @@ struct Molecule : Prepared {
     std::vector<Vector> all()
     {
         std::vector<Vector> places;
-        for (const AtomInfo &atom : pdb.atoms())
-            places.push_back({atom.x, atom.y, atom.z});
+        for (const Coord3D &place : coords)
+            places.push_back({place.x, place.y, place.z});
         return places;
     }
 };
@@ -143,7 +147,7 @@ TEST(AddVecNoise, DrawsInOrderFromOneSeed)
     EXPECT_EQ(random.ran1(), judge.ran1());
 }
 
-TEST(AddPdbNoise, MovesTheSecondAtomAloneAndTheSameWayFromTheSavedCopy)
+TEST(AddPdbNoise, MovesTheSecondAtomAloneAndTheSameWayFromTheSamePlaces)
 {
     Molecule m("10 N 10 H 1 1\n");
     const double length = m.distance(10, "N", "H");
@@ -152,11 +156,11 @@ TEST(AddPdbNoise, MovesTheSecondAtomAloneAndTheSameWayFromTheSavedCopy)
     const std::vector<Vector> after = m.all();
     EXPECT_NEAR(m.distance(10, "N", "H"), length, 1e-5);
     EXPECT_EQ(std::ranges::mismatch(before, after).in1 - before.begin(),
-              findAtom(&m.pdb, 10, "H", "A", m.pdb.defSegName.view()) - m.pdb.atoms().data());
+              findAtom(m.pdb, 10, "H", "A", m.pdb.defSegName.view()) - m.pdb.atoms().data());
     EXPECT_EQ(
         std::inner_product(before.begin(), before.end(), after.begin(), 0, std::plus(), std::not_equal_to()),
         1);
-    restorePDBCoords(&m.pdb);
+    m.coords = copyOfCoordinates(m.pdb);
     m.random = RandomStream();
     m.move(gaussCone);
     EXPECT_EQ(m.all(), after);
@@ -213,14 +217,15 @@ TEST(AddPhiPsiNoise, TurnsEveryAngleByTheFixedWidth)
     std::vector<std::array<float, 2>> before;
     for (const ResInfo &residue : m.pdb.residues()) {
         auto &[phi, psi] = before.emplace_back();
-        getPDBPhiPsi(&m.pdb, residue.resID, "A", m.pdb.defSegName.view(), phi, psi);
+        getPDBPhiPsi({m.pdb, m.coords}, residue.resID, "A", m.pdb.defSegName.view(), phi, psi);
     }
-    addPhiPsiNoise(m.random, &m.pdb, &m.table, fixedCone, {1, 1, 76}, 1, standardMessages());
+    addPhiPsiNoise(m.random, m.target(), fixedCone, {1, 1, 76}, 1, standardMessages());
     auto angles = before.begin();
     for (const ResInfo &residue : m.pdb.residues()) {
         const auto [phiBefore, psiBefore] = *angles++;
         float phi = 0.0f, psi = 0.0f;
-        const int known = getPDBPhiPsi(&m.pdb, residue.resID, "A", m.pdb.defSegName.view(), phi, psi);
+        const int known =
+            getPDBPhiPsi({m.pdb, m.coords}, residue.resID, "A", m.pdb.defSegName.view(), phi, psi);
         const float phiTurn = (known & 1) != 0 ? phi - phiBefore : 10.0f;
         const float psiTurn = (known & 2) != 0 ? psi - psiBefore : 10.0f;
         EXPECT_NEAR(std::remainder(phiTurn - 10.0f, 360.0f), 0.0f, 0.05f) << residue.resID;
@@ -234,7 +239,7 @@ TEST(AddPhiPsiNoise, ResidueZeroBehindTheListDraws)
     for (const auto &[res1, angles] : {std::pair{1, 2 * 77}, {10, 2 * 67}}) {
         Molecule m("20 N 20 H 1 1\n", 0, residuesFrom(res1));
         RandomStream judge;
-        addPhiPsiNoise(m.random, &m.pdb, &m.table, gaussCone, {1, 1, 76}, 1, standardMessages());
+        addPhiPsiNoise(m.random, m.target(), gaussCone, {1, 1, 76}, 1, standardMessages());
         for (int n = 0; n < angles; ++n)
             takenAngle(judge);
         EXPECT_EQ(m.random.ran1(), judge.ran1()) << res1;
@@ -252,7 +257,7 @@ TEST(AddVecNoise, TooNarrowAGaussianConeMovesAndDrawsNothing)
         EXPECT_EQ(random.ran3() != RandomStream().ran3(), isMoved) << cone.coneWidth;
         Molecule m("10 N 10 H 1 1\n");
         const std::vector<Vector> before = m.all();
-        addPhiPsiNoise(m.random, &m.pdb, &m.table, cone, {1, 1, 76}, 1, standardMessages());
+        addPhiPsiNoise(m.random, m.target(), cone, {1, 1, 76}, 1, standardMessages());
         EXPECT_EQ(m.all() != before, isMoved) << cone.coneWidth;
     }
 }

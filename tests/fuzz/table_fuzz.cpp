@@ -42,7 +42,7 @@ void checkCouplings(const std::string &name)
     PDBInfo &molecule = fuzz::smallMolecule();
     const int valid = selectD(dTab.observed(), 1, 3, 3);
     const int built = buildDC(
-        &molecule, dTab, {.aOff = 1, .wOff = 2, .wList = std::vector<float>{0.5f, 0.0f}, .allowFixedDI = 0},
+        molecule, dTab, {.aOff = 1, .wOff = 2, .wList = std::vector<float>{0.5f, 0.0f}, .allowFixedDI = 0},
         standardMessages());
     require(built <= valid && valid <= dTab.dCount, "no rows come from nowhere");
     for (const DInfo &row : dTab.calculated())

@@ -2,6 +2,7 @@
 #include "simulation/domains/ensemble.h"
 
 #include "common/said.h"
+#include "common/standing.h"
 #include "simulation/domains/domains.h"
 #include "simulation/molecules.h"
 #include "simulation/orientations/rotation.h"
@@ -188,9 +189,9 @@ TEST(EnsembleSphere, FailuresAreTold)
 }
 
 /// The first 20 residues twice.
-PDBInfo smallMolecule(double shift)
+Standing smallMolecule(double shift)
 {
-    return moleculeOf(twoDomains(20, shift));
+    return {moleculeOf(twoDomains(20, shift))};
 }
 
 DomainOptions smallInfo()
@@ -205,11 +206,11 @@ DomainOptions smallInfo()
     return g;
 }
 
-Axis alphaCarbon(const PDBInfo &pdb, int resID)
+Axis alphaCarbon(const Standing &molecule, int resID)
 {
-    for (const AtomInfo &atom : pdb.atoms())
+    for (const AtomInfo &atom : molecule.pdb.atoms())
         if (atom.resID == resID && atom.atomName == "CA")
-            return {static_cast<double>(atom.x), static_cast<double>(atom.y), static_cast<double>(atom.z)};
+            return toAxis(molecule.coords[molecule.pdb.placeOf(atom)]);
     return {};
 }
 
@@ -220,9 +221,9 @@ double distanceOf(const Axis &a, const Axis &b)
 
 TEST(Domains, StartOnTheirAxesWithThePivotAtTheOrigin)
 {
-    PDBInfo pdb = smallMolecule(30.0);
+    Standing pdb = smallMolecule(30.0);
     DomainOptions info = smallInfo();
-    ASSERT_EQ(initOrient(&pdb, info, 0, standardMessages()), Status::ok);
+    ASSERT_EQ(initOrient(pdb, info, 0, standardMessages()), Status::ok);
     Matrix3d moments;
     ASSERT_EQ(calcInertiaSel(pdb, 1, 20, moments, standardMessages()), Status::ok);
     EXPECT_NEAR(distanceOf(alphaCarbon(pdb, 10), {}), 0.0, 1e-5);
@@ -235,10 +236,10 @@ TEST(Domains, StartOnTheirAxesWithThePivotAtTheOrigin)
     EXPECT_EQ(turned, moments);
 
     // Not turned onto the axes: moved only.
-    PDBInfo moved = smallMolecule(30.0);
-    const PDBInfo fresh = smallMolecule(30.0);
+    Standing moved = smallMolecule(30.0);
+    const Standing fresh = smallMolecule(30.0);
     info.initOrientFlag = 0;
-    ASSERT_EQ(initOrient(&moved, info, 0, standardMessages()), Status::ok);
+    ASSERT_EQ(initOrient(moved, info, 0, standardMessages()), Status::ok);
     const Axis a = alphaCarbon(fresh, 10), b = alphaCarbon(fresh, 115), c = alphaCarbon(moved, 115);
     for (std::size_t k = 0; k < 3; ++k)
         EXPECT_NEAR(c[k], b[k] - a[k], 1e-4);
@@ -248,11 +249,11 @@ TEST(Domains, SecondOneTurnsAboutItsPivot)
 {
     DomainOptions info = smallInfo();
     info.initOrientFlag = 0;
-    PDBInfo straight = smallMolecule(30.0), turned = smallMolecule(30.0);
-    ASSERT_EQ(initOrient(&straight, info, 0, standardMessages()), Status::ok);
+    Standing straight = smallMolecule(30.0), turned = smallMolecule(30.0);
+    ASSERT_EQ(initOrient(straight, info, 0, standardMessages()), Status::ok);
     info.angleDomFlag = 1;
     info.angleDom[0] = 90.0f; // x' = y, y' = -x
-    ASSERT_EQ(initOrient(&turned, info, 0, standardMessages()), Status::ok);
+    ASSERT_EQ(initOrient(turned, info, 0, standardMessages()), Status::ok);
     const Axis pivot = alphaCarbon(straight, 110), before = alphaCarbon(straight, 117),
                after = alphaCarbon(turned, 117);
     EXPECT_NEAR(distanceOf(alphaCarbon(turned, 110), pivot), 0.0, 1e-4);
@@ -264,10 +265,10 @@ TEST(Domains, SecondOneTurnsAboutItsPivot)
 
 TEST(Domains, SecondMomentsOfTwoAtoms)
 {
-    const PDBInfo pdb = moleculeOf("ATOM      1  N   ALA A   1       1.000   2.000   0.000\n"
-                                   "ATOM      2  CA  ALA A   1       5.000  -4.000   2.000\n"
-                                   "ATOM      3  H   ALA A   1      50.000   0.000   0.000\n"
-                                   "ATOM      4  N   ALA A   2      90.000   0.000   0.000\n");
+    Standing pdb = {moleculeOf("ATOM      1  N   ALA A   1       1.000   2.000   0.000\n"
+                               "ATOM      2  CA  ALA A   1       5.000  -4.000   2.000\n"
+                               "ATOM      3  H   ALA A   1      50.000   0.000   0.000\n"
+                               "ATOM      4  N   ALA A   2      90.000   0.000   0.000\n")};
     Matrix3d moments;
     ASSERT_EQ(calcInertiaSel(pdb, 1, 1, moments, standardMessages()), Status::ok);
     const Matrix3d expected = {4, -6, 2, -6, 9, -3, 2, -3, 1};
@@ -277,20 +278,20 @@ TEST(Domains, SecondMomentsOfTwoAtoms)
 
 TEST(Domains, ClashIsTheFirstPairBelowTheDistance)
 {
-    PDBInfo pdb = smallMolecule(12.0);
+    Standing pdb = smallMolecule(12.0);
     DomainOptions info = smallInfo();
     std::vector<std::size_t> indI, indJ;
     ASSERT_EQ(selectSurfDom(pdb, 1, 20, indI, indJ, standardMessages()), Status::ok);
     ASSERT_FALSE(indI.empty());
     EXPECT_EQ(indI.size(), indJ.size()); // the copies are alike, each measured alone
     for (std::size_t k = 0; k < indI.size(); ++k) {
-        const AtomInfo &a = pdb.atomList[indI[k]], &b = pdb.atomList[indJ[k]];
+        const AtomInfo &a = pdb.pdb.atomList[indI[k]], &b = pdb.pdb.atomList[indJ[k]];
         EXPECT_EQ(a.resID + 100, b.resID);
         EXPECT_EQ(a.atomName, b.atomName);
         EXPECT_TRUE(a.atomName == "C" || a.atomName == "CA" || a.atomName == "N");
     }
     const auto apart = [&](std::size_t i, std::size_t j) {
-        const AtomInfo &a = pdb.atomList[i], &b = pdb.atomList[j];
+        const Coord3D &a = pdb.coords[i], &b = pdb.coords[j];
         return calcNorm(a.x - b.x, a.y - b.y, a.z - b.z);
     };
     float smallest = 1e9f;
@@ -304,7 +305,7 @@ TEST(Domains, ClashIsTheFirstPairBelowTheDistance)
     for (const std::size_t i : indI)
         for (const std::size_t j : indJ)
             if (expected.empty() && apart(i, j) < info.clashDist) {
-                const AtomInfo &a = pdb.atomList[i], &b = pdb.atomList[j];
+                const AtomInfo &a = pdb.pdb.atomList[i], &b = pdb.pdb.atomList[j];
                 appendf(expected, "\nREMARK steric clash of %5d %6s %6s   and  %5d %6s %6s : %6.2f A\n",
                         a.resID, a.resName.c_str(), a.atomName.c_str(), b.resID, b.resName.c_str(),
                         b.atomName.c_str(), static_cast<double>(apart(i, j)));

@@ -112,12 +112,11 @@ Said runFace(const std::vector<float> &values, const AlignmentOptions &info, PDB
     const TempFile file;
     Potential none;
     const Said lines = said([&] {
-        EXPECT_EQ(iFacePDB(EulerLists{}, {&pdbInfo, allAtoms(pdbInfo), info, charges.set()}, none,
+        EXPECT_EQ(iFacePDB(EulerLists{}, {pdbInfo, allAtoms(pdbInfo), info, charges.set()}, none,
                            {file.name, nullptr, standardMessages()}),
                   Status::ok);
     });
     EXPECT_EQ(readPDB(file.name, written, nullptr, standardMessages()), Status::ok);
-    EXPECT_EQ(pdbInfo.atomList[0].z, 5.0f); // the molecule itself stays
     EXPECT_EQ(charges.atoms, (std::vector<int>{0, 1}));
     return lines;
 }
@@ -136,7 +135,7 @@ TEST(FacePDB, WritesTheOrientationOfTheLowerWeight)
         runFace(row.values, sample(lcWall), written);
         ASSERT_EQ(written.atomCount, 2);
         for (std::size_t i = 0; i < 2; ++i)
-            EXPECT_NEAR(written.atomList[i].z, row.z[i], 0.0011f) << row.why;
+            EXPECT_NEAR(written.coordinates()[i].z, row.z[i], 0.0011f) << row.why;
     }
 }
 
@@ -150,7 +149,7 @@ TEST(FacePDB, AMoleculeWithinTheParticleIsNotFlipped)
     const std::string warning = "WARNING: Molecule too close to LC particel ...\n"
                                 "         Interaction face cannot be determined!\n";
     EXPECT_EQ(lines.err, warning + warning); // one for each face
-    EXPECT_EQ(written.atomList[0].z, 5.0f);
+    EXPECT_EQ(written.coordinates()[0].z, 5.0f);
 }
 
 TEST(ChargeLabels, MarkTheAtomsOfTheCharges)
@@ -167,14 +166,12 @@ TEST(ChargeLabels, MarkTheAtomsOfTheCharges)
         charges.values.push_back(row.charge);
         places.push_back({1.0, 2.0, 3.0});
     }
-    PDBInfo pdbInfo = makeMolecule(places);
-    labelCharges(&pdbInfo, charges.set());
-    EXPECT_EQ(pdbInfo.atomList[0].chargeStr.view(), "2+");
-    EXPECT_EQ(pdbInfo.atomList[0].tempFactor, 0.0f);
+    const std::vector<AtomLabel> labels = labelCharges(makeMolecule(places), charges.set());
+    EXPECT_EQ(labels[0].chargeStr.view(), "2+");
+    EXPECT_EQ(labels[0].tempFactor, 0.0f);
     for (std::size_t i = 0; i < std::size(rows); ++i) {
-        const AtomInfo &atom = pdbInfo.atomList[i + 1];
-        EXPECT_EQ(atom.chargeStr.view(), rows[i].label) << rows[i].charge;
-        EXPECT_EQ(atom.tempFactor, rows[i].charge);
+        EXPECT_EQ(labels[i + 1].chargeStr.view(), rows[i].label) << rows[i].charge;
+        EXPECT_EQ(labels[i + 1].tempFactor, rows[i].charge);
     }
 }
 

@@ -35,8 +35,7 @@ Solute heavyAtoms()
     const PDBInfo pdb = ubiquitin();
     for (const AtomInfo &atom : pdb.atoms())
         if (!isHydrogen(atom))
-            solute.add(
-                {static_cast<double>(atom.x), static_cast<double>(atom.y), static_cast<double>(atom.z)});
+            solute.add(toAxis(pdb.coordinates()[pdb.placeOf(atom)]));
     return solute;
 }
 

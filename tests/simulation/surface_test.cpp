@@ -68,11 +68,12 @@ TEST(Surface, AreaOfUbiquitinIsThatOfAnotherProgram)
     const PDBInfo pdb = ubiquitin();
     std::vector<double> co, radius;
     for (const AtomInfo &atom : pdb.atoms()) {
+        const Coord3D &at = pdb.coordinates()[pdb.placeOf(atom)];
         const char letter = atom.atomName.text[0];
         if (isHydrogen(atom))
             continue;
         co.insert(co.end(),
-                  {static_cast<double>(atom.x), static_cast<double>(atom.y), static_cast<double>(atom.z)});
+                  {static_cast<double>(at.x), static_cast<double>(at.y), static_cast<double>(at.z)});
         radius.push_back(1.4 + (letter == 'C' ? 1.9 : letter == 'O' ? 1.4 : 1.8));
     }
     Surface surface;
@@ -124,15 +125,15 @@ TEST(AtomSelection, ChargesComeFirstAndADipoleReplacesThem)
         EXPECT_EQ(charges.chCount, row.charges);
         if (row.charges == 3) {
             EXPECT_EQ(placed.atoms[2], 2);
-            EXPECT_FLOAT_EQ(static_cast<float>(y[1]), pdb.atomList[200].y);
+            EXPECT_FLOAT_EQ(static_cast<float>(y[1]), pdb.coordinates()[200].y);
         }
         if (row.dipoleFlag != 0) { // the negative centre: a quarter of the way from atom 300 to atom 200
             EXPECT_FLOAT_EQ(placed.values[0], 1.0f);
             EXPECT_FLOAT_EQ(placed.values[1], -2.0f);
-            EXPECT_NEAR(x[0], static_cast<double>(pdb.atomList[100].x), 1e-4);
+            EXPECT_NEAR(x[0], static_cast<double>(pdb.coordinates()[100].x), 1e-4);
             EXPECT_NEAR(z[1],
-                        0.25 * static_cast<double>(pdb.atomList[200].z) +
-                            0.75 * static_cast<double>(pdb.atomList[300].z),
+                        0.25 * static_cast<double>(pdb.coordinates()[200].z) +
+                            0.75 * static_cast<double>(pdb.coordinates()[300].z),
                         1e-4);
         }
     }

@@ -1,6 +1,7 @@
 // Torsion angles, transformations, turns.
 #include "structure/backbone.h"
 
+#include "common/standing.h"
 #include "molecules.h"
 #include "structure/rotate.h"
 #include "structure/transform.h"
@@ -10,22 +11,22 @@
 namespace trelm {
 namespace {
 
-float distance(const AtomInfo &a, const AtomInfo &b)
+float distance(const Coord3D &a, const Coord3D &b)
 {
     return std::hypot(a.x - b.x, a.y - b.y, a.z - b.z);
 }
 
 TEST(Backbone, AnglesOfUbiquitin)
 {
-    PDBInfo pdb = readUbiquitin();
+    Standing pdb = {readUbiquitin()};
     float phi = 0.0f, psi = 0.0f;
-    EXPECT_EQ(getPDBPhiPsi(&pdb, 1, "A", "", phi, psi), 2);
+    EXPECT_EQ(getPDBPhiPsi(pdb, 1, "A", "", phi, psi), 2);
     EXPECT_EQ(phi, noAngle);
-    EXPECT_EQ(getPDBPhiPsi(&pdb, 76, "A", "", phi, psi), 1);
+    EXPECT_EQ(getPDBPhiPsi(pdb, 76, "A", "", phi, psi), 1);
     EXPECT_EQ(psi, noAngle);
     // Residues 23 to 33 are the helix.
     for (int resID = 24; resID <= 32; ++resID) {
-        EXPECT_EQ(getPDBPhiPsi(&pdb, resID, "A", "", phi, psi), 3);
+        EXPECT_EQ(getPDBPhiPsi(pdb, resID, "A", "", phi, psi), 3);
         EXPECT_NEAR(phi, -63.0f, 12.0f) << resID;
         EXPECT_NEAR(psi, -41.0f, 15.0f) << resID;
     }
@@ -34,25 +35,27 @@ TEST(Backbone, AnglesOfUbiquitin)
 TEST(Backbone, SetAnglesAreFoundAgainAndBondsStay)
 {
     for (const int resID : {10, 60}) { // one in each half: another side moves
-        PDBInfo pdb = readUbiquitin();
-        const AtomInfo first = pdb.atomList[0], last = pdb.atomList[1230];
-        const AtomInfo &ca = *findAtom(&pdb, resID, "CA", "A", ""), &c = *findAtom(&pdb, resID, "C", "A", "");
+        Standing pdb = {readUbiquitin()};
+        const auto at = [&pdb](int number, const char *name) -> const Coord3D & {
+            return pdb.coords[pdb.pdb.placeOf(*findAtom(pdb.pdb, number, name, "A", ""))];
+        };
+        const Coord3D first = pdb.coords[0], last = pdb.coords[1230];
+        const Coord3D &ca = at(resID, "CA"), &c = at(resID, "C");
         const float bond = distance(ca, c);
         // The peptide planes are stiff: H stays with the residue before, O with the one behind.
-        const AtomInfo &h = *findAtom(&pdb, resID, "H", "A", ""), &o = *findAtom(&pdb, resID, "O", "A", "");
-        const AtomInfo &before = *findAtom(&pdb, resID - 1, "O", "A", "");
-        const AtomInfo &behind = *findAtom(&pdb, resID + 1, "H", "A", "");
+        const Coord3D &h = at(resID, "H"), &o = at(resID, "O");
+        const Coord3D &before = at(resID - 1, "O"), &behind = at(resID + 1, "H");
         const float planeBefore = distance(before, h), planeBehind = distance(o, behind);
-        EXPECT_EQ(setPDBPhiPsi(&pdb, resID, "A", "", -120.0f, 140.0f), 3);
+        EXPECT_EQ(setPDBPhiPsi(pdb, resID, "A", "", -120.0f, 140.0f), 3);
         float phi = 0.0f, psi = 0.0f;
-        getPDBPhiPsi(&pdb, resID, "A", "", phi, psi);
+        getPDBPhiPsi(pdb, resID, "A", "", phi, psi);
         EXPECT_NEAR(phi, -120.0f, 0.01f);
         EXPECT_NEAR(psi, 140.0f, 0.01f);
         EXPECT_NEAR(distance(ca, c), bond, 1e-4f);
         EXPECT_NEAR(distance(before, h), planeBefore, 1e-4f);
         EXPECT_NEAR(distance(o, behind), planeBehind, 1e-4f);
-        EXPECT_EQ(distance(pdb.atomList[0], first) > 0.1f, resID == 10);
-        EXPECT_EQ(distance(pdb.atomList[1230], last) > 0.1f, resID == 60);
+        EXPECT_EQ(distance(pdb.coords[0], first) > 0.1f, resID == 10);
+        EXPECT_EQ(distance(pdb.coords[1230], last) > 0.1f, resID == 60);
     }
 }
 
@@ -115,31 +118,32 @@ TEST(Rotate, TurnsBringAnAxisWhereItsAnglesSay)
     // phi and theta of a direction, as polar angles, turn it onto z.
     const double phi = 35.0, theta = 70.0;
     const double degree = 3.14159265 / 180.0;
-    PDBInfo pdb = readUbiquitin();
-    AtomInfo &atom = pdb.atomList[0];
+    Standing pdb = {readUbiquitin()};
+    Coord3D &atom = pdb.coords[0];
     atom.x = static_cast<float>(std::sin(theta * degree) * std::cos(phi * degree));
     atom.y = static_cast<float>(std::sin(theta * degree) * std::sin(phi * degree));
     atom.z = static_cast<float>(std::cos(theta * degree));
-    const float untouched = pdb.atomList[1230].x;
-    rotateDomain({phi, theta, 20.0}, &pdb, 1, 10);
+    const float untouched = pdb.coords[1230].x;
+    rotateDomain({phi, theta, 20.0}, pdb, 1, 10);
     EXPECT_NEAR(atom.x, 0.0f, 1e-6f);
     EXPECT_NEAR(atom.y, 0.0f, 1e-6f);
     EXPECT_NEAR(atom.z, 1.0f, 1e-6f);
-    EXPECT_EQ(pdb.atomList[1230].x, untouched);
-    rotateDomain({-20.0, -theta, -phi}, &pdb, 1, 10); // and back
+    EXPECT_EQ(pdb.coords[1230].x, untouched);
+    rotateDomain({-20.0, -theta, -phi}, pdb, 1, 10); // and back
     EXPECT_NEAR(atom.z, static_cast<float>(std::cos(theta * degree)), 1e-6f);
 }
 
 TEST(Rotate, ShiftNeedsAtoms)
 {
-    PDBInfo pdb = readUbiquitin();
-    EXPECT_EQ(shiftMol2Domain(&pdb, 1, 76), 0);
+    Standing pdb = {readUbiquitin()};
+    Heard heard;
+    EXPECT_EQ(shiftMol2Domain(pdb, 1, 76, heard.messages), Status::ok);
     double sum = 0.0;
-    for (const AtomInfo &atom : pdb.atoms())
-        sum += static_cast<double>(atom.x);
+    for (const Coord3D &at : pdb.coords)
+        sum += static_cast<double>(at.x);
     EXPECT_NEAR(sum / 1231, 0.0, 1e-5);
-    EXPECT_EQ(said([&] { EXPECT_EQ(shiftMol2Domain(&pdb, 100, 200), 1); }).err,
-              "Error in positionDomain: zero atoms selected.");
+    EXPECT_EQ(shiftMol2Domain(pdb, 100, 200, heard.messages), Status::failed);
+    EXPECT_EQ(heard.err, "Error in positionDomain: zero atoms selected.");
 }
 
 } // namespace

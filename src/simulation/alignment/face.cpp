@@ -56,27 +56,26 @@ struct FaceJob {
     const FaceInput &input;
     Potential &potential;
     Messages &messages;
+    std::vector<Coord3D> coords = copyOfCoordinates(input.pdbInfo); ///< of the turned molecule
     SelectionBuffers buffers = {};
+
+    [[nodiscard]] Conformation molecule() { return {input.pdbInfo, coords}; }
 };
 
 /// The whole molecule into the frame of the tensor.
-Status turnIntoFrame(const EulerLists &euler, const FaceJob &job)
+void turnIntoFrame(const EulerLists &euler, FaceJob &job)
 {
-    PDBInfo *pdbInfo = job.input.pdbInfo;
-    if (rotateDomain({-euler.gamma[0], -euler.beta[0], -euler.alpha[0]}, pdbInfo, pdbInfo->minResID,
-                     pdbInfo->maxResID) != 0)
-        return job.messages.fail("trelm: error in rotateDomain.");
-    return Status::ok;
+    job.coords = copyOfCoordinates(job.input.pdbInfo);
+    rotateMolecule({-euler.gamma[0], -euler.beta[0], -euler.alpha[0]}, job.molecule());
 }
 
 /// The other face to the particle.
-Status flip(const FaceJob &job)
+Status flip(FaceJob &job)
 {
-    PDBInfo *pdbInfo = job.input.pdbInfo;
-    if (shiftMol2Domain(pdbInfo, pdbInfo->minResID, pdbInfo->maxResID) != 0)
+    const PDBInfo &pdbInfo = job.input.pdbInfo;
+    if (shiftMol2Domain(job.molecule(), pdbInfo.minResID, pdbInfo.maxResID, job.messages) != Status::ok)
         return job.messages.fail("trelm: error in shiftMol2Domain.\n");
-    if (rotateDomain({0.0, 180.0, 0.0}, pdbInfo, pdbInfo->minResID, pdbInfo->maxResID) != 0)
-        return job.messages.fail("trelm: error in rotateDomain.");
+    rotateMolecule({0.0, 180.0, 0.0}, job.molecule());
     return Status::ok;
 }
 
@@ -85,8 +84,8 @@ Status weighFace(FaceJob &job, double &prob)
 {
     const FaceInput &input = job.input;
     Chosen chosen;
-    if (selectSolute({*input.pdbInfo, input.selection}, input.options, input.charges, job.buffers, chosen,
-                     job.messages) != Status::ok)
+    if (selectSolute({input.pdbInfo, input.selection, job.coords}, input.options, input.charges, job.buffers,
+                     chosen, job.messages) != Status::ok)
         return job.messages.fail("trelm: error reading selection of atoms.\n");
     if (chosen.atoms.x.empty()) // without atoms there is no face
         return job.messages.fail("trelm: error determining interaction face.\n");
@@ -108,14 +107,16 @@ Status weighBothFaces(FaceJob &job, FaceWeights &weights)
     return Status::ok;
 }
 
-Status writeFace(const EulerLists &euler, const FaceJob &job, const FaceOutput &output, bool isFlipped)
+Status writeFace(const EulerLists &euler, FaceJob &job, const FaceOutput &output, bool isFlipped)
 {
-    if (turnIntoFrame(euler, job) != Status::ok || (isFlipped && flip(job) != Status::ok))
+    turnIntoFrame(euler, job);
+    if (isFlipped && flip(job) != Status::ok)
         return Status::failed;
-    labelCharges(job.input.pdbInfo, job.input.charges);
-    const bool isWritten =
-        output.outName.empty() || writePDB(output.outName, job.input.pdbInfo, nullptr, output.remark) == 0;
-    return isWritten ? Status::ok : Status::failed;
+    const PDBInfo &pdbInfo = job.input.pdbInfo;
+    const std::vector<AtomLabel> labels = labelCharges(pdbInfo, job.input.charges);
+    return output.outName.empty() ? Status::ok
+                                  : writePDB(output.outName, {pdbInfo, nullptr, output.remark, labels},
+                                             job.coords, job.messages);
 }
 
 } // namespace
@@ -152,21 +153,14 @@ void iFace(const AlignmentOptions &options, const CoordinateBuffers &atoms, cons
 Status iFacePDB(const EulerLists &euler, const FaceInput &input, Potential &potential,
                 const FaceOutput &output)
 {
-    PDBInfo *pdbInfo = input.pdbInfo;
     FaceJob job = {input, potential, output.messages};
-    if (makeSelectionBuffers("iFacePDB", *pdbInfo, job.buffers, job.messages) != Status::ok)
+    if (makeSelectionBuffers("iFacePDB", input.pdbInfo, job.buffers, job.messages) != Status::ok)
         return Status::failed;
-    storePDBCoords(pdbInfo);
     FaceWeights weights;
-    Status status = turnIntoFrame(euler, job);
-    if (status == Status::ok)
-        status = weighBothFaces(job, weights);
-    restorePDBCoords(pdbInfo);
-    if (status != Status::ok)
-        return status;
-    status = writeFace(euler, job, output, weights.initial > weights.rotated);
-    restorePDBCoords(pdbInfo);
-    return status;
+    turnIntoFrame(euler, job);
+    if (weighBothFaces(job, weights) != Status::ok)
+        return Status::failed;
+    return writeFace(euler, job, output, weights.initial > weights.rotated);
 }
 
 } // namespace trelm

@@ -27,7 +27,7 @@ struct FaceWeights {
 
 /// A molecule and what weighs it.
 struct FaceInput {
-    PDBInfo *pdbInfo;
+    const PDBInfo &pdbInfo;
     const AtomMask &selection; ///< the atoms that can touch
     const AlignmentOptions &options;
     const ChargeSet &charges; ///< by their atoms in the molecule
@@ -41,8 +41,7 @@ struct FaceOutput {
 };
 
 /// Turns the molecule into the first frame of `euler`, weighs it as it is and flipped by 180 degrees, prints
-/// both weights, and writes the one of lower weight with its charges marked. The coordinates are
-/// as before at the end. Fails after a message.
+/// both weights, and writes the one of lower weight with its charges marked. Fails after a message.
 Status iFacePDB(const EulerLists &euler, const FaceInput &input, Potential &potential,
                 const FaceOutput &output);
 

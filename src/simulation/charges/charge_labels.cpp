@@ -10,15 +10,15 @@ const char *chargeLabel(float charge)
     return charge > -limit ? "1-" : "0+";
 }
 
-void labelCharges(PDBInfo *pdbInfo, const ChargeSet &charges)
+std::vector<AtomLabel> labelCharges(const PDBInfo &pdbInfo, const ChargeSet &charges)
 {
-    for (AtomInfo &atom : pdbInfo->atoms())
-        atom.tempFactor = 0.0f;
-    for (std::size_t i = 0; i < static_cast<std::size_t>(charges.chCount); ++i) {
-        AtomInfo &atom = pdbInfo->atomList[static_cast<std::size_t>(charges.chargeAtomID[i])];
-        atom.tempFactor = charges.charges[i];
-        atom.chargeStr = Name::of(chargeLabel(charges.charges[i]));
-    }
+    std::vector<AtomLabel> labels;
+    for (const AtomInfo &atom : pdbInfo.atoms())
+        labels.push_back({0.0f, atom.chargeStr});
+    for (std::size_t i = 0; i < static_cast<std::size_t>(charges.chCount); ++i)
+        labels[static_cast<std::size_t>(charges.chargeAtomID[i])] = {
+            charges.charges[i], Name::of(chargeLabel(charges.charges[i]))};
+    return labels;
 }
 
 } // namespace trelm

@@ -133,16 +133,19 @@ Status generateStates(const DomainOptions &options, Monitors &monitors, Ensemble
 
 /// All that the states share.
 struct EnsembleRun {
-    PDBInfo *pdbInfo;
-    DTable *dTab;
+    const PDBInfo &pdbInfo;
+    DTable &dTab;
     const EnsembleSetup &setup;
     EnsembleResult &result;
-    Block<float> dcAve; ///< sum of the calculated couplings, Hz
+    std::vector<Coord3D> coords; ///< of the state at work
+    Block<float> dcAve;          ///< sum of the calculated couplings, Hz
     SelectionBuffers buffers;
     std::vector<std::size_t> indI, indJ; ///< exposed backbone of domain 1 and of the rest
     OutFile log;
     Potential none; ///< an ensemble has no table of a rod
     double R = 0.0; ///< of the last state that has one
+
+    [[nodiscard]] Conformation molecule() { return {pdbInfo, coords}; }
 };
 
 /// One state at work.
@@ -164,20 +167,25 @@ Status startEnsemble(EnsembleRun &run)
     Messages &messages = run.setup.simulation.messages;
     run.result = {};
     constexpr const char *tag = "ensembleAlignment";
-    run.dcAve = Block<float>(tag, static_cast<std::size_t>(run.dTab->dCount) + 1);
+    run.dcAve = Block<float>(tag, static_cast<std::size_t>(run.dTab.dCount) + 1);
     if (!run.dcAve)
         return messages.fail("Error allocating coord buffers.\n");
-    if (makeSelectionBuffers(tag, *run.pdbInfo, run.buffers, messages) != Status::ok)
+    if (makeSelectionBuffers(tag, run.pdbInfo, run.buffers, messages) != Status::ok)
         return Status::failed;
     if (openOut(run.log, run.setup.outName, "w") != Status::ok)
         return messages.fail("TRELM Error opening log file for grid search %s\n", run.setup.outName.c_str());
-    if (storePDBCoords(run.pdbInfo) != 0)
-        return messages.fail("matrix: error in storePDBCoords.\n");
     const DomainOptions &options = run.setup.domains;
-    if (selectSurfDom(*run.pdbInfo, options.startResDom1, options.endResDom1, run.indI, run.indJ, messages) !=
-        Status::ok)
+    if (selectSurfDom(run.molecule(), options.startResDom1, options.endResDom1, run.indI, run.indJ,
+                      messages) != Status::ok)
         return messages.fail("ensembleAlignment: error in chkDomClash.\n");
     return Status::ok;
+}
+
+/// The molecule as it stands into a file of the current folder.
+Status writeState(const EnsembleRun &run, const char *name)
+{
+    const EnsembleSetup &setup = run.setup;
+    return writePDB(name, {run.pdbInfo, setup.sInfo, setup.remark}, run.coords, setup.simulation.messages);
 }
 
 /// Turns domain 1 and shows the molecule.
@@ -186,11 +194,9 @@ Status turnState(EnsembleRun &run, StateAtWork &state)
     Messages &messages = run.setup.simulation.messages;
     const DomainOptions &options = run.setup.domains;
     const auto &[alpha, beta, gamma] = state.angles;
-    if (restorePDBCoords(run.pdbInfo) != 0)
-        return messages.fail("matrix: error in storePDBCoords.\n");
-    if (rotateDomain({alpha, beta, gamma}, run.pdbInfo, options.startResDom1, options.endResDom1) != 0)
-        return messages.fail("trelm: error in rotateDomain.\n");
-    if (writePDB("rot.pdb", run.pdbInfo, run.setup.sInfo, run.setup.remark) != 0)
+    std::ranges::copy(run.setup.start, run.coords.begin());
+    rotateDomain({alpha, beta, gamma}, run.molecule(), options.startResDom1, options.endResDom1);
+    if (writeState(run, "rot.pdb") != Status::ok)
         return Status::failed;
     std::string text;
     appendf(text, "[%d]  domain rotation angle [deg.]:  %e  %e  %e\n", state.id, alpha, beta, gamma);
@@ -206,19 +212,17 @@ Status placeState(EnsembleRun &run, const StateAtWork &state)
 {
     Messages &messages = run.setup.simulation.messages;
     const DomainOptions &options = run.setup.domains;
-    PDBInfo *pdbInfo = run.pdbInfo;
     const auto &[alpha, beta, gamma] = state.angles;
-    if (options.fixRotDomain != 0 &&
-        rotateDomain({-gamma, -beta, -alpha}, pdbInfo, pdbInfo->minResID, pdbInfo->maxResID) != 0)
-        return messages.fail("trelm: error in rotateDomain.\n");
-    if (options.pivotCenter == 0 && shiftMol2Domain(pdbInfo, options.startResDom2, options.endResDom2) != 0)
+    if (options.fixRotDomain != 0)
+        rotateMolecule({-gamma, -beta, -alpha}, run.molecule());
+    if (options.pivotCenter == 0 &&
+        shiftMol2Domain(run.molecule(), options.startResDom2, options.endResDom2, messages) != Status::ok)
         return messages.fail("matrix: error in shiftMol2Domain.\n");
     if (options.outEflag != outStates)
         return Status::ok;
     const Axis v = rotate_vector(radians(beta), radians(alpha), radians(gamma), unitZ);
     messages.out("REMARK X Y Z  %.3f %.3f %.3f\n", v[0], v[1], v[2]);
-    return writePDB("rotEns.pdb", pdbInfo, run.setup.sInfo, run.setup.remark) == 0 ? Status::ok
-                                                                                   : Status::failed;
+    return writeState(run, "rotEns.pdb");
 }
 
 /// Whether the state goes no further: its domains clash, or only a list was asked for.
@@ -227,7 +231,7 @@ bool endsHere(EnsembleRun &run, const StateAtWork &state)
     Messages &messages = run.setup.simulation.messages;
     const DomainOptions &options = run.setup.domains;
     if (options.clashFlag != 0 &&
-        chkClashDom(*run.pdbInfo, options.clashDist, run.indI, run.indJ, messages)) {
+        chkClashDom(run.molecule(), options.clashDist, run.indI, run.indJ, messages)) {
         messages.out("REMARK steric clash of domains in state %d.\n", state.id);
         return true;
     }
@@ -243,9 +247,9 @@ Status logPartAngles(EnsembleRun &run)
     Messages &messages = run.setup.simulation.messages;
     const DomainOptions &options = run.setup.domains;
     Matrix3d tensor1, tensor2;
-    if (calcInertiaSel(*run.pdbInfo, options.startResPart1, options.endResPart1, tensor1, messages) !=
+    if (calcInertiaSel(run.molecule(), options.startResPart1, options.endResPart1, tensor1, messages) !=
             Status::ok ||
-        calcInertiaSel(*run.pdbInfo, options.startResPart2, options.endResPart2, tensor2, messages) !=
+        calcInertiaSel(run.molecule(), options.startResPart2, options.endResPart2, tensor2, messages) !=
             Status::ok)
         return messages.fail("matrix: error in calcInertiaSel.");
     TensorAnalysis analysis1, analysis2;
@@ -265,8 +269,8 @@ Status simulateState(EnsembleRun &run, StateAtWork &state)
 {
     Messages &messages = run.setup.simulation.messages;
     Chosen chosen;
-    if (selectSolute({*run.pdbInfo, run.setup.selection}, run.setup.simulation.options, run.setup.charges,
-                     run.buffers, chosen, messages) != Status::ok)
+    if (selectSolute({run.pdbInfo, run.setup.selection, run.coords}, run.setup.simulation.options,
+                     run.setup.charges, run.buffers, chosen, messages) != Status::ok)
         return messages.fail("Matrix: Error reading selection of atoms.\n");
     if (chosen.dipole)
         reportDipole(*chosen.dipole, messages);
@@ -282,7 +286,7 @@ Status simulateState(EnsembleRun &run, StateAtWork &state)
 /// Adds the state to the averages, with its couplings calculated back.
 Status addState(EnsembleRun &run, StateAtWork &state)
 {
-    DTensor &tensor = run.dTab->dTensor;
+    DTensor &tensor = run.dTab.dTensor;
     tensor.tensorMode = tensorGiven;
     for (std::size_t k = 0; k < state.saupe.size(); ++k) {
         // What survives beside the obstacle averages to the opposite sign.
@@ -290,11 +294,11 @@ Status addState(EnsembleRun &run, StateAtWork &state)
         run.result.saupe[k] += state.saupe[k];
         tensor.saupe[k] = tensor.userSaupe[k] = static_cast<float>(state.saupe[k]);
     }
-    if (!fitD(run.pdbInfo, *run.dTab, run.setup.verbose, run.setup.simulation.messages))
+    if (!fitD(run.coords, run.dTab, run.setup.verbose, run.setup.simulation.messages))
         return Status::failed;
-    for (std::size_t i = 0; i < run.dTab->calculated().size(); ++i)
-        if (isInUse(run.dTab->dCalcList[i]))
-            run.dcAve[i] += run.dTab->dCalcList[i].d;
+    for (std::size_t i = 0; i < run.dTab.calculated().size(); ++i)
+        if (isInUse(run.dTab.dCalcList[i]))
+            run.dcAve[i] += run.dTab.dCalcList[i].d;
     return Status::ok;
 }
 
@@ -312,7 +316,7 @@ Status reportState(EnsembleRun &run, const StateAtWork &state)
     appendf(text, "Euler angles (alpha/beta/gamma) [deg.]: %7.2f  %7.2f  %7.2f  \n", analysis.euler.alpha[0],
             analysis.euler.beta[0], analysis.euler.gamma[0]);
     writeOut(run.log, text);
-    return run.setup.takeCouplings(*run.dTab, state.remark);
+    return run.setup.takeCouplings(run.dTab, state.remark);
 }
 
 Status runState(EnsembleRun &run, StateAtWork &state)
@@ -341,12 +345,10 @@ Status finishEnsemble(EnsembleRun &run)
         return messages.fail("matrix: zero number of ensemble states.\n");
     for (double &element : run.result.saupe)
         element /= states;
-    const auto rows = run.dTab->calculated();
+    const auto rows = run.dTab.calculated();
     for (std::size_t i = 0; i < rows.size(); ++i)
         run.result.couplings.push_back(isInUse(rows[i]) ? static_cast<float>(number(run.dcAve[i]) / states)
                                                         : rows[i].d);
-    if (restorePDBCoords(run.pdbInfo) != 0)
-        return messages.fail("matrix: error in storePDBCoords.\n");
     return closeOut(run.log, run.setup.simulation.messages);
 }
 
@@ -399,12 +401,14 @@ Status setupEnsemble(const DomainOptions &options, const EnsembleFiles &files, E
     return Status::ok;
 }
 
-Status ensembleAlignment(PDBInfo *pdbInfo, DTable *dTab, const EnsembleSetup &setup, EnsembleResult &result)
+Status ensembleAlignment(const PDBInfo &pdbInfo, DTable &dTab, const EnsembleSetup &setup,
+                         EnsembleResult &result)
 {
     EnsembleRun run = {.pdbInfo = pdbInfo,
                        .dTab = dTab,
                        .setup = setup,
                        .result = result,
+                       .coords = {setup.start.begin(), setup.start.end()},
                        .dcAve = {},
                        .buffers = {},
                        .indI = {},

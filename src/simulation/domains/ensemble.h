@@ -63,7 +63,8 @@ using TakeCouplings = std::function<Status(DTable &dTab, std::string_view remark
 struct EnsembleSetup {
     AlignmentSetup simulation;
     const DomainOptions &domains;
-    const AtomMask &selection; ///< atoms to simulate
+    const AtomMask &selection;      ///< atoms to simulate
+    std::span<const Coord3D> start; ///< where the atoms stand before domain 1 is turned
     std::span<const EnsembleState> states;
     ChargeSet charges;                    ///< as placed; every state works on a copy
     const PDBSelectInfo *sInfo = nullptr; ///< atoms of the PDB files
@@ -82,13 +83,13 @@ struct EnsembleResult {
     int states = 0;               ///< that were averaged
 };
 
-/// Simulates each state from the coordinates that the molecule comes with, to which it returns at the end.
-/// States whose domains clash count in the averages with nothing. The couplings are summed in single
-/// precision; tensor and calculated rows of dTab are those of the last state. Beside a rod there is no
-/// potential table, and charges feel nothing. A state without Da logs the R of the state before it. Writes
-/// "rot.pdb" in the current folder, and with outEflag 3, which lists the states without simulating them,
-/// "rotEns.pdb". Fails after a message; the coordinates stay as they are then.
-Status ensembleAlignment(PDBInfo *pdbInfo, DTable *dTab, const EnsembleSetup &setup, EnsembleResult &result);
+/// Simulates each state. States whose domains clash count in the averages with nothing. The couplings are
+/// summed in single precision; tensor and calculated rows of dTab are those of the last state. Beside a rod
+/// there is no potential table, and charges feel nothing. A state without Da logs the R of the state before
+/// it. Writes "rot.pdb" in the current folder, and with outEflag 3, which lists the states without simulating
+/// them, "rotEns.pdb". Fails after a message.
+Status ensembleAlignment(const PDBInfo &pdbInfo, DTable &dTab, const EnsembleSetup &setup,
+                         EnsembleResult &result);
 
 /// The simulation of one state as it stands. `saupe`: in the sense of the surviving orientations. Fails after
 /// a message.

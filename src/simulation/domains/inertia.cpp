@@ -28,10 +28,9 @@ Matrix3d secondMoments(std::span<const Axis> points)
 Status calcInertia(const SelectedAtoms &selected, Matrix3d &inertiaTensor, Messages &messages)
 {
     std::vector<Axis> points;
-    for (const AtomInfo &atom : selected.pdbInfo.atoms())
-        if (selected.has(selected.pdbInfo.placeOf(atom)))
-            points.push_back(
-                {static_cast<double>(atom.x), static_cast<double>(atom.y), static_cast<double>(atom.z)});
+    for (std::size_t i = 0; i < selected.mask.size(); ++i)
+        if (selected.has(i))
+            points.push_back(toAxis(selected.coords[i]));
     if (points.empty())
         return messages.fail("WARNING: Zero atoms for inertia tensor selected.");
     inertiaTensor = secondMoments(points);

@@ -66,19 +66,19 @@ void storePlace(const CoordinateBuffers &atoms, std::size_t place, double x, dou
     atoms.z[place] = z;
 }
 
-/// The atom at the place, as double.
-void storeAtom(const CoordinateBuffers &atoms, std::size_t place, const AtomInfo &atom)
+/// An atom at the place, as double.
+void storeAtom(const CoordinateBuffers &atoms, std::size_t place, const Coord3D &at)
 {
-    storePlace(atoms, place, static_cast<double>(atom.x), static_cast<double>(atom.y),
-               static_cast<double>(atom.z));
+    storePlace(atoms, place, static_cast<double>(at.x), static_cast<double>(at.y), static_cast<double>(at.z));
 }
 
 /// Puts the charges' coordinates first, and renumbers the charges to match. A dipole replaces them by two.
-Dipole putCharges(const PDBInfo &pdbInfo, bool asDipole, const CoordinateBuffers &atoms, ChargeSet &charges)
+Dipole putCharges(std::span<const Coord3D> coords, bool asDipole, const CoordinateBuffers &atoms,
+                  ChargeSet &charges)
 {
     const auto count = static_cast<std::size_t>(charges.chCount);
     for (std::size_t i = 0; i < count; ++i) {
-        storeAtom(atoms, i, pdbInfo.atomList[static_cast<std::size_t>(charges.chargeAtomID[i])]);
+        storeAtom(atoms, i, coords[static_cast<std::size_t>(charges.chargeAtomID[i])]);
         charges.chargeAtomID[i] = static_cast<int>(i);
     }
     const Dipole dipole = dipoleMoment(
@@ -104,11 +104,12 @@ Status findExposed(const SelectedAtoms &selected, std::vector<bool> &isExposed, 
     Spheres spheres("callNSC", atoms.size());
     if (!spheres.co || !spheres.radius)
         return messages.fail("callNSC: Error allocating coord buffers.\n");
-    for (std::size_t i = 0; i < atoms.size(); ++i)
+    for (std::size_t i = 0; i < atoms.size(); ++i) {
+        const Coord3D &at = selected.coords[i];
         if (selected.has(i))
-            spheres.append(static_cast<double>(atoms[i].x), static_cast<double>(atoms[i].y),
-                           static_cast<double>(atoms[i].z),
+            spheres.append(static_cast<double>(at.x), static_cast<double>(at.y), static_cast<double>(at.z),
                            static_cast<double>(atomRadius(atoms[i])) + probeRadius);
+    }
     return findExposedSpheres(spheres, isExposed, messages);
 }
 
@@ -149,7 +150,7 @@ Status chCoorSelect(const SelectedAtoms &molecule, const SoluteOptions &options,
     if (options.surfFlag != 0 && callNSC(molecule, selected.atoms, messages) != Status::ok)
         return messages.fail("Error reading selection of atoms.\n");
     if (options.elFlag != 0)
-        selected.dipole = putCharges(molecule.pdbInfo, options.dipoleFlag != 0, atoms, charges);
+        selected.dipole = putCharges(molecule.coords, options.dipoleFlag != 0, atoms, charges);
     else
         charges.chCount = 0; // a steric simulation sees none of them
     selected.places = static_cast<std::size_t>(charges.chCount);
@@ -157,7 +158,7 @@ Status chCoorSelect(const SelectedAtoms &molecule, const SoluteOptions &options,
         return Status::ok; // charges only
     for (std::size_t i = 0; i < selected.atoms.size(); ++i)
         if (selected.atoms[i] != 0)
-            storeAtom(atoms, selected.places++, molecule.pdbInfo.atomList[i]);
+            storeAtom(atoms, selected.places++, molecule.coords[i]);
     return Status::ok;
 }
 

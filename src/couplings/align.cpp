@@ -176,11 +176,12 @@ bool calculateRow(AlignRun &run, std::size_t row)
     if (run.input.columns.use[row] == 0)
         return false;
     const float factor = calc.atomICount * calc.atomJCount == 3 ? methylFactor : 1.0f;
+    const float size = factor * std::fabs(calc.di), da = run.tensor.da, dr = run.tensor.dr;
+    const Coord3D *const turned = run.turned().data();
+    const std::size_t *const slots = run.work.slots.data();
     float sum = 0.0f;
     const int pairs = forEachPair(calc, [&](std::size_t atomI, std::size_t atomJ) {
-        sum += factor * std::fabs(calc.di) *
-               pairTerm(run.turned()[run.work.slots[atomI]], run.turned()[run.work.slots[atomJ]],
-                        run.tensor.da, run.tensor.dr);
+        sum += size * pairTerm(turned[slots[atomI]], turned[slots[atomJ]], da, dr);
     });
     if (pairs > 0)
         run.result.calculated[row] = sum;

@@ -46,7 +46,7 @@ void printoutput(const Descent &descent)
 {
     if (descent.nodes == 0)
         return;
-    descent.messages.err("REMARK Sampled %s\r", countText(descent.settled).c_str());
+    descent.messages.note("REMARK Sampled %s\r", countText(descent.settled).c_str());
 }
 
 /// Candidates below a node: free rows of each range for the open peaks of it.
@@ -272,7 +272,7 @@ AssignmentResult searchSpace(const SearchSpace &space, Messages &messages)
     const InterruptGuard guard;
     searchFrom(descent);
     printoutput(descent);
-    messages.err("\n");
+    messages.note("\n");
     AssignmentResult result = unassigned(space.problem);
     result.isProved = !InterruptGuard::isInterrupted();
     result.pSumDMin = descent.best.score;
@@ -304,7 +304,7 @@ Status findClasses(std::span<const int> idCutList, std::vector<RowSpan> &rows, M
         const std::size_t items = size, first = rows.size();
         if (checkItems(items, messages) != Status::ok)
             return Status::failed;
-        messages.err("REMARK Sampled %s\r\n", countText(arrangements(items, items)).c_str());
+        messages.note("REMARK Sampled %s\r\n", countText(arrangements(items, items)).c_str());
         rows.insert(rows.end(), items, {first, first + items});
     }
     return Status::ok;

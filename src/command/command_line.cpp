@@ -27,15 +27,6 @@ bool isBlank(const char *arg)
     return arg != nullptr && std::ranges::all_of(std::string_view(arg), isSpace);
 }
 
-void appendHint(std::string &text, const char *arg, FlagHint hint)
-{
-    if (hint == nullptr || !isFlag(arg))
-        return;
-    const std::string meant(hint(arg));
-    if (!meant.empty())
-        appendf(text, "  %s: did you mean %s?\n", arg, meant.c_str());
-}
-
 /// The nearest value within -limit..limit; 0 for a NaN.
 double bounded(double value, double limit)
 {
@@ -180,6 +171,15 @@ Block<float> CommandLine::numbersOf(std::string_view flag, int &length)
     return list;
 }
 
+std::vector<const char *> CommandLine::unusedFlags() const
+{
+    std::vector<const char *> flags;
+    for (int i = 1; i < std::min(argc, maxArgs); ++i)
+        if (!isUsed(i) && isFlag(argv[i]))
+            flags.push_back(argv[i]);
+    return flags;
+}
+
 void CommandLine::listWords() const
 {
     messages.err("Debug Info from %s. Original Checksum: %d Final Checksum: %d.\n", progName(), checksum,
@@ -192,7 +192,7 @@ void CommandLine::listWords() const
     }
 }
 
-void CommandLine::reportRun(int first, int last, FlagHint hint) const
+void CommandLine::reportRun(int first, int last) const
 {
     std::string text;
     appendf(text, "Warning from %s:\n", progName());
@@ -204,12 +204,10 @@ void CommandLine::reportRun(int first, int last, FlagHint hint) const
     for (int i = first; i <= last; ++i)
         appendf(text, " %s", argv[i] != nullptr ? argv[i] : "(None)");
     text += " '\n";
-    for (int i = first; i <= last; ++i)
-        appendHint(text, argv[i], hint);
     messages.text(Messages::Stream::err, text);
 }
 
-void CommandLine::reportUnused(FlagHint hint)
+void CommandLine::reportUnused()
 {
     if (mode == ArgumentCheck::none || argc <= 1)
         return;
@@ -228,7 +226,7 @@ void CommandLine::reportUnused(FlagHint hint)
         const int first = i;
         while (!flagsAlone && i + 1 < end && !isUsed(i + 1))
             ++i;
-        reportRun(first, i, hint);
+        reportRun(first, i);
     }
 }
 

@@ -21,9 +21,6 @@ enum class ArgumentCheck { none, flags, all, debug };
 /// What NMRCHECK asks for: unset none, "FLAGS", "DEBUG", anything else all.
 ArgumentCheck checkOfEnvironment();
 
-/// The option that an unknown flag probably meant; empty if there is no hint to give.
-using FlagHint = std::string_view (*)(std::string_view word);
-
 /// The words of a run, with a map of those that were used.
 class CommandLine {
   public:
@@ -64,8 +61,11 @@ class CommandLine {
     /// One line that an option has no value.
     void warnNoValue(std::string_view flag);
 
-    /// Reports the words that nobody used, if checking is on, each warning with the hints on its flags.
-    void reportUnused(FlagHint hint);
+    /// The flags that nobody used; whoever read a word as a value has used it.
+    [[nodiscard]] std::vector<const char *> unusedFlags() const;
+
+    /// Reports the words that nobody used, if checking is on.
+    void reportUnused();
 
   private:
     /// Words with an entry in the map; those behind are used, but not checked.
@@ -78,7 +78,7 @@ class CommandLine {
     [[nodiscard]] bool isUsed(int n) const { return used[static_cast<std::size_t>(n)]; }
     void markUsed(int n);
     void listWords() const;
-    void reportRun(int first, int last, FlagHint hint) const;
+    void reportRun(int first, int last) const;
 
     int argc;
     char **argv;

@@ -1,5 +1,5 @@
+#include "command/mode_help.h"
 #include "command/run.h"
-#include "command/version.h"
 #include "ground/out_of_memory.h"
 
 #include <cstdio>
@@ -10,12 +10,12 @@
 int main(int argc, char **argv)
 {
     using trelm::Status;
-    trelm::Messages &messages = trelm::standardMessages();
-    if (trelm::asksVersion(argc, argv))
-        return static_cast<int>(trelm::printVersion(messages));
+    trelm::Messages &messages = trelm::messagesOf(argc, argv);
     trelm::Run run;
     Status status = Status::failed;
     try {
+        if (const auto answer = trelm::answerWithoutRun(argc, argv, messages); answer)
+            return static_cast<int>(*answer);
         status = trelm::startRun(run, messages);
         if (status == Status::ok)
             status = trelm::readOptions(argc, argv, run, messages);

@@ -82,6 +82,14 @@ constexpr OptionRow fitKindRows[] = {
     {"-incAdjustMc", &TrelmInfo::incSigma},
 };
 
+constexpr OptionRow inputRows[] = {
+    {"-names", &RunOptions::names},
+    {"-model", &RunOptions::model},
+    {"-addH", &RunOptions::buildsHydrogens, 1},
+    {"-strict", &RunOptions::isStrict, 1},
+    {"-quiet", &RunOptions::isQuiet, 1},
+};
+
 constexpr OptionRow reportRows[] = {
     {"-verb", &TrelmInfo::verbFlag, 1},
     {"-noverb", &TrelmInfo::verbFlag, 0},
@@ -360,6 +368,17 @@ void readDebugLevel(CommandLine &line, RunOptions &options)
         line.warnInt("-dbg", word);
 }
 
+/// The value of -addH, which may be missing.
+void readHydrogenDistance(CommandLine &line, RunOptions &options)
+{
+    const int loc = line.flagLoc("-addH");
+    if (loc == 0 || line.nextFlag(loc) == loc + 1)
+        return;
+    const char *word = line.word(loc + 1);
+    line.warnFloat("-addH", word);
+    options.hydrogenDistance = fltWord(word);
+}
+
 void readEnvironment(RunOptions &options)
 {
     const std::pair<const char *, std::string RunOptions::*> variables[] = {
@@ -536,7 +555,7 @@ Status readValues(CommandLine &line, std::string_view flag, std::string_view nam
 
 std::vector<std::span<const OptionRow>> optionTables()
 {
-    std::vector<std::span<const OptionRow>> tables = {modeFlagRows, fitKindRows};
+    std::vector<std::span<const OptionRow>> tables = {inputRows, modeFlagRows, fitKindRows};
     for (const auto &more : {selectionTables(), tensorTables()})
         tables.insert(tables.end(), more.begin(), more.end());
     for (const std::span<const OptionRow> table :
@@ -560,6 +579,8 @@ Status getparams(CommandLine &line, RunOptions &options, TrelmInfo &trelmInfo, D
         printInfo(line.messages);
         return Status::failed;
     }
+    readRows(line, inputRows, records);
+    readHydrogenDistance(line, options);
     readRows(line, modeFlagRows, records);
     readRows(line, fitKindRows, records);
     options.fitFlag = line.has("-pdb") ? 1 : 0;

@@ -5,6 +5,9 @@
 
 namespace trelm {
 
+/// What the run speaks through: with -quiet on its line without remarks and progress.
+Messages &messagesOf(int argc, char **argv);
+
 /// Prints the banner and asks for the records. Fails after a message.
 Status startRun(Run &run, Messages &messages);
 

@@ -206,7 +206,7 @@ void tellState(const AlignRun &run, int n)
         appendf(text, "%.3f", double{t.rh});
     else
         appendf(text, "%.3e", double{t.dr});
-    run.messages.err("%s RMS(%d): %.4f\n", text.c_str(), n, double{run.dRMS});
+    run.messages.note("%s RMS(%d): %.4f\n", text.c_str(), n, double{run.dRMS});
 }
 
 /// The residuals of the couplings in use for the free parameters cg, on the scale of an amide pair. The
@@ -228,7 +228,7 @@ void fitDCTarget(AlignRun &run, std::span<const float> cg, std::span<float> res)
         squares += residual * residual;
         ++n;
         if (run.input.verbose > 2)
-            run.messages.err(" DC %3d % 8.3f % 8.3f % 8.3f\n", n, double{columns.d[i]}, double{calculated},
+            run.messages.note(" DC %3d % 8.3f % 8.3f % 8.3f\n", n, double{columns.d[i]}, double{calculated},
                              double{difference});
     }
     run.dRMS = n > 0 ? std::sqrt(squares / static_cast<float>(n)) : 0.0f;
@@ -274,7 +274,7 @@ Status fitDCAlign(const FitInput &input, FitWork &work, FitResult &result, Messa
     AlignRun run{input, work, result, result.tensor, messages};
     selectAtoms(run);
     if (input.verbose > 1)
-        messages.err("%d Couplings, %zu Atoms Selected.\n", run.dCount, run.atomCount);
+        messages.note("%d Couplings, %zu Atoms Selected.\n", run.dCount, run.atomCount);
     if (run.atomCount == 0 || run.dCount == 0)
         return Status::ok;
     if (gatherCoords(run) != Status::ok)

@@ -147,7 +147,7 @@ Status searchScale(NoiseRun &run)
         if (nextScale(options, kSigma, messages) != Status::ok)
             return Status::failed;
     }
-    messages.err("\n");
+    messages.note("\n");
     messages.out("REMARK DC error bars automatically adjusted by factor of %.1f.\n", number(kSigma));
     return Status::ok;
 }

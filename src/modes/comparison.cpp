@@ -6,7 +6,6 @@
 #include "couplings/table_input.h"
 #include "ground/messages.h"
 #include "report/output.h"
-#include "support/text/file_identity.h"
 #include "support/text/output_file.h"
 
 #include <algorithm>
@@ -66,9 +65,6 @@ Status compare(Run &run, Messages &messages)
 /// Opens the output. The table to convert is never overwritten: it is read after this.
 Status openResult(const RunOptions &options, OutFile &out, Messages &messages)
 {
-    if (isSameFile(options.inDName, options.outDName))
-        return messages.fail("trelm: %s is the table to convert: give the output another name.\n",
-                             options.outDName.c_str());
     if (openOut(out, options.outDName, "w") != Status::ok)
         return messages.fail("TRELM Error opening output file %s\n", options.outDName.c_str());
     return Status::ok;

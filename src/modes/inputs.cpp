@@ -1,14 +1,48 @@
 #include "modes/inputs.h"
 
+#include "couplings/lost_rows.h"
+#include "couplings/name_mapping.h"
 #include "couplings/table_input.h"
+#include "report/modes.h"
 #include "simulation/charges/charges.h"
 #include "simulation/orientations/sphere.h"
+#include "structure/atom_names.h"
+#include "support/numerics/numbers.h"
 #include "support/text/match.h"
+#include "support/text/text.h"
 
 #include <cstdint>
 
 namespace trelm {
 namespace {
+
+/// Fails after a message on a value that is none.
+Status readingOf(const RunOptions &options, StructureReading &reading, Messages &messages)
+{
+    reading.model = toInt(options.model);
+    if (!options.model.empty() && reading.model <= 0)
+        return messages.fail("trelm: -model %s: a model has a number above 0.\n", options.model.c_str());
+    if (!options.names.empty() && options.names != "auto")
+        return messages.fail("trelm: -names %s: auto is the only value.\n", options.names.c_str());
+    if (options.buildsHydrogens == 0)
+        return Status::ok;
+    reading.hydrogens.emplace();
+    reading.hydrogens->nitrogen = number(options.hydrogenDistance);
+    if (!(reading.hydrogens->nitrogen > 0.0))
+        return messages.fail("trelm: -addH %g: a bond has a length above 0.\n", reading.hydrogens->nitrogen);
+    return Status::ok;
+}
+
+/// Structures that are written tell of hydrogens that were never seen.
+void tellBuiltHydrogens(const HydrogenBonds &bonds, RunOptions &options)
+{
+    std::string &text = options.builtRemark;
+    if (options.remark != nullptr)
+        text.append(options.remark).append("\nREMARK ");
+    appendf(text, "Hydrogens of the backbone built where they lacked, N-H %.3f and C-H %.3f angstrom.",
+            bonds.nitrogen, bonds.carbon);
+    options.remark = text.c_str();
+}
 
 Status readStructure(Run &run, Messages &messages)
 {
@@ -16,10 +50,15 @@ Status readStructure(Run &run, Messages &messages)
     if (pdbName.empty())
         return Status::ok;
     PDBInfo &pdbInfo = run.pdbInfo[0];
-    if (readPDB(pdbName, pdbInfo, nullptr, messages) != Status::ok)
+    StructureReading reading;
+    if (readingOf(run.options, reading, messages) != Status::ok)
+        return Status::failed;
+    if (readPDB(pdbName, pdbInfo, nullptr, messages, reading) != Status::ok)
         return messages.fail("Error reading PDB input %s\n", pdbName.c_str());
-    messages.err("%s, %d Atoms, Residues %d to %d.\n", pdbName.c_str(), pdbInfo.atomCount, pdbInfo.minResID,
-                 pdbInfo.maxResID);
+    if (reading.hydrogens)
+        tellBuiltHydrogens(*reading.hydrogens, run.options);
+    messages.note("%s, %d Atoms, Residues %d to %d.\n", pdbName.c_str(), pdbInfo.atomCount, pdbInfo.minResID,
+                  pdbInfo.maxResID);
     return Status::ok;
 }
 
@@ -41,19 +80,60 @@ Status allocateBuffers(Run &run, Messages &messages)
     return Status::ok;
 }
 
+int residueOffset(const DcInfo &dcInfo)
+{
+    return shiftedRes(dcInfo.aFirst, -std::int64_t{dcInfo.segFirst});
+}
+
+/// Without a structure there is nothing to find: that is told elsewhere. And a search of assignments puts
+/// couplings on other residues than those of the table.
+void warnOfLostRows(const Run &run, Messages &messages)
+{
+    const PDBInfo &pdbInfo = run.pdbInfo[0];
+    const int spread = run.trelmInfo[0].spreadMode;
+    if (pdbInfo.atomCount == 0 || spread == spreadRand || spread == spreadExhaust ||
+        spread == spreadExhaustSel)
+        return;
+    const LostRows lost = findLostRows(pdbInfo, run.dTab[0], residueOffset(run.dcInfo[0]));
+    if (!lost.groups.empty())
+        messages.warn("trelm: %s\n", lostRowsText(lost).c_str());
+    if (lost.lacksHydrogens)
+        messages.warn("trelm: the structure has no hydrogens (-addH builds them)\n");
+}
+
+/// Brings the names of the table to those of the structure, or tells what their difference does.
+void matchNames(Run &run, Messages &messages)
+{
+    DTable &dTab = run.dTab[0];
+    if (run.options.names == "auto") {
+        const std::string text = mappingText(mapNames(run.pdbInfo[0], residueOffset(run.dcInfo[0]), dTab));
+        if (!text.empty())
+            messages.note("trelm: %s\n", text.c_str());
+        return;
+    }
+    const int turned = run.trelmInfo[0].allowFixedDI != 0 ? countTurnedPairs(dTab) : 0;
+    if (turned != 0)
+        messages.warn(
+            "trelm: %d pairs with N first take the distance of the structure, not the fixed one of the other"
+            " order (-names auto)\n",
+            turned);
+}
+
 void selectCouplings(Run &run, Messages &messages)
 {
     const RunOptions &options = run.options;
     const DcInfo &dcInfo = run.dcInfo[0];
     DTable &dTab = run.dTab[0];
     chooseRows(dTab, dcInfo, options.atomNameS1, options.atomNameS2);
+    matchNames(run, messages);
     run.trelmInfo[0].validCountD = buildDC(run.pdbInfo[0], dTab,
-                                           {.aOff = shiftedRes(dcInfo.aFirst, -std::int64_t{dcInfo.segFirst}),
+                                           {.aOff = residueOffset(dcInfo),
                                             .wOff = dcInfo.segFirst,
                                             .wList = options.wList.span(),
                                             .allowFixedDI = run.trelmInfo[0].allowFixedDI},
                                            messages);
     tellRows(run.trelmInfo[0].validCountD, "selected", dcInfo.excludeMode, messages);
+    warnOfLostRows(run, messages);
 }
 
 void selectAtoms(Run &run, Messages &messages)
@@ -87,6 +167,41 @@ void dropHydrogens(Run &run, Messages &messages)
 
 } // namespace
 
+/// What of the selection of atoms does not act as one may think.
+void warnOfSelection(const Run &run, Messages &messages)
+{
+    const PDBInfo &pdbInfo = run.pdbInfo[0];
+    const PDBSelectInfo &sInfo = run.sInfo;
+    const struct {
+        const char *option;
+        const std::string &list;
+        int mode;
+        const char *remedy;
+    } rows[] = {{"-resName", sInfo.resNameList, sInfo.resNameMode, "-rExact, -rGlob or -rRegex"},
+                {"-chain", sInfo.chainNameList, sInfo.chainNameMode, "-cExact, -cGlob or -cRegex"},
+                {"-seg", sInfo.segNameList, sInfo.segNameMode, "-sExact, -sGlob or -sRegex"}};
+    for (const auto &row : rows)
+        if (row.list != "*" && row.mode == 0)
+            messages.warn("trelm: %s %s acts on nothing without a way to match: %s\n", row.option,
+                          row.list.c_str(), row.remedy);
+    const bool isFit = run.trelmInfo[0].trelmMode == modeBestFit && run.trelmInfo[0].validCountD > 0;
+    if (isFit && pdbInfo.chains().size() > 1 && (sInfo.chainNameList != "*" || sInfo.segNameList != "*"))
+        messages.warn(
+            "trelm: the couplings were found in %s of %zu: a selection acts on written structures and"
+            " simulations alone\n",
+            chainsOfRows(run.dTab[0]).c_str(), pdbInfo.chains().size());
+}
+
+/// Hydrogens of the file that a prediction leaves out, because the option that takes them was not given.
+void warnOfHydrogens(const Run &run, Messages &messages)
+{
+    const int mode = run.trelmInfo[0].trelmMode;
+    const bool predicts = mode == modeStTrelm || mode == modeElTrelm || mode == modeStTrelmGrid;
+    if (predicts && run.trelmInfo[0].Hflag == 0 && hasHydrogens(run.pdbInfo[0]))
+        messages.warn("trelm: the hydrogens of %s are left out of the simulation (-H takes them in)\n",
+                      run.options.pdbName.c_str());
+}
+
 Status readInputs(Run &run, Messages &messages)
 {
     Status status = readStructure(run, messages);
@@ -100,6 +215,8 @@ Status readInputs(Run &run, Messages &messages)
     if (status != Status::ok)
         return status;
     selectCouplings(run, messages);
+    warnOfSelection(run, messages);
+    warnOfHydrogens(run, messages);
     selectAtoms(run, messages);
     if (run.trelmInfo[0].Hflag == 0)
         dropHydrogens(run, messages);

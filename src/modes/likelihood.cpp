@@ -2,7 +2,6 @@
 
 #include "magnitude/likelihood.h"
 #include "modes/magnitude.h"
-#include "support/text/file_identity.h"
 #include "support/text/output_file.h"
 
 #include <optional>
@@ -31,10 +30,6 @@ Status writeResults(const Run &run, const MlSearch &found, const DTable &shown, 
 Status openScores(const RunOptions &options, OutFile &scores, Messages &messages)
 {
     const std::string &name = options.outScName;
-    if (isSameFile(options.inDName, name) || isSameFile(options.outDName, name))
-        return messages.fail(
-            "getMlDabR: %s is another file of this run: give the scores a name of their own.\n",
-            name.c_str());
     if (openOut(scores, name, "w") != Status::ok)
         return messages.fail("TRELM Error opening output file %s\n", name.c_str());
     return Status::ok;

@@ -5,7 +5,6 @@
 #include "magnitude/motion.h"
 #include "report/output.h"
 #include "report/run_report.h"
-#include "support/text/file_identity.h"
 #include "support/text/output_file.h"
 
 #include <optional>
@@ -54,21 +53,6 @@ Status openResult(OutFile &out, const std::string &name, Messages &messages)
     return Status::ok;
 }
 
-/// Each file of a run has a name of its own: the two results are opened before the table is read.
-Status checkNames(const RunOptions &options, Messages &messages)
-{
-    const std::string *const names[][2] = {{&options.outScName, &options.outColName},
-                                           {&options.inDName, &options.outScName},
-                                           {&options.inDName, &options.outColName},
-                                           {&options.outDName, &options.outScName},
-                                           {&options.outDName, &options.outColName}};
-    for (const auto &[first, second] : names)
-        if (isSameFile(*first, *second))
-            return messages.fail("motionHist: %s is another file of this run: give each a name of its own.\n",
-                                 second->c_str());
-    return Status::ok;
-}
-
 /// Table and map of the sets.
 Status writeMotion(MotionSets &drawn, OutFile &outSc, OutFile &outCol, Messages &messages)
 {
@@ -87,8 +71,7 @@ Status writeMotion(MotionSets &drawn, OutFile &outSc, OutFile &outCol, Messages 
 Status runMotion(Run &run, Messages &messages)
 {
     OutFile outSc, outCol;
-    if (checkNames(run.options, messages) != Status::ok ||
-        openResult(outSc, run.options.outScName, messages) != Status::ok ||
+    if (openResult(outSc, run.options.outScName, messages) != Status::ok ||
         openResult(outCol, run.options.outColName, messages) != Status::ok)
         return Status::failed;
     ObservedCouplings observed;

@@ -6,7 +6,6 @@
 #include "errors/structural_noise.h"
 #include "report/output.h"
 #include "structure/write.h"
-#include "support/text/file_identity.h"
 #include "support/text/output_file.h"
 #include "support/text/text.h"
 
@@ -43,27 +42,6 @@ MappingInput inputOf(Run &run)
             .validCount = run.trelmInfo[0].validCountD,
             .mapCount = run.options.mapCount,
             .verbose = run.trelmInfo[0].verbFlag};
-}
-
-/// Each file is written from its start: two under one name would take each other's rows. `failName` is that
-/// of the failures, empty for a mapping that has none. Fails after a message.
-Status checkNames(const Run &run, const std::string &failName, Messages &messages)
-{
-    const RunOptions &options = run.options;
-    std::vector<std::string> names = {options.outDaName, options.outMapName, options.outAngName,
-                                      options.outAName,  options.outDName,   failName};
-    constexpr int frames = 4;
-    for (int k = 0; k < frames; ++k) {
-        names.push_back(options.pRotName + '.' + std::to_string(k));
-        if (k == run.trelmInfo[0].rotN)
-            names.push_back(options.pRotName);
-    }
-    for (auto first = names.begin(); first != names.end(); ++first)
-        for (auto second = first + 1; second != names.end(); ++second)
-            if (isSameFile(*first, *second))
-                return messages.fail("trelm: %s is another file of this run: give each a name of its own.\n",
-                                     second->c_str());
-    return Status::ok;
 }
 
 /// Opens the four files. Fails after a message.
@@ -216,8 +194,7 @@ Status couplingNoise(Run &run, Messages &messages)
     if (!result)
         return noMemory(messages);
     SampleFiles files;
-    if (checkNames(run, run.options.outDFailName, messages) != Status::ok ||
-        openFiles(run.options, noiseWords, messages, files) != Status::ok)
+    if (openFiles(run.options, noiseWords, messages, files) != Status::ok)
         return Status::failed;
     if (mapSimDC(inputOf(run), run.trelmInfo[0], watchInto(files), messages, result) != Status::ok) {
         keepNew(files.da, messages); // its head stands before the first fit
@@ -234,8 +211,7 @@ Status jackknife(Run &run, Messages &messages)
     if (!result.samples.store)
         return noMemory(messages);
     SampleFiles files;
-    if (checkNames(run, "", messages) != Status::ok ||
-        openFiles(run.options, mappingWords, messages, files) != Status::ok ||
+    if (openFiles(run.options, mappingWords, messages, files) != Status::ok ||
         aeraSimDC(inputOf(run), run.trelmInfo[0], watchInto(files), messages, result) != Status::ok)
         return Status::failed;
     writeSamples(result.samples, mappingWords, files);
@@ -252,8 +228,7 @@ Status structuralNoise(Run &run, Messages &messages)
         return noMemory(messages);
     const DcInfo &window = run.dcInfo[0];
     SampleFiles files;
-    if (checkNames(run, "", messages) != Status::ok ||
-        openFiles(run.options, mappingWords, messages, files) != Status::ok ||
+    if (openFiles(run.options, mappingWords, messages, files) != Status::ok ||
         noiseStrucSimDC(inputOf(run), run.trelmInfo[0], {window.aFirst, window.segFirst, window.segLast},
                         watchInto(files), messages, result) != Status::ok)
         return Status::failed;

@@ -3,6 +3,7 @@
 #include "modes/assignment.h"
 #include "modes/comparison.h"
 #include "modes/ensemble.h"
+#include "modes/files.h"
 #include "modes/inputs.h"
 #include "modes/likelihood.h"
 #include "modes/magnitude.h"
@@ -95,8 +96,18 @@ Status runMode(Run &run, Messages &messages)
 {
     const TrelmInfo &trelmInfo = run.trelmInfo[0];
     const ModeRow &mode = *std::ranges::find(modeRows, trelmInfo.trelmMode, &ModeRow::trelmMode);
+    if (const Status status = checkFiles(filesOfRun(run.options, trelmInfo), messages); status != Status::ok)
+        return status;
     const Status status = mode.commonInput ? readInputs(run, messages) : Status::ok;
-    return status != Status::ok ? status : mode.work(run, messages);
+    if (status != Status::ok)
+        return status;
+    return messages.mayWrite() ? mode.work(run, messages) : failedByWarnings(messages);
+}
+
+Status failedByWarnings(Messages &messages)
+{
+    return messages.fail("trelm: -strict: %d warning%s, and so no result.\n", messages.warningCount(),
+                         messages.warningCount() == 1 ? "" : "s");
 }
 
 } // namespace trelm

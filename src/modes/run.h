@@ -32,4 +32,7 @@ struct Run {
 /// Does what the run's mode asks for. Fails after its messages, with the status of the failing step.
 Status runMode(Run &run, Messages &messages);
 
+/// The last line of a strict run that has warned.
+Status failedByWarnings(Messages &messages);
+
 } // namespace trelm

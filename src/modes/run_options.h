@@ -33,6 +33,7 @@ struct RunOptions {
     std::string atomNameS1 = "All";    ///< atoms of the couplings to use; "All": any
     std::string atomNameS2 = "All";
     const char *remark = nullptr; ///< remark for the results; lives as long as the arguments
+    std::string builtRemark;      ///< the same, with what tells of built hydrogens
 
     // Read and kept for scripts that pass them; no mode looks at them.
     std::string inCSName, outCSName, outSName, refName;
@@ -42,6 +43,13 @@ struct RunOptions {
     float csThresh = 2.0f;
     float validThresh = 0.95f;
     int fitFlag = 0; ///< 1 with a structure
+
+    std::string names;               ///< "auto": names of hydrogens are mapped to those of the structure
+    std::string model;               ///< number of the model to read; empty: the first
+    int buildsHydrogens = 0;         ///< 1: those of the backbone, where they lack
+    float hydrogenDistance = 1.041f; ///< of a built amide hydrogen, angstrom
+    int isStrict = 0;                ///< 1: a warning makes the run fail
+    int isQuiet = 0;                 ///< 1: no banner, remarks, progress and balance
 
     int mapCount = 0; ///< samples of an error mapping
     int dbgFlag = 0;  ///< debug level; above 1 every request for memory is traced

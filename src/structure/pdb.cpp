@@ -1,5 +1,6 @@
 #include "structure/pdb.h"
 
+#include "structure/hydrogens.h"
 #include "structure/select.h"
 #include "support/text/text.h"
 #include "support/text/text_input.h"
@@ -35,6 +36,8 @@ constexpr pdbFieldInfo fieldTempFactor = {61, 66};
 constexpr pdbFieldInfo fieldSegID = {73, 76};
 constexpr pdbFieldInfo fieldElement = {77, 78};
 constexpr pdbFieldInfo fieldCharge = {79, 80};
+constexpr pdbFieldInfo fieldModel = {
+    6, 20}; ///< of a MODEL line; columns 11 to 14, but not all writers keep them
 
 /// The characters of a column that are not white space; a name so does not depend on how it was justified. A
 /// line that ends before the column gives the empty text. No column is wider than a name.
@@ -108,11 +111,30 @@ bool isMmcif(TextInput &input)
     return equalNoCase(word.substr(0, 5), "data_");
 }
 
-Status readAtoms(TextInput &input, PDBInfo &pdbInfo, const PDBSelectInfo *sInfo, Messages &messages)
+/// The models of a file: which lines are of the one to read.
+struct Models {
+    int wanted = 0; ///< number; 0: the first
+    int count = 0;
+    bool isOpen = true; ///< the lines read now are of the wanted model, or of no model
+    bool wasFound = false;
+
+    /// A line that begins a model.
+    void begin(std::string_view line)
+    {
+        ++count;
+        isOpen = wanted == 0 ? count == 1 : toInt(column(line, fieldModel).view()) == wanted;
+        wasFound = wasFound || isOpen;
+    }
+};
+
+Status readAtoms(TextInput &input, PDBInfo &pdbInfo, const PDBSelectInfo *sInfo, Models &models,
+                 Messages &messages)
 {
     const int hetatmFlag = sInfo != nullptr ? sInfo->hetatmFlag : 0;
     for (std::string_view line; fgetsAlloc(input, line);) {
-        if (!isAtomLine(line, hetatmFlag))
+        if (line.starts_with("MODEL"))
+            models.begin(line);
+        if (!models.isOpen || !isAtomLine(line, hetatmFlag))
             continue;
         AtomInfo atom;
         readNames(line, atom);
@@ -124,6 +146,42 @@ Status readAtoms(TextInput &input, PDBInfo &pdbInfo, const PDBSelectInfo *sInfo,
             return Status::failed;
     }
     return Status::ok;
+}
+
+Status tellModels(const Models &models, const char *name, Messages &messages)
+{
+    if (models.wanted != 0 && !models.wasFound && !(models.wanted == 1 && models.count == 0))
+        return messages.fail("PDB Error: %s has no model %d.\n", name, models.wanted);
+    if (models.wanted == 0 && models.count > 1)
+        messages.warn("trelm: %d models in %s, the first is used (-model N, all, mean)\n", models.count,
+                      name);
+    return Status::ok;
+}
+
+Status buildHydrogens(const HydrogenBonds &bonds, PDBInfo &pdbInfo, Messages &messages)
+{
+    std::size_t built = 0;
+    if (addHydrogens(bonds, pdbInfo, built, messages) != Status::ok)
+        return Status::failed;
+    messages.note("trelm: %zu hydrogens built, N-H %.3f and C-H %.3f angstrom.\n", built, bonds.nitrogen,
+                  bonds.carbon);
+    return Status::ok;
+}
+
+/// Atoms that stand behind another of their name in the residue: fits find the first.
+void tellAlternates(const PDBInfo &pdbInfo, const char *name, Messages &messages)
+{
+    const auto isAlternate = [&](const AtomInfo &atom) {
+        const AtomInfo *first = atom.locID.empty() ? nullptr
+                                                   : findAtom(pdbInfo, atom.resID, atom.atomName.view(),
+                                                              atom.chainID.view(), atom.segID.view());
+        return first != nullptr && first != &atom && !(first->locID == atom.locID);
+    };
+    const auto count = std::ranges::count_if(pdbInfo.atoms(), isAlternate);
+    if (count > 0)
+        messages.warn(
+            "trelm: %td alternate locations in %s: fits use the first of each atom, simulations all\n", count,
+            name);
 }
 
 Status makeTables(PDBInfo &pdbInfo, Messages &messages)
@@ -144,7 +202,8 @@ std::vector<Coord3D> copyOfCoordinates(const PDBInfo &pdbInfo)
     return {coords.begin(), coords.end()};
 }
 
-Status readPDB(const std::string &pdbName, PDBInfo &pdbInfo, const PDBSelectInfo *sInfo, Messages &messages)
+Status readPDB(const std::string &pdbName, PDBInfo &pdbInfo, const PDBSelectInfo *sInfo, Messages &messages,
+               const StructureReading &reading)
 {
     pdbInfo = PDBInfo{};
     if (makeTables(pdbInfo, messages) != Status::ok)
@@ -158,12 +217,17 @@ Status readPDB(const std::string &pdbName, PDBInfo &pdbInfo, const PDBSelectInfo
     const char *shownName = pdbName.empty() ? "(stdin)" : pdbName.c_str();
     if (isMmcif(input))
         return messages.fail("PDB Error: %s is an mmCIF file: the PDB format is wanted.\n", shownName);
-    if (readAtoms(input, pdbInfo, sInfo, messages) != Status::ok)
+    Models models{.wanted = reading.model};
+    if (readAtoms(input, pdbInfo, sInfo, models, messages) != Status::ok ||
+        tellModels(models, shownName, messages) != Status::ok)
+        return Status::failed;
+    if (reading.hydrogens && buildHydrogens(*reading.hydrogens, pdbInfo, messages) != Status::ok)
         return Status::failed;
     if (pdbInfo.atomCount == 0 && sInfo == nullptr) // a selection may leave out all atoms of a good file
         messages.err("PDB Warning: no ATOM line in %s: is it a PDB file?\n", shownName);
     if (indexPDB(pdbInfo, messages) != Status::ok)
         return messages.fail("PDB Error Indexing PDB File %s\n", shownName);
+    tellAlternates(pdbInfo, shownName, messages);
     return Status::ok;
 }
 

@@ -6,6 +6,7 @@
 #include "support/text/symbol_table.h"
 
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -37,6 +38,12 @@ struct Name {
     [[nodiscard]] bool operator==(const Name &other) const { return view() == other.view(); }
 };
 
+/// Lengths of the bonds to hydrogens that are built, angstrom. The defaults are the effective distances for
+/// which the interaction constants hold.
+struct HydrogenBonds {
+    double nitrogen = 1.041, carbon = 1.107;
+};
+
 struct Coord3D {
     float x = 0.0f, y = 0.0f, z = 0.0f;
 };
@@ -62,6 +69,11 @@ struct ResInfo {
     int atomCount = 0;
     Name resName, chainID, segID;
     Block<const AtomInfo *> atomList; ///< its atoms, in file order
+
+    [[nodiscard]] std::span<const AtomInfo *const> atoms() const
+    {
+        return atomList.span().first(static_cast<std::size_t>(atomCount));
+    }
 };
 
 /// A chain and a segment are each told by both names: of two chains in one segment each has a segment record
@@ -105,6 +117,10 @@ struct PDBInfo {
     {
         return static_cast<std::size_t>(&atom - atomList.data());
     }
+    [[nodiscard]] std::span<const ChainInfo> chains() const
+    {
+        return chainList.span().first(static_cast<std::size_t>(chainCount));
+    }
     [[nodiscard]] std::span<const ResInfo> residues() const
     {
         return resList.span().first(static_cast<std::size_t>(resCount));
@@ -121,13 +137,21 @@ struct Conformation {
 /// Coordinates of one's own, where the file has them.
 std::vector<Coord3D> copyOfCoordinates(const PDBInfo &pdbInfo);
 
+/// What of a structure file is read, and what is added to it.
+struct StructureReading {
+    int model = 0;                               ///< number of a MODEL record; 0: the first model
+    std::optional<HydrogenBonds> hydrogens = {}; ///< bonds to the hydrogens that are built where they lack
+};
+
 /// Reads the ATOM lines of a file (standard input if the name is empty) that pass `sInfo`, and indexes them.
+/// Of a file of several models one is read; that others are left out is told, unless one was asked for.
 /// With the hetatmFlag of `sInfo` HETATM lines are atoms too. Null takes all ATOM lines and no HETATM line:
 /// the program itself reads with null, so that its options -hetatm and -protein do not touch what is read.
 /// Fails after a message; a file without ATOM lines is told of, one in the mmCIF format is refused. Numbers
 /// are read as atoi and atof read them: what is no number is 0; but a coordinate that is not finite is a
 /// failure.
-Status readPDB(const std::string &pdbName, PDBInfo &pdbInfo, const PDBSelectInfo *sInfo, Messages &messages);
+Status readPDB(const std::string &pdbName, PDBInfo &pdbInfo, const PDBSelectInfo *sInfo, Messages &messages,
+               const StructureReading &reading = {});
 
 /// Builds the lists of residues, chains and segments and the look-ups from the atom array. Once for a
 /// molecule, by readPDB: a second call would find every atom redundant. Fails after a message.

@@ -95,10 +95,10 @@ bool isSimple(const PDBInfo &pdbInfo, const PDBSelectInfo &sInfo)
 void tellKind(const PDBSelectInfo &sInfo, bool simple, Messages &messages)
 {
     if (simple)
-        messages.err("GORVAT Info: Simple Selection.\n");
+        messages.note("GORVAT Info: Simple Selection.\n");
     else // the names "Seg" and "Chain" stand the wrong way round, as scripts know the line
-        messages.err("GORVAT Info: Complex Selection Atom %d Res %d Seg %d Chain %d\n", sInfo.atomNameMode,
-                     sInfo.resNameMode, sInfo.chainNameMode, sInfo.segNameMode);
+        messages.note("GORVAT Info: Complex Selection Atom %d Res %d Seg %d Chain %d\n", sInfo.atomNameMode,
+                      sInfo.resNameMode, sInfo.chainNameMode, sInfo.segNameMode);
 }
 
 /// Switches off the test of a list that is exactly "*".

@@ -131,9 +131,6 @@ Failures mappings()
          " See -noautoMc.\n",
          noErrors},
         {"-mcDc -outMap /none/x", "TRELM Error opening log file for error space mapping /none/x\n"},
-        {"-mcDc -outMap ./da", "trelm: ./da is another file of this run: give each a name of its own.\n"},
-        {"-jack -pdbRot d -outDa d.2",
-         "trelm: d.2 is another file of this run: give each a name of its own.\n"},
         {"-mcDc -map 20 -outDa /dev/full", "Error writing /dev/full.\n"},
         {"-jack -outAng /none/x", "TRELM Error opening log file for Angular distribution /none/x.\n"},
         {"-mcStruc -incCone 0", "trelm: -incCone 0: the step of the cone must be positive.\n"},
@@ -400,7 +397,6 @@ Failures motions()
     std::string many = "5.0 0.5";
     for (int i = 1; i < 45000; ++i)
         many += ",5.0 0.5";
-    const std::string ownName = " is another file of this run: give each a name of its own.\n";
     // By the larger one of their residues no row is in the window.
     const std::string crossed = head + "2 ALA C 3 ALA N 1.5 0.1 1.0\n1 ALA C 3 ALA H 2.5 0.1 1.0\n";
     const std::string noResidue =
@@ -417,9 +413,6 @@ Failures motions()
          some},
         {"-nSel 0", "motionHist: the window of residues 1 to 45000 has more than 20000.\n", amidesOf(many)},
         {"-inc -s1 1 -sN 2", noResidue, crossed},
-        {"-outSc x -outCol ./x", "motionHist: ./x" + ownName, some},
-        {"-outSc ./in.tab", "motionHist: ./in.tab" + ownName, some},
-        {"-outCol out.tab", "motionHist: out.tab" + ownName, some},
         {"-outSc /none/s", "TRELM Error opening output file /none/s\n", some},
         {"-outCol /none/m", "TRELM Error opening output file /none/m\n", some},
         {"-outSc /dev/full", "Error writing /dev/full.\n", some},
@@ -462,7 +455,6 @@ Failures conversions()
         {"-inD none.tab", "RdTable File open error: none.tab.\nError reading DC input none.tab\n"},
         {"-outD no/o", "TRELM Error opening output file no/o\n"},
         {"-outD /dev/full", "Error writing /dev/full.\n"},
-        {"-outD ./own.tab", "trelm: ./own.tab is the table to convert: give the output another name.\n"},
         {"-scale -inD in.tab -outD o", notFinite, amidesOf("-8.17 1.0", "3e38"), 0},
         {"-trelm -outD no/o", "DC Error opening output file no/o\n", "", 0},
         {"-aD1 XX -outD o", "trelm: no coupling is left to convert.\n", "", 0},

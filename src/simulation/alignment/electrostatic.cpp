@@ -125,10 +125,10 @@ void extendRodGrid(const Charged &charged, double beta, PositionGrid &grid)
     };
     if (!extendPositions(grid, number(info.gridSpacing), reachesOn))
         warnShortGrid(grid, messages);
-    messages.err("REMARK Value of potential at cutoff: %e\n",
+    messages.note("REMARK Value of potential at cutoff: %e\n",
                  surfacePotential(charged.field, grid.lastDist() - radius));
-    messages.err("REMARK # of translational points for EL: %d\n", grid.last);
-    messages.err("REMARK Maximum distance: %e\n", grid.lastDist());
+    messages.note("REMARK # of translational points for EL: %d\n", grid.last);
+    messages.note("REMARK Maximum distance: %e\n", grid.lastDist());
     if (!isFound)
         messages.err("Warning: Potentials between neighbouring cells overlapping, cutoff %e!\n"
                      "         ---> Magnitude of alignment tensor wrong!\n",

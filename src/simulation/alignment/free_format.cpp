@@ -123,7 +123,7 @@ Status ssiaFree(const AlignmentOptions &options, const std::string &pdbFreeName,
     int atomCount = 0;
     if (readPDBfree(pdbFreeName, atomCount, buffers.first(maxFreeAtoms), messages) != Status::ok)
         return readError(messages);
-    messages.err("%s, %d Atoms, Free format.\n", pdbFreeName.c_str(), atomCount);
+    messages.note("%s, %d Atoms, Free format.\n", pdbFreeName.c_str(), atomCount);
     std::vector<double> dots; // checkSimulation has bounded them
     if (!do_unsp(options.densityNSC, dots))
         return messages.fail("Matrix: unsp error occured.\n");

@@ -2,7 +2,6 @@
 
 #include "simulation/charges/charge_file.h"
 #include "simulation/charges/charge_tables.h"
-#include "support/text/file_identity.h"
 #include "support/text/output_file.h"
 #include "support/text/text.h"
 
@@ -49,7 +48,7 @@ Status chargeFromFile(const std::string &inName, const SelectedAtoms &selected, 
     if (readChargeFile(inName, selected, elInfo.pH, set, lines, messages) != Status::ok ||
         settle(elInfo, set, messages) != Status::ok)
         return Status::failed;
-    messages.err("REMARK %s, %d Charges/pka Values, Net Charge %.3f Residues %d to %d.\n", inName.c_str(),
+    messages.note("REMARK %s, %d Charges/pka Values, Net Charge %.3f Residues %d to %d.\n", inName.c_str(),
                  set.chCount, static_cast<double>(set.chSum), lines.range.first, lines.range.last);
     return Status::ok;
 }
@@ -166,7 +165,7 @@ Status titrateDefaults(const SelectedAtoms &selected, const ChargeOptions &elInf
     leaveResidue(groups, lines);
     if (settle(elInfo, set, messages) != Status::ok)
         return Status::failed;
-    messages.err("pka Default Values, %d Charges/pka Values, Net charge %.3f   Residues %d to %d.\n",
+    messages.note("pka Default Values, %d Charges/pka Values, Net charge %.3f   Residues %d to %d.\n",
                  set.chCount, static_cast<double>(set.chSum), pdbInfo.minResID, pdbInfo.maxResID);
     return Status::ok;
 }
@@ -228,7 +227,7 @@ Status placePartialCharges(ChargeTableID id, const SelectedAtoms &selected, cons
     }
     if (settle(elInfo, set, messages) != Status::ok)
         return Status::failed;
-    messages.err("pka Default Values, %d Charges/pka Values  Net Charge %.3f, Residues %d to %d.\n",
+    messages.note("pka Default Values, %d Charges/pka Values  Net Charge %.3f, Residues %d to %d.\n",
                  set.chCount, static_cast<double>(set.chSum), pdbInfo.minResID, pdbInfo.maxResID);
     return Status::ok;
 }
@@ -280,8 +279,6 @@ Status chargeSetup(const std::string &inName, const SelectedAtoms &selected, con
 {
     set.chCount = 0;
     set.chSum = 0.0f;
-    if (isSameFile(inName, outName))
-        return messages.fail("Error: %s is the pka input and the pka output file.\n", inName.c_str());
     OutFile out;
     if (!outName.empty() && openOut(out, outName, "w") != Status::ok)
         return messages.fail("TRELM Error opening file for pka output %s\n", outName.c_str());

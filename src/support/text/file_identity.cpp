@@ -20,10 +20,4 @@ std::optional<FileIdentity> fileIdentity(const std::string &name)
     return FileIdentity{found.st_dev, found.st_ino, name.substr(start)};
 }
 
-bool isSameFile(const std::string &a, const std::string &b)
-{
-    const std::optional<FileIdentity> first = fileIdentity(a);
-    return first && first == fileIdentity(b);
-}
-
 } // namespace trelm

@@ -20,7 +20,4 @@ struct FileIdentity {
 /// can be read and written under two names, and for a name in a folder that is not there.
 std::optional<FileIdentity> fileIdentity(const std::string &name);
 
-/// True if both names lead to one file, by whatever path or link.
-[[nodiscard]] bool isSameFile(const std::string &a, const std::string &b);
-
 } // namespace trelm

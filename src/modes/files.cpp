@@ -1,0 +1,127 @@
+#include "modes/files.h"
+
+#include "report/modes.h"
+#include "support/text/file_identity.h"
+
+#include <cstdint>
+#include <optional>
+#include <utility>
+
+namespace trelm {
+namespace {
+
+/// A set of modes, one bit each.
+constexpr std::uint32_t modes(std::initializer_list<int> list)
+{
+    std::uint32_t set = 0;
+    for (const int mode : list)
+        set |= std::uint32_t{1} << mode;
+    return set;
+}
+
+constexpr std::uint32_t simulations =
+    modes({modeStTrelm, modeStTrelmGrid, modeElTrelm, modeElTrelmFree, modeElTrelmGrid, modeCsSim, modeAsRan,
+           modeAnPdb}); // they place charges
+constexpr std::uint32_t magnitudes = modes({modeDaHist, modeDaMl, modeDaFlex});
+constexpr std::uint32_t common =
+    simulations | modes({modeBestFit, modeStruc}); // structure and couplings are read
+
+struct NameRow {
+    const char *option;
+    std::string RunOptions::*name;
+    bool isOutput;
+    std::uint32_t modes;
+};
+
+constexpr NameRow nameRows[] = {
+    {"-pdb", &RunOptions::pdbName, false, common},
+    {"-inD", &RunOptions::inDName, false, common | magnitudes | modes({modeConv})},
+    {"-inD1", &RunOptions::inD1Name, false, modes({modeAnDc})},
+    {"-inD2", &RunOptions::inD2Name, false, modes({modeAnDc})},
+    {"-pdbF", &RunOptions::pdbFName, false, modes({modeStTrelmFree})},
+    {"-inp", &RunOptions::inpName, false, simulations},
+    {"-pka", &RunOptions::pkaName, false, simulations},
+    {"-pot", &RunOptions::potName, false, modes({modeElTrelm, modeStTrelmGrid})},
+    {"-pot3D", &RunOptions::pot3DName, false, modes({modeStTrelm, modeElTrelm})},
+    {"-inE", &RunOptions::inEName, false, modes({modeStTrelmGrid})},
+    {"-outPka", &RunOptions::outPkaName, true, simulations},
+    {"-outD", &RunOptions::outDName, true,
+     magnitudes | modes({modeStTrelm, modeElTrelm, modeBestFit, modeAnDc, modeConv})},
+    {"-outA", &RunOptions::outAName, true, modes({modeStTrelmFree, modeAnA})},
+    {"-outP", &RunOptions::outPName, true, modes({modeAnPdb})},
+    {"-outSc", &RunOptions::outScName, true, modes({modeDaMl, modeDaFlex})},
+    {"-outCol", &RunOptions::outColName, true, modes({modeDaFlex})},
+    {"-outE", &RunOptions::outEName, true, modes({modeStTrelmGrid})},
+    {"-outEAx", &RunOptions::outEAxName, true, modes({modeStTrelmGrid})},
+    {"-dcEns", &RunOptions::oDcEName, true, modes({modeStTrelmGrid})},
+    {"-flex", &RunOptions::flexName, true, modes({modeStTrelmGrid})},
+    {"-ave", &RunOptions::aveName, true, modes({modeStTrelmGrid})},
+};
+
+/// What the mappings of a best-fit's error write beside.
+constexpr NameRow mappingRows[] = {
+    {"-outDa", &RunOptions::outDaName, true, 0},
+    {"-outMap", &RunOptions::outMapName, true, 0},
+    {"-outAng", &RunOptions::outAngName, true, 0},
+    {"-outA", &RunOptions::outAName, true, 0},
+};
+
+void addStructures(const RunOptions &options, const TrelmInfo &trelmInfo, std::vector<RunFile> &files)
+{
+    constexpr std::uint32_t inFrames = modes({modeStTrelm, modeElTrelm, modeBestFit, modeAnPdb});
+    constexpr std::uint32_t plain = modes({modeStTrelmGrid, modeStruc});
+    constexpr int frames = 4;
+    const std::uint32_t mode = modes({trelmInfo.trelmMode});
+    if ((mode & inFrames) != 0)
+        for (int k = 0; k < frames; ++k) {
+            files.push_back({"-pdbRot", options.pRotName + '.' + std::to_string(k), true});
+            if (k == trelmInfo.rotN)
+                files.push_back({"-pdbRot", options.pRotName, true});
+        }
+    if ((mode & plain) != 0)
+        files.push_back({"-pdbRot", options.pRotName, true});
+    if (trelmInfo.trelmMode == modeStTrelmGrid)
+        for (const char *name : {"rot.pdb", "rotEns.pdb"})
+            files.push_back({"-stTrelmGrid", name, true});
+}
+
+} // namespace
+
+std::vector<RunFile> filesOfRun(const RunOptions &options, const TrelmInfo &trelmInfo)
+{
+    std::vector<RunFile> files;
+    const auto add = [&](const NameRow &row) {
+        files.push_back({row.option, options.*row.name, row.isOutput});
+    };
+    for (const NameRow &row : nameRows)
+        if ((row.modes & modes({trelmInfo.trelmMode})) != 0)
+            add(row);
+    const bool isMapping = trelmInfo.spreadMode == spreadJack || trelmInfo.spreadMode == spreadMcDc ||
+                           trelmInfo.spreadMode == spreadMcStruc;
+    if (trelmInfo.trelmMode == modeBestFit && isMapping)
+        for (const NameRow &row : mappingRows)
+            add(row);
+    if (trelmInfo.trelmMode == modeBestFit && trelmInfo.spreadMode == spreadMcDc)
+        files.push_back({"-outFail", options.outDFailName, true});
+    addStructures(options, trelmInfo, files);
+    return files;
+}
+
+Status checkFiles(const std::vector<RunFile> &files, Messages &messages)
+{
+    std::vector<std::pair<FileIdentity, const RunFile *>> known;
+    for (const RunFile &file : files) {
+        const std::optional<FileIdentity> identity = fileIdentity(file.name);
+        if (!identity)
+            continue;
+        for (const auto &[other, first] : known)
+            if (other == *identity && (file.isOutput || first->isOutput))
+                return messages.fail(
+                    "trelm: %s (%s) and %s (%s) are one file: give each a name of its own.\n",
+                    first->option.c_str(), first->name.c_str(), file.option.c_str(), file.name.c_str());
+        known.emplace_back(*identity, &file);
+    }
+    return Status::ok;
+}
+
+} // namespace trelm

@@ -48,7 +48,7 @@ for file in $(git ls-files 'src/*.h' 'src/*.cpp'); do
 done
 
 streams='\b(v?f?printf|puts|fputs|putchar|f?putc|fwrite|perror) *\(|\b(stdout|stderr)\b|\bstd::(cout|cerr|clog)\b'
-if git ls-files 'src/*.h' 'src/*.cpp' | grep -vE '^src/(ground|command|modes)/|^src/support/text/(output_file|text)\.|^src/simulation/alignment/grid3d\.' |
+if git ls-files 'src/*.h' 'src/*.cpp' | grep -vE '^src/(ground|command|modes)/|^src/support/text/output_file\.' |
     xargs grep -HnE "$streams" | grep -vE '^[^:]*:[0-9]*: *//'; then
     echo "only the command and the modes talk: what lies below hands its words to Messages" >&2
     status=1

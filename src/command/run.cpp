@@ -91,13 +91,18 @@ Status readOptions(int argc, char **argv, Run &run, Messages &messages)
 
 int endRun(Run &run, Status status, Messages &messages)
 {
-    if (run.dTab)
-        run.dTab[0] = DTable{};
-    run.options.wList.release();
-    // The balance is taken here: it shows what the records and buffers of the run still hold.
-    if (run.options.isQuiet == 0)
-        showAlloc();
-    run = Run{};
+    if (status == Status::ended) {
+        setAlloc(0);
+        status = Status::ok;
+    } else {
+        if (run.dTab)
+            run.dTab[0] = DTable{};
+        run.options.wList.release();
+        // The balance is taken here: it shows what the records and buffers of the run still hold.
+        if (run.options.isQuiet == 0)
+            showAlloc();
+        run = Run{};
+    }
     // A run that failed has told why already, perhaps just this.
     OutFile out;
     if (status == Status::ok)

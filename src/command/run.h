@@ -14,9 +14,9 @@ Status startRun(Run &run, Messages &messages);
 /// Reads the command line into the records and checks its words. Fails after a message.
 Status readOptions(int argc, char **argv, Run &run, Messages &messages);
 
-/// The one tear-down: releases the records and prints the memory balance. Returns the status, or 1 if
-/// standard output or the standard error stream could not be written to its end, or if any request for memory
-/// failed.
+/// The one tear-down: releases the records and prints the memory balance; for a run that a model has ended,
+/// it does neither. Returns the status, or 1 if standard output or the standard error stream could not be
+/// written to its end, or if any request for memory failed.
 int endRun(Run &run, Status status, Messages &messages);
 
 } // namespace trelm

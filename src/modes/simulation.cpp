@@ -114,9 +114,10 @@ Status alignSolute(Run &run, const Solute &solute, AlignmentFields &fields, Tens
     Prediction prediction;
     if (run.trelmInfo[0].elFlag != 0 && run.trelmInfo[0].lcType != lcGrid)
         checkField(run.trelmInfo[0], messages);
-    if (simulateAlignment(alignmentSetup(run, solute.sample, solute.ddots, messages), solute.atoms,
-                          solute.sample.charges, fields, prediction) != Status::ok)
-        return messages.fail("Matrix: Error simulating alignment.\n");
+    const Status status = simulateAlignment(alignmentSetup(run, solute.sample, solute.ddots, messages),
+                                            solute.atoms, solute.sample.charges, fields, prediction);
+    if (status != Status::ok)
+        return status == Status::ended ? status : messages.fail("Matrix: Error simulating alignment.\n");
     printPrediction(prediction, messages);
     return finishAlignment(run, solute, prediction.sum, analysis, messages);
 }
@@ -130,8 +131,8 @@ void reportGridFile(const Run &run, int digPotential, Messages &messages)
                      info.grid3DnZ);
 }
 
-/// Reads the grid of a steric run for what there is to tell of it: the run ends in the kernel, with status 0,
-/// before a point is asked for.
+/// Reads the grid of a steric run for what there is to tell of it: the kernel ends the run before a point
+/// is asked for.
 Status readStericGrid(const Run &run, Messages &messages)
 {
     Block<float> pot3Dst;

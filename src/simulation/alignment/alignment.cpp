@@ -178,7 +178,7 @@ Status simulateAlignment(const AlignmentSetup &setup, const CoordinateBuffers &a
             inGrid ? sma3D(setup, view, charges, fields.pot3D.span(), prediction.electrostatic)
                    : runCharged(setup, atoms, distance, charges, fields.potential, prediction.electrostatic);
     else if (inGrid)
-        ssia3D(setup, prediction.steric);
+        status = ssia3D(setup, prediction.steric);
     else if ((status = runSteric(setup, atoms, distance, prediction.steric)) != Status::ok)
         messages.err("simulateAlignment: error in stericAlignment.");
     if (status != Status::ok)

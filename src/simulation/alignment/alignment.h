@@ -63,7 +63,7 @@ struct Prediction {
 };
 
 /// Simulates the alignment of the atoms, which are moved to their geometric centre. The table of a rod is
-/// divided by kPot. Fails after a message. A steric grid ends the process: see ssia3D.
+/// divided by kPot. Fails after a message. A steric grid ends the run: see ssia3D.
 Status simulateAlignment(const AlignmentSetup &setup, const CoordinateBuffers &atoms,
                          const ChargeSet &charges, AlignmentFields &fields, Prediction &prediction);
 

@@ -3,12 +3,9 @@
 #include "simulation/alignment/electrostatic.h"
 #include "simulation/orientations/rotation.h"
 #include "support/numerics/numbers.h"
-#include "support/text/text.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 #include <limits>
 
 namespace trelm {
@@ -250,15 +247,6 @@ double weighFree(const Row &row, const ChargeSet &charges, RowSearch &search)
     return sum;
 }
 
-[[noreturn]] void endQuietly()
-{
-    // The model ends here on purpose: what is written is flushed, and no more is said than that it is cut.
-    std::fflush(stdout);
-    if (std::ferror(stdout) != 0)
-        std::exit(complain("Error writing %s.\n", "(stdout)"));
-    std::exit(std::ferror(stderr) != 0 ? 1 : 0);
-}
-
 } // namespace
 
 Grid3D makeGrid3D(const Grid3DOptions &info)
@@ -353,16 +341,17 @@ Status sma3D(const AlignmentSetup &setup, const Coordinates &atoms, const Charge
     return divideByWeights("sma3D", total + rest, saupe, setup.messages);
 }
 
-void ssia3D(const AlignmentSetup &setup, Saupe &saupe)
+Status ssia3D(const AlignmentSetup &setup, Saupe &saupe)
 {
     saupe = {};
     const OrientationSet set = makeOrientationSet(setup.dots, setup.options.digPsiNSC);
     const Cell cell = startGrid(setup, set);
     // What the atoms would meet at the first position changes nothing that is seen.
     if (cell.grid.hasPositions())
-        endQuietly();
+        return Status::ended;
     if (freeRest(setup.options, cell, set.count()) <= 0.0)
         setup.messages.err("WARNING: Error in simulation\n");
+    return Status::ok;
 }
 
 } // namespace trelm

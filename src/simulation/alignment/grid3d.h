@@ -68,8 +68,8 @@ double weighPositions(const Grid3D &grid, const GridRows &rows, const GridPlaces
 Status sma3D(const AlignmentSetup &setup, const Coordinates &atoms, const ChargeSet &charges,
              std::span<const double> pot3D, Saupe &saupe);
 
-/// The steric form of it, which looks at the first position of the first orientation and then ends the
-/// process with status 0. Returns only if there is no position, and then there is no order.
-void ssia3D(const AlignmentSetup &setup, Saupe &saupe);
+/// The steric form of it, which looks at the first position of the first orientation and ends the run there:
+/// Status::ended. Without any position there is no order, and the run goes on.
+Status ssia3D(const AlignmentSetup &setup, Saupe &saupe);
 
 } // namespace trelm

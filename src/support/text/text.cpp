@@ -119,15 +119,6 @@ void appendFixed(std::string &text, float value, std::size_t width, int decimals
     appendRight(text, number.view(), width);
 }
 
-int complain(const char *format, ...)
-{
-    std::va_list args;
-    va_start(args, format);
-    std::vfprintf(stderr, format, args);
-    va_end(args);
-    return 1;
-}
-
 Status nrerror(const char *message, Messages &messages)
 {
     return messages.fail("Utility Error: %s\nAborting.\n", message);

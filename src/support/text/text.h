@@ -1,4 +1,4 @@
-// Text under construction, messages, and the small string helpers.
+// Text under construction, and the small string helpers.
 #pragma once
 
 #include "ground/messages.h"
@@ -25,9 +25,6 @@ void appendInt(std::string &text, int value, std::size_t width);
 /// be.
 enum class SignPlace { none, blank };
 void appendFixed(std::string &text, float value, std::size_t width, int decimals, SignPlace sign);
-
-/// Prints one message on the standard error stream. Returns 1, so that a check reads `return complain(...)`.
-[[gnu::format(printf, 1, 2), gnu::cold]] int complain(const char *format, ...);
 
 /// The two lines of an error of the numerical code, on which the run goes on. Returns Status::failed.
 Status nrerror(const char *message, Messages &messages);

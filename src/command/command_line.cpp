@@ -259,6 +259,11 @@ bool isFlag(const char *arg)
     return !isValue;
 }
 
+bool isNumber(std::string_view word)
+{
+    return spellingOf<double>(word) != Spelling::noNumber;
+}
+
 int intWord(std::string_view word)
 {
     return toInt(word);

@@ -90,6 +90,9 @@ class CommandLine {
 /// True for a flag: a minus sign, and neither a digit nor a point behind it. "-5" and "-.5" are values.
 bool isFlag(const char *arg);
 
+/// True if the whole word is a number.
+bool isNumber(std::string_view word);
+
 // The number at the start of a word, 0 where there is none. What lies outside the range of the type becomes
 // its nearest limit, and a word that spells a NaN is 0.
 int intWord(std::string_view word);

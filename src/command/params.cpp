@@ -432,12 +432,22 @@ Status readAxis(CommandLine &line, std::string_view flag, std::array<float, 3> &
     return status;
 }
 
+/// Five numbers, or the name of a report.
+Status readMatrix(CommandLine &line, std::string_view flag, std::array<double, 5> &saupe, std::string &name)
+{
+    const std::vector<const char *> words = line.listOf(flag);
+    if (words.size() != 1 || isNumber(words[0]))
+        return readValues(line, flag, flag, saupe);
+    name = words[0];
+    return Status::ok;
+}
+
 /// The order matrices to compare, and the axes of the comparison. Stops at the first fault.
 Status readMatrices(CommandLine &line, RunOptions &options)
 {
-    Status status = readValues(line, "-inS1", "-inS1", options.userSaupe1);
+    Status status = readMatrix(line, "-inS1", options.userSaupe1, options.saupeName1);
     if (status == Status::ok)
-        status = readValues(line, "-inS2", "-inS2", options.userSaupe2);
+        status = readMatrix(line, "-inS2", options.userSaupe2, options.saupeName2);
     if (status == Status::ok)
         status = readAxis(line, "-hinge", options.hingeAxis);
     return status == Status::ok ? readAxis(line, "-twist", options.twistAxis) : status;

@@ -3,6 +3,7 @@
 #include "compare/convert.h"
 #include "compare/coupling_sets.h"
 #include "compare/order_matrices.h"
+#include "couplings/saupe_input.h"
 #include "couplings/table_input.h"
 #include "ground/messages.h"
 #include "report/output.h"
@@ -46,8 +47,12 @@ Status compare(Run &run, Messages &messages)
 {
     const RunOptions &options = run.options;
     const TrelmInfo &trelmInfo = run.trelmInfo[0];
-    const TensorPair pair = {.saupe1 = options.userSaupe1,
-                             .saupe2 = options.userSaupe2,
+    Saupe saupe1 = options.userSaupe1, saupe2 = options.userSaupe2;
+    if ((!options.saupeName1.empty() && readSaupe(options.saupeName1, saupe1, messages) != Status::ok) ||
+        (!options.saupeName2.empty() && readSaupe(options.saupeName2, saupe2, messages) != Status::ok))
+        return Status::failed;
+    const TensorPair pair = {.saupe1 = saupe1,
+                             .saupe2 = saupe2,
                              .hingeAxis = options.hingeAxis,
                              .twistAxis = options.twistAxis,
                              .rotN = trelmInfo.rotN,
@@ -62,7 +67,7 @@ Status compare(Run &run, Messages &messages)
     return writeDCmod({options.outAName}, run.dTab[0], trelmInfo, text, messages);
 }
 
-/// Opens the output. The table to convert is never overwritten: it is read after this.
+/// Opens the output, before the table is read.
 Status openResult(const RunOptions &options, OutFile &out, Messages &messages)
 {
     if (openOut(out, options.outDName, "w") != Status::ok)

@@ -38,6 +38,8 @@ constexpr NameRow nameRows[] = {
     {"-inD", &RunOptions::inDName, false, common | magnitudes | modes({modeConv})},
     {"-inD1", &RunOptions::inD1Name, false, modes({modeAnDc})},
     {"-inD2", &RunOptions::inD2Name, false, modes({modeAnDc})},
+    {"-inS1", &RunOptions::saupeName1, false, modes({modeAnA})},
+    {"-inS2", &RunOptions::saupeName2, false, modes({modeAnA})},
     {"-pdbF", &RunOptions::pdbFName, false, modes({modeStTrelmFree})},
     {"-inp", &RunOptions::inpName, false, simulations},
     {"-pka", &RunOptions::pkaName, false, simulations},

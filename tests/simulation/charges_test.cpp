@@ -152,10 +152,10 @@ TEST(Charges, ResiduesOfTheTablesHaveWholeCharges)
                                           "ILE HD12", "ILE HD13", "GUA HN'", "GUA HN''",
                                           "THY CM",   "CTER O",   "CTER OXT"};
     for (const auto id : {ChargeTableID::charmm19, ChargeTableID::charmm22, ChargeTableID::charmm22Acid})
-        for (const auto &rows : chargeTable(id)) {
-            const std::string residue(rows.front().residue);
+        for (const auto &[name, rows] : chargeTable(id)) {
+            const std::string residue(name);
             float sum = 0.0f;
-            for (const auto &[name, atom, charge] : rows)
+            for (const auto &[atom, charge] : rows)
                 if (atom != "H" && !second.contains(residue + " " + std::string(atom)))
                     sum += charge;
             if (id == ChargeTableID::charmm19 && residue == "HSD")

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <map>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -33,16 +34,16 @@ const TitrationGroup *findGroup(std::string_view residue);
 /// beyond float, f is its limit 1; where e vanishes, 0. Not a number if pH or pKa is none.
 float titratedFraction(float pH, float pKa);
 
-/// The charge of an atom in a residue, e.
+/// The charge of an atom, e.
 struct ChargeRow {
-    std::string_view residue, atom;
+    std::string_view atom;
     float charge = 0.0f;
 };
 
 enum class ChargeTableID { charmm19, charmm22, charmm22Acid };
 
-/// A table by residue: for each a run of rows.
-using ChargeTable = std::vector<std::span<const ChargeRow>>;
+/// The atoms of each residue.
+using ChargeTable = std::map<std::string_view, std::vector<ChargeRow>>;
 
 ChargeTable chargeTable(ChargeTableID id);
 

@@ -1,6 +1,7 @@
 #include "couplings/dipolar.h"
 
 #include "couplings/interaction.h"
+#include "couplings/table_checks.h"
 #include "structure/atom_columns.h"
 #include "support/text/table.h"
 #include "support/text/text.h"
@@ -317,6 +318,7 @@ Status readDC(const std::string &inDName, DTable &dTab, Messages &messages)
         checkNumbers(text, inDName, messages) != Status::ok ||
         allocateRows(dTab, static_cast<int>(text.entryCount), messages) != Status::ok)
         return Status::failed;
+    dTab.columnFindings = checkColumns(text);
     return readRows(text, dTab, messages);
 }
 

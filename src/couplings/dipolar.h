@@ -3,6 +3,7 @@
 
 #include "couplings/fit_work.h"
 #include "couplings/options.h"
+#include "couplings/table_finding.h"
 #include "ground/alloc.h"
 #include "ground/messages.h"
 #include "structure/pdb.h"
@@ -14,6 +15,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace trelm {
 
@@ -94,8 +96,9 @@ struct DTable {
     /// The residues of the rows. They are searched for from 1000000 down and from 0 up: without a row between
     /// these limits they stay there.
     int dMinRes = 0, dMaxRes = 0;
-    FitWork fitWork;                        ///< what the fits of this table keep
-    int nullChainName = 1, nullSegName = 1; ///< 1 until a row names a chain or segment
+    std::vector<TableFinding> columnFindings; ///< of the file; a copy has none
+    FitWork fitWork;                          ///< what the fits of this table keep
+    int nullChainName = 1, nullSegName = 1;   ///< 1 until a row names a chain or segment
 
     [[nodiscard]] std::span<DInfo> observed()
     {

@@ -6,6 +6,7 @@
 #include "couplings/saupe_input.h"
 #include "couplings/table_input.h"
 #include "ground/messages.h"
+#include "modes/doubts.h"
 #include "report/output.h"
 #include "support/text/output_file.h"
 
@@ -35,6 +36,8 @@ Status combine(Run &run, Messages &messages)
     if (status != Status::ok)
         return status;
     choose(run, dTab1[0], messages);
+    tellTable(run, run.options.inD1Name, dTab1[0], messages);
+    tellTable(run, run.options.inD2Name, dTab2[0], messages);
     const int shared = adjustDC(run.trelmInfo[0], dTab1[0], dTab2[0]);
     tellRows(shared, "combined", run.dcInfo[0].excludeMode, messages);
     if (shared == 0)
@@ -90,6 +93,7 @@ Status convert(Run &run, Messages &messages)
         return status;
     if (choose(run, dTab, messages) == 0)
         messages.err("trelm: no coupling is left to convert.\n");
+    tellTable(run, options.inDName, dTab, messages);
     fillConverted(conversion, dTab, messages);
     if (conversion.outFormat == systemFormat)
         return writeDCmod({options.outDName}, dTab, run.trelmInfo[0], "", messages);

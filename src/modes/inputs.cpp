@@ -3,6 +3,7 @@
 #include "couplings/lost_rows.h"
 #include "couplings/name_mapping.h"
 #include "couplings/table_input.h"
+#include "modes/doubts.h"
 #include "report/modes.h"
 #include "simulation/charges/charges.h"
 #include "simulation/orientations/sphere.h"
@@ -133,6 +134,8 @@ void selectCouplings(Run &run, Messages &messages)
                                             .allowFixedDI = run.trelmInfo[0].allowFixedDI},
                                            messages);
     tellRows(run.trelmInfo[0].validCountD, "selected", dcInfo.excludeMode, messages);
+    tellTable(run, options.inDName, dTab, messages);
+    tellResidues(run, messages);
     warnOfLostRows(run, messages);
 }
 

@@ -3,6 +3,7 @@
 #include "couplings/table_input.h"
 #include "magnitude/histogram.h"
 #include "magnitude/motion.h"
+#include "modes/doubts.h"
 #include "report/output.h"
 #include "report/run_report.h"
 #include "support/text/output_file.h"
@@ -99,6 +100,7 @@ Status readObserved(Run &run, ObservedCouplings &observed, Messages &messages)
     settleWindow(dcInfo, dTab);
     const int count = chooseRows(dTab, dcInfo, options.atomNameS1, options.atomNameS2);
     tellRows(count, "selected", dcInfo.excludeMode, messages);
+    tellTable(run, options.inDName, dTab, messages);
     if (count <= 0)
         return messages.fail("trelm: no coupling is left to estimate a tensor from.\n");
     return collectObserved(dTab, observed, messages);

@@ -2,6 +2,7 @@
 #include "couplings/fit.h"
 #include "modes/assignment.h"
 #include "modes/comparison.h"
+#include "modes/doubts.h"
 #include "modes/ensemble.h"
 #include "modes/files.h"
 #include "modes/inputs.h"
@@ -67,6 +68,7 @@ Status bestFit(Run &run, Messages &messages)
 {
     if (run.options.pdbName.empty())
         messages.err("trelm: -pdb is missing: without a structure no coupling can be fitted.\n");
+    tellFit(run, messages);
     return spreadRow(run.trelmInfo[0].spreadMode).work(run, messages);
 }
 

@@ -34,6 +34,7 @@ struct RowReader {
     std::vector<TextPlaces> places = {}; ///< for each column, its texts so far; they are views into the file
     std::vector<std::string_view> words = {};
     std::string_view line = {};
+    std::size_t row = 0; ///< counted from 1
 };
 
 bool isComment(std::string_view word)
@@ -132,7 +133,7 @@ Status buildColumns(const std::string &inName, const Declarations &declared, Tex
         const auto type = formats.empty() ? std::optional(CellType::real) : typeOf(formats[i]);
         if (!type)
             return messages.fail("RdTable Error: bad format %s\n", std::string(*declared.format).c_str());
-        table.varInfo.push_back({*type, std::string(names[i]), {}});
+        table.varInfo.push_back({*type, std::string(names[i])});
     }
     return Status::ok;
 }
@@ -152,6 +153,26 @@ void warnBadItem(const RowReader &reader, char kind, std::size_t column)
 {
     reader.messages.err("RdTable Warning: Bad %c-Item %zu:\n%s\n", kind, column + 1,
                         std::string(reader.line).c_str());
+}
+
+/// Keeps what was hardly meant: `isRead` is false for a cell that was read as 0.
+void keepOddCell(RowReader &reader, std::size_t column, std::string_view word, bool isRead)
+{
+    tabVar &info = reader.table.varInfo[column];
+    const bool isWhole = isNumber(word);
+    OddCells *cells = nullptr;
+    if (isWhole && info.type == CellType::integer && !isInteger(word))
+        cells = &info.cut;
+    else if (!isRead)
+        cells = &info.noNumber;
+    else if (!isWhole)
+        cells = &info.partly;
+    if (cells == nullptr)
+        return;
+    constexpr std::size_t keptCells = 3;
+    if (cells->count++ < keptCells)
+        cells->first.push_back((word.empty() ? "nothing" : std::string(word)) + " in row " +
+                               std::to_string(reader.row));
 }
 
 /// The cell of a text: its place among the distinct texts of the column.
@@ -183,14 +204,17 @@ Status readCell(RowReader &reader, std::size_t column, float &cell)
             warnBadItem(reader, 'T', column);
         return readTextCell(reader, column, word, cell);
     }
+    bool isRead = true;
     if (type == CellType::integer) {
         int value = 0;
-        if (!wordToInt(word, value))
-            warnBadItem(reader, 'I', column);
+        isRead = wordToInt(word, value);
         cell = static_cast<float>(value);
-    } else if (!wordToFloat(word, cell)) {
-        warnBadItem(reader, 'F', column);
+    } else {
+        isRead = wordToFloat(word, cell);
     }
+    if (!isRead)
+        warnBadItem(reader, type == CellType::integer ? 'I' : 'F', column);
+    keepOddCell(reader, column, word, isRead);
     if (reader.declared.nullValue && cell == static_cast<float>(*reader.declared.nullValue))
         cell = reader.defNullValue;
     return Status::ok;
@@ -214,6 +238,7 @@ Status readLines(TextInput &input, RowReader &reader)
     while (fgetsAlloc(input, reader.line)) {
         if (!isRowWord(firstWord(reader.line)))
             continue;
+        ++reader.row;
         if (readRow(reader, reader.table.matrix.span().subspan(first, columns)) != Status::ok)
             return Status::failed;
         first += columns;

@@ -17,11 +17,20 @@ namespace trelm {
 
 enum class CellType { text, integer, real };
 
+/// Cells that were hardly meant as they were read.
+struct OddCells {
+    std::size_t count = 0;
+    std::vector<std::string> first; ///< some of them, as "-8,17 in row 5"
+};
+
 /// One column.
 struct tabVar {
-    CellType type = CellType::real;     ///< from FORMAT, real without one
-    std::string name;                   ///< from VARS
-    std::vector<std::string> equivList; ///< the distinct texts, in order of appearance
+    CellType type = CellType::real;          ///< from FORMAT, real without one
+    std::string name;                        ///< from VARS
+    std::vector<std::string> equivList = {}; ///< the distinct texts, in order of appearance
+    OddCells noNumber = {};                  ///< a number that is missing or a text: read as 0
+    OddCells partly = {};                    ///< a number with something behind it, which was left out
+    OddCells cut = {};                       ///< a fraction in a column of integers, which was left out
 };
 
 /// The cell of a text that is the NULLSTRING: it names no text.

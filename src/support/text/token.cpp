@@ -108,6 +108,22 @@ bool wordToDouble(std::string_view word, double &value)
     return wordToReal(word, value);
 }
 
+bool isNumber(std::string_view word)
+{
+    if (!cutPlus(word))
+        return false;
+    double value = 0.0;
+    const auto [end, status] = std::from_chars(word.data(), word.data() + word.size(), value);
+    return status != std::errc::invalid_argument && (end == word.data() + word.size() || isHexadecimal(word));
+}
+
+bool isInteger(std::string_view word)
+{
+    int whole = 0;
+    double value = 0.0;
+    return wordToInt(word, whole) && wordToDouble(word, value) && value == static_cast<double>(whole);
+}
+
 std::size_t scanNumbers(std::string_view line, std::span<double> values)
 {
     const std::string text(line);

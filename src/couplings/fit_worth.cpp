@@ -1,0 +1,126 @@
+#include "couplings/fit_worth.h"
+
+#include "couplings/design.h"
+#include "support/numerics/svd.h"
+#include "support/text/text.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+
+namespace trelm {
+namespace {
+
+constexpr std::size_t n = saupeCount;
+
+int unknownsOf(int tensorMode)
+{
+    switch (tensorMode) {
+    case tensorSvd:
+    case tensorNofixed:
+    case tensorFreeToo:
+        return static_cast<int>(n);
+    case tensorDaDr:
+        return 3; // the rotation
+    default:
+        return 0;
+    }
+}
+
+/// The mean place of some atoms.
+std::array<float, 3> middle(std::span<AtomInfo *const> atoms)
+{
+    std::array<float, 3> sum = {};
+    const auto count = static_cast<float>(atoms.size());
+    for (const AtomInfo *atom : atoms)
+        sum = {sum[0] + atom->x / count, sum[1] + atom->y / count, sum[2] + atom->z / count};
+    return sum;
+}
+
+/// The row of the design matrix of a coupling.
+std::array<double, n> designOf(const DInfo &calc, float sigma)
+{
+    const std::array<float, 3> i = middle(calc.atomsI()), j = middle(calc.atomsJ());
+    float di = calc.di, d = 0.0f;
+    const FitVectors vectors = {.xI = {&i[0], 1},
+                                .yI = {&i[1], 1},
+                                .zI = {&i[2], 1},
+                                .xJ = {&j[0], 1},
+                                .yJ = {&j[1], 1},
+                                .zJ = {&j[2], 1},
+                                .diVal = {&di, 1},
+                                .dVal = {&d, 1},
+                                .dSigma = {&sigma, 1}};
+    const SaupeValues terms = geometryTerms(vectors, 0);
+    const double scale = rowScale(vectors, 0).design;
+    std::array<double, n> row;
+    std::ranges::transform(terms, row.begin(), [scale](float term) { return scale * double{term}; });
+    return row;
+}
+
+/// Singular values, falling, from the sums of products: five by five, however many couplings there are.
+std::array<double, n> singularValues(const std::array<double, n * n> &products)
+{
+    const double largest = *std::ranges::max_element(products);
+    std::array<float, n *n> matrix = {}, v = {};
+    std::array<float, n> squares = {}, work = {};
+    if (largest > 0.0)
+        std::ranges::transform(products, matrix.begin(),
+                               [=](double value) { return static_cast<float>(value / largest); });
+    svdcmpUser(matrix, static_cast<int>(n), static_cast<int>(n), squares, v, work);
+    std::ranges::sort(squares, std::greater{});
+    std::array<double, n> values;
+    std::ranges::transform(squares, values.begin(),
+                           [](float square) { return std::sqrt(std::max(0.0, double{square})); });
+    return values;
+}
+
+} // namespace
+
+FitWorth assessFit(const DTable &dTab, const FitColumns &columns, int tensorMode)
+{
+    constexpr double smallest = 1e-3;      // of the largest: below it stands the rounding of the squares
+    constexpr double nearlyParallel = 0.1; // vectors within some five degrees
+    FitWorth worth = {.unknowns = unknownsOf(tensorMode)};
+    std::array<double, n *n> products = {};
+    for (std::size_t row = 0; row < columns.use.size(); ++row) {
+        const DInfo &calc = dTab.calculated()[row];
+        const int pairs = calc.atomICount * calc.atomJCount;
+        if (columns.use[row] == 0 || (pairs != 1 && pairs != 3))
+            continue;
+        ++worth.couplings;
+        const std::array<double, n> design = designOf(calc, columns.sigma[row]);
+        for (std::size_t k = 0; k < products.size(); ++k)
+            products[k] += design[k / n] * design[k % n];
+    }
+    const std::array<double, n> values = singularValues(products);
+    worth.isOneDirection = values[1] < nearlyParallel * values[0];
+    worth.condition = values[n - 1] > smallest * values[0] ? values[0] / values[n - 1]
+                                                           : std::numeric_limits<double>::infinity();
+    return worth;
+}
+
+std::string worthLine(const FitWorth &worth)
+{
+    constexpr int fewestSpare = 5;            // degrees of freedom, below which Q and the errors are chance
+    constexpr double largestCondition = 30.0; // evenly spread vectors have 2
+    const int spare = worth.couplings - worth.unknowns;
+    std::string text;
+    if (worth.unknowns == 0 || worth.couplings == 0 ||
+        (spare >= fewestSpare && worth.condition <= largestCondition))
+        return text;
+    appendf(text, "trelm: %d couplings for %d unknowns: degrees of freedom %d, condition number %.3g",
+            worth.couplings, worth.unknowns, spare, worth.condition);
+    if (spare < 0)
+        text += ", no tensor can be found (add couplings, or hold Da and Dr with -dadr)";
+    else if (worth.isOneDirection)
+        text += ", all along one direction (add couplings of another kind of pair)";
+    else if (spare < fewestSpare)
+        text += ", a small Q proves nothing (add couplings)";
+    else
+        text += ", parts of the tensor are hardly determined (add couplings of other kinds)";
+    return text + ".\n";
+}
+
+} // namespace trelm

@@ -29,19 +29,21 @@ int unknownsOf(int tensorMode)
 }
 
 /// The mean place of some atoms.
-std::array<float, 3> middle(std::span<AtomInfo *const> atoms)
+std::array<float, 3> middle(std::span<const Coord3D> coords, std::span<const std::size_t> places)
 {
     std::array<float, 3> sum = {};
-    const auto count = static_cast<float>(atoms.size());
-    for (const AtomInfo *atom : atoms)
-        sum = {sum[0] + atom->x / count, sum[1] + atom->y / count, sum[2] + atom->z / count};
+    const auto count = static_cast<float>(places.size());
+    for (const std::size_t place : places) {
+        const Coord3D &atom = coords[place];
+        sum = {sum[0] + atom.x / count, sum[1] + atom.y / count, sum[2] + atom.z / count};
+    }
     return sum;
 }
 
 /// The row of the design matrix of a coupling.
-std::array<double, n> designOf(const DInfo &calc, float sigma)
+std::array<double, n> designOf(std::span<const Coord3D> coords, const DInfo &calc, float sigma)
 {
-    const std::array<float, 3> i = middle(calc.atomsI()), j = middle(calc.atomsJ());
+    const std::array<float, 3> i = middle(coords, calc.atomsI()), j = middle(coords, calc.atomsJ());
     float di = calc.di, d = 0.0f;
     const FitVectors vectors = {.xI = {&i[0], 1},
                                 .yI = {&i[1], 1},
@@ -78,19 +80,19 @@ std::array<double, n> singularValues(const std::array<double, n * n> &products)
 
 } // namespace
 
-FitWorth assessFit(const DTable &dTab, const FitColumns &columns, int tensorMode)
+FitWorth assessFit(const FitInput &input, int tensorMode)
 {
     constexpr double smallest = 1e-3;      // of the largest: below it stands the rounding of the squares
     constexpr double nearlyParallel = 0.1; // vectors within some five degrees
     FitWorth worth = {.unknowns = unknownsOf(tensorMode)};
     std::array<double, n *n> products = {};
-    for (std::size_t row = 0; row < columns.use.size(); ++row) {
-        const DInfo &calc = dTab.calculated()[row];
+    for (std::size_t row = 0; row < input.columns.use.size(); ++row) {
+        const DInfo &calc = input.dTab.calculated()[row];
         const int pairs = calc.atomICount * calc.atomJCount;
-        if (columns.use[row] == 0 || (pairs != 1 && pairs != 3))
+        if (input.columns.use[row] == 0 || (pairs != 1 && pairs != 3))
             continue;
         ++worth.couplings;
-        const std::array<double, n> design = designOf(calc, columns.sigma[row]);
+        const std::array<double, n> design = designOf(input.coords, calc, input.columns.sigma[row]);
         for (std::size_t k = 0; k < products.size(); ++k)
             products[k] += design[k / n] * design[k % n];
     }

@@ -209,12 +209,12 @@ bool agrees(std::string_view a, std::string_view b)
     return letterOf(a) == letterOf(b);
 }
 
-Agreement agreementAt(PDBInfo &pdbInfo, const std::set<NamedResidue> &residues, int shift)
+Agreement agreementAt(const PDBInfo &pdbInfo, const std::set<NamedResidue> &residues, int shift)
 {
     Agreement found = {.shift = shift};
     for (const NamedResidue &residue : residues) {
         const ResInfo *there =
-            findRes(&pdbInfo, shiftedRes(residue.resID, shift), residue.chainName, residue.segName);
+            findRes(pdbInfo, shiftedRes(residue.resID, shift), residue.chainName, residue.segName);
         if (there == nullptr)
             continue;
         ++found.compared;
@@ -224,7 +224,7 @@ Agreement agreementAt(PDBInfo &pdbInfo, const std::set<NamedResidue> &residues, 
 }
 
 /// The smallest shift with which nearly all names agree.
-std::optional<Agreement> bestShift(PDBInfo &pdbInfo, const std::set<NamedResidue> &residues)
+std::optional<Agreement> bestShift(const PDBInfo &pdbInfo, const std::set<NamedResidue> &residues)
 {
     constexpr int farthest = 1000;
     constexpr std::size_t fewest = 4; // some names agree by chance
@@ -371,12 +371,12 @@ std::vector<TableFinding> checkRows(const DTable &dTab, const TableUse &use)
     return findings;
 }
 
-std::vector<TableFinding> checkResidueNames(PDBInfo &pdbInfo, const DTable &dTab, int offset, int first)
+std::vector<TableFinding> checkResidueNames(const PDBInfo &pdbInfo, const DTable &dTab, int offset, int first)
 {
     const std::set<NamedResidue> residues = namedResidues(pdbInfo, dTab, offset);
     TableFinding found = {.fault = TableFault::otherResidues};
     for (const NamedResidue &residue : residues) {
-        const ResInfo *there = findRes(&pdbInfo, residue.resID, residue.chainName, residue.segName);
+        const ResInfo *there = findRes(pdbInfo, residue.resID, residue.chainName, residue.segName);
         if (there == nullptr || letterOf(there->resName.view()) == '\0')
             continue;
         ++found.all;

@@ -30,7 +30,8 @@ std::vector<TableFinding> checkRows(const DTable &dTab, const TableUse &use);
 /// Residue names of the chosen rows against those of the structure, and the shift of residue numbers with
 /// which they agree. `offset` is added to the numbers of the table, `first` is the value of -a1 that this
 /// comes from. Other names of one residue (HIS and HSD, one letter and three) agree.
-std::vector<TableFinding> checkResidueNames(PDBInfo &pdbInfo, const DTable &dTab, int offset, int first);
+std::vector<TableFinding> checkResidueNames(const PDBInfo &pdbInfo, const DTable &dTab, int offset,
+                                            int first);
 
 /// One warning for each finding that matters to the use.
 void tellFindings(const std::vector<TableFinding> &findings, const TableUse &use, const std::string &name,

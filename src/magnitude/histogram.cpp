@@ -80,7 +80,7 @@ Status checkPrincipal(std::span<const float> values, Messages &messages)
         return messages.fail(
             "Error: The extremes of the couplings are one value, there is no tensor to fit.\n");
     if (values[0] * values[1] > 0.0f)
-        messages.err("Warning: Both extremes of the couplings have one sign, which no tensor's have.\n");
+        messages.warn("Warning: Both extremes of the couplings have one sign, which no tensor's have.\n");
     return Status::ok;
 }
 
@@ -186,6 +186,26 @@ void fitResiduals(const HistogramResult &wanted, std::span<const float> magnitud
         res[2] = static_cast<float>(wanted.Dxx + da * (1.0 - 1.5 * rh));
 }
 
+/// Warns of what the claimed error does not know: whether a vector stands near the axis. Of n random vectors
+/// the share of those with a coupling beyond 2 Da (1 - x) is x/3, so that with 19 chances of 20 the outermost
+/// misses the end by less than 3 ln(20) / n of it.
+void tellClaim(const ObservedCouplings &observed, const HistogramResult &result, Messages &messages)
+{
+    const double share = 3.0 * std::log(20.0) / static_cast<double>(observed.coupList.size());
+    const double missed = share * std::fabs(double{result.Da2Par});
+    if (missed > double{result.DaErrFit})
+        messages.warn(
+            "trelm: the ends of the pattern may be empty: of %zu vectors the outermost is up to %.2f Hz too"
+            " small for Da, whatever Da_ERR says (-daMl -clearMl takes all couplings).\n",
+            observed.coupList.size(), missed);
+    const double low = std::fabs(observed.minD), high = std::fabs(observed.maxD);
+    if (std::fabs(high - low) < 2.0 * missed)
+        messages.warn(
+            "trelm: the couplings reach %.2f and %.2f Hz: which of them is 2 Da, and so the sign of Da, is"
+            " open (give a structure, -bestFit).\n",
+            double{observed.minD}, double{observed.maxD});
+}
+
 } // namespace
 
 AveragedExtremes getDzzDyy(std::span<float> coupList, float delta, float sdevNeg, float sdevPos)
@@ -198,11 +218,11 @@ AveragedExtremes getDzzDyy(std::span<float> coupList, float delta, float sdevNeg
 void tellHistogram(const HistogramOptions &options, Messages &messages)
 {
     if (options.optExtrem != 0 && !(options.sdevDzz > 0.0f && options.sdevDyy > 0.0f))
-        messages.err(
+        messages.warn(
             "Warning: -sdevDzz %g, -sdevDyy %g: without a factor above 0 an extreme is averaged to 0.\n",
             double{options.sdevDzz}, double{options.sdevDyy});
     if (options.modeFit == 3 && options.nBinIn == 1)
-        messages.err("Warning: -bin 1: a single bin has no width, no coupling falls into it.\n");
+        messages.warn("Warning: -bin 1: a single bin has no width, no coupling falls into it.\n");
 }
 
 bool makeBins(float delta, float max, float min, int nUserBins, Bins &bins)
@@ -283,9 +303,12 @@ Status getHistDabR(const ObservedCouplings &observed, const HistogramOptions &op
     }
     result.DaFit = result.Da2Par;
     result.RFit = result.R2Par;
-    if (!options.isFitted())
-        return Status::ok;
-    return fitValues(coupList, principal, observed.rAveDD, options, result, messages);
+    const Status status = options.isFitted()
+                              ? fitValues(coupList, principal, observed.rAveDD, options, result, messages)
+                              : Status::ok;
+    if (status == Status::ok)
+        tellClaim(observed, result, messages);
+    return status;
 }
 
 Status histoExtFit(std::span<float> coupList, std::span<const float> sigma, const HistogramOptions &options,

@@ -29,9 +29,9 @@ Status checkSettings(const MotionSetup &setup, Messages &messages)
 {
     const DrawOptions &draw = setup.draw;
     if (!setup.histogram.isFitted())
-        messages.err("Warning: -nFit %d: no set is fitted, all have Da and R 0.\n", setup.histogram.modeFit);
+        messages.warn("Warning: -nFit %d: no set is fitted, all have Da and R 0.\n", setup.histogram.modeFit);
     if (draw.histRan < 1)
-        messages.err("Warning: -nRun %d: no set is drawn.\n", draw.histRan);
+        messages.warn("Warning: -nRun %d: no set is drawn.\n", draw.histRan);
     if (draw.histRan > maxSets)
         return messages.fail("motionHist: -nRun %d: the number of sets is at most %d.\n", draw.histRan,
                              maxSets);
@@ -146,9 +146,9 @@ void tellSets(std::span<const MotionSet> sets, bool isFitted, float largestError
             " tensor, or a tensor without a pattern.\n",
             without, sets.size());
     if (largestError > maxWholeError)
-        messages.err("Warning: the mean error of a set, %.3f Hz, is above %.2f Hz: the response runs into"
-                     " itself.\n",
-                     double{largestError}, maxWholeError);
+        messages.warn("Warning: the mean error of a set, %.3f Hz, is above %.2f Hz: the response runs into"
+                      " itself.\n",
+                      double{largestError}, maxWholeError);
 }
 
 Status drawSets(const Pool &pool, const MotionSetup &setup, std::vector<MotionSet> &sets, Messages &messages)

@@ -85,10 +85,10 @@ void tellTable(const Run &run, const std::string &name, const DTable &dTab, Mess
     tellFindings(checkRows(dTab, use), use, name, messages);
 }
 
-void tellResidues(Run &run, Messages &messages)
+void tellResidues(const Run &run, Messages &messages)
 {
     const TableUse use = useOf(run.trelmInfo[0]);
-    PDBInfo &pdbInfo = run.pdbInfo[0];
+    const PDBInfo &pdbInfo = run.pdbInfo[0];
     if (use.hasPeaks || pdbInfo.atomCount == 0)
         return;
     const DcInfo &window = run.dcInfo[0];
@@ -106,7 +106,9 @@ void tellFit(const Run &run, Messages &messages)
         return;
     FitColumns columns;
     takeColumns(dTab, columns);
-    if (const std::string line = worthLine(assessFit(dTab, columns, dTab.dTensor.tensorMode)); !line.empty())
+    if (const std::string line =
+            worthLine(assessFit({run.pdbInfo[0].coordinates(), dTab, columns}, dTab.dTensor.tensorMode));
+        !line.empty())
         messages.warn("%s", line.c_str());
 }
 

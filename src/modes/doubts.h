@@ -9,7 +9,7 @@ namespace trelm {
 void tellTable(const Run &run, const std::string &name, const DTable &dTab, Messages &messages);
 
 /// Residue names of the run's table against its structure, where there are both.
-void tellResidues(Run &run, Messages &messages);
+void tellResidues(const Run &run, Messages &messages);
 
 /// A best-fit: its tensor options, its samples, and whether its couplings determine it.
 void tellFit(const Run &run, Messages &messages);

@@ -127,7 +127,7 @@ Status buildColumns(const std::string &inName, const Declarations &declared, Tex
         checkCount("TOLERANCE", declared.tolerance, tolerances, declared, messages) != Status::ok)
         return Status::failed;
     if (formats.empty())
-        messages.err("RdTable Warning: %s has no FORMAT line: all its columns are read as numbers.\n",
+        messages.warn("RdTable Warning: %s has no FORMAT line: all its columns are read as numbers.\n",
                      inName.c_str());
     for (std::size_t i = 0; i < names.size(); ++i) {
         const auto type = formats.empty() ? std::optional(CellType::real) : typeOf(formats[i]);

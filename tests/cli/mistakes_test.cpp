@@ -1,0 +1,214 @@
+// Ordinary mistakes: each ends as it always has, and is told in a line that names the remedy; without the
+// mistake nothing is said.
+#include "cli/run_program.h"
+#include "support/text/text.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+#include <ostream>
+
+namespace {
+
+constexpr int open = -1; ///< a status that is not looked at
+
+/// A run that names in.tab and in.pdb, which are right where a case brings none of its own.
+struct Mistake {
+    std::string name, told;
+    std::string options;
+    Files files = {};         ///< that are mistaken
+    std::string correct = {}; ///< the options of a run without the mistake, if not those above
+    int status = 0;
+    int strictStatus = open;
+};
+
+std::ostream &operator<<(std::ostream &out, const Mistake &mistake)
+{
+    return out << mistake.name;
+}
+
+const std::string fit = "-bestFit -pdb in.pdb -inD in.tab -outD fit.tab -pdbRot t.pdb -H";
+const std::string names = "VARS RESID_I RESNAME_I ATOMNAME_I RESID_J RESNAME_J ATOMNAME_J ";
+const std::string head = names + "D DD W\nFORMAT %5d %6s %6s %5d %6s %6s %9.3f %9.3f %.2f\n";
+
+std::string ubiquitin(std::string_view name)
+{
+    return fileText(example(name));
+}
+
+/// A text with the first place of a part changed.
+std::string with(std::string text, std::string_view part, std::string_view other)
+{
+    const std::size_t place = text.find(part);
+    EXPECT_NE(place, std::string::npos) << part;
+    return text.replace(place, part.size(), other);
+}
+
+std::string table(std::string_view part, std::string_view other)
+{
+    return with(ubiquitin("bicelle_hn.tab"), part, other);
+}
+
+/// The amides of ubiquitin, their residues numbered from another one, with an error of one's own.
+std::string amides(int shift, const char *error = "0.160")
+{
+    std::string text = head;
+    for (const auto &row : tableRows(ubiquitin("bicelle_hn.tab"))) {
+        const int residue = std::stoi(row[0]) + shift;
+        trelm::appendf(text, "%d %s H %d %s N %s %s 1.00\n", residue, row[1].c_str(), residue, row[1].c_str(),
+                       row[6].c_str(), error);
+    }
+    return text;
+}
+
+/// Couplings of evenly spread vectors, Da -10 Hz, R 0.2.
+std::string pattern(int count)
+{
+    std::string text = head;
+    for (int i = 0; i < count; ++i) {
+        const double z = 1.0 - (2.0 * i + 1.0) / count;
+        const double angle = std::numbers::pi * (1.0 + std::sqrt(5.0)) * i;
+        const double d = -10.0 * (3.0 * z * z - 1.0 + 0.3 * (1.0 - z * z) * std::cos(2.0 * angle));
+        trelm::appendf(text, "%d ALA H %d ALA N %.3f 0.500 1.00\n", i + 1, i + 1, d);
+    }
+    return text;
+}
+
+/// Twelve amides that all point along z, and their couplings.
+Files parallel()
+{
+    std::string atoms, text = head;
+    for (int i = 1; i <= 12; ++i) {
+        for (const auto &[name, z] : {std::pair("N", 0.0), std::pair("H", 1.02)})
+            trelm::appendf(atoms, "ATOM  %5d  %-3s ALA A%4d    %8.3f%8.3f%8.3f\n", i, name, i, 4.0 * i, 0.0,
+                           z);
+        trelm::appendf(text, "%d ALA H %d ALA N 5.0 0.2 1.0\n", i, i);
+    }
+    return {{"in.pdb", atoms}, {"in.tab", text}};
+}
+
+std::vector<Mistake> tables()
+{
+    const std::string lines = "    3    ILE      H     3    ILE      N     8.271     0.160 1.00\n",
+                      turned = "    3    ILE      N     3    ILE      H     8.271     0.160 1.00\n";
+    const auto in = [](const std::string &text) { return Files{{"in.tab", text}}; };
+    return {
+        {"NoD", "no column D, all couplings are 0 (name the column", fit, in(table(" D DD", " VALUE DD"))},
+        {"NoDD", "no column DD, all errors are 1 Hz: -mcDc goes by them", fit + " -mcDc -map 20",
+         in(table("D DD W", "D ERR W"))},
+        {"IntegerFormat", "63 cells of D lose their fraction: -8.170 in row 1, ", fit,
+         in(table("%9.3f", "%9d"))},
+        {"Comma", "1 cells of D are read in part: -8,170 in row 1 (decimals", fit,
+         in(table("-8.170", "-8,170"))},
+        {"InsertionCode", "1 cells of RESID_I are read in part: 3A in row 2", fit,
+         in(table("    3    ILE      H", "   3A    ILE      H"))},
+        {"Word", "1 cells of D are no number and read as 0: n.d. in row 1", fit, in(table("-8.170", "n.d."))},
+        {"Minus999", "1 values are 999, -999 or -9999, those below 0 count: 2 H - 2 N (9999", fit,
+         in(table("-8.170", "-999.0"))},
+        {"Plus999", "1 values are 999, ", fit, in(table("-8.170", "999.0"))},
+        {"TooLarge", "1 couplings are more than their pairs can have: 2 H - 40 CA", fit,
+         in(table(lines, "2 GLN H 40 GLN CA 333.0 1 1\n" + lines))},
+        {"Twice", "1 rows of a pair that has one already: 3 H - 3 N", fit, in(table(lines, lines + lines))},
+        {"TwiceTurned", "1 rows of a pair that has one already: 3 N - 3 H", fit,
+         in(table(lines, lines + turned))},
+        {"SomeErrorsZero", "DD is 0 in 1 of 63 rows, which N counts and a fit hardly sees: 2 H - 2 N", fit,
+         in(table("0.160", "0.000"))},
+        {"AllErrorsZero", "DD is 0 in all 63 rows: ", fit, in(amides(0, "0.000"))},
+        {"Shifted", "63 residue names differ; shifted by -1, 63 of 63 agree (-a1 2)", fit, in(amides(1))},
+        {"Mutant", "1 of 63 residue names differ: 2 is TRP and GLN in the structure", fit,
+         in(with(table("GLN", "TRP"), "GLN", "TRP"))},
+        {"Report", "a report, its D was calculated", fit,
+         in(names + "D_OBS D DD W\nFORMAT %5d %6s %6s %5d %6s %6s %9.3f %9.3f %9.3f %.2f\n" +
+            "2 GLN H 2 GLN N -8.170 -7.9 0.16 1.0\n")},
+        {"SeveralKinds",
+         "3 kinds of couplings are one pattern, all with W 1: ", "-daMl -clearMl -inD in.tab -outD o.tab",
+         in(head + "2 GLN H 2 GLN N -8 1 1\n3 ILE CA 3 ILE C 8 1 1\n4 PHE CA 4 PHE HA 4 1 1\n")},
+    };
+}
+
+std::vector<Mistake> fits()
+{
+    const std::string noSample = " without -map draws no sample (-map 1000).";
+    return {
+        {"FourCouplings", "4 couplings for 5 unknowns: degrees of freedom -1", fit + " -d1 3 -dN 6", {}, fit},
+        {"SevenCouplings",
+         "7 couplings for 5 unknowns: degrees of freedom 2, condition number ",
+         fit + " -d1 2 -dN 8",
+         {},
+         fit},
+        {"FiveForARotation",
+         "5 couplings for 3 unknowns: ",
+         fit + " -dadr -da -4e-4 -dr 1e-5 -d1 2 -dN 6",
+         {},
+         fit + " -dadr -da -4e-4 -dr 1e-5"},
+        {"OneDirection", ", all along one direction (add couplings of another kind of pair)", fit,
+         parallel()},
+        {"McDc", "-mcDc" + noSample, fit + " -mcDc", {}, fit + " -mcDc -map 20"},
+        {"McStruc", "-mcStruc" + noSample, fit + " -mcStruc", {}, fit + " -mcStruc -map 20"},
+        {"Jack", "-jack" + noSample, fit + " -jack", {}, fit + " -jack -map 20 -dFrac 0.5"},
+        {"Rand", "-rand" + noSample, fit + " -rand", {}, fit + " -rand -map 20", open},
+        {"Hertz",
+         "-da -9.4 -dr -1 is no tensor, it has no unit",
+         fit + " -dadr -da -9.4 -dr -1",
+         {},
+         fit + " -dadr -da -4e-4 -dr -5e-5"},
+    };
+}
+
+std::vector<Mistake> magnitudes()
+{
+    const std::string search = "-daMl -clearMl -inD in.tab -outD o.tab -outSc s.txt",
+                      histogram = "-daHist -nFit 2 -outD o.tab -inD ";
+    const Files medium = {{"in.tab", ubiquitin("bicelle2_hn.tab")}, {"many.tab", pattern(2000)}};
+    return {
+        {"EdgeOfDa", "the best score, Da -8.900 R ", search + " -lDa -9", {}, search},
+        {"EdgeOfR", "R above 0.667 means that the sign of Da is open", search, medium},
+        {"NotCleared", "the couplings reach 26.40 Hz, the pattern found ends at 6.80 Hz",
+         "-daMl -inD in.tab -outD o.tab -outSc s.txt", medium},
+        {"FewForAPattern", "9 couplings for a pattern", search + " -d1 2 -dN 11", {}, search},
+        {"EmptyEnds", "of 60 vectors the outermost is up to 1.98 Hz too small for Da", histogram + "in.tab",
+         medium, histogram + "many.tab"},
+        {"OpenSign", "the couplings reach -24.37 and 26.40 Hz: ", histogram + "in.tab", medium,
+         histogram + "many.tab"},
+    };
+}
+
+class Mistakes : public testing::TestWithParam<Mistake> {};
+
+Ran runWith(const std::string &options, Files files)
+{
+    files.insert({"in.tab", ubiquitin("bicelle_hn.tab")});
+    files.insert({"in.pdb", ubiquitin("1d3z_model1.pdb")});
+    files.insert({"many.tab", pattern(2000)});
+    return runProgram(options, {.files = files});
+}
+
+TEST_P(Mistakes, AreTold)
+{
+    const Mistake &mistake = GetParam();
+    const Ran ran = runWith(mistake.options, mistake.files);
+    EXPECT_TRUE(mistake.status == open || ran.status == mistake.status) << ran.status;
+    const std::size_t place = ran.err.find(mistake.told);
+    ASSERT_NE(place, std::string::npos) << ran.err;
+    const std::size_t line = ran.err.rfind('\n', place) + 1;
+    EXPECT_EQ(ran.err.substr(line, 7), "trelm: ");
+}
+
+TEST_P(Mistakes, AreNotToldOfCorrectInput)
+{
+    const Mistake &mistake = GetParam();
+    const Ran ran = runWith(mistake.correct.empty() ? mistake.options : mistake.correct, {});
+    EXPECT_EQ(ran.err.find("\ntrelm: "), std::string::npos) << ran.err;
+}
+
+std::string nameOf(const testing::TestParamInfo<Mistake> &info)
+{
+    return info.param.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Tables, Mistakes, testing::ValuesIn(tables()), nameOf);
+INSTANTIATE_TEST_SUITE_P(Fits, Mistakes, testing::ValuesIn(fits()), nameOf);
+INSTANTIATE_TEST_SUITE_P(Magnitudes, Mistakes, testing::ValuesIn(magnitudes()), nameOf);
+
+} // namespace

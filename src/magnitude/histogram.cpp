@@ -191,7 +191,7 @@ void fitResiduals(const HistogramResult &wanted, std::span<const float> magnitud
 /// misses the end by less than 3 ln(20) / n of it.
 void tellClaim(const ObservedCouplings &observed, const HistogramResult &result, Messages &messages)
 {
-    const double share = 3.0 * std::log(20.0) / static_cast<double>(observed.coupList.size());
+    const double share = std::min(1.0, 3.0 * std::log(20.0) / static_cast<double>(observed.coupList.size()));
     const double missed = share * std::fabs(double{result.Da2Par});
     if (missed > double{result.DaErrFit})
         messages.warn(

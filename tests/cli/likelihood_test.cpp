@@ -118,7 +118,7 @@ TEST(LikelihoodRun, LimitsBeyondAllTensors)
     };
     for (const Case &c : cases) {
         const Ran ran = search(std::string(c.limits) + " -outSc scores");
-        EXPECT_EQ(complaints(ran.err), c.told);
+        EXPECT_TRUE(complaints(ran.err).starts_with(c.told)) << ran.err;
         EXPECT_TRUE(ran.file("scores").substr(41).starts_with(c.scores)) << ran.file("scores");
         EXPECT_EQ(number(ran.file("out.tab"), "DATA ML Da   "), c.da) << c.limits;
     }
@@ -126,18 +126,20 @@ TEST(LikelihoodRun, LimitsBeyondAllTensors)
 
 TEST(LikelihoodRun, LargeErrorsFoldTheResponse)
 {
-    const auto told = [](const std::string &error) {
+    const std::string warning = "Warning: the mean error of the couplings, ",
+                      folded = " Hz, is above 1.70 Hz: the response runs into itself.\n";
+    const auto told = [&](const std::string &error, const std::string &mean) {
         std::string table = "VARS RESID_I ATOMNAME_I RESID_J ATOMNAME_J D DD\nFORMAT %d %s %d %s %f %f\n";
         for (const char *coupling : {"-20.0", "-18.0", "9.0", "8.0", "10.0", "1.0"})
             table.append("2 H 2 N ").append(coupling).append(" ").append(error).append("\n");
         const Ran ran = runProgram("-daMl -incDa 1 -incR 0.1 -inD in.tab -outD out.tab -outSc scores",
                                    {.files = {{"in.tab", table}}});
-        return std::to_string(ran.status) + " " + complaints(ran.err);
+        EXPECT_EQ(ran.status, 0);
+        return countOf(ran.err, warning + mean + folded);
     };
-    EXPECT_EQ(told("1.7"), "0 ");
-    const std::string folded = " Hz, is above 1.70 Hz: the response runs into itself.\n";
-    EXPECT_EQ(told("1.71"), "0 Warning: the mean error of the couplings, 1.710" + folded);
-    EXPECT_EQ(told("2.5"), "0 Warning: the mean error of the couplings, 2.500" + folded);
+    EXPECT_EQ(told("1.7", "1.700"), 0);
+    EXPECT_EQ(told("1.71", "1.710"), 1);
+    EXPECT_EQ(told("2.5", "2.500"), 1);
 }
 
 TEST(LikelihoodRun, MappedCouplings)

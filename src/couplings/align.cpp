@@ -229,7 +229,7 @@ void fitDCTarget(AlignRun &run, std::span<const float> cg, std::span<float> res)
         ++n;
         if (run.input.verbose > 2)
             run.messages.note(" DC %3d % 8.3f % 8.3f % 8.3f\n", n, double{columns.d[i]}, double{calculated},
-                             double{difference});
+                              double{difference});
     }
     run.dRMS = n > 0 ? std::sqrt(squares / static_cast<float>(n)) : 0.0f;
     if (run.input.verbose > 1)

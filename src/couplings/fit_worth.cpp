@@ -122,7 +122,7 @@ std::string worthLine(const FitWorth &worth)
         text += ", a small Q proves nothing (add couplings)";
     else
         text += ", parts of the tensor are hardly determined (add couplings of other kinds)";
-    return text + ".\n";
+    return text + "\n";
 }
 
 } // namespace trelm

@@ -404,7 +404,8 @@ void tellFindings(const std::vector<TableFinding> &findings, const TableUse &use
 {
     for (const TableFinding &finding : findings)
         if (matters(finding.fault, use))
-            messages.warn("trelm: %s: %s.\n", name.c_str(), textOf(finding, use).c_str());
+            messages.warn("trelm: %s%s%s\n", name.c_str(), name.empty() ? "" : ": ",
+                          textOf(finding, use).c_str());
 }
 
 } // namespace trelm

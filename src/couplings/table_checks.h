@@ -33,7 +33,7 @@ std::vector<TableFinding> checkRows(const DTable &dTab, const TableUse &use);
 std::vector<TableFinding> checkResidueNames(const PDBInfo &pdbInfo, const DTable &dTab, int offset,
                                             int first);
 
-/// One warning for each finding that matters to the use.
+/// One warning for each finding that matters to the use. `name` stands before it, if there is one.
 void tellFindings(const std::vector<TableFinding> &findings, const TableUse &use, const std::string &name,
                   Messages &messages);
 

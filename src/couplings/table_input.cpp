@@ -12,7 +12,7 @@ Status readTable(const std::string &inDName, DTable &dTab, Messages &messages)
         return status;
     }
     messages.note("%s, %d Couplings, Residues %d to %d.\n", inDName.c_str(), dTab.dCount, dTab.dMinRes,
-                 dTab.dMaxRes);
+                  dTab.dMaxRes);
     return Status::ok;
 }
 

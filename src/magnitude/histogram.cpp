@@ -196,13 +196,13 @@ void tellClaim(const ObservedCouplings &observed, const HistogramResult &result,
     if (missed > double{result.DaErrFit})
         messages.warn(
             "trelm: the ends of the pattern may be empty: of %zu vectors the outermost is up to %.2f Hz too"
-            " small for Da, whatever Da_ERR says (-daMl -clearMl takes all couplings).\n",
+            " small for Da, whatever Da_ERR says (-daMl -clearMl takes all couplings)\n",
             observed.coupList.size(), missed);
     const double low = std::fabs(observed.minD), high = std::fabs(observed.maxD);
     if (std::fabs(high - low) < 2.0 * missed)
         messages.warn(
             "trelm: the couplings reach %.2f and %.2f Hz: which of them is 2 Da, and so the sign of Da, is"
-            " open (give a structure, -bestFit).\n",
+            " open (give a structure, -bestFit)\n",
             double{observed.minD}, double{observed.maxD});
 }
 

@@ -167,19 +167,19 @@ void tellAnswer(const ObservedCouplings &observed, const MlGrid &grid, const Mag
     const std::size_t count = observed.coupList.size();
     if (count < fewest)
         messages.warn("trelm: %zu couplings for a pattern, Da and R may be farther off than their errors say"
-                      " (%zu or more hold them).\n",
+                      " (%zu or more hold them)\n",
                       count, fewest);
     if (isAtEdge(grid, best))
         messages.warn(
             "trelm: the best score, Da %.3f R %.3f, is at the edge of the grid: its errors do not hold"
-            " (see -lDa, -hDa, -lR, -hR; R above 0.667 means that the sign of Da is open).\n",
+            " (see -lDa, -hDa, -lR, -hR; R above 0.667 means that the sign of Da is open)\n",
             best.Dab, best.R);
     const double largest = std::max(std::fabs(observed.minD), std::fabs(observed.maxD));
     const double end = 2.0 * std::fabs(best.Dab);
     if (largest > end + reachOfResponse * observed.rAveDD)
         messages.warn(
             "trelm: the couplings reach %.2f Hz, the pattern found ends at %.2f Hz: its errors do not"
-            " hold (take -clearMl).\n",
+            " hold (take -clearMl)\n",
             largest, end);
 }
 

@@ -57,13 +57,13 @@ void tellUnits(const DTensor &tensor, Messages &messages)
     if (isMagnitudeGiven && std::max(std::fabs(tensor.da), std::fabs(tensor.dr)) > largest)
         messages.warn(
             "trelm: -da %g -dr %g is no tensor, it has no unit: Hz divided by the constant of the pair"
-            " (21585 Hz for N-H).\n",
+            " (21585 Hz for N-H)\n",
             double{tensor.da}, double{tensor.dr});
     const auto isLarge = [](float element) { return std::fabs(element) > largestElement; };
     if (tensor.tensorMode == tensorSaupe && std::ranges::any_of(tensor.userSaupe, isLarge))
         messages.warn(
             "trelm: -saupe has elements above 1, an order matrix has no unit: Hz divided by the constant"
-            " of the pair (21585 Hz for N-H).\n");
+            " of the pair (21585 Hz for N-H)\n");
 }
 
 /// Samples are asked for by their number.
@@ -73,7 +73,7 @@ void tellSamples(const Run &run, Messages &messages)
     const bool isSampled =
         kind == spreadJack || kind == spreadMcDc || kind == spreadMcStruc || kind == spreadRand;
     if (isSampled && run.options.mapCount < 1)
-        messages.warn("trelm: %s without -map draws no sample (-map 1000).\n", useOf(run.trelmInfo[0]).mode);
+        messages.warn("trelm: %s without -map draws no sample (-map 1000)\n", useOf(run.trelmInfo[0]).mode);
 }
 
 } // namespace
@@ -93,8 +93,7 @@ void tellResidues(const Run &run, Messages &messages)
         return;
     const DcInfo &window = run.dcInfo[0];
     const int offset = shiftedRes(window.aFirst, -std::int64_t{window.segFirst});
-    tellFindings(checkResidueNames(pdbInfo, run.dTab[0], offset, window.aFirst), use, run.options.inDName,
-                 messages);
+    tellFindings(checkResidueNames(pdbInfo, run.dTab[0], offset, window.aFirst), use, "", messages);
 }
 
 void tellFit(const Run &run, Messages &messages)

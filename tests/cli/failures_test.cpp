@@ -102,7 +102,7 @@ Failures mappings()
 {
     const std::string four =
         "trelm: 4 couplings for 5 unknowns: degrees of freedom -1, condition number inf, no tensor"
-        " can be found (add couplings, or hold Da and Dr with -dadr).\n"
+        " can be found (add couplings, or hold Da and Dr with -dadr)\n"
         "TRELM Error: Only 4 couplings available. Exiting ....\n";
     const std::string moreFits = ": more fits than there are can not pass.\n", step = "trelm: -incAdjustMc ",
                       positive = ": the step of the error scale must be positive.\n",
@@ -130,10 +130,10 @@ Failures mappings()
         {"-mcDc -incAdjustMc 1e-30", step + "1e-30: too small a step from an error scale of 1.\n"},
         {"-mcDc -inD in.tab",
          "trelm: in.tab: DD is 0 in 4 of 6 rows, which N counts and a fit hardly sees: 2 H - 2 N, 3 H - 3 N, "
-         "4 H - 4 N and 1 more (write their errors).\n"
+         "4 H - 4 N and 1 more (write their errors)\n"
          "trelm: 6 couplings for 5 unknowns: degrees of freedom 1, condition number inf, a small Q proves "
          "nothing "
-         "(add couplings).\n"
+         "(add couplings)\n"
          "trelm: -mcDc: the fit misses 4 couplings whose error (DD) is 0: no scale of the errors lets it "
          "pass."
          " See -noautoMc.\n",

@@ -129,7 +129,7 @@ std::vector<Mistake> tables()
 
 std::vector<Mistake> fits()
 {
-    const std::string noSample = " without -map draws no sample (-map 1000).";
+    const std::string noSample = " without -map draws no sample (-map 1000)";
     return {
         {"FourCouplings", "4 couplings for 5 unknowns: degrees of freedom -1", fit + " -d1 3 -dN 6", {}, fit},
         {"SevenCouplings",

@@ -159,7 +159,7 @@ void warnBadItem(const RowReader &reader, char kind, std::size_t column)
 void keepOddCell(RowReader &reader, std::size_t column, std::string_view word, bool isRead)
 {
     tabVar &info = reader.table.varInfo[column];
-    const bool isWhole = isNumber(word);
+    const bool isWhole = isOneNumber(word);
     OddCells *cells = nullptr;
     if (isWhole && info.type == CellType::integer && !isInteger(word))
         cells = &info.cut;

@@ -108,7 +108,7 @@ bool wordToDouble(std::string_view word, double &value)
     return wordToReal(word, value);
 }
 
-bool isNumber(std::string_view word)
+bool isOneNumber(std::string_view word)
 {
     if (!cutPlus(word))
         return false;

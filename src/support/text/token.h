@@ -26,7 +26,7 @@ bool wordToFloat(std::string_view word, float &value);
 bool wordToDouble(std::string_view word, double &value);
 
 /// Whether the whole word is one number, and one without a fraction. Hexadecimal numbers are numbers.
-bool isNumber(std::string_view word);
+bool isOneNumber(std::string_view word);
 bool isInteger(std::string_view word);
 
 /// The numbers at the start of a line, as many as `values` takes, as a row of "%lf" reads them; what follows

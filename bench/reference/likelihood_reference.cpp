@@ -65,7 +65,35 @@ double sumOfLogs(std::span<const float> couplings, ValueAt valueAt)
     return score;
 }
 
+double ellipticSeries(double m)
+{
+    const double m2 = m * m;
+    return (1.0 + m2 * (0.25 + m2 * (0.1406 + m2 * 0.0977))) * 1.570795;
+}
+
 } // namespace
+
+double analytical(double Dab, double R, double Fi)
+{
+    const double a = -2.0 * Dab, b = Dab * (1.0 - 1.5 * R), c = Dab * (1.0 + 1.5 * R);
+    const double x = Fi == b ? Fi - 0.001 : Fi; // beside the singularity
+    if (x <= a && x > (R == 0.0 ? b + axisStep : b)) {
+        const double B = (a - b) * (x - c);
+        return ellipticSeries((b - c) * (a - x) / B) / (std::sqrt(B) * 3.14159);
+    }
+    if (x < b && x >= c) {
+        const double B = (b - c) * (a - x);
+        return ellipticSeries((x - c) * (a - b) / B) / (std::sqrt(B) * 3.14159);
+    }
+    return 0.0;
+}
+
+double dip_coup(double theta, double phi, double Dab, double R)
+{
+    const double sine = std::sin(theta), cosine = std::cos(theta);
+    return Dab * static_cast<double>(static_cast<float>((1.0 - 3.0 * cosine * cosine) -
+                                                        std::cos(2.0 * phi) * 1.5 * R * sine * sine));
+}
 
 double scorePlain(std::span<const float> couplings, double delta, const MlPoint &point, bool clear,
                   std::vector<float> &data)

@@ -8,6 +8,13 @@
 
 namespace trelm {
 
+/// The density of couplings of a rigid molecule at `Fi`, per Hz, not broadened; 0 outside the pattern. Dab
+/// and Fi in Hz, Dab negative, R from 0 to below 2.
+double analytical(double Dab, double R, double Fi);
+
+/// The coupling of an orientation (radians), rounded to single precision before Dab scales it.
+double dip_coup(double theta, double phi, double Dab, double R);
+
 /// The score of one point, the broadened pattern as a sum at each coupling. `data`, the 8192 values of the
 /// pattern before, is written over, and cleared first if `clear` is set.
 double scorePlain(std::span<const float> couplings, double delta, const MlPoint &point, bool clear,

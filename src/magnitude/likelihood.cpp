@@ -199,7 +199,7 @@ std::vector<double> anglesTo(double last)
     return angles;
 }
 
-/// dip_coup for all orientations, with the trigonometry done once an angle.
+/// All orientations, with the trigonometry done once an angle.
 struct Orientations {
     std::vector<double> cosTheta, sinTheta, cosPhi;
 
@@ -215,6 +215,7 @@ struct Orientations {
     [[nodiscard]] std::size_t count() const { return cosTheta.size() * cosPhi.size(); }
 };
 
+/// The coupling of an orientation, rounded to single precision before Dab scales it.
 double scaledCoupling(double cosTheta, double sinTheta, double cosPhi, double Dab, double R)
 {
     return Dab * static_cast<double>(static_cast<float>((1.0 - 3.0 * cosTheta * cosTheta) -
@@ -259,11 +260,6 @@ Status mlMagTensor(const MlCouplings &couplings, const MlGrid &grid, bool clear,
     }
     progress.end();
     return Status::ok;
-}
-
-double dip_coup(double theta, double phi, double Dab, double R)
-{
-    return scaledCoupling(std::cos(theta), std::sin(theta), std::cos(2.0 * phi), Dab, R);
 }
 
 Status startRanges(CouplingRanges &ranges, const MagnitudeRange &range, Messages &messages)

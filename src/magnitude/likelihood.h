@@ -49,9 +49,6 @@ struct MagnitudeRange {
     double R = 0.0, RErr = 0.0;
 };
 
-/// The coupling of an orientation (radians), rounded to single precision before Dab scales it.
-double dip_coup(double theta, double phi, double Dab, double R);
-
 /// The couplings of all orientations for a tensor, and for one of the corners of its range; ascending by the
 /// corner's.
 struct CornerCoupling {

@@ -43,6 +43,19 @@ constexpr Axis downAxis = [] {
     return axis;
 }();
 
+/// The complete elliptic integral of the pattern as a series, cut short.
+double kooky(double m)
+{
+    const double m2 = m * m;
+    return (1.0 + m2 * (0.25 + m2 * (0.1406 + m2 * 0.0977))) * patternHalfPi;
+}
+
+double normal(double m, double d, double x)
+{
+    const double far = (x - m) / d;
+    return std::exp(-0.5 * far * far) / (std::sqrt(6.28318) * d);
+}
+
 /// The landmarks of a pattern, c <= b < a: its peak is at b, and t keeps a distance from it.
 struct Landmarks {
     double a, b, c, t;
@@ -271,33 +284,6 @@ void repeatEnds(Block<float> &data)
 }
 
 } // namespace
-
-double kooky(double m)
-{
-    const double m2 = m * m;
-    return (1.0 + m2 * (0.25 + m2 * (0.1406 + m2 * 0.0977))) * patternHalfPi;
-}
-
-double normal(double m, double d, double x)
-{
-    const double far = (x - m) / d;
-    return std::exp(-0.5 * far * far) / (std::sqrt(6.28318) * d);
-}
-
-double analytical(double Dab, double R, double Fi)
-{
-    const Landmarks mark(Dab, R);
-    const double x = Fi == mark.b ? Fi - besideSingularity : Fi;
-    if (x <= mark.a && x > mark.t) {
-        const double B = (mark.a - mark.b) * (x - mark.c);
-        return kooky((mark.b - mark.c) * (mark.a - x) / B) / (std::sqrt(B) * patternPi);
-    }
-    if (x < mark.b && x >= mark.c) {
-        const double B = (mark.b - mark.c) * (mark.a - x);
-        return kooky((x - mark.c) * (mark.a - mark.b) / B) / (std::sqrt(B) * patternPi);
-    }
-    return 0.0;
-}
 
 bool isPattern(double Dab, double R)
 {

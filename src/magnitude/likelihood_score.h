@@ -28,15 +28,6 @@ constexpr double maxWholeError = 1.703;  ///< Hz; beyond, the halves of the resp
 constexpr double maxMeanError = 3.413;   ///< Hz; three times a larger error passes the response's 1024 places
 constexpr double maxPatternReach = 81.9; ///< Hz; neither half of a pattern may be longer than the axis
 
-/// The density of couplings of a rigid molecule at `Fi`, per Hz, not broadened; 0 outside the pattern. Dab
-/// and Fi in Hz, Dab negative, R from 0 to below 2. An R outside this has no tensor, and the formula a pole
-/// at an end of its range, where it may come out infinite.
-double analytical(double Dab, double R, double Fi);
-
-/// The series of `analytical` for the complete elliptic integral, and the normal density at x.
-double kooky(double m);
-double normal(double m, double d, double x);
-
 /// True if the pattern of such a tensor can be computed: R above -2/3, either half within the axis. That of a
 /// positive Dab has no places.
 [[nodiscard]] bool isPattern(double Dab, double R);

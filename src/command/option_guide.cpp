@@ -11,23 +11,18 @@ namespace {
 /// The default of a field, if it is a number.
 std::optional<double> fieldDefault(const Target &target)
 {
-    RunOptions options;
-    TrelmInfo trelmInfo;
-    DcInfo dcInfo;
-    PDBSelectInfo sInfo;
-    DTensor dTensor;
-    const OptionRecords records = {&options, &trelmInfo, &dcInfo, &sInfo, &dTensor};
+    const Options options;
     const auto read = [&](auto field) -> std::optional<double> {
-        using Value = std::remove_cvref_t<decltype(fieldOf(records, field))>;
+        using Value = std::remove_cvref_t<decltype(options.*field)>;
         if constexpr (std::is_same_v<Value, float>) {
             // As the shortest decimal that gives this float: 0.2, not 0.200000003.
             char text[32];
-            const auto end = std::to_chars(text, text + sizeof text, fieldOf(records, field)).ptr;
+            const auto end = std::to_chars(text, text + sizeof text, options.*field).ptr;
             double value = 0.0;
             std::from_chars(text, end, value);
             return value;
         } else if constexpr (std::is_arithmetic_v<Value>) {
-            return static_cast<double>(fieldOf(records, field));
+            return static_cast<double>(options.*field);
         } else {
             return std::nullopt;
         }

@@ -338,10 +338,10 @@ bool readValue(CommandLine &line, const OptionRow &row, const char *&value)
     return word != nullptr;
 }
 
-bool readRow(CommandLine &line, const OptionRow &row, const OptionRecords &records)
+bool readRow(CommandLine &line, const OptionRow &row, Options &options)
 {
     const auto fill = [&](auto target) {
-        auto &field = fieldOf(records, target);
+        auto &field = options.*target;
         using Value = std::remove_reference_t<decltype(field)>;
         if (!row.preset)
             return readValue(line, row, field);
@@ -507,19 +507,17 @@ Status readMedia(CommandLine &line, AssignmentOptions &assignment)
     return Status::ok;
 }
 
-void readTensor(CommandLine &line, TrelmInfo &trelmInfo, DTensor &dTensor)
+void readTensor(CommandLine &line, Options &options)
 {
     // A bad vector was told, and the run goes on.
-    static_cast<void>(getDCTensorParams(line, dTensor));
-    trelmInfo.eulerFlag = dTensor.eulerFlag;
+    static_cast<void>(getDCTensorParams(line, options));
+    options.TrelmInfo::eulerFlag = options.DTensor::eulerFlag;
 }
 
 /// All options behind the selection and the tensor, in look-up order.
-Status readMainOptions(CommandLine &line, const OptionRecords &records)
+Status readMainOptions(CommandLine &line, Options &options)
 {
-    const auto rows = [&](std::span<const OptionRow> table) { readRows(line, table, records); };
-    RunOptions &options = *records.options;
-    TrelmInfo &trelmInfo = *records.trelmInfo;
+    const auto rows = [&](std::span<const OptionRow> table) { readRows(line, table, options); };
     readDebugLevel(line, options);
     rows(reportRows);
     readEnvironment(options);
@@ -527,7 +525,7 @@ Status readMainOptions(CommandLine &line, const OptionRecords &records)
     rows(fileRows);
     expandNameLists(options);
     rows(simulationRows);
-    if (readCutoff(line, trelmInfo) != Status::ok)
+    if (readCutoff(line, options) != Status::ok)
         return Status::failed;
     rows(conversionRows);
     if (readMatrices(line, options) != Status::ok)
@@ -536,16 +534,16 @@ Status readMainOptions(CommandLine &line, const OptionRecords &records)
     if (readValues(line, "-inS", "-inS", options.userSaupe1) != Status::ok)
         return Status::failed;
     rows(magnitudeRows);
-    if (readPeakLists(line, trelmInfo) != Status::ok)
+    if (readPeakLists(line, options) != Status::ok)
         return Status::failed;
-    return readMedia(line, trelmInfo);
+    return readMedia(line, options);
 }
 
 } // namespace
 
-std::ptrdiff_t readRows(CommandLine &line, std::span<const OptionRow> rows, const OptionRecords &records)
+std::ptrdiff_t readRows(CommandLine &line, std::span<const OptionRow> rows, Options &options)
 {
-    return std::ranges::count_if(rows, [&](const OptionRow &row) { return readRow(line, row, records); });
+    return std::ranges::count_if(rows, [&](const OptionRow &row) { return readRow(line, row, options); });
 }
 
 Status readValues(CommandLine &line, std::string_view flag, std::string_view name, std::span<double> values)
@@ -581,23 +579,21 @@ std::span<const std::string_view> specialFlags()
     return specialFlagList;
 }
 
-Status getparams(CommandLine &line, RunOptions &options, TrelmInfo &trelmInfo, DcInfo &dcInfo,
-                 PDBSelectInfo &sInfo, DTensor &dTensor)
+Status getparams(CommandLine &line, Options &options)
 {
-    const OptionRecords records = {&options, &trelmInfo, &dcInfo, &sInfo, &dTensor};
     if (line.count() <= 1 || line.has("-help")) {
         printInfo(line.messages);
         return Status::failed;
     }
-    readRows(line, inputRows, records);
+    readRows(line, inputRows, options);
     readHydrogenDistance(line, options);
-    readRows(line, modeFlagRows, records);
-    readRows(line, fitKindRows, records);
+    readRows(line, modeFlagRows, options);
+    readRows(line, fitKindRows, options);
     options.fitFlag = line.has("-pdb") ? 1 : 0;
     if (options.fitFlag != 0)
-        getPDBSelectArgs(line, sInfo);
-    readTensor(line, trelmInfo, dTensor);
-    return readMainOptions(line, records);
+        getPDBSelectArgs(line, options);
+    readTensor(line, options);
+    return readMainOptions(line, options);
 }
 
 } // namespace trelm

@@ -17,11 +17,12 @@
 
 namespace trelm {
 
+/// Everything that a command line sets.
+struct Options : RunOptions, TrelmInfo, DcInfo, PDBSelectInfo, DTensor {};
+
 /// A field that an option fills.
-using Target = std::variant<int RunOptions::*, float RunOptions::*, std::string RunOptions::*,
-                            const char * RunOptions::*, int TrelmInfo::*, float TrelmInfo::*,
-                            double TrelmInfo::*, int DcInfo::*, int PDBSelectInfo::*,
-                            std::string PDBSelectInfo::*, int DTensor::*, float DTensor::*>;
+using Target = std::variant<int Options::*, float Options::*, double Options::*, std::string Options::*,
+                            const char * Options::*>;
 
 /// One option and one field. Rows stand in look-up order: of two contradicting flags the later row wins. An
 /// option that fills several fields has several rows.
@@ -33,44 +34,8 @@ struct OptionRow {
                                        ///< another row tells
 };
 
-/// The records that hold the fields. One that no row of a table names may be null.
-struct OptionRecords {
-    RunOptions *options = nullptr;
-    TrelmInfo *trelmInfo = nullptr;
-    DcInfo *dcInfo = nullptr;
-    PDBSelectInfo *sInfo = nullptr;
-    DTensor *dTensor = nullptr;
-};
-
-// The field of a row, in the record that holds it.
-template <class Value>
-Value &fieldOf(const OptionRecords &records, Value RunOptions::*field)
-{
-    return records.options->*field;
-}
-template <class Value>
-Value &fieldOf(const OptionRecords &records, Value TrelmInfo::*field)
-{
-    return records.trelmInfo->*field;
-}
-template <class Value>
-Value &fieldOf(const OptionRecords &records, Value DcInfo::*field)
-{
-    return records.dcInfo->*field;
-}
-template <class Value>
-Value &fieldOf(const OptionRecords &records, Value PDBSelectInfo::*field)
-{
-    return records.sInfo->*field;
-}
-template <class Value>
-Value &fieldOf(const OptionRecords &records, Value DTensor::*field)
-{
-    return records.dTensor->*field;
-}
-
 /// Reads the options of a table in the order of its rows. Returns the number of rows that filled their field.
-std::ptrdiff_t readRows(CommandLine &line, std::span<const OptionRow> rows, const OptionRecords &records);
+std::ptrdiff_t readRows(CommandLine &line, std::span<const OptionRow> rows, Options &options);
 
 /// Reads an option that takes exactly values.size() numbers. Fails after
 /// "GORVAT Error: %s option requires %d values.\n" with `name` if the count is another.
@@ -84,17 +49,16 @@ std::vector<std::span<const OptionRow>> tensorTables();
 /// The options that are read by steps of their own, not by rows.
 std::span<const std::string_view> specialFlags();
 
-/// Reads the command line into the records, which hold their defaults. Fails after the help text
-/// (asked for, or no arguments at all) or after the message on a list of the wrong length. What follows such
-/// a list in look-up order is then not read.
-Status getparams(CommandLine &line, RunOptions &options, TrelmInfo &trelmInfo, DcInfo &dcInfo,
-                 PDBSelectInfo &sInfo, DTensor &dTensor);
+/// Reads the command line into options, which hold their defaults. Fails after the help text (asked for, or
+/// no arguments at all) or after the message on a list of the wrong length. What follows such a list in
+/// look-up order is then not read.
+Status getparams(CommandLine &line, Options &options);
 
 /// Reads the selection options.
-void getPDBSelectArgs(CommandLine &line, PDBSelectInfo &sInfo);
+void getPDBSelectArgs(CommandLine &line, Options &options);
 
 /// Reads the tensor options into a tensor with its defaults. Fails after the message on a Saupe
 /// vector that has not five values.
-Status getDCTensorParams(CommandLine &line, DTensor &tInfo);
+Status getDCTensorParams(CommandLine &line, Options &options);
 
 } // namespace trelm

@@ -26,8 +26,8 @@ bool isModeFlag(std::string_view flag)
     const auto rows = optionTables();
     return std::ranges::any_of(rows, [&](std::span<const OptionRow> table) {
         return std::ranges::any_of(table, [&](const OptionRow &row) {
-            const auto *field = std::get_if<int TrelmInfo::*>(&row.target);
-            return row.flag == flag && field != nullptr && *field == &TrelmInfo::trelmMode;
+            const auto *field = std::get_if<int Options::*>(&row.target);
+            return row.flag == flag && field != nullptr && *field == &Options::trelmMode;
         });
     });
 }
@@ -74,8 +74,13 @@ Status startRun(Run &run, Messages &messages)
 Status readOptions(int argc, char **argv, Run &run, Messages &messages)
 {
     CommandLine line(argc, argv, checkOfEnvironment(), messages);
-    Status status =
-        getparams(line, run.options, run.trelmInfo[0], run.dcInfo[0], run.sInfo, run.dTab[0].dTensor);
+    Options options;
+    Status status = getparams(line, options);
+    run.trelmInfo[0] = options;
+    run.dcInfo[0] = options;
+    run.sInfo = options;
+    run.dTab[0].dTensor = options;
+    run.options = static_cast<RunOptions &&>(options);
     if (run.options.wCount < 0) // no memory for the weights
         status = Status::failed;
     if (status != Status::ok)

@@ -105,17 +105,17 @@ std::vector<std::span<const OptionRow>> selectionTables()
     return {classRows, listRows, matchRows};
 }
 
-void getPDBSelectArgs(CommandLine &line, PDBSelectInfo &sInfo)
+void getPDBSelectArgs(CommandLine &line, Options &options)
 {
-    const OptionRecords records = {.sInfo = &sInfo};
-    readRows(line, classRows, records);
+    PDBSelectInfo &sInfo = options;
+    readRows(line, classRows, options);
     const bool verb = line.has("-verb");
     const bool residues = readResidues(line, sInfo);
-    const bool lists = readRows(line, listRows, records) > 0;
+    const bool lists = readRows(line, listRows, options) > 0;
     // Stands behind -inv, which a range or a list so overrides, and before -clear and -set.
     if (residues || lists)
         sInfo.selectMode = 2;
-    readRows(line, matchRows, records);
+    readRows(line, matchRows, options);
     pdbSelectAdjust(sInfo);
     pdbSelectCheck(sInfo, line.messages);
     if (verb)

@@ -69,20 +69,20 @@ std::vector<std::span<const OptionRow>> tensorTables()
     return {methodRows, givenTensorRows, limitRows, angleLimitRows};
 }
 
-Status getDCTensorParams(CommandLine &line, DTensor &tInfo)
+Status getDCTensorParams(CommandLine &line, Options &options)
 {
-    const OptionRecords records = {.dTensor = &tInfo};
+    DTensor &tInfo = options;
     tInfo = DTensor{};
-    readRows(line, methodRows, records);
+    readRows(line, methodRows, options);
     // A magnitude on the line is meant to be used: the linear fit, which would ignore it, gives way.
-    if (readRows(line, givenTensorRows, records) > 0 && tInfo.tensorMode == tensorSvd)
+    if (readRows(line, givenTensorRows, options) > 0 && tInfo.tensorMode == tensorSvd)
         tInfo.tensorMode = tensorDaDr;
     if (tInfo.tensorMode == tensorDaDr || tInfo.tensorMode == tensorFixed)
         pinMagnitude(tInfo);
-    readRows(line, limitRows, records);
+    readRows(line, limitRows, options);
     if (tInfo.tensorMode == tensorFixed)
         pinAngles(tInfo);
-    readRows(line, angleLimitRows, records);
+    readRows(line, angleLimitRows, options);
     return readUserSaupe(line, tInfo);
 }
 

@@ -17,16 +17,10 @@ using Words = std::vector<std::string>;
 
 /// A command line and what it was read into.
 struct Parsed {
-    RunOptions options;
-    TrelmInfo trelmInfo;
-    DcInfo dcInfo;
-    PDBSelectInfo sInfo;
-    DTensor dTensor;
-    std::optional<Line> words; ///< texts of the records point into it
+    Options options;
+    std::optional<Line> words; ///< texts of the options point into it
     Status status = Status::failed;
     std::string told;
-
-    [[nodiscard]] OptionRecords records() { return {&options, &trelmInfo, &dcInfo, &sInfo, &dTensor}; }
 
     void read(Words line)
     {
@@ -34,7 +28,7 @@ struct Parsed {
         words.emplace(std::move(line));
         Heard heard;
         CommandLine commandLine(words->argc(), words->argv(), ArgumentCheck::none, heard.messages);
-        status = getparams(commandLine, options, trelmInfo, dcInfo, sInfo, dTensor);
+        status = getparams(commandLine, options);
         told = heard.err;
     }
 };
@@ -53,17 +47,17 @@ std::string show(Number value)
     return std::to_string(static_cast<double>(value));
 }
 
-std::string valueOf(const OptionRow &row, const OptionRecords &records)
+std::string valueOf(const OptionRow &row, Options &options)
 {
-    return std::visit([&](auto target) { return show(fieldOf(records, target)); }, row.target);
+    return std::visit([&](auto target) { return show(options.*target); }, row.target);
 }
 
 /// A value that no preset has and no test gives, in every number.
-void spoil(const OptionRow &row, const OptionRecords &records)
+void spoil(const OptionRow &row, Options &options)
 {
     std::visit(
         [&](auto target) {
-            auto &field = fieldOf(records, target);
+            auto &field = options.*target;
             if constexpr (std::is_arithmetic_v<std::remove_reference_t<decltype(field)>>)
                 field = 77;
         },
@@ -82,7 +76,7 @@ std::vector<OptionRow> allRows()
 void readSpoiled(Parsed &parsed, const std::vector<OptionRow> &rows, const Words &option)
 {
     for (const OptionRow &row : rows)
-        spoil(row, parsed.records());
+        spoil(row, parsed.options);
     Words line = option;
     for (const char *word : {"-pdb", "x", "-atom", "A", "-resName", "R", "-chain", "C", "-seg", "S"})
         line.emplace_back(word);
@@ -113,11 +107,11 @@ TEST(Params, EachFlagSetsItsFieldAndOnlyIt)
         readSpoiled(parsed, rows,
                     takesValue ? Words{std::string(tried.flag), "7"} : Words{std::string(tried.flag)});
         EXPECT_EQ(parsed.status, Status::ok);
-        const std::string value = valueOf(tried, parsed.records());
+        const std::string value = valueOf(tried, parsed.options);
         EXPECT_TRUE(tried.preset ? value == show(*tried.preset) : value == "7" || value == show(7)) << value;
         for (std::size_t i = 0; i < rows.size() && !pinning.contains(tried.flag); ++i) {
             if (!targets.contains(i)) {
-                EXPECT_EQ(valueOf(rows[i], parsed.records()), valueOf(rows[i], plain.records()))
+                EXPECT_EQ(valueOf(rows[i], parsed.options), valueOf(rows[i], plain.options))
                     << "changes what belongs to " << rows[i].flag;
             }
         }
@@ -167,12 +161,12 @@ void expectAll(std::span<const Case> cases)
 
 TEST(Params, OfTwoContradictingFlagsTheLaterRowWins)
 {
-    const auto mode = [](const Parsed &p) { return p.trelmInfo.trelmMode; };
-    const auto kind = [](const Parsed &p) { return p.trelmInfo.spreadMode; };
-    const auto action = [](const Parsed &p) { return p.trelmInfo.opCode; };
-    const auto format = [](const Parsed &p) { return p.trelmInfo.outFormat; };
-    const auto radius = [](const Parsed &p) { return p.trelmInfo.radiusModel; };
-    const auto electric = [](const Parsed &p) { return p.trelmInfo.elFlag; };
+    const auto mode = [](const Parsed &p) { return p.options.trelmMode; };
+    const auto kind = [](const Parsed &p) { return p.options.spreadMode; };
+    const auto action = [](const Parsed &p) { return p.options.opCode; };
+    const auto format = [](const Parsed &p) { return p.options.outFormat; };
+    const auto radius = [](const Parsed &p) { return p.options.radiusModel; };
+    const auto electric = [](const Parsed &p) { return p.options.elFlag; };
     const Case cases[] = {
         {{"-x"}, mode, 1},
         {{"-daMl", "-daFlex"}, mode, 10},
@@ -187,8 +181,8 @@ TEST(Params, OfTwoContradictingFlagsTheLaterRowWins)
         {{"-anDc"}, action, 1},
         {{"-anDc", "-anA"}, action, 1},
         {{"-max", "-anDc"}, action, 5},
-        {{"-anDc"}, [](const Parsed &p) { return p.trelmInfo.c1; }, 0},
-        {{"-c1", "3", "-anDc"}, [](const Parsed &p) { return p.trelmInfo.c1; }, 3},
+        {{"-anDc"}, [](const Parsed &p) { return p.options.c1; }, 0},
+        {{"-c1", "3", "-anDc"}, [](const Parsed &p) { return p.options.c1; }, 3},
         {{"-tbl", "-xplor"}, format, 2},
         {{"-rosetta", "-trelm"}, format, 5},
         {{"-rM", "25", "-pf1"}, radius, 25},
@@ -196,40 +190,40 @@ TEST(Params, OfTwoContradictingFlagsTheLaterRowWins)
         {{"-3D", "-bic"}, radius, 0},
         {{"-rM", "-5"}, radius, -5},
         {{"-rM", "5", "-rM", "6"}, radius, 5},
-        {{"-inc", "-excl"}, [](const Parsed &p) { return p.dcInfo.excludeMode; }, 2},
-        {{"-s1", "4", "-d1", "9"}, [](const Parsed &p) { return p.dcInfo.segFirst; }, 4},
-        {{"-nocharmm", "-charmm22"}, [](const Parsed &p) { return p.trelmInfo.charmm; }, 0},
-        {{"-ave", "file", "-noave"}, [](const Parsed &p) { return p.trelmInfo.optExtrem; }, 1},
-        {{"-qStd", "-qDa"}, [](const Parsed &p) { return p.trelmInfo.qFlag; }, 2},
-        {{"-nSel", "5"}, [](const Parsed &p) { return p.trelmInfo.sCount; }, 5},
-        {{"-nSel", "5"}, [](const Parsed &p) { return p.trelmInfo.nSel; }, 5},
-        {{"-dbg"}, [](const Parsed &p) { return p.options.dbgFlag; }, 1},
-        {{"-dbg", "2"}, [](const Parsed &p) { return p.options.dbgFlag; }, 2},
+        {{"-inc", "-excl"}, [](const Parsed &p) { return p.options.excludeMode; }, 2},
+        {{"-s1", "4", "-d1", "9"}, [](const Parsed &p) { return p.options.segFirst; }, 4},
+        {{"-nocharmm", "-charmm22"}, [](const Parsed &p) { return p.options.charmm; }, 0},
+        {{"-ave", "file", "-noave"}, [](const Parsed &p) { return p.options.optExtrem; }, 1},
+        {{"-qStd", "-qDa"}, [](const Parsed &p) { return p.options.qFlag; }, 2},
+        {{"-nSel", "5"}, [](const Parsed &p) { return p.options.sCount; }, 5},
+        {{"-nSel", "5"}, [](const Parsed &p) { return p.options.nSel; }, 5},
+        {{"-dbg"}, [](const Parsed &p) { return p.options.RunOptions::dbgFlag; }, 1},
+        {{"-dbg", "2"}, [](const Parsed &p) { return p.options.RunOptions::dbgFlag; }, 2},
         {{"-pdb", "x", "-nofit"}, [](const Parsed &p) { return p.options.fitFlag; }, 0},
-        {{"-noeuler", "-euler"}, [](const Parsed &p) { return p.trelmInfo.eulerFlag; }, 0},
-        {{"-cut", "-1e-7"}, [](const Parsed &p) { return p.trelmInfo.cutoffPot; }, -1e-7},
-        {{"-x"}, [](const Parsed &p) { return p.trelmInfo.coneWidth; }, 5.0},
+        {{"-noeuler", "-euler"}, [](const Parsed &p) { return p.options.TrelmInfo::eulerFlag; }, 0},
+        {{"-cut", "-1e-7"}, [](const Parsed &p) { return p.options.cutoffPot; }, -1e-7},
+        {{"-x"}, [](const Parsed &p) { return p.options.coneWidth; }, 5.0},
     };
     expectAll(cases);
 }
 
 TEST(Params, TheTensorFollowsItsMode)
 {
-    const auto mode = [](const Parsed &p) { return p.dTensor.tensorMode; };
+    const auto mode = [](const Parsed &p) { return p.options.tensorMode; };
     const Case cases[] = {
         {{"-da", "0.001"}, mode, 4},
         {{"-svd", "-dr", "0.001"}, mode, 4},
         {{"-da", "0.5", "-nofixed"}, mode, 3},
         {{"-dadr", "-saupe", "1", "2", "3", "4", "5"}, mode, 4},
-        {{"-da", "0.5", "-nofixed"}, [](const Parsed &p) { return p.dTensor.daMax; }, double{0.01f}},
-        {{"-da", "0.5"}, [](const Parsed &p) { return p.dTensor.daMax; }, 0.5},
-        {{"-da", "0.5", "-daMin", "0.25"}, [](const Parsed &p) { return p.dTensor.daMin; }, 0.25},
-        {{"-fixed", "-theta", "30"}, [](const Parsed &p) { return p.dTensor.thetaMin; }, 30},
-        {{"-dadr", "-theta", "30"}, [](const Parsed &p) { return p.dTensor.thetaMin; }, -360},
-        {{"-fixed", "-phiMax", "99"}, [](const Parsed &p) { return p.dTensor.phiMax; }, 99},
-        {{"-align", "1", "2", "3", "4", "-5"}, [](const Parsed &p) { return p.dTensor.userSaupe[4]; }, -5},
+        {{"-da", "0.5", "-nofixed"}, [](const Parsed &p) { return p.options.daMax; }, double{0.01f}},
+        {{"-da", "0.5"}, [](const Parsed &p) { return p.options.daMax; }, 0.5},
+        {{"-da", "0.5", "-daMin", "0.25"}, [](const Parsed &p) { return p.options.daMin; }, 0.25},
+        {{"-fixed", "-theta", "30"}, [](const Parsed &p) { return p.options.thetaMin; }, 30},
+        {{"-dadr", "-theta", "30"}, [](const Parsed &p) { return p.options.thetaMin; }, -360},
+        {{"-fixed", "-phiMax", "99"}, [](const Parsed &p) { return p.options.phiMax; }, 99},
+        {{"-align", "1", "2", "3", "4", "-5"}, [](const Parsed &p) { return p.options.userSaupe[4]; }, -5},
         {{"-align", "1", "1", "1", "1", "1", "-saupe", "2", "2", "2", "2", "2"},
-         [](const Parsed &p) { return p.dTensor.userSaupe[0]; },
+         [](const Parsed &p) { return p.options.userSaupe[0]; },
          2},
     };
     expectAll(cases);
@@ -237,11 +231,11 @@ TEST(Params, TheTensorFollowsItsMode)
 
 TEST(Params, TheSelectionIsReadWithAStructureOnly)
 {
-    const auto mode = [](const Parsed &p) { return p.sInfo.selectMode; };
-    const auto first = [](const Parsed &p) { return p.sInfo.res1; };
-    const auto last = [](const Parsed &p) { return p.sInfo.resN; };
-    const auto byResidue = [](const Parsed &p) { return p.sInfo.resIDMode; };
-    const auto byAtom = [](const Parsed &p) { return p.sInfo.atomNameMode; };
+    const auto mode = [](const Parsed &p) { return p.options.selectMode; };
+    const auto first = [](const Parsed &p) { return p.options.res1; };
+    const auto last = [](const Parsed &p) { return p.options.resN; };
+    const auto byResidue = [](const Parsed &p) { return p.options.resIDMode; };
+    const auto byAtom = [](const Parsed &p) { return p.options.atomNameMode; };
     const Case cases[] = {
         {{"-res", "7"}, last, 0},
         {{"-pdb", "x", "-res", "7"}, last, 7},
@@ -256,7 +250,7 @@ TEST(Params, TheSelectionIsReadWithAStructureOnly)
         {{"-pdb", "x", "-set", "-atom", "CA"}, mode, 1},
         {{"-pdb", "x", "-atom", "*"}, byAtom, 0},
         {{"-pdb", "x", "-atom", "CA N"}, byAtom, 1},
-        {{"-pdb", "x", "-glob", "-chain", "A"}, [](const Parsed &p) { return p.sInfo.chainNameMode; }, 3},
+        {{"-pdb", "x", "-glob", "-chain", "A"}, [](const Parsed &p) { return p.options.chainNameMode; }, 3},
         {{"-pdb", "x", "-aRegex", "-glob", "-atom", "C"}, byAtom, 2},
     };
     expectAll(cases);
@@ -268,7 +262,7 @@ TEST(Params, TheSelectionIsReadWithAStructureOnly)
 
 TEST(Params, ListsFillTheirRecordsAndTheSharedCounter)
 {
-    const auto counter = [](const Parsed &p) { return std::ssize(p.trelmInfo.fixedResidues); };
+    const auto counter = [](const Parsed &p) { return std::ssize(p.options.fixedResidues); };
     const auto matrix = [](const Parsed &p) { return p.options.userSaupe1[4]; };
     const Case cases[] = {
         {{"-inS1", "1", "2", "3", "4", "-5"}, matrix, -5},
@@ -279,11 +273,11 @@ TEST(Params, ListsFillTheirRecordsAndTheSharedCounter)
         {{"-inS", "6", "7", "8", "9", "10", "-fixAa", "4"}, counter, 1},
         {{"-fixAa", "4", "5", "-fixRes", "3", "4", "9"}, counter, 3},
         {{"-fixAa", "4", "5", "-fixRes", "3"},
-         [](const Parsed &p) { return std::ssize(p.trelmInfo.classes); },
+         [](const Parsed &p) { return std::ssize(p.options.classes); },
          2},
-        {{"-fixRes", "3", "-7"}, [](const Parsed &p) { return p.trelmInfo.fixedResidues[1]; }, -7},
-        {{"-dcID", "a", "b"}, [](const Parsed &p) { return std::ssize(p.trelmInfo.media); }, 2},
-        {{"-dcID"}, [](const Parsed &p) { return std::ssize(p.trelmInfo.media); }, 1},
+        {{"-fixRes", "3", "-7"}, [](const Parsed &p) { return p.options.fixedResidues[1]; }, -7},
+        {{"-dcID", "a", "b"}, [](const Parsed &p) { return std::ssize(p.options.media); }, 2},
+        {{"-dcID"}, [](const Parsed &p) { return std::ssize(p.options.media); }, 1},
         {{"-w", "1", "0", "-1"}, [](const Parsed &p) { return p.options.wCount; }, 3},
     };
     expectAll(cases);
@@ -384,7 +378,7 @@ TEST(Params, ListsOfAnotherLengthEndTheReading)
     }
     Parsed full;
     full.read(longList("-fixRes", 800));
-    EXPECT_EQ(full.trelmInfo.fixedResidues.size(), 800U);
+    EXPECT_EQ(full.options.fixedResidues.size(), 800U);
     Parsed stopped;
     stopped.read({"-inS1", "1", "-outA", "later", "-outD", "earlier"});
     EXPECT_EQ(stopped.options.outAName, "");

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <functional>
 #include <optional>
 #include <set>
 #include <tuple>
@@ -94,13 +95,35 @@ std::pair<SideKey, SideKey> pairKey(const DInfo &row)
     return std::minmax(i, j);
 }
 
+/// The same for both orders of the atoms.
+std::size_t hashOf(const DInfo &row)
+{
+    const auto sideHash = [](int resID, const Name &atomName) {
+        return std::hash<std::string_view>{}(atomName.view()) * 31 +
+               std::hash<int>{}(resID)*0x9e3779b97f4a7c15;
+    };
+    return sideHash(row.resIDI, row.atomNameI) + sideHash(row.resIDJ, row.atomNameJ);
+}
+
 TableFinding findTwice(const DTable &dTab)
 {
     TableFinding found = {.fault = TableFault::twice, .all = dTab.observed().size()};
-    std::set<std::pair<SideKey, SideKey>> known;
-    for (const DInfo &row : dTab.observed())
-        if (row.valid != 0 && !known.insert(pairKey(row)).second)
-            addPlace(found, pairText(row));
+    std::vector<std::pair<std::size_t, std::size_t>> hashes; // with their rows
+    for (std::size_t i = 0; i < dTab.observed().size(); ++i)
+        if (dTab.observed()[i].valid != 0)
+            hashes.emplace_back(hashOf(dTab.observed()[i]), i);
+    std::ranges::sort(hashes);
+    std::vector<std::size_t> again;
+    for (std::size_t k = 1; k < hashes.size(); ++k)
+        for (std::size_t other = k; other-- > 0 && hashes[other].first == hashes[k].first;)
+            if (pairKey(dTab.observed()[hashes[other].second]) ==
+                pairKey(dTab.observed()[hashes[k].second])) {
+                again.push_back(hashes[k].second);
+                break;
+            }
+    std::ranges::sort(again);
+    for (const std::size_t row : again)
+        addPlace(found, pairText(dTab.observed()[row]));
     return found;
 }
 
@@ -182,12 +205,14 @@ struct NamedResidue {
     auto operator<=>(const NamedResidue &) const = default;
 };
 
-/// Named residues of the chosen rows, each once. Names that nobody knows ("None", a ligand) are left out.
+/// Named residues of the chosen rows, each once, and no more than tell the numbering. Names that nobody knows
+/// ("None", a ligand) are left out.
 std::set<NamedResidue> namedResidues(const PDBInfo &pdbInfo, const DTable &dTab, int offset)
 {
+    constexpr std::size_t most = 1000;
     std::set<NamedResidue> residues;
     for (const DInfo &row : dTab.observed()) {
-        if (row.valid == 0)
+        if (row.valid == 0 || residues.size() >= most)
             continue;
         const RowQueries sides = queriesOf(pdbInfo, dTab, row, offset);
         for (const auto &[side, name] :
@@ -264,12 +289,6 @@ bool matters(TableFault fault, const TableUse &use)
     case TableFault::someErrorsZero:
     case TableFault::allErrorsZero:
         return use.needsErrors || use.weighsByError;
-    case TableFault::severalScales:
-        return use.takesOneScale;
-    case TableFault::twice:
-    case TableFault::otherResidues:
-    case TableFault::shiftedNumbers:
-        return !use.hasPeaks;
     default:
         return true;
     }
@@ -364,8 +383,10 @@ std::vector<TableFinding> checkColumns(const TextTable &text)
 std::vector<TableFinding> checkRows(const DTable &dTab, const TableUse &use)
 {
     std::vector<TableFinding> findings;
-    for (const auto find : {findSentinels, findBeyond, findZeroErrors, findScales})
+    for (const auto find : {findSentinels, findBeyond, findZeroErrors})
         keepFound(findings, find(dTab));
+    if (use.takesOneScale)
+        keepFound(findings, findScales(dTab));
     if (!use.hasPeaks)
         keepFound(findings, findTwice(dTab));
     return findings;

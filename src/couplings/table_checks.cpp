@@ -352,7 +352,7 @@ std::string textOf(const TableFinding &finding, const TableUse &use)
 }
 
 /// The columns whose cells are read as numbers.
-constexpr const char *numberColumns[] = {"RESID_I", "RESID_J", "D", "DD", "W", "DI", "INDEX"};
+constexpr const char *checkedColumns[] = {"RESID_I", "RESID_J", "D", "DD", "W", "DI", "INDEX"};
 
 } // namespace
 
@@ -366,7 +366,7 @@ std::vector<TableFinding> checkColumns(const TextTable &text)
         findings.push_back({.fault = TableFault::noErrors});
     if (has("D") && has("D_OBS"))
         findings.push_back({.fault = TableFault::isReport});
-    for (const char *name : numberColumns) {
+    for (const char *name : checkedColumns) {
         const auto place = getTabVar(text.varInfo, name);
         if (!place)
             continue;

@@ -19,7 +19,7 @@ std::string digitLast(std::string_view name)
 {
     std::string text(name);
     if (name.size() > 1 && isDigit(name[0]))
-        std::ranges::rotate(text, text.begin() + 1);
+        std::rotate(text.begin(), text.begin() + 1, text.end());
     return text;
 }
 
@@ -28,7 +28,7 @@ std::string digitFirst(std::string_view name)
 {
     std::string text(name);
     if (name.size() > 1 && isDigit(name.back()))
-        std::ranges::rotate(text, text.end() - 1);
+        std::rotate(text.begin(), text.end() - 1, text.end());
     return text;
 }
 

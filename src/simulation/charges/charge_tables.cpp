@@ -207,7 +207,7 @@ std::vector<ChargeRow> rowsOf(const TextsByName &texts, std::string_view atoms)
             rows.insert(rows.end(), shared.begin(), shared.end());
             continue;
         }
-        ChargeRow &row = rows.emplace_back(words[i]);
+        ChargeRow &row = rows.emplace_back(ChargeRow{words[i]});
         wordToFloat(words[++i], row.charge);
     }
     return rows;

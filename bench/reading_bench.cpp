@@ -130,7 +130,7 @@ void wholeBestFit(benchmark::State &state)
         PDBInfo pdbInfo;
         DTable dTab;
         TrelmInfo trelmInfo;
-        trelmInfo.trelmMode = 7;
+        trelmInfo.trelmMode = modeBestFit;
         if (!readInput(pdbInfo, dTab))
             return state.SkipWithError("the input was not read");
         selectD(dTab.observed(), dTab.dMinRes, dTab.dMaxRes, 3);

@@ -21,7 +21,7 @@ std::optional<double> fieldDefault(const Target &target)
             double value = 0.0;
             std::from_chars(text, end, value);
             return value;
-        } else if constexpr (std::is_arithmetic_v<Value>) {
+        } else if constexpr (std::is_arithmetic_v<Value> || std::is_enum_v<Value>) {
             return static_cast<double>(options.*field);
         } else {
             return std::nullopt;

@@ -221,12 +221,18 @@ constexpr OptionRow simulationRows[] = {
 };
 
 constexpr OptionRow conversionRows[] = {
-    {"-dcHH", &TrelmInfo::dcProton, 1},   {"-nodcHH", &TrelmInfo::dcProton, 0},
-    {"-scale", &TrelmInfo::normDc, 1},    {"-unscale", &TrelmInfo::normDc, 0},
-    {"-xplor", &TrelmInfo::outFormat, 0}, {"-cns", &TrelmInfo::outFormat, 1},
-    {"-tbl", &TrelmInfo::outFormat, 2},   {"-dyana", &TrelmInfo::outFormat, 3},
-    {"-trelm", &TrelmInfo::outFormat, 4}, {"-rosetta", &TrelmInfo::outFormat, 5},
-    {"-dcNoise", &TrelmInfo::dcNoise, 1}, {"-tensID", &TrelmInfo::dcID},
+    {"-dcHH", &TrelmInfo::dcProton, 1},
+    {"-nodcHH", &TrelmInfo::dcProton, 0},
+    {"-scale", &TrelmInfo::normDc, 1},
+    {"-unscale", &TrelmInfo::normDc, 0},
+    {"-xplor", &TrelmInfo::outFormat, formatXplor},
+    {"-cns", &TrelmInfo::outFormat, formatCns},
+    {"-tbl", &TrelmInfo::outFormat, formatTbl},
+    {"-dyana", &TrelmInfo::outFormat, formatDyana},
+    {"-trelm", &TrelmInfo::outFormat, formatTrelm},
+    {"-rosetta", &TrelmInfo::outFormat, formatRosetta},
+    {"-dcNoise", &TrelmInfo::dcNoise, 1},
+    {"-tensID", &TrelmInfo::dcID},
 };
 
 constexpr OptionRow comparisonRows[] = {
@@ -242,9 +248,9 @@ constexpr OptionRow comparisonRows[] = {
 };
 
 constexpr OptionRow magnitudeRows[] = {
-    {"-user", &TrelmInfo::elPdbFlag, 2},
-    {"-ster", &TrelmInfo::elPdbFlag, 0},
-    {"-el", &TrelmInfo::elPdbFlag, 1},
+    {"-user", &TrelmInfo::elPdbFlag, asUserFrame},
+    {"-ster", &TrelmInfo::elPdbFlag, asShape},
+    {"-el", &TrelmInfo::elPdbFlag, asCharged},
     {"-el", &ChargeOptions::elFlag, 1},
     {"-noave", &MagnitudeOptions::optExtrem, 0},
     {"-ave", &MagnitudeOptions::optExtrem, 1},
@@ -343,12 +349,15 @@ bool readRow(CommandLine &line, const OptionRow &row, Options &options)
     const auto fill = [&](auto target) {
         auto &field = options.*target;
         using Value = std::remove_reference_t<decltype(field)>;
-        if (!row.preset)
-            return readValue(line, row, field);
+        if constexpr (!std::is_enum_v<Value>) // each value of a kind has a flag of its own
+            if (!row.preset)
+                return readValue(line, row, field);
         if (!line.has(row.flag))
             return false;
         if constexpr (std::is_arithmetic_v<Value>)
             field = static_cast<Value>(*row.preset);
+        else if constexpr (std::is_enum_v<Value>)
+            field = static_cast<Value>(static_cast<int>(*row.preset));
         return true;
     };
     return std::visit(fill, row.target);

@@ -26,14 +26,14 @@ bool isModeFlag(std::string_view flag)
     const auto rows = optionTables();
     return std::ranges::any_of(rows, [&](std::span<const OptionRow> table) {
         return std::ranges::any_of(table, [&](const OptionRow &row) {
-            const auto *field = std::get_if<int Options::*>(&row.target);
+            const auto *field = std::get_if<Mode Options::*>(&row.target);
             return row.flag == flag && field != nullptr && *field == &Options::trelmMode;
         });
     });
 }
 
 /// Of the flags that no step has read those that are no option at all.
-void warnOfUnknownFlags(const CommandLine &line, int trelmMode)
+void warnOfUnknownFlags(const CommandLine &line, Mode trelmMode)
 {
     const std::vector<std::string_view> known = knownFlags();
     for (const char *word : line.unusedFlags()) {

@@ -7,7 +7,7 @@ namespace trelm {
 
 /// What opCode makes of two scaled values: sum, difference, product, quotient; for opMax the second if
 /// `isSecond`, which the caller judges on unscaled values, else the first. 0 for any other opCode.
-inline double combined(int opCode, double a, double b, bool isSecond)
+inline double combined(OpCode opCode, double a, double b, bool isSecond)
 {
     switch (opCode) {
     case opAdd:

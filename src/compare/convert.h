@@ -9,17 +9,14 @@
 
 namespace trelm {
 
-/// The outFormat of the table that readDC reads. That table is written by report/output.h.
-constexpr int systemFormat = 4;
-
 /// Fills the calculated rows of valid couplings with what goes out, Hz: the measured ones, with noise of
 /// their errors (dcNoise), times their weights (normDc); then the weights of both columns become 1, and the
 /// measured errors are scaled, too. Warns where a coupling is no finite number with its weight or noise.
 void fillConverted(const ConversionOptions &options, DTable &dTab, Messages &messages);
 
-/// The table in the format of outFormat: 0 and 1 restraints, 2 a listing by residue, 3 and 5 plain rows; not
-/// systemFormat. `inDName` is the name of the table that was read. Fails after a message if there is no
-/// memory.
+/// The table in the format of outFormat: restraints, a listing by residue, or plain rows; formatTrelm is
+/// written by report/output.h. `inDName` is the name of the table that was read. Fails after a message if
+/// there is no memory.
 Status convertTab(const ConversionOptions &options, const DTable &dTab, const std::string &inDName,
                   std::string &text, Messages &messages);
 

@@ -3,28 +3,37 @@
 
 namespace trelm {
 
-/// opCode of -anA and -anDc.
-constexpr int opAdd = 1;
-constexpr int opSub = 2;
-constexpr int opMul = 3;
-constexpr int opDiv = 4;
-constexpr int opMax = 5;
+/// What -anA and -anDc do with their two operands.
+enum OpCode : int { opAdd = 1, opSub = 2, opMul = 3, opDiv = 4, opMax = 5 };
+
+/// How a structure is analysed: by its shape, by its charges too, or in a frame of the user's.
+enum PdbKind : int { asShape = 0, asCharged = 1, asUserFrame = 2 };
+
+/// The formats of a coupling table, named after their flags. That of trelm is the one that readDC reads.
+enum TableFormat : int {
+    formatXplor = 0,
+    formatCns = 1,
+    formatTbl = 2,
+    formatDyana = 3,
+    formatTrelm = 4,
+    formatRosetta = 5,
+};
 
 /// Comparison of tensors and of coupling sets, analysis of structures.
 struct ComparisonOptions {
-    int opCode = 2;  ///< what is done with the two operands: one of the five above
+    OpCode opCode = opSub;
     float c1 = 1.0f; ///< scale factors of the two operands
     float c2 = 1.0f;
-    int elPdbFlag = 0; ///< structure analysis treats the PDB as: 0 steric, 1 electrostatic, 2 user
+    PdbKind elPdbFlag = asShape;
 };
 
 /// Conversion of coupling tables.
 struct ConversionOptions {
-    int dcProton = 0;  ///< include proton-proton couplings in the listing
-    int dcID = 500;    ///< residue id of the tensor's molecule in restraints
-    int normDc = 0;    ///< multiply couplings by their weights
-    int outFormat = 2; ///< 0 xplor, 1 cns, 2 tbl, 3 dyana, 4 trelm, 5 rosetta
-    int dcNoise = 0;   ///< add noise to couplings
+    int dcProton = 0; ///< include proton-proton couplings in the listing
+    int dcID = 500;   ///< residue id of the tensor's molecule in restraints
+    int normDc = 0;   ///< multiply couplings by their weights
+    TableFormat outFormat = formatTbl;
+    int dcNoise = 0; ///< add noise to couplings
 };
 
 } // namespace trelm

@@ -87,7 +87,7 @@ Status convert(Run &run, Messages &messages)
         return messages.fail("Error allocating DC structures.\n");
     DTable &dTab = table[0];
     OutFile out;
-    if (conversion.outFormat != systemFormat && openResult(options, out, messages) != Status::ok)
+    if (conversion.outFormat != formatTrelm && openResult(options, out, messages) != Status::ok)
         return Status::failed;
     if (const Status status = readTable(options.inDName, dTab, messages); status != Status::ok)
         return status;
@@ -95,7 +95,7 @@ Status convert(Run &run, Messages &messages)
         messages.err("trelm: no coupling is left to convert.\n");
     tellTable(run, options.inDName, dTab, messages);
     fillConverted(conversion, dTab, messages);
-    if (conversion.outFormat == systemFormat)
+    if (conversion.outFormat == formatTrelm)
         return writeDCmod({options.outDName}, dTab, run.trelmInfo[0], "", messages);
     std::string text;
     if (convertTab(conversion, dTab, options.inDName, text, messages) != Status::ok)

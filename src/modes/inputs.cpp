@@ -91,7 +91,7 @@ int residueOffset(const DcInfo &dcInfo)
 void warnOfLostRows(const Run &run, Messages &messages)
 {
     const PDBInfo &pdbInfo = run.pdbInfo[0];
-    const int spread = run.trelmInfo[0].spreadMode;
+    const SpreadKind spread = run.trelmInfo[0].spreadMode;
     if (pdbInfo.atomCount == 0 || spread == spreadRand || spread == spreadExhaust ||
         spread == spreadExhaustSel)
         return;
@@ -198,7 +198,7 @@ void warnOfSelection(const Run &run, Messages &messages)
 /// Hydrogens of the file that a prediction leaves out, because the option that takes them was not given.
 void warnOfHydrogens(const Run &run, Messages &messages)
 {
-    const int mode = run.trelmInfo[0].trelmMode;
+    const Mode mode = run.trelmInfo[0].trelmMode;
     const bool predicts = mode == modeStTrelm || mode == modeElTrelm || mode == modeStTrelmGrid;
     if (predicts && run.trelmInfo[0].Hflag == 0 && hasHydrogens(run.pdbInfo[0]))
         messages.warn("trelm: the hydrogens of %s are left out of the simulation (-H takes them in)\n",

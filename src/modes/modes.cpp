@@ -21,14 +21,14 @@ namespace {
 
 /// A mode and what it does with a run.
 struct ModeRow {
-    int trelmMode;
+    Mode trelmMode;
     bool commonInput; ///< the common input phase comes first
     Status (*work)(Run &run, Messages &messages);
 };
 
 /// A kind of best-fit.
 struct SpreadRow {
-    int spreadMode;
+    SpreadKind spreadMode;
     Status (*work)(Run &run, Messages &messages);
 };
 
@@ -58,7 +58,7 @@ constexpr SpreadRow spreadRows[] = {
     {spreadExhaustSel, searchAssignment},
 };
 
-const SpreadRow &spreadRow(int spreadMode)
+const SpreadRow &spreadRow(SpreadKind spreadMode)
 {
     const auto *row = std::ranges::find(spreadRows, spreadMode, &SpreadRow::spreadMode);
     return row != std::end(spreadRows) ? *row : spreadRows[0];

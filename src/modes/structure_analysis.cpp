@@ -20,10 +20,6 @@
 namespace trelm {
 namespace {
 
-// elPdbFlag
-constexpr int asCharged = 1;
-constexpr int asUserFrame = 2;
-
 constexpr Matrix3d ownFrame = {0.0, 0.0, 1.0, 0.0, 1.0, 0.0, 1.0, 0.0, 0.0}; ///< columns z, y, x
 
 /// What the report tells.
@@ -146,7 +142,7 @@ void appendReport(const TrelmInfo &trelmInfo, const Findings &findings, const Sa
 {
     text += "REMARK Molecular Alignment Simulation.\n\nREMARK Simulation parameters.\n";
     writeTrelm(trelmInfo, text);
-    const bool hasDipole = trelmInfo.elPdbFlag != 0;
+    const bool hasDipole = trelmInfo.elPdbFlag != asShape;
     std::string block;
     writeEulerInfo(findings.structure, block, trelmInfo.eulerFlag);
     text.append(hasDipole ? "\n\nREMARK Dipole tensor." : "\n\nREMARK Inertia tensor.").append(block);

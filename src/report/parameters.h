@@ -7,14 +7,15 @@
 #include "errors/options.h"
 #include "magnitude/options.h"
 #include "magnitude/results.h"
+#include "report/modes.h"
 #include "simulation/alignment/options.h"
 
 namespace trelm {
 
 /// The mode, and the kind of best-fit.
 struct ModeOptions {
-    int trelmMode = 1;  ///< the mode, 1 to 17
-    int spreadMode = 0; ///< best-fit: 0 single, 1 jack, 2 mcDc, 3 mcStruc, 4 rand, 5 exhaust, 6 exhaustSel
+    Mode trelmMode = modeStTrelm;
+    SpreadKind spreadMode = spreadSingle;
 };
 
 /// Every parameter of a run. Option names stand in the table of command/params.

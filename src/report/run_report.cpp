@@ -169,7 +169,7 @@ constexpr Line tableConversion[] = {conversion};
 /// The name of a mode and the lines that follow it: in the parameter block, and at the head of a table. A
 /// null name has no line there.
 struct ReportRow {
-    int trelmMode;
+    Mode trelmMode;
     const char *blockName;
     std::span<const Line> blockLines;
     const char *tableName;

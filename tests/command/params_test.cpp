@@ -58,8 +58,9 @@ void spoil(const OptionRow &row, Options &options)
     std::visit(
         [&](auto target) {
             auto &field = options.*target;
-            if constexpr (std::is_arithmetic_v<std::remove_reference_t<decltype(field)>>)
-                field = 77;
+            using Value = std::remove_reference_t<decltype(field)>;
+            if constexpr (std::is_arithmetic_v<Value> || std::is_enum_v<Value>)
+                field = static_cast<Value>(77);
         },
         row.target);
 }

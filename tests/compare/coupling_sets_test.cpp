@@ -15,24 +15,25 @@ TEST(AddDC, CombinesScaledValues)
 {
     constexpr float infinity = std::numeric_limits<float>::infinity();
     const struct {
-        int opCode;
+        OpCode opCode;
         float c1, c2, d1, d2, expected;
     } cases[] = {
-        {1, 2.0f, 3.0f, 5.0f, -7.0f, -11.0f},
-        {2, 2.0f, 3.0f, 5.0f, -7.0f, 31.0f},
-        {3, 2.0f, 3.0f, 5.0f, -7.0f, -210.0f},
-        {4, 2.0f, 4.0f, 6.0f, 1.5f, 2.0f},
-        {4, 1.0f, 1.0f, 6.0f, 0.0f, infinity},
-        {5, -1.0f, 100.0f, 5.0f, 4.0f, -5.0f}, // the values decide as they are, not scaled
-        {5, -1.0f, 100.0f, 4.0f, 5.0f, 500.0f},
-        {5, 2.0f, 3.0f, 4.0f, 4.0f, 8.0f},
-        {0, 2.0f, 3.0f, 5.0f, 7.0f, 0.0f},
-        {6, 2.0f, 3.0f, 5.0f, 7.0f, 0.0f},
+        {opAdd, 2.0f, 3.0f, 5.0f, -7.0f, -11.0f},
+        {opSub, 2.0f, 3.0f, 5.0f, -7.0f, 31.0f},
+        {opMul, 2.0f, 3.0f, 5.0f, -7.0f, -210.0f},
+        {opDiv, 2.0f, 4.0f, 6.0f, 1.5f, 2.0f},
+        {opDiv, 1.0f, 1.0f, 6.0f, 0.0f, infinity},
+        {opMax, -1.0f, 100.0f, 5.0f, 4.0f, -5.0f}, // the values decide as they are, not scaled
+        {opMax, -1.0f, 100.0f, 4.0f, 5.0f, 500.0f},
+        {opMax, 2.0f, 3.0f, 4.0f, 4.0f, 8.0f},
+        {OpCode{0}, 2.0f, 3.0f, 5.0f, 7.0f, 0.0f},
+        {OpCode{6}, 2.0f, 3.0f, 5.0f, 7.0f, 0.0f},
     };
     for (const auto &c : cases)
         EXPECT_EQ(addDC({c.opCode, c.c1, c.c2}, c.d1, c.d2), c.expected) << c.opCode;
-    EXPECT_TRUE(std::isnan(addDC({4, 1.0f, 1.0f}, 0.0f, 0.0f)));
-    EXPECT_EQ(addDC({2, 1e30f, 1e30f}, 1e30f, 1e30f), 0.0f); // products do not overflow before the difference
+    EXPECT_TRUE(std::isnan(addDC({opDiv, 1.0f, 1.0f}, 0.0f, 0.0f)));
+    EXPECT_EQ(addDC({opSub, 1e30f, 1e30f}, 1e30f, 1e30f),
+              0.0f); // products do not overflow before the difference
 }
 
 DTable tableOf(const std::vector<float> &couplings)
@@ -56,13 +57,16 @@ TEST(AdjustDC, PairsRowsByResiduesAndAllNames)
     second.dObsList[1].resIDJ = 99;
     first.dObsList[3].valid = 0;
     second.dObsList[4].d = absent; // the second table is taken as it is
-    EXPECT_EQ(adjustDC({1, 1.0f, 1.0f}, first, second), 2);
+    EXPECT_EQ(adjustDC({opAdd, 1.0f, 1.0f}, first, second), 2);
     const struct {
         std::size_t row;
         int observed, calculated;
         float d;
-    } expected[] = {
-        {0, 1, 1, 12.0f}, {1, 0, 0, noCoupling}, {2, 1, 0, noCoupling}, {3, 0, 1, 66.0f}, {4, 1, 1, 1006.0f}};
+    } expected[] = {{OpCode{0}, 1, 1, 12.0f},
+                    {1, 0, 0, noCoupling},
+                    {2, 1, 0, noCoupling},
+                    {3, 0, 1, 66.0f},
+                    {4, 1, 1, 1006.0f}};
     for (const auto &e : expected) {
         EXPECT_EQ(first.dObsList[e.row].valid, e.observed) << e.row;
         EXPECT_EQ(first.dCalcList[e.row].valid, e.calculated) << e.row;
@@ -73,11 +77,11 @@ TEST(AdjustDC, PairsRowsByResiduesAndAllNames)
           &DInfo::chainNameJ, &DInfo::segNameI, &DInfo::segNameJ}) {
         DTable one = tableOf({1.0f}), other = tableOf({2.0f});
         other.dObsList[0].*name = Name::of("X");
-        EXPECT_EQ(adjustDC({1, 1.0f, 1.0f}, one, other), 0);
+        EXPECT_EQ(adjustDC({opAdd, 1.0f, 1.0f}, one, other), 0);
     }
     DTable empty;
-    EXPECT_EQ(adjustDC({1, 1.0f, 1.0f}, first, empty), 0);
-    EXPECT_EQ(adjustDC({1, 1.0f, 1.0f}, empty, first), 0);
+    EXPECT_EQ(adjustDC({opAdd, 1.0f, 1.0f}, first, empty), 0);
+    EXPECT_EQ(adjustDC({opAdd, 1.0f, 1.0f}, empty, first), 0);
     EXPECT_EQ(first.dObsList[0].valid, 1);
 }
 
@@ -87,7 +91,7 @@ TEST(AdjustDC, LargeTablesTakeNoTime)
     DTable first = tableOf(std::vector<float>(rows, 1.0f));
     const DTable second = tableOf(std::vector<float>(rows, 2.0f));
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(adjustDC({2, 1.0f, 1.0f}, first, second), rows);
+    EXPECT_EQ(adjustDC({opSub, 1.0f, 1.0f}, first, second), rows);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
 }
 

@@ -40,7 +40,7 @@ TEST(Output, ExtendedFormWithoutATensor)
 {
     DTable table = makeTable({{1.5f, 1.25f}, {-20.0f, -19.875f}, {9999.0f, 3.0f}});
     TrelmInfo info;
-    info.trelmMode = 7;
+    info.trelmMode = modeBestFit;
     info.qFlag = 0;
     EXPECT_EQ(
         written(table, info),
@@ -63,7 +63,7 @@ TEST(Output, WithoutACouplingTheReportEndsAtTheSequence)
 {
     DTable table = makeTable({{9999.0f, 9999.0f}});
     TrelmInfo info;
-    info.trelmMode = 7;
+    info.trelmMode = modeBestFit;
     const std::string text = written(table, info);
     EXPECT_TRUE(text.ends_with("DATA N                    0\nDATA SEQUENCE \n")) << text;
 }
@@ -162,7 +162,7 @@ DATA Rhombicity  2.222222e-01
 TEST(RunReport, OrdersOfTheTwoBlocks)
 {
     TrelmInfo info;
-    info.trelmMode = 4;
+    info.trelmMode = modeElTrelm;
     info.lcType = 2;
     info.includeRim = 0.001f;
     std::string block, head;
@@ -184,7 +184,7 @@ TEST(RunReport, OrdersOfTheTwoBlocks)
     };
     for (const auto &order : orders)
         EXPECT_NE(order.text.find(order.lines), std::string::npos) << order.lines;
-    info.trelmMode = 11;
+    info.trelmMode = modeDaFlex;
     info.includeRim = 0.0f;
     std::string nothing;
     writeTrelm(info, nothing);

@@ -1,5 +1,6 @@
 #include "assignment/assignment.h"
 
+#include "assignment/interrupt.h"
 #include "assignment/score.h"
 #include "assignment/selection.h"
 #include "ground/alloc.h"
@@ -32,7 +33,7 @@ AssignmentResult searchRandomly(const AssignmentProblem &problem, int mapCount, 
     ScoreWork work = {.messages = messages};
     std::vector<int> rowIdList(problem.peakCount);
     Progress progress(messages, "REMARK Sampled ", mapCount);
-    for (int n = 1; n <= mapCount; ++n) {
+    for (int n = 1; n <= mapCount && !InterruptGuard::isInterrupted(); ++n) {
         progress.show(n);
         drawPermutation(random, rowIdList);
         const float score = getSvdChi2Exh(problem, rowIdList, work);
@@ -42,6 +43,7 @@ AssignmentResult searchRandomly(const AssignmentProblem &problem, int mapCount, 
         }
     }
     progress.end();
+    best.isProved = !InterruptGuard::isInterrupted();
     return best;
 }
 
@@ -83,6 +85,7 @@ std::optional<AssignmentResult> search(const AssignmentProblem &problem, const S
 std::optional<AssignmentResult> searchAssignments(const AssignmentProblem &problem,
                                                   const SearchRequest &request, Messages &messages)
 {
+    const InterruptGuard guard;
     std::optional<AssignmentResult> best = search(problem, request, messages);
     if (!best)
         return std::nullopt;

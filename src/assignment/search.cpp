@@ -269,7 +269,6 @@ AssignmentResult searchSpace(const SearchSpace &space, Messages &messages)
                        .messages = messages,
                        .rowOf = std::vector<int>(space.peaks.size(), -1),
                        .isTaken = std::vector<char>(space.problem.peakCount, 0)};
-    const InterruptGuard guard;
     searchFrom(descent);
     printoutput(descent);
     messages.note("\n");

@@ -1,5 +1,7 @@
 #include "assignment/selection.h"
 
+#include "assignment/interrupt.h"
+
 #include <algorithm>
 #include <cmath>
 #include <functional>
@@ -135,7 +137,7 @@ void visitCombinations(SpreadSearch &search)
     const std::size_t depth = search.rows.size();
     const std::vector<float> &values = search.sorted[depth];
     const double bound = spreadBound(values, search.peaks.ladder, search.cost);
-    if (!(bound < search.chi2))
+    if (!(bound < search.chi2) || InterruptGuard::isInterrupted())
         return;
     if (depth == search.peaks.largest.size()) {
         search.chi2 = bound; // every target has its value: this is the sum itself
@@ -166,7 +168,7 @@ double spreadOf(SpreadSearch &search, const std::vector<int> &rows)
 }
 
 /// Exchanges single rows of equal count as long as that betters the sum. Returns the sum, which no best
-/// combination exceeds.
+/// combination exceeds; the rows are the best so far.
 double goodSpread(SpreadSearch &search)
 {
     std::vector<int> rows(search.peaks.counts.size());
@@ -192,6 +194,8 @@ double goodSpread(SpreadSearch &search)
                     place = before;
             }
     }
+    std::ranges::sort(chosen);
+    search.best = best < worstSpread ? chosen : std::vector<int>();
     return best;
 }
 

@@ -60,6 +60,7 @@ constexpr HelpEntry commonMore[] = {
     {"-names",   "auto",  "off", "Map Names of Hydrogens to Those of the Structure."},
     {"-model",   "number", "first", "The Model to Read of a Structure File of Several."},
     {"-addH",    "[length]", "1.041", "Build the Hydrogens H and HA of the Backbone; N-H Distance [A]."},
+    {"-nopdbRot", "",     "off", "No Structure is Written, neither that of -pdbRot nor .0 to .3."},
     {"-strict",  "",      "off", "A Warning Makes the Run Fail, and No Result is Written."},
     {"-quiet",   "",      "off", "No Banner, Remarks, Progress and Memory Balance; Warnings and Errors Stay."},
     {"-dbg",     "level", "0", "Debug Level, 1 without a Value; 2 Traces Every Request for Memory."},

@@ -86,6 +86,7 @@ constexpr OptionRow inputRows[] = {
     {"-names", &RunOptions::names},
     {"-model", &RunOptions::model},
     {"-addH", &RunOptions::buildsHydrogens, 1},
+    {"-nopdbRot", &RunOptions::hasNoStructures, 1},
     {"-strict", &RunOptions::isStrict, 1},
     {"-quiet", &RunOptions::isQuiet, 1},
 };

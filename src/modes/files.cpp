@@ -1,8 +1,11 @@
 #include "modes/files.h"
 
+#include "modes/run.h"
 #include "report/modes.h"
 #include "support/text/file_identity.h"
+#include "support/text/output_file.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <utility>
@@ -74,17 +77,64 @@ void addStructures(const RunOptions &options, const TrelmInfo &trelmInfo, std::v
     constexpr std::uint32_t plain = modes({modeStTrelmGrid, modeStruc});
     constexpr int frames = 4;
     const std::uint32_t mode = modes({trelmInfo.trelmMode});
-    if ((mode & inFrames) != 0)
+    const bool isPlain = (mode & plain) != 0 || isPassedOn(options.pRotName);
+    if ((mode & inFrames) != 0 && !isPlain)
         for (int k = 0; k < frames; ++k) {
             files.push_back({"-pdbRot", options.pRotName + '.' + std::to_string(k), true});
             if (k == trelmInfo.rotN)
                 files.push_back({"-pdbRot", options.pRotName, true});
         }
-    if ((mode & plain) != 0)
+    if (isPlain)
         files.push_back({"-pdbRot", options.pRotName, true});
     if (trelmInfo.trelmMode == modeStTrelmGrid)
         for (const char *name : {"rot.pdb", "rotEns.pdb"})
             files.push_back({"-stTrelmGrid", name, true});
+}
+
+/// Fails after one line if an output is another file of the run.
+Status checkIdentities(const std::vector<RunFile> &files, Messages &messages)
+{
+    std::vector<std::pair<FileIdentity, const RunFile *>> known;
+    for (const RunFile &file : files) {
+        const std::optional<FileIdentity> identity = fileIdentity(file.name);
+        if (!identity)
+            continue;
+        for (const auto &[other, first] : known)
+            if (other == *identity && (file.isOutput || first->isOutput))
+                return messages.fail(
+                    "trelm: %s (%s) and %s (%s) are one file: give each a name of its own.\n",
+                    first->option.c_str(), first->name.c_str(), file.option.c_str(), file.name.c_str());
+        known.emplace_back(*identity, &file);
+    }
+    return Status::ok;
+}
+
+/// Fails after one line if two inputs come from standard input: the first would leave nothing to the second.
+Status checkStandardInput(const std::vector<RunFile> &files, Messages &messages)
+{
+    const auto isStandardInput = [](const RunFile &file) { return !file.isOutput && file.name == "-"; };
+    const auto first = std::ranges::find_if(files, isStandardInput);
+    if (first == files.end())
+        return Status::ok;
+    const auto second = std::find_if(first + 1, files.end(), isStandardInput);
+    if (second == files.end())
+        return Status::ok;
+    return messages.fail("trelm: %s and %s cannot both be read from standard input.\n", first->option.c_str(),
+                         second->option.c_str());
+}
+
+/// Tells of the outputs that cannot be opened, one line for an option.
+void tellObstacles(const std::vector<RunFile> &files, Messages &messages)
+{
+    std::string told;
+    for (const RunFile &file : files) {
+        const std::string obstacle = file.isOutput && file.option != told ? writeObstacle(file.name) : "";
+        if (obstacle.empty())
+            continue;
+        told = file.option;
+        messages.warn("trelm: %s: %s cannot be written: %s.\n", file.option.c_str(), file.name.c_str(),
+                      obstacle.c_str());
+    }
 }
 
 } // namespace
@@ -111,19 +161,10 @@ std::vector<RunFile> filesOfRun(const RunOptions &options, const TrelmInfo &trel
 
 Status checkFiles(const std::vector<RunFile> &files, Messages &messages)
 {
-    std::vector<std::pair<FileIdentity, const RunFile *>> known;
-    for (const RunFile &file : files) {
-        const std::optional<FileIdentity> identity = fileIdentity(file.name);
-        if (!identity)
-            continue;
-        for (const auto &[other, first] : known)
-            if (other == *identity && (file.isOutput || first->isOutput))
-                return messages.fail(
-                    "trelm: %s (%s) and %s (%s) are one file: give each a name of its own.\n",
-                    first->option.c_str(), first->name.c_str(), file.option.c_str(), file.name.c_str());
-        known.emplace_back(*identity, &file);
-    }
-    return Status::ok;
+    if (checkIdentities(files, messages) != Status::ok || checkStandardInput(files, messages) != Status::ok)
+        return Status::failed;
+    tellObstacles(files, messages);
+    return messages.mayWrite() ? Status::ok : failedByWarnings(messages);
 }
 
 } // namespace trelm

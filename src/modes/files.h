@@ -21,7 +21,9 @@ struct RunFile {
 std::vector<RunFile> filesOfRun(const RunOptions &options, const TrelmInfo &trelmInfo);
 
 /// Fails, after one line that names both options, if an output is another file of the run: one regular file,
-/// by whatever name or link, or one new name in one folder. A device can be read and written under two names.
+/// by whatever name or link, or one new name in one folder (a device can be read and written under two
+/// names); or if two inputs are standard input. An output that cannot be opened is warned of, which fails in
+/// a strict run alone.
 Status checkFiles(const std::vector<RunFile> &files, Messages &messages);
 
 } // namespace trelm

@@ -98,6 +98,8 @@ Status runMode(Run &run, Messages &messages)
 {
     const TrelmInfo &trelmInfo = run.trelmInfo[0];
     const ModeRow &mode = *std::ranges::find(modeRows, trelmInfo.trelmMode, &ModeRow::trelmMode);
+    if (run.options.hasNoStructures != 0)
+        run.options.pRotName = "/dev/null";
     if (const Status status = checkFiles(filesOfRun(run.options, trelmInfo), messages); status != Status::ok)
         return status;
     const Status status = mode.commonInput ? readInputs(run, messages) : Status::ok;

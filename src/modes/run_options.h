@@ -48,6 +48,7 @@ struct RunOptions {
     std::string model;               ///< number of the model to read; empty: the first
     int buildsHydrogens = 0;         ///< 1: those of the backbone, where they lack
     float hydrogenDistance = 1.041f; ///< of a built amide hydrogen, angstrom
+    int hasNoStructures = 0;         ///< 1: no structure is written
     int isStrict = 0;                ///< 1: a warning makes the run fail
     int isQuiet = 0;                 ///< 1: no banner, remarks, progress and balance
 

@@ -2,6 +2,7 @@
 
 #include "structure/rotate.h"
 #include "structure/select.h"
+#include "support/text/file_identity.h"
 #include "support/text/output_file.h"
 #include "support/text/text.h"
 
@@ -74,7 +75,8 @@ Written writeFile(const std::string &pdbName, std::string_view text, Messages &m
 }
 
 /// The files of one solution: the plain name if it is the chosen one, and the numbered name. A numbered file
-/// that cannot be opened is told and passed over, one that could not be written to its end is a failure.
+/// that cannot be opened is told and passed over, one that could not be written to its end is a failure. A
+/// name that keeps nothing has no numbered ones beside it.
 Status writeSolution(const std::string &text, std::size_t i, int rotID, const std::string &outName,
                      Messages &messages)
 {
@@ -82,7 +84,7 @@ Status writeSolution(const std::string &text, std::size_t i, int rotID, const st
     if (static_cast<int>(i) == rotID && !outName.empty() &&
         writeFile(outName, text, messages) != Written::whole)
         status = Status::failed;
-    if (writeFile(outName + "." + std::to_string(i), text, messages) == Written::cut)
+    if (!isPassedOn(outName) && writeFile(outName + "." + std::to_string(i), text, messages) == Written::cut)
         status = Status::failed;
     return status;
 }

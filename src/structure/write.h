@@ -37,7 +37,8 @@ struct FrameAngles {
 
 /// Writes the molecule turned into each of the four frames, centred, to `outName`.0 to `outName`.3, and the
 /// one of number `rotID` to `outName` too. An empty name gives the files .0 to .3 alone, and so does any
-/// other number than 0 to 3, which is told of where there is a name. Fails after a message; a numbered file
+/// other number than 0 to 3, which is told of where there is a name; "-", a device or a pipe gets the one of
+/// `rotID` alone. Fails after a message; a numbered file
 /// that cannot be opened is told and passed over.
 Status writePDBRot(const FrameAngles &frames, int rotID, const PDBOutput &output, const std::string &outName,
                    Messages &messages);

@@ -33,6 +33,8 @@ void redirect(const std::string &path, int stream)
         _exit(126);
     redirect(setting.stdoutFile.empty() ? "stdout.txt" : setting.stdoutFile, STDOUT_FILENO);
     redirect(setting.stderrFile.empty() ? "stderr.txt" : setting.stderrFile, STDERR_FILENO);
+    if (!setting.stdinFile.empty() && std::freopen(setting.stdinFile.c_str(), "r", stdin) == nullptr)
+        _exit(126);
     unsetenv("NMRCHECK");
     for (const auto &[name, value] : setting.environment)
         setenv(name.c_str(), value.c_str(), 1);

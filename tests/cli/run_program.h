@@ -32,6 +32,7 @@ using Files = std::map<std::string, std::string>; ///< texts by name
 struct RunSetting {
     Files files = {}; ///< written into the folder before the run
     std::map<std::string, std::string> environment = {};
+    std::string stdinFile = {};    ///< for standard input
     std::string stdoutFile = {};   ///< for standard output
     std::string stderrFile = {};   ///< for the standard error stream
     unsigned interruptedAfter = 0; ///< seconds; 0: never

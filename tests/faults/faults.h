@@ -14,9 +14,12 @@ enum class Fault {
     write,  ///< a piece of a file or of standard output; half of it arrives
     close,  ///< the close of a file that was written
     tell,   ///< a piece of the standard error stream
+    rename, ///< a whole result takes its place
+    kill,   ///< at a write the process is killed; half of the piece arrives
 };
 
-constexpr std::array faultNames = {"block", "memory", "open", "read", "write", "close", "tell"};
+constexpr std::array faultNames = {"block", "memory", "open",   "read", "write",
+                                   "close", "tell",   "rename", "kill"};
 constexpr std::size_t faultCount = faultNames.size();
 
 constexpr std::size_t placeCount = 4096; ///< requests of a kind whose places are noted; later ones are not

@@ -1,5 +1,5 @@
-// A layer under all streams of a run: the linker gives fopen to it (--wrap=fopen), and the three standard
-// streams are put upon it. Bytes go in small pieces, so that a run on small input has many.
+// A layer under all streams of a run: the linker gives fopen and rename to it (--wrap=fopen), and the three
+// standard streams are put upon it. Bytes go in small pieces, so that a run on small input has many.
 #include "faults/faults.h"
 
 #include <fcntl.h>
@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -56,8 +57,11 @@ ssize_t readLayer(void *cookie, char *data, std::size_t size)
 ssize_t writeLayer(void *cookie, const char *data, std::size_t size)
 {
     const auto *layer = static_cast<Layer *>(cookie);
-    const bool isCut = fails(*layer, layer->writing, ENOSPC);
+    const bool isKilled = layer->writing == Fault::write && fails(*layer, Fault::kill, ENOSPC);
+    const bool isCut = isKilled || fails(*layer, layer->writing, ENOSPC);
     const ssize_t done = write(layer->fd, data, isCut ? size / 2 : size);
+    if (isKilled)
+        kill(getpid(), SIGKILL);
     if (isCut)
         errno = ENOSPC;
     return std::max<ssize_t>(done, 0);
@@ -97,6 +101,26 @@ void layStandardStreams()
     stderr = lay(STDERR_FILENO, "(stderr)", "w", Fault::tell);
 }
 
+namespace {
+
+/// True if a request for a file of this name has to fail.
+bool failsFor(std::string_view name, Fault fault)
+{
+    Layer file;
+    std::ranges::copy(name.substr(0, file.name.size() - 1), file.name.begin());
+    return fails(file, fault, fault == Fault::open ? EMFILE : EIO);
+}
+
+} // namespace
+
+extern "C" int __real_rename(const char *from, const char *to);
+extern "C" int __wrap_rename(const char *from, const char *to);
+
+extern "C" int __wrap_rename(const char *from, const char *to)
+{
+    return faultRecord() != nullptr && failsFor(to, Fault::rename) ? -1 : __real_rename(from, to);
+}
+
 extern "C" std::FILE *__real_fopen(const char *name, const char *mode);
 extern "C" std::FILE *__wrap_fopen(const char *name, const char *mode);
 
@@ -105,11 +129,10 @@ extern "C" std::FILE *__wrap_fopen(const char *name, const char *mode)
     FaultRecord *record = faultRecord();
     if (record == nullptr)
         return __real_fopen(name, mode);
-    Layer unopened;
-    std::ranges::copy(std::string_view(name).substr(0, unopened.name.size() - 1), unopened.name.begin());
-    if (fails(unopened, Fault::open, EMFILE))
+    if (failsFor(name, Fault::open))
         return nullptr;
-    const int flags = mode[0] == 'r' ? O_RDONLY : O_WRONLY | O_CREAT | (mode[0] == 'a' ? O_APPEND : O_TRUNC);
+    const int isNew = std::strchr(mode, 'x') != nullptr ? O_EXCL : O_TRUNC;
+    const int flags = mode[0] == 'r' ? O_RDONLY : O_WRONLY | O_CREAT | (mode[0] == 'a' ? O_APPEND : isNew);
     const int fd = open(name, flags | O_CLOEXEC, 0644);
     if (fd < 0)
         return nullptr;

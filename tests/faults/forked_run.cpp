@@ -10,6 +10,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 
 namespace fs = std::filesystem;
 
@@ -75,6 +76,8 @@ ForkedRun runForked(const WalkFolder &folder, const SmallRun &run, const ChosenF
 {
     fs::remove_all(folder.root / "run");
     fs::create_directory(folder.root / "run");
+    for (const std::string &name : fault.earlier)
+        std::ofstream(folder.root / "run" / name) << earlierResult;
     *folder.shared = {};
     folder.shared->notesPlaces = fault.notesPlaces;
     std::fflush(nullptr); // the child must not write what waits here

@@ -8,12 +8,16 @@
 #include <filesystem>
 #include <map>
 #include <string>
+#include <vector>
+
+constexpr const char *earlierResult = "what an earlier run wrote\n";
 
 /// What to let fail: request `n` of a kind.
 struct ChosenFault {
     Fault kind = Fault::memory;
-    long n = 0;               ///< 0: none
-    bool notesPlaces = false; ///< note who made each request
+    long n = 0;                            ///< 0: none
+    bool notesPlaces = false;              ///< note who made each request
+    std::vector<std::string> earlier = {}; ///< files that hold earlierResult before the run
 };
 
 struct ForkedRun {

@@ -163,9 +163,38 @@ TEST_P(Walk, EveryFaultIsToldAndEndsTheRun)
     ASSERT_EQ(whole.ran.faults.openFiles, 0);
     ASSERT_GT(whole.ran.faults.counts[static_cast<std::size_t>(Fault::write)], 0); // the layer is there
     std::string counts;
-    for (std::size_t i = 0; i < faultCount; ++i)
+    for (std::size_t i = 0; i < static_cast<std::size_t>(Fault::kill); ++i)
         counts += std::string(" ") + faultNames[i] + " " + std::to_string(walk(whole, static_cast<Fault>(i)));
     std::printf("%s:%s\n", GetParam().name, counts.c_str());
+}
+
+TEST(EarlierResults, StandUntilTheNewOnesAreWhole)
+{
+    const WalkFolder folder;
+    ASSERT_NE(folder.shared, nullptr);
+    const SmallRun &run = *std::ranges::find(smallRuns(), std::string_view("mcDc"), &SmallRun::name);
+    const Whole whole = wholeRun(run, folder);
+    std::vector<std::string> earlier;
+    for (const auto &[name, text] : whole.files)
+        earlier.push_back(name);
+    ASSERT_GT(earlier.size(), 5U);
+    for (const Fault fault : {Fault::open, Fault::write, Fault::close, Fault::rename, Fault::kill}) {
+        const auto kind = static_cast<std::size_t>(fault);
+        ASSERT_GT(whole.ran.faults.counts[kind], 0);
+        for (const long n : chosenRequests(whole.ran.faults, kind)) {
+            SCOPED_TRACE(testing::Message() << faultNames[kind] << " " << n);
+            const ForkedRun ran = runForked(folder, run, {.kind = fault, .n = n, .earlier = earlier});
+            EXPECT_TRUE(ran.faults.hasFailed);
+            auto files = filesOf(folder);
+            std::erase_if(files, [&](const auto &file) {
+                return fault == Fault::kill && file.first.starts_with('.') &&
+                       !whole.files.contains(file.first);
+            });
+            EXPECT_EQ(files.size(), whole.files.size());
+            for (const auto &[name, text] : files)
+                EXPECT_TRUE(text == earlierResult || text == whole.files.at(name)) << name;
+        }
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Modes, Walk, testing::ValuesIn(smallRuns()),

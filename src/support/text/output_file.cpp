@@ -1,9 +1,13 @@
 #include "support/text/output_file.h"
 
+#include "support/text/file_identity.h"
+#include "support/text/text.h"
+
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <system_error>
 
@@ -23,27 +27,14 @@ void dropOld(OutFile &out)
     out.holdsOld = false;
 }
 
-/// The file that a name leads to, which need not be there yet.
-std::string followLinks(const std::string &name)
-{
-    constexpr int mostLinks = 40; // as the system has it; more are a ring
-    fs::path path = name;
-    std::error_code none;
-    for (int i = 0; i < mostLinks && fs::is_symlink(path, none); ++i) {
-        const fs::path next = fs::read_symlink(path, none);
-        path = next.is_absolute() ? next : path.parent_path() / next;
-    }
-    return path.string();
-}
-
 /// A new file beside the target, hidden and named after it. Null if the folder takes none.
 std::FILE *openBeside(const fs::path &target, std::string &temporary)
 {
     constexpr int mostTries = 100; // runs that were killed may have left theirs
+    const std::string name = (target.parent_path() / ('.' + target.filename().string())).string();
     for (int i = 0; i < mostTries; ++i) {
-        const std::string name =
-            '.' + target.filename().string() + '.' + std::to_string(getpid()) + '.' + std::to_string(i);
-        temporary = (target.parent_path() / name).string();
+        temporary = name;
+        appendf(temporary, ".%d.%d", static_cast<int>(getpid()), i);
         if (std::FILE *fp = std::fopen(temporary.c_str(), "wx"); fp != nullptr || errno != EEXIST)
             return fp;
     }
@@ -66,10 +57,10 @@ std::FILE *openTarget(OutFile &out, bool isReplaced)
         std::FILE *fp = openBeside(out.target, out.temporary);
         if (fp != nullptr && exists)
             chmod(out.temporary.c_str(), found.st_mode & 07777);
-        if (fp != nullptr || !exists || !mustWriteItself(errno))
+        if (fp != nullptr || !mustWriteItself(errno))
             return fp;
         out.temporary.clear();
-        out.holdsOld = true;
+        out.holdsOld = exists;
     }
     // Opening to append asks for the same rights as opening to replace, and loses nothing.
     return std::fopen(out.target.c_str(), "a");
@@ -153,6 +144,25 @@ void keepNew(OutFile &out, Messages &messages)
 {
     if (out.fp != stdout && !out.temporary.empty() && !fs::exists(out.target))
         static_cast<void>(closeOut(out, messages)); // the run has failed already
+}
+
+std::string writeObstacle(const std::string &name)
+{
+    if (name.empty() || name == "-")
+        return {};
+    const fs::path target = followLinks(name);
+    struct stat found = {};
+    errno = 0;
+    if (stat(target.c_str(), &found) == 0) {
+        if (S_ISDIR(found.st_mode))
+            errno = EISDIR;
+        else
+            access(target.c_str(), W_OK);
+    } else if (errno == ENOENT) {
+        errno = 0;
+        access(target.has_parent_path() ? target.parent_path().c_str() : ".", W_OK | X_OK);
+    }
+    return errno == 0 ? "" : std::strerror(errno);
 }
 
 } // namespace trelm

@@ -44,4 +44,8 @@ Status closeOut(OutFile &out, Messages &messages);
 /// After a failure: what was written stays, if there was no such file before.
 void keepNew(OutFile &out, Messages &messages);
 
+/// Why a file cannot be opened to be written, as far as that shows without opening it; empty where nothing
+/// speaks against it.
+std::string writeObstacle(const std::string &name);
+
 } // namespace trelm

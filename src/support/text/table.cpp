@@ -222,7 +222,7 @@ Status readCell(RowReader &reader, std::size_t column, float &cell)
 
 Status readRow(RowReader &reader, std::span<float> cells)
 {
-    splitTokens(reader.line, reader.words);
+    splitTokens(reader.line, reader.words, cells.size());
     for (std::size_t column = 0; column < cells.size(); ++column)
         if (readCell(reader, column, cells[column]) != Status::ok)
             return Status::failed;
@@ -246,7 +246,7 @@ Status readLines(TextInput &input, RowReader &reader)
     return Status::ok;
 }
 
-/// Opens and reads the whole file. An empty name names no file here: tables do not come from standard input.
+/// Opens and reads the whole file. An empty name names no file here.
 Status openTable(const std::string &inName, TextInput &input, Messages &messages)
 {
     const TextStatus status = inName.empty() ? TextStatus::noFile : readText(input, inName, messages);

@@ -2,6 +2,9 @@
 
 #include "support/text/text.h"
 
+#include <sys/stat.h>
+
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -33,11 +36,14 @@ TextStatus refuse(TextInput &input, const char *shownName, const char *why, Mess
 TextStatus readText(TextInput &input, const std::string &name, Messages &messages)
 {
     input = TextInput{};
-    const std::unique_ptr<std::FILE, CloseInput> stream(name.empty() ? stdin
-                                                                     : std::fopen(name.c_str(), "rb"));
+    const bool isStandard = name.empty() || name == "-";
+    const std::unique_ptr<std::FILE, CloseInput> stream(isStandard ? stdin : std::fopen(name.c_str(), "rb"));
     if (!stream)
         return TextStatus::noFile;
-    const char *shownName = name.empty() ? "(stdin)" : name.c_str();
+    const char *shownName = isStandard ? "(stdin)" : name.c_str();
+    struct stat found = {};
+    if (fileno(stream.get()) >= 0 && fstat(fileno(stream.get()), &found) == 0 && S_ISREG(found.st_mode))
+        input.text.reserve(std::min(static_cast<std::size_t>(found.st_size), maxTextBytes));
     std::array<char, 65536> chunk;
     for (std::size_t count = chunk.size(); count == chunk.size();) { // a short one is the last
         errno = 0;

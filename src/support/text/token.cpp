@@ -79,12 +79,16 @@ std::string_view firstWord(std::string_view line)
     return nextWord(line, place);
 }
 
-void splitTokens(std::string_view text, std::vector<std::string_view> &words)
+void splitTokens(std::string_view text, std::vector<std::string_view> &words, std::size_t most)
 {
     words.clear();
     std::size_t place = 0;
-    for (auto word = nextWord(text, place); !word.empty(); word = nextWord(text, place))
+    while (words.size() < most) {
+        const std::string_view word = nextWord(text, place);
+        if (word.empty())
+            return;
         words.push_back(word);
+    }
 }
 
 bool wordToInt(std::string_view word, int &value)

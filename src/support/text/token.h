@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -14,8 +15,8 @@ std::string_view getToken(int n, std::string_view text);
 /// The first word of a line, empty for a blank one.
 std::string_view firstWord(std::string_view line);
 
-/// All words of a text at once, for readers of long rows: one pass over the line.
-void splitTokens(std::string_view text, std::vector<std::string_view> &words);
+/// All words of a text at once, or the first `most`, for readers of long rows: one pass over the line.
+void splitTokens(std::string_view text, std::vector<std::string_view> &words, std::size_t most = SIZE_MAX);
 
 /// A whole word as "%d", "%f" or "%lf" read it: the number at its start. Returns false, with 0, if there is
 /// none. An integer beyond the range of int becomes its nearest limit, a real one infinite or 0. As with the

@@ -143,21 +143,11 @@ Matrix3d axesOf(const FrameLists &frames, std::size_t i)
     return axes;
 }
 
-Matrix3d product(const Matrix3d &a, const Matrix3d &b)
-{
-    Matrix3d result = {};
-    for (std::size_t i = 0; i < 3; ++i)
-        for (std::size_t j = 0; j < 3; ++j)
-            for (std::size_t k = 0; k < 3; ++k)
-                result[3 * i + j] += a[3 * i + k] * b[3 * k + j];
-    return result;
-}
-
 Matrix3d turned(const Matrix3f &rotation, const Matrix3d &axes)
 {
     Matrix3d exact;
     std::ranges::copy(rotation, exact.begin());
-    return product(exact, axes);
+    return matMult(exact, axes);
 }
 
 Matrix3f toSingle(const Matrix3d &matrix)
@@ -174,7 +164,7 @@ RotationAngles fitAlignCoords(const Matrix3d &from, const Matrix3d &to)
 {
     const Matrix3d back = {from[0], from[3], from[6], from[1], from[4], from[7], from[2], from[5], from[8]};
     RotationLists lists;
-    rot2euler(toSingle(product(to, back)), lists);
+    rot2euler(toSingle(matMult(to, back)), lists);
     return {.psi = lists.psi[0], .theta = lists.theta[0], .phi = lists.phi[0]};
 }
 

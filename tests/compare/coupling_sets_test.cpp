@@ -62,11 +62,8 @@ TEST(AdjustDC, PairsRowsByResiduesAndAllNames)
         std::size_t row;
         int observed, calculated;
         float d;
-    } expected[] = {{OpCode{0}, 1, 1, 12.0f},
-                    {1, 0, 0, noCoupling},
-                    {2, 1, 0, noCoupling},
-                    {3, 0, 1, 66.0f},
-                    {4, 1, 1, 1006.0f}};
+    } expected[] = {
+        {0, 1, 1, 12.0f}, {1, 0, 0, noCoupling}, {2, 1, 0, noCoupling}, {3, 0, 1, 66.0f}, {4, 1, 1, 1006.0f}};
     for (const auto &e : expected) {
         EXPECT_EQ(first.dObsList[e.row].valid, e.observed) << e.row;
         EXPECT_EQ(first.dCalcList[e.row].valid, e.calculated) << e.row;

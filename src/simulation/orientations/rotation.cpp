@@ -28,16 +28,6 @@ Matrix3f getRotMat(float theta, float phi, float psi)
     return rotMatrix;
 }
 
-Matrix3f matMult(const Matrix3f &matrix1, const Matrix3f &matrix2)
-{
-    Matrix3f matrixOut = {};
-    for (std::size_t i = 0; i < 3; ++i)
-        for (std::size_t j = 0; j < 3; ++j)
-            for (std::size_t k = 0; k < 3; ++k)
-                matrixOut[3 * i + j] += matrix1[3 * i + k] * matrix2[3 * k + j];
-    return matrixOut;
-}
-
 Vector3f crossProduct(const Vector3f &vec1, const Vector3f &vec2)
 {
     const auto element = [&](std::size_t j, std::size_t k) {

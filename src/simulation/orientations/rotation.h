@@ -6,6 +6,7 @@
 #include "support/numerics/jacobi.h"
 
 #include <array>
+#include <cstddef>
 
 namespace trelm {
 
@@ -17,8 +18,17 @@ Axis rotate_vector(double theta, double phi, double psi, const Axis &input_vecto
 /// M itself, row by row, in single precision.
 Matrix3f getRotMat(float theta, float phi, float psi);
 
-/// The product of two matrices, summed in single precision.
-Matrix3f matMult(const Matrix3f &matrix1, const Matrix3f &matrix2);
+/// The product of two matrices, summed in their own precision.
+template <class Number>
+std::array<Number, 9> matMult(const std::array<Number, 9> &matrix1, const std::array<Number, 9> &matrix2)
+{
+    std::array<Number, 9> matrixOut = {};
+    for (std::size_t i = 0; i < 3; ++i)
+        for (std::size_t j = 0; j < 3; ++j)
+            for (std::size_t k = 0; k < 3; ++k)
+                matrixOut[3 * i + j] += matrix1[3 * i + k] * matrix2[3 * k + j];
+    return matrixOut;
+}
 
 /// vec1 x vec2, with double intermediates.
 Vector3f crossProduct(const Vector3f &vec1, const Vector3f &vec2);

@@ -198,7 +198,7 @@ constexpr Writer writers[] = {appendRestraints, appendRestraints, appendListing,
 
 } // namespace
 
-void fillConverted(const ConversionOptions &options, DTable &dTab, Messages &messages)
+Status fillConverted(const ConversionOptions &options, DTable &dTab, Messages &messages)
 {
     const auto observed = dTab.observed(), calculated = dTab.calculated();
     RandomStream random;
@@ -221,8 +221,8 @@ void fillConverted(const ConversionOptions &options, DTable &dTab, Messages &mes
         }
         areFinite = areFinite && std::isfinite(calc.d) && std::isfinite(calc.sigma);
     }
-    if (!areFinite)
-        messages.err("Warning: with its weight or noise a coupling is no finite number.\n");
+    return areFinite ? Status::ok
+                     : messages.fail("trelm: with its weight or noise a coupling is no finite number.\n");
 }
 
 Status convertTab(const ConversionOptions &options, const DTable &dTab, const std::string &inDName,

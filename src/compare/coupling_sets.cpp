@@ -3,6 +3,7 @@
 #include "compare/combine.h"
 #include "support/text/text.h"
 
+#include <cmath>
 #include <unordered_map>
 
 namespace trelm {
@@ -17,6 +18,12 @@ std::string keyOf(const DInfo &row)
                              &row.chainNameJ, &row.segNameI, &row.segNameJ})
         key.append(1, '\0').append(name->view());
     return key;
+}
+
+/// A quotient by 0 goes out as it is.
+bool isTooLarge(const ComparisonOptions &options, float d2, float combination)
+{
+    return !std::isfinite(combination) && !(options.opCode == opDiv && options.c2 * d2 == 0.0f);
 }
 
 } // namespace
@@ -49,6 +56,8 @@ int adjustDC(const ComparisonOptions &options, DTable &dTab1, const DTable &dTab
         }
         calculated[i].valid = 1;
         calculated[i].d = addDC(options, obs.d, match->second);
+        if (obs.valid != 0 && isTooLarge(options, match->second, calculated[i].d))
+            return tooLarge;
         count += obs.valid != 0 ? 1 : 0;
     }
     return count;

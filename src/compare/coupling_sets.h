@@ -10,10 +10,12 @@ namespace trelm {
 /// quotient, 5 the greater one, judged before scaling; any other 0.
 float addDC(const ComparisonOptions &options, float d1, float d2);
 
+constexpr int tooLarge = -1;
+
 /// Gives each row of the first table that has a value the combination with the row of the second that has the
 /// same residues and names, as its calculated coupling; of several such rows the last counts. Rows without a
 /// partner become invalid. Returns the number of valid rows that were combined; 0, with nothing changed, if a
-/// table is empty.
+/// table is empty; `tooLarge` if a combination is no finite number, but for a quotient by 0.
 int adjustDC(const ComparisonOptions &options, DTable &dTab1, const DTable &dTab2);
 
 } // namespace trelm

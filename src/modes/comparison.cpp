@@ -39,6 +39,8 @@ Status combine(Run &run, Messages &messages)
     tellTable(run, run.options.inD1Name, dTab1[0], messages);
     tellTable(run, run.options.inD2Name, dTab2[0], messages);
     const int shared = adjustDC(run.trelmInfo[0], dTab1[0], dTab2[0]);
+    if (shared == tooLarge)
+        return messages.fail("trelm: a combination of couplings is no finite number: look at -c1 and -c2.\n");
     tellRows(shared, "combined", run.dcInfo[0].excludeMode, messages);
     if (shared == 0)
         messages.err("trelm: the two tables share no coupling of the selection.\n");
@@ -94,7 +96,8 @@ Status convert(Run &run, Messages &messages)
     if (choose(run, dTab, messages) == 0)
         messages.err("trelm: no coupling is left to convert.\n");
     tellTable(run, options.inDName, dTab, messages);
-    fillConverted(conversion, dTab, messages);
+    if (fillConverted(conversion, dTab, messages) != Status::ok)
+        return Status::failed;
     if (conversion.outFormat == formatTrelm)
         return writeDCmod({options.outDName}, dTab, run.trelmInfo[0], "", messages);
     std::string text;

@@ -2,6 +2,7 @@
 
 #include "couplings/fit.h"
 #include "couplings/statistics.h"
+#include "report/modes.h"
 #include "report/run_report.h"
 #include "structure/write.h"
 #include "support/numerics/numbers.h"
@@ -247,12 +248,40 @@ void appendTable(const DTable &dTab, bool verbose, std::string &text)
     }
 }
 
+bool isNumber(float value)
+{
+    return std::isfinite(value);
+}
+
+bool rowsAreFinite(const DTable &dTab)
+{
+    for (std::size_t i = 0; i < dTab.observed().size(); ++i) {
+        const DInfo &o = dTab.observed()[i], &c = dTab.calculated()[i];
+        if (o.valid != 0 && c.valid != 0 && !(isNumber(c.d) && isNumber(o.sigma) && isNumber(o.w)))
+            return false;
+    }
+    return true;
+}
+
+/// Fails after a message if a number of the result is none. Quotients by 0 of a comparison go out as they
+/// are.
+Status checkFinite(const DTable &dTab, const TrelmInfo &trelmInfo, Messages &messages)
+{
+    const bool hasQuotients = trelmInfo.trelmMode == modeAnA || trelmInfo.trelmMode == modeAnDc;
+    if (hasQuotients || (std::ranges::all_of(dTab.dTensor.saupe, isNumber) && rowsAreFinite(dTab)))
+        return Status::ok;
+    return messages.fail(
+        "trelm: the result is no finite number: look at the options and at D, DD and W of the table.\n");
+}
+
 /// The report and the table. Fails after a message: without the tensor's axes the text ends there.
 Status appendExtended(const DTable &dTab, const TrelmInfo &trelmInfo, std::string_view remark,
                       std::string &text, Messages &messages)
 {
     DcStatistics stat;
     const Status status = getStatDCmod(dTab, stat, messages);
+    if (!(isNumber(stat.rSumD2) && isNumber(stat.pSumD)) && rowsAreFinite(dTab))
+        return messages.fail("trelm: the deviations are no finite numbers: look at D, DD and W.\n");
     text += "REMARK Molecular Alignment Simulation.\n\n";
     text += remark;
     text += "REMARK Simulation parameters.\n";
@@ -280,12 +309,16 @@ void appendShort(const DTable &dTab, std::string &text)
 Status writeDCmod(const TableOutput &output, const DTable &dTab, const TrelmInfo &trelmInfo,
                   std::string_view remark, Messages &messages)
 {
+    if (checkFinite(dTab, trelmInfo, messages) != Status::ok)
+        return Status::failed;
     std::string text;
     Status status = Status::ok;
     if (trelmInfo.verbFlag != 0)
         status = appendExtended(dTab, trelmInfo, remark, text, messages);
     else
         appendShort(dTab, text);
+    if (status != Status::ok && text.empty())
+        return status;
     OutFile out;
     if (openOut(out, output.name, output.access) != Status::ok)
         messages.err("DC Error opening output file %s\n", output.name.c_str());
@@ -302,6 +335,8 @@ Status writeFit(const FittedRun &run, Messages &messages)
         Status::ok)
         return messages.fail("trelm: error in analyzeSaupe.\n");
     const Status written = writeDCmod({run.outDName}, *run.dTab, *run.trelmInfo, "", messages);
+    if (written != Status::ok)
+        return written;
     const EulerLists &euler = analysis.euler;
     const Status turned = writePDBRot({euler.gamma, euler.beta, euler.alpha}, run.trelmInfo->rotN,
                                       {*run.pdbInfo, run.sInfo, run.remark}, run.pdbRotName, messages);

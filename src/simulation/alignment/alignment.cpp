@@ -50,6 +50,9 @@ Status checkOrientations(const AlignmentOptions &options, Messages &messages)
             options.digPsiNSC, dots, std::numeric_limits<int>::max());
     if (!std::isfinite(options.lcOrder))
         return refuse("-lcS", number(options.lcOrder), "the order is no number", messages);
+    if (options.lcOrder < 0.0f || options.lcOrder > 1.0f)
+        messages.warn("trelm: -lcS %g: the order of a liquid crystal lies between 0 and 1.\n",
+                      number(options.lcOrder));
     return Status::ok;
 }
 

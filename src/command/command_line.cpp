@@ -70,7 +70,7 @@ void warnSpelling(std::string_view flag, std::string_view word, Spelling spellin
     const char *fault = spelling == Spelling::outOfRange  ? "out of range"
                         : spelling == Spelling::noInteger ? "not an integer"
                                                           : "not a number";
-    messages.err("Warning: the value %s of option %s is %s, %s is used.\n", std::string(word).c_str(),
+    messages.warn("Warning: the value %s of option %s is %s, %s is used.\n", std::string(word).c_str(),
                  std::string(flag).c_str(), fault, used.c_str());
 }
 
@@ -248,7 +248,7 @@ void CommandLine::warnDouble(std::string_view flag, std::string_view word)
 
 void CommandLine::warnNoValue(std::string_view flag)
 {
-    messages.err("Warning: option %s has no value.\n", std::string(flag).c_str());
+    messages.warn("Warning: option %s has no value.\n", std::string(flag).c_str());
 }
 
 bool isFlag(const char *arg)

@@ -195,7 +195,7 @@ Status analyze(const Saupe &saupe, int yzFlag, TensorAnalysis &analysis, Message
     if (analyzeSaupe(saupe, yzFlag, 1, analysis, messages) != Status::ok || !(analysis.gMag < largest))
         return messages.fail("Matrix: error in analyzeSaupe.\n");
     if (analysis.gMag == 0.0)
-        messages.err("trelm: an order matrix is 0: it has no frame to compare.\n");
+        messages.warn("trelm: an order matrix is 0: it has no frame to compare.\n");
     return Status::ok;
 }
 

@@ -161,9 +161,9 @@ void warnOfWidth(const ConeOptions &options, Messages &messages)
 {
     const double width = options.coneWidth;
     if (width >= 180.0)
-        messages.err("Warning: -stdCone %g: an angle to an axis is below 180 degrees.\n", width);
+        messages.warn("Warning: -stdCone %g: an angle to an axis is below 180 degrees.\n", width);
     if (width > 0.0 && !coneOf(options).hasNoise())
-        messages.err("Warning: -stdCone %g: a Gaussian cone below %g degrees moves no atom.\n", width,
+        messages.warn("Warning: -stdCone %g: a Gaussian cone below %g degrees moves no atom.\n", width,
                      minConeWidth);
 }
 

@@ -47,7 +47,7 @@ Status samplePart(JackknifeRun &run, int n)
 void tellParts(const JackknifeRun &run)
 {
     if (run.input.mapCount > 0 && run.nDSel < static_cast<int>(fewestCouplings))
-        run.messages.err("trelm: -dFrac %g picks %d couplings: a tensor has five unknowns.\n",
+        run.messages.warn("trelm: -dFrac %g picks %d couplings: a tensor has five unknowns.\n",
                          number(run.options.mapFrac), run.nDSel);
     run.messages.out("REMARK %d DC of %d picked.\n", run.nDSel, run.input.dTab.dCount);
     run.messages.out("REMARK %d SVD runs of %d succesful.\n", run.result.samples.count, run.input.mapCount);
@@ -88,7 +88,7 @@ int selectDcFrac(RandomStream &random, std::span<unsigned char> marks, float fra
 void warnOfFraction(const JackknifeOptions &options, Messages &messages)
 {
     if (options.mapFixCount == 0 && options.mapFrac > 1.0f)
-        messages.err("Warning: -dFrac %g: above 1 each fit takes all couplings; -nDfixed takes a number.\n",
+        messages.warn("Warning: -dFrac %g: above 1 each fit takes all couplings; -nDfixed takes a number.\n",
                      number(options.mapFrac));
 }
 

@@ -118,12 +118,12 @@ void warnOfStart(const ConeSearchOptions &options, Messages &messages)
 {
     const double first = number(options.nConeStart);
     if (options.nConeAdjust < 1)
-        messages.err("Warning: -nCone %d: without fits the search of the cone finds no misfit.\n",
+        messages.warn("Warning: -nCone %d: without fits the search of the cone finds no misfit.\n",
                      options.nConeAdjust);
     if (first < 0.0)
-        messages.err("Warning: -lCone %g: a cone below 0 degrees moves no atom.\n", first);
+        messages.warn("Warning: -lCone %g: a cone below 0 degrees moves no atom.\n", first);
     if (first >= 180.0)
-        messages.err("Warning: -lCone %g: an angle to an axis is below 180 degrees.\n", first);
+        messages.warn("Warning: -lCone %g: an angle to an axis is below 180 degrees.\n", first);
 }
 
 /// Whether steps from this width ever end the search. Fails after a message.
@@ -226,7 +226,7 @@ Status noiseStrucSimDC(const MappingInput &input, const StructuralNoiseOptions &
     if (fitMeasured(run) != Status::ok)
         return Status::failed;
     if (result.couplings == 0) {
-        messages.err("trelm: no coupling is left to fit.\n");
+        messages.warn("trelm: no coupling is left to fit.\n");
         return Status::ok;
     }
     if (keepState(run) != Status::ok)

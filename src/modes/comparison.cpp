@@ -43,7 +43,7 @@ Status combine(Run &run, Messages &messages)
         return messages.fail("trelm: a combination of couplings is no finite number: look at -c1 and -c2.\n");
     tellRows(shared, "combined", run.dcInfo[0].excludeMode, messages);
     if (shared == 0)
-        messages.err("trelm: the two tables share no coupling of the selection.\n");
+        messages.warn("trelm: the two tables share no coupling of the selection.\n");
     return writeDCmod({run.options.outDName}, dTab1[0], run.trelmInfo[0], "", messages);
 }
 
@@ -94,7 +94,7 @@ Status convert(Run &run, Messages &messages)
     if (const Status status = readTable(options.inDName, dTab, messages); status != Status::ok)
         return status;
     if (choose(run, dTab, messages) == 0)
-        messages.err("trelm: no coupling is left to convert.\n");
+        messages.warn("trelm: no coupling is left to convert.\n");
     tellTable(run, options.inDName, dTab, messages);
     if (fillConverted(conversion, dTab, messages) != Status::ok)
         return Status::failed;

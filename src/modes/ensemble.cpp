@@ -125,7 +125,7 @@ Status simulateEnsemble(Run &run, Messages &messages)
     if (checkEnsemble(trelmInfo, messages) != Status::ok)
         return Status::failed;
     if (!run.options.potName.empty())
-        messages.err("trelm: -stTrelmGrid reads no potential: -pot is not used.\n");
+        messages.warn("trelm: -stTrelmGrid reads no potential: -pot is not used.\n");
     if (setUp(run, sample, messages) != Status::ok)
         return Status::failed;
     Ensemble ensemble;

@@ -35,7 +35,7 @@ struct SpreadRow {
 Status bestFitSingle(Run &run, Messages &messages)
 {
     if (run.trelmInfo[0].validCountD == 0)
-        messages.err("trelm: no coupling is left to fit.\n");
+        messages.warn("trelm: no coupling is left to fit.\n");
     const DTable &dTab = run.dTab[0];
     FitColumns columns;
     takeColumns(dTab, columns);
@@ -66,8 +66,6 @@ const SpreadRow &spreadRow(SpreadKind spreadMode)
 
 Status bestFit(Run &run, Messages &messages)
 {
-    if (run.options.pdbName.empty())
-        messages.err("trelm: -pdb is missing: without a structure no coupling can be fitted.\n");
     tellFit(run, messages);
     return spreadRow(run.trelmInfo[0].spreadMode).work(run, messages);
 }
@@ -92,10 +90,45 @@ constexpr ModeRow modeRows[] = {
     {modeConv, false, convertTable},
 };
 
+/// An input that a mode can do nothing without.
+struct NeedRow {
+    int trelmMode;
+    const char *option;
+    std::string RunOptions::*name;
+    const char *lack;
+};
+
+constexpr const char *noStructure = "without a structure there are no atoms";
+constexpr const char *noTable = "without a table there are no couplings";
+
+constexpr NeedRow needRows[] = {
+    {modeBestFit, "-pdb", &RunOptions::pdbName, "without a structure no coupling can be fitted"},
+    {modeBestFit, "-inD", &RunOptions::inDName, noTable},
+    {modeStTrelm, "-pdb", &RunOptions::pdbName, noStructure},
+    {modeElTrelm, "-pdb", &RunOptions::pdbName, noStructure},
+    {modeStTrelmGrid, "-pdb", &RunOptions::pdbName, noStructure},
+    {modeStTrelmFree, "-pdbF", &RunOptions::pdbFName, "without coordinates there are no atoms"},
+    {modeAnPdb, "-pdb", &RunOptions::pdbName, noStructure},
+    {modeDaHist, "-inD", &RunOptions::inDName, noTable},
+    {modeDaMl, "-inD", &RunOptions::inDName, noTable},
+    {modeDaFlex, "-inD", &RunOptions::inDName, noTable},
+    {modeConv, "-inD", &RunOptions::inDName, noTable},
+    {modeAnDc, "-inD1", &RunOptions::inD1Name, noTable},
+    {modeAnDc, "-inD2", &RunOptions::inD2Name, noTable},
+};
+
+void warnOfMissingInputs(const Run &run, Messages &messages)
+{
+    for (const NeedRow &row : needRows)
+        if (row.trelmMode == static_cast<int>(run.trelmInfo[0].trelmMode) && (run.options.*row.name).empty())
+            messages.warn("trelm: %s is missing: %s.\n", row.option, row.lack);
+}
+
 } // namespace
 
 Status runMode(Run &run, Messages &messages)
 {
+    warnOfMissingInputs(run, messages);
     const TrelmInfo &trelmInfo = run.trelmInfo[0];
     const ModeRow &mode = *std::ranges::find(modeRows, trelmInfo.trelmMode, &ModeRow::trelmMode);
     if (run.options.hasNoStructures != 0)

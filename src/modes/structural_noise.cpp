@@ -30,7 +30,7 @@ Status moveAtoms(Run &run, std::span<Coord3D> coords, Messages &messages)
     if (options.noiseMode == 0)
         addPhiPsiNoise(random, target, cone, offset, run.trelmInfo[0].allowFixedDI, messages);
     else if (addPdbNoise(target, cone, offsetOf(offset), dCalcValid.span(), random) == 0)
-        messages.err("trelm: no coupling is left: no vector of the structure is moved.\n");
+        messages.warn("trelm: no coupling is left: no vector of the structure is moved.\n");
     return Status::ok;
 }
 
@@ -41,7 +41,7 @@ Status addStructureNoise(Run &run, Messages &messages)
     const PDBInfo &pdbInfo = run.pdbInfo[0];
     std::vector<Coord3D> coords = copyOfCoordinates(pdbInfo);
     if (pdbInfo.atomCount == 0)
-        messages.err("trelm: -struc has no atoms to move: see -pdb.\n");
+        messages.warn("trelm: -struc has no atoms to move: see -pdb.\n");
     else if (moveAtoms(run, coords, messages) != Status::ok)
         return Status::failed;
     const PDBOutput output = {pdbInfo, &run.sInfo, run.options.remark};

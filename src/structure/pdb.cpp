@@ -132,7 +132,7 @@ Status readAtoms(TextInput &input, PDBInfo &pdbInfo, const PDBSelectInfo *sInfo,
 {
     const int hetatmFlag = sInfo != nullptr ? sInfo->hetatmFlag : 0;
     for (std::string_view line; fgetsAlloc(input, line);) {
-        if (line.starts_with("MODEL"))
+        if (firstWord(line) == "MODEL")
             models.begin(line);
         if (!models.isOpen || !isAtomLine(line, hetatmFlag))
             continue;
@@ -224,7 +224,7 @@ Status readPDB(const std::string &pdbName, PDBInfo &pdbInfo, const PDBSelectInfo
     if (reading.hydrogens && buildHydrogens(*reading.hydrogens, pdbInfo, messages) != Status::ok)
         return Status::failed;
     if (pdbInfo.atomCount == 0 && sInfo == nullptr) // a selection may leave out all atoms of a good file
-        messages.err("PDB Warning: no ATOM line in %s: is it a PDB file?\n", shownName);
+        messages.warn("PDB Warning: no ATOM line in %s: is it a PDB file?\n", shownName);
     if (indexPDB(pdbInfo, messages) != Status::ok)
         return messages.fail("PDB Error Indexing PDB File %s\n", shownName);
     tellAlternates(pdbInfo, shownName, messages);

@@ -128,7 +128,7 @@ void pdbSelectCheck(const PDBSelectInfo &sInfo, Messages &messages)
     for (const NameTest *test : {&tests.atom, &tests.residue, &tests.chain, &tests.segment})
         for (const NamePattern &pattern : test->patterns)
             if (!pattern.error().empty())
-                messages.err("PDB Warning: the regular expression %s is faulty and selects nothing: %s.\n",
+                messages.warn("PDB Warning: the regular expression %s is faulty and selects nothing: %s.\n",
                              pattern.text().c_str(), pattern.error().c_str());
 }
 

@@ -97,6 +97,7 @@ TEST(CommandLine, WordsNobodyUsedAreTold)
                                                     " 10. 1   4 Characters: '-dot'\n"
                                                     " 11. 1   1 Characters: '5'\n") +
                                         cases[0].second +
+                                        "trelm: -inD is missing: without a table there are no couplings.\n"
                                         "ubi/1d3z_model1.pdb, 1231 Atoms, Residues 1 to 76.\n"
                                         ", 0 Couplings, Residues 0 to 0.\n"
                                         "trelm: no coupling is left to fit.\n");

@@ -447,7 +447,8 @@ Failures comparisons()
         {first + "-inD2 none.tab", noTable},
         {both + "-outD o -div -c1 -1e38 -c2 1e-10",
          "trelm: a combination of couplings is no finite number: look at -c1 and -c2.\n"},
-        {first + "-outD o", "trelm: the two tables share no coupling of the selection.\n", "", 0},
+        {first + "-inD2 ubi/bicelle_cacb.tab -outD o",
+         "trelm: the two tables share no coupling of the selection.\n", "", 0},
         {both + "-outD no/o", "DC Error opening output file no/o\n", "", 0},
         {both + "-outD /dev/full", "Error writing /dev/full.\n"},
     };

@@ -38,12 +38,12 @@ void checkField(const FieldOptions &options, Messages &messages)
 {
     const FieldConstants field = fieldConstants(options);
     if (!(field.kappa > 0.0) || !std::isfinite(field.kappa) || std::isnan(field.gamma))
-        messages.err("Warning: -nacl %g, -temp %g, -chSurf %g: the field of the surface is no number.\n",
+        messages.warn("Warning: -nacl %g, -temp %g, -chSurf %g: the field of the surface is no number.\n",
                      number(options.concNaCl), number(options.temperaturePot), number(options.chDensSurf));
     if (options.kPot == 0.0f)
-        messages.err("Warning: -kPot 0: the potential is divided by 0.\n");
+        messages.warn("Warning: -kPot 0: the potential is divided by 0.\n");
     if (options.cutoffPot < 0.0)
-        messages.err("Warning: -cut %g: the cutoff is negative.\n", options.cutoffPot);
+        messages.warn("Warning: -cut %g: the cutoff is negative.\n", options.cutoffPot);
 }
 
 } // namespace trelm

@@ -449,6 +449,8 @@ Failures comparisons()
          "trelm: a combination of couplings is no finite number: look at -c1 and -c2.\n"},
         {first + "-inD2 ubi/bicelle_cacb.tab -outD o",
          "trelm: the two tables share no coupling of the selection.\n", "", 0},
+        {first + "-inD2 ubi/bicelle_cacb.tab -outD o",
+         "trelm: the two tables share no coupling of the selection.\n", "", 0},
         {both + "-outD no/o", "DC Error opening output file no/o\n", "", 0},
         {both + "-outD /dev/full", "Error writing /dev/full.\n"},
     };

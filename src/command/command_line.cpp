@@ -71,7 +71,7 @@ void warnSpelling(std::string_view flag, std::string_view word, Spelling spellin
                         : spelling == Spelling::noInteger ? "not an integer"
                                                           : "not a number";
     messages.warn("Warning: the value %s of option %s is %s, %s is used.\n", std::string(word).c_str(),
-                 std::string(flag).c_str(), fault, used.c_str());
+                  std::string(flag).c_str(), fault, used.c_str());
 }
 
 std::string shortForm(double value)

@@ -3,6 +3,7 @@
 #include "command/params.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <cstdlib>
 
@@ -12,6 +13,7 @@ namespace {
 // A letter in the wrong case (-outd for -outD) is half a fault.
 constexpr int edit = 2;
 constexpr int wrongCase = 1;
+constexpr std::size_t longestWord = 64; // no option is near anything longer
 
 int replaceCost(char a, char b)
 {
@@ -25,7 +27,7 @@ int replaceCost(char a, char b)
 /// alignment: Levenshtein 1966, with the exchange of neighbours of Damerau 1964).
 int editCost(std::string_view a, std::string_view b)
 {
-    std::vector<std::vector<int>> cost(a.size() + 1, std::vector<int>(b.size() + 1));
+    std::array<std::array<int, longestWord + 1>, longestWord + 1> cost;
     for (std::size_t i = 0; i <= a.size(); ++i) {
         for (std::size_t j = 0; j <= b.size(); ++j) {
             if (i == 0 || j == 0) {
@@ -67,7 +69,6 @@ std::vector<std::string_view> knownFlags()
 
 std::string_view nearestFlag(std::string_view word)
 {
-    constexpr std::size_t longestWord = 64; // no option is near anything longer
     if (word.size() < 2 || word.size() > longestWord)
         return {};
     int best = costLimit(word.size() - 1) + 1;

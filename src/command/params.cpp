@@ -556,21 +556,6 @@ std::ptrdiff_t readRows(CommandLine &line, std::span<const OptionRow> rows, Opti
     return std::ranges::count_if(rows, [&](const OptionRow &row) { return readRow(line, row, options); });
 }
 
-Status readValues(CommandLine &line, std::string_view flag, std::string_view name, std::span<double> values)
-{
-    if (!line.has(flag))
-        return Status::ok;
-    const std::vector<const char *> words = line.listOf(flag);
-    if (words.size() != values.size())
-        return line.messages.fail("GORVAT Error: %s option requires %zu values.\n", std::string(name).c_str(),
-                                  values.size());
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        line.warnDouble(flag, words[i]);
-        values[i] = dblWord(words[i]);
-    }
-    return Status::ok;
-}
-
 std::vector<std::span<const OptionRow>> optionTables()
 {
     std::vector<std::span<const OptionRow>> tables = {inputRows, modeFlagRows, fitKindRows};

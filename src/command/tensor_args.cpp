@@ -3,6 +3,8 @@
 
 #include <array>
 #include <span>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace trelm {
@@ -84,6 +86,21 @@ Status getDCTensorParams(CommandLine &line, Options &options)
         pinAngles(tInfo);
     readRows(line, angleLimitRows, options);
     return readUserSaupe(line, tInfo);
+}
+
+Status readValues(CommandLine &line, std::string_view flag, std::string_view name, std::span<double> values)
+{
+    if (!line.has(flag))
+        return Status::ok;
+    const std::vector<const char *> words = line.listOf(flag);
+    if (words.size() != values.size())
+        return line.messages.fail("GORVAT Error: %s option requires %zu values.\n", std::string(name).c_str(),
+                                  values.size());
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        line.warnDouble(flag, words[i]);
+        values[i] = dblWord(words[i]);
+    }
+    return Status::ok;
 }
 
 } // namespace trelm

@@ -131,7 +131,9 @@ TableFinding findTwice(const DTable &dTab)
 std::string kindOf(const DInfo &row)
 {
     const auto name = [](const Name &atom) { return atom == "HN" ? "H" : std::string(atom.view()); };
-    const auto [a, b] = std::minmax(name(row.atomNameI), name(row.atomNameJ));
+    std::string a = name(row.atomNameI), b = name(row.atomNameJ);
+    if (b < a)
+        std::swap(a, b);
     const bool isInResidue = row.resIDI == row.resIDJ;
     if (isInResidue && a.starts_with('H') && b.starts_with('N'))
         return "H-N";
@@ -202,7 +204,7 @@ char letterOf(std::string_view name)
 struct NamedResidue {
     int resID; ///< with the offset of the run
     std::string_view chainName, segName, name;
-    auto operator<=>(const NamedResidue &) const = default;
+    auto operator<=>(const NamedResidue &) const = default; // NOLINT(modernize-use-nullptr): of clang-tidy 14
 };
 
 /// Named residues of the chosen rows, each once, and no more than tell the numbering. Names that nobody knows
@@ -310,6 +312,8 @@ constexpr FaultText faultTexts[] = {
      "{count} cells of {column} are no number and read as 0: {places} (9999 is no value)"},
     {TableFault::partlyNumber,
      "{count} cells of {column} are read in part: {places} (decimals stand behind a point)"},
+    {TableFault::beyondInt,
+     "{count} cells of {column} are too large for a number of this kind: {places} (look at the row)"},
     {TableFault::cutNumber,
      "{count} cells of {column} lose their fraction: {places} (write %9.3f in FORMAT)"},
     {TableFault::sentinel,
@@ -373,7 +377,8 @@ std::vector<TableFinding> checkColumns(const TextTable &text)
         const tabVar &column = text.varInfo[*place];
         for (const auto &[fault, cells] : {std::pair(TableFault::noNumber, &column.noNumber),
                                            std::pair(TableFault::partlyNumber, &column.partly),
-                                           std::pair(TableFault::cutNumber, &column.cut)})
+                                           std::pair(TableFault::cutNumber, &column.cut),
+                                           std::pair(TableFault::beyondInt, &column.beyond)})
             keepFound(findings,
                       {.fault = fault, .count = cells->count, .column = name, .first = cells->first});
     }

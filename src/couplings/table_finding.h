@@ -14,6 +14,7 @@ enum class TableFault {
     noNumber,       ///< cells that are no number
     partlyNumber,   ///< cells that begin with one
     cutNumber,      ///< fractions in a column of integers
+    beyondInt,      ///< integers that are too large
     sentinel,       ///< values that stand for none in other programs
     beyondPair,     ///< couplings that the pair cannot have
     twice,          ///< rows of a pair that has one already

@@ -164,7 +164,7 @@ void warnOfWidth(const ConeOptions &options, Messages &messages)
         messages.warn("Warning: -stdCone %g: an angle to an axis is below 180 degrees.\n", width);
     if (width > 0.0 && !coneOf(options).hasNoise())
         messages.warn("Warning: -stdCone %g: a Gaussian cone below %g degrees moves no atom.\n", width,
-                     minConeWidth);
+                      minConeWidth);
 }
 
 void rotCone(const Axis &A, double w, double Gamma, Axis &r)

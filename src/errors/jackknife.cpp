@@ -48,7 +48,7 @@ void tellParts(const JackknifeRun &run)
 {
     if (run.input.mapCount > 0 && run.nDSel < static_cast<int>(fewestCouplings))
         run.messages.warn("trelm: -dFrac %g picks %d couplings: a tensor has five unknowns.\n",
-                         number(run.options.mapFrac), run.nDSel);
+                          number(run.options.mapFrac), run.nDSel);
     run.messages.out("REMARK %d DC of %d picked.\n", run.nDSel, run.input.dTab.dCount);
     run.messages.out("REMARK %d SVD runs of %d succesful.\n", run.result.samples.count, run.input.mapCount);
 }
@@ -89,7 +89,7 @@ void warnOfFraction(const JackknifeOptions &options, Messages &messages)
 {
     if (options.mapFixCount == 0 && options.mapFrac > 1.0f)
         messages.warn("Warning: -dFrac %g: above 1 each fit takes all couplings; -nDfixed takes a number.\n",
-                     number(options.mapFrac));
+                      number(options.mapFrac));
 }
 
 Status aeraSimDC(const MappingInput &input, const JackknifeOptions &options, const MappingWatch &watch,

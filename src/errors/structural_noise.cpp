@@ -119,7 +119,7 @@ void warnOfStart(const ConeSearchOptions &options, Messages &messages)
     const double first = number(options.nConeStart);
     if (options.nConeAdjust < 1)
         messages.warn("Warning: -nCone %d: without fits the search of the cone finds no misfit.\n",
-                     options.nConeAdjust);
+                      options.nConeAdjust);
     if (first < 0.0)
         messages.warn("Warning: -lCone %g: a cone below 0 degrees moves no atom.\n", first);
     if (first >= 180.0)

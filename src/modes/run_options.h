@@ -59,7 +59,7 @@ struct RunOptions {
     int wCount = 0;     ///< their number
 
     std::array<double, 5> userSaupe1 = {}, userSaupe2 = {}; ///< order matrices to compare
-    std::string saupeName1, saupeName2; ///< reports that have them instead; empty: none
+    std::string saupeName1, saupeName2;                     ///< reports that have them instead; empty: none
     std::array<float, 3> hingeAxis = {}, twistAxis = {};
 };
 

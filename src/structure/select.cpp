@@ -5,6 +5,7 @@
 #include "support/text/token.h"
 
 #include <algorithm>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -129,7 +130,7 @@ void pdbSelectCheck(const PDBSelectInfo &sInfo, Messages &messages)
         for (const NamePattern &pattern : test->patterns)
             if (!pattern.error().empty())
                 messages.warn("PDB Warning: the regular expression %s is faulty and selects nothing: %s.\n",
-                             pattern.text().c_str(), pattern.error().c_str());
+                              pattern.text().c_str(), pattern.error().c_str());
 }
 
 bool pdbSelectTest(const PDBSelectInfo *sInfo, const AtomInfo &atom)
@@ -140,6 +141,17 @@ bool pdbSelectTest(const PDBSelectInfo *sInfo, const AtomInfo &atom)
         return isIn(*sInfo, nullptr, atom);
     const Tests tests(*sInfo);
     return isIn(*sInfo, &tests, atom);
+}
+
+AtomMask pdbSelectTestAll(const PDBSelectInfo *sInfo, std::span<const AtomInfo> atoms)
+{
+    AtomMask mask(atoms.size(), 1);
+    if (sInfo == nullptr)
+        return mask;
+    const std::optional<Tests> tests = isSelective(*sInfo) ? std::optional<Tests>(*sInfo) : std::nullopt;
+    for (std::size_t i = 0; i < atoms.size(); ++i)
+        mask[i] = isIn(*sInfo, tests ? &*tests : nullptr, atoms[i]) ? 1 : 0;
+    return mask;
 }
 
 void pdbSelect(const PDBInfo &pdbInfo, const PDBSelectInfo &sInfo, AtomMask &selection, Messages &messages)

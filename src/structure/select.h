@@ -54,4 +54,7 @@ void pdbSelect(const PDBInfo &pdbInfo, const PDBSelectInfo &sInfo, AtomMask &sel
 /// an atom is in when one of the tests fails; with no test none is in.
 bool pdbSelectTest(const PDBSelectInfo *sInfo, const AtomInfo &atom);
 
+/// The same for all atoms of a list, with the patterns compiled once.
+AtomMask pdbSelectTestAll(const PDBSelectInfo *sInfo, std::span<const AtomInfo> atoms);
+
 } // namespace trelm

@@ -54,9 +54,10 @@ std::string fileText(const PDBOutput &output, std::span<const Coord3D> coords)
     text.reserve(atoms.size() * lineLength);
     if (output.remark != nullptr)
         text.append("REMARK ").append(output.remark).append("\n\n");
+    const AtomMask mask = pdbSelectTestAll(output.sInfo, atoms);
     for (std::size_t i = 0; i < atoms.size(); ++i) {
         const AtomLabel asRead = {atoms[i].tempFactor, atoms[i].chargeStr};
-        if (pdbSelectTest(output.sInfo, atoms[i]))
+        if (mask[i] != 0)
             appendAtom(text, atoms[i], coords[i], output.labels.empty() ? asRead : output.labels[i]);
     }
     text += "END\n";

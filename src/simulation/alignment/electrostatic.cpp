@@ -126,7 +126,7 @@ void extendRodGrid(const Charged &charged, double beta, PositionGrid &grid)
     if (!extendPositions(grid, number(info.gridSpacing), reachesOn))
         warnShortGrid(grid, messages);
     messages.note("REMARK Value of potential at cutoff: %e\n",
-                 surfacePotential(charged.field, grid.lastDist() - radius));
+                  surfacePotential(charged.field, grid.lastDist() - radius));
     messages.note("REMARK # of translational points for EL: %d\n", grid.last);
     messages.note("REMARK Maximum distance: %e\n", grid.lastDist());
     if (!isFound)

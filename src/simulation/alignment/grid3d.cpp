@@ -72,7 +72,7 @@ Cell startGrid(const AlignmentSetup &setup, const OrientationSet &set)
     const Cell cell = {makeGrid3D(info), cellSize(info)};
     if (!(cell.edge > 0.0f) || !std::isfinite(cell.edge))
         messages.warn("Warning: -vol, -mwLC, -massLC, -unitLC, -polyLC give no size of the cell (%g).\n",
-                     number(cell.edge));
+                      number(cell.edge));
     if (isNarrow(info, cell.edge))
         messages.err("WARNING: Potentials between neighbouring cells overlapping!\n"
                      "         ---> Magnitude of alignment tensor might be wrong!\n");

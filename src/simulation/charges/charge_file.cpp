@@ -141,6 +141,18 @@ Status addCharge(ChargeSet &set, std::size_t atom, float charge, Messages &messa
     return set.chCount >= chargeLimit ? refuseCount(messages) : Status::ok;
 }
 
+bool isFullForNothing(const ChargeSet &set, const ChargeOptions &elInfo, const ChargeLines &lines,
+                      Messages &messages)
+{
+    constexpr int groupsOfAnAtom = 3; // an atom is never left with a part of its charge
+    if (set.chCount + groupsOfAnAtom < chargeLimit || elInfo.elFlag != 0 || lines.isWanted)
+        return false;
+    messages.warn(
+        "trelm: more than %d charges: the others are left out, since this run uses none (-nopkaDef)\n",
+        set.chCount);
+    return true;
+}
+
 void addLine(ChargeLines &lines, int resID, std::string_view name, float charge)
 {
     // No minus sign at what is written as zero.

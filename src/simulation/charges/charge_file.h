@@ -29,8 +29,14 @@ struct ResidueRange {
 struct ChargeLines {
     std::string text;
     std::unordered_set<std::string> known;
-    ResidueRange range; ///< of the lines read
+    ResidueRange range;    ///< of the lines read
+    bool isWanted = false; ///< they are written in the end
 };
+
+/// Whether a set takes no more charges in a run that does not use them: one line says so. A run that does
+/// use them is refused by addCharge.
+bool isFullForNothing(const ChargeSet &set, const ChargeOptions &elInfo, const ChargeLines &lines,
+                      Messages &messages);
 
 /// Appends a line, unless it stands already: a line holds for the residue number in every chain, and a second
 /// one would double the charges of the chains when the file is read.

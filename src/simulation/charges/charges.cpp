@@ -49,7 +49,7 @@ Status chargeFromFile(const std::string &inName, const SelectedAtoms &selected, 
         settle(elInfo, set, messages) != Status::ok)
         return Status::failed;
     messages.note("REMARK %s, %d Charges/pka Values, Net Charge %.3f Residues %d to %d.\n", inName.c_str(),
-                 set.chCount, static_cast<double>(set.chSum), lines.range.first, lines.range.last);
+                  set.chCount, static_cast<double>(set.chSum), lines.range.first, lines.range.last);
     return Status::ok;
 }
 
@@ -157,6 +157,8 @@ Status titrateDefaults(const SelectedAtoms &selected, const ChargeOptions &elInf
     for (std::size_t i = 0; i < atoms.size(); ++i) {
         if (!selected.has(i))
             continue;
+        if (isFullForNothing(set, elInfo, lines, messages))
+            break;
         if (!isSameResidue(atoms[i], groups.first))
             enterResidue(groups, atoms[i], pdbInfo, elInfo.chTerminiFlag != 0, lines);
         if (titrateAtom(groups, i, atoms[i].atomName.view(), elInfo.pH, set, messages) != Status::ok)
@@ -166,7 +168,7 @@ Status titrateDefaults(const SelectedAtoms &selected, const ChargeOptions &elInf
     if (settle(elInfo, set, messages) != Status::ok)
         return Status::failed;
     messages.note("pka Default Values, %d Charges/pka Values, Net charge %.3f   Residues %d to %d.\n",
-                 set.chCount, static_cast<double>(set.chSum), pdbInfo.minResID, pdbInfo.maxResID);
+                  set.chCount, static_cast<double>(set.chSum), pdbInfo.minResID, pdbInfo.maxResID);
     return Status::ok;
 }
 
@@ -215,6 +217,8 @@ Status placePartialCharges(ChargeTableID id, const SelectedAtoms &selected, cons
     for (std::size_t i = 0; i < atoms.size(); ++i) {
         if (!selected.has(i))
             continue;
+        if (isFullForNothing(set, elInfo, lines, messages))
+            break;
         if (!isSameResidue(atoms[i], rows.first))
             rows = residueRows(table, atoms[i], pdbInfo, elInfo.chTerminiFlag != 0);
         const std::string_view name = atoms[i].atomName.view();
@@ -228,7 +232,7 @@ Status placePartialCharges(ChargeTableID id, const SelectedAtoms &selected, cons
     if (settle(elInfo, set, messages) != Status::ok)
         return Status::failed;
     messages.note("pka Default Values, %d Charges/pka Values  Net Charge %.3f, Residues %d to %d.\n",
-                 set.chCount, static_cast<double>(set.chSum), pdbInfo.minResID, pdbInfo.maxResID);
+                  set.chCount, static_cast<double>(set.chSum), pdbInfo.minResID, pdbInfo.maxResID);
     return Status::ok;
 }
 
@@ -283,6 +287,7 @@ Status chargeSetup(const std::string &inName, const SelectedAtoms &selected, con
     if (!outName.empty() && openOut(out, outName, "w") != Status::ok)
         return messages.fail("TRELM Error opening file for pka output %s\n", outName.c_str());
     ChargeLines lines;
+    lines.isWanted = !outName.empty();
     if (placeCharges(inName, selected, elInfo, set, lines, messages) != Status::ok) {
         set.chCount = 0;
         set.chSum = 0.0f;

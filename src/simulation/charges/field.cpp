@@ -39,7 +39,7 @@ void checkField(const FieldOptions &options, Messages &messages)
     const FieldConstants field = fieldConstants(options);
     if (!(field.kappa > 0.0) || !std::isfinite(field.kappa) || std::isnan(field.gamma))
         messages.warn("Warning: -nacl %g, -temp %g, -chSurf %g: the field of the surface is no number.\n",
-                     number(options.concNaCl), number(options.temperaturePot), number(options.chDensSurf));
+                      number(options.concNaCl), number(options.temperaturePot), number(options.chDensSurf));
     if (options.kPot == 0.0f)
         messages.warn("Warning: -kPot 0: the potential is divided by 0.\n");
     if (options.cutoffPot < 0.0)

@@ -156,11 +156,12 @@ std::string writeObstacle(const std::string &name)
     if (stat(target.c_str(), &found) == 0) {
         if (S_ISDIR(found.st_mode))
             errno = EISDIR;
-        else
-            access(target.c_str(), W_OK);
+        else if (access(target.c_str(), W_OK) == 0)
+            errno = 0;
     } else if (errno == ENOENT) {
         errno = 0;
-        access(target.has_parent_path() ? target.parent_path().c_str() : ".", W_OK | X_OK);
+        if (access(target.has_parent_path() ? target.parent_path().c_str() : ".", W_OK | X_OK) == 0)
+            errno = 0;
     }
     return errno == 0 ? "" : std::strerror(errno);
 }

@@ -5,6 +5,8 @@
 #include "support/text/token.h"
 
 #include <algorithm>
+#include <climits>
+#include <cmath>
 #include <ranges>
 #include <span>
 #include <unordered_map>
@@ -128,7 +130,7 @@ Status buildColumns(const std::string &inName, const Declarations &declared, Tex
         return Status::failed;
     if (formats.empty())
         messages.warn("RdTable Warning: %s has no FORMAT line: all its columns are read as numbers.\n",
-                     inName.c_str());
+                      inName.c_str());
     for (std::size_t i = 0; i < names.size(); ++i) {
         const auto type = formats.empty() ? std::optional(CellType::real) : typeOf(formats[i]);
         if (!type)
@@ -163,6 +165,8 @@ void keepOddCell(RowReader &reader, std::size_t column, std::string_view word, b
     OddCells *cells = nullptr;
     if (isWhole && info.type == CellType::integer && !isInteger(word))
         cells = &info.cut;
+    else if (isWhole && info.type == CellType::integer && std::abs(toDouble(word)) > INT_MAX)
+        cells = &info.beyond;
     else if (!isRead)
         cells = &info.noNumber;
     else if (!isWhole)

@@ -31,6 +31,7 @@ struct tabVar {
     OddCells noNumber = {};                  ///< a number that is missing or a text: read as 0
     OddCells partly = {};                    ///< a number with something behind it, which was left out
     OddCells cut = {};                       ///< a fraction in a column of integers, which was left out
+    OddCells beyond = {};                    ///< an integer beyond int, read as the nearest that is not
 };
 
 /// The cell of a text that is the NULLSTRING: it names no text.

@@ -168,8 +168,6 @@ void dropHydrogens(Run &run, Messages &messages)
     pdbSelect(run.pdbInfo[0], run.sInfo, run.selection, messages);
 }
 
-} // namespace
-
 /// What of the selection of atoms does not act as one may think.
 void warnOfSelection(const Run &run, Messages &messages)
 {
@@ -204,6 +202,8 @@ void warnOfHydrogens(const Run &run, Messages &messages)
         messages.warn("trelm: the hydrogens of %s are left out of the simulation (-H takes them in)\n",
                       run.options.pdbName.c_str());
 }
+
+} // namespace
 
 Status readInputs(Run &run, Messages &messages)
 {

@@ -152,18 +152,14 @@ std::string writeObstacle(const std::string &name)
         return {};
     const fs::path target = followLinks(name);
     struct stat found = {};
-    errno = 0;
+    bool isFree = false;
     if (stat(target.c_str(), &found) == 0) {
-        if (S_ISDIR(found.st_mode))
-            errno = EISDIR;
-        else if (access(target.c_str(), W_OK) == 0)
-            errno = 0;
+        errno = EISDIR; // where it is a folder, which can be asked for anything
+        isFree = !S_ISDIR(found.st_mode) && access(target.c_str(), W_OK) == 0;
     } else if (errno == ENOENT) {
-        errno = 0;
-        if (access(target.has_parent_path() ? target.parent_path().c_str() : ".", W_OK | X_OK) == 0)
-            errno = 0;
+        isFree = access(target.has_parent_path() ? target.parent_path().c_str() : ".", W_OK | X_OK) == 0;
     }
-    return errno == 0 ? "" : std::strerror(errno);
+    return isFree ? "" : std::strerror(errno);
 }
 
 } // namespace trelm

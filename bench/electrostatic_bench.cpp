@@ -65,7 +65,7 @@ struct ChargedUbiquitin {
     AlignmentOptions info;
     double size = 0.0;
 
-    explicit ChargedUbiquitin(int lcType)
+    explicit ChargedUbiquitin(LcType lcType)
     {
         PDBInfo pdb;
         info.lcType = lcType;
@@ -107,7 +107,7 @@ Potential rodTable()
 void weighted(benchmark::State &state, bool plain)
 {
     const QuietStreams quiet;
-    const ChargedUbiquitin molecule(static_cast<int>(state.range(0)));
+    const ChargedUbiquitin molecule(static_cast<LcType>(state.range(0)));
     AlignmentOptions info = molecule.info;
     info.cutoffPot = 1e-6 * static_cast<double>(state.range(1));
     const AlignmentSetup setup = {info, standardMessages(),

@@ -29,7 +29,7 @@ struct Ubiquitin {
         if (readPDB(folder + "1d3z_model1.pdb", pdb, nullptr, standardMessages()) != Status::ok ||
             readDC(folder + table, dTab, standardMessages()) != Status::ok)
             return;
-        selectD(dTab.observed(), 1, 76, 3);
+        selectD(dTab.observed(), 1, 76, largerInside);
         buildDC(pdb, dTab, {.wOff = 1}, standardMessages());
         takeColumns(dTab, columns);
         fit = startOf(dTab);

@@ -113,7 +113,7 @@ void inputAndFit(benchmark::State &state)
         DTable dTab;
         if (!readInput(pdbInfo, dTab))
             return state.SkipWithError("the input was not read");
-        selectD(dTab.observed(), dTab.dMinRes, dTab.dMaxRes, 3);
+        selectD(dTab.observed(), dTab.dMinRes, dTab.dMaxRes, largerInside);
         if (buildDC(pdbInfo, dTab, {.wOff = 0}, standardMessages()) != 301 ||
             fitD(pdbInfo.coordinates(), dTab, 0, standardMessages()) != 301)
             return state.SkipWithError("not all couplings were fitted");
@@ -133,7 +133,7 @@ void wholeBestFit(benchmark::State &state)
         trelmInfo.trelmMode = modeBestFit;
         if (!readInput(pdbInfo, dTab))
             return state.SkipWithError("the input was not read");
-        selectD(dTab.observed(), dTab.dMinRes, dTab.dMaxRes, 3);
+        selectD(dTab.observed(), dTab.dMinRes, dTab.dMaxRes, largerInside);
         buildDC(pdbInfo, dTab, {.wOff = 0}, standardMessages());
         const std::string table = (folder / "fit.tab").string(), turned = (folder / "turned.pdb").string();
         if (!fitD(pdbInfo.coordinates(), dTab, 1, standardMessages()) ||

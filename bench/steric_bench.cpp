@@ -54,7 +54,7 @@ struct Assembly {
     }
 
     [[nodiscard]] Coordinates view() const { return {x, y, z}; }
-    [[nodiscard]] StericSetup setup(int lcType, double gridSpacing) const
+    [[nodiscard]] StericSetup setup(LcType lcType, double gridSpacing) const
     {
         StericSetup made;
         made.lcType = lcType;
@@ -81,7 +81,7 @@ void steric(benchmark::State &state, bool plain)
     static const QuietProgress quiet;
     const Assembly assembly(static_cast<int>(state.range(1)));
     const StericSetup setup =
-        assembly.setup(static_cast<int>(state.range(0)), 0.01 * static_cast<double>(state.range(2)));
+        assembly.setup(static_cast<LcType>(state.range(0)), 0.01 * static_cast<double>(state.range(2)));
     Saupe saupe = {};
     std::vector<double> allowedCount;
     for (auto step : state) {
@@ -122,7 +122,7 @@ BENCHMARK(stericPlain)
 void stericOrientations(benchmark::State &state)
 {
     const Assembly assembly(1, static_cast<int>(state.range(1)));
-    const StericSetup setup = assembly.setup(static_cast<int>(state.range(0)), 0.2);
+    const StericSetup setup = assembly.setup(static_cast<LcType>(state.range(0)), 0.2);
     Saupe saupe = {};
     for (auto step : state)
         static_cast<void>(stericAlignment(setup, assembly.view(), assembly.dots, saupe, standardMessages()));

@@ -62,8 +62,8 @@ constexpr OptionRow fitKindRows[] = {
     {"-dFrac", &TrelmInfo::mapFrac},
     {"-nDfixed", &TrelmInfo::mapFixCount, 1},
     {"-nonDfixed", &TrelmInfo::mapFixCount, 0},
-    {"-vecNoise", &TrelmInfo::noiseMode, 1},
-    {"-angNoise", &TrelmInfo::noiseMode, 0},
+    {"-vecNoise", &TrelmInfo::noiseMode, noiseOnVectors},
+    {"-angNoise", &TrelmInfo::noiseMode, noiseOnAngles},
     {"-stdCone", &TrelmInfo::coneWidth},
     {"-fixCone", &TrelmInfo::coneFix, 1},
     {"-nofixCone", &TrelmInfo::coneFix, 0},
@@ -97,8 +97,8 @@ constexpr OptionRow reportRows[] = {
     {"-qDa", &TrelmInfo::qFlag, qOfOrderMatrix},
     {"-qRms", &TrelmInfo::qFlag, qOfRms},
     {"-qStd", &TrelmInfo::qFlag, standardDeviation},
-    {"-err", &TrelmInfo::mapMode, 1},
-    {"-noerr", &TrelmInfo::mapMode, 0},
+    {"-err", &TrelmInfo::mapMode, fitsWithinErrors},
+    {"-noerr", &TrelmInfo::mapMode, everyFit},
 };
 
 constexpr OptionRow fileRows[] = {
@@ -159,11 +159,11 @@ constexpr OptionRow fileRows[] = {
 };
 
 constexpr OptionRow simulationRows[] = {
-    {"-bic", &TrelmInfo::lcType, 1},
+    {"-bic", &TrelmInfo::lcType, lcWall},
     {"-bic", &TrelmInfo::radiusModel, 20.0},
-    {"-pf1", &TrelmInfo::lcType, 2},
+    {"-pf1", &TrelmInfo::lcType, lcRod},
     {"-pf1", &TrelmInfo::radiusModel, 33.5},
-    {"-3D", &TrelmInfo::lcType, 3},
+    {"-3D", &TrelmInfo::lcType, lcGrid},
     {"-3D", &TrelmInfo::radiusModel, 0.0},
     {"-wv", &TrelmInfo::concentration},
     {"-vol", &TrelmInfo::volSample},
@@ -208,9 +208,9 @@ constexpr OptionRow simulationRows[] = {
     {"-nopkaDef", &ChargeOptions::pkaFlag, 0},
     {"-chTerm", &ChargeOptions::chTerminiFlag, 1},
     {"-nochTerm", &ChargeOptions::chTerminiFlag, 0},
-    {"-charmm", &ChargeOptions::charmm, 1},
-    {"-charmm22", &ChargeOptions::charmm, 2},
-    {"-nocharmm", &ChargeOptions::charmm, 0},
+    {"-charmm", &ChargeOptions::charmm, charmm19},
+    {"-charmm22", &ChargeOptions::charmm, charmm22},
+    {"-nocharmm", &ChargeOptions::charmm, charmmNone},
     {"-kEne", &FieldOptions::kEnergy},
     {"-kPot", &FieldOptions::kPot},
     {"-kMono", &ChargeOptions::kMonoCh},

@@ -21,9 +21,12 @@ namespace trelm {
 struct Options : RunOptions, TrelmInfo, DcInfo, PDBSelectInfo, DTensor {};
 
 /// A field that an option fills.
-using Target = std::variant<int Options::*, float Options::*, double Options::*, std::string Options::*,
-                            const char * Options::*, Mode Options::*, SpreadKind Options::*,
-                            OpCode Options::*, PdbKind Options::*, TableFormat Options::*>;
+using Target =
+    std::variant<int Options::*, float Options::*, double Options::*, std::string Options::*,
+                 const char * Options::*, Mode Options::*, SpreadKind Options::*, OpCode Options::*,
+                 PdbKind Options::*, TableFormat Options::*, LcType Options::*, CharmmKind Options::*,
+                 FitChoice Options::*, NoiseKind Options::*, QKind Options::*, WindowKind Options::*,
+                 TensorMode Options::*, SelectMode Options::*, SelectClass Options::*, MatchMode Options::*>;
 
 /// One option and one field. Rows stand in look-up order: of two contradicting flags the later row wins. An
 /// option that fills several fields has several rows.

@@ -1,6 +1,5 @@
 #include "command/command_line.h"
 #include "command/params.h"
-#include "support/text/match.h"
 #include "support/text/text.h"
 
 #include <span>
@@ -11,9 +10,11 @@ namespace {
 
 constexpr OptionRow classRows[] = {
     {"-dbg", &PDBSelectInfo::dbgFlag, {}, true}, // the debug level of the run tells of a faulty value
-    {"-hetatm", &PDBSelectInfo::hetatmFlag, 1},   {"-nohetatm", &PDBSelectInfo::hetatmFlag, 0},
-    {"-protein", &PDBSelectInfo::selectClass, 4}, {"-id", &PDBSelectInfo::selectID},
-    {"-inv", &PDBSelectInfo::selectMode, -1},
+    {"-hetatm", &PDBSelectInfo::hetatmFlag, 1},
+    {"-nohetatm", &PDBSelectInfo::hetatmFlag, 0},
+    {"-protein", &PDBSelectInfo::selectClass, classCanonical},
+    {"-id", &PDBSelectInfo::selectID},
+    {"-inv", &PDBSelectInfo::selectMode, selectFailing},
 };
 
 constexpr OptionRow listRows[] = {
@@ -23,8 +24,8 @@ constexpr OptionRow listRows[] = {
 };
 
 constexpr OptionRow matchRows[] = {
-    {"-clear", &PDBSelectInfo::selectMode, 0},
-    {"-set", &PDBSelectInfo::selectMode, 1},
+    {"-clear", &PDBSelectInfo::selectMode, selectNone},
+    {"-set", &PDBSelectInfo::selectMode, selectAll},
     {"-exact", &PDBSelectInfo::atomNameMode, matchExact},
     {"-exact", &PDBSelectInfo::resNameMode, matchExact},
     {"-exact", &PDBSelectInfo::chainNameMode, matchExact},
@@ -89,7 +90,7 @@ bool readResidues(CommandLine &line, PDBSelectInfo &sInfo)
 void reportSelection(const PDBSelectInfo &sInfo, Messages &messages)
 {
     std::string text = "PDB Selection:";
-    if (sInfo.selectMode == 1)
+    if (sInfo.selectMode == selectAll)
         text += " All Atoms.\n";
     else
         appendf(text, " %d to %d Atoms: %s Residues: %s Chains %s Segs: %s.\n", sInfo.res1, sInfo.resN,
@@ -114,7 +115,7 @@ void getPDBSelectArgs(CommandLine &line, Options &options)
     const bool lists = readRows(line, listRows, options) > 0;
     // Stands behind -inv, which a range or a list so overrides, and before -clear and -set.
     if (residues || lists)
-        sInfo.selectMode = 2;
+        sInfo.selectMode = selectMatching;
     readRows(line, matchRows, options);
     pdbSelectAdjust(sInfo);
     pdbSelectCheck(sInfo, line.messages);

@@ -322,7 +322,7 @@ Status readDC(const std::string &inDName, DTable &dTab, Messages &messages)
     return readRows(text, dTab, messages);
 }
 
-int selectD(std::span<DInfo> dList, int segFirst, int segLast, int excludeMode)
+int selectD(std::span<DInfo> dList, int segFirst, int segLast, WindowKind excludeMode)
 {
     const auto inside = [=](int resID) { return resID >= segFirst && resID <= segLast; };
     int count = 0;

@@ -58,15 +58,15 @@ struct DInfo {
 constexpr std::size_t saupeCount = 5; ///< elements of a Saupe vector: Szz, Sxx - Syy, Sxy, Sxz, Syz
 using SaupeValues = std::array<float, saupeCount>; ///< in single precision, as fits have it
 
-// How the tensor of a fit is found: values of DTensor::tensorMode.
-constexpr int tensorSvd = 1;      ///< least squares over the Saupe vector
-constexpr int tensorSaupe = 2;    ///< no fit: the couplings of userSaupe
-constexpr int tensorNofixed = 3;  ///< Da, Dr and rotation free
-constexpr int tensorDaDr = 4;     ///< Da and Dr fixed, rotation free
-constexpr int tensorFixed = 5;    ///< all fixed
-constexpr int tensorGiven = 6;    ///< as tensorSaupe, for a vector that the program itself has found
-constexpr int tensorGivenToo = 7; ///< the same
-constexpr int tensorFreeToo = 8;  ///< as tensorNofixed
+/// How the tensor of a fit is found.
+enum TensorMode : int {
+    tensorSvd = 1,     ///< least squares over the Saupe vector
+    tensorSaupe = 2,   ///< no fit: the couplings of userSaupe
+    tensorNofixed = 3, ///< Da, Dr and rotation free
+    tensorDaDr = 4,    ///< Da and Dr fixed, rotation free
+    tensorFixed = 5,   ///< all fixed
+    tensorGiven = 6,   ///< as tensorSaupe, for a vector that the program itself has found
+};
 
 /// The alignment tensor with its bounds and Euler solutions. Angles in degrees, da and dr without unit.
 struct DTensor {
@@ -83,7 +83,7 @@ struct DTensor {
     std::array<float, 3> eigVal = {}; ///< after a fit not sorted, after a report Azz, Ayy, Axx
     int eulerFlag = 1;
     int eulerCount = 0;
-    int tensorMode = tensorSvd;
+    TensorMode tensorMode = tensorSvd;
     int rhFlag = 0;
 };
 
@@ -147,9 +147,8 @@ struct RowQueries {
 };
 RowQueries queriesOf(const PDBInfo &pdbInfo, const DTable &dTab, const DInfo &obs, int aOff);
 
-/// Sets `valid` by value and by residue window: excludeMode is a WindowKind, and any other
-/// number largerInside. Returns the number of valid rows.
-int selectD(std::span<DInfo> dList, int segFirst, int segLast, int excludeMode);
+/// Sets `valid` by value and by residue window. Returns the number of valid rows.
+int selectD(std::span<DInfo> dList, int segFirst, int segLast, WindowKind excludeMode);
 
 /// Drops rows by atom names, position by position; "All" means any. Never makes a row valid. Returns the
 /// valid count.

@@ -223,16 +223,12 @@ Status fitColumns(const FitInput &input, FitWork &work, FitResult &result, Messa
     case tensorSvd:
     case tensorSaupe:
     case tensorGiven:
-    case tensorGivenToo:
         status = fitDSVD(input, work, result, messages);
         break;
     case tensorNofixed:
     case tensorDaDr:
     case tensorFixed:
-    case tensorFreeToo:
         status = fitDCAlign(input, work, result, messages);
-        break;
-    default:
         break;
     }
     return status == Status::ok ? checkTensor(result.tensor, messages) : status;

@@ -14,12 +14,11 @@ namespace {
 
 constexpr std::size_t n = saupeCount;
 
-int unknownsOf(int tensorMode)
+int unknownsOf(TensorMode tensorMode)
 {
     switch (tensorMode) {
     case tensorSvd:
     case tensorNofixed:
-    case tensorFreeToo:
         return static_cast<int>(n);
     case tensorDaDr:
         return 3; // the rotation
@@ -80,7 +79,7 @@ std::array<double, n> singularValues(const std::array<double, n * n> &products)
 
 } // namespace
 
-FitWorth assessFit(const FitInput &input, int tensorMode)
+FitWorth assessFit(const FitInput &input, TensorMode tensorMode)
 {
     constexpr double smallest = 1e-3;      // of the largest: below it stands the rounding of the squares
     constexpr double nearlyParallel = 0.1; // vectors within some five degrees

@@ -16,7 +16,7 @@ struct FitWorth {
 };
 
 /// Rows of one vector count, as the fit weighs them; other rows hold no coupling of a single vector.
-FitWorth assessFit(const FitInput &input, int tensorMode);
+FitWorth assessFit(const FitInput &input, TensorMode tensorMode);
 
 /// One line, empty for a fit that is worth what it says, and for one without any coupling.
 std::string worthLine(const FitWorth &worth);

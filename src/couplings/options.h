@@ -10,7 +10,7 @@ struct FitOptions {
     int eulerFlag = 1;    ///< solve for Euler angles
 };
 
-/// What a report tells as Q: values of ReportOptions::qFlag.
+/// What a report tells as Q.
 enum QKind : int {
     qOfRms = 0,
     qOfOrderMatrix = 1,
@@ -19,15 +19,15 @@ enum QKind : int {
 
 /// What a report shows.
 struct ReportOptions {
-    int verbFlag = 1;           ///< coupling output in extended format
-    int qFlag = qOfOrderMatrix; ///< a QKind
-    int rotN = 0;               ///< index of the rotation of the PDB, or of a hinge axis
+    int verbFlag = 1; ///< coupling output in extended format
+    QKind qFlag = qOfOrderMatrix;
+    int rotN = 0; ///< index of the rotation of the PDB, or of a hinge axis
 };
 
 /// A field of DcInfo below this counts as unset.
 constexpr int unsetResID = -99999;
 
-/// Which couplings lie in a window of residues: values of DcInfo::excludeMode.
+/// Which couplings lie in a window of residues.
 enum WindowKind : int {
     bothInside = 1,   ///< those with both residues inside
     oneInside = 2,    ///< at least one of them
@@ -36,12 +36,12 @@ enum WindowKind : int {
 
 /// The window of couplings.
 struct DcInfo {
-    int segFirst = -999999;         ///< first residue of the coupling segment
-    int segLast = -999999;          ///< last residue of the segment
-    int segID = 1;                  ///< segment id
-    int segStep = 0;                ///< segment step
-    int aFirst = -999999;           ///< first residue in the PDB that corresponds to segFirst
-    int excludeMode = largerInside; ///< a WindowKind
+    int segFirst = -999999; ///< first residue of the coupling segment
+    int segLast = -999999;  ///< last residue of the segment
+    int segID = 1;          ///< segment id
+    int segStep = 0;        ///< segment step
+    int aFirst = -999999;   ///< first residue in the PDB that corresponds to segFirst
+    WindowKind excludeMode = largerInside;
 };
 
 } // namespace trelm

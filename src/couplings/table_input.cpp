@@ -34,7 +34,7 @@ int chooseRows(DTable &dTab, const DcInfo &dcInfo, std::string_view atomNameS1, 
     return selTypDC(dTab.observed(), atomNameS1, atomNameS2);
 }
 
-void tellRows(int count, const char *deed, int excludeMode, Messages &messages)
+void tellRows(int count, const char *deed, WindowKind excludeMode, Messages &messages)
 {
     messages.out("REMARK %d couplings %s (%s%s).\n", count, deed,
                  excludeMode == bothInside ? "exclusive" : "inclusive",

@@ -20,6 +20,6 @@ void settleWindow(DcInfo &dcInfo, const DTable &dTab);
 int chooseRows(DTable &dTab, const DcInfo &dcInfo, std::string_view atomNameS1, std::string_view atomNameS2);
 
 /// The remark on standard output that `count` couplings were selected, or whatever was done to them.
-void tellRows(int count, const char *deed, int excludeMode, Messages &messages);
+void tellRows(int count, const char *deed, WindowKind excludeMode, Messages &messages);
 
 } // namespace trelm

@@ -152,7 +152,8 @@ ConeSetup coneOf(const ConeOptions &options)
 
 Status checkPositions(const ConeOptions &options, Messages &messages)
 {
-    if (options.noiseMode != 0 && options.coneDig == 0) // backbone angles have no place on a cone
+    if (options.noiseMode == noiseOnVectors &&
+        options.coneDig == 0) // backbone angles have no place on a cone
         return messages.fail("trelm: -digCone 0: a cone needs at least one position.\n");
     return Status::ok;
 }

@@ -81,7 +81,7 @@ Status checkWanted(const CouplingNoiseOptions &options, int nAdjust, Messages &m
 /// a message if there is such a one.
 Status checkErrors(NoiseRun &run, int nAdjust)
 {
-    if (run.options.mapMode == 0 || nAdjust < 0)
+    if (run.options.mapMode == everyFit || nAdjust < 0)
         return Status::ok;
     int missed = 0;
     for (std::size_t i = 0; i < run.rows(); ++i)
@@ -116,7 +116,7 @@ Status countGood(NoiseRun &run, int &good)
     for (int n = 0; n < run.options.nAdjustMc; ++n) {
         if (fitNoisy(run) != Status::ok)
             return Status::failed;
-        if (run.options.mapMode == 0 || isWithinErrors(run))
+        if (run.options.mapMode == everyFit || isWithinErrors(run))
             ++good;
     }
     return Status::ok;
@@ -185,7 +185,7 @@ Status sampleOnce(NoiseRun &run, const MappingWatch &watch, int n)
 {
     if (fitNoisy(run) != Status::ok)
         return Status::failed;
-    if (run.options.mapMode != 0 && !isAccepted(run))
+    if (run.options.mapMode == fitsWithinErrors && !isAccepted(run))
         return Status::ok;
     if (takeSample(run.result.samples, run.input, run.result.fit, n, watch, run.messages) != Status::ok)
         return Status::failed;

@@ -9,9 +9,15 @@ struct JackknifeOptions {
     int mapFixCount = 0;  ///< 1: mapFrac is the number of couplings
 };
 
+/// Which noisy fits count.
+enum FitChoice : int {
+    everyFit = 0,
+    fitsWithinErrors = 1, ///< those that predict all couplings within their errors
+};
+
 /// Noise on the couplings.
 struct CouplingNoiseOptions {
-    int mapMode = 1;           ///< 1: use only fits that predict all couplings within their errors
+    FitChoice mapMode = fitsWithinErrors;
     int mcAdjustFlag = 1;      ///< adjust the scale of the errors automatically
     int nAdjustMc = 100;       ///< fits at each scale that is tried
     float mcAdjustFrac = 0.7f; ///< required fraction of self-consistent fits
@@ -20,11 +26,14 @@ struct CouplingNoiseOptions {
     float incSigma = 0.2f;     ///< its step
 };
 
+/// What structural noise moves.
+enum NoiseKind : int { noiseOnAngles = 0, noiseOnVectors = 1 };
+
 /// Noise on the structure.
 struct ConeOptions {
-    int idum = -1;          ///< seed of the noise of -struc; all other modes draw from a fixed start
-    int noiseMode = 1;      ///< noise on internuclear vectors (1) or backbone angles (0)
-    int coneFix = 0;        ///< 1: coneWidth is the angle itself
+    int idum = -1; ///< seed of the noise of -struc; all other modes draw from a fixed start
+    NoiseKind noiseMode = noiseOnVectors; ///< of the backbone, or between the nuclei
+    int coneFix = 0;                      ///< 1: coneWidth is the angle itself
     int coneDig = 360;      ///< positions around the cone; below 0 it is walked the other way round
     double coneWidth = 5.0; ///< standard deviation of the cone angle, degrees
 };

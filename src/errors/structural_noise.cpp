@@ -60,7 +60,7 @@ Status keepState(StructuralRun &run)
 void restoreStructure(StructuralRun &run)
 {
     const std::span<const Coord3D> asRead = run.input.pdbInfo.coordinates();
-    if (run.options.noiseMode == 0)
+    if (run.options.noiseMode == noiseOnAngles)
         std::ranges::copy(asRead, run.coords.begin());
     else
         for (const std::size_t atom : run.atoms)
@@ -76,7 +76,7 @@ void addNoise(StructuralRun &run)
     inUse.coneWidth = run.result.coneWidth;
     const ConeSetup cone = coneOf(inUse);
     const NoiseTarget target = {{run.input.pdbInfo, run.coords}, run.rows};
-    if (run.options.noiseMode != 0)
+    if (run.options.noiseMode == noiseOnVectors)
         addPdbNoise(target, cone, offsetOf(run.offset), run.dCalcValid, run.random);
     else
         addPhiPsiNoise(run.random, target, cone, run.offset, run.input.fit.allowFixedDI, run.messages);

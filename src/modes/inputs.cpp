@@ -150,7 +150,7 @@ void selectAtoms(Run &run, Messages &messages)
     pdbSelectAdjust(sInfo);
     pdbSelect(pdbInfo, sInfo, run.selection, messages);
     messages.out("REMARK PDB Selection:");
-    if (sInfo.selectMode == 1)
+    if (sInfo.selectMode == selectAll)
         messages.out(" All Atoms.\n");
     else
         messages.out(" Residues %d to %d  Residues: %s  Atoms: %s  Chains %s  Segs: %s.\n", sInfo.res1,
@@ -164,7 +164,7 @@ void dropHydrogens(Run &run, Messages &messages)
     run.sInfo.atomNameList = "[1-3]H* H*";
     run.sInfo.atomNameMode = matchGlob;
     run.sInfo.selectID = 0;
-    run.sInfo.selectMode = 2;
+    run.sInfo.selectMode = selectMatching;
     pdbSelect(run.pdbInfo[0], run.sInfo, run.selection, messages);
 }
 
@@ -176,13 +176,13 @@ void warnOfSelection(const Run &run, Messages &messages)
     const struct {
         const char *option;
         const std::string &list;
-        int mode;
+        MatchMode mode;
         const char *remedy;
     } rows[] = {{"-resName", sInfo.resNameList, sInfo.resNameMode, "-rExact, -rGlob or -rRegex"},
                 {"-chain", sInfo.chainNameList, sInfo.chainNameMode, "-cExact, -cGlob or -cRegex"},
                 {"-seg", sInfo.segNameList, sInfo.segNameMode, "-sExact, -sGlob or -sRegex"}};
     for (const auto &row : rows)
-        if (row.list != "*" && row.mode == 0)
+        if (row.list != "*" && row.mode == matchNone)
             messages.warn("trelm: %s %s acts on nothing without a way to match: %s\n", row.option,
                           row.list.c_str(), row.remedy);
     const bool isFit = run.trelmInfo[0].trelmMode == modeBestFit && run.trelmInfo[0].validCountD > 0;

@@ -27,7 +27,7 @@ Status moveAtoms(Run &run, std::span<Coord3D> coords, Messages &messages)
     const ConeSetup cone = coneOf(options);
     const ResidueOffset offset = {window.aFirst, window.segFirst, window.segLast};
     RandomStream random(options.idum);
-    if (options.noiseMode == 0)
+    if (options.noiseMode == noiseOnAngles)
         addPhiPsiNoise(random, target, cone, offset, run.trelmInfo[0].allowFixedDI, messages);
     else if (addPdbNoise(target, cone, offsetOf(offset), dCalcValid.span(), random) == 0)
         messages.warn("trelm: no coupling is left: no vector of the structure is moved.\n");

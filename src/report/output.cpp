@@ -140,7 +140,7 @@ Status appendTensor(const TrelmInfo &trelmInfo, int nD, const DTensor &tensor, s
     return Status::ok;
 }
 
-void appendStatistics(const DcStatistics &stat, int qFlag, std::string &text)
+void appendStatistics(const DcStatistics &stat, QKind qFlag, std::string &text)
 {
     appendf(text, "DATA RMS                  %.3f\n", number(stat.rSumD2));
     appendf(text, "DATA Chi2                 %.3f\n", number(stat.pSumD));

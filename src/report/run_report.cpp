@@ -16,9 +16,9 @@ using Line = void (*)(const TrelmInfo &info, std::string &text);
 
 void lcType(const TrelmInfo &info, std::string &text)
 {
-    if (info.lcType == 1)
+    if (info.lcType == lcWall)
         text += "DATA TRELM LC_TYPE             wall\n";
-    else if (info.lcType == 2)
+    else if (info.lcType == lcRod)
         text += "DATA TRELM LC_TYPE              rod\n";
 }
 void concentration(const TrelmInfo &info, std::string &text)

@@ -1,6 +1,5 @@
 #include "structure/select.h"
 
-#include "support/text/match.h"
 #include "support/text/text.h"
 #include "support/text/token.h"
 
@@ -14,9 +13,6 @@
 namespace trelm {
 namespace {
 
-constexpr int classCanonical = 4;  ///< selectClass: canonical amino acids only
-constexpr int selectInverted = -1; ///< selectMode
-
 // The amino acids of selectClass, capitals or not. Nucleotides are none.
 constexpr std::string_view aminoAcids[] = {"ALA", "ARG", "ASN", "ASP", "CYS", "GLN", "GLU",
                                            "GLY", "HIS", "ILE", "LEU", "LYS", "MET", "PHE",
@@ -28,22 +24,22 @@ bool isCanonical(const AtomInfo &atom)
         aminoAcids, [&atom](std::string_view name) { return equalNoCase(atom.resName.view(), name); });
 }
 
-/// A name test: the patterns of its list; mode 0 is no test.
+/// A name test: the patterns of its list.
 struct NameTest {
     std::vector<NamePattern> patterns;
-    int mode = 0;
+    MatchMode mode;
 
-    NameTest(const std::string &list, int matchMode) : mode(matchMode)
+    NameTest(const std::string &list, MatchMode matchMode) : mode(matchMode)
     {
         std::vector<std::string_view> words;
-        if (mode != 0)
+        if (mode != matchNone)
             splitTokens(list, words);
         for (const std::string_view word : words)
             patterns.emplace_back(word, mode);
     }
     [[nodiscard]] bool passes(const Name &name) const
     {
-        return mode == 0 || std::ranges::any_of(patterns, [&](const NamePattern &pattern) {
+        return mode == matchNone || std::ranges::any_of(patterns, [&](const NamePattern &pattern) {
                    return pattern.matches(name.view());
                });
     }
@@ -71,7 +67,7 @@ struct Tests {
 
 bool isSelective(const PDBSelectInfo &sInfo)
 {
-    return sInfo.selectMode != 0 && sInfo.selectMode != 1;
+    return sInfo.selectMode == selectMatching || sInfo.selectMode == selectFailing;
 }
 
 /// The class, the modes that ask nothing else, and then the tests, which a mode that asks nothing needs not
@@ -81,16 +77,16 @@ bool isIn(const PDBSelectInfo &sInfo, const Tests *tests, const AtomInfo &atom)
     if (sInfo.selectClass == classCanonical && !isCanonical(atom))
         return false;
     if (tests == nullptr)
-        return sInfo.selectMode == 1;
-    return tests->pass(atom) != (sInfo.selectMode == selectInverted);
+        return sInfo.selectMode == selectAll;
+    return tests->pass(atom) != (sInfo.selectMode == selectFailing);
 }
 
 /// Whether the molecule is one chain and one segment, and none is asked for: then the range of residues
 /// always counts.
 bool isSimple(const PDBInfo &pdbInfo, const PDBSelectInfo &sInfo)
 {
-    return pdbInfo.chainCount == 1 && pdbInfo.segCount == 1 && sInfo.chainNameMode == 0 &&
-           sInfo.segNameMode == 0;
+    return pdbInfo.chainCount == 1 && pdbInfo.segCount == 1 && sInfo.chainNameMode == matchNone &&
+           sInfo.segNameMode == matchNone;
 }
 
 void tellKind(const PDBSelectInfo &sInfo, bool simple, Messages &messages)
@@ -103,10 +99,10 @@ void tellKind(const PDBSelectInfo &sInfo, bool simple, Messages &messages)
 }
 
 /// Switches off the test of a list that is exactly "*".
-void adjustList(const std::string &list, int &mode)
+void adjustList(const std::string &list, MatchMode &mode)
 {
     if (list == "*")
-        mode = 0;
+        mode = matchNone;
 }
 
 } // namespace
@@ -158,7 +154,7 @@ void pdbSelect(const PDBInfo &pdbInfo, const PDBSelectInfo &sInfo, AtomMask &sel
 {
     const std::span<const AtomInfo> atoms = pdbInfo.atoms();
     if (!isSelective(sInfo)) {
-        selection.assign(atoms.size(), sInfo.selectMode == 1 && sInfo.selectID != 0 ? 1 : 0);
+        selection.assign(atoms.size(), sInfo.selectMode == selectAll && sInfo.selectID != 0 ? 1 : 0);
         return;
     }
     selection.resize(atoms.size());

@@ -3,6 +3,7 @@
 
 #include "ground/messages.h"
 #include "structure/pdb.h"
+#include "support/text/match.h"
 
 #include <cstddef>
 #include <span>
@@ -24,17 +25,29 @@ struct SelectedAtoms {
     [[nodiscard]] bool has(std::size_t place) const { return mask[place] != 0; }
 };
 
-/// The criteria of a selection. Match modes: 0 no test, 1 exact, 2 regular expression, 3 glob.
+/// Which atoms a selection is about.
+enum SelectMode : int {
+    selectFailing = -1, ///< those that fail the criteria
+    selectNone = 0,
+    selectAll = 1,
+    selectMatching = 2, ///< those that meet the criteria
+};
+
+/// The residues that a selection is about.
+enum SelectClass : int { classAll = 1, classCanonical = 4 };
+
+/// The criteria of a selection.
 struct PDBSelectInfo {
     int res1 = 0, resN = 0; ///< residue range
     std::string resNameList = "*", atomNameList = "*", chainNameList = "*",
                 segNameList = "*"; ///< blank-separated
     int resIDMode = 0;             ///< 1 tests res1..resN
-    int resNameMode = 0, atomNameMode = 1, chainNameMode = 0, segNameMode = 0;
-    int selectID = 1;    ///< 0 takes the chosen atoms out, any other number adds them
-    int selectMode = 1;  ///< 0 none, 1 all, 2 select by the criteria, -1 by their failure
-    int selectClass = 1; ///< 1 all residues, 4 canonical amino acids only
-    int hetatmFlag = 0;  ///< of readPDB
+    MatchMode resNameMode = matchNone, atomNameMode = matchExact, chainNameMode = matchNone,
+              segNameMode = matchNone;
+    int selectID = 1; ///< 0 takes the chosen atoms out, any other number adds them
+    SelectMode selectMode = selectAll;
+    SelectClass selectClass = classAll;
+    int hetatmFlag = 0; ///< of readPDB
     int dbgFlag = 0;
 };
 

@@ -117,7 +117,7 @@ TEST(ReadDC, FillsRowsFromColumnsAndDefaults)
     EXPECT_EQ(table.dMinRes, 5);
     EXPECT_EQ(table.dMaxRes, 9);
     EXPECT_EQ(table.maxCount, 1 + 9 + 81);
-    EXPECT_EQ(selectD(rows, -100, 100, 1), 2); // the row without a value is never valid, 900.0 is
+    EXPECT_EQ(selectD(rows, -100, 100, bothInside), 2); // the row without a value is never valid, 900.0 is
     EXPECT_EQ(rows[1].valid, 0);
 }
 
@@ -152,9 +152,10 @@ TEST(ReadDC, RefusesWhatIsNoTableOfNumbers)
 TEST(SelectD, KeepsRowsByTheWindow)
 {
     struct {
-        int mode;
+        WindowKind mode;
         std::array<int, 5> valid;
-    } constexpr rows[] = {{1, {1, 0, 0, 0, 0}}, {2, {1, 1, 1, 0, 0}}, {3, {1, 1, 0, 0, 0}}};
+    } constexpr rows[] = {
+        {bothInside, {1, 0, 0, 0, 0}}, {oneInside, {1, 1, 1, 0, 0}}, {largerInside, {1, 1, 0, 0, 0}}};
     for (const auto &row : rows) {
         std::array<DInfo, 5> list;
         constexpr int residues[5][2] = {{5, 6}, {6, 4}, {10, 9}, {4, 11}, {5, 6}};

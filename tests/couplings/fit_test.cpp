@@ -27,7 +27,7 @@ TEST(FitD, EvaluatesOnceWhereAllIsFixed)
     ASSERT_EQ(p.valid, p.table.dCount);
     DTensor &tensor = p.table.dTensor;
     tensor = DTensor{};
-    tensor.tensorMode = 5;
+    tensor.tensorMode = tensorFixed;
     tensor.rhFlag = 1;
     tensor.rh = tensor.rhMin = tensor.rhMax = 0.25f;
     tensor.da = tensor.daMin = tensor.daMax = -4.0e-4f;
@@ -42,7 +42,7 @@ TEST(FitD, EvaluatesOnceWhereAllIsFixed)
         nonlinear.push_back(row.d);
     // Both engines have one convention: the vector that this one leaves gives the same couplings.
     tensor.userSaupe = tensor.saupe;
-    tensor.tensorMode = 2;
+    tensor.tensorMode = tensorSaupe;
     fitD(p.pdb.coordinates(), p.table, 0, standardMessages());
     for (std::size_t i = 0; i < nonlinear.size(); ++i)
         EXPECT_NEAR(p.table.calculated()[i].d, nonlinear[i], 0.002);
@@ -129,7 +129,7 @@ TEST(FitD, LeavesZeroAnglesWithFewerCouplingsThanParameters)
     ASSERT_EQ(p.valid, p.table.dCount);
     for (DInfo &row : p.table.calculated().subspan(3))
         row.w = 0.0f;
-    p.table.dTensor.tensorMode = 3;
+    p.table.dTensor.tensorMode = tensorNofixed;
     EXPECT_EQ(fitD(p.pdb.coordinates(), p.table, 0, standardMessages()), 3);
     EXPECT_EQ(p.table.dTensor.psi, 0.0f);
     EXPECT_EQ(p.table.dTensor.psiList[0], 0.0f);
@@ -155,7 +155,7 @@ struct HandMade {
         calc.atomJCount = countJ;
         for (std::size_t j = 0; j < static_cast<std::size_t>(countJ); ++j)
             calc.atomJ[j] = j + 1;
-        table.dTensor.tensorMode = 2;
+        table.dTensor.tensorMode = tensorSaupe;
         table.dTensor.userSaupe = {1.0f, 0.0f, 0.0f, 0.0f, 0.0f};
     }
 };

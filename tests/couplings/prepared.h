@@ -21,7 +21,7 @@ struct Prepared {
     {
         EXPECT_EQ(readPDB(pdbName, pdb, range, standardMessages()), Status::ok);
         EXPECT_EQ(readDC(tableName, table, standardMessages()), Status::ok);
-        selectD(table.observed(), -1000, 2000, 3);
+        selectD(table.observed(), -1000, 2000, largerInside);
         valid = buildDC(pdb, table, {.aOff = aOff}, standardMessages());
     }
 };

@@ -36,7 +36,7 @@ double takenAngle(RandomStream &random)
 PDBSelectInfo residuesFrom(int res1)
 {
     PDBSelectInfo range;
-    range.selectMode = 2;
+    range.selectMode = selectMatching;
     range.resIDMode = 1;
     range.res1 = res1;
     range.resN = 76;

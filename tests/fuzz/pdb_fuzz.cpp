@@ -36,10 +36,10 @@ void checkResidue(const PDBInfo &pdbInfo, const ResInfo &residue)
     require(residue.atomCount > 0, "a residue has atoms");
 }
 
-void select(PDBInfo &pdbInfo, int matchMode)
+void select(PDBInfo &pdbInfo, MatchMode matchMode)
 {
     PDBSelectInfo sInfo;
-    sInfo.selectMode = 2;
+    sInfo.selectMode = selectMatching;
     sInfo.atomNameMode = sInfo.resNameMode = matchMode;
     sInfo.atomNameList = "CA [H]* N";
     sInfo.resNameList = "[A-L]";
@@ -59,7 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         checkAtom(pdbInfo, atom);
     for (const ResInfo &residue : pdbInfo.residues())
         checkResidue(pdbInfo, residue);
-    for (const int mode : {matchExact, matchRegex, matchGlob})
+    for (const MatchMode mode : {matchExact, matchRegex, matchGlob})
         select(pdbInfo, mode);
     std::vector<Coord3D> coords = copyOfCoordinates(pdbInfo);
     for (const ResInfo &residue : pdbInfo.residues()) {

@@ -40,7 +40,7 @@ void checkCouplings(const std::string &name)
         require(std::isfinite(row.d) && std::isfinite(row.w) && row.sigma >= 0.0f,
                 "couplings, weights and errors are numbers");
     PDBInfo &molecule = fuzz::smallMolecule();
-    const int valid = selectD(dTab.observed(), 1, 3, 3);
+    const int valid = selectD(dTab.observed(), 1, 3, largerInside);
     const int built = buildDC(
         molecule, dTab, {.aOff = 1, .wOff = 2, .wList = std::vector<float>{0.5f, 0.0f}, .allowFixedDI = 0},
         standardMessages());

@@ -41,7 +41,7 @@ TEST(Output, ExtendedFormWithoutATensor)
     DTable table = makeTable({{1.5f, 1.25f}, {-20.0f, -19.875f}, {9999.0f, 3.0f}});
     TrelmInfo info;
     info.trelmMode = modeBestFit;
-    info.qFlag = 0;
+    info.qFlag = qOfRms;
     EXPECT_EQ(
         written(table, info),
         "REMARK Molecular Alignment Simulation.\n\nREMARK Simulation parameters.\n"
@@ -168,7 +168,7 @@ TEST(RunReport, OrdersOfTheTwoBlocks)
 {
     TrelmInfo info;
     info.trelmMode = modeElTrelm;
-    info.lcType = 2;
+    info.lcType = lcRod;
     info.includeRim = 0.001f;
     std::string block, head;
     writeTrelm(info, block);

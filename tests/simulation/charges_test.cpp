@@ -87,7 +87,7 @@ std::string expectRoundTrip(PDBInfo &pdbInfo, const ChargeOptions &elInfo, const
     return written;
 }
 
-ChargeOptions electrostatics(int charmm = 0, float pH = 7.0f)
+ChargeOptions electrostatics(CharmmKind charmm = charmmNone, float pH = 7.0f)
 {
     ChargeOptions elInfo;
     elInfo.elFlag = 1;
@@ -112,7 +112,7 @@ TEST(Charges, FractionHasItsLimits)
 TEST(Charges, DefaultsTitrateGroupsAndWriteThem)
 {
     PDBInfo pdbInfo = makeMolecule(peptide);
-    ChargeOptions elInfo = electrostatics(0, 50.0f); // acids have lost their protons, bases too
+    ChargeOptions elInfo = electrostatics(charmmNone, 50.0f); // acids have lost their protons, bases too
     const Placed basic = place(pdbInfo, elInfo);
     EXPECT_FLOAT_EQ(basic.sum, -4.0f); // -1, -1 for each phosphate oxygen, -1 for the end
     EXPECT_EQ(basic.charges.size(), 12u);
@@ -133,7 +133,11 @@ TEST(Charges, DefaultsTitrateGroupsAndWriteThem)
 TEST(Charges, WrittenFileGivesTheSameCharges)
 {
     PDBInfo pdbInfo = ubiquitin();
-    for (const auto &[charmm, pH] : {std::pair{0, 3.0f}, {0, 7.0f}, {0, 9.5f}, {1, 7.0f}, {2, 4.0f}})
+    for (const auto &[charmm, pH] : {std::pair{charmmNone, 3.0f},
+                                     {charmmNone, 7.0f},
+                                     {charmmNone, 9.5f},
+                                     {charmm19, 7.0f},
+                                     {charmm22, 4.0f}})
         EXPECT_NE(expectRoundTrip(pdbInfo, electrostatics(charmm, pH)), "");
     // Two equal chains, an end with one oxygen, half an aspartate, and a residue that is both ends.
     PDBInfo odd = makeMolecule("A GLY 1 N\nA ASP 2 OD1\nA LYS 3 NZ\nA GLY 4 O\n"
@@ -167,13 +171,14 @@ TEST(Charges, ResiduesOfTheTablesHaveWholeCharges)
 TEST(Charges, PartialChargesSumToTheFormalOnes)
 {
     const struct {
-        int charmm;
+        CharmmKind charmm;
         float pH, sum, oxygen; ///< net charge, and that of a terminal oxygen
         std::size_t count;
         int termini = 1;
-    } cases[] = {{1, 7.0f, -1.0f, -0.57f, 23},   {2, 6.0f, -1.0f, -0.67f, 32}, {2, 7.0f, -1.0f, -0.67f, 32},
-                 {2, 4.0f, 1.0f, -0.17f, 33},    {2, 5.0f, 0.0f, 0.0f, 0},     {2, 7.1f, 0.0f, 0.0f, 0},
-                 {2, 7.0f, -0.49f, 0.51f, 28, 0}};
+    } cases[] = {{charmm19, 7.0f, -1.0f, -0.57f, 23},   {charmm22, 6.0f, -1.0f, -0.67f, 32},
+                 {charmm22, 7.0f, -1.0f, -0.67f, 32},   {charmm22, 4.0f, 1.0f, -0.17f, 33},
+                 {charmm22, 5.0f, 0.0f, 0.0f, 0},       {charmm22, 7.1f, 0.0f, 0.0f, 0},
+                 {charmm22, 7.0f, -0.49f, 0.51f, 28, 0}};
     PDBInfo pdbInfo = makeMolecule("A GLY 1 N HT1 HT2 HT3 HN CA HA1 HA2 C O\n"
                                    "A ASP 2 N HN CA HA CB HB1 HB2 CG OD1 OD2 HD2 C O\n"
                                    "A ALA 3 N H CA HA CB HB1 HB2 HB3 C OT1 OXT");
@@ -246,7 +251,7 @@ TEST(Charges, TooManyAreRefused)
     for (int i = 1; i <= 1199; ++i)
         appendf(many, "A LYS %d NZ\n", i);
     pdbInfo = makeMolecule(many);
-    for (const int charmm : {0, 1})
+    for (const CharmmKind charmm : {charmmNone, charmm19})
         EXPECT_EQ(place(pdbInfo, electrostatics(charmm, 7.0f)).messages,
                   "Too many pKa values were supplied ...\n");
 }

@@ -48,7 +48,7 @@ struct Molecule {
     [[nodiscard]] SmaSetup sizes() const { return {size, 0.0}; }
 };
 
-AlignmentOptions infoFor(int lcType, double cutoffPot)
+AlignmentOptions infoFor(LcType lcType, double cutoffPot)
 {
     AlignmentOptions info;
     info.lcType = lcType;
@@ -95,7 +95,7 @@ void expectSame(const Saupe &fast, const Saupe &plain, double tolerance)
 TEST(Weighted, FastIsPlain)
 {
     struct Case {
-        int lcType;
+        LcType lcType;
         double cutoffPot;
         float radiusAtom, chDensSurf, concNaCl;
         int charges;
@@ -128,7 +128,7 @@ TEST(Weighted, FastIsPlain)
 
 TEST(Weighted, SignsOfChargesAndSurfaceCancel)
 {
-    for (const int lcType : {lcWall, lcRod}) {
+    for (const LcType lcType : {lcWall, lcRod}) {
         Molecule molecule(11, 60, 12, 15.0);
         AlignmentOptions info = infoFor(lcType, 40.0);
         Potential potential = makeTable(60, -0.6), opposite = makeTable(60, 0.6);

@@ -29,7 +29,7 @@ PDBInfo makeMolecule(const std::vector<Axis> &places)
     return pdbInfo;
 }
 
-AlignmentOptions sample(int lcType)
+AlignmentOptions sample(LcType lcType)
 {
     AlignmentOptions info;
     info.lcType = lcType;
@@ -54,7 +54,7 @@ double weightOf(const AlignmentOptions &info, double sign)
 TEST(Face, WeighsTheChargeInTheFieldAtItsPlace)
 {
     const struct {
-        int lcType;
+        LcType lcType;
         double sign, distance;
     } rows[] = {{lcWall, 1.0, 35.0},
                 {lcWall, -1.0, 25.0},
@@ -74,7 +74,7 @@ TEST(Face, WeighsTheChargeInTheFieldAtItsPlace)
 
 TEST(Face, OtherModelsKeepTheWeightAndAMoleculeThatTouchesTheParticleHasNone)
 {
-    EXPECT_EQ(weightOf(sample(3), 1.0), -1.0);
+    EXPECT_EQ(weightOf(sample(lcGrid), 1.0), -1.0);
     AlignmentOptions info = sample(lcWall);
     info.iFace = 5.0f; // the lower atom lies on the surface exactly
     EXPECT_EQ(weightOf(info, 1.0), 0.0);

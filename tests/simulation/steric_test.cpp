@@ -39,7 +39,7 @@ Solute heavyAtoms()
     return solute;
 }
 
-StericSetup setupFor(int lcType, double size)
+StericSetup setupFor(LcType lcType, double size)
 {
     StericSetup setup;
     setup.lcType = lcType;
@@ -155,7 +155,7 @@ TEST(Steric, SumsAreThoseOfThePlainForm)
     Solute solute = heavyAtoms();
     const auto size = static_cast<double>(centreAtoms(solute.buffers()));
     const std::vector<double> dots = dotsOf(100);
-    for (const int lcType : {lcWall, lcRod}) {
+    for (const LcType lcType : {lcWall, lcRod}) {
         const StericSetup setup = setupFor(lcType, size);
         Saupe fast, plain;
         std::vector<double> allowedCount;
@@ -171,7 +171,7 @@ TEST(Steric, SumsAreThoseOfThePlainForm)
     }
 }
 
-Saupe simulate(Solute &solute, int lcType)
+Saupe simulate(Solute &solute, LcType lcType)
 {
     static const std::vector<double> dots = dotsOf(700);
     const auto size = static_cast<double>(centreAtoms(solute.buffers()));
@@ -192,7 +192,7 @@ double norm(const Saupe &saupe)
 
 TEST(Steric, ATurnedMoleculeGivesTheTurnedTensor)
 {
-    for (const int lcType : {lcWall, lcRod}) {
+    for (const LcType lcType : {lcWall, lcRod}) {
         Solute solute = heavyAtoms(), turnedSolute;
         Axis x, y, z;
         rotate_coorsystem(0.9, 0.4, -1.3, x, y, z);
@@ -226,7 +226,7 @@ TEST(Steric, ShapeDecidesOrderAndSign)
         sphere.add({15.0 * sphereDots[i], 15.0 * sphereDots[i + 1], 15.0 * sphereDots[i + 2]});
     for (int i = -30; i <= 30; ++i)
         rod.add({0.0, 0.0, 0.7 * i});
-    for (const int lcType : {lcWall, lcRod}) {
+    for (const LcType lcType : {lcWall, lcRod}) {
         const Saupe ofRod = simulate(rod, lcType);
         // Free orientations of a long solute lie along the director more than across: what the simulation
         // averages has its long axis positive, and axial.

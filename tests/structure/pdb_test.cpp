@@ -68,7 +68,7 @@ TEST(Pdb, WhichLinesAreAtoms)
             << line.why;
     }
     PDBSelectInfo sInfo{.atomNameList = "N", .hetatmFlag = 1};
-    sInfo.selectMode = 2;
+    sInfo.selectMode = selectMatching;
     EXPECT_EQ(ReadPdb(hetatm + atomLine("CA", 1), &sInfo).pdb.atomCount, 1);
 }
 

@@ -20,37 +20,50 @@ const struct SelectCase {
 } cases[] = {
     // 1231 atoms, 602 of them heavy, 7 lysines.
     {"the defaults take all", {}, 1231},
-    {"set takes all, whatever the class", {.selectMode = 1, .selectClass = 4}, 1231},
-    {"clear takes nobody", {.selectMode = 0}, 0},
-    {"two names, case counts", {.resN = 76, .atomNameList = "CA N ca", .selectMode = 2}, 152},
-    {"a star switches the test off", {.res1 = 76, .resN = 76, .resIDMode = 1, .selectMode = 2}, 8},
+    {"set takes all, whatever the class", {.selectMode = selectAll, .selectClass = classCanonical}, 1231},
+    {"clear takes nobody", {.selectMode = selectNone}, 0},
+    {"two names, case counts", {.resN = 76, .atomNameList = "CA N ca", .selectMode = selectMatching}, 152},
+    {"a star switches the test off",
+     {.res1 = 76, .resN = 76, .resIDMode = 1, .selectMode = selectMatching},
+     8},
     {"a range the wrong way round",
-     {.res1 = 3, .resN = 2, .atomNameList = "CA", .resIDMode = 1, .selectMode = 2},
+     {.res1 = 3, .resN = 2, .atomNameList = "CA", .resIDMode = 1, .selectMode = selectMatching},
      2},
     {"a range beyond the molecule ends",
-     {.res1 = 75, .resN = largest, .atomNameList = "CA", .resIDMode = 1, .selectMode = 2},
+     {.res1 = 75, .resN = largest, .atomNameList = "CA", .resIDMode = 1, .selectMode = selectMatching},
      2},
-    {"heavy atoms by glob", {.resN = 76, .atomNameList = "[CNOS]*", .atomNameMode = 3, .selectMode = 2}, 602},
+    {"heavy atoms by glob",
+     {.resN = 76, .atomNameList = "[CNOS]*", .atomNameMode = matchGlob, .selectMode = selectMatching},
+     602},
     {"residue names without a match mode",
-     {.resN = 76, .resNameList = "LYS", .atomNameList = "CA", .selectMode = 2},
+     {.resN = 76, .resNameList = "LYS", .atomNameList = "CA", .selectMode = selectMatching},
      76},
     {"residue names with a match mode",
-     {.resN = 76, .resNameList = "LYS", .atomNameList = "CA", .resNameMode = 1, .selectMode = 2},
+     {.resN = 76,
+      .resNameList = "LYS",
+      .atomNameList = "CA",
+      .resNameMode = matchExact,
+      .selectMode = selectMatching},
      7},
     {"a chain test takes the road over all atoms",
-     {.atomNameList = "CA", .chainNameList = "B", .chainNameMode = 1, .selectMode = 2},
+     {.atomNameList = "CA", .chainNameList = "B", .chainNameMode = matchExact, .selectMode = selectMatching},
      0},
-    {"inverted without a test misses all", {.resN = 76, .selectMode = -1}, 0},
-    {"inverted takes what fails", {.resN = 76, .atomNameList = "CA", .selectMode = -1}, 1155},
+    {"inverted without a test misses all", {.resN = 76, .selectMode = selectFailing}, 0},
+    {"inverted takes what fails", {.resN = 76, .atomNameList = "CA", .selectMode = selectFailing}, 1155},
     {"inverted in a range looks at the range alone",
-     {.res1 = 2, .resN = 3, .resIDMode = 1, .selectMode = -1},
+     {.res1 = 2, .resN = 3, .resIDMode = 1, .selectMode = selectFailing},
      0},
     {"inverted on the road over all atoms takes what lies outside",
-     {.res1 = 1, .resN = 75, .chainNameList = "A", .resIDMode = 1, .chainNameMode = 1, .selectMode = -1},
+     {.res1 = 1,
+      .resN = 75,
+      .chainNameList = "A",
+      .resIDMode = 1,
+      .chainNameMode = matchExact,
+      .selectMode = selectFailing},
      8},
-    {"an empty list matches nobody", {.resN = 76, .atomNameList = "", .selectMode = 2}, 0},
+    {"an empty list matches nobody", {.resN = 76, .atomNameList = "", .selectMode = selectMatching}, 0},
     {"a pattern that cannot be compiled",
-     {.resN = 76, .atomNameList = "a** CA", .atomNameMode = 2, .selectMode = 2},
+     {.resN = 76, .atomNameList = "a** CA", .atomNameMode = matchRegex, .selectMode = selectMatching},
      76},
 };
 
@@ -72,7 +85,7 @@ TEST(Select, WhatIsNotChosenStays)
     AtomMask selection(1231, 1);
     PDBSelectInfo hydrogens = {
         .res1 = 1, .resN = 76, .atomNameList = "[1-3]H* H*", .atomNameMode = matchGlob, .selectID = 0};
-    hydrogens.selectMode = 2;
+    hydrogens.selectMode = selectMatching;
     pdbSelect(pdb, hydrogens, selection, standardMessages());
     EXPECT_EQ(std::ranges::count(selection, 1), 602);
 }
@@ -83,14 +96,14 @@ TEST(Select, TheTestAsksTheClassInEveryMode)
     PDBSelectInfo sInfo;
     for (const char *other : {"HOH", "ADE"}) { // a nucleotide is no amino acid
         atom.resName = Name::of(other);
-        for (const int mode : {-1, 0, 1, 2}) {
-            sInfo.selectClass = 4;
+        for (const SelectMode mode : {selectFailing, selectNone, selectAll, selectMatching}) {
+            sInfo.selectClass = classCanonical;
             sInfo.selectMode = mode;
             EXPECT_FALSE(pdbSelectTest(&sInfo, atom)) << other << " " << mode;
         }
     }
     atom.resName = Name::of("lys");
-    sInfo.selectMode = 1;
+    sInfo.selectMode = selectAll;
     EXPECT_TRUE(pdbSelectTest(&sInfo, atom));
 }
 
@@ -100,9 +113,14 @@ TEST(Select, TheRoadIsToldOnRequest)
     const struct {
         PDBSelectInfo sInfo;
         const char *line;
-    } rows[] = {{{.resN = 76, .selectMode = 2, .dbgFlag = 1}, "GORVAT Info: Simple Selection.\n"},
-                {{.resNameMode = 2, .atomNameMode = 3, .chainNameMode = 1, .selectMode = 2, .dbgFlag = 1},
-                 "GORVAT Info: Complex Selection Atom 3 Res 2 Seg 1 Chain 0\n"}};
+    } rows[] = {
+        {{.resN = 76, .selectMode = selectMatching, .dbgFlag = 1}, "GORVAT Info: Simple Selection.\n"},
+        {{.resNameMode = matchRegex,
+          .atomNameMode = matchGlob,
+          .chainNameMode = matchExact,
+          .selectMode = selectMatching,
+          .dbgFlag = 1},
+         "GORVAT Info: Complex Selection Atom 3 Res 2 Seg 1 Chain 0\n"}};
     for (const auto &row : rows) {
         Heard heard;
         AtomMask selection;
@@ -114,11 +132,11 @@ TEST(Select, TheRoadIsToldOnRequest)
 TEST(Select, FaultyExpressionsAreTold)
 {
     PDBSelectInfo sInfo = {
-        .resNameList = "(L", .atomNameList = "CA a**", .resNameMode = 1, .atomNameMode = 2};
+        .resNameList = "(L", .atomNameList = "CA a**", .resNameMode = matchExact, .atomNameMode = matchRegex};
     Heard heard;
     pdbSelectCheck(sInfo, heard.messages); // all atoms are taken, nothing is matched
     EXPECT_EQ(heard.err, "");
-    sInfo.selectMode = 2;
+    sInfo.selectMode = selectMatching;
     pdbSelectCheck(sInfo, heard.messages);
     EXPECT_EQ(heard.err,
               "PDB Warning: the regular expression a** is faulty and selects nothing: nested *?+.\n");

@@ -14,13 +14,13 @@ TEST(Match, Names)
 {
     const struct {
         const char *name, *pattern;
-        int mode;
+        MatchMode mode;
         bool expected;
     } cases[] = {
         {"CA", "ca", matchExact, false},
         {"CA", "CAA", matchExact, false},
         {"CA", "ca", matchGlob, false},
-        {"CA", "CA", 0, false},
+        {"CA", "CA", matchNone, false},
         {"1HB", "[1-3]H*", matchGlob, true},
         {"2HG1", "[3-1]H*", matchGlob, true},
         {"3HD2", "[1-3]H*", matchGlob, true},

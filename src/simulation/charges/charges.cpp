@@ -244,13 +244,13 @@ Status placeCharges(const std::string &inName, const SelectedAtoms &selected, co
                                   : Status::ok;
     if (elInfo.pkaFlag == 0)
         return Status::ok;
-    if (elInfo.charmm == 0)
+    if (elInfo.charmm == charmmNone)
         return titrateDefaults(selected, elInfo, set, lines, messages);
-    if (elInfo.charmm == 1)
+    if (elInfo.charmm == charmm19)
         return placePartialCharges(ChargeTableID::charmm19, selected, elInfo, set, lines, messages);
-    if (elInfo.charmm == 2 && elInfo.pH >= 6.0f && elInfo.pH <= 7.0f)
+    if (elInfo.charmm == charmm22 && elInfo.pH >= 6.0f && elInfo.pH <= 7.0f)
         return placePartialCharges(ChargeTableID::charmm22, selected, elInfo, set, lines, messages);
-    if (elInfo.charmm == 2 && elInfo.pH <= 4.0f)
+    if (elInfo.charmm == charmm22 && elInfo.pH <= 4.0f)
         return placePartialCharges(ChargeTableID::charmm22Acid, selected, elInfo, set, lines, messages);
     return Status::ok; // the tables know no charges between
 }

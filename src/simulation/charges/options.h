@@ -3,11 +3,14 @@
 
 namespace trelm {
 
+/// Partial charges of a force field.
+enum CharmmKind : int { charmmNone = 0, charmm19 = 1, charmm22 = 2 };
+
 /// The charges of a molecule.
 struct ChargeOptions {
-    int elFlag = 0;        ///< electrostatic run
-    int pkaFlag = 1;       ///< without a charge file: charges by pKa or a table
-    int charmm = 0;        ///< partial charges: 0 none, 1 CHARMM19, 2 CHARMM22
+    int elFlag = 0;  ///< electrostatic run
+    int pkaFlag = 1; ///< without a charge file: charges by pKa or a table
+    CharmmKind charmm = charmmNone;
     int chTerminiFlag = 1; ///< put charges at the termini
     float pH = 7.0f;
     int dipoleFlag = 0;   ///< replace the charges by a dipole

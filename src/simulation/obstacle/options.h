@@ -5,9 +5,16 @@
 
 namespace trelm {
 
+/// The model of the liquid crystal.
+enum LcType : int {
+    lcWall = 1,
+    lcRod = 2,
+    lcGrid = 3, ///< a potential in space instead of a particle
+};
+
 /// The liquid crystal: its model and its composition.
 struct ObstacleOptions {
-    int lcType = 1;              ///< liquid crystal model: 1 wall, 2 rod, 3 general 3D potential
+    LcType lcType = lcWall;
     float concentration = 0.05f; ///< of the liquid crystal: g/ml, above 0
     float radiusModel = 20.0f;   ///< half model thickness, angstrom
     float gridSpacing = 0.2f;    ///< step of the distances, angstrom

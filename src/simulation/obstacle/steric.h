@@ -10,6 +10,7 @@
 #include "couplings/tensor.h"
 #include "ground/alloc.h"
 #include "ground/messages.h"
+#include "simulation/obstacle/options.h"
 #include "simulation/obstacle/position_grid.h"
 #include "simulation/orientations/columns.h"
 #include "simulation/orientations/orientation.h"
@@ -18,13 +19,9 @@
 
 namespace trelm {
 
-constexpr int lcWall = 1;
-constexpr int lcRod = 2;
-constexpr int lcGrid = 3; ///< a potential in space instead of a particle
-
 /// What a steric simulation needs beside the atoms. Lengths in angstrom.
 struct StericSetup {
-    int lcType = lcWall;
+    LcType lcType = lcWall;
     GridSetup grid;             ///< the distances
     double stepOutLength = 0.0; ///< wall: from its middle plane to the edge of its cell
     double radius = 0.0;        ///< of every atom

@@ -76,7 +76,7 @@ bool strMatchGlob(std::string_view string, std::string_view pattern)
     }
 }
 
-NamePattern::NamePattern(std::string_view text, int matchMode) : pattern(text), mode(matchMode)
+NamePattern::NamePattern(std::string_view text, MatchMode matchMode) : pattern(text), mode(matchMode)
 {
     if (mode == matchRegex)
         prog = strRegComp(pattern, fault);

@@ -10,17 +10,16 @@
 
 namespace trelm {
 
-constexpr int matchExact = 1;
-constexpr int matchRegex = 2;
-constexpr int matchGlob = 3;
+/// How names are held against a pattern.
+enum MatchMode : int { matchNone = 0, matchExact = 1, matchRegex = 2, matchGlob = 3 };
 
 /// A pattern that names are held against. Case counts in every mode.
 class NamePattern {
   public:
-    NamePattern(std::string_view text, int matchMode);
+    NamePattern(std::string_view text, MatchMode matchMode);
 
     /// Whether the whole name matches (for a regular expression: whether the pattern occurs in it). A faulty
-    /// expression matches nothing, nor does a mode that is none of the three.
+    /// expression matches nothing, nor does matchNone.
     [[nodiscard]] bool matches(std::string_view name) const;
 
     [[nodiscard]] const std::string &text() const { return pattern; }
@@ -30,8 +29,8 @@ class NamePattern {
 
   private:
     std::string pattern;
-    int mode;
-    std::unique_ptr<Regexp> prog; ///< of mode 2, null for a faulty one
+    MatchMode mode;
+    std::unique_ptr<Regexp> prog; ///< of matchRegex, null for a faulty one
     std::string fault;
 };
 

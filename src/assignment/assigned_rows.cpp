@@ -14,7 +14,7 @@ namespace {
 constexpr float noPeakSigma = 100000.0f, noPeakWeight = 1e-6f;
 
 /// Gives a row of the table the coupling that the peak `row` has in this column, or none.
-void assignRow(const AssignmentProblem &problem, int row, std::size_t column, DInfo &obs, DInfo &calc)
+void assignRow(const AssignmentProblem &problem, int row, std::size_t column, DInfo &obs, DCalc &calc)
 {
     if (row < 0) {
         obs.d = noPeakCoupling;
@@ -36,7 +36,7 @@ void assignRow(const AssignmentProblem &problem, int row, std::size_t column, DI
 /// Gives the row of a residue that had none the coupling in the cell of a peak.
 void fillRow(const AssignmentProblem &problem, std::size_t cell, MovedRow &moved)
 {
-    const bool hasAtoms = moved.calc.atomICount == 1 && moved.calc.atomJCount == 1;
+    const bool hasAtoms = moved.calc.pairCount() == 1;
     moved.obs.d = problem.dcMat[cell];
     moved.obs.sigma = moved.calc.sigma = problem.sigMat[cell];
     moved.obs.w = moved.calc.w = problem.wMat[cell];
@@ -61,7 +61,7 @@ void appendLanded(const ProblemInput &input, const TableProblem &made, std::span
         MovedRow moved =
             moveRow(input.pdbInfo, input.dTab, peaks.firstRow[medium][type], peaks.resIdList[row], messages);
         fillRow(problem, problem.at(peak, column), moved);
-        moved.obs.id = moved.calc.id = static_cast<int>(rows.observed.size()) + 1;
+        moved.obs.id = static_cast<int>(rows.observed.size()) + 1;
         rows.observed.push_back(moved.obs);
         rows.calculated.push_back(moved.calc);
     }
@@ -70,7 +70,7 @@ void appendLanded(const ProblemInput &input, const TableProblem &made, std::span
 /// The matrix column of a row that the assignment may change, or noType.
 int columnOf(const PeakTable &peaks, const DInfo &obs, int type)
 {
-    const auto medium = std::ranges::find(peaks.media, obs.segNameI.view());
+    const auto medium = std::ranges::find(peaks.media, obs.names->segNameI.view());
     return medium == peaks.media.end() ? noType : peaks.dcIndex[medium - peaks.media.begin()][type];
 }
 
@@ -80,8 +80,9 @@ template <class Predicate>
 void markRows(DTable &dTab, Predicate isIn)
 {
     for (std::size_t i = 0; i < dTab.observed().size(); ++i) {
-        DInfo &obs = dTab.observed()[i], &calc = dTab.calculated()[i];
-        if (calc.w != 0.0f && calc.atomICount > 0 && calc.atomJCount > 0)
+        DInfo &obs = dTab.observed()[i];
+        DCalc &calc = dTab.calculated()[i];
+        if (calc.w != 0.0f && calc.pairCount() > 0)
             obs.valid = calc.valid = isIn(obs) ? 1 : 0;
     }
 }
@@ -92,7 +93,8 @@ AssignedRows applyAssignment(const ProblemInput &input, const TableProblem &made
                              std::span<const int> bestIdList, Messages &messages)
 {
     const auto &[problem, peaks] = made;
-    const auto observed = input.dTab.observed(), calculated = input.dTab.calculated();
+    const auto observed = input.dTab.observed();
+    const auto calculated = input.dTab.calculated();
     AssignedRows rows = {{observed.begin(), observed.end()}, {calculated.begin(), calculated.end()}};
     for (std::size_t i = 0; i < observed.size(); ++i) {
         const DInfo &obs = observed[i];
@@ -128,7 +130,7 @@ Status fitMedia(std::span<const Coord3D> coords, const std::vector<std::string> 
     std::vector<std::string> inTurn = media;
     inTurn.push_back(media.front());
     for (const std::string &medium : inTurn) {
-        markRows(dTab, [&](const DInfo &obs) { return obs.segNameI == std::string_view(medium); });
+        markRows(dTab, [&](const DInfo &obs) { return obs.names->segNameI == std::string_view(medium); });
         if (!fitD(coords, dTab, verbose, messages))
             return Status::failed;
     }

@@ -11,7 +11,8 @@ namespace trelm {
 
 /// Rows of a table, observed and calculated. The first are those of the measured table, in its order.
 struct AssignedRows {
-    std::vector<DInfo> observed, calculated;
+    std::vector<DInfo> observed;
+    std::vector<DCalc> calculated;
 };
 
 /// Puts an assignment on the rows that a problem was made from. A row whose residue has no peak has no

@@ -24,7 +24,7 @@ void nameResidue(const PDBInfo &pdbInfo, const SideQuery &side, Name &resName)
 MovedRow moveRow(const PDBInfo &pdbInfo, const DTable &dTab, int row, int resID, Messages &messages)
 {
     const DInfo &likeObs = dTab.dObsList[row];
-    const DInfo &likeCalc = dTab.dCalcList[row];
+    const DCalc &likeCalc = dTab.dCalcList[row];
     const std::int64_t shift = std::int64_t{resID} - peakIdOf(likeObs, couplingType(likeObs));
     const int aOff = shiftedRes(likeCalc.resIDI, -std::int64_t{likeObs.resIDI});
     MovedRow moved;
@@ -32,13 +32,11 @@ MovedRow moveRow(const PDBInfo &pdbInfo, const DTable &dTab, int row, int resID,
     moved.obs.resIDI = shiftedRes(likeObs.resIDI, shift);
     moved.obs.resIDJ = shiftedRes(likeObs.resIDJ, shift);
     const RowQueries sides = queriesOf(pdbInfo, dTab, moved.obs, aOff);
-    nameResidue(pdbInfo, sides.i, moved.obs.resNameI);
-    nameResidue(pdbInfo, sides.j, moved.obs.resNameJ);
+    RowNames names = *moved.obs.names;
+    nameResidue(pdbInfo, sides.i, names.resNameI);
+    nameResidue(pdbInfo, sides.j, names.resNameJ);
+    setNames(dTab, names, moved.obs);
     buildRow(pdbInfo, dTab, aOff, moved.obs, moved.calc, messages);
-    moved.obs.atomI = moved.calc.atomI;
-    moved.obs.atomJ = moved.calc.atomJ;
-    moved.obs.atomICount = moved.calc.atomICount;
-    moved.obs.atomJCount = moved.calc.atomJCount;
     return moved;
 }
 

@@ -9,7 +9,8 @@ namespace trelm {
 /// A row of the table as another residue would have it. The calculated record has no atoms where the
 /// structure lacks them.
 struct MovedRow {
-    DInfo obs, calc;
+    DInfo obs;
+    DCalc calc;
 };
 
 /// Moves a row of the table to the peak `resID`: the same atoms of residues at the same distance from it.

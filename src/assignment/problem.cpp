@@ -60,7 +60,7 @@ bool isFixedPeak(const PeakTable &peaks, const DInfo &obs, int type)
 
 bool isOfMedium(const PeakTable &peaks, std::size_t medium, const DInfo &obs)
 {
-    return obs.segNameI == std::string_view(peaks.media[medium]);
+    return obs.names->segNameI == std::string_view(peaks.media[medium]);
 }
 
 /// A problem that is being made.
@@ -92,7 +92,7 @@ std::size_t countPeaks(const Making &making, std::string &resSelName)
     forEachUnassigned(making, [&](std::size_t, const DInfo &obs, int type) {
         if (type != amideType)
             return;
-        resSelName = obs.resNameI.view();
+        resSelName = obs.names->resNameI.view();
         seen.insert(obs.resIDI);
     });
     return seen.size();
@@ -170,8 +170,9 @@ Status findRows(Making &making)
 /// The vector and values of a coupling. Fails if it is one of several atoms.
 Status readCoupling(const Making &making, std::size_t i, FixedCoupling &coupling)
 {
-    const DInfo &obs = making.input.dTab.observed()[i], &calc = making.input.dTab.calculated()[i];
-    if (calc.atomICount * calc.atomJCount != 1)
+    const DInfo &obs = making.input.dTab.observed()[i];
+    const DCalc &calc = making.input.dTab.calculated()[i];
+    if (calc.pairCount() != 1)
         return making.messages.fail("Error: Degenerate Atoms not implemented yet.\n");
     const auto coords = making.input.pdbInfo.coordinates();
     const Coord3D &atomI = coords[calc.atomI[0]], &atomJ = coords[calc.atomJ[0]];
@@ -219,7 +220,7 @@ Status fillRows(Making &making, std::size_t medium, int type)
 void putVector(std::span<const Coord3D> coords, const MovedRow &moved, AssignmentProblem &problem,
                std::size_t cell)
 {
-    if (moved.calc.atomICount != 1 || moved.calc.atomJCount != 1)
+    if (moved.calc.pairCount() != 1)
         return;
     const Coord3D &atomI = coords[moved.calc.atomI[0]], &atomJ = coords[moved.calc.atomJ[0]];
     problem.xMat[cell] = atomJ.x - atomI.x;
@@ -381,8 +382,8 @@ void startProblem(Making &making)
 int couplingType(const DInfo &obs)
 {
     const auto *row = std::ranges::find_if(typeRows, [&](const TypeRow &type) {
-        return (isAtom(obs.atomNameI, type.atomI) && isAtom(obs.atomNameJ, type.atomJ)) ||
-               (isAtom(obs.atomNameI, type.atomJ) && isAtom(obs.atomNameJ, type.atomI));
+        return (isAtom(obs.names->atomNameI, type.atomI) && isAtom(obs.names->atomNameJ, type.atomJ)) ||
+               (isAtom(obs.names->atomNameI, type.atomJ) && isAtom(obs.names->atomNameJ, type.atomI));
     });
     return row == typeRows.end() ? noType : static_cast<int>(row - typeRows.begin());
 }

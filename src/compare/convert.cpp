@@ -31,7 +31,8 @@ bool isAmideProton(const Name &name)
 template <class Visit>
 void forEachValid(const DTable &dTab, Visit visit)
 {
-    const auto observed = dTab.observed(), calculated = dTab.calculated();
+    const auto observed = dTab.observed();
+    const auto calculated = dTab.calculated();
     for (std::size_t i = 0; i < observed.size(); ++i)
         if (observed[i].valid != 0 && calculated[i].valid != 0)
             visit(observed[i], calculated[i]);
@@ -47,14 +48,14 @@ void appendRestraints(const Conversion &job, std::string &text)
     if (job.options.dcNoise != 0)
         text += "! Gaussian noise has been added.\n\n";
     const int dcID = job.options.dcID;
-    forEachValid(job.dTab, [&](const DInfo &obs, const DInfo &calc) {
+    forEachValid(job.dTab, [&](const DInfo &obs, const DCalc &calc) {
         appendf(text, "\nassign ( resid %3d and name OO  )\n", dcID);
         for (const char *axis : {"Z", "X", "Y"})
             appendf(text, "       ( resid %3d and name %s   )\n", dcID, axis);
         appendf(text, "       ( resid %3d and name %s and not segid REF )\n", obs.resIDI,
-                obs.atomNameI.c_str());
+                obs.names->atomNameI.c_str());
         appendf(text, "       ( resid %3d and name %s and not segid REF )   ", obs.resIDJ,
-                obs.atomNameJ.c_str());
+                obs.names->atomNameJ.c_str());
         appendf(text, "%.4f %.4f\n", number(calc.d), number(calc.sigma));
     });
 }
@@ -63,12 +64,12 @@ void appendRestraints(const Conversion &job, std::string &text)
 
 void appendAmides(const Conversion &job, std::string &text)
 {
-    forEachValid(job.dTab, [&](const DInfo &obs, const DInfo &calc) {
-        if (!(obs.atomNameI == "N" && isAmideProton(obs.atomNameJ)) &&
-            !(obs.atomNameJ == "N" && isAmideProton(obs.atomNameI)))
+    forEachValid(job.dTab, [&](const DInfo &obs, const DCalc &calc) {
+        if (!(obs.names->atomNameI == "N" && isAmideProton(obs.names->atomNameJ)) &&
+            !(obs.names->atomNameJ == "N" && isAmideProton(obs.names->atomNameI)))
             return;
-        appendf(text, "%3d %s HN %9.2f %7.2f %5.1f\n", obs.resIDI, obs.resNameI.c_str(), number(calc.d),
-                number(calc.sigma), number(calc.w));
+        appendf(text, "%3d %s HN %9.2f %7.2f %5.1f\n", obs.resIDI, obs.names->resNameI.c_str(),
+                number(calc.d), number(calc.sigma), number(calc.w));
     });
 }
 
@@ -81,11 +82,11 @@ void appendCountedRows(const Conversion &job, std::string &text)
         job.options.dcNoise != 0 ? "Gaussian noise has been added.\n" : "No Gaussian noise has been added.\n";
     text += "comment\n";
     int count = 0;
-    forEachValid(job.dTab, [&](const DInfo &, const DInfo &) { ++count; });
+    forEachValid(job.dTab, [&](const DInfo &, const DCalc &) { ++count; });
     appendf(text, "%d\n", count);
-    forEachValid(job.dTab, [&](const DInfo &obs, const DInfo &calc) {
-        appendf(text, "%s %4d %4s %4d %4s  %10.2f\n", "a", obs.resIDI, obs.atomNameI.c_str(), obs.resIDJ,
-                obs.atomNameJ.c_str(), number(calc.d));
+    forEachValid(job.dTab, [&](const DInfo &obs, const DCalc &calc) {
+        appendf(text, "%s %4d %4s %4d %4s  %10.2f\n", "a", obs.resIDI, obs.names->atomNameI.c_str(),
+                obs.resIDJ, obs.names->atomNameJ.c_str(), number(calc.d));
     });
 }
 
@@ -113,8 +114,8 @@ bool isNamed(const Name &name, std::string_view wanted)
 
 bool isInColumn(const DInfo &row, const Column &column)
 {
-    return (isNamed(row.atomNameI, column.atomA) && isNamed(row.atomNameJ, column.atomB)) ||
-           (isNamed(row.atomNameJ, column.atomA) && isNamed(row.atomNameI, column.atomB));
+    return (isNamed(row.names->atomNameI, column.atomA) && isNamed(row.names->atomNameJ, column.atomB)) ||
+           (isNamed(row.names->atomNameJ, column.atomA) && isNamed(row.names->atomNameI, column.atomB));
 }
 
 int lineResidue(const DInfo &row, LineOf line)
@@ -123,14 +124,15 @@ int lineResidue(const DInfo &row, LineOf line)
         return row.resIDI;
     if (line == LineOf::larger)
         return std::max(row.resIDI, row.resIDJ);
-    return isAmideProton(row.atomNameI) ? row.resIDI : row.resIDJ;
+    return isAmideProton(row.names->atomNameI) ? row.resIDI : row.resIDJ;
 }
 
 /// Cells of the listing, columns of a residue side by side: the couplings that each holds, as text.
 std::vector<std::string> fillCells(const Conversion &job, std::span<const Column> shown)
 {
     std::vector<std::string> cells(job.resIdList.size() * shown.size());
-    const auto observed = job.dTab.observed(), calculated = job.dTab.calculated();
+    const auto observed = job.dTab.observed();
+    const auto calculated = job.dTab.calculated();
     for (std::size_t i = 0; i < observed.size(); ++i) {
         const DInfo &row = observed[i];
         if (row.valid == 0 || !(row.d < missingCoupling))
@@ -159,11 +161,11 @@ void appendListing(const Conversion &job, std::string &text)
     const std::vector<std::string> cells = fillCells(job, shown);
     for (std::size_t line = 0; line < job.resIdList.size(); ++line) {
         const DInfo &row = job.dTab.observed()[static_cast<std::size_t>(job.indexList[line])];
-        appendf(text, " %4d %4s %4s", row.resIDI, row.resNameI.c_str(), row.atomNameI.c_str());
+        appendf(text, " %4d %4s %4s", row.resIDI, row.names->resNameI.c_str(), row.names->atomNameI.c_str());
         if (job.dTab.nullChainName == 0)
-            appendName(row.chainNameI, text);
+            appendName(row.names->chainNameI, text);
         if (job.dTab.nullSegName == 0)
-            appendName(row.segNameI, text);
+            appendName(row.names->segNameI, text);
         for (std::size_t k = 0; k < shown.size(); ++k) {
             const std::string &cell = cells[line * shown.size() + k];
             text += cell.empty() ? noValue : cell;
@@ -200,11 +202,13 @@ constexpr Writer writers[] = {appendRestraints, appendRestraints, appendListing,
 
 Status fillConverted(const ConversionOptions &options, DTable &dTab, Messages &messages)
 {
-    const auto observed = dTab.observed(), calculated = dTab.calculated();
+    const auto observed = dTab.observed();
+    const auto calculated = dTab.calculated();
     RandomStream random;
     bool areFinite = true;
     for (std::size_t i = 0; i < observed.size(); ++i) {
-        DInfo &obs = observed[i], &calc = calculated[i];
+        DInfo &obs = observed[i];
+        DCalc &calc = calculated[i];
         if (obs.valid == 0)
             continue;
         calc.valid = 1;
@@ -228,7 +232,7 @@ Status fillConverted(const ConversionOptions &options, DTable &dTab, Messages &m
 Status convertTab(const ConversionOptions &options, const DTable &dTab, const std::string &inDName,
                   std::string &text, Messages &messages)
 {
-    const auto rows = static_cast<std::size_t>(dTab.dCount) + 1; // no more residues than rows
+    const std::size_t rows = dTab.dCount + 1; // no more residues than rows
     Block<int> resIdList("convertTab", rows), indexList("convertTab", rows);
     if (!resIdList || !indexList)
         return messages.fail("Error allocating coord buffers.\n");

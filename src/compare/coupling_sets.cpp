@@ -14,8 +14,9 @@ std::string keyOf(const DInfo &row)
 {
     std::string key;
     appendf(key, "%d %d", row.resIDI, row.resIDJ);
-    for (const Name *name : {&row.resNameI, &row.resNameJ, &row.atomNameI, &row.atomNameJ, &row.chainNameI,
-                             &row.chainNameJ, &row.segNameI, &row.segNameJ})
+    for (const Name *name :
+         {&row.names->resNameI, &row.names->resNameJ, &row.names->atomNameI, &row.names->atomNameJ,
+          &row.names->chainNameI, &row.names->chainNameJ, &row.names->segNameI, &row.names->segNameJ})
         key.append(1, '\0').append(name->view());
     return key;
 }
@@ -40,11 +41,12 @@ int adjustDC(const ComparisonOptions &options, DTable &dTab1, const DTable &dTab
     if (dTab1.dCount == 0 || dTab2.dCount == 0)
         return 0;
     std::unordered_map<std::string, float> values;
-    values.reserve(static_cast<std::size_t>(dTab2.dCount));
+    values.reserve(dTab2.dCount);
     for (const DInfo &row : dTab2.observed())
         values[keyOf(row)] = row.d;
     int count = 0;
-    const auto observed = dTab1.observed(), calculated = dTab1.calculated();
+    const auto observed = dTab1.observed();
+    const auto calculated = dTab1.calculated();
     for (std::size_t i = 0; i < observed.size(); ++i) {
         DInfo &obs = observed[i];
         if (obs.d >= missingCoupling)

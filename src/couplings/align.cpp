@@ -95,12 +95,12 @@ void takeFree(DTensor &tensor, const float *cg)
 
 /// Calls `visit` for each pair of atoms of a row. Returns how many there are.
 template <class Visit>
-int forEachPair(const DInfo &calc, Visit visit)
+std::size_t forEachPair(const DCalc &calc, Visit visit)
 {
-    for (const std::size_t atomI : calc.atomsI())
-        for (const std::size_t atomJ : calc.atomsJ())
+    for (const std::uint32_t atomI : calc.atomI.span())
+        for (const std::uint32_t atomJ : calc.atomJ.span())
             visit(atomI, atomJ);
-    return calc.atomICount * calc.atomJCount;
+    return calc.pairCount();
 }
 
 constexpr std::size_t noSlot = SIZE_MAX; ///< of an atom without a coupling in use
@@ -113,7 +113,7 @@ void selectAtoms(AlignRun &run)
     for (std::size_t row = 0; row < run.input.columns.use.size(); ++row) {
         if (run.input.columns.use[row] == 0)
             continue;
-        const int pairs =
+        const std::size_t pairs =
             forEachPair(run.input.dTab.dCalcList[row],
                         [&](std::size_t atomI, std::size_t atomJ) { slots[atomI] = slots[atomJ] = 0; });
         run.dCount += pairs > 0 ? 1 : 0;
@@ -172,15 +172,15 @@ float pairTerm(const Coord3D &i, const Coord3D &j, float da, float dr)
 /// Sets the calculated coupling of a row. Returns false if the row takes no part.
 bool calculateRow(AlignRun &run, std::size_t row)
 {
-    const DInfo &calc = run.input.dTab.dCalcList[row];
+    const DCalc &calc = run.input.dTab.dCalcList[row];
     if (run.input.columns.use[row] == 0)
         return false;
-    const float factor = calc.atomICount * calc.atomJCount == 3 ? methylFactor : 1.0f;
+    const float factor = calc.pairCount() == 3 ? methylFactor : 1.0f;
     const float size = factor * std::fabs(calc.di), da = run.tensor.da, dr = run.tensor.dr;
     const Coord3D *const turned = run.turned().data();
     const std::size_t *const slots = run.work.slots.data();
     float sum = 0.0f;
-    const int pairs = forEachPair(calc, [&](std::size_t atomI, std::size_t atomJ) {
+    const std::size_t pairs = forEachPair(calc, [&](std::size_t atomI, std::size_t atomJ) {
         sum += size * pairTerm(turned[slots[atomI]], turned[slots[atomJ]], da, dr);
     });
     if (pairs > 0)

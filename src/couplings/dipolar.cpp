@@ -10,7 +10,9 @@
 #include <climits>
 #include <cmath>
 #include <cstdint>
+#include <functional>
 #include <optional>
+#include <unordered_map>
 
 namespace trelm {
 namespace {
@@ -104,30 +106,16 @@ float cellOr(const TableRow &row, std::optional<std::size_t> column, float missi
     return column ? row.cells[*column] : missing;
 }
 
-/// The atom columns of one side.
-AtomTabVals readSide(const TableRow &row, const AtomTabLocs &locs, Messages &messages)
+int residueOf(const TableRow &row, const AtomTabLocs &locs)
 {
-    AtomTabVals side;
-    side.resID = noResID;
-    getAtomTabVals(row.text.varInfo, row.cells, locs, side, messages);
-    return side;
+    return locs.resID ? truncated(row.cells[*locs.resID]) : noResID;
 }
 
-/// Fills an observed record, all but its interaction constant.
-void readRow(const TableRow &row, const ColumnLocs &locs, DInfo &obs, Messages &messages)
+/// Fills an observed record, all but its names and its interaction constant.
+void readRow(const TableRow &row, const ColumnLocs &locs, DInfo &obs)
 {
-    const AtomTabVals sideI = readSide(row, locs.atomI, messages),
-                      sideJ = readSide(row, locs.atomJ, messages);
-    obs.resIDI = sideI.resID;
-    obs.resNameI = sideI.resName;
-    obs.atomNameI = sideI.atomName;
-    obs.chainNameI = sideI.chainName;
-    obs.segNameI = sideI.segName;
-    obs.resIDJ = sideJ.resID;
-    obs.resNameJ = sideJ.resName;
-    obs.atomNameJ = sideJ.atomName;
-    obs.chainNameJ = sideJ.chainName;
-    obs.segNameJ = sideJ.segName;
+    obs.resIDI = residueOf(row, locs.atomI);
+    obs.resIDJ = residueOf(row, locs.atomJ);
     for (std::size_t i = 0; i < numberCount; ++i)
         if (numberColumns[i].field != nullptr)
             obs.*numberColumns[i].field = cellOr(row, locs.number[i], numberColumns[i].missing);
@@ -135,51 +123,114 @@ void readRow(const TableRow &row, const ColumnLocs &locs, DInfo &obs, Messages &
     obs.valid = 1;
 }
 
-/// Sets the constant of a pair with a fixed distance; any other keeps what the table says until the structure
-/// is there. Fails after a message if a nucleus is not known.
-Status setFixedDI(DInfo &obs, Messages &messages)
-{
-    const Interaction found = findVariableDI(0.0f, {obs.resIDI, obs.atomNameI.view()},
-                                             {obs.resIDJ, obs.atomNameJ.view()}, 1, messages);
-    if (found.isFixed) {
-        obs.diFixedFlag = 1;
-        obs.di = found.di;
-    }
-    return found.isKnown ? Status::ok : Status::failed;
-}
-
 /// The most atom pairs that a row can resolve to.
-std::size_t possiblePairs(const DInfo &obs)
+std::size_t possiblePairs(const RowNames &names)
 {
     std::string format;
     std::size_t pairs = 1;
-    for (const Name *name : {&obs.atomNameI, &obs.atomNameJ})
+    for (const Name *name : {&names.atomNameI, &names.atomNameJ})
         if (isAtomExpr(name->view(), format) != 0)
             pairs *= wildFactor;
     return pairs;
 }
 
-Status allocateRows(DTable &dTab, int rowCount, Messages &messages)
+/// What a row says by its texts: its names, and what they tell of the pair.
+struct Kind {
+    const RowNames *names = nullptr;
+    Interaction interaction;
+    std::size_t pairs = 1; ///< the most that it can resolve to
+};
+
+/// The texts of a row as places in the columns, and the step from residue I to J, of which only that to a
+/// neighbour matters: rows that agree in them are of one kind. Large tables have few kinds.
+struct KindKey {
+    std::array<float, 8> texts = {};
+    std::int64_t step = 0;
+
+    [[nodiscard]] bool operator==(const KindKey &) const = default;
+};
+
+struct KindHash {
+    std::size_t operator()(const KindKey &key) const
+    {
+        std::size_t hash = std::hash<std::int64_t>{}(key.step);
+        for (const float text : key.texts)
+            hash = hash * 1000003 + std::hash<float>{}(text);
+        return hash;
+    }
+};
+
+using Kinds = std::unordered_map<KindKey, Kind, KindHash>;
+
+/// Reads the names of a row. Names that are too long are told.
+RowNames readNames(const TableRow &row, const ColumnLocs &locs, Messages &messages)
 {
-    const auto rows = static_cast<std::size_t>(rowCount);
+    AtomTabVals i, j;
+    getAtomTabVals(row.text.varInfo, row.cells, locs.atomI, i, messages);
+    getAtomTabVals(row.text.varInfo, row.cells, locs.atomJ, j, messages);
+    return {i.resName, j.resName, i.atomName, j.atomName, i.chainName, j.chainName, i.segName, j.segName};
+}
+
+KindKey keyOf(const TableRow &row, const ColumnLocs &locs, const DInfo &obs)
+{
+    constexpr std::int64_t farther = 2;
+    KindKey key = {.step = std::clamp(std::int64_t{obs.resIDJ} - obs.resIDI, -farther, farther)};
+    std::size_t place = 0;
+    for (const AtomTabLocs *side : {&locs.atomI, &locs.atomJ})
+        for (const auto &column : {side->resName, side->atomName, side->chainName, side->segName})
+            key.texts[place++] = cellOr(row, column, nullTextCell);
+    return key;
+}
+
+/// Whether a text of the row is cut, which each row tells for itself.
+bool hasLongName(const TableRow &row, const ColumnLocs &locs)
+{
+    for (const AtomTabLocs *side : {&locs.atomI, &locs.atomJ})
+        for (const auto &column : {side->resName, side->atomName, side->chainName, side->segName})
+            if (column && tabText(row.text.varInfo[*column], row.cells[*column]).size() > Name::capacity)
+                return true;
+    return false;
+}
+
+/// The kind of a row. It is found anew for each row that has something to tell.
+Kind kindOf(const TableRow &row, const ColumnLocs &locs, const DInfo &obs, NameStore &names, Kinds &kinds,
+            Messages &messages)
+{
+    const KindKey key = keyOf(row, locs, obs);
+    if (const auto known = kinds.find(key); known != kinds.end())
+        return known->second;
+    Kind kind;
+    kind.names = names.keep(readNames(row, locs, messages));
+    kind.interaction = findVariableDI(0.0f, {obs.resIDI, kind.names->atomNameI.view()},
+                                      {obs.resIDJ, kind.names->atomNameJ.view()}, 1, messages);
+    kind.pairs = possiblePairs(*kind.names);
+    if (kind.interaction.isKnown && !hasLongName(row, locs))
+        kinds.emplace(key, kind);
+    return kind;
+}
+
+/// Makes room for the observed rows, the larger part of a table that is read.
+Status allocateRows(DTable &dTab, std::size_t rows, Messages &messages)
+{
     dTab.dCount = 0;
+    dTab.names = std::make_shared<NameStore>();
+    dTab.dCalcList.release();
     dTab.dObsList = Block<DInfo>("dc", rows);
-    dTab.dCalcList = Block<DInfo>("dc", rows);
-    if (!dTab.dObsList || !dTab.dCalcList)
+    if (!dTab.dObsList)
         return messages.fail("DC Error Allocating DC Values.");
-    dTab.dCount = rowCount;
+    dTab.dCount = rows;
     dTab.maxCount = 0;
     dTab.dMinRes = 1000000;
     dTab.dMaxRes = 0;
     return Status::ok;
 }
 
-/// Fails after a message: maxCount is an int, and so is the length of a fit.
+/// Fails after a message: the length of a fit is an int.
 Status boundPairs(DTable &dTab, std::size_t pairs, Messages &messages)
 {
     if (pairs > static_cast<std::size_t>(INT_MAX))
         return messages.fail("DC Error Allocating DC Workspaces.\n");
-    dTab.maxCount = static_cast<int>(pairs);
+    dTab.maxCount = pairs;
     return Status::ok;
 }
 
@@ -190,40 +241,50 @@ Status readRows(const TextTable &text, DTable &dTab, Messages &messages)
     std::size_t pairs = 0;
     std::size_t number = 0;
     Status status = Status::ok;
+    Kinds kinds;
     for (DInfo &obs : dTab.observed()) {
         const float *cells = text.matrix.data() + number * text.varInfo.size();
-        readRow({text, cells, ++number}, locs, obs, messages);
-        if (!obs.chainNameI.empty() || !obs.chainNameJ.empty())
+        const TableRow row = {text, cells, ++number};
+        readRow(row, locs, obs);
+        const Kind kind = kindOf(row, locs, obs, *dTab.names, kinds, messages);
+        obs.names = kind.names;
+        if (!obs.names->chainNameI.empty() || !obs.names->chainNameJ.empty())
             dTab.nullChainName = 0;
-        if (!obs.segNameI.empty() || !obs.segNameJ.empty())
+        if (!obs.names->segNameI.empty() || !obs.names->segNameJ.empty())
             dTab.nullSegName = 0;
-        status = setFixedDI(obs, messages);
+        if (kind.interaction
+                .isFixed) { // any other pair keeps what the table says until the structure is there
+            obs.diFixedFlag = 1;
+            obs.di = kind.interaction.di;
+        }
+        status = kind.interaction.isKnown ? Status::ok : Status::failed;
         dTab.dMinRes = std::min({dTab.dMinRes, obs.resIDI, obs.resIDJ});
         dTab.dMaxRes = std::max({dTab.dMaxRes, obs.resIDI, obs.resIDJ});
-        pairs += possiblePairs(obs);
+        pairs += kind.pairs;
     }
     return boundPairs(dTab, pairs, messages) != Status::ok ? Status::failed : status;
 }
 
-/// Resolves one side. Returns how many atoms there are; the record takes maxPairAtoms of them, and `count` is
-/// 0 where there are more: a part of the pairs would be a wrong coupling.
-int findSide(const PDBInfo &pdbInfo, const SideQuery &query, std::array<std::size_t, maxPairAtoms> &atoms,
-             int &count)
+/// Resolves one side. Returns how many atoms there are; the record takes maxPairAtoms of them, and none
+/// where there are more: a part of the pairs would be a wrong coupling.
+int findSide(const PDBInfo &pdbInfo, const SideQuery &query, SideAtoms &atoms)
 {
     std::array<std::size_t, maxWildAtoms> found = {};
     const int all = findAtomList(pdbInfo, query.resID, query.atomName.view(), query.chainName.view(),
                                  query.segName.view(), found);
-    count = all > maxPairAtoms ? 0 : std::max(all, 0);
     atoms = {};
-    std::copy_n(found.begin(), count, atoms.begin());
+    if (all > maxPairAtoms)
+        return all;
+    atoms.count = static_cast<std::uint32_t>(std::max(all, 0));
+    for (std::size_t i = 0; i < atoms.count; ++i)
+        atoms.places[i] = static_cast<std::uint32_t>(found[i]);
     return all;
 }
 
 /// The same for a row that a fit will use. Returns false after a message for an excess of atoms.
-bool findWholeSide(const PDBInfo &pdbInfo, const SideQuery &query,
-                   std::array<std::size_t, maxPairAtoms> &atoms, int &count, Messages &messages)
+bool findWholeSide(const PDBInfo &pdbInfo, const SideQuery &query, SideAtoms &atoms, Messages &messages)
 {
-    const int all = findSide(pdbInfo, query, atoms, count);
+    const int all = findSide(pdbInfo, query, atoms);
     if (all <= maxPairAtoms)
         return true;
     messages.err("DC Error: %s of residue %d resolves to %d atoms, the limit is %d.\n",
@@ -231,18 +292,8 @@ bool findWholeSide(const PDBInfo &pdbInfo, const SideQuery &query,
     return false;
 }
 
-/// The names that an atom's residue carries.
-void takeNames(const AtomInfo &atom, Name &resName, Name &chainName, Name &segName)
-{
-    if (atom.resInfo == nullptr)
-        return;
-    resName = atom.resInfo->resName;
-    chainName = atom.resInfo->chainID;
-    segName = atom.resInfo->segID;
-}
-
 /// Weights a calculated row by its residue. Weight 0 takes the row out.
-void weightRow(const DInfo &obs, DInfo &calc, int wOff, std::span<const float> wList)
+void weightRow(const DInfo &obs, DCalc &calc, int wOff, std::span<const float> wList)
 {
     const std::int64_t loc = std::int64_t{std::max(obs.resIDI, obs.resIDJ)} - wOff;
     if (loc < 0 || loc >= static_cast<std::int64_t>(wList.size()))
@@ -259,12 +310,12 @@ void weightRow(const DInfo &obs, DInfo &calc, int wOff, std::span<const float> w
 }
 
 /// Sets the interaction constant of a row that has its atoms.
-void setDI(const PDBInfo &pdbInfo, const RowMatch &match, DInfo &obs, DInfo &calc, Messages &messages)
+void setDI(const PDBInfo &pdbInfo, const RowMatch &match, DInfo &obs, DCalc &calc, Messages &messages)
 {
     if (obs.diFixedFlag == 0 || match.allowFixedDI == 0) {
         const AtomInfo &atomI = pdbInfo.atomList[calc.atomI[0]], &atomJ = pdbInfo.atomList[calc.atomJ[0]];
         const float rIJ = findAtomListRad(match.coords.empty() ? pdbInfo.coordinates() : match.coords,
-                                          calc.atomsI(), calc.atomsJ());
+                                          calc.atomI.span(), calc.atomJ.span());
         const Interaction found =
             findVariableDI(rIJ, {calc.resIDI, atomI.atomName.view()}, {calc.resIDJ, atomJ.atomName.view()},
                            match.allowFixedDI, messages);
@@ -272,7 +323,6 @@ void setDI(const PDBInfo &pdbInfo, const RowMatch &match, DInfo &obs, DInfo &cal
         obs.diFixedFlag = found.isFixed ? 1 : 0;
     }
     calc.di = obs.di;
-    calc.diFixedFlag = obs.diFixedFlag;
 }
 
 } // namespace
@@ -284,6 +334,7 @@ std::optional<DTable> copyTable(const DTable &dTab, Messages &messages)
         return std::nullopt;
     std::ranges::copy(dTab.observed(), copy.observed().begin());
     std::ranges::copy(dTab.calculated(), copy.calculated().begin());
+    copy.names = dTab.names;
     copy.dTensor = dTab.dTensor;
     copy.maxCount = dTab.maxCount;
     copy.dMinRes = dTab.dMinRes;
@@ -305,8 +356,8 @@ RowQueries queriesOf(const PDBInfo &pdbInfo, const DTable &dTab, const DInfo &ob
         return {shiftedRes(resID, aOff), atomName, dTab.nullChainName != 0 ? pdbInfo.defChainName : chainName,
                 dTab.nullSegName != 0 ? pdbInfo.defSegName : segName};
     };
-    return {side(obs.resIDI, obs.atomNameI, obs.chainNameI, obs.segNameI),
-            side(obs.resIDJ, obs.atomNameJ, obs.chainNameJ, obs.segNameJ)};
+    return {side(obs.resIDI, obs.names->atomNameI, obs.names->chainNameI, obs.names->segNameI),
+            side(obs.resIDJ, obs.names->atomNameJ, obs.names->chainNameJ, obs.names->segNameJ)};
 }
 
 Status readDC(const std::string &inDName, DTable &dTab, Messages &messages)
@@ -316,10 +367,16 @@ Status readDC(const std::string &inDName, DTable &dTab, Messages &messages)
     TextTable text;
     if (rdTable(inDName, text, noCoupling, messages) != Status::ok ||
         checkNumbers(text, inDName, messages) != Status::ok ||
-        allocateRows(dTab, static_cast<int>(text.entryCount), messages) != Status::ok)
+        allocateRows(dTab, text.entryCount, messages) != Status::ok)
         return Status::failed;
     dTab.columnFindings = checkColumns(text);
-    return readRows(text, dTab, messages);
+    const Status status = readRows(text, dTab, messages);
+    text = TextTable{}; // its cells are as many bytes as the rows
+    dTab.dCalcList = Block<DCalc>("dc", dTab.dCount);
+    if (dTab.dCalcList)
+        return status;
+    dTab.dCount = 0;
+    return messages.fail("DC Error Allocating DC Values.");
 }
 
 int selectD(std::span<DInfo> dList, int segFirst, int segLast, WindowKind excludeMode)
@@ -343,8 +400,8 @@ int selTypDC(std::span<DInfo> dList, std::string_view atomNameI, std::string_vie
     constexpr std::string_view any = "All";
     int count = 0;
     for (DInfo &row : dList) {
-        const bool keepI = atomNameI == any || row.atomNameI == atomNameI;
-        const bool keepJ = atomNameJ == any || row.atomNameJ == atomNameJ;
+        const bool keepI = atomNameI == any || row.names->atomNameI == atomNameI;
+        const bool keepJ = atomNameJ == any || row.names->atomNameJ == atomNameJ;
         if (!keepI || !keepJ)
             row.valid = 0;
         count += row.valid != 0 ? 1 : 0;
@@ -355,35 +412,37 @@ int selTypDC(std::span<DInfo> dList, std::string_view atomNameI, std::string_vie
 Status addRows(DTable &dTab, std::size_t count, Messages &messages)
 {
     const auto rows = dTab.observed().size() + count;
-    const auto pairs = static_cast<std::size_t>(dTab.maxCount) + count; // one for each row that is added
+    const std::size_t pairs = dTab.maxCount + count; // one for each row that is added
     if (!dTab.dObsList.grow("dc", rows) || !dTab.dCalcList.grow("dc", rows))
         return messages.fail("DC Error Allocating DC Values.\n");
     if (boundPairs(dTab, pairs, messages) != Status::ok)
         return Status::failed;
-    dTab.dCount = static_cast<int>(rows);
+    if (!dTab.names)
+        dTab.names = std::make_shared<NameStore>();
+    dTab.dCount = rows;
     return Status::ok;
 }
 
-void buildRow(const PDBInfo &pdbInfo, const DTable &dTab, int aOff, DInfo &obs, DInfo &calc,
+void setNames(const DTable &dTab, const RowNames &names, DInfo &obs)
+{
+    obs.names = dTab.names->keep(names);
+}
+
+void buildRow(const PDBInfo &pdbInfo, const DTable &dTab, int aOff, DInfo &obs, DCalc &calc,
               Messages &messages)
 {
     calc.valid = 1;
-    calc.id = obs.id;
     const RowQueries sides = queriesOf(pdbInfo, dTab, obs, aOff);
-    const bool isWholeI = findWholeSide(pdbInfo, sides.i, calc.atomI, calc.atomICount, messages);
-    const bool isWholeJ = findWholeSide(pdbInfo, sides.j, calc.atomJ, calc.atomJCount, messages);
+    const bool isWholeI = findWholeSide(pdbInfo, sides.i, calc.atomI, messages);
+    const bool isWholeJ = findWholeSide(pdbInfo, sides.j, calc.atomJ, messages);
     if (!isWholeI || !isWholeJ)
         obs.valid = 0; // so that it is told once
-    if (calc.atomICount == 0 || calc.atomJCount == 0) {
+    if (calc.pairCount() == 0) {
         calc.valid = 0;
         return;
     }
     calc.resIDI = sides.i.resID;
     calc.resIDJ = sides.j.resID;
-    calc.atomNameI = obs.atomNameI;
-    calc.atomNameJ = obs.atomNameJ;
-    takeNames(pdbInfo.atomList[calc.atomI[0]], calc.resNameI, calc.chainNameI, calc.segNameI);
-    takeNames(pdbInfo.atomList[calc.atomJ[0]], calc.resNameJ, calc.chainNameJ, calc.segNameJ);
     calc.sigma = obs.sigma;
     calc.w = obs.w;
 }
@@ -392,10 +451,11 @@ int buildDC(const PDBInfo &pdbInfo, DTable &dTab, const RowMatch &match, Message
 {
     if (pdbInfo.atoms().empty()) // the rows keep what they hold
         return 0;
-    std::ranges::fill(dTab.calculated(), DInfo{});
+    std::ranges::fill(dTab.calculated(), DCalc{});
     int count = 0;
     for (std::size_t i = 0; i < dTab.observed().size(); ++i) {
-        DInfo &obs = dTab.observed()[i], &calc = dTab.calculated()[i];
+        DInfo &obs = dTab.observed()[i];
+        DCalc &calc = dTab.calculated()[i];
         if (obs.valid != 1)
             continue;
         buildRow(pdbInfo, dTab, match.aOff, obs, calc, messages);

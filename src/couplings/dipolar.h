@@ -3,6 +3,7 @@
 
 #include "couplings/fit_work.h"
 #include "couplings/options.h"
+#include "couplings/row_names.h"
 #include "couplings/table_finding.h"
 #include "ground/alloc.h"
 #include "ground/messages.h"
@@ -11,6 +12,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -31,28 +33,38 @@ constexpr float reportLimit = 888.0f;     ///< from here on: not in the statisti
 constexpr float noPeakCoupling = 888.0f;  ///< exactly this: an assignment left the place empty
 constexpr int noResID = -666666;          ///< a residue number that was not set
 
-/// One coupling.
+/// A row as the table has it: what was measured.
 struct DInfo {
-    int id = 0;    ///< row number
-    int valid = 0; ///< 1 if it takes part in fits and statistics
+    const RowNames *names = &noNames; ///< kept by the table
+    int id = 0;                       ///< row number
     int resIDI = noResID, resIDJ = noResID;
-    Name resNameI, resNameJ, atomNameI, atomNameJ, chainNameI, chainNameJ, segNameI, segNameJ;
+    int valid = 0;        ///< 1 if it takes part in fits and statistics
     float d = noCoupling; ///< the coupling, Hz
     float di = 0.0f;      ///< interaction constant: the coupling of a fully aligned vector, Hz
     float w = 1.0f; ///< weight in statistics and searches; fits go by sigma and only leave out a weight of 0
-    int diFixedFlag = 0;                                          ///< 1 if di comes from a fixed distance
-    float sigma = 0.0f;                                           ///< error of the coupling, Hz
-    std::array<std::size_t, maxPairAtoms> atomI = {}, atomJ = {}; ///< places of the atoms it resolves to
-    int atomICount = 0, atomJCount = 0;
+    float sigma = 0.0f;  ///< error of the coupling, Hz
+    int diFixedFlag = 0; ///< 1 if di comes from a fixed distance
+};
 
-    [[nodiscard]] std::span<const std::size_t> atomsI() const
-    {
-        return {atomI.data(), static_cast<std::size_t>(atomICount)};
-    }
-    [[nodiscard]] std::span<const std::size_t> atomsJ() const
-    {
-        return {atomJ.data(), static_cast<std::size_t>(atomJCount)};
-    }
+/// The atoms of one side of a coupling, as places in the molecule.
+struct SideAtoms {
+    std::array<std::uint32_t, maxPairAtoms> places = {};
+    std::uint32_t count = 0;
+
+    [[nodiscard]] std::span<const std::uint32_t> span() const { return {places.data(), count}; }
+    std::uint32_t operator[](std::size_t i) const { return places[i]; }
+};
+
+/// A row as it is calculated: what stands for it in the structure.
+struct DCalc {
+    SideAtoms atomI, atomJ;                 ///< the atoms it resolves to
+    int resIDI = noResID, resIDJ = noResID; ///< in the numbering of the structure
+    int valid = 0;                          ///< as in DInfo
+    float d = noCoupling, di = 0.0f;        ///< Hz
+    float w = 1.0f, sigma = 0.0f;           ///< those of the measured row, with the weight of the residue
+
+    /// Pairs of atoms.
+    [[nodiscard]] std::size_t pairCount() const { return std::size_t{atomI.count} * atomJ.count; }
 };
 
 constexpr std::size_t saupeCount = 5; ///< elements of a Saupe vector: Szz, Sxx - Syy, Sxy, Sxz, Syz
@@ -90,9 +102,11 @@ struct DTensor {
 /// A table of couplings: what was measured and what is calculated, row by row, and the tensor.
 struct DTable {
     DTensor dTensor;
-    Block<DInfo> dObsList, dCalcList;
-    int dCount = 0;   ///< rows
-    int maxCount = 0; ///< upper bound of atom-pair entries
+    Block<DInfo> dObsList;
+    Block<DCalc> dCalcList;
+    std::size_t dCount = 0;           ///< rows
+    std::size_t maxCount = 0;         ///< upper bound of atom-pair entries
+    std::shared_ptr<NameStore> names; ///< of the rows; copies of a table share it
     /// The residues of the rows. They are searched for from 1000000 down and from 0 up: without a row between
     /// these limits they stay there.
     int dMinRes = 0, dMaxRes = 0;
@@ -100,26 +114,14 @@ struct DTable {
     FitWork fitWork;                          ///< what the fits of this table keep
     int nullChainName = 1, nullSegName = 1;   ///< 1 until a row names a chain or segment
 
-    [[nodiscard]] std::span<DInfo> observed()
-    {
-        return dObsList.span().first(static_cast<std::size_t>(dCount));
-    }
-    [[nodiscard]] std::span<const DInfo> observed() const
-    {
-        return dObsList.span().first(static_cast<std::size_t>(dCount));
-    }
-    [[nodiscard]] std::span<DInfo> calculated()
-    {
-        return dCalcList.span().first(static_cast<std::size_t>(dCount));
-    }
-    [[nodiscard]] std::span<const DInfo> calculated() const
-    {
-        return dCalcList.span().first(static_cast<std::size_t>(dCount));
-    }
+    [[nodiscard]] std::span<DInfo> observed() { return dObsList.span().first(dCount); }
+    [[nodiscard]] std::span<const DInfo> observed() const { return dObsList.span().first(dCount); }
+    [[nodiscard]] std::span<DCalc> calculated() { return dCalcList.span().first(dCount); }
+    [[nodiscard]] std::span<const DCalc> calculated() const { return dCalcList.span().first(dCount); }
 };
 
 /// Whether a calculated row takes part in fits.
-inline bool takesPart(const DInfo &calc)
+inline bool takesPart(const DCalc &calc)
 {
     return calc.valid != 0 && calc.w != 0.0f;
 }
@@ -154,12 +156,15 @@ int selectD(std::span<DInfo> dList, int segFirst, int segLast, WindowKind exclud
 /// valid count.
 int selTypDC(std::span<DInfo> dList, std::string_view atomNameI, std::string_view atomNameJ);
 
+/// Gives a row of this table its names. The table has rows.
+void setNames(const DTable &dTab, const RowNames &names, DInfo &obs);
+
 /// Adds rows of single pairs to the end of a table, in their starting state. Fails after a message.
 Status addRows(DTable &dTab, std::size_t count, Messages &messages);
 
-/// Fills one calculated row, which starts as DInfo{}: atoms, names and values of the observed one, all but
+/// Fills one calculated row, which starts as DCalc{}: atoms, names and values of the observed one, all but
 /// the weight of its residue and the constant. `valid` is 0 where the structure lacks the atoms.
-void buildRow(const PDBInfo &pdbInfo, const DTable &dTab, int aOff, DInfo &obs, DInfo &calc,
+void buildRow(const PDBInfo &pdbInfo, const DTable &dTab, int aOff, DInfo &obs, DCalc &calc,
               Messages &messages);
 
 /// How rows are brought onto a structure.

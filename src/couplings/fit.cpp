@@ -29,7 +29,7 @@ bool cutEntries(const DTable &dTab, FitWork &work, Slices &s)
 {
     std::span<float> *const slices[] = {&s.xI, &s.yI,     &s.zI,    &s.xJ, &s.yJ,
                                         &s.zJ, &s.diBack, &s.diFit, &s.d,  &s.sigma};
-    const auto size = static_cast<std::size_t>(dTab.maxCount);
+    const std::size_t size = dTab.maxCount;
     const std::size_t length = size * std::size(slices);
     if (work.entries.length() < length)
         work.entries = Block<float>("dc", length);
@@ -45,9 +45,9 @@ bool cutEntries(const DTable &dTab, FitWork &work, Slices &s)
 }
 
 /// A single pair and a group of three are one entry; anything else is one entry a pair.
-std::size_t entryCount(const DInfo &calc)
+std::size_t entryCount(const DCalc &calc)
 {
-    const auto pairs = static_cast<std::size_t>(calc.atomICount * calc.atomJCount);
+    const std::size_t pairs = calc.pairCount();
     return pairs == 3 ? 1 : pairs;
 }
 
@@ -65,9 +65,9 @@ void addPair(const Slices &s, std::size_t k, const Coord3D &atomI, const Coord3D
 /// Writes the entries of one row from place k on.
 void putRow(const Slices &s, std::size_t k, const FitInput &input, std::size_t row)
 {
-    const DInfo &calc = input.dTab.dCalcList[row];
-    const bool single = calc.atomICount * calc.atomJCount == 1;
-    const bool mean = calc.atomICount * calc.atomJCount == 3;
+    const DCalc &calc = input.dTab.dCalcList[row];
+    const bool single = calc.pairCount() == 1;
+    const bool mean = calc.pairCount() == 3;
     const std::size_t entries = entryCount(calc);
     for (std::size_t i = 0; i < entries; ++i) {
         s.diBack[k + i] = calc.di;
@@ -77,8 +77,8 @@ void putRow(const Slices &s, std::size_t k, const FitInput &input, std::size_t r
         s.sigma[k + i] = input.columns.sigma[row];
     }
     std::size_t place = k;
-    for (const std::size_t atomI : calc.atomsI())
-        for (const std::size_t atomJ : calc.atomsJ()) {
+    for (const std::uint32_t atomI : calc.atomI.span())
+        for (const std::uint32_t atomJ : calc.atomJ.span()) {
             addPair(s, place, input.coords[atomI], input.coords[atomJ], mean ? 3.0f : 1.0f);
             place += mean ? 0 : 1;
         }
@@ -193,26 +193,21 @@ void takeColumns(const DTable &dTab, FitColumns &columns)
     std::ranges::transform(dTab.observed(), columns.d.begin(), &DInfo::d);
     std::ranges::transform(dTab.observed(), columns.sigma.begin(), &DInfo::sigma);
     std::ranges::transform(dTab.calculated(), columns.use.begin(),
-                           [](const DInfo &calc) { return takesPart(calc) ? 1 : 0; });
+                           [](const DCalc &calc) { return takesPart(calc) ? 1 : 0; });
 }
 
 FitResult startOf(const DTable &dTab)
 {
-    FitResult result = {.tensor = dTab.dTensor, .calculated = {}};
-    for (const DInfo &calc : dTab.calculated())
-        result.calculated.push_back(calc.d);
+    FitResult result = {.tensor = dTab.dTensor, .calculated = std::vector<float>(dTab.dCount)};
+    std::ranges::transform(dTab.calculated(), result.calculated.begin(), &DCalc::d);
     return result;
 }
 
-std::optional<DTable> tableWith(const DTable &dTab, const FitResult &fit, Messages &messages)
+void takeFit(const FitResult &fit, DTable &dTab)
 {
-    std::optional<DTable> shown = copyTable(dTab, messages);
-    if (!shown)
-        return std::nullopt;
-    shown->dTensor = fit.tensor;
+    dTab.dTensor = fit.tensor;
     for (std::size_t row = 0; row < fit.calculated.size(); ++row)
-        shown->dCalcList[row].d = fit.calculated[row];
-    return shown;
+        dTab.dCalcList[row].d = fit.calculated[row];
 }
 
 Status fitColumns(const FitInput &input, FitWork &work, FitResult &result, Messages &messages)
@@ -240,9 +235,7 @@ std::optional<int> fitD(std::span<const Coord3D> coords, DTable &dTab, int verbo
     takeColumns(dTab, columns);
     FitResult result = startOf(dTab);
     const Status status = fitColumns({coords, dTab, columns, verbose}, dTab.fitWork, result, messages);
-    dTab.dTensor = result.tensor;
-    for (std::size_t row = 0; row < result.calculated.size(); ++row)
-        dTab.dCalcList[row].d = result.calculated[row];
+    takeFit(result, dTab);
     return status == Status::ok ? std::optional(result.used) : std::nullopt;
 }
 

@@ -44,8 +44,8 @@ struct FitResult {
 /// The tensor and the calculated couplings of a table, to start a fit from.
 FitResult startOf(const DTable &dTab);
 
-/// A copy of a table with what a fit has found. Nothing after a message without memory.
-std::optional<DTable> tableWith(const DTable &dTab, const FitResult &fit, Messages &messages);
+/// Puts what a fit has found into its table: the tensor and the calculated couplings.
+void takeFit(const FitResult &fit, DTable &dTab);
 
 /// What is fitted. The rows of the table tell atoms and constants, the columns tell the rest.
 struct FitInput {

@@ -28,11 +28,11 @@ int unknownsOf(TensorMode tensorMode)
 }
 
 /// The mean place of some atoms.
-std::array<float, 3> middle(std::span<const Coord3D> coords, std::span<const std::size_t> places)
+std::array<float, 3> middle(std::span<const Coord3D> coords, std::span<const std::uint32_t> places)
 {
     std::array<float, 3> sum = {};
     const auto count = static_cast<float>(places.size());
-    for (const std::size_t place : places) {
+    for (const std::uint32_t place : places) {
         const Coord3D &atom = coords[place];
         sum = {sum[0] + atom.x / count, sum[1] + atom.y / count, sum[2] + atom.z / count};
     }
@@ -40,9 +40,9 @@ std::array<float, 3> middle(std::span<const Coord3D> coords, std::span<const std
 }
 
 /// The row of the design matrix of a coupling.
-std::array<double, n> designOf(std::span<const Coord3D> coords, const DInfo &calc, float sigma)
+std::array<double, n> designOf(std::span<const Coord3D> coords, const DCalc &calc, float sigma)
 {
-    const std::array<float, 3> i = middle(coords, calc.atomsI()), j = middle(coords, calc.atomsJ());
+    const std::array<float, 3> i = middle(coords, calc.atomI.span()), j = middle(coords, calc.atomJ.span());
     float di = calc.di, d = 0.0f;
     const FitVectors vectors = {.xI = {&i[0], 1},
                                 .yI = {&i[1], 1},
@@ -86,8 +86,8 @@ FitWorth assessFit(const FitInput &input, TensorMode tensorMode)
     FitWorth worth = {.unknowns = unknownsOf(tensorMode)};
     std::array<double, n *n> products = {};
     for (std::size_t row = 0; row < input.columns.use.size(); ++row) {
-        const DInfo &calc = input.dTab.calculated()[row];
-        const int pairs = calc.atomICount * calc.atomJCount;
+        const DCalc &calc = input.dTab.calculated()[row];
+        const std::size_t pairs = calc.pairCount();
         if (input.columns.use[row] == 0 || (pairs != 1 && pairs != 3))
             continue;
         ++worth.couplings;

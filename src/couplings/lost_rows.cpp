@@ -71,7 +71,7 @@ bool hasTooManyAtoms(const PDBInfo &pdbInfo, const RowQueries &sides)
 
 /// Why a row has no part in a fit; nothing for one that the options leave out.
 std::optional<LostGroup> lossOf(const PDBInfo &pdbInfo, const RowQueries &sides, const DInfo &obs,
-                                const DInfo &calc)
+                                const DCalc &calc)
 {
     if (obs.d == noCoupling)
         return LostGroup{LossReason::noValue, {}, {}};
@@ -80,8 +80,8 @@ std::optional<LostGroup> lossOf(const PDBInfo &pdbInfo, const RowQueries &sides,
     if (obs.valid == 0)
         return hasTooManyAtoms(pdbInfo, sides) ? std::optional<LostGroup>({LossReason::tooManyAtoms, {}, {}})
                                                : std::nullopt;
-    if (calc.atomICount == 0 || calc.atomJCount == 0)
-        return missingSide(pdbInfo, calc.atomICount == 0 ? sides.i : sides.j);
+    if (calc.pairCount() == 0)
+        return missingSide(pdbInfo, calc.atomI.count == 0 ? sides.i : sides.j);
     return obs.w == 0.0f ? std::optional<LostGroup>({LossReason::noWeight, {}, {}}) : std::nullopt;
 }
 
@@ -146,7 +146,8 @@ LostRows findLostRows(const PDBInfo &pdbInfo, const DTable &dTab, int aOff)
 {
     LostRows lost;
     for (std::size_t i = 0; i < dTab.observed().size(); ++i) {
-        const DInfo &obs = dTab.observed()[i], &calc = dTab.calculated()[i];
+        const DInfo &obs = dTab.observed()[i];
+        const DCalc &calc = dTab.calculated()[i];
         if (calc.valid != 0 && calc.w != 0.0f) {
             ++lost.used;
             continue;
@@ -156,7 +157,7 @@ LostRows findLostRows(const PDBInfo &pdbInfo, const DTable &dTab, int aOff)
         if (!loss)
             continue;
         const bool namesHydrogen =
-            isHydrogenName(obs.atomNameI.view()) || isHydrogenName(obs.atomNameJ.view());
+            isHydrogenName(obs.names->atomNameI.view()) || isHydrogenName(obs.names->atomNameJ.view());
         lost.lacksHydrogens = lost.lacksHydrogens || (loss->reason == LossReason::noAtom && namesHydrogen);
         addLoss(std::move(*loss), std::max(obs.resIDI, obs.resIDJ), lost.groups);
     }
@@ -181,12 +182,15 @@ std::string lostRowsText(const LostRows &lost)
     return text;
 }
 
-std::string chainsOfRows(const DTable &dTab)
+std::string chainsOfRows(const PDBInfo &pdbInfo, const DTable &dTab)
 {
     std::vector<std::string> names;
-    for (const DInfo &row : dTab.calculated()) {
-        std::string name = chainText(row.chainNameI.view(), row.segNameI.view());
-        if (row.valid != 0 && std::ranges::find(names, name) == names.end())
+    for (const DCalc &row : dTab.calculated()) {
+        const ResInfo *residue = row.valid != 0 ? pdbInfo.atomList[row.atomI[0]].resInfo : nullptr;
+        if (residue == nullptr)
+            continue;
+        std::string name = chainText(residue->chainID.view(), residue->segID.view());
+        if (std::ranges::find(names, name) == names.end())
             names.push_back(std::move(name));
     }
     std::string text;

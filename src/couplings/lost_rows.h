@@ -30,7 +30,7 @@ struct LostRows {
 LostRows findLostRows(const PDBInfo &pdbInfo, const DTable &dTab, int aOff);
 
 /// The chains and segments that the rows of a table were found in, after buildDC.
-std::string chainsOfRows(const DTable &dTab);
+std::string chainsOfRows(const PDBInfo &pdbInfo, const DTable &dTab);
 
 /// One sentence: "0 of 63 couplings used: 63 name atom HN, the structure has H (-names auto maps them)".
 std::string lostRowsText(const LostRows &lost);

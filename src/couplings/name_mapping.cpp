@@ -39,7 +39,8 @@ void mapName(const std::optional<Name> &to, Name &name, std::vector<MappedName> 
 /// The interaction of a pair with its atoms exchanged, if only that has a fixed distance.
 std::optional<Interaction> turned(const DInfo &row)
 {
-    const PairSide i = {row.resIDI, row.atomNameI.view()}, j = {row.resIDJ, row.atomNameJ.view()};
+    const PairSide i = {row.resIDI, row.names->atomNameI.view()},
+                   j = {row.resIDJ, row.names->atomNameJ.view()};
     if (row.valid == 0 || row.diFixedFlag != 0)
         return std::nullopt;
     Messages silent([](Messages::Stream, std::string_view) {}); // unknown nuclei are told elsewhere
@@ -57,8 +58,11 @@ NameMapping mapNames(const PDBInfo &pdbInfo, int aOff, DTable &dTab)
             continue;
         const RowQueries sides = queriesOf(pdbInfo, dTab, row, aOff);
         const std::optional<Name> i = renamed(pdbInfo, sides.i), j = renamed(pdbInfo, sides.j);
-        mapName(i, row.atomNameI, mapping.names);
-        mapName(j, row.atomNameJ, mapping.names);
+        RowNames names = *row.names;
+        mapName(i, names.atomNameI, mapping.names);
+        mapName(j, names.atomNameJ, mapping.names);
+        if (i || j)
+            setNames(dTab, names, row);
         if (const auto exchanged = turned(row)) {
             row.di = exchanged->di;
             row.diFixedFlag = 1;

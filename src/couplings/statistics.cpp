@@ -39,10 +39,9 @@ float valueOf(double result)
 /// Weighted pairs of the rows that count, and their sums.
 void collectPairs(const DTable &dTab, Block<float> &obs, Block<float> &calc, Sums &sums, DcStatistics &stat)
 {
-    for (int i = 0; i < dTab.dCount; ++i) {
-        const auto row = static_cast<std::size_t>(i);
-        const DInfo &o = dTab.dObsList[row];
-        const DInfo &c = dTab.dCalcList[row];
+    for (std::size_t i = 0; i < dTab.dCount; ++i) {
+        const DInfo &o = dTab.dObsList[i];
+        const DCalc &c = dTab.dCalcList[i];
         if (o.valid == 0 || c.valid == 0 || !(o.d < reportLimit) || !(c.d < reportLimit))
             continue;
         if (std::abs(c.di) > sums.diMax) {
@@ -80,7 +79,7 @@ struct Pairs {
     double rSumD = 0.0, rSumD2 = 0.0, sumD2 = 0.0;
 };
 
-bool isCompared(const DInfo &observed, const DInfo &calculated)
+bool isCompared(const DInfo &observed, const DCalc &calculated)
 {
     return observed.valid != 0 && calculated.valid != 0 && observed.d < missingCoupling &&
            calculated.d < missingCoupling;
@@ -88,9 +87,9 @@ bool isCompared(const DInfo &observed, const DInfo &calculated)
 
 void collectCompared(const DTable &dTab, Pairs &pairs)
 {
-    for (std::size_t i = 0; i < static_cast<std::size_t>(dTab.dCount); ++i) {
+    for (std::size_t i = 0; i < dTab.dCount; ++i) {
         const DInfo &o = dTab.dObsList[i];
-        const DInfo &c = dTab.dCalcList[i];
+        const DCalc &c = dTab.dCalcList[i];
         if (!isCompared(o, c))
             continue;
         const auto pair = static_cast<std::size_t>(pairs.nD++);
@@ -163,7 +162,7 @@ Misfit getStatDC(const DTable &dTab, const FitColumns &columns, std::span<const 
 Status getStatDCmod(const DTable &dTab, DcStatistics &stat, Messages &messages)
 {
     stat = DcStatistics{};
-    const auto rows = static_cast<std::size_t>(dTab.dCount);
+    const std::size_t rows = dTab.dCount;
     // Both regressions run over the pairs themselves: a copy with room behind them gives the same numbers.
     Block<float> obs("statDC", rows + 1);
     Block<float> calc("statDC", rows + 1);
@@ -193,7 +192,7 @@ Status getStatDCmod(const DTable &dTab, DcStatistics &stat, Messages &messages)
 Status statDC(const DTable &dTab, std::string &result, Messages &messages)
 {
     result.clear();
-    Pairs pairs(static_cast<std::size_t>(dTab.dCount));
+    Pairs pairs(dTab.dCount);
     if (!pairs.dcNorm || !pairs.dcMatrixNorm)
         return messages.fail("Error allocating temporary buffers.\n");
     collectCompared(dTab, pairs);

@@ -3,12 +3,16 @@
 #include "support/text/text.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <cmath>
+#include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 #include <set>
-#include <tuple>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 namespace trelm {
@@ -17,23 +21,26 @@ namespace {
 constexpr std::size_t shownPlaces = 3;
 
 /// Keeps the first places, and counts all.
-void addPlace(TableFinding &finding, const std::string &place)
+void addPlace(TableFinding &finding, std::string place)
 {
     if (finding.count++ < shownPlaces)
-        finding.first.push_back(place);
+        finding.first.push_back(std::move(place));
+}
+
+/// The same for a row: of a large table most have no place to be told.
+void addRow(TableFinding &finding, const DInfo &row)
+{
+    std::string place;
+    if (finding.count < shownPlaces)
+        appendf(place, "%d %s - %d %s", row.resIDI, row.names->atomNameI.c_str(), row.resIDJ,
+                row.names->atomNameJ.c_str());
+    addPlace(finding, std::move(place));
 }
 
 void keepFound(std::vector<TableFinding> &findings, TableFinding &&finding)
 {
     if (finding.count > 0)
         findings.push_back(std::move(finding));
-}
-
-std::string pairText(const DInfo &row)
-{
-    std::string text;
-    appendf(text, "%d %s - %d %s", row.resIDI, row.atomNameI.c_str(), row.resIDJ, row.atomNameJ.c_str());
-    return text;
 }
 
 // ---- values ----
@@ -50,7 +57,7 @@ TableFinding findSentinels(const DTable &dTab)
     TableFinding found = {.fault = TableFault::sentinel, .all = dTab.observed().size()};
     for (const DInfo &row : dTab.observed())
         if (isSentinel(row.d))
-            addPlace(found, pairText(row));
+            addRow(found, row);
     return found;
 }
 
@@ -61,11 +68,11 @@ TableFinding findBeyond(const DTable &dTab)
     constexpr float room = 2.0f;
     TableFinding found = {.fault = TableFault::beyondPair, .all = dTab.observed().size()};
     for (std::size_t i = 0; i < dTab.observed().size(); ++i) {
-        const DInfo &row = dTab.observed()[i], &calc = dTab.calculated()[i];
-        const int pairs = std::max(1, calc.atomICount * calc.atomJCount);
+        const DInfo &row = dTab.observed()[i];
+        const std::size_t pairs = std::max<std::size_t>(1, dTab.calculated()[i].pairCount());
         const float limit = room * std::fabs(row.di) * static_cast<float>(pairs);
         if (row.valid != 0 && !isSentinel(row.d) && limit > 0.0f && std::fabs(row.d) > limit)
-            addPlace(found, pairText(row));
+            addRow(found, row);
     }
     return found;
 }
@@ -76,7 +83,7 @@ TableFinding findZeroErrors(const DTable &dTab)
     for (const DInfo &row : dTab.observed()) {
         found.all += row.valid != 0 ? 1 : 0;
         if (row.valid != 0 && row.sigma == 0.0f)
-            addPlace(found, pairText(row));
+            addRow(found, row);
     }
     if (found.count == found.all)
         found.fault = TableFault::allErrorsZero;
@@ -85,45 +92,56 @@ TableFinding findZeroErrors(const DTable &dTab)
 
 // ---- pairs ----
 
-using SideKey = std::tuple<int, std::string_view, std::string_view, std::string_view>;
+/// Numbers for the names of a side but that of its residue: equal for equal names.
+class SideNumbers {
+  public:
+    /// Those of side I and J of a row.
+    std::pair<std::uint32_t, std::uint32_t> of(const RowNames &names)
+    {
+        const auto [known, isNew] = rows_.try_emplace(&names);
+        if (isNew)
+            known->second = {
+                numberOf({names.atomNameI.view(), names.chainNameI.view(), names.segNameI.view()}),
+                numberOf({names.atomNameJ.view(), names.chainNameJ.view(), names.segNameJ.view()})};
+        return known->second;
+    }
 
-/// A pair, with its atoms in one order.
-std::pair<SideKey, SideKey> pairKey(const DInfo &row)
-{
-    const SideKey i = {row.resIDI, row.atomNameI.view(), row.chainNameI.view(), row.segNameI.view()};
-    const SideKey j = {row.resIDJ, row.atomNameJ.view(), row.chainNameJ.view(), row.segNameJ.view()};
-    return std::minmax(i, j);
-}
+  private:
+    using Side = std::array<std::string_view, 3>;
 
-/// The same for both orders of the atoms.
-std::size_t hashOf(const DInfo &row)
-{
-    const auto sideHash = [](int resID, const Name &atomName) {
-        return std::hash<std::string_view>{}(atomName.view()) * 31 +
-               std::hash<int>{}(resID)*0x9e3779b97f4a7c15;
-    };
-    return sideHash(row.resIDI, row.atomNameI) + sideHash(row.resIDJ, row.atomNameJ);
-}
+    std::uint32_t numberOf(const Side &side)
+    {
+        return sides_.try_emplace(side, static_cast<std::uint32_t>(sides_.size())).first->second;
+    }
+
+    std::map<Side, std::uint32_t> sides_;
+    std::unordered_map<const RowNames *, std::pair<std::uint32_t, std::uint32_t>> rows_;
+};
+
+/// A pair, with its atoms in one order: residue and names of both.
+using PairKey = std::pair<std::pair<int, std::uint32_t>, std::pair<int, std::uint32_t>>;
+
+struct PairHash {
+    std::size_t operator()(const PairKey &key) const
+    {
+        const std::size_t first = std::hash<int>{}(key.first.first) * 31 + key.first.second;
+        const std::size_t second = std::hash<int>{}(key.second.first) * 31 + key.second.second;
+        return first * 0x9e3779b97f4a7c15 + second;
+    }
+};
 
 TableFinding findTwice(const DTable &dTab)
 {
     TableFinding found = {.fault = TableFault::twice, .all = dTab.observed().size()};
-    std::vector<std::pair<std::size_t, std::size_t>> hashes; // with their rows
-    for (std::size_t i = 0; i < dTab.observed().size(); ++i)
-        if (dTab.observed()[i].valid != 0)
-            hashes.emplace_back(hashOf(dTab.observed()[i]), i);
-    std::ranges::sort(hashes);
-    std::vector<std::size_t> again;
-    for (std::size_t k = 1; k < hashes.size(); ++k)
-        for (std::size_t other = k; other-- > 0 && hashes[other].first == hashes[k].first;)
-            if (pairKey(dTab.observed()[hashes[other].second]) ==
-                pairKey(dTab.observed()[hashes[k].second])) {
-                again.push_back(hashes[k].second);
-                break;
-            }
-    std::ranges::sort(again);
-    for (const std::size_t row : again)
-        addPlace(found, pairText(dTab.observed()[row]));
+    SideNumbers numbers;
+    std::unordered_set<PairKey, PairHash> known;
+    for (const DInfo &row : dTab.observed()) {
+        if (row.valid == 0)
+            continue;
+        const auto [i, j] = numbers.of(*row.names);
+        if (!known.insert(std::minmax(std::pair(row.resIDI, i), std::pair(row.resIDJ, j))).second)
+            addRow(found, row);
+    }
     return found;
 }
 
@@ -131,7 +149,7 @@ TableFinding findTwice(const DTable &dTab)
 std::string kindOf(const DInfo &row)
 {
     const auto name = [](const Name &atom) { return atom == "HN" ? "H" : std::string(atom.view()); };
-    std::string a = name(row.atomNameI), b = name(row.atomNameJ);
+    std::string a = name(row.names->atomNameI), b = name(row.names->atomNameJ);
     if (b < a)
         std::swap(a, b);
     const bool isInResidue = row.resIDI == row.resIDJ;
@@ -213,12 +231,24 @@ std::set<NamedResidue> namedResidues(const PDBInfo &pdbInfo, const DTable &dTab,
 {
     constexpr std::size_t most = 1000;
     std::set<NamedResidue> residues;
+    struct Seen {
+        bool isNamed;
+        std::set<std::pair<int, int>> residues;
+    };
+    std::unordered_map<const RowNames *, Seen> rows; // by their names: those of residues that came before
     for (const DInfo &row : dTab.observed()) {
-        if (row.valid == 0 || residues.size() >= most)
+        if (residues.size() >= most)
+            break;
+        const auto [known, isNew] = rows.try_emplace(row.names);
+        if (isNew)
+            known->second.isNamed =
+                letterOf(row.names->resNameI.view()) != '\0' || letterOf(row.names->resNameJ.view()) != '\0';
+        if (row.valid == 0 || !known->second.isNamed ||
+            !known->second.residues.emplace(row.resIDI, row.resIDJ).second)
             continue;
         const RowQueries sides = queriesOf(pdbInfo, dTab, row, offset);
         for (const auto &[side, name] :
-             {std::pair(sides.i, row.resNameI.view()), std::pair(sides.j, row.resNameJ.view())})
+             {std::pair(sides.i, row.names->resNameI.view()), std::pair(sides.j, row.names->resNameJ.view())})
             if (letterOf(name) != '\0')
                 residues.insert({side.resID, side.chainName.view(), side.segName.view(), name});
     }
@@ -410,7 +440,7 @@ std::vector<TableFinding> checkResidueNames(const PDBInfo &pdbInfo, const DTable
         appendf(place, "%d is %s and %s in the structure", residue.resID, std::string(residue.name).c_str(),
                 there->resName.c_str());
         if (!agrees(residue.name, there->resName.view()))
-            addPlace(found, place);
+            addPlace(found, std::move(place));
     }
     std::vector<TableFinding> findings;
     if (const auto better = found.count > 1 ? bestShift(pdbInfo, residues) : std::nullopt;

@@ -11,7 +11,7 @@ Status readTable(const std::string &inDName, DTable &dTab, Messages &messages)
         messages.err("Error reading DC input %s\n", inDName.c_str());
         return status;
     }
-    messages.note("%s, %d Couplings, Residues %d to %d.\n", inDName.c_str(), dTab.dCount, dTab.dMinRes,
+    messages.note("%s, %zu Couplings, Residues %d to %d.\n", inDName.c_str(), dTab.dCount, dTab.dMinRes,
                   dTab.dMaxRes);
     return Status::ok;
 }

@@ -32,13 +32,7 @@ double drawAngle(RandomStream &random, const ConeSetup &cone)
 /// One side of a coupling: how its atoms are looked up, and the places of those that were found.
 struct RowSide {
     SideQuery query;
-    std::array<std::size_t, maxPairAtoms> &atoms;
-    int &count;
-
-    [[nodiscard]] std::span<const std::size_t> found() const
-    {
-        return {atoms.data(), static_cast<std::size_t>(count)};
-    }
+    SideAtoms &atoms;
 };
 
 /// Both sides of a row. The names and numbers are those of the table: the calculated row has its number
@@ -51,14 +45,14 @@ RowSides sidesOf(const NoiseTarget &target, std::size_t row, int aOff)
 {
     DTable &dTab = target.dTab;
     const RowQueries queries = queriesOf(target.molecule.pdbInfo, dTab, dTab.dObsList[row], aOff);
-    DInfo &calc = dTab.dCalcList[row];
-    return {{queries.i, calc.atomI, calc.atomICount}, {queries.j, calc.atomJ, calc.atomJCount}};
+    DCalc &calc = dTab.dCalcList[row];
+    return {{queries.i, calc.atomI}, {queries.j, calc.atomJ}};
 }
 
-Axis mean(std::span<const Coord3D> coords, std::span<const std::size_t> atoms)
+Axis mean(std::span<const Coord3D> coords, std::span<const std::uint32_t> atoms)
 {
     Axis sum = {};
-    for (const std::size_t atom : atoms)
+    for (const std::uint32_t atom : atoms)
         for (std::size_t k = 0; k < 3; ++k)
             sum[k] += toAxis(coords[atom])[k];
     for (double &value : sum)
@@ -84,23 +78,24 @@ Coord3D moved(const Axis &from, const Vector &vector)
 bool findAgain(const PDBInfo &pdbInfo, const RowSide &side)
 {
     const SideQuery &query = side.query;
-    side.count = modifyAtomCoorList(pdbInfo, query.resID, query.atomName.view(), query.chainName.view(),
-                                    query.segName.view(), side.atoms);
-    return side.count != 0;
+    modifyAtomCoorList(pdbInfo, query.resID, query.atomName.view(), query.chainName.view(),
+                       query.segName.view(), side.atoms);
+    return side.atoms.count != 0;
 }
 
 /// Three equivalent atoms and a single one: all three go to one place.
 bool moveGroup(const Conformation &molecule, const RowSides &sides, const ConeSetup &cone,
                RandomStream &random)
 {
-    const bool groupIsI = sides.i.count >= sides.j.count;
+    const bool groupIsI = sides.i.atoms.count >= sides.j.atoms.count;
     const RowSide &group = groupIsI ? sides.i : sides.j, &single = groupIsI ? sides.j : sides.i;
-    const Axis from = toAxis(molecule.coords[single.atoms[0]]), to = mean(molecule.coords, group.found());
+    const Axis from = toAxis(molecule.coords[single.atoms[0]]),
+               to = mean(molecule.coords, group.atoms.span());
     // With the group on the first side the vector points away from it, and the group lands opposite: the
     // coupling does not see the sign.
     Vector vector = groupIsI ? difference(from, to) : difference(to, from);
     addVecNoise(random, vector, cone);
-    for (const std::size_t atom : group.found())
+    for (const std::uint32_t atom : group.atoms.span())
         molecule.coords[atom] = moved(from, vector);
     return findAgain(molecule.pdbInfo, group);
 }
@@ -109,8 +104,8 @@ bool moveGroup(const Conformation &molecule, const RowSides &sides, const ConeSe
 bool movePairs(const Conformation &molecule, const RowSides &sides, const ConeSetup &cone,
                RandomStream &random)
 {
-    for (std::size_t k = 0; k < sides.i.found().size(); ++k)
-        for (std::size_t l = 0; l < sides.j.found().size(); ++l) {
+    for (std::size_t k = 0; k < sides.i.atoms.count; ++k)
+        for (std::size_t l = 0; l < sides.j.atoms.count; ++l) {
             const Axis from = toAxis(molecule.coords[sides.i.atoms[k]]);
             Coord3D &at = molecule.coords[sides.j.atoms[l]];
             Vector vector = difference(toAxis(at), from);
@@ -119,7 +114,7 @@ bool movePairs(const Conformation &molecule, const RowSides &sides, const ConeSe
             if (!findAgain(molecule.pdbInfo, sides.j))
                 return false;
         }
-    return sides.i.count != 0 && sides.j.count != 0;
+    return sides.i.atoms.count != 0 && sides.j.atoms.count != 0;
 }
 
 /// Draws and sets the two angles of a residue.
@@ -234,36 +229,35 @@ void addPhiPsiNoise(RandomStream &random, const NoiseTarget &target, const ConeS
             messages);
 }
 
-int modifyAtomCoorList(const PDBInfo &pdbInfo, int resID, std::string_view atomName,
-                       std::string_view chainName, std::string_view segName, std::span<std::size_t> places)
+void modifyAtomCoorList(const PDBInfo &pdbInfo, int resID, std::string_view atomName,
+                        std::string_view chainName, std::string_view segName, SideAtoms &atoms)
 {
     std::string format;
     const bool isWild = isAtomExpr(atomName, format) != 0;
-    std::size_t count = 0;
+    atoms.count = 0;
     for (const char digit : {'1', '2', '3'}) {
         // Each wildcard takes the digit; a second text slot stays empty.
         std::string name;
         for (const char c : atomName)
             name += c == '#' || c == '*' ? digit : c;
         const AtomInfo *atom = findAtom(pdbInfo, resID, isWild ? name : atomName, chainName, segName);
-        if (atom != nullptr && count < places.size())
-            places[count++] = pdbInfo.placeOf(*atom);
+        if (atom != nullptr)
+            atoms.places[atoms.count++] = static_cast<std::uint32_t>(pdbInfo.placeOf(*atom));
         if (!isWild)
             break;
     }
-    return static_cast<int>(count);
 }
 
 int addPdbNoise(const NoiseTarget &target, const ConeSetup &cone, int aOff, std::span<const int> dCalcValid,
                 RandomStream &random)
 {
-    constexpr int groupSize = 3;
+    constexpr std::uint32_t groupSize = 3;
     int count = 0;
     for (std::size_t row = 0; row < target.dTab.calculated().size(); ++row) {
         if (dCalcValid[row] == 0)
             continue;
         const RowSides sides = sidesOf(target, row, aOff);
-        const bool isGroup = sides.i.count * sides.j.count == groupSize;
+        const bool isGroup = sides.i.atoms.count * sides.j.atoms.count == groupSize;
         const bool found = isGroup ? moveGroup(target.molecule, sides, cone, random)
                                    : movePairs(target.molecule, sides, cone, random);
         if (found)

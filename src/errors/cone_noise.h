@@ -70,10 +70,9 @@ void addPhiPsiNoise(RandomStream &random, const NoiseTarget &target, const ConeS
                     const ResidueOffset &offset, int allowFixedDI, Messages &messages);
 
 /// Finds the places of the atoms of a name again after they were moved, a name with wildcards expanded with
-/// 1, 2, 3. Nothing in the molecule changes: whoever moved them has written their places. Returns the number
-/// found.
-int modifyAtomCoorList(const PDBInfo &pdbInfo, int resID, std::string_view atomName,
-                       std::string_view chainName, std::string_view segName, std::span<std::size_t> places);
+/// 1, 2, 3. Nothing in the molecule changes: whoever moved them has written their places.
+void modifyAtomCoorList(const PDBInfo &pdbInfo, int resID, std::string_view atomName,
+                        std::string_view chainName, std::string_view segName, SideAtoms &atoms);
 
 /// Moves the vectors of the rows with a mark in dCalcValid (one for each row). Of a pair the second atom
 /// moves. Three equivalent atoms are moved to one place: their mean stands for them. A row whose atoms are

@@ -32,7 +32,7 @@ Status samplePart(JackknifeRun &run, int n)
 {
     const auto rows = run.input.dTab.calculated();
     std::vector<unsigned char> &use = run.result.fit.columns.use;
-    std::ranges::transform(rows, use.begin(), [](const DInfo &calc) { return calc.valid != 0 ? 1 : 0; });
+    std::ranges::transform(rows, use.begin(), [](const DCalc &calc) { return calc.valid != 0 ? 1 : 0; });
     run.nDSel = selectDcFrac(run.random, use, run.options.mapFrac, run.options.mapFixCount, run.messages);
     for (std::size_t i = 0; i < use.size(); ++i)
         if (rows[i].w == 0.0f) // it can be drawn, and yet is not fitted
@@ -49,7 +49,7 @@ void tellParts(const JackknifeRun &run)
     if (run.input.mapCount > 0 && run.nDSel < static_cast<int>(fewestCouplings))
         run.messages.warn("trelm: -dFrac %g picks %d couplings: a tensor has five unknowns.\n",
                           number(run.options.mapFrac), run.nDSel);
-    run.messages.out("REMARK %d DC of %d picked.\n", run.nDSel, run.input.dTab.dCount);
+    run.messages.out("REMARK %d DC of %zu picked.\n", run.nDSel, run.input.dTab.dCount);
     run.messages.out("REMARK %d SVD runs of %d succesful.\n", run.result.samples.count, run.input.mapCount);
 }
 

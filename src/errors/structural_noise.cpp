@@ -46,10 +46,10 @@ Status keepState(StructuralRun &run)
     run.rows = std::move(*copy);
     run.coords = copyOfCoordinates(run.input.pdbInfo);
     for (std::size_t i = 0; i < run.rows.observed().size(); ++i) {
-        const DInfo &calc = run.input.dTab.dCalcList[i];
+        const DCalc &calc = run.input.dTab.dCalcList[i];
         run.dCalcValid.push_back(calc.valid);
-        run.atoms.insert(run.atoms.end(), calc.atomsI().begin(), calc.atomsI().end());
-        run.atoms.insert(run.atoms.end(), calc.atomsJ().begin(), calc.atomsJ().end());
+        for (const SideAtoms *side : {&calc.atomI, &calc.atomJ})
+            run.atoms.insert(run.atoms.end(), side->span().begin(), side->span().end());
         run.rows.dObsList[i].d = run.fit().last.calculated[i];
         run.rows.dObsList[i].valid = calc.valid;
     }

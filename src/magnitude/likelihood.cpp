@@ -333,7 +333,8 @@ Status fillCalculated(DTable &dTab, const MagnitudeRange &best, bool mlMap, Mess
     if (mlMap && startRanges(ranges, best, messages) != Status::ok)
         return Status::failed;
     for (std::size_t i = 0; i < dTab.observed().size(); ++i) {
-        DInfo &obs = dTab.dObsList[i], &calc = dTab.dCalcList[i];
+        DInfo &obs = dTab.dObsList[i];
+        DCalc &calc = dTab.dCalcList[i];
         if (!isObserved(obs))
             continue;
         double coupAve = 0.0, coupAveErr = 0.0;

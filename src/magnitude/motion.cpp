@@ -83,7 +83,8 @@ Status makePool(const MotionSetup &setup, Pool &pool, Messages &messages)
     const int asked = setup.draw.sCount;
     pool.sCount = asked != 0 ? std::min(asked, pool.nRes()) : pool.nRes();
     const std::int64_t density =
-        std::min<std::int64_t>(pool.sCount * static_cast<std::int64_t>(pool.nDcTypeMax), setup.dTab.dCount);
+        std::min<std::int64_t>(pool.sCount * static_cast<std::int64_t>(pool.nDcTypeMax),
+                               static_cast<std::int64_t>(setup.dTab.dCount));
     if (density < 1)
         messages.err("motionHist: no residue of the window has a coupling.\n");
     if (density < 1 || !do_unsp(static_cast<int>(density), pool.dots))

@@ -190,7 +190,7 @@ void warnOfSelection(const Run &run, Messages &messages)
         messages.warn(
             "trelm: the couplings were found in %s of %zu: a selection acts on written structures and"
             " simulations alone\n",
-            chainsOfRows(run.dTab[0]).c_str(), pdbInfo.chains().size());
+            chainsOfRows(pdbInfo, run.dTab[0]).c_str(), pdbInfo.chains().size());
 }
 
 /// Hydrogens of the file that a prediction leaves out, because the option that takes them was not given.

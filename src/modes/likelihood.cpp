@@ -4,7 +4,6 @@
 #include "modes/magnitude.h"
 #include "support/text/output_file.h"
 
-#include <optional>
 
 namespace trelm {
 namespace {
@@ -49,10 +48,9 @@ Status search(Run &run, Messages &messages)
     if (readObserved(run, observed, messages) != Status::ok ||
         getMlDabR(observed, options, list.span(), found, messages) != Status::ok)
         return Status::failed;
-    std::optional<DTable> shown = copyTable(run.dTab[0], messages);
-    if (!shown || fillCalculated(*shown, found.best, options.mlMap != 0, messages) != Status::ok)
+    if (fillCalculated(run.dTab[0], found.best, options.mlMap != 0, messages) != Status::ok)
         return Status::failed;
-    return writeResults(run, found, *shown, list.span().first(found.points), scores, messages);
+    return writeResults(run, found, run.dTab[0], list.span().first(found.points), scores, messages);
 }
 
 } // namespace

@@ -8,7 +8,6 @@
 #include "report/run_report.h"
 #include "support/text/output_file.h"
 
-#include <optional>
 
 namespace trelm {
 namespace {
@@ -40,11 +39,8 @@ Status runHistogram(Run &run, Messages &messages)
     if (readObserved(run, observed, messages) != Status::ok ||
         getHistDabR(observed, run.trelmInfo[0], result, messages) != Status::ok)
         return Status::failed;
-    std::optional<DTable> shown = copyTable(run.dTab[0], messages);
-    if (!shown)
-        return Status::failed;
-    copyObserved(*shown);
-    return reportMagnitude(run, result, *shown, messages);
+    copyObserved(run.dTab[0]);
+    return reportMagnitude(run, result, run.dTab[0], messages);
 }
 
 Status openResult(OutFile &out, const std::string &name, Messages &messages)

@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -117,9 +116,8 @@ Status reportMeanTensor(Run &run, const TensorSamples &samples, MappingFit &fit,
 {
     if (fitMean(samples, inputOf(run), fit, messages) != Status::ok)
         return Status::failed;
-    const std::optional<DTable> shown = tableWith(run.dTab[0], fit.last, messages);
-    if (!shown ||
-        writeTable(run, run.options.outDName, *shown, mappingReport(samples), messages) != Status::ok)
+    takeFit(fit.last, run.dTab[0]);
+    if (writeTable(run, run.options.outDName, run.dTab[0], mappingReport(samples), messages) != Status::ok)
         return Status::failed;
     if (samples.count != 0)
         return writeMeanFrame(run, samples, "trelm: error in writePDBRot.\n", messages);
@@ -148,27 +146,27 @@ Status takeMean(const TrelmInfo &options, DTensor &tensor, Messages &messages)
 /// them. Angles, Da and Dr of the tensor stay those of the last noisy fit. Fails after a message.
 Status reportCouplingNoise(Run &run, const CouplingNoiseResult &result, Messages &messages)
 {
-    std::optional<DTable> shown = tableWith(run.dTab[0], result.fit.last, messages);
-    if (!shown)
-        return Status::failed;
-    std::ranges::transform(result.samples.saupeAve, shown->dTensor.saupe.begin(),
+    DTable &shown = run.dTab[0];
+    takeFit(result.fit.last, shown);
+    std::ranges::transform(result.samples.saupeAve, shown.dTensor.saupe.begin(),
                            [](double element) { return static_cast<float>(element); });
-    const auto observed = shown->observed(), calculated = shown->calculated();
+    const auto observed = shown.observed();
+    const auto calculated = shown.calculated();
     for (std::size_t i = 0; i < observed.size(); ++i) {
         if (calculated[i].valid != 0)
             observed[i].sigma = result.deviation[i];
         if (takesPart(calculated[i])) // others are never calculated
             calculated[i].d = result.mean[i];
     }
-    Status status = writeTable(run, run.options.outDName, *shown, mappingReport(result.samples), messages);
+    Status status = writeTable(run, run.options.outDName, shown, mappingReport(result.samples), messages);
     for (std::size_t i = 0; i < observed.size(); ++i)
         if (calculated[i].valid != 0)
             observed[i].w = static_cast<float>(result.countFail[i]);
-    if (takeMean(run.trelmInfo[0], shown->dTensor, messages) != Status::ok)
+    if (takeMean(run.trelmInfo[0], shown.dTensor, messages) != Status::ok)
         status = Status::failed;
     std::string fails = "\nREMARK Failure Statistics.\n";
     appendf(fails, "DATA STATISTICS MAPPING NUMBER OF SUCCESFUL STEPS   %d\n\n\n", result.samples.count);
-    if (writeTable(run, run.options.outDFailName, *shown, fails, messages) != Status::ok)
+    if (writeTable(run, run.options.outDFailName, shown, fails, messages) != Status::ok)
         status = Status::failed;
     if (result.samples.count != 0 &&
         writeMeanFrame(run, result.samples, "matrix: error in writePDBRot.\n", messages) != Status::ok)

@@ -14,7 +14,6 @@
 #include "report/output.h"
 
 #include <algorithm>
-#include <optional>
 
 namespace trelm {
 namespace {
@@ -32,22 +31,29 @@ struct SpreadRow {
     Status (*work)(Run &run, Messages &messages);
 };
 
-Status bestFitSingle(Run &run, Messages &messages)
+/// Fits the table of the run. What the fit works on is gone before the report is made.
+Status fitTable(Run &run, Messages &messages)
 {
-    if (run.trelmInfo[0].validCountD == 0)
-        messages.warn("trelm: no coupling is left to fit.\n");
-    const DTable &dTab = run.dTab[0];
+    DTable &dTab = run.dTab[0];
     FitColumns columns;
     takeColumns(dTab, columns);
     FitWork work;
     FitResult fit = startOf(dTab);
-    std::optional<DTable> shown;
     if (fitColumns({run.pdbInfo[0].coordinates(), dTab, columns, run.trelmInfo[0].verbFlag}, work, fit,
-                   messages) == Status::ok)
-        shown = tableWith(dTab, fit, messages);
-    if (!shown || writeFit({&run.pdbInfo[0], &run.sInfo, &*shown, &run.trelmInfo[0], run.options.outDName,
-                            run.options.pRotName, run.options.remark},
-                           messages) != Status::ok)
+                   messages) != Status::ok)
+        return Status::failed;
+    takeFit(fit, dTab);
+    return Status::ok;
+}
+
+Status bestFitSingle(Run &run, Messages &messages)
+{
+    if (run.trelmInfo[0].validCountD == 0)
+        messages.warn("trelm: no coupling is left to fit.\n");
+    if (fitTable(run, messages) != Status::ok ||
+        writeFit({&run.pdbInfo[0], &run.sInfo, &run.dTab[0], &run.trelmInfo[0], run.options.outDName,
+                  run.options.pRotName, run.options.remark},
+                 messages) != Status::ok)
         return messages.fail("trelm: error in best-fit of data.\n");
     return Status::ok;
 }

@@ -19,11 +19,11 @@ Status moveAtoms(Run &run, std::span<Coord3D> coords, Messages &messages)
     if (checkPositions(options, messages) != Status::ok)
         return Status::failed;
     warnOfWidth(options, messages);
-    const auto rows = static_cast<std::size_t>(target.dTab.dCount);
+    const auto rows = target.dTab.dCount;
     Block<int> dCalcValid("trelm", rows);
     if (rows != 0 && !dCalcValid)
         return messages.fail("Error allocating coord buffers.\n");
-    std::ranges::transform(target.dTab.calculated(), dCalcValid.data(), &DInfo::valid);
+    std::ranges::transform(target.dTab.calculated(), dCalcValid.data(), &DCalc::valid);
     const ConeSetup cone = coneOf(options);
     const ResidueOffset offset = {window.aFirst, window.segFirst, window.segLast};
     RandomStream random(options.idum);

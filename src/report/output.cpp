@@ -218,10 +218,12 @@ void appendValue(std::string &text, float value, int decimals)
     appendFixed(text, value, 9, decimals, SignPlace::blank);
 }
 
-void appendRow(const DInfo &o, const DInfo &c, const DTable &dTab, bool verbose, std::string &text)
+void appendRow(const DInfo &o, const DCalc &c, const DTable &dTab, bool verbose, std::string &text)
 {
-    appendSide({o.resIDI, o.resNameI, o.atomNameI, o.chainNameI, o.segNameI}, dTab, text);
-    appendSide({o.resIDJ, o.resNameJ, o.atomNameJ, o.chainNameJ, o.segNameJ}, dTab, text);
+    appendSide({o.resIDI, o.names->resNameI, o.names->atomNameI, o.names->chainNameI, o.names->segNameI},
+               dTab, text);
+    appendSide({o.resIDJ, o.names->resNameJ, o.names->atomNameJ, o.names->chainNameJ, o.names->segNameJ},
+               dTab, text);
     if (verbose) {
         appendValue(text, c.di, 2);
         appendValue(text, o.d, 4);
@@ -240,9 +242,9 @@ void appendTable(const DTable &dTab, bool verbose, std::string &text)
 {
     text += '\n';
     appendTableHead(dTab, verbose, text);
-    for (int i = 0; i < dTab.dCount; ++i) {
-        const DInfo &o = dTab.dObsList[static_cast<std::size_t>(i)];
-        const DInfo &c = dTab.dCalcList[static_cast<std::size_t>(i)];
+    for (std::size_t i = 0; i < dTab.dCount; ++i) {
+        const DInfo &o = dTab.dObsList[i];
+        const DCalc &c = dTab.dCalcList[i];
         if (o.valid != 0 && c.valid != 0)
             appendRow(o, c, dTab, verbose, text);
     }
@@ -256,7 +258,8 @@ bool isNumber(float value)
 bool rowsAreFinite(const DTable &dTab)
 {
     for (std::size_t i = 0; i < dTab.observed().size(); ++i) {
-        const DInfo &o = dTab.observed()[i], &c = dTab.calculated()[i];
+        const DInfo &o = dTab.observed()[i];
+        const DCalc &c = dTab.calculated()[i];
         if (o.valid != 0 && c.valid != 0 && !(isNumber(c.d) && isNumber(o.sigma) && isNumber(o.w)))
             return false;
     }

@@ -92,15 +92,15 @@ int isAtomExpr(std::string_view atomName, std::string &atomFmt)
     return wildcardKind(atomName);
 }
 
-float findAtomListRad(std::span<const Coord3D> coords, std::span<const std::size_t> placesI,
-                      std::span<const std::size_t> placesJ)
+float findAtomListRad(std::span<const Coord3D> coords, std::span<const std::uint32_t> placesI,
+                      std::span<const std::uint32_t> placesJ)
 {
     if (placesI.empty() || placesJ.empty())
         return 0.0f;
     const float share = 1.0f / static_cast<float>(placesI.size() * placesJ.size());
     float rIJ = 0.0f;
-    for (const std::size_t placeI : placesI) {
-        for (const std::size_t placeJ : placesJ) {
+    for (const std::uint32_t placeI : placesI) {
+        for (const std::uint32_t placeJ : placesJ) {
             const Coord3D &i = coords[placeI], &j = coords[placeJ];
             const double dx = static_cast<double>(i.x) - j.x;
             const double dy = static_cast<double>(i.y) - j.y;

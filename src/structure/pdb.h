@@ -6,6 +6,7 @@
 #include "support/text/symbol_table.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
@@ -177,8 +178,8 @@ int findAtomList(const PDBInfo &pdbInfo, int resID, std::string_view atomName, s
 int isAtomExpr(std::string_view atomName, std::string &atomFmt);
 
 /// Mean distance between the atoms at the places of two lists, angstrom; 0 if one is empty.
-float findAtomListRad(std::span<const Coord3D> coords, std::span<const std::size_t> placesI,
-                      std::span<const std::size_t> placesJ);
+float findAtomListRad(std::span<const Coord3D> coords, std::span<const std::uint32_t> placesI,
+                      std::span<const std::uint32_t> placesJ);
 
 /// A text as a name. A longer one than a name can be is cut after a message.
 Name pdbStrCpy(std::string_view text, Messages &messages);

@@ -80,8 +80,8 @@ TEST(CouplingType, GoesByAtomNamesInEitherOrder)
         DInfo obs;
         obs.resIDI = 10;
         obs.resIDJ = 11;
-        obs.atomNameI = Name::of(c.atomI);
-        obs.atomNameJ = Name::of(c.atomJ);
+        const RowNames names = {.atomNameI = Name::of(c.atomI), .atomNameJ = Name::of(c.atomJ)};
+        obs.names = &names;
         EXPECT_EQ(couplingType(obs), c.type);
         if (c.type != noType) {
             EXPECT_EQ(peakIdOf(obs, c.type), c.peakId);
@@ -153,12 +153,13 @@ TEST(MakeProblem, TakesMissingVectorsFromTheStructure)
         ASSERT_EQ(rows.observed.size(), 5U);
         ASSERT_EQ(rows.calculated.size(), 5U);
         EXPECT_EQ(rows.observed[3].d, noPeakCoupling);
-        const DInfo &obs = rows.observed[4], &calc = rows.calculated[4];
-        EXPECT_EQ((std::array{obs.id, calc.id}), (std::array{5, 5}));
+        const DInfo &obs = rows.observed[4];
+        const DCalc &calc = rows.calculated[4];
+        EXPECT_EQ(obs.id, 5);
         EXPECT_EQ(obs.resIDI, hasAtoms ? 25 : 9);
         EXPECT_EQ(obs.resIDJ, obs.resIDI);
-        EXPECT_EQ(obs.resNameI, hasAtoms ? "VAL" : "GLY");
-        EXPECT_EQ(obs.atomNameI, "HA");
+        EXPECT_EQ(obs.names->resNameI, hasAtoms ? "VAL" : "GLY");
+        EXPECT_EQ(obs.names->atomNameI, "HA");
         EXPECT_EQ((std::array{obs.d, obs.sigma, obs.w}), (std::array{4.0f, 0.4f, 5.0f}));
         EXPECT_EQ((std::array{obs.valid, calc.valid}), (std::array{1, 1}));
         EXPECT_EQ(calc.di, table.table.dCalcList[3].di);
@@ -171,7 +172,7 @@ TEST(MakeProblem, TakesMissingVectorsFromTheStructure)
     ASSERT_EQ(takeRows(applyAssignment(input, *made, std::vector<int>{1, 0, 2}, standardMessages()),
                        table.table, standardMessages()),
               Status::ok);
-    EXPECT_EQ((std::array{table.table.dCount, table.table.maxCount}), (std::array{5, 5}));
+    EXPECT_EQ((std::array{table.table.dCount, table.table.maxCount}), (std::array<std::size_t, 2>{5, 5}));
 }
 
 TEST(MakeProblem, KeepsFixedCouplingsByMedium)
@@ -252,7 +253,8 @@ TEST(MakeProblem, RefusesWhatItCannotSearch)
 TEST(MakeProblem, TestsItsLimits)
 {
     struct {
-        int peakCount, atoms;
+        int peakCount;
+        std::uint32_t atoms;
         bool isMade;
         const char *err;
     } const cases[] = {
@@ -267,10 +269,10 @@ TEST(MakeProblem, TestsItsLimits)
         for (int i = 1000; i < 1000 + c.peakCount; ++i)
             lines += std::to_string(i) + " H " + std::to_string(i) + " N\n";
         Table table(lines);
-        for (DInfo &calc : table.table.calculated()) { // atoms that the structure does not have
+        for (DCalc &calc : table.table.calculated()) { // atoms that the structure does not have
             calc.valid = 1;
-            calc.atomICount = c.atoms;
-            calc.atomJCount = 1;
+            calc.atomI.count = c.atoms;
+            calc.atomJ.count = 1;
         }
         Heard heard;
         EXPECT_EQ(make(table, heard).has_value(), c.isMade);

@@ -42,7 +42,7 @@ DTable tableOf(const std::vector<float> &couplings)
     for (const float d : couplings)
         pairs.emplace_back(d, noCoupling);
     DTable table = makeTable(pairs);
-    for (DInfo &row : table.calculated())
+    for (DCalc &row : table.calculated())
         row.valid = 0;
     return table;
 }
@@ -69,11 +69,13 @@ TEST(AdjustDC, PairsRowsByResiduesAndAllNames)
         EXPECT_EQ(first.dCalcList[e.row].valid, e.calculated) << e.row;
         EXPECT_EQ(first.dCalcList[e.row].d, e.d) << e.row;
     }
-    for (Name DInfo::*const name :
-         {&DInfo::resNameI, &DInfo::resNameJ, &DInfo::atomNameI, &DInfo::atomNameJ, &DInfo::chainNameI,
-          &DInfo::chainNameJ, &DInfo::segNameI, &DInfo::segNameJ}) {
+    for (Name RowNames::*const name :
+         {&RowNames::resNameI, &RowNames::resNameJ, &RowNames::atomNameI, &RowNames::atomNameJ,
+          &RowNames::chainNameI, &RowNames::chainNameJ, &RowNames::segNameI, &RowNames::segNameJ}) {
         DTable one = tableOf({1.0f}), other = tableOf({2.0f});
-        other.dObsList[0].*name = Name::of("X");
+        RowNames names = *other.dObsList[0].names;
+        names.*name = Name::of("X");
+        setNames(other, names, other.dObsList[0]);
         EXPECT_EQ(adjustDC({opAdd, 1.0f, 1.0f}, one, other), 0);
     }
     DTable empty;

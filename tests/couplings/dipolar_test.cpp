@@ -111,7 +111,7 @@ TEST(ReadDC, FillsRowsFromColumnsAndDefaults)
     EXPECT_EQ(rows[1].id, 13);
     EXPECT_EQ(rows[1].sigma, 1.0f);
     EXPECT_EQ(rows[1].w, 1.0f);
-    EXPECT_TRUE(rows[0].chainNameJ.empty());
+    EXPECT_TRUE(rows[0].names->chainNameJ.empty());
     EXPECT_EQ(table.nullChainName, 0); // for the sake of the last row
     EXPECT_EQ(table.nullSegName, 1);
     EXPECT_EQ(table.dMinRes, 5);
@@ -177,11 +177,10 @@ TEST(SelTypDC, ComparesNamesByPositionAndNeverRevives)
         int count;
     } constexpr rows[] = {{"All", "All", 1}, {"All", "N", 1}, {"N", "H", 0}, {"all", "N", 0}, {"H", "N", 1}};
     for (const auto &row : rows) {
+        const RowNames names = {.atomNameI = Name::of("H"), .atomNameJ = Name::of("N")};
         std::array<DInfo, 2> list;
-        for (DInfo &d : list) {
-            d.atomNameI = Name::of("H");
-            d.atomNameJ = Name::of("N");
-        }
+        for (DInfo &d : list)
+            d.names = &names;
         list[0].valid = 1;
         EXPECT_EQ(selTypDC(list, row.atomI, row.atomJ), row.count) << row.atomI << ' ' << row.atomJ;
         EXPECT_EQ(list[1].valid, 0);
@@ -201,7 +200,7 @@ TEST(BuildDC, TakesTheDistanceOfTheStructureWhereNoneIsFixed)
 {
     Built b("5 N 5 H 1 1\n5 H 5 N 1 1\n");
     EXPECT_EQ(buildDC(b.pdb, b.table, {}, standardMessages()), 2);
-    const DInfo &row = b.table.calculated()[0];
+    const DCalc &row = b.table.calculated()[0];
     const Coord3D &i = b.pdb.coordinates()[row.atomI[0]], &j = b.pdb.coordinates()[row.atomJ[0]];
     const double r = std::hypot(i.x - j.x, i.y - j.y, i.z - j.z);
     const double ratio = std::pow(1.041 / r, 3.0);
@@ -209,11 +208,10 @@ TEST(BuildDC, TakesTheDistanceOfTheStructureWhereNoneIsFixed)
     EXPECT_NEAR(r, 0.98, 0.01);
     EXPECT_EQ(b.table.observed()[0].di, b.table.calculated()[0].di);
     EXPECT_NEAR(b.table.calculated()[1].di, -21585.196, 0.01);
-    EXPECT_EQ(b.table.calculated()[1].diFixedFlag, 1);
-    EXPECT_TRUE(b.table.calculated()[1].resNameI == "VAL");
+    EXPECT_EQ(b.table.observed()[1].diFixedFlag, 1);
     EXPECT_EQ(buildDC(b.pdb, b.table, {.allowFixedDI = 0}, standardMessages()), 2);
     EXPECT_NEAR(b.table.calculated()[1].di, -21585.196 * ratio, 0.05);
-    EXPECT_EQ(b.table.calculated()[1].diFixedFlag, 0);
+    EXPECT_EQ(b.table.observed()[1].diFixedFlag, 0);
 }
 
 TEST(BuildDC, AppliesOffsetAndWeightsByResidue)
@@ -224,7 +222,6 @@ TEST(BuildDC, AppliesOffsetAndWeightsByResidue)
     const auto rows = b.table.calculated();
     EXPECT_EQ(rows[0].w, 1.0f);
     EXPECT_EQ(rows[0].resIDI, 5);
-    EXPECT_TRUE(rows[0].resNameI == "VAL");
     EXPECT_EQ(rows[1].valid, 0);
     EXPECT_EQ(rows[1].w, 0.0f);
     EXPECT_EQ(rows[1].sigma, 9999.0f);
@@ -254,7 +251,7 @@ TEST(BuildDC, TellsOnceAndDropsARowWithMoreAtomsThanItHolds)
         EXPECT_EQ(b.valid, 1);
         EXPECT_EQ(buildDC(b.pdb, b.table, {}, standardMessages()), 1);
         EXPECT_EQ(b.table.calculated()[0].valid, 0);
-        EXPECT_EQ(b.table.calculated()[1].atomICount, 4);
+        EXPECT_EQ(b.table.calculated()[1].atomI.count, 4U);
     });
     EXPECT_EQ(told.err, "DC Error: HD* of residue 1 resolves to 10 atoms, the limit is 9.\n");
 }

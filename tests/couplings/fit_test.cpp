@@ -24,7 +24,7 @@ double apart(const SaupeValues &a, const SaupeValues &b)
 TEST(FitD, EvaluatesOnceWhereAllIsFixed)
 {
     Prepared p(ubiquitinFolder + "bicelle_hn.tab");
-    ASSERT_EQ(p.valid, p.table.dCount);
+    ASSERT_EQ(p.valid, static_cast<int>(p.table.dCount));
     DTensor &tensor = p.table.dTensor;
     tensor = DTensor{};
     tensor.tensorMode = tensorFixed;
@@ -38,7 +38,7 @@ TEST(FitD, EvaluatesOnceWhereAllIsFixed)
     EXPECT_EQ(tensor.dr, 0.25f * -4.0e-4f);
     EXPECT_EQ(tensor.psi, 30.0f);
     std::vector<float> nonlinear;
-    for (const DInfo &row : p.table.calculated())
+    for (const DCalc &row : p.table.calculated())
         nonlinear.push_back(row.d);
     // Both engines have one convention: the vector that this one leaves gives the same couplings.
     tensor.userSaupe = tensor.saupe;
@@ -53,7 +53,7 @@ TEST(FitD, EvaluatesOnceWhereAllIsFixed)
 TEST(FitD, DebugLinesOfAnEvaluation)
 {
     Prepared p(ubiquitinFolder + "bicelle_hn.tab");
-    for (DInfo &row : p.table.calculated().subspan(2))
+    for (DCalc &row : p.table.calculated().subspan(2))
         row.w = 0.0f;
     DTensor &tensor = p.table.dTensor;
     tensor.tensorMode = tensorFixed;
@@ -81,16 +81,16 @@ TEST(FitD, RepeatedFitsHaveTheSameBits)
     const std::string name = ubiquitinFolder + "bicelle_backbone.tab";
     Prepared p(name);
     DTable &table = p.table;
-    ASSERT_EQ(p.valid, table.dCount);
+    ASSERT_EQ(p.valid, static_cast<int>(table.dCount));
     for (std::size_t i = 0; i < 40; ++i) {
-        DInfo &row = table.dCalcList[i];
-        const auto atomsI = static_cast<int>(i % 4);
-        for (int a = 1; a < atomsI; ++a)
-            row.atomI[static_cast<std::size_t>(a)] = table.dCalcList[i + 50].atomI[0];
-        row.atomICount = std::max(1, atomsI);
+        DCalc &row = table.dCalcList[i];
+        const auto atomsI = static_cast<std::uint32_t>(i % 4);
+        for (std::size_t a = 1; a < atomsI; ++a)
+            row.atomI.places[a] = table.dCalcList[i + 50].atomI[0];
+        row.atomI.count = std::max(1U, atomsI);
         if (i % 8 == 0) {
-            row.atomJ[1] = table.dCalcList[i + 60].atomJ[0];
-            row.atomJCount = 2;
+            row.atomJ.places[1] = table.dCalcList[i + 60].atomJ[0];
+            row.atomJ.count = 2;
         }
         row.w = i % 11 == 0 ? 0.0f : row.w;
         row.valid = i % 13 == 0 ? 0 : 1;
@@ -126,8 +126,8 @@ TEST(FitD, RepeatedFitsHaveTheSameBits)
 TEST(FitD, LeavesZeroAnglesWithFewerCouplingsThanParameters)
 {
     Prepared p(ubiquitinFolder + "bicelle_hn.tab");
-    ASSERT_EQ(p.valid, p.table.dCount);
-    for (DInfo &row : p.table.calculated().subspan(3))
+    ASSERT_EQ(p.valid, static_cast<int>(p.table.dCount));
+    for (DCalc &row : p.table.calculated().subspan(3))
         row.w = 0.0f;
     p.table.dTensor.tensorMode = tensorNofixed;
     EXPECT_EQ(fitD(p.pdb.coordinates(), p.table, 0, standardMessages()), 3);
@@ -145,16 +145,16 @@ TEST(FitD, LeavesZeroAnglesWithFewerCouplingsThanParameters)
 struct HandMade {
     static constexpr Coord3D coords[4] = {{0, 0, 0}, {0, 0, 1}, {1, 0, 0}, {0, 1, 2}};
     DTable table;
-    HandMade(int countI, int countJ)
+    HandMade(std::uint32_t countI, std::uint32_t countJ)
     {
         table = makeTable({{0.0f, 0.0f}});
         table.maxCount = countI * countJ;
-        DInfo &calc = table.dCalcList[0];
+        DCalc &calc = table.dCalcList[0];
         calc.di = -10.0f;
-        calc.atomICount = countI;
-        calc.atomJCount = countJ;
-        for (std::size_t j = 0; j < static_cast<std::size_t>(countJ); ++j)
-            calc.atomJ[j] = j + 1;
+        calc.atomI.count = countI;
+        calc.atomJ.count = countJ;
+        for (std::uint32_t j = 0; j < countJ; ++j)
+            calc.atomJ.places[j] = j + 1;
         table.dTensor.tensorMode = tensorSaupe;
         table.dTensor.userSaupe = {1.0f, 0.0f, 0.0f, 0.0f, 0.0f};
     }

@@ -205,7 +205,9 @@ TEST(AddPdbNoise, ThreeEquivalentAtomsCollapse)
 TEST(AddPdbNoise, CountsTheOffsetOnceAndDropsARowWhoseAtomIsGone)
 {
     Molecule m("110 N 110 H 1 1\n111 N 111 H 1 1\n", -100);
-    m.table.dObsList[1].atomNameJ = Name::of("XX");
+    RowNames names = *m.table.dObsList[1].names;
+    names.atomNameJ = Name::of("XX");
+    setNames(m.table, names, m.table.dObsList[1]);
     EXPECT_EQ(m.move(fixedCone, -100), 1);
     EXPECT_EQ(m.table.dCalcList[0].valid, 1);
     EXPECT_EQ(m.table.dCalcList[1].valid, 0);

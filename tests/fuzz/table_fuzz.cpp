@@ -44,9 +44,9 @@ void checkCouplings(const std::string &name)
     const int built = buildDC(
         molecule, dTab, {.aOff = 1, .wOff = 2, .wList = std::vector<float>{0.5f, 0.0f}, .allowFixedDI = 0},
         standardMessages());
-    require(built <= valid && valid <= dTab.dCount, "no rows come from nowhere");
-    for (const DInfo &row : dTab.calculated())
-        require(row.valid == 0 || (row.atomICount > 0 && row.atomJCount > 0 && std::isfinite(row.di)),
+    require(built <= valid && valid <= static_cast<int>(dTab.dCount), "no rows come from nowhere");
+    for (const DCalc &row : dTab.calculated())
+        require(row.valid == 0 || (row.pairCount() > 0 && std::isfinite(row.di)),
                 "a row that takes part has its atoms and its constant");
 }
 

@@ -44,8 +44,8 @@ inline trelm::DTable powderTable(const Powder &powder)
     DTable table;
     const auto count = static_cast<std::size_t>(powder.count);
     table.dObsList = Block<DInfo>("powder", count);
-    table.dCalcList = Block<DInfo>("powder", count);
-    table.dCount = powder.count;
+    table.dCalcList = Block<DCalc>("powder", count);
+    table.dCount = count;
     int resID = 0;
     for (const float d : powderCouplings(powder)) {
         DInfo &row = table.dObsList[static_cast<std::size_t>(resID++)];

@@ -24,7 +24,9 @@ TEST(Output, ShortForm)
 {
     DTable table = makeTable({{1.5f, 1.25f}, {-20.0f, -19.875f}});
     table.nullChainName = 0;
-    table.dObsList[0].chainNameI = Name::of("A");
+    RowNames names = *table.dObsList[0].names;
+    names.chainNameI = Name::of("A");
+    setNames(table, names, table.dObsList[0]);
     TrelmInfo info;
     info.verbFlag = 0;
     EXPECT_EQ(

@@ -157,7 +157,7 @@ struct StateAtWork {
 };
 
 /// Whether the row takes part; others hold no coupling.
-bool isInUse(const DInfo &calculated)
+bool isInUse(const DCalc &calculated)
 {
     return calculated.valid != 0 && calculated.w != 0.0f;
 }
@@ -167,7 +167,7 @@ Status startEnsemble(EnsembleRun &run)
     Messages &messages = run.setup.simulation.messages;
     run.result = {};
     constexpr const char *tag = "ensembleAlignment";
-    run.dcAve = Block<float>(tag, static_cast<std::size_t>(run.dTab.dCount) + 1);
+    run.dcAve = Block<float>(tag, run.dTab.dCount + 1);
     if (!run.dcAve)
         return messages.fail("Error allocating coord buffers.\n");
     if (makeSelectionBuffers(tag, run.pdbInfo, run.buffers, messages) != Status::ok)

@@ -157,10 +157,24 @@ void warnBadItem(const RowReader &reader, char kind, std::size_t column)
                         std::string(reader.line).c_str());
 }
 
+/// A number as nearly all cells have it: digits, in a column of reals with a point, and few enough for an
+/// int. Nothing about it is odd, and that is seen without reading it once more.
+bool isPlainNumber(std::string_view word, CellType type)
+{
+    constexpr std::size_t longest = 9;
+    word.remove_prefix(word.starts_with('-') ? 1 : 0);
+    const bool hasPoint = type == CellType::real && word.find('.') != std::string_view::npos;
+    const auto digits =
+        static_cast<std::size_t>(std::ranges::count_if(word, [](char c) { return c >= '0' && c <= '9'; }));
+    return digits > 0 && word.size() <= longest && digits + (hasPoint ? 1 : 0) == word.size();
+}
+
 /// Keeps what was hardly meant: `isRead` is false for a cell that was read as 0.
 void keepOddCell(RowReader &reader, std::size_t column, std::string_view word, bool isRead)
 {
     tabVar &info = reader.table.varInfo[column];
+    if (isRead && isPlainNumber(word, info.type))
+        return;
     const bool isWhole = isOneNumber(word);
     OddCells *cells = nullptr;
     if (isWhole && info.type == CellType::integer && !isInteger(word))

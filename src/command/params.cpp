@@ -85,6 +85,11 @@ constexpr OptionRow fitKindRows[] = {
 constexpr OptionRow inputRows[] = {
     {"-names", &RunOptions::names},
     {"-model", &RunOptions::model},
+    {"-inF", &RunOptions::inForm},
+    {"-medium", &RunOptions::medium},
+    {"-rdcSign", &RunOptions::rdcSign},
+    {"-rdcScale", &RunOptions::rdcScale},
+    {"-label", &RunOptions::useLabels, 1},
     {"-addH", &RunOptions::buildsHydrogens, 1},
     {"-nopdbRot", &RunOptions::hasNoStructures, 1},
     {"-strict", &RunOptions::isStrict, 1},

@@ -360,12 +360,24 @@ RowQueries queriesOf(const PDBInfo &pdbInfo, const DTable &dTab, const DInfo &ob
             side(obs.resIDJ, obs.names->atomNameJ, obs.names->chainNameJ, obs.names->segNameJ)};
 }
 
+bool namesNoTable(const std::string &inDName)
+{
+    return inDName.empty() || equalNoCase(inDName, "None");
+}
+
 Status readDC(const std::string &inDName, DTable &dTab, Messages &messages)
 {
-    if (inDName.empty() || equalNoCase(inDName, "None"))
+    if (namesNoTable(inDName))
         return Status::ok;
+    TextInput input;
+    return openTable(inDName, input, messages) == Status::ok ? parseDC(inDName, input, dTab, messages)
+                                                             : Status::failed;
+}
+
+Status parseDC(const std::string &inDName, TextInput &input, DTable &dTab, Messages &messages)
+{
     TextTable text;
-    if (rdTable(inDName, text, noCoupling, messages) != Status::ok ||
+    if (parseTable(inDName, input, text, noCoupling, messages) != Status::ok ||
         checkNumbers(text, inDName, messages) != Status::ok ||
         allocateRows(dTab, text.entryCount, messages) != Status::ok)
         return Status::failed;
@@ -377,6 +389,38 @@ Status readDC(const std::string &inDName, DTable &dTab, Messages &messages)
         return status;
     dTab.dCount = 0;
     return messages.fail("DC Error Allocating DC Values.");
+}
+
+Status startRows(DTable &dTab, std::size_t rows, Messages &messages)
+{
+    if (allocateRows(dTab, rows, messages) != Status::ok)
+        return Status::failed;
+    dTab.dCalcList = Block<DCalc>("dc", rows);
+    if (dTab.dCalcList)
+        return Status::ok;
+    dTab.dCount = 0;
+    return messages.fail("DC Error Allocating DC Values.");
+}
+
+Status settleRows(DTable &dTab, Messages &messages)
+{
+    std::size_t pairs = 0;
+    for (DInfo &obs : dTab.observed()) {
+        if (!obs.names->chainNameI.empty() || !obs.names->chainNameJ.empty())
+            dTab.nullChainName = 0;
+        if (!obs.names->segNameI.empty() || !obs.names->segNameJ.empty())
+            dTab.nullSegName = 0;
+        const Interaction found = findVariableDI(0.0f, {obs.resIDI, obs.names->atomNameI.view()},
+                                                 {obs.resIDJ, obs.names->atomNameJ.view()}, 1, messages);
+        if (found.isFixed) {
+            obs.diFixedFlag = 1;
+            obs.di = found.di;
+        }
+        dTab.dMinRes = std::min({dTab.dMinRes, obs.resIDI, obs.resIDJ});
+        dTab.dMaxRes = std::max({dTab.dMaxRes, obs.resIDI, obs.resIDJ});
+        pairs += possiblePairs(*obs.names);
+    }
+    return boundPairs(dTab, pairs, messages);
 }
 
 int selectD(std::span<DInfo> dList, int segFirst, int segLast, WindowKind excludeMode)

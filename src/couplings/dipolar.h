@@ -2,12 +2,14 @@
 #pragma once
 
 #include "couplings/fit_work.h"
+#include "couplings/formats/archive.h"
 #include "couplings/options.h"
 #include "couplings/row_names.h"
 #include "couplings/table_finding.h"
 #include "ground/alloc.h"
 #include "ground/messages.h"
 #include "structure/pdb.h"
+#include "support/text/text_input.h"
 
 #include <array>
 #include <cstddef>
@@ -111,6 +113,7 @@ struct DTable {
     /// these limits they stay there.
     int dMinRes = 0, dMaxRes = 0;
     std::vector<TableFinding> columnFindings; ///< of the file; a copy has none
+    TableOrigin origin;                       ///< of rows that another program wrote; a copy has none
     FitWork fitWork;                          ///< what the fits of this table keep
     int nullChainName = 1, nullSegName = 1;   ///< 1 until a row names a chain or segment
 
@@ -134,6 +137,18 @@ std::optional<DTable> copyTable(const DTable &dTab, Messages &messages);
 /// memory, or an unknown nucleus in the last row (the table is complete then). An unknown nucleus in any
 /// other row is told, and the row read.
 Status readDC(const std::string &inDName, DTable &dTab, Messages &messages);
+
+/// Whether a name names no file: it is empty or "None".
+bool namesNoTable(const std::string &inDName);
+
+/// The same as readDC from a text that is read already; `inDName` is what messages name.
+Status parseDC(const std::string &inDName, TextInput &input, DTable &dTab, Messages &messages);
+
+/// An empty table with room for rows, which the caller fills, and what follows from them: the range of their
+/// residues, fixed distances, the room that fits need. The second again after a change of names. They fail
+/// after a message without memory; an unknown nucleus is told.
+Status startRows(DTable &dTab, std::size_t rows, Messages &messages);
+Status settleRows(DTable &dTab, Messages &messages);
 
 /// A residue number from outside plus an offset; a sum beyond int becomes its limit.
 int shiftedRes(int resID, std::int64_t offset);

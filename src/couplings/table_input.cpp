@@ -1,16 +1,44 @@
 #include "couplings/table_input.h"
 
+#include "couplings/formats/forms.h"
+#include "support/text/table.h"
+
 #include <utility>
 
 namespace trelm {
+namespace {
 
-Status readTable(const std::string &inDName, DTable &dTab, Messages &messages)
+/// Reads a file of any form.
+Status readForm(const std::string &inDName, const CouplingReading &reading, DTable &dTab, Messages &messages)
 {
-    const Status status = readDC(inDName, dTab, messages);
+    TextInput input;
+    if (openTable(inDName, input, messages) != Status::ok)
+        return Status::failed;
+    const CouplingForm form = reading.form ? *reading.form : detectForm(input.text);
+    const ArchiveReader read = readerOf(form);
+    if (read == nullptr && !reading.medium.empty())
+        return messages.fail("trelm: -medium %s: %s is a table of one medium.\n", reading.medium.c_str(),
+                             inDName.c_str());
+    if (read == nullptr)
+        return parseDC(inDName, input, dTab, messages);
+    const std::string shownName = inDName == "-" ? "(stdin)" : inDName;
+    Archive archive;
+    if (read({input.text, shownName, reading.useLabels}, archive, messages) != Status::ok)
+        return Status::failed;
+    input = TextInput{}; // the table takes its room
+    return takeArchive(shownName, reading, archive, dTab, messages);
+}
+
+} // namespace
+
+Status readTable(const std::string &inDName, const CouplingReading &reading, DTable &dTab, Messages &messages)
+{
+    const Status status = namesNoTable(inDName) ? Status::ok : readForm(inDName, reading, dTab, messages);
     if (status != Status::ok) {
         messages.err("Error reading DC input %s\n", inDName.c_str());
         return status;
     }
+    applyConventions(inDName, reading, dTab, messages);
     messages.note("%s, %zu Couplings, Residues %d to %d.\n", inDName.c_str(), dTab.dCount, dTab.dMinRes,
                   dTab.dMaxRes);
     return Status::ok;

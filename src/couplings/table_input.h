@@ -2,6 +2,7 @@
 #pragma once
 
 #include "couplings/dipolar.h"
+#include "couplings/formats/take.h"
 #include "couplings/options.h"
 
 #include <string>
@@ -9,9 +10,10 @@
 
 namespace trelm {
 
-/// Reads a table and tells its size on the standard error stream. Fails with the reader's status after
-/// "Error reading DC input".
-Status readTable(const std::string &inDName, DTable &dTab, Messages &messages);
+/// Reads couplings of any form, and tells their number on the standard error stream. Fails with the reader's
+/// status after "Error reading DC input".
+Status readTable(const std::string &inDName, const CouplingReading &reading, DTable &dTab,
+                 Messages &messages);
 
 /// Fills what the command line left open from the table, and turns a reversed window.
 void settleWindow(DcInfo &dcInfo, const DTable &dTab);

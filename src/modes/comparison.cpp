@@ -7,6 +7,7 @@
 #include "couplings/table_input.h"
 #include "ground/messages.h"
 #include "modes/doubts.h"
+#include "modes/reading.h"
 #include "report/output.h"
 #include "support/text/output_file.h"
 
@@ -30,9 +31,9 @@ Status combine(Run &run, Messages &messages)
     Block<DTable> dTab1("trelm", 1), dTab2("trelm", 1);
     if (!dTab1 || !dTab2)
         return messages.fail("Error allocating DC structures.\n");
-    Status status = readTable(run.options.inD1Name, dTab1[0], messages);
+    Status status = readCouplings(run.options, run.options.inD1Name, dTab1[0], messages);
     if (status == Status::ok)
-        status = readTable(run.options.inD2Name, dTab2[0], messages);
+        status = readCouplings(run.options, run.options.inD2Name, dTab2[0], messages);
     if (status != Status::ok)
         return status;
     choose(run, dTab1[0], messages);
@@ -91,7 +92,7 @@ Status convert(Run &run, Messages &messages)
     OutFile out;
     if (conversion.outFormat != formatTrelm && openResult(options, out, messages) != Status::ok)
         return Status::failed;
-    if (const Status status = readTable(options.inDName, dTab, messages); status != Status::ok)
+    if (const Status status = readCouplings(options, options.inDName, dTab, messages); status != Status::ok)
         return status;
     if (choose(run, dTab, messages) == 0)
         messages.warn("trelm: no coupling is left to convert.\n");

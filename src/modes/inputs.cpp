@@ -4,11 +4,11 @@
 #include "couplings/name_mapping.h"
 #include "couplings/table_input.h"
 #include "modes/doubts.h"
+#include "modes/reading.h"
 #include "report/modes.h"
 #include "simulation/charges/charges.h"
 #include "simulation/orientations/sphere.h"
 #include "structure/atom_names.h"
-#include "support/numerics/numbers.h"
 #include "support/text/match.h"
 #include "support/text/text.h"
 
@@ -16,23 +16,6 @@
 
 namespace trelm {
 namespace {
-
-/// Fails after a message on a value that is none.
-Status readingOf(const RunOptions &options, StructureReading &reading, Messages &messages)
-{
-    reading.model = toInt(options.model);
-    if (!options.model.empty() && reading.model <= 0)
-        return messages.fail("trelm: -model %s: a model has a number above 0.\n", options.model.c_str());
-    if (!options.names.empty() && options.names != "auto")
-        return messages.fail("trelm: -names %s: auto is the only value.\n", options.names.c_str());
-    if (options.buildsHydrogens == 0)
-        return Status::ok;
-    reading.hydrogens.emplace();
-    reading.hydrogens->nitrogen = number(options.hydrogenDistance);
-    if (!(reading.hydrogens->nitrogen > 0.0))
-        return messages.fail("trelm: -addH %g: a bond has a length above 0.\n", reading.hydrogens->nitrogen);
-    return Status::ok;
-}
 
 /// Structures that are written tell of hydrogens that were never seen.
 void tellBuiltHydrogens(const HydrogenBonds &bonds, RunOptions &options)
@@ -209,7 +192,7 @@ Status readInputs(Run &run, Messages &messages)
 {
     Status status = readStructure(run, messages);
     if (status == Status::ok)
-        status = readTable(run.options.inDName, run.dTab[0], messages);
+        status = readCouplings(run.options, run.options.inDName, run.dTab[0], messages);
     if (status != Status::ok)
         return status;
     DcInfo &dcInfo = run.dcInfo[0];

@@ -4,6 +4,7 @@
 #include "magnitude/histogram.h"
 #include "magnitude/motion.h"
 #include "modes/doubts.h"
+#include "modes/reading.h"
 #include "report/output.h"
 #include "report/run_report.h"
 #include "support/text/output_file.h"
@@ -91,7 +92,7 @@ Status readObserved(Run &run, ObservedCouplings &observed, Messages &messages)
     const RunOptions &options = run.options;
     DTable &dTab = run.dTab[0];
     DcInfo &dcInfo = run.dcInfo[0];
-    if (readTable(options.inDName, dTab, messages) != Status::ok)
+    if (readCouplings(options, options.inDName, dTab, messages) != Status::ok)
         return Status::failed;
     settleWindow(dcInfo, dTab);
     const int count = chooseRows(dTab, dcInfo, options.atomNameS1, options.atomNameS2);

@@ -44,6 +44,10 @@ struct RunOptions {
     float validThresh = 0.95f;
     int fitFlag = 0; ///< 1 with a structure
 
+    std::string inForm = "auto";     ///< form of the coupling files: a word of wordOfForm
+    std::string medium;              ///< of a coupling file of several; empty: the first
+    std::string rdcSign, rdcScale;   ///< "physical", "nh": conventions of the values; empty: as written
+    int useLabels = 0;               ///< 1: label numbers of archive files, not the author's
     std::string names;               ///< "auto": names of hydrogens are mapped to those of the structure
     std::string model;               ///< number of the model to read; empty: the first
     int buildsHydrogens = 0;         ///< 1: those of the backbone, where they lack

@@ -21,12 +21,14 @@ struct NamedAtom {
 
 /// One coupling.
 struct ArchiveRow {
-    NamedAtom i, j;                   ///< in the order of the file
+    NamedAtom i = {}, j = {};         ///< in the order of the file
     double value = 0.0;               ///< Hz, as written
     std::optional<double> error = {}; ///< Hz, half-width; nothing where the file has none
     double weight = 1.0;              ///< factor of the penalty, (value / error)^2; 0: not to be used
+    double scale = 1.0;               ///< of the file, which the value is not multiplied by
     std::size_t medium = 0;           ///< place in Archive::media
     std::size_t line = 0;             ///< of the file, counted from 1
+    bool isTurned = false;            ///< the atoms were exchanged after they were read
     int alternatives = 1; ///< rows or atoms of which one or all are meant: above 1 the pair is ambiguous
 };
 
@@ -56,12 +58,18 @@ struct ForeignData {
     std::size_t count = 0, firstLine = 0;
 };
 
+/// Where the rows of a table come from.
+struct TableOrigin {
+    std::string file;             ///< empty: the rows are those of this program's own form
+    std::vector<ArchiveRow> rows; ///< one for each row of the table, the atoms in the order of the table
+    std::optional<StatedTensor> tensor = {};
+};
+
 struct Archive {
     std::vector<ArchiveRow> rows;
     std::vector<Medium> media; ///< in the order of the file; a form without media has one, of no name
     std::vector<LeftOutRow> leftOut;
     std::vector<ForeignData> foreign;
-    bool hasWeights = false; ///< the form has weights, be they all 1
 };
 
 /// A file that is read: its text, and how messages name it.

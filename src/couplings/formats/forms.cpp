@@ -15,8 +15,8 @@ struct FormRow {
 };
 
 constexpr FormRow formRows[] = {
-    {CouplingForm::table, nullptr},     {CouplingForm::star, readNothing},
-    {CouplingForm::nef, readNothing},   {CouplingForm::xplor, readNothing},
+    {CouplingForm::table, nullptr},     {CouplingForm::star, readStar},
+    {CouplingForm::nef, readStar},      {CouplingForm::xplor, readNothing},
     {CouplingForm::cyana, readNothing}, {CouplingForm::rosetta, readNothing},
     {CouplingForm::csv, readNothing},
 };

@@ -15,8 +15,8 @@ namespace trelm {
 /// out and told in the record.
 using ArchiveReader = Status (*)(const ArchiveText &file, Archive &archive, Messages &messages);
 
+/// NMR-STAR (versions 3 and 2.1) and NEF, whose categories differ alone.
 Status readStar(const ArchiveText &file, Archive &archive, Messages &messages);
-Status readNef(const ArchiveText &file, Archive &archive, Messages &messages);
 
 /// The reader of a form; null for a table, which has a reader of its own (couplings/dipolar.h).
 ArchiveReader readerOf(CouplingForm form);

@@ -264,7 +264,8 @@ Status readLines(TextInput &input, RowReader &reader)
     return Status::ok;
 }
 
-/// Opens and reads the whole file. An empty name names no file here.
+} // namespace
+
 Status openTable(const std::string &inName, TextInput &input, Messages &messages)
 {
     const TextStatus status = inName.empty() ? TextStatus::noFile : readText(input, inName, messages);
@@ -273,14 +274,18 @@ Status openTable(const std::string &inName, TextInput &input, Messages &messages
     return status == TextStatus::read ? Status::ok : Status::failed;
 }
 
-} // namespace
-
 Status rdTable(const std::string &inName, TextTable &table, float defNullValue, Messages &messages)
 {
-    table = TextTable{};
     TextInput input;
     if (openTable(inName, input, messages) != Status::ok)
         return Status::failed;
+    return parseTable(inName, input, table, defNullValue, messages);
+}
+
+Status parseTable(const std::string &inName, TextInput &input, TextTable &table, float defNullValue,
+                  Messages &messages)
+{
+    table = TextTable{};
     Declarations declared;
     for (std::string_view line; fgetsAlloc(input, line);)
         collectLine(line, declared, messages);

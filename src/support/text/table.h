@@ -7,6 +7,7 @@
 
 #include "ground/alloc.h"
 #include "ground/messages.h"
+#include "support/text/text_input.h"
 
 #include <optional>
 #include <string>
@@ -44,10 +45,17 @@ struct TextTable {
     std::size_t entryCount = 0;
 };
 
+/// Reads the whole file of a table. An empty name names no file here. Fails after a message.
+Status openTable(const std::string &inName, TextInput &input, Messages &messages);
+
 /// Reads a table with rows. A cell of an integer or real column that equals NULLVALUE becomes `defNullValue`.
 /// A cell that is missing or no number is 0, after a warning with its line for each of them; a table without
 /// FORMAT is told of. Fails after a message.
 Status rdTable(const std::string &inName, TextTable &table, float defNullValue, Messages &messages);
+
+/// The same from a text that is read already, from its first line.
+Status parseTable(const std::string &inName, TextInput &input, TextTable &table, float defNullValue,
+                  Messages &messages);
 
 /// The place of a column; capitals and small letters are one. The last of two equal names wins.
 std::optional<std::size_t> getTabVar(const std::vector<tabVar> &varInfo, std::string_view varName);

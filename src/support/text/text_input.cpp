@@ -1,5 +1,6 @@
 #include "support/text/text_input.h"
 
+#include "support/text/gzip.h"
 #include "support/text/text.h"
 
 #include <sys/stat.h>
@@ -10,6 +11,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <optional>
 
 namespace trelm {
 namespace {
@@ -23,6 +25,22 @@ struct CloseInput {
             std::fclose(stream);
     }
 };
+
+/// Takes the next piece of a file, which may be packed. Returns what is wrong with it, or null. Each piece is
+/// looked at as it comes, so that a device of zero bytes ends here at once.
+const char *appendPiece(std::string_view piece, std::optional<GzipReader> &gzip, std::string &text)
+{
+    const std::size_t before = text.size();
+    if (!gzip && piece.size() > maxTextBytes - before)
+        return "it is too large for a text file";
+    if (!gzip)
+        text.append(piece);
+    else if (const char *why = gzip->unpack(piece, maxTextBytes, text); why != nullptr)
+        return why;
+    if (std::memchr(text.data() + before, '\0', text.size() - before) != nullptr)
+        return "it holds binary data";
+    return text.size() > maxTextBytes ? "it is too large for a text file" : nullptr;
+}
 
 TextStatus refuse(TextInput &input, const char *shownName, const char *why, Messages &messages)
 {
@@ -44,21 +62,23 @@ TextStatus readText(TextInput &input, const std::string &name, Messages &message
     struct stat found = {};
     if (fileno(stream.get()) >= 0 && fstat(fileno(stream.get()), &found) == 0 && S_ISREG(found.st_mode))
         input.text.reserve(std::min(static_cast<std::size_t>(found.st_size), maxTextBytes));
+    std::optional<GzipReader> gzip;
     std::array<char, 65536> chunk;
     for (std::size_t count = chunk.size(); count == chunk.size();) { // a short one is the last
         errno = 0;
         count = std::fread(chunk.data(), 1, chunk.size(), stream.get());
         const int error = errno;
-        // Each piece is looked at as it comes, so that a device of zero bytes ends here at once.
-        if (std::memchr(chunk.data(), '\0', count) != nullptr)
-            return refuse(input, shownName, "it holds binary data", messages);
-        if (count > maxTextBytes - input.text.size())
-            return refuse(input, shownName, "it is too large for a text file", messages);
-        input.text.append(chunk.data(), count);
+        const std::string_view piece(chunk.data(), count);
+        if (input.text.empty() && !gzip && isGzip(piece))
+            gzip.emplace();
+        if (const char *why = appendPiece(piece, gzip, input.text); why != nullptr)
+            return refuse(input, shownName, why, messages);
         if (std::ferror(stream.get()) != 0)
             return refuse(input, shownName,
                           error != 0 ? std::strerror(error) : "it cannot be read to its end", messages);
     }
+    if (const char *why = gzip ? gzip->end() : nullptr; why != nullptr)
+        return refuse(input, shownName, why, messages);
     if (input.text.starts_with(byteOrderMark))
         input.text.erase(0, byteOrderMark.size());
     return TextStatus::read;

@@ -21,9 +21,10 @@ struct TextInput {
 
 enum class TextStatus { read, noFile, bad };
 
-/// Reads a file, or standard input if the name is empty or "-". A byte order mark of UTF-8 is left out.
-/// `noFile`: it cannot be opened, and the message is the caller's. `bad`: it cannot be read to its end,
-/// exceeds maxTextBytes, or holds binary data (a zero byte); one message says which.
+/// Reads a file, or standard input if the name is empty or "-". One that gzip packed is unpacked. A byte
+/// order mark of UTF-8 is left out. `noFile`: it cannot be opened, and the message is the caller's. `bad`: it
+/// cannot be read to its end, exceeds maxTextBytes, holds binary data (a zero byte), or was cut or damaged
+/// after it was packed; one message says which.
 [[nodiscard]] TextStatus readText(TextInput &input, const std::string &name, Messages &messages);
 
 /// The next line, without its newline and a carriage return before it; a line is of any length. Returns false

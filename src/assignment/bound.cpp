@@ -1,5 +1,6 @@
 #include "assignment/bound.h"
 
+#include "assignment/triangle.h"
 #include "couplings/design.h"
 #include "support/numerics/numbers.h"
 
@@ -11,13 +12,6 @@ namespace trelm {
 namespace {
 
 constexpr SaupeTerms sizeWeights = {1.5, 0.5, 2.0, 2.0, 2.0}; ///< of the squares in a tensor's size
-/// Below this part of its diagonal a pivot is lost in rounding: nothing is said about the tensor then.
-constexpr double pivotLimit = 1e-9;
-
-constexpr std::size_t at(std::size_t i, std::size_t j)
-{
-    return i * (i + 1) / 2 + j;
-}
 
 /// The terms as the fit has them, single precision included.
 std::vector<SaupeTerms> termsOf(std::span<const float> x, std::span<const float> y, std::span<const float> z)
@@ -49,59 +43,6 @@ double roundingOf(const AssignmentProblem &problem, double largestDa)
     for (std::size_t i = 0; i < problem.diValMat.size(); ++i)
         add(problem.diValMat[i], problem.wMat[i]);
     return std::sqrt(square);
-}
-
-/// L with L L^T = the matrix. Returns false if it is not positive definite enough to be more than rounding.
-bool factorise(const std::array<double, 15> &matrix, std::array<double, 15> &factor)
-{
-    for (std::size_t i = 0; i < saupeCount; ++i)
-        for (std::size_t j = 0; j <= i; ++j) {
-            double sum = matrix[at(i, j)];
-            for (std::size_t k = 0; k < j; ++k)
-                sum -= factor[at(i, k)] * factor[at(j, k)];
-            if (i != j) {
-                factor[at(i, j)] = sum / factor[at(j, j)];
-                continue;
-            }
-            if (!(sum > pivotLimit * matrix[at(i, i)]))
-                return false;
-            factor[at(i, i)] = std::sqrt(sum);
-        }
-    return true;
-}
-
-/// y with L y = v.
-SaupeTerms forward(const std::array<double, 15> &factor, const SaupeTerms &v)
-{
-    SaupeTerms y;
-    for (std::size_t i = 0; i < saupeCount; ++i) {
-        double sum = v[i];
-        for (std::size_t k = 0; k < i; ++k)
-            sum -= factor[at(i, k)] * y[k];
-        y[i] = sum / factor[at(i, i)];
-    }
-    return y;
-}
-
-/// x with L^T x = y.
-SaupeTerms backward(const std::array<double, 15> &factor, const SaupeTerms &y)
-{
-    SaupeTerms x;
-    for (std::size_t i = saupeCount; i-- > 0;) {
-        double sum = y[i];
-        for (std::size_t k = i + 1; k < saupeCount; ++k)
-            sum -= factor[at(k, i)] * x[k];
-        x[i] = sum / factor[at(i, i)];
-    }
-    return x;
-}
-
-double dot(const SaupeTerms &a, const SaupeTerms &b)
-{
-    double sum = 0.0;
-    for (std::size_t k = 0; k < saupeCount; ++k)
-        sum += a[k] * b[k];
-    return sum;
 }
 
 } // namespace
@@ -147,7 +88,7 @@ void NormalEquations::add(const SaupeTerms &terms, double d, double w, double di
     for (std::size_t i = 0; i < saupeCount; ++i) {
         const double scaled = weight * di * terms[i];
         for (std::size_t j = 0; j <= i; ++j)
-            matrix[at(i, j)] += scaled * di * terms[j];
+            matrix[packed(i, j)] += scaled * di * terms[j];
         rhs[i] += scaled * d;
     }
     square += weight * d * d;
@@ -191,7 +132,7 @@ Ellipsoid makeEllipsoid(const BoundTables &tables, const NormalEquations &equati
     std::array<double, 15> matrix = equations.matrix;
     if (std::isfinite(tables.tensorSize) && tables.tensorSize > 0.0)
         for (std::size_t i = 0; i < saupeCount; ++i)
-            matrix[at(i, i)] += ellipsoid.given / tables.tensorSize * sizeWeights[i];
+            matrix[packed(i, i)] += ellipsoid.given / tables.tensorSize * sizeWeights[i];
     else
         ellipsoid.given = 0.0;
     if (!factorise(matrix, ellipsoid.factor))
@@ -203,7 +144,7 @@ Ellipsoid makeEllipsoid(const BoundTables &tables, const NormalEquations &equati
     // in the last place of the matrix times the square of the centre.
     double trace = 0.0;
     for (std::size_t i = 0; i < saupeCount; ++i)
-        trace += matrix[at(i, i)];
+        trace += matrix[packed(i, i)];
     const double slip =
         64.0 * std::numeric_limits<double>::epsilon() * trace * dot(ellipsoid.centre, ellipsoid.centre);
     ellipsoid.bottom = equations.square - dot(half, half) - 1e-9 * equations.square - slip;

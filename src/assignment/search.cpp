@@ -5,6 +5,7 @@
 #include "assignment/interrupt.h"
 #include "assignment/search_space.h"
 #include "assignment/selection.h"
+#include "assignment/tensor_search.h"
 #include "couplings/fit.h"
 #include "support/numerics/linear_assignment.h"
 
@@ -21,6 +22,8 @@ namespace {
 constexpr int mostTightenings = 8;       ///< of the ellipsoids at one node
 constexpr double worthTightening = 0.02; ///< gain of the bound, as a part of the limit
 constexpr int nodesPerLine = 512;        ///< how often the progress is shown
+/// Peaks from which on a search over the tensor is faster than one over the peaks.
+constexpr std::size_t fewestForTensors = 9;
 
 /// A descent through the candidates, peak by peak.
 struct Descent {
@@ -254,11 +257,34 @@ bool isHopeless(const SearchSpace &space)
                        [](std::size_t count) { return count < fewestCouplings; });
 }
 
+/// Searches over the tensor where that can be done. Returns whether it has.
+bool searchOverTensor(Descent &descent)
+{
+    const std::optional<TensorProblem> problem = makeTensorProblem(descent.space);
+    if (!problem)
+        return false;
+    const CandidateCount all = candidatesBelow(descent);
+    const auto show = [&](double part) {
+        if (++descent.nodes % nodesPerLine != 0)
+            return;
+        descent.settled = {all.about * static_cast<long double>(part), 0, false};
+        printoutput(descent);
+    };
+    const TensorSearch search = {descent.space, *problem, descent.work, descent.best, show};
+    if (!canSearchTensors(search))
+        return false;
+    if (searchTensors(search))
+        descent.settled = all;
+    return true;
+}
+
 void searchFrom(Descent &descent)
 {
     if (isHopeless(descent.space))
         return settle(descent, candidatesBelow(descent));
     guessCandidate(descent.space, descent.work, descent.best);
+    if (descent.space.peaks.size() >= fewestForTensors && searchOverTensor(descent))
+        return;
     descent.limit = exactLimit(descent.space.tables, descent.best.score);
     descend(descent, descent.space.fixed);
 }

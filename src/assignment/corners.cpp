@@ -1,0 +1,161 @@
+#include "assignment/corners.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace trelm {
+namespace {
+
+constexpr double supportSlack = 1e-12; ///< what rounding can take from a support, as a part of it
+constexpr double dataSlack = 1e-11;    ///< and from a score, as a part of D
+
+/// The best assignment in the direction of a corner. Returns its value.
+double solveCorner(Corners &corners, std::uint32_t corner, double tau)
+{
+    const TensorProblem &problem = corners.standing.problem;
+    const TensorVector &v = corners.list[corner].v;
+    pairCosts(problem, v, tau, corners.costs);
+    float *const kept = &corners.prices[corner * problem.stride];
+    corners.priceWork.assign(kept, kept + problem.stride);
+    const double cost =
+        solveAssignment(corners.costs.costs, problem.size, corners.priceWork, corners.assignment);
+    std::ranges::transform(corners.priceWork, kept, [](double price) { return static_cast<float>(price); });
+    const double support = dot(problem.fixed, v) - cost;
+    return support + supportSlack * (std::fabs(support) + corners.standing.length);
+}
+
+/// Looks at a corner at tau, and adds what it finds to its nodes.
+double addNode(Corners &corners, std::uint32_t corner, double tau)
+{
+    const double support = solveCorner(corners, corner, tau);
+    const auto node = static_cast<std::uint32_t>(corners.nodes.size());
+    corners.nodes.push_back({tau, support, corners.list[corner].node});
+    corners.list[corner].node = node;
+    return support;
+}
+
+TensorFit considerSolution(Corners &corners)
+{
+    const TensorFit fit = fitTensor(corners.standing.problem, corners.assignment.columnOf);
+    consider(corners.standing, fit, corners.assignment.columnOf);
+    return fit;
+}
+
+/// Two nodes about a tau.
+struct Bracket {
+    SupportNode low = {-infinity, 0.0}, high = {infinity, 0.0};
+};
+
+Bracket nodesAbout(const Corners &corners, std::uint32_t corner, double tau)
+{
+    Bracket bracket;
+    for (std::uint32_t node = corners.list[corner].node; node != noNode; node = corners.nodes[node].next) {
+        const SupportNode &here = corners.nodes[node];
+        if (here.tau <= tau && here.tau > bracket.low.tau)
+            bracket.low = here;
+        if (here.tau >= tau && here.tau < bracket.high.tau)
+            bracket.high = here;
+    }
+    return bracket;
+}
+
+} // namespace
+
+void setLimit(Standing &standing)
+{
+    const double data = standing.problem.data;
+    standing.limit = exactLimit(standing.space.tables, standing.best.score) + dataSlack * data;
+    standing.lengthSquare = data - standing.limit;
+    standing.length = std::sqrt(std::max(0.0, standing.lengthSquare));
+}
+
+void consider(Standing &standing, const TensorFit &fit, std::span<const int> rowOf)
+{
+    if (fit.isSolved && fit.score > standing.limit)
+        return;
+    for (std::size_t peak = 0; peak < rowOf.size(); ++peak)
+        if (!standing.space.mayTake(peak, static_cast<std::size_t>(rowOf[peak])))
+            return;
+    if (standing.scored.insert({rowOf.begin(), rowOf.end()}).second &&
+        takeBetter(standing.space, rowOf, standing.work, standing.best))
+        setLimit(standing);
+}
+
+std::uint32_t addCorner(Corners &corners, const TensorVector &x, std::span<const std::uint32_t> like)
+{
+    const TensorProblem &problem = corners.standing.problem;
+    const auto place = static_cast<std::uint32_t>(corners.list.size());
+    corners.list.push_back({.v = directionOf(x).u});
+    corners.prices.resize(corners.prices.size() + problem.stride, 0.0F);
+    // A price grows with the length of the direction.
+    const double share = like.empty() ? 0.0 : 1.0 / std::sqrt(dot(x, x));
+    for (const std::uint32_t other : like)
+        for (std::size_t k = 0; k < problem.stride; ++k)
+            corners.prices[place * problem.stride + k] +=
+                static_cast<float>(share) * corners.prices[other * problem.stride + k];
+    addNode(corners, place, corners.reference);
+    const TensorFit fit = considerSolution(corners);
+    corners.list[place].sum = fit.sum;
+    corners.list[place].score = fit.isSolved ? fit.score : 0.0;
+    if (problem.hasPartial())
+        corners.shares.push_back(fit.share);
+    return place;
+}
+
+std::uint32_t middleOf(Corners &corners, std::uint32_t i, std::uint32_t j)
+{
+    if (i > j)
+        std::swap(i, j);
+    const std::uint64_t edge = std::uint64_t{i} << 32U | j;
+    if (const auto known = corners.middles.find(edge); known != corners.middles.end())
+        return known->second;
+    TensorVector x;
+    for (std::size_t k = 0; k < saupeCount; ++k)
+        x[k] = corners.list[i].v[k] + corners.list[j].v[k];
+    const std::array<std::uint32_t, 2> ends = {i, j};
+    const std::uint32_t middle = addCorner(corners, x, ends);
+    corners.middles.emplace(edge, middle);
+    return middle;
+}
+
+double supportAt(Corners &corners, std::uint32_t corner, double tau, double spacing)
+{
+    if (!corners.standing.problem.hasPartial())
+        return supportOf(corners, corner);
+    const Bracket known = nodesAbout(corners, corner, tau);
+    const auto between = [&](const SupportNode &low, const SupportNode &high) {
+        const double part = high.tau > low.tau ? (tau - low.tau) / (high.tau - low.tau) : 0.0;
+        return (1.0 - part) * low.support + part * high.support;
+    };
+    if (known.high.tau - known.low.tau <= spacing * corners.reference)
+        return between(known.low, known.high);
+    // Nodes of a finer grid are those of the coarser one and some between.
+    const double step =
+        corners.reference * std::exp2(2.0 * std::floor(0.5 * std::log2(std::min(1.0, spacing))));
+    const double place = std::floor((tau - corners.reference) / step);
+    SupportNode low = {corners.reference + place * step, 0.0};
+    SupportNode high = {corners.reference + (place + 1.0) * step, 0.0};
+    low.support = known.low.tau == low.tau ? known.low.support : addNode(corners, corner, low.tau);
+    considerSolution(corners);
+    high.support = known.high.tau == high.tau ? known.high.support : addNode(corners, corner, high.tau);
+    considerSolution(corners);
+    return between(low, high);
+}
+
+double supportOf(const Corners &corners, std::uint32_t corner)
+{
+    std::uint32_t node = corners.list[corner].node;
+    while (corners.nodes[node].next != noNode)
+        node = corners.nodes[node].next;
+    return corners.nodes[node].support;
+}
+
+double valueOf(const Corners &corners, std::uint32_t corner, const TensorVector &v)
+{
+    const double linear = dot(corners.list[corner].sum, v);
+    return corners.shares.empty() ? linear
+                                  : linear + 0.5 * corners.reference * quadratic(corners.shares[corner], v);
+}
+
+} // namespace trelm

@@ -8,10 +8,11 @@ FaultRecord *current = nullptr;
 Fault failingKind = Fault::memory;
 long failingNumber = 0;
 
-/// The calls that led here, as one number: two requests of the same calls have the same one.
+/// The innermost calls that led here, as one number: two requests of the same calls have the same one, also
+/// in runs of two modes that share a reader.
 std::uint64_t placeOfRequest()
 {
-    std::array<void *, 64> calls;
+    std::array<void *, 16> calls;
     const int depth = backtrace(calls.data(), static_cast<int>(calls.size()));
     std::uint64_t place = 14695981039346656037U; // Fowler, Noll and Vo, with words for bytes
     for (int i = 0; i < depth; ++i)

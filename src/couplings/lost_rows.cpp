@@ -105,6 +105,28 @@ std::string residuesText(const LostGroup &group)
     return text;
 }
 
+/// Why one row is lost.
+std::string reasonText(const LostGroup &loss)
+{
+    switch (loss.reason) {
+    case LossReason::noAtom:
+        return "no atom " + loss.missing + " in that residue, it has " + loss.instead;
+    case LossReason::noResidue:
+        return "residue not in the structure";
+    case LossReason::noChain:
+        return loss.missing + " not in the structure, it has " + loss.instead;
+    case LossReason::tooManyAtoms:
+        return "more than " + std::to_string(maxPairAtoms) + " atoms";
+    case LossReason::noWeight:
+        return "weight 0";
+    case LossReason::noValue:
+        return "no value";
+    case LossReason::tooLarge:
+        return "beyond 900 Hz";
+    }
+    return "";
+}
+
 void appendGroup(std::string &text, const LostGroup &group)
 {
     const char *plural = group.count == 1 ? "s" : ""; // of the verb
@@ -167,6 +189,18 @@ LostRows findLostRows(const PDBInfo &pdbInfo, const DTable &dTab, int aOff)
     lost.lacksHydrogens = lost.lacksHydrogens && !hasHydrogens(pdbInfo);
     std::ranges::stable_sort(lost.groups, {}, &LostGroup::reason);
     return lost;
+}
+
+void tellLostRows(const PDBInfo &pdbInfo, const DTable &dTab, int aOff, Messages &messages)
+{
+    for (std::size_t i = 0; i < dTab.origin.rows.size(); ++i) {
+        const DInfo &obs = dTab.observed()[i];
+        const DCalc &calc = dTab.calculated()[i];
+        if (takesPart(calc))
+            continue;
+        if (const auto loss = lossOf(pdbInfo, queriesOf(pdbInfo, dTab, obs, aOff), obs, calc))
+            messages.note("trelm: %s: %s.\n", placeText(dTab.origin, i).c_str(), reasonText(*loss).c_str());
+    }
 }
 
 std::string lostRowsText(const LostRows &lost)

@@ -29,6 +29,9 @@ struct LostRows {
 /// Looks at a table after buildDC; `aOff` is what that added to residue numbers.
 LostRows findLostRows(const PDBInfo &pdbInfo, const DTable &dTab, int aOff);
 
+/// A line for each lost row of a table that another program wrote, with its place in the file.
+void tellLostRows(const PDBInfo &pdbInfo, const DTable &dTab, int aOff, Messages &messages);
+
 /// The chains and segments that the rows of a table were found in, after buildDC.
 std::string chainsOfRows(const PDBInfo &pdbInfo, const DTable &dTab);
 

@@ -1,5 +1,6 @@
 #include "modes/inputs.h"
 
+#include "couplings/formats/placement.h"
 #include "couplings/lost_rows.h"
 #include "couplings/name_mapping.h"
 #include "couplings/table_input.h"
@@ -69,15 +70,20 @@ int residueOffset(const DcInfo &dcInfo)
     return shiftedRes(dcInfo.aFirst, -std::int64_t{dcInfo.segFirst});
 }
 
+bool searchesAssignment(const Run &run)
+{
+    const SpreadKind spread = run.trelmInfo[0].spreadMode;
+    return spread == spreadRand || spread == spreadExhaust || spread == spreadExhaustSel;
+}
+
 /// Without a structure there is nothing to find: that is told elsewhere. And a search of assignments puts
 /// couplings on other residues than those of the table.
 void warnOfLostRows(const Run &run, Messages &messages)
 {
     const PDBInfo &pdbInfo = run.pdbInfo[0];
-    const SpreadKind spread = run.trelmInfo[0].spreadMode;
-    if (pdbInfo.atomCount == 0 || spread == spreadRand || spread == spreadExhaust ||
-        spread == spreadExhaustSel)
+    if (pdbInfo.atomCount == 0 || searchesAssignment(run))
         return;
+    tellLostRows(pdbInfo, run.dTab[0], residueOffset(run.dcInfo[0]), messages);
     const LostRows lost = findLostRows(pdbInfo, run.dTab[0], residueOffset(run.dcInfo[0]));
     if (!lost.groups.empty())
         messages.warn("trelm: %s\n", lostRowsText(lost).c_str());
@@ -85,15 +91,19 @@ void warnOfLostRows(const Run &run, Messages &messages)
         messages.warn("trelm: the structure has no hydrogens (-addH builds them)\n");
 }
 
-/// Brings the names of the table to those of the structure, or tells what their difference does.
-void matchNames(Run &run, Messages &messages)
+/// Brings the names of the table to those of the structure, or tells what their difference does. Names of
+/// other programs are always brought there, but residues of peaks name no atoms.
+Status matchNames(Run &run, Messages &messages)
 {
     DTable &dTab = run.dTab[0];
-    if (run.options.names == "auto") {
+    const bool isForeign = !dTab.origin.file.empty() && run.pdbInfo[0].atomCount > 0;
+    if (isForeign && !searchesAssignment(run))
+        return placeRows(run.pdbInfo[0], residueOffset(run.dcInfo[0]), dTab, messages);
+    if (run.options.names == "auto" || isForeign) {
         const std::string text = mappingText(mapNames(run.pdbInfo[0], residueOffset(run.dcInfo[0]), dTab));
         if (!text.empty())
             messages.note("trelm: %s\n", text.c_str());
-        return;
+        return Status::ok;
     }
     const int turned = run.trelmInfo[0].allowFixedDI != 0 ? countTurnedPairs(dTab) : 0;
     if (turned != 0)
@@ -101,15 +111,17 @@ void matchNames(Run &run, Messages &messages)
             "trelm: %d pairs with N first take the distance of the structure, not the fixed one of the other"
             " order (-names auto)\n",
             turned);
+    return Status::ok;
 }
 
-void selectCouplings(Run &run, Messages &messages)
+Status selectCouplings(Run &run, Messages &messages)
 {
     const RunOptions &options = run.options;
     const DcInfo &dcInfo = run.dcInfo[0];
     DTable &dTab = run.dTab[0];
     chooseRows(dTab, dcInfo, options.atomNameS1, options.atomNameS2);
-    matchNames(run, messages);
+    if (matchNames(run, messages) != Status::ok)
+        return Status::failed;
     run.trelmInfo[0].validCountD = buildDC(run.pdbInfo[0], dTab,
                                            {.aOff = residueOffset(dcInfo),
                                             .wOff = dcInfo.segFirst,
@@ -120,6 +132,7 @@ void selectCouplings(Run &run, Messages &messages)
     tellTable(run, options.inDName, dTab, messages);
     tellResidues(run, messages);
     warnOfLostRows(run, messages);
+    return Status::ok;
 }
 
 void selectAtoms(Run &run, Messages &messages)
@@ -200,7 +213,8 @@ Status readInputs(Run &run, Messages &messages)
     status = allocateBuffers(run, messages);
     if (status != Status::ok)
         return status;
-    selectCouplings(run, messages);
+    if (selectCouplings(run, messages) != Status::ok)
+        return Status::failed;
     warnOfSelection(run, messages);
     warnOfHydrogens(run, messages);
     selectAtoms(run, messages);

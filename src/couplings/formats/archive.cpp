@@ -60,6 +60,15 @@ std::string pairText(const NamedAtom &i, const NamedAtom &j)
     return text;
 }
 
+std::string placeText(const TableOrigin &origin, std::size_t row)
+{
+    const ArchiveRow &from = origin.rows[row];
+    std::string text;
+    appendf(text, "%s, line %zu: %s", origin.file.c_str(), from.line,
+            (from.isTurned ? pairText(from.j, from.i) : pairText(from.i, from.j)).c_str());
+    return text;
+}
+
 bool readNumber(std::string_view word, double &value)
 {
     if (word.starts_with('+'))

@@ -91,6 +91,9 @@ void addForeign(Archive &archive, std::string_view kind, std::size_t line);
 /// A pair as it is told: "A 52B GLY N - A 52B GLY H", without the parts that the file does not have.
 std::string pairText(const NamedAtom &i, const NamedAtom &j);
 
+/// A row of a table as messages name it: "2kzn.str, line 12: A 5 LYS N - A 5 LYS HN".
+std::string placeText(const TableOrigin &origin, std::size_t row);
+
 /// A whole word that is one finite decimal number; false for any other word, "nan" and "1.2.3" among them.
 bool readNumber(std::string_view word, double &value);
 

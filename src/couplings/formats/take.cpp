@@ -324,13 +324,4 @@ void applyConventions(const std::string &name, const CouplingReading &reading, D
                       name.c_str(), unknown);
 }
 
-std::string placeText(const TableOrigin &origin, std::size_t row)
-{
-    const ArchiveRow &from = origin.rows[row];
-    std::string text;
-    appendf(text, "%s, line %zu: %s", origin.file.c_str(), from.line,
-            (from.isTurned ? pairText(from.j, from.i) : pairText(from.i, from.j)).c_str());
-    return text;
-}
-
 } // namespace trelm

@@ -32,7 +32,4 @@ Status takeArchive(const std::string &name, const CouplingReading &reading, Arch
 void applyConventions(const std::string &name, const CouplingReading &reading, DTable &dTab,
                       Messages &messages);
 
-/// A row of the origin of a table as messages name it: "2kzn.str, line 12: A 5 N - A 5 HN".
-std::string placeText(const TableOrigin &origin, std::size_t row);
-
 } // namespace trelm

@@ -79,7 +79,8 @@ void readCouplings(benchmark::State &state)
     const std::string name = manyRows(static_cast<int>(state.range(0)));
     for (auto step : state) {
         DTable dTab;
-        if (readDC(name, dTab, standardMessages()) != Status::ok || dTab.dCount != state.range(0))
+        if (readDC(name, dTab, standardMessages()) != Status::ok ||
+            dTab.dCount != static_cast<std::size_t>(state.range(0)))
             return state.SkipWithError("the table was not read");
         dTab = DTable{};
     }

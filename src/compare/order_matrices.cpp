@@ -341,8 +341,16 @@ Status compareSaupe(const TensorPair &pair, const ComparisonOptions &options, Te
         return Status::failed;
     if (!std::ranges::all_of(found.combined,
                              [](double value) { return std::isfinite(static_cast<float>(value)); }))
-        messages.err("trelm: the combined order matrix is not finite.\n");
+        messages.warn("trelm: the combined order matrix is not finite.\n");
     compareFrames(pair, found, messages);
+    const auto isDefined = [](const Hinge &hinge) {
+        return std::ranges::all_of(hinge.axis, [](float value) { return std::isfinite(value); });
+    };
+    if (const auto undefined = std::ranges::find_if_not(found.hinges, isDefined);
+        undefined != found.hinges.end())
+        messages.warn(
+            "trelm: solution %td turns nothing: its hinge axis, and what goes by it, is no number\n",
+            undefined - found.hinges.begin() + 1);
     return Status::ok;
 }
 

@@ -59,6 +59,9 @@ void tellUnits(const DTensor &tensor, Messages &messages)
             "trelm: -da %g -dr %g is no tensor, it has no unit: Hz divided by the constant of the pair"
             " (21585 Hz for N-H)\n",
             double{tensor.da}, double{tensor.dr});
+    if (tensor.tensorMode == tensorSaupe && tensor.userSaupe == SaupeValues{})
+        messages.warn(
+            "trelm: the order matrix of -saupe is 0, and so are all couplings (give its five values)\n");
     const auto isLarge = [](float element) { return std::fabs(element) > largestElement; };
     if (tensor.tensorMode == tensorSaupe && std::ranges::any_of(tensor.userSaupe, isLarge))
         messages.warn(

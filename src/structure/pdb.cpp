@@ -7,6 +7,7 @@
 #include "support/text/token.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace trelm {
@@ -184,6 +185,37 @@ void tellAlternates(const PDBInfo &pdbInfo, const char *name, Messages &messages
             name);
 }
 
+/// Coordinates that programs write where they know none: the ends of the column, or one place for many atoms.
+void tellPlaceholders(const PDBInfo &pdbInfo, const char *name, Messages &messages)
+{
+    constexpr float farthest = 9998.0f;   // the column ends at 9999.999
+    constexpr std::size_t mostAtOnce = 3; // alternates, and groups of three that noise has put into one place
+    const std::span<const Coord3D> coords = pdbInfo.coordinates();
+    const auto isFar = [](const Coord3D &at) {
+        return std::max({std::fabs(at.x), std::fabs(at.y), std::fabs(at.z)}) > farthest;
+    };
+    if (const auto far = std::ranges::find_if(coords, isFar); far != coords.end()) {
+        const AtomInfo &atom = pdbInfo.atoms()[static_cast<std::size_t>(far - coords.begin())];
+        messages.warn(
+            "trelm: %td atoms of %s stand more than 9998 angstrom away, the first is %s of residue %d"
+            " (correct or remove them)\n",
+            std::ranges::count_if(coords, isFar), name, atom.atomName.c_str(), atom.resID);
+    }
+    std::vector<std::array<float, 3>> places;
+    for (const Coord3D &at : coords)
+        places.push_back({at.x, at.y, at.z});
+    std::ranges::sort(places);
+    for (auto first = places.begin(); first != places.end();) {
+        const auto beyond = std::find_if(first, places.end(), [&](const auto &at) { return at != *first; });
+        if (const auto count = static_cast<std::size_t>(beyond - first); count > mostAtOnce) {
+            messages.warn("trelm: %zu atoms of %s stand at one place, %g %g %g (correct or remove them)\n",
+                          count, name, double{(*first)[0]}, double{(*first)[1]}, double{(*first)[2]});
+            return;
+        }
+        first = beyond;
+    }
+}
+
 Status makeTables(PDBInfo &pdbInfo, Messages &messages)
 {
     if (hSymTabAlloc(pdbInfo.atomTab, atomChains, messages) != Status::ok ||
@@ -228,6 +260,7 @@ Status readPDB(const std::string &pdbName, PDBInfo &pdbInfo, const PDBSelectInfo
     if (indexPDB(pdbInfo, messages) != Status::ok)
         return messages.fail("PDB Error Indexing PDB File %s\n", shownName);
     tellAlternates(pdbInfo, shownName, messages);
+    tellPlaceholders(pdbInfo, shownName, messages);
     return Status::ok;
 }
 

@@ -148,6 +148,11 @@ std::vector<Mistake> fits()
         {"McStruc", "-mcStruc" + noSample, fit + " -mcStruc", {}, fit + " -mcStruc -map 20"},
         {"Jack", "-jack" + noSample, fit + " -jack", {}, fit + " -jack -map 20 -dFrac 0.5"},
         {"Rand", "-rand" + noSample, fit + " -rand", {}, fit + " -rand -map 20", open},
+        {"NoOrder",
+         "the order matrix of -saupe is 0, and so are all couplings",
+         fit + " -saupe 0 0 0 0 0",
+         {},
+         fit},
         {"Hertz",
          "-da -9.4 -dr -1 is no tensor, it has no unit",
          fit + " -dadr -da -9.4 -dr -1",
@@ -183,7 +188,12 @@ std::vector<Mistake> inputs()
     const std::string predict = "-pdb in.pdb -inD in.tab -outD p.tab -pdbRot t.pdb -dot 12 -digPsi 4";
     const std::string second = "ATOM   9001  CA  ALA B 101      60.000  60.000  60.000  1.00  0.00\n";
     const std::string other = "ATOM   9002  CA BGLN A   2      60.000  60.000  60.000  1.00  0.00\n";
-    std::string hn = ubiquitin("bicelle_hn.tab");
+    std::string hn = ubiquitin("bicelle_hn.tab"), unplaced, lysines;
+    for (int i = 101; i <= 104; ++i)
+        trelm::appendf(unplaced, "ATOM  %5d  CA  ALA A%4d       0.000   0.000   0.000\n", i, i);
+    for (int i = 0; i < 1250; ++i) // steric runs that use no charge go on
+        trelm::appendf(lysines, "ATOM  %5d  NZ  LYS A%4d    %8.3f%8.3f%8.3f\n", i, i, 4.0 * (i % 11),
+                       4.0 * (i / 11 % 11), 4.0 * (i / 121));
     for (std::size_t at = 0; (at = hn.find("      H ", at)) != std::string::npos; ++at)
         hn.replace(at, 8, "     HN ");
     return {
@@ -197,6 +207,15 @@ std::vector<Mistake> inputs()
          row("99 GLN H 99 GLN N -8 1 1")},
         {"NoWeight", "62 of 63 couplings used: 1 has weight 0", fit, row("2 GLN H 2 GLN N -8 1 0")},
         {"NoValue", "1 has no value", fit, row("2 GLN H 2 GLN N 9999 1 1")},
+        {"ResidueBeyondInt",
+         "1 cells of RESID_I are too large for a number of this kind: 99999999999 in row 1", fit,
+         row("99999999999 GLN H 2 GLN N -8 1 1")},
+        {"FarAtom", "1 atoms of in.pdb stand more than 9998 angstrom away, the first is N of residue 1", fit,
+         pdb(with(whole, "  52.923", "99999999"))},
+        {"Placeholders", "4 atoms of in.pdb stand at one place, 0 0 0", fit, pdb(whole + unplaced)},
+        {"ManyCharges",
+         "more than 1196 charges: the others are left out, since this run uses none (-nopkaDef)",
+         "-pdb in.pdb -outD p.tab -pdbRot t.pdb -dot 12 -digPsi 4 -H", pdb(lysines)},
         {"AboveTheLimit", "1 has a value above 900 Hz", fit, row("2 GLN H 2 GLN N 950 1 1")},
         {"NFirst",
          "63 pairs with N first take the distance of the structure",
@@ -301,6 +320,11 @@ std::vector<Mistake> flags()
          fit + " -atom C( -aRegex",
          {},
          fit},
+        {"EqualFrames",
+         "solution 1 turns nothing: its hinge axis, and what goes by it, is no number",
+         "-anA -inS1 1 2 3 4 5 -inS2 1 2 3 4 5 -outA o.tab",
+         {},
+         fit},
         {"NoMatrix",
          "an order matrix is 0: it has no frame to compare.",
          "-anA -inS1 1 2 3 4 5 -outA o",
@@ -340,6 +364,57 @@ TEST_P(Mistakes, AreNotToldOfCorrectInput)
     const Ran ran = runWith(mistake.correct.empty() ? mistake.options : mistake.correct, {});
     for (const char *start : {"\ntrelm: ", "\nWarning: the value", "\nWarning: option", "did you mean"})
         EXPECT_EQ(ran.err.find(start), std::string::npos) << ran.err;
+}
+
+/// Each mode, with input as it should be: nothing is told, and a strict run gives its result.
+TEST(CleanRuns, AreStrict)
+{
+    const std::string on = "-pdb ubi/1d3z_model1.pdb -H ", measured = "-inD ubi/bicelle_hn.tab ",
+                      small = "-dot 12 -digPsi 4 ", predict = on + measured + small,
+                      fitted = "-bestFit " + on + measured,
+                      lysine = "-bestFit " + on + "-inD assignment/lysines.tab ",
+                      tensors = "-inS1 -5e-4 7e-5 2e-5 -1e-4 5e-4 -inS2 -1e-3 5e-4 -5e-4 -2e-4 8e-4 ";
+    const std::string runs[] = {
+        fitted,
+        fitted + "-nofixed",
+        fitted + "-dadr -da -4e-4 -dr -5e-5",
+        fitted + "-fixed -da -4e-4 -dr -5e-5",
+        fitted + "-saupe 1e-4 1e-4 1e-4 1e-4 1e-4",
+        fitted + "-align 1e-4 1e-4 1e-4 1e-4 1e-4",
+        fitted + "-mcDc -map 20",
+        fitted + "-mcStruc -map 5",
+        fitted + "-jack -map 20 -dFrac 0.5",
+        lysine + "-exhaust",
+        lysine + "-exhaustSel -nSel 4",
+        lysine + "-rand -map 50",
+        predict + "-stTrelm",
+        predict + "-stTrelm -pf1",
+        predict + "-elTrelm",
+        predict + "-elTrelm -pf1 -pot ubi/rod_potential.txt",
+        small + "-stTrelmFree -pdbF ubi/heavy_atoms.txt",
+        on + "-elTrelmFree",
+        on + "-elTrelmGrid",
+        on + "-csSim",
+        on + "-asRan",
+        on + "-anPdb -inS -2e-3 1e-3 5e-4 4e-4 3e-4",
+        "-anA " + tensors,
+        "-anDc -inD1 ubi/bicelle_hn.tab -inD2 ubi/bicelle2_hn.tab",
+        on + measured + "-struc -pdbRot n.pdb",
+        on + "-struc -angNoise -pdbRot n.pdb",
+        measured + "-conv -tbl",
+        measured + "-conv -trelm -dcNoise",
+        "-daHist -inD many.tab",
+        "-daHist -nFit 2 -inD many.tab",
+        measured + "-daMl",
+        measured + "-daMl -clearMl",
+        measured + "-daFlex -nRun 5",
+    };
+    for (const std::string &options : runs) {
+        SCOPED_TRACE(options);
+        const Ran ran = runProgram(options + " -strict", {.files = {{"many.tab", pattern(2000)}}});
+        EXPECT_EQ(ran.status, 0) << ran.err;
+        EXPECT_EQ(ran.err.find("\ntrelm: "), std::string::npos) << ran.err;
+    }
 }
 
 std::string nameOf(const testing::TestParamInfo<Mistake> &info)

@@ -37,7 +37,8 @@ void reportField(const FieldConstants &field, Messages &messages)
 void checkField(const FieldOptions &options, Messages &messages)
 {
     const FieldConstants field = fieldConstants(options);
-    if (!(field.kappa > 0.0) || !std::isfinite(field.kappa) || std::isnan(field.gamma))
+    if (!(field.kappa > 0.0) || !std::isfinite(field.kappa) || std::isnan(field.gamma) ||
+        !std::isfinite(field.y0))
         messages.warn("Warning: -nacl %g, -temp %g, -chSurf %g: the field of the surface is no number.\n",
                       number(options.concNaCl), number(options.temperaturePot), number(options.chDensSurf));
     if (options.kPot == 0.0f)

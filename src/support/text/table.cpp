@@ -177,10 +177,10 @@ void keepOddCell(RowReader &reader, std::size_t column, std::string_view word, b
         return;
     const bool isWhole = isOneNumber(word);
     OddCells *cells = nullptr;
-    if (isWhole && info.type == CellType::integer && !isInteger(word))
-        cells = &info.cut;
-    else if (isWhole && info.type == CellType::integer && std::abs(toDouble(word)) > INT_MAX)
+    if (isWhole && info.type == CellType::integer && std::abs(toDouble(word)) > INT_MAX)
         cells = &info.beyond;
+    else if (isWhole && info.type == CellType::integer && !isInteger(word))
+        cells = &info.cut;
     else if (!isRead)
         cells = &info.noNumber;
     else if (!isWhole)

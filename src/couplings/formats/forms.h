@@ -18,6 +18,15 @@ using ArchiveReader = Status (*)(const ArchiveText &file, Archive &archive, Mess
 /// NMR-STAR (versions 3 and 2.1) and NEF, whose categories differ alone.
 Status readStar(const ArchiveText &file, Archive &archive, Messages &messages);
 
+/// Xplor and CNS: the residue of the axes is the medium; other restraints are counted as foreign.
+Status readXplor(const ArchiveText &file, Archive &archive, Messages &messages);
+/// CYANA, the form of two atoms with its orientations, and that of one.
+Status readCyana(const ArchiveText &file, Archive &archive, Messages &messages);
+/// The list with parentheses, and five columns.
+Status readRosetta(const ArchiveText &file, Archive &archive, Messages &messages);
+/// Separated values under a header line, and labels.
+Status readColumns(const ArchiveText &file, Archive &archive, Messages &messages);
+
 /// The reader of a form; null for a table, which has a reader of its own (couplings/dipolar.h).
 ArchiveReader readerOf(CouplingForm form);
 

@@ -1,7 +1,8 @@
 // Reading: large files, and a whole best-fit against the reading of its input.
+#include "command/run.h"
 #include "couplings/dipolar.h"
 #include "couplings/fit.h"
-#include "report/output.h"
+#include "modes/coupling_output.h"
 #include "structure/pdb.h"
 #include "support/text/table.h"
 
@@ -130,16 +131,19 @@ void wholeBestFit(benchmark::State &state)
     for (auto step : state) {
         PDBInfo pdbInfo;
         DTable dTab;
-        TrelmInfo trelmInfo;
-        trelmInfo.trelmMode = modeBestFit;
+        Options options;
+        options.trelmMode = modeBestFit;
+        options.outDName = (folder / "fit.tab").string();
+        options.pRotName = (folder / "turned.pdb").string();
         if (!readInput(pdbInfo, dTab))
             return state.SkipWithError("the input was not read");
         selectD(dTab.observed(), dTab.dMinRes, dTab.dMaxRes, largerInside);
         buildDC(pdbInfo, dTab, {.wOff = 0}, standardMessages());
-        const std::string table = (folder / "fit.tab").string(), turned = (folder / "turned.pdb").string();
-        if (!fitD(pdbInfo.coordinates(), dTab, 1, standardMessages()) ||
-            writeFit({&pdbInfo, nullptr, &dTab, &trelmInfo, table, turned, nullptr}, standardMessages()) !=
-                Status::ok)
+        Run run{recordsOf(options), {}};
+        run.pdbInfo = Block<PDBInfo>("bench", 1);
+        run.pdbInfo[0] = std::move(pdbInfo);
+        if (!fitD(run.pdbInfo[0].coordinates(), dTab, 1, standardMessages()) ||
+            writeFit(run, dTab, standardMessages()) != Status::ok)
             return state.SkipWithError("the best-fit failed");
     }
     fs::remove_all(folder);

@@ -2,7 +2,6 @@
 // They judge the fast ones.
 #pragma once
 
-#include "report/parameters.h"
 #include "simulation/alignment/electrostatic.h"
 #include "simulation/alignment/grid3d.h"
 #include "simulation/charges/charges.h"

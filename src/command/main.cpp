@@ -11,16 +11,16 @@ int main(int argc, char **argv)
 {
     using trelm::Status;
     trelm::Messages &messages = trelm::messagesOf(argc, argv);
-    trelm::Run run;
+    trelm::CommandRun commandRun;
     Status status = Status::failed;
     try {
         if (const auto answer = trelm::answerWithoutRun(argc, argv, messages); answer)
             return static_cast<int>(*answer);
-        status = trelm::startRun(run, messages);
+        status = trelm::startRun(commandRun.run, messages);
         if (status == Status::ok)
-            status = trelm::readOptions(argc, argv, run, messages);
+            status = trelm::readOptions(argc, argv, commandRun, messages);
         if (status == Status::ok)
-            status = trelm::runMode(run, messages);
+            status = trelm::runMode(commandRun.run, messages);
     } catch (const trelm::OutOfMemory &failure) {
         return failure.status;
     } catch (const std::bad_alloc &) {
@@ -30,5 +30,5 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "Memory allocation failure.\n");
         status = Status::failed;
     }
-    return trelm::endRun(run, status, messages);
+    return trelm::endRun(commandRun, status, messages);
 }

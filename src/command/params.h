@@ -1,10 +1,16 @@
 // The options: rows of tables that say which field an option fills, and the walk over them.
 #pragma once
 
+#include "assignment/options.h"
 #include "command/command_line.h"
+#include "compare/options.h"
 #include "couplings/dipolar.h"
+#include "couplings/options.h"
+#include "errors/options.h"
+#include "magnitude/options.h"
 #include "modes/run_options.h"
-#include "report/parameters.h"
+#include "report/modes.h"
+#include "simulation/alignment/options.h"
 #include "structure/select.h"
 
 #include <cstddef>
@@ -16,6 +22,21 @@
 #include <vector>
 
 namespace trelm {
+
+/// The records of the branches.
+struct TrelmInfo : AlignmentOptions,
+                   MagnitudeOptions,
+                   ModeOptions,
+                   FitOptions,
+                   ReportOptions,
+                   JackknifeOptions,
+                   CouplingNoiseOptions,
+                   StructuralNoiseOptions,
+                   ComparisonOptions,
+                   ConversionOptions,
+                   DrawOptions,
+                   AssignmentOptions,
+                   TensorWindow {};
 
 /// Everything that a command line sets.
 struct Options : RunOptions, TrelmInfo, DcInfo, PDBSelectInfo, DTensor {};

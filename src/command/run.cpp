@@ -40,7 +40,7 @@ void warnOfUnknownFlags(const CommandLine &line, Mode trelmMode)
         if (std::ranges::find(known, word) != known.end())
             continue;
         const std::string nearest(nearestFlag(word));
-        const bool isDefault = isModeFlag(nearest) && trelmMode == TrelmInfo{}.trelmMode;
+        const bool isDefault = isModeFlag(nearest) && trelmMode == ModeOptions{}.trelmMode;
         const char *done = isDefault ? "steric prediction was run" : "it is not used";
         if (nearest.empty())
             line.messages.warn("%s: there is no such option (%s)\n", word, done);
@@ -50,6 +50,12 @@ void warnOfUnknownFlags(const CommandLine &line, Mode trelmMode)
 }
 
 } // namespace
+
+AskedOptions recordsOf(const Options &options)
+{
+    return {options, options, options, options, options, options, options, options, options,
+            options, options, options, options, options, options, options, options};
+}
 
 Messages &messagesOf(int argc, char **argv)
 {
@@ -64,49 +70,47 @@ Status startRun(Run &run, Messages &messages)
     messages.text(Messages::Stream::note, legalNotice);
     run.dTab = Block<DTable>("matrix", 1);
     run.pdbInfo = Block<PDBInfo>("matrix", 1);
-    run.trelmInfo = Block<TrelmInfo>("matrix", 1);
-    run.dcInfo = Block<DcInfo>("matrix", 1);
-    if (!run.dTab || !run.pdbInfo || !run.trelmInfo || !run.dcInfo)
+    if (!run.dTab || !run.pdbInfo)
         return messages.fail("Error allocating DC/PDB/TRELM structures.\n");
     return Status::ok;
 }
 
-Status readOptions(int argc, char **argv, Run &run, Messages &messages)
+Status readOptions(int argc, char **argv, CommandRun &commandRun, Messages &messages)
 {
     CommandLine line(argc, argv, checkOfEnvironment(), messages);
-    Options options;
+    Options &options = commandRun.options;
     Status status = getparams(line, options);
-    run.trelmInfo[0] = options;
-    run.dcInfo[0] = options;
-    run.sInfo = options;
-    run.dTab[0].dTensor = options;
-    run.options = static_cast<RunOptions &&>(options);
-    if (run.options.wCount < 0) // no memory for the weights
+    commandRun.run.dTab[0].dTensor = options;
+    if (options.wCount < 0) // no memory for the weights
         status = Status::failed;
     if (status != Status::ok)
         return messages.fail("TRELM Error extracting command-line arguments.\n");
     line.reportUnused();
-    if (run.options.isStrict != 0)
+    if (options.isStrict != 0)
         messages.setStrict();
-    warnOfUnknownFlags(line, run.trelmInfo[0].trelmMode);
-    if (run.options.dbgFlag > 1)
+    if (options.hasNoStructures != 0)
+        options.pRotName = "/dev/null";
+    warnOfUnknownFlags(line, options.trelmMode);
+    if (options.RunOptions::dbgFlag > 1)
         setAlloc(1);
     return Status::ok;
 }
 
-int endRun(Run &run, Status status, Messages &messages)
+int endRun(CommandRun &commandRun, Status status, Messages &messages)
 {
+    Options &options = commandRun.options;
+    Run &run = commandRun.run;
     if (status == Status::ended) {
         setAlloc(0);
         status = Status::ok;
     } else {
         if (run.dTab)
             run.dTab[0] = DTable{};
-        run.options.wList.release();
+        options.wList.release();
         // The balance is taken here: it shows what the records and buffers of the run still hold.
-        if (run.options.isQuiet == 0)
+        if (options.isQuiet == 0)
             showAlloc();
-        run = Run{};
+        static_cast<RunInputs &>(run) = RunInputs{};
     }
     // A run that failed has told why already, perhaps just this.
     OutFile out;

@@ -41,6 +41,33 @@ struct FitResult {
     int used = 0;                  ///< couplings that were fitted
 };
 
+/// A table with what was calculated for it: what statistics and reports go by. An argument, and no more, for
+/// it holds references.
+struct FittedTable {
+    const DTable &dTab;
+    const DTensor &tensor;
+    /// By row, in place of the calculated couplings, the errors and the weights of the table; empty: those.
+    std::span<const float> d = {}, sigma = {}, w = {};
+
+    /// A table that holds what was calculated for it. NOLINTNEXTLINE(google-explicit-constructor)
+    FittedTable(const DTable &table) : dTab(table), tensor(table.dTensor) {}
+    FittedTable(const DTable &table, const FitResult &fit)
+        : dTab(table), tensor(fit.tensor), d(fit.calculated)
+    {
+    }
+    [[nodiscard]] float calculated(std::size_t i) const { return d.empty() ? dTab.dCalcList[i].d : d[i]; }
+    [[nodiscard]] float error(std::size_t i) const
+    {
+        return sigma.empty() ? dTab.dObsList[i].sigma : sigma[i];
+    }
+    [[nodiscard]] float weight(std::size_t i) const { return w.empty() ? dTab.dObsList[i].w : w[i]; }
+    /// Whether a row is shown.
+    [[nodiscard]] bool isShown(std::size_t i) const
+    {
+        return dTab.dObsList[i].valid != 0 && dTab.dCalcList[i].valid != 0;
+    }
+};
+
 /// The tensor and the calculated couplings of a table, to start a fit from.
 FitResult startOf(const DTable &dTab);
 

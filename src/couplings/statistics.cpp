@@ -37,12 +37,13 @@ float valueOf(double result)
 }
 
 /// Weighted pairs of the rows that count, and their sums.
-void collectPairs(const DTable &dTab, Block<float> &obs, Block<float> &calc, Sums &sums, DcStatistics &stat)
+void collectPairs(const FittedTable &table, Block<float> &obs, Block<float> &calc, Sums &sums,
+                  DcStatistics &stat)
 {
-    for (std::size_t i = 0; i < dTab.dCount; ++i) {
-        const DInfo &o = dTab.dObsList[i];
-        const DCalc &c = dTab.dCalcList[i];
-        if (o.valid == 0 || c.valid == 0 || !(o.d < reportLimit) || !(c.d < reportLimit))
+    for (std::size_t i = 0; i < table.dTab.dCount; ++i) {
+        const DInfo &o = table.dTab.dObsList[i];
+        const DCalc &c = table.dTab.dCalcList[i];
+        if (!table.isShown(i) || !(o.d < reportLimit) || !(table.calculated(i) < reportLimit))
             continue;
         if (std::abs(c.di) > sums.diMax) {
             sums.diMax = c.di;
@@ -50,12 +51,12 @@ void collectPairs(const DTable &dTab, Block<float> &obs, Block<float> &calc, Sum
         }
         const auto pair = static_cast<std::size_t>(stat.nD++);
         obs[pair] = c.w * o.d;
-        calc[pair] = c.w * c.d;
-        const float diff = obs[pair] - calc[pair];
+        calc[pair] = c.w * table.calculated(i);
+        const float diff = obs[pair] - calc[pair], sigma = table.error(i);
         sums.obs2 += squared(obs[pair]);
         sums.diff += diff;
         stat.rSumD2 += squared(diff);
-        stat.pSumD += squared(o.sigma != 0.0f ? diff / o.sigma : diff);
+        stat.pSumD += squared(sigma != 0.0f ? diff / sigma : diff);
     }
 }
 
@@ -103,22 +104,6 @@ void collectCompared(const DTable &dTab, Pairs &pairs)
     }
 }
 
-/// The lines of a block. The offset is that of the exchanged regression, measured on calculated.
-void appendBlock(float stdDevD, float q, const Regression &line, std::string &result)
-{
-    result += "\nDATA STATISTICS DC\n";
-    appendf(result, "DATA STATISTICS DC STDDEV_DIFF  %.3f [Hz]\n", number(stdDevD));
-    appendf(result, "DATA STATISTICS DC CORR R       %.3f\n", number(line.r));
-    appendf(result, "DATA STATISTICS DC CORNILESCU Q %.3f\n", number(q));
-    appendf(result, "DATA STATISTICS DC REGRESSION OFFSET    %.3f +/- %.3f [Hz]\n", number(line.xOnY.a),
-            number(line.xOnY.siga));
-    appendf(result, "DATA STATISTICS DC REGRESSION SLOPE     %.3f +/- %.3f [Hz]\n", number(line.yOnX.b),
-            number(line.yOnX.sigb));
-    appendf(result, "DATA STATISTICS DC REGRESSION BAX SLOPE %.3f +/- %.3f [Hz]\n", number(line.aveSlope),
-            number(line.errAveSlope));
-    result += "\n";
-}
-
 } // namespace
 
 Regression regress(std::span<const float> x, std::span<const float> y)
@@ -159,24 +144,24 @@ Misfit getStatDC(const DTable &dTab, const FitColumns &columns, std::span<const 
     return misfit;
 }
 
-Status getStatDCmod(const DTable &dTab, DcStatistics &stat, Messages &messages)
+Status getStatDCmod(const FittedTable &table, DcStatistics &stat, Messages &messages)
 {
     stat = DcStatistics{};
-    const std::size_t rows = dTab.dCount;
+    const std::size_t rows = table.dTab.dCount;
     // Both regressions run over the pairs themselves: a copy with room behind them gives the same numbers.
     Block<float> obs("statDC", rows + 1);
     Block<float> calc("statDC", rows + 1);
     if (!obs || !calc)
         return messages.fail("Error allocating temporary buffers.\n");
     Sums sums;
-    collectPairs(dTab, obs, calc, sums, stat);
+    collectPairs(table, obs, calc, sums, stat);
     if (stat.nD == 0)
         return Status::ok;
     const auto n = static_cast<float>(stat.nD);
     stat.stdDevD = std::sqrt(std::max(0.0f, (stat.rSumD2 - squared(sums.diff) / n) / n));
     stat.qD = valueOf(std::sqrt(safeRatio(stat.rSumD2, sums.obs2)));
     stat.rSumD2 = std::sqrt(stat.rSumD2 / n);
-    stat.qIsoD = qOfTensor(dTab.dTensor, sums, stat.rSumD2);
+    stat.qIsoD = qOfTensor(table.tensor, sums, stat.rSumD2);
     const auto pairs = static_cast<std::size_t>(stat.nD);
     const Regression line = regress(obs.span().first(pairs), calc.span().first(pairs));
     stat.coorR = line.r;
@@ -189,25 +174,22 @@ Status getStatDCmod(const DTable &dTab, DcStatistics &stat, Messages &messages)
     return Status::ok;
 }
 
-Status statDC(const DTable &dTab, std::string &result, Messages &messages)
+Status statDC(const DTable &dTab, ComparedCouplings &found, Messages &messages)
 {
-    result.clear();
+    found = ComparedCouplings{};
     Pairs pairs(dTab.dCount);
     if (!pairs.dcNorm || !pairs.dcMatrixNorm)
         return messages.fail("Error allocating temporary buffers.\n");
     collectCompared(dTab, pairs);
-    float stdDevD = 0.0f, q = 0.0f;
-    Regression line;
     if (pairs.nD != 0) {
         const double n = pairs.nD;
-        stdDevD =
+        found.stdDevD =
             static_cast<float>(std::sqrt(std::max(0.0, (pairs.rSumD2 - pairs.rSumD * pairs.rSumD / n) / n)));
         const auto count = static_cast<std::size_t>(pairs.nD);
-        line = regress(pairs.dcNorm.span().first(count), pairs.dcMatrixNorm.span().first(count));
+        found.line = regress(pairs.dcNorm.span().first(count), pairs.dcMatrixNorm.span().first(count));
     }
     if (pairs.sumD2 != 0.0)
-        q = static_cast<float>(std::sqrt(pairs.rSumD2 / pairs.sumD2));
-    appendBlock(stdDevD, q, line, result);
+        found.q = static_cast<float>(std::sqrt(pairs.rSumD2 / pairs.sumD2));
     return Status::ok;
 }
 

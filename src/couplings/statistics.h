@@ -14,7 +14,6 @@
 #include "support/numerics/statistics.h"
 
 #include <span>
-#include <string>
 
 namespace trelm {
 
@@ -53,11 +52,16 @@ struct DcStatistics {
 };
 
 /// Fails after a message if there is no memory; the statistics then stay 0.
-Status getStatDCmod(const DTable &dTab, DcStatistics &stat, Messages &messages);
+Status getStatDCmod(const FittedTable &table, DcStatistics &stat, Messages &messages);
 
-/// Statistics of measured against calculated couplings as DATA lines. REGRESSION OFFSET is that of measured
-/// on calculated couplings, SLOPE that of calculated on measured ones. `result` is replaced. Fails after a
-/// message if there is no memory.
-Status statDC(const DTable &dTab, std::string &result, Messages &messages);
+/// The statistics of a simulation.
+struct ComparedCouplings {
+    float stdDevD = 0.0f; ///< standard deviation of the differences, Hz
+    float q = 0.0f;       ///< root of the squared differences over the squared measured couplings
+    Regression line;      ///< y: calculated couplings
+};
+
+/// Fails after a message if there is no memory; the statistics then stay 0.
+Status statDC(const DTable &dTab, ComparedCouplings &found, Messages &messages);
 
 } // namespace trelm

@@ -44,7 +44,7 @@ Status readTable(const std::string &inDName, const CouplingReading &reading, DTa
     return Status::ok;
 }
 
-void settleWindow(DcInfo &dcInfo, const DTable &dTab)
+DcInfo settledWindow(DcInfo dcInfo, const DTable &dTab)
 {
     if (dcInfo.segFirst < unsetResID)
         dcInfo.segFirst = dTab.dMinRes;
@@ -54,6 +54,12 @@ void settleWindow(DcInfo &dcInfo, const DTable &dTab)
         std::swap(dcInfo.segFirst, dcInfo.segLast);
     if (dcInfo.aFirst < unsetResID)
         dcInfo.aFirst = dcInfo.segFirst;
+    return dcInfo;
+}
+
+int residueOffset(const DcInfo &window)
+{
+    return shiftedRes(window.aFirst, -std::int64_t{window.segFirst});
 }
 
 int chooseRows(DTable &dTab, const DcInfo &dcInfo, std::string_view atomNameS1, std::string_view atomNameS2)

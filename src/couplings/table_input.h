@@ -15,8 +15,11 @@ namespace trelm {
 Status readTable(const std::string &inDName, const CouplingReading &reading, DTable &dTab,
                  Messages &messages);
 
-/// Fills what the command line left open from the table, and turns a reversed window.
-void settleWindow(DcInfo &dcInfo, const DTable &dTab);
+/// A window with what the command line left open filled from the table, and turned if it was reversed.
+DcInfo settledWindow(DcInfo dcInfo, const DTable &dTab);
+
+/// What is added to the residue numbers of the couplings to get those of the structure.
+int residueOffset(const DcInfo &window);
 
 /// Chooses rows by window and atom names. Returns the number of valid rows.
 int chooseRows(DTable &dTab, const DcInfo &dcInfo, std::string_view atomNameS1, std::string_view atomNameS2);

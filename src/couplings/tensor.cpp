@@ -125,18 +125,4 @@ void irrCollinarity(const SaupeValues &saupe1, const SaupeValues &saupe2, float 
                        degreesOfRadian);
 }
 
-void reportEuler(std::string &text, const DTensor &dTensor)
-{
-    appendf(text, "DATA EULER_SOLUTIONS %d\n", dTensor.eulerCount);
-    const auto count = static_cast<std::size_t>(std::clamp(dTensor.eulerCount, 0, 8));
-    for (std::size_t i = 0; i < count; ++i)
-        appendf(text, "DATA EULER_ANGLES % 7.2f % 7.2f % 7.2f\n", number(dTensor.psiList[i]),
-                number(dTensor.thetaList[i]), number(dTensor.phiList[i]));
-    const float rhombicity = dTensor.da != 0.0f ? dTensor.dr / dTensor.da : 0.0f;
-    appendf(text, "\nDATA Da % e\nDATA Dr % e\n\n\n", number(dTensor.da), number(dTensor.dr));
-    appendf(text, "DATA Aa % e\nDATA Ar % e\n\n\n", number(2.0f * dTensor.da), number(2.0f * dTensor.dr));
-    appendf(text, "DATA Da_HN      % 8.6e\nDATA Rhombicity % 8.6e\n\n", amideHertz * number(dTensor.da),
-            number(rhombicity));
-}
-
 } // namespace trelm

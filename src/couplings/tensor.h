@@ -9,7 +9,6 @@
 #include "couplings/euler.h"
 
 #include <array>
-#include <string>
 
 namespace trelm {
 
@@ -57,8 +56,5 @@ void irrCollinarity(const SaupeValues &saupe1, const SaupeValues &saupe2, float 
 
 /// The matrix of a Saupe vector.
 Matrix3d saupeMatrix(const Saupe &saupe);
-
-/// Appends the Euler solutions about x, y, z, Da, Dr and what follows from them.
-void reportEuler(std::string &text, const DTensor &dTensor);
 
 } // namespace trelm

@@ -2,9 +2,7 @@
 
 #include "assignment/assigned_rows.h"
 #include "assignment/assignment.h"
-#include "ground/messages.h"
-#include "report/modes.h"
-#include "report/output.h"
+#include "modes/coupling_output.h"
 
 #include <optional>
 #include <utility>
@@ -31,39 +29,38 @@ struct AssignedTable {
 };
 
 /// Searches. Returns nothing after a message.
-std::optional<AssignedTable> assignTable(Run &run, Messages &messages)
+std::optional<AssignedTable> assignTable(const Run &run, Messages &messages)
 {
-    const RunOptions &options = run.options;
-    const TrelmInfo &info = run.trelmInfo[0];
     const ProblemInput input = {.pdbInfo = run.pdbInfo[0],
                                 .dTab = run.dTab[0],
-                                .fixResList = info.fixedResidues,
-                                .media = info.media,
-                                .window = info};
+                                .fixResList = run.assignment.fixedResidues,
+                                .media = run.assignment.media,
+                                .window = run.tensorWindow};
     const std::optional<TableProblem> made = makeProblem(input, messages);
     if (!made)
         return std::nullopt;
     const std::optional<AssignmentResult> found = searchAssignments(
-        made->problem, {.kind = searchKind(info), .mapCount = options.mapCount, .options = info}, messages);
+        made->problem,
+        {.kind = searchKind(run.mode), .mapCount = run.options.mapCount, .options = run.assignment},
+        messages);
     if (!found)
         return std::nullopt;
     std::optional<DTable> dTab = copyTable(run.dTab[0], messages);
     if (!dTab ||
         takeRows(applyAssignment(input, *made, found->bestIdList, messages), *dTab, messages) != Status::ok ||
-        fitMedia(run.pdbInfo[0].coordinates(), info.media, info.verbFlag, *dTab, messages) != Status::ok)
+        fitMedia(run.pdbInfo[0].coordinates(), run.assignment.media, run.report.verbFlag, *dTab, messages) !=
+            Status::ok)
         return std::nullopt;
     return AssignedTable{std::move(*dTab), found->isProved};
 }
 
 /// Fails after a message.
-Status assignAndWrite(Run &run, Messages &messages)
+Status assignAndWrite(const Run &run, Messages &messages)
 {
     const std::optional<AssignedTable> assigned = assignTable(run, messages);
     if (!assigned)
         return Status::failed;
-    const Status status = writeFit({&run.pdbInfo[0], &run.sInfo, &assigned->dTab, &run.trelmInfo[0],
-                                    run.options.outDName, run.options.pRotName, run.options.remark},
-                                   messages);
+    const Status status = writeFit(run, assigned->dTab, messages);
     if (status != Status::ok || assigned->isProved)
         return status;
     return messages.fail(
@@ -72,7 +69,7 @@ Status assignAndWrite(Run &run, Messages &messages)
 
 } // namespace
 
-Status searchAssignment(Run &run, Messages &messages)
+Status searchAssignment(const Run &run, Messages &messages)
 {
     const Status status = assignAndWrite(run, messages);
     if (status != Status::ok)

@@ -6,6 +6,6 @@
 namespace trelm {
 
 /// Fails after its messages.
-Status searchAssignment(Run &run, Messages &messages);
+Status searchAssignment(const Run &run, Messages &messages);
 
 } // namespace trelm

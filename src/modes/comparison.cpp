@@ -5,10 +5,9 @@
 #include "compare/order_matrices.h"
 #include "couplings/saupe_input.h"
 #include "couplings/table_input.h"
-#include "ground/messages.h"
+#include "modes/coupling_output.h"
 #include "modes/doubts.h"
 #include "modes/reading.h"
-#include "report/output.h"
 #include "support/text/output_file.h"
 
 #include <algorithm>
@@ -16,17 +15,16 @@
 namespace trelm {
 namespace {
 
-/// Settles the window of the run by a table, and chooses its couplings. Returns their number.
-int choose(Run &run, DTable &dTab, Messages &messages)
+/// Chooses the couplings of a table by the window of the run. Returns their number.
+int choose(const Run &run, DTable &dTab, Messages &messages)
 {
-    DcInfo &dcInfo = run.dcInfo[0];
-    settleWindow(dcInfo, dTab);
+    const DcInfo dcInfo = settledWindow(run.askedWindow, dTab);
     const int count = chooseRows(dTab, dcInfo, run.options.atomNameS1, run.options.atomNameS2);
     tellRows(count, "selected", dcInfo.excludeMode, messages);
     return count;
 }
 
-Status combine(Run &run, Messages &messages)
+Status combine(const Run &run, Messages &messages)
 {
     Block<DTable> dTab1("trelm", 1), dTab2("trelm", 1);
     if (!dTab1 || !dTab2)
@@ -39,20 +37,19 @@ Status combine(Run &run, Messages &messages)
     choose(run, dTab1[0], messages);
     tellTable(run, run.options.inD1Name, dTab1[0], messages);
     tellTable(run, run.options.inD2Name, dTab2[0], messages);
-    const int shared = adjustDC(run.trelmInfo[0], dTab1[0], dTab2[0]);
+    const int shared = adjustDC(run.comparison, dTab1[0], dTab2[0]);
     if (shared == tooLarge)
         return messages.fail("trelm: a combination of couplings is no finite number: look at -c1 and -c2.\n");
-    tellRows(shared, "combined", run.dcInfo[0].excludeMode, messages);
+    tellRows(shared, "combined", run.askedWindow.excludeMode, messages);
     if (shared == 0)
         messages.warn("trelm: the two tables share no coupling of the selection.\n");
-    return writeDCmod({run.options.outDName}, dTab1[0], run.trelmInfo[0], "", messages);
+    return writeCouplings({run.options.outDName}, dTab1[0], parametersOf(run), messages);
 }
 
 /// The report is a coupling output without couplings, with the combined tensor.
-Status compare(Run &run, Messages &messages)
+Status compare(const Run &run, Messages &messages)
 {
     const RunOptions &options = run.options;
-    const TrelmInfo &trelmInfo = run.trelmInfo[0];
     Saupe saupe1 = options.userSaupe1, saupe2 = options.userSaupe2;
     if ((!options.saupeName1.empty() && readSaupe(options.saupeName1, saupe1, messages) != Status::ok) ||
         (!options.saupeName2.empty() && readSaupe(options.saupeName2, saupe2, messages) != Status::ok))
@@ -61,16 +58,18 @@ Status compare(Run &run, Messages &messages)
                              .saupe2 = saupe2,
                              .hingeAxis = options.hingeAxis,
                              .twistAxis = options.twistAxis,
-                             .rotN = trelmInfo.rotN,
-                             .yzFlag = trelmInfo.yzFlag};
+                             .rotN = run.report.rotN,
+                             .yzFlag = run.fit.yzFlag};
     TensorComparison found;
-    if (const Status status = compareSaupe(pair, trelmInfo, found, messages); status != Status::ok)
+    if (const Status status = compareSaupe(pair, run.comparison, found, messages); status != Status::ok)
         return status;
     std::string text;
     appendComparison(pair, found, text);
-    std::ranges::transform(found.combined, run.dTab[0].dTensor.saupe.begin(),
+    DTable shown;
+    shown.dTensor = run.tensor;
+    std::ranges::transform(found.combined, shown.dTensor.saupe.begin(),
                            [](double value) { return static_cast<float>(value); });
-    return writeDCmod({options.outAName}, run.dTab[0], trelmInfo, text, messages);
+    return writeCouplings({options.outAName, "w", text}, shown, parametersOf(run), messages);
 }
 
 /// Opens the output, before the table is read.
@@ -81,10 +80,10 @@ Status openResult(const RunOptions &options, OutFile &out, Messages &messages)
     return Status::ok;
 }
 
-Status convert(Run &run, Messages &messages)
+Status convert(const Run &run, Messages &messages)
 {
     const RunOptions &options = run.options;
-    const ConversionOptions &conversion = run.trelmInfo[0];
+    const ConversionOptions &conversion = run.conversion;
     Block<DTable> table("convertTab", 1);
     if (!table)
         return messages.fail("Error allocating DC structures.\n");
@@ -100,7 +99,7 @@ Status convert(Run &run, Messages &messages)
     if (fillConverted(conversion, dTab, messages) != Status::ok)
         return Status::failed;
     if (conversion.outFormat == formatTrelm)
-        return writeDCmod({options.outDName}, dTab, run.trelmInfo[0], "", messages);
+        return writeCouplings({options.outDName}, dTab, parametersOf(run), messages);
     std::string text;
     if (convertTab(conversion, dTab, options.inDName, text, messages) != Status::ok)
         return Status::failed;
@@ -120,17 +119,17 @@ constexpr const char *comparisonFailed = "Matrix: error in comparison of order m
 
 } // namespace
 
-Status combineCouplings(Run &run, Messages &messages)
+Status combineCouplings(const Run &run, Messages &messages)
 {
     return judge(combine(run, messages), comparisonFailed, messages);
 }
 
-Status compareTensors(Run &run, Messages &messages)
+Status compareTensors(const Run &run, Messages &messages)
 {
     return judge(compare(run, messages), comparisonFailed, messages);
 }
 
-Status convertTable(Run &run, Messages &messages)
+Status convertTable(const Run &run, Messages &messages)
 {
     return judge(convert(run, messages), "trelm: error in conversion of table.\n", messages);
 }

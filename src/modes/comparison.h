@@ -6,8 +6,8 @@
 namespace trelm {
 
 /// Each does the job of its mode. Fails after its messages.
-Status combineCouplings(Run &run, Messages &messages);
-Status compareTensors(Run &run, Messages &messages);
-Status convertTable(Run &run, Messages &messages);
+Status combineCouplings(const Run &run, Messages &messages);
+Status compareTensors(const Run &run, Messages &messages);
+Status convertTable(const Run &run, Messages &messages);
 
 } // namespace trelm

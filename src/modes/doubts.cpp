@@ -1,8 +1,14 @@
 #include "modes/doubts.h"
 
+#include "compare/options.h"
 #include "couplings/fit_worth.h"
+#include "couplings/formats/placement.h"
+#include "couplings/lost_rows.h"
+#include "couplings/name_mapping.h"
 #include "couplings/table_checks.h"
-#include "report/modes.h"
+#include "couplings/table_input.h"
+#include "simulation/alignment/options.h"
+#include "structure/atom_names.h"
 
 #include <algorithm>
 #include <cmath>
@@ -27,11 +33,11 @@ constexpr TableUse patternUse(const char *mode)
 }
 
 /// A prediction compares with the values of its table, if there are any.
-TableUse useOf(const TrelmInfo &info)
+TableUse useOf(const Run &run)
 {
-    switch (info.trelmMode) {
+    switch (run.mode.trelmMode) {
     case modeBestFit:
-        return fitUses[std::clamp(info.spreadMode, spreadSingle, spreadExhaustSel)];
+        return fitUses[std::clamp(run.mode.spreadMode, spreadSingle, spreadExhaustSel)];
     case modeDaHist:
         return patternUse("-daHist");
     case modeDaMl:
@@ -41,7 +47,7 @@ TableUse useOf(const TrelmInfo &info)
     case modeAnDc:
         return {.mode = "-anDc", .usesValues = true};
     case modeConv:
-        return {.mode = "-dcNoise", .usesValues = true, .needsErrors = info.dcNoise != 0};
+        return {.mode = "-dcNoise", .usesValues = true, .needsErrors = run.conversion.dcNoise != 0};
     default:
         return {.isMeasured = true};
     }
@@ -72,31 +78,86 @@ void tellUnits(const DTensor &tensor, Messages &messages)
 /// Samples are asked for by their number.
 void tellSamples(const Run &run, Messages &messages)
 {
-    const int kind = run.trelmInfo[0].spreadMode;
+    const SpreadKind kind = run.mode.spreadMode;
     const bool isSampled =
         kind == spreadJack || kind == spreadMcDc || kind == spreadMcStruc || kind == spreadRand;
     if (isSampled && run.options.mapCount < 1)
-        messages.warn("trelm: %s without -map draws no sample (-map 1000)\n", useOf(run.trelmInfo[0]).mode);
+        messages.warn("trelm: %s without -map draws no sample (-map 1000)\n", useOf(run).mode);
 }
 
 } // namespace
 
 void tellTable(const Run &run, const std::string &name, const DTable &dTab, Messages &messages)
 {
-    const TableUse use = useOf(run.trelmInfo[0]);
+    const TableUse use = useOf(run);
     tellFindings(dTab.columnFindings, use, name, messages);
     tellFindings(checkRows(dTab, use), use, name, messages);
 }
 
 void tellResidues(const Run &run, Messages &messages)
 {
-    const TableUse use = useOf(run.trelmInfo[0]);
+    const TableUse use = useOf(run);
     const PDBInfo &pdbInfo = run.pdbInfo[0];
     if (use.hasPeaks || pdbInfo.atomCount == 0)
         return;
-    const DcInfo &window = run.dcInfo[0];
-    const int offset = shiftedRes(window.aFirst, -std::int64_t{window.segFirst});
-    tellFindings(checkResidueNames(pdbInfo, run.dTab[0], offset, window.aFirst), use, "", messages);
+    tellFindings(checkResidueNames(pdbInfo, run.dTab[0], residueOffset(run.window), run.window.aFirst), use,
+                 "", messages);
+}
+
+void tellTurnedPairs(const Run &run, Messages &messages)
+{
+    const int turned = run.fit.allowFixedDI != 0 ? countTurnedPairs(run.dTab[0]) : 0;
+    if (turned != 0)
+        messages.warn(
+            "trelm: %d pairs with N first take the distance of the structure, not the fixed one of the other"
+            " order (-names auto)\n",
+            turned);
+}
+
+void tellLostCouplings(const Run &run, Messages &messages)
+{
+    const PDBInfo &pdbInfo = run.pdbInfo[0];
+    if (pdbInfo.atomCount == 0 || searchesAssignment(run.mode.spreadMode))
+        return;
+    tellLostRows(pdbInfo, run.dTab[0], residueOffset(run.window), messages);
+    const LostRows lost = findLostRows(pdbInfo, run.dTab[0], residueOffset(run.window));
+    if (!lost.groups.empty())
+        messages.warn("trelm: %s\n", lostRowsText(lost).c_str());
+    if (lost.lacksHydrogens)
+        messages.warn("trelm: the structure has no hydrogens (-addH builds them)\n");
+}
+
+void tellSelection(const Run &run, Messages &messages)
+{
+    const PDBInfo &pdbInfo = run.pdbInfo[0];
+    const PDBSelectInfo &sInfo = run.askedAtoms;
+    const struct {
+        const char *option;
+        const std::string &list;
+        MatchMode mode;
+        const char *remedy;
+    } rows[] = {{"-resName", sInfo.resNameList, sInfo.resNameMode, "-rExact, -rGlob or -rRegex"},
+                {"-chain", sInfo.chainNameList, sInfo.chainNameMode, "-cExact, -cGlob or -cRegex"},
+                {"-seg", sInfo.segNameList, sInfo.segNameMode, "-sExact, -sGlob or -sRegex"}};
+    for (const auto &row : rows)
+        if (row.list != "*" && row.mode == matchNone)
+            messages.warn("trelm: %s %s acts on nothing without a way to match: %s\n", row.option,
+                          row.list.c_str(), row.remedy);
+    const bool isFit = run.mode.trelmMode == modeBestFit && run.validCount > 0;
+    if (isFit && pdbInfo.chains().size() > 1 && (sInfo.chainNameList != "*" || sInfo.segNameList != "*"))
+        messages.warn(
+            "trelm: the couplings were found in %s of %zu: a selection acts on written structures and"
+            " simulations alone\n",
+            chainsOfRows(pdbInfo, run.dTab[0]).c_str(), pdbInfo.chains().size());
+}
+
+void tellHydrogens(const Run &run, Messages &messages)
+{
+    const Mode mode = run.mode.trelmMode;
+    const bool predicts = mode == modeStTrelm || mode == modeElTrelm || mode == modeStTrelmGrid;
+    if (predicts && run.alignment.Hflag == 0 && hasHydrogens(run.pdbInfo[0]))
+        messages.warn("trelm: the hydrogens of %s are left out of the simulation (-H takes them in)\n",
+                      run.options.pdbName.c_str());
 }
 
 void tellFit(const Run &run, Messages &messages)
@@ -104,7 +165,7 @@ void tellFit(const Run &run, Messages &messages)
     const DTable &dTab = run.dTab[0];
     tellUnits(dTab.dTensor, messages);
     tellSamples(run, messages);
-    if (useOf(run.trelmInfo[0]).hasPeaks)
+    if (useOf(run).hasPeaks)
         return;
     FitColumns columns;
     takeColumns(dTab, columns);

@@ -2,6 +2,7 @@
 
 #include "couplings/statistics.h"
 #include "couplings/tensor.h"
+#include "modes/coupling_output.h"
 #include "modes/simulation.h"
 #include "report/output.h"
 #include "report/run_report.h"
@@ -11,6 +12,7 @@
 #include "simulation/domains/ensemble.h"
 #include "structure/write.h"
 
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -32,12 +34,12 @@ Status orientMolecule(const Run &run, const DomainOptions &domains, std::span<Co
                       Messages &messages)
 {
     const PDBInfo &pdbInfo = run.pdbInfo[0];
-    if (initOrient({pdbInfo, coords}, domains, run.trelmInfo[0].yzFlag, messages) != Status::ok)
+    if (initOrient({pdbInfo, coords}, domains, run.fit.yzFlag, messages) != Status::ok)
         return messages.fail("matrix: error in initOrient.\n");
     const RunOptions &options = run.options;
     return options.pRotName.empty()
                ? Status::ok
-               : writePDB(options.pRotName, {pdbInfo, nullptr, options.remark}, coords, messages);
+               : writePDB(options.pRotName, {pdbInfo, nullptr, run.structureRemark()}, coords, messages);
 }
 
 Status makeEnsemble(const Run &run, const DomainOptions &domains, Ensemble &ensemble, Messages &messages)
@@ -60,13 +62,13 @@ struct EnsembleInput {
     std::span<const double> ddots;
 };
 
-Status averageEnsemble(Run &run, const EnsembleInput &input, EnsembleResult &result, Messages &messages)
+Status averageEnsemble(const Run &run, const EnsembleInput &input, DTable &dTab, EnsembleResult &result,
+                       Messages &messages)
 {
-    const TrelmInfo &trelmInfo = run.trelmInfo[0];
     const RunOptions &options = run.options;
     if (!options.oDcEName.empty())
         messages.out("REMARK Simulated DCs will be appended to %s.\n", options.oDcEName.c_str());
-    const TrelmInfo shown = shownParameters(trelmInfo, input.sample.geometry);
+    const ShownParameters shown = parametersOf(run, input.sample.geometry);
     const EnsembleSetup setup = {
         .simulation = alignmentSetup(run, input.sample, input.ddots, messages),
         .domains = input.sample.domains,
@@ -75,54 +77,67 @@ Status averageEnsemble(Run &run, const EnsembleInput &input, EnsembleResult &res
         .states = input.ensemble.used(),
         .charges = input.sample.charges,
         .sInfo = &run.sInfo,
-        .remark = options.remark,
+        .remark = run.structureRemark(),
         .outName = options.flexName,
         .takeCouplings =
-            [&](DTable &dTab, std::string_view remark) {
-                return writeDCmod({options.oDcEName, "a"}, dTab, shown, remark, messages);
+            [&](const DTable &rows, std::string_view remark) {
+                return writeCouplings({options.oDcEName, "a", remark}, rows, shown, messages);
             },
-        .yzFlag = trelmInfo.yzFlag,
-        .eulerFlag = trelmInfo.eulerFlag,
-        .verbose = trelmInfo.verbFlag};
-    if (trelmInfo.elFlag != 0) // once: all states lie in one field
-        checkField(trelmInfo, messages);
-    if (ensembleAlignment(run.pdbInfo[0], run.dTab[0], setup, result) != Status::ok)
+        .yzFlag = run.fit.yzFlag,
+        .eulerFlag = run.fit.eulerFlag,
+        .verbose = run.report.verbFlag};
+    if (run.alignment.elFlag != 0) // once: all states lie in one field
+        checkField(run.alignment, messages);
+    if (ensembleAlignment(run.pdbInfo[0], dTab, setup, result) != Status::ok)
         return messages.fail("matrix: ensembleAlignment error occured.\n");
     return Status::ok;
 }
 
 /// The report of the averages, on the standard error stream and at the head of the coupling table.
-Status reportAverage(Run &run, const SampleGeometry &geometry, const EnsembleResult &average,
-                     const TensorAnalysis &analysis, Messages &messages)
+Status reportAverage(const ShownParameters &parameters, const EnsembleResult &average,
+                     const TensorAnalysis &analysis, DTable &dTab, const std::string &name,
+                     Messages &messages)
 {
-    const TrelmInfo trelmInfo = shownParameters(run.trelmInfo[0], geometry);
-    DTable &dTab = run.dTab[0];
     const auto rows = dTab.calculated();
     for (std::size_t i = 0; i < rows.size(); ++i)
         rows[i].d = average.couplings[i];
-    std::string result, block;
-    writeTrelm(trelmInfo, result);
+    std::string result;
+    writeTrelm(parameters, result);
     // The irreducible representation of an average of states is not reported: it stands as zero.
     TensorAnalysis shown = analysis;
     shown.irrSaupe = {};
     shown.gMag = 0.0;
-    writeEulerInfo(shown, block, trelmInfo.eulerFlag);
-    result += block;
-    if (statDC(dTab, block, messages) != Status::ok)
+    appendEulerInfo(shown, result, parameters.fit.eulerFlag);
+    ComparedCouplings compared;
+    if (statDC(dTab, compared, messages) != Status::ok)
         return messages.fail("Matrix: error in statDC.\n");
-    result += block;
+    appendCompared(compared, result);
     appendSaupeLines(average.saupe, analysis, result);
     messages.text(Messages::Stream::err, result);
-    return writeDCmod({run.options.aveName}, dTab, trelmInfo, result, messages);
+    return writeCouplings({name, "w", result}, dTab, parameters, messages);
+}
+
+/// Simulates the states, and reports their average.
+Status simulateStates(const Run &run, const EnsembleInput &input, Messages &messages)
+{
+    std::optional<DTable> dTab = copyTable(run.dTab[0], messages);
+    EnsembleResult result;
+    if (!dTab || averageEnsemble(run, input, *dTab, result, messages) != Status::ok)
+        return Status::failed;
+    TensorAnalysis average;
+    if (analyzeSaupe(result.saupe, run.fit.yzFlag, run.fit.eulerFlag, average, messages) != Status::ok)
+        return messages.fail("Matrix: error in analyzeSaupe.\n");
+    return run.validCount == 0 ? Status::ok
+                               : reportAverage(parametersOf(run, input.sample.geometry), result, average,
+                                               *dTab, run.options.aveName, messages);
 }
 
 } // namespace
 
-Status simulateEnsemble(Run &run, Messages &messages)
+Status simulateEnsemble(const Run &run, Messages &messages)
 {
-    const TrelmInfo &trelmInfo = run.trelmInfo[0];
     Sample sample;
-    if (checkEnsemble(trelmInfo, messages) != Status::ok)
+    if (checkEnsemble(run.alignment, messages) != Status::ok)
         return Status::failed;
     if (!run.options.potName.empty())
         messages.warn("trelm: -stTrelmGrid reads no potential: -pot is not used.\n");
@@ -133,21 +148,14 @@ Status simulateEnsemble(Run &run, Messages &messages)
     if (!ensemble.states)
         return messages.fail("Error allocating grid buffers.\n");
     std::vector<Coord3D> start = copyOfCoordinates(run.pdbInfo[0]);
-    std::span<const double> ddots;
-    if (makeDots(run, ddots, messages) != Status::ok ||
+    std::vector<double> dots;
+    if (makeDots(run, dots, messages) != Status::ok ||
         orientMolecule(run, sample.domains, start, messages) != Status::ok ||
         makeEnsemble(run, sample.domains, ensemble, messages) != Status::ok)
         return Status::failed;
     if (sample.domains.outEflag == outSetupOnly)
         return Status::ok;
-    EnsembleResult result;
-    if (averageEnsemble(run, {sample, ensemble, start, ddots}, result, messages) != Status::ok)
-        return Status::failed;
-    TensorAnalysis average;
-    if (analyzeSaupe(result.saupe, trelmInfo.yzFlag, trelmInfo.eulerFlag, average, messages) != Status::ok)
-        return messages.fail("Matrix: error in analyzeSaupe.\n");
-    return trelmInfo.validCountD == 0 ? Status::ok
-                                      : reportAverage(run, sample.geometry, result, average, messages);
+    return simulateStates(run, {sample, ensemble, start, dots}, messages);
 }
 
 } // namespace trelm

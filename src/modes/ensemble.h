@@ -7,6 +7,6 @@ namespace trelm {
 
 /// Simulates an ensemble of domain orientations and averages its couplings. Fails after its
 /// messages.
-Status simulateEnsemble(Run &run, Messages &messages);
+Status simulateEnsemble(const Run &run, Messages &messages);
 
 } // namespace trelm

@@ -1,7 +1,5 @@
 #include "modes/files.h"
 
-#include "modes/run.h"
-#include "report/modes.h"
 #include "support/text/file_identity.h"
 #include "support/text/output_file.h"
 
@@ -14,10 +12,10 @@ namespace trelm {
 namespace {
 
 /// A set of modes, one bit each.
-constexpr std::uint32_t modes(std::initializer_list<int> list)
+constexpr std::uint32_t modes(std::initializer_list<Mode> list)
 {
     std::uint32_t set = 0;
-    for (const int mode : list)
+    for (const Mode mode : list)
         set |= std::uint32_t{1} << mode;
     return set;
 }
@@ -71,22 +69,23 @@ constexpr NameRow mappingRows[] = {
     {"-outA", &RunOptions::outAName, true, 0},
 };
 
-void addStructures(const RunOptions &options, const TrelmInfo &trelmInfo, std::vector<RunFile> &files)
+void addStructures(const Run &run, std::vector<RunFile> &files)
 {
+    const RunOptions &options = run.options;
     constexpr std::uint32_t inFrames = modes({modeStTrelm, modeElTrelm, modeBestFit, modeAnPdb});
     constexpr std::uint32_t plain = modes({modeStTrelmGrid, modeStruc});
     constexpr int frames = 4;
-    const std::uint32_t mode = modes({trelmInfo.trelmMode});
+    const std::uint32_t mode = modes({run.mode.trelmMode});
     const bool isPlain = (mode & plain) != 0 || isPassedOn(options.pRotName);
     if ((mode & inFrames) != 0 && !isPlain)
         for (int k = 0; k < frames; ++k) {
             files.push_back({"-pdbRot", options.pRotName + '.' + std::to_string(k), true});
-            if (k == trelmInfo.rotN)
+            if (k == run.report.rotN)
                 files.push_back({"-pdbRot", options.pRotName, true});
         }
     if (isPlain)
         files.push_back({"-pdbRot", options.pRotName, true});
-    if (trelmInfo.trelmMode == modeStTrelmGrid)
+    if (run.mode.trelmMode == modeStTrelmGrid)
         for (const char *name : {"rot.pdb", "rotEns.pdb"})
             files.push_back({"-stTrelmGrid", name, true});
 }
@@ -139,23 +138,24 @@ void tellObstacles(const std::vector<RunFile> &files, Messages &messages)
 
 } // namespace
 
-std::vector<RunFile> filesOfRun(const RunOptions &options, const TrelmInfo &trelmInfo)
+std::vector<RunFile> filesOfRun(const Run &run)
 {
+    const ModeOptions &mode = run.mode;
     std::vector<RunFile> files;
     const auto add = [&](const NameRow &row) {
-        files.push_back({row.option, options.*row.name, row.isOutput});
+        files.push_back({row.option, run.options.*row.name, row.isOutput});
     };
     for (const NameRow &row : nameRows)
-        if ((row.modes & modes({trelmInfo.trelmMode})) != 0)
+        if ((row.modes & modes({mode.trelmMode})) != 0)
             add(row);
-    const bool isMapping = trelmInfo.spreadMode == spreadJack || trelmInfo.spreadMode == spreadMcDc ||
-                           trelmInfo.spreadMode == spreadMcStruc;
-    if (trelmInfo.trelmMode == modeBestFit && isMapping)
+    const bool isMapping =
+        mode.spreadMode == spreadJack || mode.spreadMode == spreadMcDc || mode.spreadMode == spreadMcStruc;
+    if (mode.trelmMode == modeBestFit && isMapping)
         for (const NameRow &row : mappingRows)
             add(row);
-    if (trelmInfo.trelmMode == modeBestFit && trelmInfo.spreadMode == spreadMcDc)
-        files.push_back({"-outFail", options.outDFailName, true});
-    addStructures(options, trelmInfo, files);
+    if (mode.trelmMode == modeBestFit && mode.spreadMode == spreadMcDc)
+        files.push_back({"-outFail", run.options.outDFailName, true});
+    addStructures(run, files);
     return files;
 }
 

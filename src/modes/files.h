@@ -2,8 +2,7 @@
 #pragma once
 
 #include "ground/messages.h"
-#include "modes/run_options.h"
-#include "report/parameters.h"
+#include "modes/run.h"
 
 #include <string>
 #include <vector>
@@ -18,7 +17,7 @@ struct RunFile {
 };
 
 /// The files of a run in its mode, those included that it names itself.
-std::vector<RunFile> filesOfRun(const RunOptions &options, const TrelmInfo &trelmInfo);
+std::vector<RunFile> filesOfRun(const Run &run);
 
 /// Fails, after one line that names both options, if an output is another file of the run: one regular file,
 /// by whatever name or link, or one new name in one folder (a device can be read and written under two

@@ -4,6 +4,7 @@
 #include "modes/magnitude.h"
 #include "support/text/output_file.h"
 
+#include <span>
 
 namespace trelm {
 namespace {
@@ -34,7 +35,7 @@ Status openScores(const RunOptions &options, OutFile &scores, Messages &messages
     return Status::ok;
 }
 
-Status search(Run &run, Messages &messages)
+Status search(const Run &run, Messages &messages)
 {
     OutFile scores;
     if (openScores(run.options, scores, messages) != Status::ok)
@@ -42,20 +43,20 @@ Status search(Run &run, Messages &messages)
     Block<MlPoint> list("mlGrid", maxMlPoints);
     if (!list)
         return messages.fail("Error allocating the grid of Da and R.\n");
-    const LikelihoodOptions &options = run.trelmInfo[0];
-    ObservedCouplings observed;
+    const LikelihoodOptions &options = run.magnitude;
+    ObservedTable observed;
     MlSearch found;
     if (readObserved(run, observed, messages) != Status::ok ||
-        getMlDabR(observed, options, list.span(), found, messages) != Status::ok)
+        getMlDabR(observed.couplings, options, list.span(), found, messages) != Status::ok)
         return Status::failed;
-    if (fillCalculated(run.dTab[0], found.best, options.mlMap != 0, messages) != Status::ok)
+    if (fillCalculated(observed.dTab, found.best, options.mlMap != 0, messages) != Status::ok)
         return Status::failed;
-    return writeResults(run, found, run.dTab[0], list.span().first(found.points), scores, messages);
+    return writeResults(run, found, observed.dTab, list.span().first(found.points), scores, messages);
 }
 
 } // namespace
 
-Status estimateByLikelihood(Run &run, Messages &messages)
+Status estimateByLikelihood(const Run &run, Messages &messages)
 {
     Status status = search(run, messages);
     if (status != Status::ok)

@@ -6,6 +6,6 @@
 namespace trelm {
 
 /// Fails after its messages.
-Status estimateByLikelihood(Run &run, Messages &messages);
+Status estimateByLikelihood(const Run &run, Messages &messages);
 
 } // namespace trelm

@@ -3,12 +3,11 @@
 #include "couplings/table_input.h"
 #include "magnitude/histogram.h"
 #include "magnitude/motion.h"
+#include "modes/coupling_output.h"
 #include "modes/doubts.h"
 #include "modes/reading.h"
-#include "report/output.h"
 #include "report/run_report.h"
 #include "support/text/output_file.h"
-
 
 namespace trelm {
 namespace {
@@ -33,15 +32,15 @@ void copyObserved(DTable &dTab)
     }
 }
 
-Status runHistogram(Run &run, Messages &messages)
+Status runHistogram(const Run &run, Messages &messages)
 {
-    ObservedCouplings observed;
+    ObservedTable observed;
     MagnitudeResult result;
     if (readObserved(run, observed, messages) != Status::ok ||
-        getHistDabR(observed, run.trelmInfo[0], result, messages) != Status::ok)
+        getHistDabR(observed.couplings, run.magnitude, result, messages) != Status::ok)
         return Status::failed;
-    copyObserved(run.dTab[0]);
-    return reportMagnitude(run, result, run.dTab[0], messages);
+    copyObserved(observed.dTab);
+    return reportMagnitude(run, result, observed.dTab, messages);
 }
 
 Status openResult(OutFile &out, const std::string &name, Messages &messages)
@@ -66,58 +65,58 @@ Status writeMotion(MotionSets &drawn, OutFile &outSc, OutFile &outCol, Messages 
     return status;
 }
 
-Status runMotion(Run &run, Messages &messages)
+Status runMotion(const Run &run, Messages &messages)
 {
     OutFile outSc, outCol;
     if (openResult(outSc, run.options.outScName, messages) != Status::ok ||
         openResult(outCol, run.options.outColName, messages) != Status::ok)
         return Status::failed;
-    ObservedCouplings observed;
+    ObservedTable observed;
     if (readObserved(run, observed, messages) != Status::ok)
         return Status::failed;
-    const DcInfo &window = run.dcInfo[0];
+    const DcInfo &window = observed.window;
     MotionSets drawn;
     if (drawMotion(
-            {run.dTab[0], window.segFirst, window.segLast, observed, run.trelmInfo[0], run.trelmInfo[0]},
+            {observed.dTab, window.segFirst, window.segLast, observed.couplings, run.magnitude, run.draw},
             drawn, messages) != Status::ok ||
         writeMotion(drawn, outSc, outCol, messages) != Status::ok)
         return Status::failed;
-    return reportMagnitude(run, {}, run.dTab[0], messages);
+    return reportMagnitude(run, {}, observed.dTab, messages);
 }
 
 } // namespace
 
-Status readObserved(Run &run, ObservedCouplings &observed, Messages &messages)
+Status readObserved(const Run &run, ObservedTable &observed, Messages &messages)
 {
     const RunOptions &options = run.options;
-    DTable &dTab = run.dTab[0];
-    DcInfo &dcInfo = run.dcInfo[0];
+    DTable &dTab = observed.dTab;
+    dTab.dTensor = run.tensor;
     if (readCouplings(options, options.inDName, dTab, messages) != Status::ok)
         return Status::failed;
-    settleWindow(dcInfo, dTab);
-    const int count = chooseRows(dTab, dcInfo, options.atomNameS1, options.atomNameS2);
-    tellRows(count, "selected", dcInfo.excludeMode, messages);
+    observed.window = settledWindow(run.askedWindow, dTab);
+    const int count = chooseRows(dTab, observed.window, options.atomNameS1, options.atomNameS2);
+    tellRows(count, "selected", observed.window.excludeMode, messages);
     tellTable(run, options.inDName, dTab, messages);
     if (count <= 0)
         return messages.fail("trelm: no coupling is left to estimate a tensor from.\n");
-    return collectObserved(dTab, observed, messages);
+    return collectObserved(dTab, observed.couplings, messages);
 }
 
 Status reportMagnitude(const Run &run, const MagnitudeResult &result, const DTable &dTab, Messages &messages)
 {
-    TrelmInfo shown = run.trelmInfo[0];
-    static_cast<MagnitudeResult &>(shown) = result;
+    ShownParameters shown = parametersOf(run);
+    shown.estimate = &result;
     std::string text;
     writeTrelm(shown, text);
-    return writeDCmod({run.options.outDName}, dTab, shown, text, messages);
+    return writeCouplings({run.options.outDName, "w", text}, dTab, shown, messages);
 }
 
-Status estimateByHistogram(Run &run, Messages &messages)
+Status estimateByHistogram(const Run &run, Messages &messages)
 {
     return judge(runHistogram(run, messages), messages);
 }
 
-Status estimateByMotion(Run &run, Messages &messages)
+Status estimateByMotion(const Run &run, Messages &messages)
 {
     return judge(runMotion(run, messages), messages);
 }

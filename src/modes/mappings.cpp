@@ -4,13 +4,13 @@
 #include "errors/jackknife.h"
 #include "errors/mapping_text.h"
 #include "errors/structural_noise.h"
-#include "report/output.h"
-#include "structure/write.h"
+#include "modes/coupling_output.h"
 #include "support/text/output_file.h"
 #include "support/text/text.h"
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -32,15 +32,15 @@ constexpr const char *noDaWords = "TRELM Error opening log file for Da distribut
 constexpr MappingWords noiseWords = {noDaWords, "", " "};
 constexpr MappingWords mappingWords = {"TRELM Error opening log file for Angular distribution ", ".", "  "};
 
-MappingInput inputOf(Run &run)
+MappingInput inputOf(const Run &run)
 {
     return {.pdbInfo = run.pdbInfo[0],
             .coords = run.pdbInfo[0].coordinates(),
             .dTab = run.dTab[0],
-            .fit = run.trelmInfo[0],
-            .validCount = run.trelmInfo[0].validCountD,
+            .fit = run.fit,
+            .validCount = run.validCount,
             .mapCount = run.options.mapCount,
-            .verbose = run.trelmInfo[0].verbFlag};
+            .verbose = run.report.verbFlag};
 }
 
 /// Opens the four files. Fails after a message.
@@ -93,83 +93,89 @@ void writeSamples(const TensorSamples &samples, const MappingWords &words, Sampl
     }
 }
 
-/// The structure in the frame of the mean tensor. Fails after messages that end in `words`.
-Status writeMeanFrame(Run &run, const TensorSamples &samples, const char *words, Messages &messages)
-{
-    const EulerLists &euler = samples.euler;
-    const Status status =
-        writePDBRot({euler.gamma, euler.beta, euler.alpha}, run.trelmInfo[0].rotN,
-                    {run.pdbInfo[0], &run.sInfo, run.options.remark}, run.options.pRotName, messages);
-    return status == Status::ok ? status : messages.fail("%s", words);
-}
-
-/// Writes a table.
-Status writeTable(const Run &run, const std::string &name, const DTable &dTab, const std::string &text,
+/// Writes a table with what a mapping found.
+Status writeTable(const Run &run, const std::string &name, const FittedTable &table, const std::string &text,
                   Messages &messages)
 {
-    return writeDCmod({name}, dTab, run.trelmInfo[0], text, messages);
+    return writeCouplings({name, "w", text}, table, parametersOf(run), messages);
 }
 
 /// Couplings and structure of the mean tensor. Fails after a message.
-Status reportMeanTensor(Run &run, const TensorSamples &samples, MappingFit &fit, int mapCount,
+Status reportMeanTensor(const Run &run, const TensorSamples &samples, MappingFit &fit, int mapCount,
                         Messages &messages)
 {
     if (fitMean(samples, inputOf(run), fit, messages) != Status::ok)
         return Status::failed;
-    takeFit(fit.last, run.dTab[0]);
-    if (writeTable(run, run.options.outDName, run.dTab[0], mappingReport(samples), messages) != Status::ok)
+    if (writeTable(run, run.options.outDName, {run.dTab[0], fit.last}, mappingReport(samples), messages) !=
+        Status::ok)
         return Status::failed;
     if (samples.count != 0)
-        return writeMeanFrame(run, samples, "trelm: error in writePDBRot.\n", messages);
+        return writeFrames(run, samples.euler, "trelm: error in writePDBRot.\n", messages);
     messages.err("WARNING %d SVD runs of %d succesful.\n", 0, mapCount);
     return Status::ok;
 }
 
 /// The failures are told beside Da and Dr of the mean tensor, by which their Q goes. Fails after a message.
-Status takeMean(const TrelmInfo &options, DTensor &tensor, Messages &messages)
+Status takeMean(const Run &run, DTensor &tensor, Messages &messages)
 {
     const bool isTensor = tensor.saupe != SaupeValues{} &&
                           std::ranges::all_of(tensor.saupe, [](float value) { return std::isfinite(value); });
-    if (!isTensor || options.eulerFlag == 0 || options.verbFlag == 0)
+    if (!isTensor || run.fit.eulerFlag == 0 || run.report.verbFlag == 0)
         return Status::ok;
     Saupe saupe;
     std::ranges::copy(tensor.saupe, saupe.begin());
     TensorAnalysis mean;
-    if (analyzeSaupe(saupe, options.yzFlag, 1, mean, messages) != Status::ok)
+    if (analyzeSaupe(saupe, run.fit.yzFlag, 1, mean, messages) != Status::ok)
         return Status::failed;
     tensor.da = static_cast<float>(mean.da);
     tensor.dr = static_cast<float>(mean.dr);
     return Status::ok;
 }
 
-/// Means and deviations of the couplings, and then in place of the weights the number of fits that missed
-/// them. Angles, Da and Dr of the tensor stay those of the last noisy fit. Fails after a message.
-Status reportCouplingNoise(Run &run, const CouplingNoiseResult &result, Messages &messages)
+/// The couplings that noise leaves in the mean, as a fit. Angles, Da and Dr of the tensor stay those of the
+/// last noisy fit.
+FitResult meanFit(const DTable &dTab, const CouplingNoiseResult &result)
 {
-    DTable &shown = run.dTab[0];
-    takeFit(result.fit.last, shown);
-    std::ranges::transform(result.samples.saupeAve, shown.dTensor.saupe.begin(),
+    FitResult shown = result.fit.last;
+    std::ranges::transform(result.samples.saupeAve, shown.tensor.saupe.begin(),
                            [](double element) { return static_cast<float>(element); });
-    const auto observed = shown.observed();
-    const auto calculated = shown.calculated();
-    for (std::size_t i = 0; i < observed.size(); ++i) {
-        if (calculated[i].valid != 0)
-            observed[i].sigma = result.deviation[i];
-        if (takesPart(calculated[i])) // others are never calculated
-            calculated[i].d = result.mean[i];
-    }
+    for (std::size_t i = 0; i < shown.calculated.size(); ++i)
+        if (takesPart(dTab.dCalcList[i])) // others are never calculated
+            shown.calculated[i] = result.mean[i];
+    return shown;
+}
+
+/// A column of the table: what noise has found for the rows that are valid, of the others what they hold.
+std::vector<float> columnOf(const DTable &dTab, float DInfo::*field,
+                            const std::function<float(std::size_t)> &found)
+{
+    std::vector<float> column(dTab.dCount);
+    for (std::size_t i = 0; i < column.size(); ++i)
+        column[i] = dTab.dCalcList[i].valid != 0 ? found(i) : dTab.dObsList[i].*field;
+    return column;
+}
+
+/// Means and deviations of the couplings, and then in place of the weights the number of fits that missed
+/// them. Fails after a message.
+Status reportCouplingNoise(const Run &run, const CouplingNoiseResult &result, Messages &messages)
+{
+    const DTable &dTab = run.dTab[0];
+    FitResult mean = meanFit(dTab, result);
+    FittedTable shown(dTab, mean);
+    const auto deviations = columnOf(dTab, &DInfo::sigma, [&](std::size_t i) { return result.deviation[i]; });
+    shown.sigma = deviations;
     Status status = writeTable(run, run.options.outDName, shown, mappingReport(result.samples), messages);
-    for (std::size_t i = 0; i < observed.size(); ++i)
-        if (calculated[i].valid != 0)
-            observed[i].w = static_cast<float>(result.countFail[i]);
-    if (takeMean(run.trelmInfo[0], shown.dTensor, messages) != Status::ok)
+    const auto missed =
+        columnOf(dTab, &DInfo::w, [&](std::size_t i) { return static_cast<float>(result.countFail[i]); });
+    shown.w = missed;
+    if (takeMean(run, mean.tensor, messages) != Status::ok)
         status = Status::failed;
     std::string fails = "\nREMARK Failure Statistics.\n";
     appendf(fails, "DATA STATISTICS MAPPING NUMBER OF SUCCESFUL STEPS   %d\n\n\n", result.samples.count);
     if (writeTable(run, run.options.outDFailName, shown, fails, messages) != Status::ok)
         status = Status::failed;
     if (result.samples.count != 0 &&
-        writeMeanFrame(run, result.samples, "matrix: error in writePDBRot.\n", messages) != Status::ok)
+        writeFrames(run, result.samples.euler, "matrix: error in writePDBRot.\n", messages) != Status::ok)
         status = Status::failed;
     return status;
 }
@@ -186,7 +192,7 @@ Status noMemory(Messages &messages)
     return messages.fail("Error allocating coord buffers.\n");
 }
 
-Status couplingNoise(Run &run, Messages &messages)
+Status couplingNoise(const Run &run, Messages &messages)
 {
     CouplingNoiseResult result(run.dTab[0].observed().size());
     if (!result)
@@ -194,7 +200,7 @@ Status couplingNoise(Run &run, Messages &messages)
     SampleFiles files;
     if (openFiles(run.options, noiseWords, messages, files) != Status::ok)
         return Status::failed;
-    if (mapSimDC(inputOf(run), run.trelmInfo[0], watchInto(files), messages, result) != Status::ok) {
+    if (mapSimDC(inputOf(run), run.couplingNoise, watchInto(files), messages, result) != Status::ok) {
         keepNew(files.da, messages); // its head stands before the first fit
         return Status::failed;
     }
@@ -202,32 +208,32 @@ Status couplingNoise(Run &run, Messages &messages)
     return ended(reportCouplingNoise(run, result, messages), files, messages);
 }
 
-Status jackknife(Run &run, Messages &messages)
+Status jackknife(const Run &run, Messages &messages)
 {
-    warnOfFraction(run.trelmInfo[0], messages);
+    warnOfFraction(run.jackknife, messages);
     JackknifeResult result;
     if (!result.samples.store)
         return noMemory(messages);
     SampleFiles files;
     if (openFiles(run.options, mappingWords, messages, files) != Status::ok ||
-        aeraSimDC(inputOf(run), run.trelmInfo[0], watchInto(files), messages, result) != Status::ok)
+        aeraSimDC(inputOf(run), run.jackknife, watchInto(files), messages, result) != Status::ok)
         return Status::failed;
     writeSamples(result.samples, mappingWords, files);
     return ended(reportMeanTensor(run, result.samples, result.fit, run.options.mapCount, messages), files,
                  messages);
 }
 
-Status structuralNoise(Run &run, Messages &messages)
+Status structuralNoise(const Run &run, Messages &messages)
 {
-    if (checkPositions(run.trelmInfo[0], messages) != Status::ok)
+    if (checkPositions(run.structuralNoise, messages) != Status::ok)
         return Status::failed;
     StructuralNoiseResult result;
     if (!result.samples.store)
         return noMemory(messages);
-    const DcInfo &window = run.dcInfo[0];
+    const DcInfo &window = run.window;
     SampleFiles files;
     if (openFiles(run.options, mappingWords, messages, files) != Status::ok ||
-        noiseStrucSimDC(inputOf(run), run.trelmInfo[0], {window.aFirst, window.segFirst, window.segLast},
+        noiseStrucSimDC(inputOf(run), run.structuralNoise, {window.aFirst, window.segFirst, window.segLast},
                         watchInto(files), messages, result) != Status::ok)
         return Status::failed;
     if (result.couplings == 0)
@@ -244,17 +250,17 @@ Status tellFailure(Status status, Messages &messages)
 
 } // namespace
 
-Status mapCouplingNoise(Run &run, Messages &messages)
+Status mapCouplingNoise(const Run &run, Messages &messages)
 {
     return run.dTab[0].dCount == 0 ? Status::ok : tellFailure(couplingNoise(run, messages), messages);
 }
 
-Status mapJackknife(Run &run, Messages &messages)
+Status mapJackknife(const Run &run, Messages &messages)
 {
     return run.dTab[0].dCount == 0 ? Status::ok : tellFailure(jackknife(run, messages), messages);
 }
 
-Status mapStructuralNoise(Run &run, Messages &messages)
+Status mapStructuralNoise(const Run &run, Messages &messages)
 {
     return tellFailure(structuralNoise(run, messages), messages);
 }

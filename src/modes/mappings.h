@@ -6,8 +6,8 @@
 namespace trelm {
 
 // All fail after their messages.
-Status mapCouplingNoise(Run &run, Messages &messages);
-Status mapStructuralNoise(Run &run, Messages &messages);
-Status mapJackknife(Run &run, Messages &messages);
+Status mapCouplingNoise(const Run &run, Messages &messages);
+Status mapStructuralNoise(const Run &run, Messages &messages);
+Status mapJackknife(const Run &run, Messages &messages);
 
 } // namespace trelm

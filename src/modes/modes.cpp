@@ -1,7 +1,7 @@
-#include "report/modes.h"
 #include "couplings/fit.h"
 #include "modes/assignment.h"
 #include "modes/comparison.h"
+#include "modes/coupling_output.h"
 #include "modes/doubts.h"
 #include "modes/ensemble.h"
 #include "modes/files.h"
@@ -11,7 +11,7 @@
 #include "modes/mappings.h"
 #include "modes/simulation.h"
 #include "modes/structural_noise.h"
-#include "report/output.h"
+#include "modes/structure_analysis.h"
 
 #include <algorithm>
 
@@ -22,38 +22,34 @@ namespace {
 struct ModeRow {
     Mode trelmMode;
     bool commonInput; ///< the common input phase comes first
-    Status (*work)(Run &run, Messages &messages);
+    Status (*work)(const Run &run, Messages &messages);
 };
 
 /// A kind of best-fit.
 struct SpreadRow {
     SpreadKind spreadMode;
-    Status (*work)(Run &run, Messages &messages);
+    Status (*work)(const Run &run, Messages &messages);
 };
 
 /// Fits the table of the run. What the fit works on is gone before the report is made.
-Status fitTable(Run &run, Messages &messages)
+Status fitTable(const Run &run, FitResult &fit, Messages &messages)
 {
-    DTable &dTab = run.dTab[0];
+    const DTable &dTab = run.dTab[0];
     FitColumns columns;
     takeColumns(dTab, columns);
     FitWork work;
-    FitResult fit = startOf(dTab);
-    if (fitColumns({run.pdbInfo[0].coordinates(), dTab, columns, run.trelmInfo[0].verbFlag}, work, fit,
-                   messages) != Status::ok)
-        return Status::failed;
-    takeFit(fit, dTab);
-    return Status::ok;
+    fit = startOf(dTab);
+    return fitColumns({run.pdbInfo[0].coordinates(), dTab, columns, run.report.verbFlag}, work, fit,
+                      messages);
 }
 
-Status bestFitSingle(Run &run, Messages &messages)
+Status bestFitSingle(const Run &run, Messages &messages)
 {
-    if (run.trelmInfo[0].validCountD == 0)
+    if (run.validCount == 0)
         messages.warn("trelm: no coupling is left to fit.\n");
-    if (fitTable(run, messages) != Status::ok ||
-        writeFit({&run.pdbInfo[0], &run.sInfo, &run.dTab[0], &run.trelmInfo[0], run.options.outDName,
-                  run.options.pRotName, run.options.remark},
-                 messages) != Status::ok)
+    FitResult fit;
+    if (fitTable(run, fit, messages) != Status::ok ||
+        writeFit(run, {run.dTab[0], fit}, messages) != Status::ok)
         return messages.fail("trelm: error in best-fit of data.\n");
     return Status::ok;
 }
@@ -70,10 +66,10 @@ const SpreadRow &spreadRow(SpreadKind spreadMode)
     return row != std::end(spreadRows) ? *row : spreadRows[0];
 }
 
-Status bestFit(Run &run, Messages &messages)
+Status bestFit(const Run &run, Messages &messages)
 {
     tellFit(run, messages);
-    return spreadRow(run.trelmInfo[0].spreadMode).work(run, messages);
+    return spreadRow(run.mode.spreadMode).work(run, messages);
 }
 
 constexpr ModeRow modeRows[] = {
@@ -91,14 +87,14 @@ constexpr ModeRow modeRows[] = {
     {modeAsRan, true, setUpCharges},
     {modeAnDc, false, combineCouplings},
     {modeAnA, false, compareTensors},
-    {modeAnPdb, true, analyzeStructure},
+    {modeAnPdb, true, reportStructure},
     {modeStruc, true, addStructureNoise},
     {modeConv, false, convertTable},
 };
 
 /// An input that a mode can do nothing without.
 struct NeedRow {
-    int trelmMode;
+    Mode trelmMode;
     const char *option;
     std::string RunOptions::*name;
     const char *lack;
@@ -126,7 +122,7 @@ constexpr NeedRow needRows[] = {
 void warnOfMissingInputs(const Run &run, Messages &messages)
 {
     for (const NeedRow &row : needRows)
-        if (row.trelmMode == static_cast<int>(run.trelmInfo[0].trelmMode) && (run.options.*row.name).empty())
+        if (row.trelmMode == run.mode.trelmMode && (run.options.*row.name).empty())
             messages.warn("trelm: %s is missing: %s.\n", row.option, row.lack);
 }
 
@@ -135,11 +131,8 @@ void warnOfMissingInputs(const Run &run, Messages &messages)
 Status runMode(Run &run, Messages &messages)
 {
     warnOfMissingInputs(run, messages);
-    const TrelmInfo &trelmInfo = run.trelmInfo[0];
-    const ModeRow &mode = *std::ranges::find(modeRows, trelmInfo.trelmMode, &ModeRow::trelmMode);
-    if (run.options.hasNoStructures != 0)
-        run.options.pRotName = "/dev/null";
-    if (const Status status = checkFiles(filesOfRun(run.options, trelmInfo), messages); status != Status::ok)
+    const ModeRow &mode = *std::ranges::find(modeRows, run.mode.trelmMode, &ModeRow::trelmMode);
+    if (const Status status = checkFiles(filesOfRun(run), messages); status != Status::ok)
         return status;
     const Status status = mode.commonInput ? readInputs(run, messages) : Status::ok;
     if (status != Status::ok)

@@ -1,7 +1,8 @@
-// What one run owns.
+// What one run goes by, and what it has read.
 #pragma once
 
 #include "couplings/dipolar.h"
+#include "couplings/options.h"
 #include "ground/alloc.h"
 #include "ground/messages.h"
 #include "modes/run_options.h"
@@ -11,22 +12,53 @@
 
 namespace trelm {
 
-/// The records and buffers of a run, in the order in which the tear-down gives them back. The arrays behind
-/// dcInfo are asked for by the common input phase, once and for the whole run.
-struct Run {
-    RunOptions options;
-    PDBSelectInfo sInfo;
-    AtomMask selection; ///< the atoms of sInfo, without the hydrogens if they are to stay out
+struct AssignmentOptions;
+struct CouplingNoiseOptions;
+struct DrawOptions;
+struct JackknifeOptions;
+struct StructuralNoiseOptions;
+struct TensorWindow;
+
+/// What the command line asks for, record by record. Nothing of it changes. Who reads a record includes its
+/// header.
+struct AskedOptions {
+    const RunOptions &options;
+    const ModeOptions &mode;
+    const FitOptions &fit;
+    const ReportOptions &report;
+    const DTensor &tensor; ///< to start from
+    const DcInfo &askedWindow;
+    const PDBSelectInfo &askedAtoms;
+    const AlignmentOptions &alignment;
+    const MagnitudeOptions &magnitude;
+    const DrawOptions &draw;
+    const JackknifeOptions &jackknife;
+    const CouplingNoiseOptions &couplingNoise;
+    const StructuralNoiseOptions &structuralNoise;
+    const ComparisonOptions &comparison;
+    const ConversionOptions &conversion;
+    const AssignmentOptions &assignment;
+    const TensorWindow &tensorWindow;
+};
+
+/// What the common input phase reads and settles; afterwards nothing of it changes. In modes without that
+/// phase the molecule and the table stay empty.
+struct RunInputs {
     Block<PDBInfo> pdbInfo;
     Block<DTable> dTab;
-    Block<TrelmInfo> trelmInfo;
-    Block<DcInfo> dcInfo;
-    Block<double> xI, yI, zI;    ///< atoms chosen for simulation, counted from 1
-    Block<int> chargeAtomID;     ///< atom of each charge, counted from 1
-    Block<float> charges;        ///< value of each charge, counted from 1
-    Block<int> chargeAtomIDOrig; ///< the same, before a simulation renumbers them
-    Block<float> chargesOrig;
-    Block<double> ddots; ///< orientation points on the unit sphere, three values each
+    DcInfo window;       ///< of the couplings, what was left open settled by the table
+    int validCount = 0;  ///< couplings that a choice of rows and the structure have left
+    PDBSelectInfo sInfo; ///< the criteria that were applied last; those of the structures that are written
+    AtomMask selection;  ///< atoms, without the hydrogens if they are to stay out
+    std::string remark;  ///< for the structures: that of the run, and what tells of built hydrogens
+};
+
+struct Run : AskedOptions, RunInputs {
+    /// For a structure that is written; null without any.
+    [[nodiscard]] const char *structureRemark() const
+    {
+        return remark.empty() ? options.remark : remark.c_str();
+    }
 };
 
 /// Does what the run's mode asks for. Fails after its messages, with the status of the failing step.

@@ -1,9 +1,7 @@
-// What a command line sets beside the run record: file names, lists, and a few numbers.
+// What a command line sets beside the records of the branches: file names, lists, and a few numbers.
 #pragma once
 
 #include "ground/alloc.h"
-#include "report/parameters.h"
-
 #include <array>
 #include <string>
 
@@ -33,7 +31,6 @@ struct RunOptions {
     std::string atomNameS1 = "All";    ///< atoms of the couplings to use; "All": any
     std::string atomNameS2 = "All";
     const char *remark = nullptr; ///< remark for the results; lives as long as the arguments
-    std::string builtRemark;      ///< the same, with what tells of built hydrogens
 
     // Read and kept for scripts that pass them; no mode looks at them.
     std::string inCSName, outCSName, outSName, refName;

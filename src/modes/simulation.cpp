@@ -2,8 +2,7 @@
 
 #include "couplings/fit.h"
 #include "couplings/tensor.h"
-#include "modes/structure_analysis.h"
-#include "report/output.h"
+#include "modes/coupling_output.h"
 #include "simulation/alignment/alignment.h"
 #include "simulation/alignment/face.h"
 #include "simulation/alignment/free_format.h"
@@ -11,7 +10,6 @@
 #include "simulation/charges/field.h"
 #include "simulation/domains/config.h"
 #include "simulation/orientations/sphere.h"
-#include "structure/write.h"
 
 #include <algorithm>
 #include <vector>
@@ -53,69 +51,72 @@ void printPrediction(const Prediction &prediction, Messages &messages)
 
 /// What is simulated.
 struct Solute {
-    Sample sample; ///< its charges by their places in `atoms`
-    CoordinateBuffers atoms;
-    std::span<const double> ddots;
+    Sample sample;
+    SelectionBuffers buffers;
+    Chosen chosen; ///< in these buffers
+    std::vector<double> dots;
 };
 
-/// From the simulated order matrix to couplings and report. `analysis` gets the tensor with its own sign.
-Status finishAlignment(Run &run, const Solute &solute, Saupe saupe, TensorAnalysis &analysis,
-                       Messages &messages)
+/// A simulated tensor as a fit, with the couplings of it if any take part. Fails after a message.
+Status fitSimulated(const Run &run, const Saupe &saupe, FitResult &fit, Messages &messages)
 {
-    const TrelmInfo &trelmInfo = run.trelmInfo[0];
-    DTable &dTab = run.dTab[0];
-    // What survives beside the obstacle averages to the opposite sign.
-    for (double &element : saupe)
-        element = -element;
-    if (analyzeSaupe(saupe, trelmInfo.yzFlag, trelmInfo.eulerFlag, analysis, messages) != Status::ok)
-        return messages.fail("Matrix: error in analyzeSaupe.\n");
-    DTensor &tensor = dTab.dTensor;
-    tensor.tensorMode = tensorGiven;
-    auto &target = trelmInfo.validCountD != 0 ? tensor.userSaupe : tensor.saupe;
+    const DTable &dTab = run.dTab[0];
+    fit = startOf(dTab);
+    fit.tensor.tensorMode = tensorGiven;
+    auto &target = run.validCount != 0 ? fit.tensor.userSaupe : fit.tensor.saupe;
     std::ranges::transform(saupe, target.begin(), [](double element) { return static_cast<float>(element); });
-    if (trelmInfo.validCountD != 0 && !fitD(run.pdbInfo[0].coordinates(), dTab, trelmInfo.verbFlag, messages))
-        return Status::failed;
-    return writeDCmod({run.options.outDName}, dTab, shownParameters(trelmInfo, solute.sample.geometry), "",
+    if (run.validCount == 0)
+        return Status::ok;
+    FitColumns columns;
+    FitWork work;
+    takeColumns(dTab, columns);
+    return fitColumns({run.pdbInfo[0].coordinates(), dTab, columns, run.report.verbFlag}, work, fit,
                       messages);
 }
 
-/// The charges by their atoms in the molecule, as many as the simulation had.
-ChargeSet originalCharges(Run &run, ChargeSet charges)
+/// From the simulated order matrix to couplings and report. `analysis` gets the tensor with its own sign.
+Status finishAlignment(const Run &run, const Solute &solute, Saupe saupe, TensorAnalysis &analysis,
+                       Messages &messages)
 {
-    charges.chargeAtomID = run.chargeAtomIDOrig.span();
-    charges.charges = run.chargesOrig.span();
-    return charges;
+    // What survives beside the obstacle averages to the opposite sign.
+    for (double &element : saupe)
+        element = -element;
+    if (analyzeSaupe(saupe, run.fit.yzFlag, run.fit.eulerFlag, analysis, messages) != Status::ok)
+        return messages.fail("Matrix: error in analyzeSaupe.\n");
+    FitResult fit;
+    if (fitSimulated(run, saupe, fit, messages) != Status::ok)
+        return Status::failed;
+    return writeCouplings({run.options.outDName}, {run.dTab[0], fit},
+                          parametersOf(run, solute.sample.geometry), messages);
 }
 
 /// Everything before the simulation itself. `complaint` is said if there is no selection of atoms.
-Status chooseSolute(Run &run, const char *complaint, Solute &solute, Messages &messages)
+Status chooseSolute(const Run &run, const char *complaint, Solute &solute, Messages &messages)
 {
     if (setUp(run, solute.sample, messages) != Status::ok ||
-        makeDots(run, solute.ddots, messages) != Status::ok)
+        makeDots(run, solute.dots, messages) != Status::ok ||
+        makeSelectionBuffers("matrix", run.pdbInfo[0], solute.buffers, messages) != Status::ok)
         return Status::failed;
-    const CoordinateBuffers places = {run.xI.span(), run.yI.span(), run.zI.span()};
-    SelectedCount selected;
-    if (chCoorSelect({run.pdbInfo[0], run.selection}, run.trelmInfo[0], places, solute.sample.charges,
-                     selected, messages) != Status::ok)
+    Chosen &chosen = solute.chosen;
+    if (selectSolute({run.pdbInfo[0], run.selection}, run.alignment, solute.sample.charges, solute.buffers,
+                     chosen, messages) != Status::ok)
         return messages.fail("%s", complaint);
-    if (selected.dipole)
-        reportDipole(*selected.dipole, messages);
-    const std::size_t count = selected.places;
-    messages.out("REMARK %zu atoms selected for simulation.\n", count);
-    messages.out("REMARK %d charges selected for simulation.\n", solute.sample.charges.chCount);
-    solute.atoms = {places.x.first(count), places.y.first(count), places.z.first(count)};
+    if (chosen.dipole)
+        reportDipole(*chosen.dipole, messages);
+    messages.out("REMARK %zu atoms selected for simulation.\n", chosen.atoms.x.size());
+    messages.out("REMARK %d charges selected for simulation.\n", chosen.charges.chCount);
     return Status::ok;
 }
 
 /// Simulates, and finishes what the modes share.
-Status alignSolute(Run &run, const Solute &solute, AlignmentFields &fields, TensorAnalysis &analysis,
+Status alignSolute(const Run &run, Solute &solute, AlignmentFields &fields, TensorAnalysis &analysis,
                    Messages &messages)
 {
     Prediction prediction;
-    if (run.trelmInfo[0].elFlag != 0 && run.trelmInfo[0].lcType != lcGrid)
-        checkField(run.trelmInfo[0], messages);
-    const Status status = simulateAlignment(alignmentSetup(run, solute.sample, solute.ddots, messages),
-                                            solute.atoms, solute.sample.charges, fields, prediction);
+    if (run.alignment.elFlag != 0 && run.alignment.lcType != lcGrid)
+        checkField(run.alignment, messages);
+    const Status status = simulateAlignment(alignmentSetup(run, solute.sample, solute.dots, messages),
+                                            solute.chosen.atoms, solute.chosen.charges, fields, prediction);
     if (status != Status::ok)
         return status == Status::ended ? status : messages.fail("Matrix: Error simulating alignment.\n");
     printPrediction(prediction, messages);
@@ -124,7 +125,7 @@ Status alignSolute(Run &run, const Solute &solute, AlignmentFields &fields, Tens
 
 void reportGridFile(const Run &run, int digPotential, Messages &messages)
 {
-    const TrelmInfo &info = run.trelmInfo[0];
+    const AlignmentOptions &info = run.alignment;
     if (!run.options.pot3DName.empty())
         messages.err("REMARK 3D Potential %s, Total # of gridpositions %d (x: %d, y: %d, z: %d).\n",
                      run.options.pot3DName.c_str(), digPotential, info.grid3DnX, info.grid3DnY,
@@ -137,23 +138,14 @@ Status readStericGrid(const Run &run, Messages &messages)
 {
     Block<float> pot3Dst;
     int digPotential = 0;
-    if (read3DPotSteric(run.options.pot3DName, run.trelmInfo[0], pot3Dst, digPotential, messages) !=
-        Status::ok)
+    if (read3DPotSteric(run.options.pot3DName, run.alignment, pot3Dst, digPotential, messages) != Status::ok)
         return messages.fail("ERROR: Reading of 3D potential not successful.\n");
     reportGridFile(run, digPotential, messages);
     return Status::ok;
 }
 
-Status turnStructure(const Run &run, const EulerLists &euler, Messages &messages)
-{
-    const Status status =
-        writePDBRot({euler.gamma, euler.beta, euler.alpha}, run.trelmInfo[0].rotN,
-                    {run.pdbInfo[0], &run.sInfo, run.options.remark}, run.options.pRotName, messages);
-    return status == Status::ok ? status : messages.fail("matrix: error in writePDBRot.\n");
-}
-
 /// The molecule beside a charged wall or rod, and which of its faces that prefers.
-Status alignBesideParticle(Run &run, const Solute &solute, Messages &messages)
+Status alignBesideParticle(const Run &run, Solute &solute, Messages &messages)
 {
     const RunOptions &options = run.options;
     AlignmentFields fields;
@@ -166,18 +158,21 @@ Status alignBesideParticle(Run &run, const Solute &solute, Messages &messages)
     TensorAnalysis analysis;
     if (const Status status = alignSolute(run, solute, fields, analysis, messages); status != Status::ok)
         return status;
-    const ChargeSet charges = originalCharges(run, solute.sample.charges);
-    if (iFacePDB(analysis.euler, {run.pdbInfo[0], run.selection, run.trelmInfo[0], charges}, potential,
-                 {options.pRotName, options.remark, messages}) != Status::ok)
+    ChargeSet charges =
+        solute.chosen.charges; // as many as the simulation had, by their atoms in the molecule
+    charges.chargeAtomID = solute.sample.charges.chargeAtomID;
+    charges.charges = solute.sample.charges.charges;
+    if (iFacePDB(analysis.euler, {run.pdbInfo[0], run.selection, run.alignment, charges}, potential,
+                 {options.pRotName, run.structureRemark(), messages}) != Status::ok)
         return messages.fail("trelm: error in iFacePDB.\n");
     return Status::ok;
 }
 
-Status alignInGrid(Run &run, const Solute &solute, Messages &messages)
+Status alignInGrid(const Run &run, Solute &solute, Messages &messages)
 {
     AlignmentFields fields;
     int digPotential = 0;
-    if (read3DPotential(run.options.pot3DName, run.trelmInfo[0], fields.pot3D, digPotential, messages) !=
+    if (read3DPotential(run.options.pot3DName, run.alignment, fields.pot3D, digPotential, messages) !=
         Status::ok)
         return messages.fail("ERROR: Reading of 3D potential not successful.\n");
     reportGridFile(run, digPotential, messages);
@@ -187,63 +182,58 @@ Status alignInGrid(Run &run, const Solute &solute, Messages &messages)
 
 } // namespace
 
-Status setUp(Run &run, Sample &sample, Messages &messages)
+Status setUp(const Run &run, Sample &sample, Messages &messages)
 {
-    const TrelmInfo &trelmInfo = run.trelmInfo[0];
-    ChargeSet &charges = sample.charges;
+    const AlignmentOptions &alignment = run.alignment;
     const RunOptions &options = run.options;
-    if (checkSample(trelmInfo, messages) != Status::ok)
+    if (checkSample(alignment, messages) != Status::ok)
         return Status::failed;
     if (readConfig(options.inpName, sample.domains, messages) != Status::ok)
         return messages.fail("Error reading configuration file %s\n", options.inpName.c_str());
-    charges.chargeAtomID = run.chargeAtomID.span();
-    charges.charges = run.charges.span();
-    if (chargeSetup(options.pkaName, {run.pdbInfo[0], run.selection}, trelmInfo, charges, options.outPkaName,
+    sample.chargeAtomID = Block<int>("matrix", maxCharges + 1);
+    sample.chargeValues = Block<float>("matrix", maxCharges + 1);
+    if (!sample.chargeAtomID || !sample.chargeValues)
+        return messages.fail("Error allocating charge and potential buffers.\n");
+    ChargeSet &charges = sample.charges;
+    charges.chargeAtomID = sample.chargeAtomID.span();
+    charges.charges = sample.chargeValues.span();
+    if (chargeSetup(options.pkaName, {run.pdbInfo[0], run.selection}, alignment, charges, options.outPkaName,
                     messages) != Status::ok)
         return messages.fail("WARNING: Error setting up charges!\n");
-    std::ranges::copy(charges.chargeAtomID, run.chargeAtomIDOrig.data());
-    std::ranges::copy(charges.charges, run.chargesOrig.data());
     messages.out("REMARK %d charges placed, Total charge %.3f [e].\n", charges.chCount,
                  static_cast<double>(charges.chSum));
-    if (trelmInfo.elFlag != 0 && trelmInfo.chFlag != 0)
+    if (alignment.elFlag != 0 && alignment.chFlag != 0)
         listCharges(run.pdbInfo[0], charges, messages);
-    sample.geometry = refine_bicelle(trelmInfo);
+    sample.geometry = refine_bicelle(alignment);
     return Status::ok;
 }
 
-TrelmInfo shownParameters(const TrelmInfo &trelmInfo, const SampleGeometry &geometry)
+ShownParameters parametersOf(const Run &run, const SampleGeometry &geometry)
 {
-    TrelmInfo shown = trelmInfo;
-    shown.molarRatio = geometry.molarRatio;
-    shown.lengthModel = geometry.lengthModel;
-    shown.orderDiscRim = geometry.orderDiscRim;
+    ShownParameters shown = parametersOf(run);
+    shown.geometry = &geometry;
     return shown;
 }
 
 AlignmentSetup alignmentSetup(const Run &run, const Sample &sample, std::span<const double> dots,
                               Messages &messages)
 {
-    return {run.trelmInfo[0], messages, static_cast<double>(sample.geometry.rSingleCell), dots};
+    return {run.alignment, messages, static_cast<double>(sample.geometry.rSingleCell), dots};
 }
 
-Status makeDots(Run &run, std::span<const double> &ddots, Messages &messages)
+Status makeDots(const Run &run, std::vector<double> &dots, Messages &messages)
 {
-    std::vector<double> dots;
-    if (!do_unsp(run.trelmInfo[0].densityNSC, dots) ||
-        dots.size() > run.ddots.span().size()) // checkSimulation has bounded them
-        return messages.fail("Matrix: unsp error occured.\n");
-    std::ranges::copy(dots, run.ddots.data());
-    ddots = run.ddots.span().first(dots.size());
-    return Status::ok;
+    return do_unsp(run.alignment.densityNSC, dots) ? Status::ok
+                                                   : messages.fail("Matrix: unsp error occured.\n");
 }
 
-Status simulateSteric(Run &run, Messages &messages)
+Status simulateSteric(const Run &run, Messages &messages)
 {
-    const TrelmInfo &trelmInfo = run.trelmInfo[0];
-    const bool inGrid = trelmInfo.lcType == lcGrid;
-    if (inGrid && trelmInfo.elFlag != 0)
+    const AlignmentOptions &alignment = run.alignment;
+    const bool inGrid = alignment.lcType == lcGrid;
+    if (inGrid && alignment.elFlag != 0)
         return messages.fail("trelm: -stTrelm -3D knows no charges: see -elTrelm.\n");
-    if (checkSimulation(trelmInfo, messages) != Status::ok)
+    if (checkSimulation(alignment, messages) != Status::ok)
         return Status::failed;
     Solute solute;
     if (chooseSolute(run, "trelm: error reading selection of atoms.\n", solute, messages) != Status::ok ||
@@ -252,58 +242,48 @@ Status simulateSteric(Run &run, Messages &messages)
     AlignmentFields fields;
     TensorAnalysis analysis;
     const Status status = alignSolute(run, solute, fields, analysis, messages);
-    return status != Status::ok ? status : turnStructure(run, analysis.euler, messages);
+    return status != Status::ok
+               ? status
+               : writeFrames(run, analysis.euler, "matrix: error in writePDBRot.\n", messages);
 }
 
-Status simulateElectrostatic(Run &run, Messages &messages)
+Status simulateElectrostatic(const Run &run, Messages &messages)
 {
-    if (checkSimulation(run.trelmInfo[0], messages) != Status::ok)
+    if (checkSimulation(run.alignment, messages) != Status::ok)
         return Status::failed;
     Solute solute;
     if (chooseSolute(run, "Matrix: Error reading selection of atoms.\n", solute, messages) != Status::ok)
         return Status::failed;
-    return run.trelmInfo[0].lcType == lcGrid ? alignInGrid(run, solute, messages)
-                                             : alignBesideParticle(run, solute, messages);
+    return run.alignment.lcType == lcGrid ? alignInGrid(run, solute, messages)
+                                          : alignBesideParticle(run, solute, messages);
 }
 
-Status simulateFree(Run &run, Messages &messages)
+Status simulateFree(const Run &run, Messages &messages)
 {
-    const TrelmInfo &trelmInfo = run.trelmInfo[0];
-    if (trelmInfo.lcType != lcWall && trelmInfo.lcType != lcRod)
+    const AlignmentOptions &alignment = run.alignment;
+    if (alignment.lcType != lcWall && alignment.lcType != lcRod)
         return messages.fail("trelm: -stTrelmFree knows the models -bic and -pf1 only.\n");
-    if (checkSample(trelmInfo, messages) != Status::ok || checkSimulation(trelmInfo, messages) != Status::ok)
+    if (checkSample(alignment, messages) != Status::ok || checkSimulation(alignment, messages) != Status::ok)
         return Status::failed;
     Saupe saupe = {};
-    Status status = ssiaFree(trelmInfo, run.options.pdbFName, saupe, messages);
+    Status status = ssiaFree(alignment, run.options.pdbFName, saupe, messages);
     if (status == Status::ok) {
-        std::ranges::transform(saupe, run.dTab[0].dTensor.saupe.begin(),
+        DTable shown;
+        shown.dTensor = run.tensor;
+        std::ranges::transform(saupe, shown.dTensor.saupe.begin(),
                                [](double element) { return static_cast<float>(element); });
-        status = writeDCmod({run.options.outAName}, run.dTab[0],
-                            shownParameters(trelmInfo, refine_bicelle(trelmInfo)), "", messages);
+        status = writeCouplings({run.options.outAName}, shown, parametersOf(run, refine_bicelle(alignment)),
+                                messages);
     }
     if (status != Status::ok)
         messages.err("matrix: error in ssiaFree.\n");
     return status;
 }
 
-Status setUpCharges(Run &run, Messages &messages)
+Status setUpCharges(const Run &run, Messages &messages)
 {
     Sample sample;
     return setUp(run, sample, messages);
-}
-
-Status analyzeStructure(Run &run, Messages &messages)
-{
-    Sample sample;
-    if (setUp(run, sample, messages) != Status::ok)
-        return Status::failed;
-    const RunOptions &options = run.options;
-    const Status status = analyzePDB(
-        {run.pdbInfo[0], run.selection}, shownParameters(run.trelmInfo[0], sample.geometry), sample.charges,
-        options.userSaupe1, {options.pRotName, options.outPName, &run.sInfo, options.remark}, messages);
-    if (status != Status::ok)
-        messages.err("trelm: error in analysis of PDB.\n");
-    return status;
 }
 
 } // namespace trelm

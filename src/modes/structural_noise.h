@@ -7,6 +7,6 @@ namespace trelm {
 
 /// Adds noise to the vectors of the couplings or to the backbone angles, and writes the structure. Fails
 /// after its messages.
-Status addStructureNoise(Run &run, Messages &messages);
+Status addStructureNoise(const Run &run, Messages &messages);
 
 } // namespace trelm

@@ -35,4 +35,16 @@ enum SpreadKind : int {
     spreadExhaustSel = 6,
 };
 
+/// Whether a kind of best-fit puts couplings on other residues than those of the table.
+constexpr bool searchesAssignment(SpreadKind kind)
+{
+    return kind == spreadRand || kind == spreadExhaust || kind == spreadExhaustSel;
+}
+
+/// The mode, and the kind of best-fit.
+struct ModeOptions {
+    Mode trelmMode = modeStTrelm;
+    SpreadKind spreadMode = spreadSingle;
+};
+
 } // namespace trelm

@@ -1,12 +1,8 @@
 #include "report/output.h"
 
-#include "couplings/fit.h"
-#include "couplings/statistics.h"
-#include "report/modes.h"
+#include "couplings/options.h"
 #include "report/run_report.h"
-#include "structure/write.h"
 #include "support/numerics/numbers.h"
-#include "support/text/output_file.h"
 #include "support/text/text.h"
 
 #include <algorithm>
@@ -101,43 +97,36 @@ void appendEigensystem(const TensorAnalysis &analysis, std::string &text)
     appendEulerSolutions(analysis.euler, text);
 }
 
-/// The tensor that is reported: of a run without couplings that of its Saupe vector, else that of the
-/// analysis.
-DTensor settledTensor(const TensorAnalysis &analysis, int nD, DTensor tensor)
+/// The Euler solutions about x, y, z, Da, Dr and what follows from them.
+void appendRotations(const DTensor &tensor, std::string &text)
 {
-    if (nD <= 0) {
-        solveEuler(tensor);
-        return tensor;
-    }
-    for (std::size_t k = 0; k < 3; ++k)
-        tensor.eigVal[k] = static_cast<float>(analysis.eigVal[k]);
-    tensor.da = static_cast<float>(analysis.da);
-    tensor.dr = static_cast<float>(analysis.dr);
-    return tensor;
+    text += "\n\nREMARK Euler angles (psi/theta/phi) for rotation about x, y, z.\n\n";
+    appendf(text, "DATA EULER_SOLUTIONS %d\n", tensor.eulerCount);
+    const auto count = static_cast<std::size_t>(std::clamp(tensor.eulerCount, 0, 8));
+    for (std::size_t i = 0; i < count; ++i)
+        appendf(text, "DATA EULER_ANGLES % 7.2f % 7.2f % 7.2f\n", number(tensor.psiList[i]),
+                number(tensor.thetaList[i]), number(tensor.phiList[i]));
+    const float rhombicity = tensor.da != 0.0f ? tensor.dr / tensor.da : 0.0f;
+    appendf(text, "\nDATA Da % e\nDATA Dr % e\n\n\n", number(tensor.da), number(tensor.dr));
+    appendf(text, "DATA Aa % e\nDATA Ar % e\n\n\n", number(2.0f * tensor.da), number(2.0f * tensor.dr));
+    appendf(text, "DATA Da_HN      % 8.6e\nDATA Rhombicity % 8.6e\n\n", amideHertz * number(tensor.da),
+            number(rhombicity));
 }
 
-/// Everything about the tensor, unless it is zero. Fails after a message.
-Status appendTensor(const TrelmInfo &trelmInfo, int nD, const DTensor &tensor, std::string &text,
-                    Messages &messages)
+/// Everything about the tensor, unless it is zero. One that is no finite number has no axes.
+void appendTensor(const TableAnalysis &analysis, bool hasEuler, std::string &text)
 {
-    if (std::ranges::all_of(tensor.saupe, [](float value) { return value == 0.0f; }))
-        return Status::ok;
-    appendOrderMatrix(tensor, text);
-    if (!std::ranges::all_of(tensor.saupe, [](float value) { return std::isfinite(value); }))
-        return Status::ok; // a quotient by zero: there are no axes
-    Saupe saupe;
-    std::ranges::copy(tensor.saupe, saupe.begin());
-    TensorAnalysis analysis;
-    if (analyzeSaupe(saupe, trelmInfo.yzFlag, trelmInfo.eulerFlag, analysis, messages) != Status::ok)
-        return messages.fail("TRELM: error occured in analyzeSaupe.\n");
-    appendIrreducible(analysis, text);
-    appendMapping(analysis, text);
-    if (trelmInfo.eulerFlag == 0)
-        return Status::ok;
-    appendEigensystem(analysis, text);
-    text += "\n\nREMARK Euler angles (psi/theta/phi) for rotation about x, y, z.\n\n";
-    reportEuler(text, settledTensor(analysis, nD, tensor));
-    return Status::ok;
+    if (analysis.settled.saupe == SaupeValues{})
+        return;
+    appendOrderMatrix(analysis.settled, text);
+    if (!analysis.tensor)
+        return;
+    appendIrreducible(*analysis.tensor, text);
+    appendMapping(*analysis.tensor, text);
+    if (!hasEuler)
+        return;
+    appendEigensystem(*analysis.tensor, text);
+    appendRotations(analysis.settled, text);
 }
 
 void appendStatistics(const DcStatistics &stat, QKind qFlag, std::string &text)
@@ -218,132 +207,79 @@ void appendValue(std::string &text, float value, int decimals)
     appendFixed(text, value, 9, decimals, SignPlace::blank);
 }
 
-void appendRow(const DInfo &o, const DCalc &c, const DTable &dTab, bool verbose, std::string &text)
+void appendRow(const FittedTable &table, std::size_t i, bool verbose, std::string &text)
 {
-    appendSide({o.resIDI, o.names->resNameI, o.names->atomNameI, o.names->chainNameI, o.names->segNameI},
-               dTab, text);
-    appendSide({o.resIDJ, o.names->resNameJ, o.names->atomNameJ, o.names->chainNameJ, o.names->segNameJ},
-               dTab, text);
+    const DInfo &o = table.dTab.dObsList[i];
+    const RowNames &names = *o.names;
+    const float d = table.calculated(i);
+    appendSide({o.resIDI, names.resNameI, names.atomNameI, names.chainNameI, names.segNameI}, table.dTab,
+               text);
+    appendSide({o.resIDJ, names.resNameJ, names.atomNameJ, names.chainNameJ, names.segNameJ}, table.dTab,
+               text);
     if (verbose) {
-        appendValue(text, c.di, 2);
+        appendValue(text, table.dTab.dCalcList[i].di, 2);
         appendValue(text, o.d, 4);
     }
-    appendValue(text, c.d, 4);
+    appendValue(text, d, 4);
     if (verbose)
-        appendValue(text, o.d >= missingCoupling || c.d >= missingCoupling ? noCoupling : o.d - c.d, 4);
+        appendValue(text, o.d >= missingCoupling || d >= missingCoupling ? noCoupling : o.d - d, 4);
     text += ' ';
-    appendFixed(text, o.sigma, 7, 4, SignPlace::none);
+    appendFixed(text, table.error(i), 7, 4, SignPlace::none);
     text += ' ';
-    appendFixed(text, o.w, 0, 2, SignPlace::none);
+    appendFixed(text, table.weight(i), 0, 2, SignPlace::none);
     text += '\n';
 }
 
-void appendTable(const DTable &dTab, bool verbose, std::string &text)
+void appendTable(const FittedTable &table, bool verbose, std::string &text)
 {
     text += '\n';
-    appendTableHead(dTab, verbose, text);
-    for (std::size_t i = 0; i < dTab.dCount; ++i) {
-        const DInfo &o = dTab.dObsList[i];
-        const DCalc &c = dTab.dCalcList[i];
-        if (o.valid != 0 && c.valid != 0)
-            appendRow(o, c, dTab, verbose, text);
-    }
-}
-
-bool isNumber(float value)
-{
-    return std::isfinite(value);
-}
-
-bool rowsAreFinite(const DTable &dTab)
-{
-    for (std::size_t i = 0; i < dTab.observed().size(); ++i) {
-        const DInfo &o = dTab.observed()[i];
-        const DCalc &c = dTab.calculated()[i];
-        if (o.valid != 0 && c.valid != 0 && !(isNumber(c.d) && isNumber(o.sigma) && isNumber(o.w)))
-            return false;
-    }
-    return true;
-}
-
-/// Fails after a message if a number of the result is none. Quotients by 0 of a comparison go out as they
-/// are.
-Status checkFinite(const DTable &dTab, const TrelmInfo &trelmInfo, Messages &messages)
-{
-    const bool hasQuotients = trelmInfo.trelmMode == modeAnA || trelmInfo.trelmMode == modeAnDc;
-    if (hasQuotients || (std::ranges::all_of(dTab.dTensor.saupe, isNumber) && rowsAreFinite(dTab)))
-        return Status::ok;
-    return messages.fail(
-        "trelm: the result is no finite number: look at the options and at D, DD and W of the table.\n");
-}
-
-/// The report and the table. Fails after a message: without the tensor's axes the text ends there.
-Status appendExtended(const DTable &dTab, const TrelmInfo &trelmInfo, std::string_view remark,
-                      std::string &text, Messages &messages)
-{
-    DcStatistics stat;
-    const Status status = getStatDCmod(dTab, stat, messages);
-    if (!(isNumber(stat.rSumD2) && isNumber(stat.pSumD)) && rowsAreFinite(dTab))
-        return messages.fail("trelm: the deviations are no finite numbers: look at D, DD and W.\n");
-    text += "REMARK Molecular Alignment Simulation.\n\n";
-    text += remark;
-    text += "REMARK Simulation parameters.\n";
-    appendModeBlock(trelmInfo, dTab.dTensor, text);
-    if (appendTensor(trelmInfo, stat.nD, dTab.dTensor, text, messages) != Status::ok)
-        return Status::failed;
-    appendf(text, "\nREMARK Dipolar couplings.\n\nDATA N                    %d\nDATA SEQUENCE \n", stat.nD);
-    if (stat.nD == 0)
-        return status;
-    appendStatistics(stat, trelmInfo.qFlag, text);
-    appendTable(dTab, true, text);
-    return status;
-}
-
-/// The table alone. Its head comes even without a valid row.
-void appendShort(const DTable &dTab, std::string &text)
-{
-    text += "DATA SEQUENCE \n";
-    if (dTab.dCount != 0)
-        appendTable(dTab, false, text);
+    appendTableHead(table.dTab, verbose, text);
+    for (std::size_t i = 0; i < table.dTab.dCount; ++i)
+        if (table.isShown(i))
+            appendRow(table, i, verbose, text);
 }
 
 } // namespace
 
-Status writeDCmod(const TableOutput &output, const DTable &dTab, const TrelmInfo &trelmInfo,
-                  std::string_view remark, Messages &messages)
+std::string couplingReport(const FittedTable &table, const TableAnalysis &analysis,
+                           const ShownParameters &parameters, std::string_view remark)
 {
-    if (checkFinite(dTab, trelmInfo, messages) != Status::ok)
-        return Status::failed;
-    std::string text;
-    Status status = Status::ok;
-    if (trelmInfo.verbFlag != 0)
-        status = appendExtended(dTab, trelmInfo, remark, text, messages);
-    else
-        appendShort(dTab, text);
-    if (status != Status::ok && text.empty())
-        return status;
-    OutFile out;
-    if (openOut(out, output.name, output.access) != Status::ok)
-        messages.err("DC Error opening output file %s\n", output.name.c_str());
-    writeOut(out, text);
-    return closeOut(out, messages) != Status::ok ? Status::failed : status;
+    std::string text = "REMARK Molecular Alignment Simulation.\n\n";
+    text += remark;
+    text += "REMARK Simulation parameters.\n";
+    appendModeBlock(parameters, table.tensor, text);
+    appendTensor(analysis, parameters.fit.eulerFlag != 0, text);
+    const DcStatistics &stat = analysis.statistics;
+    appendf(text, "\nREMARK Dipolar couplings.\n\nDATA N                    %d\nDATA SEQUENCE \n", stat.nD);
+    if (stat.nD == 0)
+        return text;
+    appendStatistics(stat, parameters.report.qFlag, text);
+    appendTable(table, true, text);
+    return text;
 }
 
-Status writeFit(const FittedRun &run, Messages &messages)
+std::string couplingTable(const FittedTable &table)
 {
-    Saupe saupe;
-    std::ranges::copy(run.dTab->dTensor.saupe, saupe.begin());
-    TensorAnalysis analysis;
-    if (analyzeSaupe(saupe, run.trelmInfo->yzFlag, run.trelmInfo->eulerFlag, analysis, messages) !=
-        Status::ok)
-        return messages.fail("trelm: error in analyzeSaupe.\n");
-    const Status written = writeDCmod({run.outDName}, *run.dTab, *run.trelmInfo, "", messages);
-    if (written != Status::ok)
-        return written;
-    const EulerLists &euler = analysis.euler;
-    const Status turned = writePDBRot({euler.gamma, euler.beta, euler.alpha}, run.trelmInfo->rotN,
-                                      {*run.pdbInfo, run.sInfo, run.remark}, run.pdbRotName, messages);
-    return turned == Status::ok ? written : messages.fail("trelm: error in writePDBRot.\n");
+    std::string text = "DATA SEQUENCE \n";
+    if (table.dTab.dCount != 0)
+        appendTable(table, false, text);
+    return text;
+}
+
+void appendCompared(const ComparedCouplings &found, std::string &text)
+{
+    const Regression &line = found.line;
+    text += "\nDATA STATISTICS DC\n";
+    appendf(text, "DATA STATISTICS DC STDDEV_DIFF  %.3f [Hz]\n", number(found.stdDevD));
+    appendf(text, "DATA STATISTICS DC CORR R       %.3f\n", number(line.r));
+    appendf(text, "DATA STATISTICS DC CORNILESCU Q %.3f\n", number(found.q));
+    appendf(text, "DATA STATISTICS DC REGRESSION OFFSET    %.3f +/- %.3f [Hz]\n", number(line.xOnY.a),
+            number(line.xOnY.siga));
+    appendf(text, "DATA STATISTICS DC REGRESSION SLOPE     %.3f +/- %.3f [Hz]\n", number(line.yOnX.b),
+            number(line.yOnX.sigb));
+    appendf(text, "DATA STATISTICS DC REGRESSION BAX SLOPE %.3f +/- %.3f [Hz]\n", number(line.aveSlope),
+            number(line.errAveSlope));
+    text += "\n";
 }
 
 void appendSaupeLines(const Saupe &saupe, const TensorAnalysis &analysis, std::string &text)
@@ -354,9 +290,8 @@ void appendSaupeLines(const Saupe &saupe, const TensorAnalysis &analysis, std::s
     appendf(text, "DATA Da(NH) = %.1f    R = Dr/Da = %.3f\n", analysis.da * amideScale, R);
 }
 
-void writeEulerInfo(const TensorAnalysis &analysis, std::string &result, int eulerFlag)
+void appendEulerInfo(const TensorAnalysis &analysis, std::string &result, int eulerFlag)
 {
-    result.clear();
     if (eulerFlag == 0)
         return;
     const auto &a = analysis.irrSaupe;

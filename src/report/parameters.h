@@ -1,39 +1,31 @@
-// The parameters of a run, as its command line sets them and its report shows them.
+// The parameters of a run, as its report shows them.
 #pragma once
 
-#include "assignment/options.h"
-#include "compare/options.h"
-#include "couplings/options.h"
-#include "errors/options.h"
-#include "magnitude/options.h"
-#include "magnitude/results.h"
 #include "report/modes.h"
-#include "simulation/alignment/options.h"
 
 namespace trelm {
 
-/// The mode, and the kind of best-fit.
-struct ModeOptions {
-    Mode trelmMode = modeStTrelm;
-    SpreadKind spreadMode = spreadSingle;
-};
+struct AlignmentOptions;
+struct ComparisonOptions;
+struct ConversionOptions;
+struct FitOptions;
+struct MagnitudeOptions;
+struct MagnitudeResult;
+struct ReportOptions;
+struct SampleGeometry;
 
-/// Every parameter of a run. Option names stand in the table of command/params.
-struct TrelmInfo : AlignmentOptions,
-                   MagnitudeOptions,
-                   MagnitudeResult,
-                   ModeOptions,
-                   FitOptions,
-                   ReportOptions,
-                   JackknifeOptions,
-                   CouplingNoiseOptions,
-                   StructuralNoiseOptions,
-                   ComparisonOptions,
-                   ConversionOptions,
-                   DrawOptions,
-                   AssignmentOptions,
-                   TensorWindow {
-    int validCountD = 0; ///< couplings that survive selection and mapping
+/// The records of a run whose values stand at the head of its reports. An argument, and no more, for it holds
+/// references.
+struct ShownParameters {
+    Mode trelmMode;
+    const FitOptions &fit;
+    const ReportOptions &report;
+    const AlignmentOptions &alignment;
+    const MagnitudeOptions &magnitude;
+    const ComparisonOptions &comparison;
+    const ConversionOptions &conversion;
+    const SampleGeometry *geometry = nullptr;  ///< of a simulation; null: as the options have it
+    const MagnitudeResult *estimate = nullptr; ///< of a magnitude mode; null: zeros
 };
 
 } // namespace trelm

@@ -1,7 +1,10 @@
 #include "report/run_report.h"
 
+#include "compare/options.h"
 #include "couplings/dipolar.h"
-#include "report/modes.h"
+#include "magnitude/options.h"
+#include "magnitude/results.h"
+#include "simulation/alignment/alignment.h"
 #include "support/numerics/numbers.h"
 #include "support/text/text.h"
 
@@ -12,56 +15,56 @@ namespace trelm {
 namespace {
 
 /// Appends one or more lines about a run.
-using Line = void (*)(const TrelmInfo &info, std::string &text);
+using Line = void (*)(const ShownParameters &info, std::string &text);
 
-void lcType(const TrelmInfo &info, std::string &text)
+void lcType(const ShownParameters &info, std::string &text)
 {
-    if (info.lcType == lcWall)
+    if (info.alignment.lcType == lcWall)
         text += "DATA TRELM LC_TYPE             wall\n";
-    else if (info.lcType == lcRod)
+    else if (info.alignment.lcType == lcRod)
         text += "DATA TRELM LC_TYPE              rod\n";
 }
-void concentration(const TrelmInfo &info, std::string &text)
+void concentration(const ShownParameters &info, std::string &text)
 {
-    appendf(text, "DATA TRELM LC_CONCENTRATION    %.3f\n", number(info.concentration));
+    appendf(text, "DATA TRELM LC_CONCENTRATION    %.3f\n", number(info.alignment.concentration));
 }
-void orientations(const TrelmInfo &info, std::string &text)
+void orientations(const ShownParameters &info, std::string &text)
 {
-    appendf(text, "DATA TRELM ORIENT_SPHERE       %d\n", info.densityNSC);
-    appendf(text, "DATA TRELM ORIENT_PSI          %d\n", info.digPsiNSC);
+    appendf(text, "DATA TRELM ORIENT_SPHERE       %d\n", info.alignment.densityNSC);
+    appendf(text, "DATA TRELM ORIENT_PSI          %d\n", info.alignment.digPsiNSC);
 }
-void gridSpacing(const TrelmInfo &info, std::string &text)
+void gridSpacing(const ShownParameters &info, std::string &text)
 {
-    appendf(text, "DATA TRELM GRID_SPACING       % .3f\n", number(info.gridSpacing));
+    appendf(text, "DATA TRELM GRID_SPACING       % .3f\n", number(info.alignment.gridSpacing));
 }
-void modelRadius(const TrelmInfo &info, std::string &text)
+void modelRadius(const ShownParameters &info, std::string &text)
 {
-    appendf(text, "DATA TRELM MODEL_RADIUS       % .3f\n", number(info.radiusModel));
+    appendf(text, "DATA TRELM MODEL_RADIUS       % .3f\n", number(info.alignment.radiusModel));
 }
-void lcOrder(const TrelmInfo &info, std::string &text)
+void lcOrder(const ShownParameters &info, std::string &text)
 {
-    appendf(text, "DATA TRELM LC_ORDER           % .3f\n", number(info.lcOrder));
+    appendf(text, "DATA TRELM LC_ORDER           % .3f\n", number(info.alignment.lcOrder));
 }
-void atomRadius(const TrelmInfo &info, std::string &text)
+void atomRadius(const ShownParameters &info, std::string &text)
 {
-    appendf(text, "DATA TRELM ATOM_RADIUS        % .3f\n", number(info.radiusAtom));
+    appendf(text, "DATA TRELM ATOM_RADIUS        % .3f\n", number(info.alignment.radiusAtom));
 }
-void selection(const TrelmInfo &info, std::string &text)
+void selection(const ShownParameters &info, std::string &text)
 {
-    appendf(text, "DATA TRELM SEL_SIMPLE_FLAG     %d\n", info.Hflag);
-    appendf(text, "DATA TRELM SURF_FLAG           %d\n", info.surfFlag);
+    appendf(text, "DATA TRELM SEL_SIMPLE_FLAG     %d\n", info.alignment.Hflag);
+    appendf(text, "DATA TRELM SURF_FLAG           %d\n", info.alignment.surfFlag);
 }
-void pH(const TrelmInfo &info, std::string &text)
+void pH(const ShownParameters &info, std::string &text)
 {
-    appendf(text, "DATA TRELM EL PH              % .3f\n", number(info.pH));
+    appendf(text, "DATA TRELM EL PH              % .3f\n", number(info.alignment.pH));
 }
-void salt(const TrelmInfo &info, std::string &text)
+void salt(const ShownParameters &info, std::string &text)
 {
-    appendf(text, "DATA TRELM EL NACL            % .3f\n", number(info.concNaCl));
+    appendf(text, "DATA TRELM EL NACL            % .3f\n", number(info.alignment.concNaCl));
 }
-void surfaceCharge(const TrelmInfo &info, std::string &text)
+void surfaceCharge(const ShownParameters &info, std::string &text)
 {
-    appendf(text, "DATA TRELM EL SURF_CH         % .3f\n", number(info.chDensSurf));
+    appendf(text, "DATA TRELM EL SURF_CH         % .3f\n", number(info.alignment.chDensSurf));
 }
 const char *onOff(int flag)
 {
@@ -69,85 +72,90 @@ const char *onOff(int flag)
 }
 
 /// The electrostatic flags as the parameter block has them, and as the head of a table has them.
-void blockFlags(const TrelmInfo &info, std::string &text)
+void blockFlags(const ShownParameters &info, std::string &text)
 {
-    appendf(text, "DATA TRELM EL PKA_DEFAULT         %s\n", onOff(info.pkaFlag));
-    appendf(text, "DATA TRELM EL CH_TERM             %s\n", onOff(info.chTerminiFlag));
-    appendf(text, "DATA TRELM EL CUTOFF         % e\n", info.cutoffPot);
+    appendf(text, "DATA TRELM EL PKA_DEFAULT         %s\n", onOff(info.alignment.pkaFlag));
+    appendf(text, "DATA TRELM EL CH_TERM             %s\n", onOff(info.alignment.chTerminiFlag));
+    appendf(text, "DATA TRELM EL CUTOFF         % e\n", info.alignment.cutoffPot);
 }
-void tableFlags(const TrelmInfo &info, std::string &text)
+void tableFlags(const ShownParameters &info, std::string &text)
 {
-    appendf(text, "DATA TRELM EL DIPOLE           %s\n", onOff(info.dipoleFlag));
-    appendf(text, "DATA TRELM EL PKA_DEFAULT      %s\n", onOff(info.pkaFlag));
-    appendf(text, "DATA TRELM EL CH_TERM          %s\n", onOff(info.chTerminiFlag));
-    appendf(text, "DATA TRELM EL CUTOFF           %e\n", info.cutoffPot);
+    appendf(text, "DATA TRELM EL DIPOLE           %s\n", onOff(info.alignment.dipoleFlag));
+    appendf(text, "DATA TRELM EL PKA_DEFAULT      %s\n", onOff(info.alignment.pkaFlag));
+    appendf(text, "DATA TRELM EL CH_TERM          %s\n", onOff(info.alignment.chTerminiFlag));
+    appendf(text, "DATA TRELM EL CUTOFF           %e\n", info.alignment.cutoffPot);
 }
 
-void action(const TrelmInfo &info, std::string &text)
+void action(const ShownParameters &info, std::string &text)
 {
     constexpr const char *names[] = {"add", "sub", "mul", "div", "max"};
-    if (info.opCode >= opAdd && info.opCode <= opMax)
-        appendf(text, "DATA TRELM ACTION    %s\n", names[info.opCode - opAdd]);
-    appendf(text, "DATA TRELM C1     % .3f\n", number(info.c1));
-    appendf(text, "DATA TRELM C2     % .3f\n", number(info.c2));
+    if (info.comparison.opCode >= opAdd && info.comparison.opCode <= opMax)
+        appendf(text, "DATA TRELM ACTION    %s\n", names[info.comparison.opCode - opAdd]);
+    appendf(text, "DATA TRELM C1     % .3f\n", number(info.comparison.c1));
+    appendf(text, "DATA TRELM C2     % .3f\n", number(info.comparison.c2));
 }
 
-void histogram(const TrelmInfo &info, std::string &text)
+void histogram(const ShownParameters &info, std::string &text)
 {
-    const TrelmInfo &hist = info;
-    appendf(text, "DATA DC MIN_MAX    % .3f % .3f\n", number(hist.dcMin), number(hist.dcMax));
-    appendf(text, "DATA FIT_PAR       % d\n", hist.modeFit);
-    text += hist.optExtrem == 1 ? "DATA AVE_EXTREM     YES\n" : "DATA AVE_EXTREM     NO\n";
-    appendf(text, "DATA SDEVDZZ        %.3f\n", number(hist.sdevDzz));
-    appendf(text, "DATA SDEVDYY        %.3f\n", number(hist.sdevDyy));
-    appendf(text, "DATA nBINS          %d\n", hist.nBins);
-    appendf(text, "DATA BINWIDTH       %.3f\n", number(hist.binWidth));
+    const MagnitudeResult found = info.estimate != nullptr ? *info.estimate : MagnitudeResult{};
+    appendf(text, "DATA DC MIN_MAX    % .3f % .3f\n", number(found.dcMin), number(found.dcMax));
+    appendf(text, "DATA FIT_PAR       % d\n", info.magnitude.modeFit);
+    text += info.magnitude.optExtrem == 1 ? "DATA AVE_EXTREM     YES\n" : "DATA AVE_EXTREM     NO\n";
+    appendf(text, "DATA SDEVDZZ        %.3f\n", number(info.magnitude.sdevDzz));
+    appendf(text, "DATA SDEVDYY        %.3f\n", number(info.magnitude.sdevDyy));
+    appendf(text, "DATA nBINS          %d\n", found.nBins);
+    appendf(text, "DATA BINWIDTH       %.3f\n", number(found.binWidth));
     text += "\n\nREMARK Solving the linear equation system.\n\n";
-    appendf(text, "DATA EQ Da         % .3f\n", number(hist.Da2Par));
-    appendf(text, "DATA EQ R          % .3f\n", number(hist.R2Par));
+    appendf(text, "DATA EQ Da         % .3f\n", number(found.Da2Par));
+    appendf(text, "DATA EQ R          % .3f\n", number(found.R2Par));
     text += "\n\nREMARK Nonlinear least-square opimization.\n\n";
-    appendf(text, "DATA Dzz_Dyy_Dxx   % .3f % .3f % .3f\n", number(hist.Dzz), number(hist.Dyy),
-            number(hist.Dxx));
-    appendf(text, "DATA Da            % .3f\n", number(hist.DaFit));
-    appendf(text, "DATA Da_ERR        % .3f\n", number(hist.DaErrFit));
-    appendf(text, "DATA R             % .3f\n", number(hist.RFit));
-    appendf(text, "DATA R_ERR         % .3f\n", number(hist.RErrFit));
+    appendf(text, "DATA Dzz_Dyy_Dxx   % .3f % .3f % .3f\n", number(found.Dzz), number(found.Dyy),
+            number(found.Dxx));
+    appendf(text, "DATA Da            % .3f\n", number(found.DaFit));
+    appendf(text, "DATA Da_ERR        % .3f\n", number(found.DaErrFit));
+    appendf(text, "DATA R             % .3f\n", number(found.RFit));
+    appendf(text, "DATA R_ERR         % .3f\n", number(found.RErrFit));
 }
 
-void likelihood(const TrelmInfo &info, std::string &text)
+void likelihood(const ShownParameters &info, std::string &text)
 {
-    const TrelmInfo &hist = info;
-    appendf(text, "DATA TRELM DA LOW_GRID     % .3f\n", number(hist.lDaMl));
-    appendf(text, "DATA TRELM DA HIGH_GRID    % .3f\n", number(hist.hDaMl));
-    appendf(text, "DATA TRELM DA INCREMENT    % .3f\n", number(hist.incDaMl));
-    appendf(text, "DATA TRELM R  LOW_GRID     % .3f\n", number(hist.lRMl));
-    appendf(text, "DATA TRELM R  HIGH_GRID    % .3f\n", number(hist.hRMl));
-    appendf(text, "DATA TRELM R  INCREMENT    % .3f\n", number(hist.incRMl));
+    const MagnitudeResult found = info.estimate != nullptr ? *info.estimate : MagnitudeResult{};
+    appendf(text, "DATA TRELM DA LOW_GRID     % .3f\n", number(info.magnitude.lDaMl));
+    appendf(text, "DATA TRELM DA HIGH_GRID    % .3f\n", number(info.magnitude.hDaMl));
+    appendf(text, "DATA TRELM DA INCREMENT    % .3f\n", number(info.magnitude.incDaMl));
+    appendf(text, "DATA TRELM R  LOW_GRID     % .3f\n", number(info.magnitude.lRMl));
+    appendf(text, "DATA TRELM R  HIGH_GRID    % .3f\n", number(info.magnitude.hRMl));
+    appendf(text, "DATA TRELM R  INCREMENT    % .3f\n", number(info.magnitude.incRMl));
     text += "\n\nREMARK Solving the linear equation system.\n\n";
-    appendf(text, "DATA EQ Da         % .3f\n", number(hist.Da2Par));
-    appendf(text, "DATA EQ R          % .3f\n", number(hist.R2Par));
+    appendf(text, "DATA EQ Da         % .3f\n", number(found.Da2Par));
+    appendf(text, "DATA EQ R          % .3f\n", number(found.R2Par));
     text += "\n\nREMARK Maximum Likelihood determination.\n\n";
-    appendf(text, "DATA ML Da            % .3f\n", number(hist.DaMl));
-    appendf(text, "DATA ML Da Err        % .3f\n", number(hist.DaErrMl));
-    appendf(text, "DATA ML R             % .3f\n", number(hist.RMl));
-    appendf(text, "DATA ML R Err         % .3f\n", number(hist.RErrMl));
+    appendf(text, "DATA ML Da            % .3f\n", number(found.DaMl));
+    appendf(text, "DATA ML Da Err        % .3f\n", number(found.DaErrMl));
+    appendf(text, "DATA ML R             % .3f\n", number(found.RMl));
+    appendf(text, "DATA ML R Err         % .3f\n", number(found.RErrMl));
 }
 
-void conversion(const TrelmInfo &info, std::string &text)
+void conversion(const ShownParameters &info, std::string &text)
 {
-    text += info.normDc != 0 ? "DATA DCs are normalized.\n" : "DATA DCs are not normalized.\n";
-    if (info.dcNoise != 0)
+    text += info.conversion.normDc != 0 ? "DATA DCs are normalized.\n" : "DATA DCs are not normalized.\n";
+    if (info.conversion.dcNoise != 0)
         text += "DATA Gaussian noise according to DD has been added.\n";
 }
 
-void rim(const TrelmInfo &info, std::string &text)
+void rim(const ShownParameters &info, std::string &text)
 {
-    if (info.includeRim == 0.0f)
+    const AlignmentOptions &sample = info.alignment;
+    if (sample.includeRim == 0.0f)
         return;
+    const SampleGeometry shape =
+        info.geometry != nullptr
+            ? *info.geometry
+            : SampleGeometry{0.0f, sample.molarRatio, sample.lengthModel, sample.orderDiscRim};
     text += "DATA TRELM INCLUDE_RIM      on\n";
-    appendf(text, "DATA TRELM MOLAR_RATIO      % .3f\n", number(info.molarRatio));
-    appendf(text, "DATA TRELM MODEL_LENGTH     % .3f\n", number(info.lengthModel));
-    appendf(text, "DATA TRELM S_DISC_RIM       % .3f\n", number(info.orderDiscRim));
+    appendf(text, "DATA TRELM MOLAR_RATIO      % .3f\n", number(shape.molarRatio));
+    appendf(text, "DATA TRELM MODEL_LENGTH     % .3f\n", number(shape.lengthModel));
+    appendf(text, "DATA TRELM S_DISC_RIM       % .3f\n", number(shape.orderDiscRim));
 }
 
 constexpr Line blockSteric[] = {lcType,      concentration, orientations, gridSpacing,
@@ -194,7 +202,7 @@ constexpr ReportRow reportRows[] = {
     {modeConv, nullptr, {}, "CONV", tableConversion},
 };
 
-void appendMode(const char *name, std::span<const Line> lines, const TrelmInfo &info, std::string &text)
+void appendMode(const char *name, std::span<const Line> lines, const ShownParameters &info, std::string &text)
 {
     if (name == nullptr)
         return;
@@ -240,22 +248,22 @@ void appendTensorMode(const DTensor &tensor, std::string &text)
 
 } // namespace
 
-void writeTrelm(const TrelmInfo &trelmInfo, std::string &result)
+void writeTrelm(const ShownParameters &parameters, std::string &result)
 {
-    const auto *row = std::ranges::find(reportRows, trelmInfo.trelmMode, &ReportRow::trelmMode);
+    const auto *row = std::ranges::find(reportRows, parameters.trelmMode, &ReportRow::trelmMode);
     if (row != std::end(reportRows))
-        appendMode(row->blockName, row->blockLines, trelmInfo, result);
-    rim(trelmInfo, result);
+        appendMode(row->blockName, row->blockLines, parameters, result);
+    rim(parameters, result);
 }
 
-void appendModeBlock(const TrelmInfo &trelmInfo, const DTensor &dTensor, std::string &text)
+void appendModeBlock(const ShownParameters &parameters, const DTensor &dTensor, std::string &text)
 {
-    const auto *row = std::ranges::find(reportRows, trelmInfo.trelmMode, &ReportRow::trelmMode);
+    const auto *row = std::ranges::find(reportRows, parameters.trelmMode, &ReportRow::trelmMode);
     if (row != std::end(reportRows))
-        appendMode(row->tableName, row->tableLines, trelmInfo, text);
-    if (trelmInfo.trelmMode == modeBestFit)
+        appendMode(row->tableName, row->tableLines, parameters, text);
+    if (parameters.trelmMode == modeBestFit)
         appendTensorMode(dTensor, text);
-    rim(trelmInfo, text);
+    rim(parameters, text);
     text += "\n\n";
 }
 

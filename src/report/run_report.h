@@ -10,10 +10,10 @@ namespace trelm {
 struct DTensor;
 
 /// Appends the mode of a run and every simulation parameter that matters for it.
-void writeTrelm(const TrelmInfo &trelmInfo, std::string &result);
+void writeTrelm(const ShownParameters &parameters, std::string &result);
 
 /// The same at the head of a coupling table, whose blocks and orders differ: the mode block and the rim
 /// block.
-void appendModeBlock(const TrelmInfo &trelmInfo, const DTensor &dTensor, std::string &text);
+void appendModeBlock(const ShownParameters &parameters, const DTensor &dTensor, std::string &text);
 
 } // namespace trelm

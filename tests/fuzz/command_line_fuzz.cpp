@@ -39,18 +39,17 @@ void setChecking(unsigned choice)
         ::setenv("NMRCHECK", values[choice % 4], 1);
 }
 
-void checkRecords(const Run &run)
+void checkRecords(const Options &options)
 {
-    const TrelmInfo &trelmInfo = run.trelmInfo[0];
-    require(trelmInfo.trelmMode >= 1 && trelmInfo.trelmMode <= 17, "the mode is one of the modes");
-    require(!trelmInfo.media.empty() && trelmInfo.media.size() <= maxMedia, "media are within their limit");
-    require(trelmInfo.classes.size() <= maxClasses, "classes are within their limit");
-    require(trelmInfo.fixedResidues.size() <= maxFixedResidues, "fixed residues are within their limit");
-    require(run.options.wCount == static_cast<int>(run.options.wList.length()), "weights are counted");
-    for (const float value : {trelmInfo.concentration, trelmInfo.radiusModel, trelmInfo.pH, trelmInfo.daLo,
-                              run.dTab[0].dTensor.da})
+    require(options.trelmMode >= 1 && options.trelmMode <= 17, "the mode is one of the modes");
+    require(!options.media.empty() && options.media.size() <= maxMedia, "media are within their limit");
+    require(options.classes.size() <= maxClasses, "classes are within their limit");
+    require(options.fixedResidues.size() <= maxFixedResidues, "fixed residues are within their limit");
+    require(options.wCount == static_cast<int>(options.wList.length()), "weights are counted");
+    for (const float value :
+         {options.concentration, options.radiusModel, options.pH, options.daLo, options.da})
         require(std::isfinite(value), "a number is finite whatever was typed");
-    require(std::isfinite(trelmInfo.coneWidth) && std::isfinite(trelmInfo.cutoffPot),
+    require(std::isfinite(options.coneWidth) && std::isfinite(options.cutoffPot),
             "a number is finite whatever was typed");
 }
 
@@ -67,19 +66,21 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         argv.push_back(word.data());
     argv.push_back(nullptr);
 
-    Run run;
-    require(startRun(run, standardMessages()) == Status::ok, "a run starts");
-    const Status status = readOptions(static_cast<int>(words.size()), argv.data(), run, standardMessages());
+    CommandRun commandRun;
+    require(startRun(commandRun.run, standardMessages()) == Status::ok, "a run starts");
+    const Status status =
+        readOptions(static_cast<int>(words.size()), argv.data(), commandRun, standardMessages());
     setAlloc(0); // a debug level would trace all later inputs
     if (status == Status::ok) {
-        checkRecords(run);
-        static_cast<void>(checkSample(run.trelmInfo[0], standardMessages()));
-        static_cast<void>(checkSimulation(run.trelmInfo[0], standardMessages()));
+        const Options &options = commandRun.options;
+        checkRecords(options);
+        static_cast<void>(checkSample(options, standardMessages()));
+        static_cast<void>(checkSimulation(options, standardMessages()));
         std::size_t points = 0;
-        static_cast<void>(gridPoints(run.trelmInfo[0], points, standardMessages()));
-        static_cast<void>(refine_bicelle(run.trelmInfo[0]));
+        static_cast<void>(gridPoints(options, points, standardMessages()));
+        static_cast<void>(refine_bicelle(options));
     }
-    require(endRun(run, status, standardMessages()) == static_cast<int>(status),
+    require(endRun(commandRun, status, standardMessages()) == static_cast<int>(status),
             "a run ends with the status it is given");
     return 0;
 }

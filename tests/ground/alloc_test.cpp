@@ -2,7 +2,6 @@
 #include "ground/alloc.h"
 
 #include "common/said.h"
-#include "report/parameters.h"
 
 #include <array>
 #include <regex>

@@ -1,23 +1,38 @@
 // The report and the table, to the byte.
-#include "couplings/statistics.h"
+#include "compare/options.h"
+#include "couplings/options.h"
+#include "magnitude/options.h"
 #include "report/output.h"
 #include "report/run_report.h"
+#include "simulation/alignment/options.h"
 
-#include "common/temp_file.h"
 #include "couplings/dc_table.h"
-
-#include <sstream>
 
 namespace trelm {
 namespace {
 
-std::string written(DTable &table, TrelmInfo &info)
+/// What a report reads of a run.
+struct Records {
+    Mode mode = modeStTrelm;
+    FitOptions fit;
+    ReportOptions report;
+    AlignmentOptions alignment;
+    MagnitudeOptions magnitude;
+    ComparisonOptions comparison;
+    ConversionOptions conversion;
+
+    [[nodiscard]] ShownParameters shown() const
+    {
+        return {mode, fit, report, alignment, magnitude, comparison, conversion};
+    }
+};
+
+std::string written(const DTable &table, const Records &records = {})
 {
-    const TempFile file;
-    EXPECT_EQ(writeDCmod({file.name}, table, info, "", standardMessages()), Status::ok);
-    std::ostringstream text;
-    text << std::ifstream(file.name).rdbuf();
-    return text.str();
+    TableAnalysis analysis;
+    EXPECT_EQ(analyzeTensor(table.dTensor, records.fit, analysis.tensor, standardMessages()), Status::ok);
+    EXPECT_EQ(analyzeRows(table, analysis, standardMessages()), Status::ok);
+    return couplingReport(table, analysis, records.shown(), "");
 }
 
 TEST(Output, ShortForm)
@@ -27,10 +42,8 @@ TEST(Output, ShortForm)
     RowNames names = *table.dObsList[0].names;
     names.chainNameI = Name::of("A");
     setNames(table, names, table.dObsList[0]);
-    TrelmInfo info;
-    info.verbFlag = 0;
     EXPECT_EQ(
-        written(table, info),
+        couplingTable(table),
         "DATA SEQUENCE \n\n"
         "VARS    RESID_I RESNAME_I ATOMNAME_I CHAINNAME_I RESID_J RESNAME_J ATOMNAME_J CHAINNAME_J D DD W\n"
         "FORMAT  %4d %4s %4s %4s %4d %4s %4s %4s %9.3f %9.3f %.2f\n\n"
@@ -41,9 +54,9 @@ TEST(Output, ShortForm)
 TEST(Output, ExtendedFormWithoutATensor)
 {
     DTable table = makeTable({{1.5f, 1.25f}, {-20.0f, -19.875f}, {9999.0f, 3.0f}});
-    TrelmInfo info;
-    info.trelmMode = modeBestFit;
-    info.qFlag = qOfRms;
+    Records info;
+    info.mode = modeBestFit;
+    info.report.qFlag = qOfRms;
     EXPECT_EQ(
         written(table, info),
         "REMARK Molecular Alignment Simulation.\n\nREMARK Simulation parameters.\n"
@@ -64,9 +77,7 @@ TEST(Output, ExtendedFormWithoutATensor)
 TEST(Output, WithoutACouplingTheReportEndsAtTheSequence)
 {
     DTable table = makeTable({{9999.0f, 9999.0f}});
-    TrelmInfo info;
-    info.trelmMode = modeBestFit;
-    const std::string text = written(table, info);
+    const std::string text = written(table);
     EXPECT_TRUE(text.ends_with("DATA N                    0\nDATA SEQUENCE \n")) << text;
 }
 
@@ -95,15 +106,12 @@ TEST(Output, StatisticsBeyondSinglePrecisionAreNumbers)
     for (const auto &extreme : cases) {
         DTable table = makeTable(extreme.couplings);
         table.dTensor.da = extreme.da;
-        TrelmInfo info;
-        EXPECT_EQ(written(table, info).find("nan"), std::string::npos) << extreme.why;
+        EXPECT_EQ(written(table).find("nan"), std::string::npos) << extreme.why;
     }
     // The square of the deviations has no room in single precision: no file tells of it.
     const DTable huge = makeTable({{-3e19f, -3.1e19f}, {-2e19f, 2.5f}, {3.0f, -1e19f}});
-    const TempFile none;
-    std::filesystem::remove(none.name);
-    EXPECT_EQ(writeDCmod({none.name}, huge, TrelmInfo{}, "", standardMessages()), Status::failed);
-    EXPECT_FALSE(std::filesystem::exists(none.name));
+    TableAnalysis analysis;
+    EXPECT_EQ(analyzeRows(huge, analysis, standardMessages()), Status::failed);
 }
 
 // Azz along x, Ayy along y, Axx along z, so that an exchange of axes shows.
@@ -111,8 +119,7 @@ TEST(Output, SectionsOfTheTensor)
 {
     DTable table = makeTable({{1.0f, 1.0f}});
     table.dTensor.saupe = {2e-4f, -10e-4f, 0.0f, 0.0f, 0.0f};
-    TrelmInfo info;
-    std::string text = written(table, info);
+    std::string text = written(table);
     text.erase(0, text.find("REMARK Order matrix."));
     text.erase(text.find("REMARK Dipolar couplings."));
     EXPECT_EQ(text, R"(REMARK Order matrix.
@@ -168,13 +175,13 @@ DATA Rhombicity  2.222222e-01
 
 TEST(RunReport, OrdersOfTheTwoBlocks)
 {
-    TrelmInfo info;
-    info.trelmMode = modeElTrelm;
-    info.lcType = lcRod;
-    info.includeRim = 0.001f;
+    Records info;
+    info.mode = modeElTrelm;
+    info.alignment.lcType = lcRod;
+    info.alignment.includeRim = 0.001f;
     std::string block, head;
-    writeTrelm(info, block);
-    appendModeBlock(info, DTensor{}, head);
+    writeTrelm(info.shown(), block);
+    appendModeBlock(info.shown(), DTensor{}, head);
     EXPECT_TRUE(
         block.starts_with("\nDATA TRELM_MODE ELECTROSTATIC\n\nDATA TRELM LC_TYPE              rod\n"));
     EXPECT_TRUE(head.ends_with("DATA TRELM S_DISC_RIM        0.250\n\n\n"));
@@ -191,10 +198,10 @@ TEST(RunReport, OrdersOfTheTwoBlocks)
     };
     for (const auto &order : orders)
         EXPECT_NE(order.text.find(order.lines), std::string::npos) << order.lines;
-    info.trelmMode = modeDaFlex;
-    info.includeRim = 0.0f;
+    info.mode = modeDaFlex;
+    info.alignment.includeRim = 0.0f;
     std::string nothing;
-    writeTrelm(info, nothing);
+    writeTrelm(info.shown(), nothing);
     EXPECT_EQ(nothing, "");
 }
 

@@ -57,7 +57,7 @@ Status setupEnsemble(const DomainOptions &options, const EnsembleFiles &files, E
 
 /// Takes the couplings of a state, with what is to be remarked on it. A failure
 /// ends the run.
-using TakeCouplings = std::function<Status(DTable &dTab, std::string_view remark)>;
+using TakeCouplings = std::function<Status(const DTable &dTab, std::string_view remark)>;
 
 /// What the simulation of an ensemble is given beside molecule and couplings.
 struct EnsembleSetup {

@@ -186,6 +186,7 @@ Status selectSolute(const SelectedAtoms &molecule, const SoluteOptions &options,
     SelectedCount selected;
     const Status status = chCoorSelect(molecule, options, places, chosen.charges, selected, messages);
     const std::size_t count = selected.places;
+    chosen.mask = std::move(selected.atoms);
     chosen.dipole = selected.dipole;
     chosen.atoms = {places.x.first(count), places.y.first(count), places.z.first(count)};
     return status;

@@ -63,6 +63,7 @@ Status makeSelectionBuffers(const char *tag, const PDBInfo &pdbInfo, SelectionBu
 struct Chosen {
     CoordinateBuffers atoms;
     ChargeSet charges;
+    AtomMask mask;                ///< the atoms in use: the exposed ones with surfFlag
     std::optional<Dipole> dipole; ///< of the charges, in an electrostatic run
 };
 

@@ -27,34 +27,12 @@ int unknownsOf(TensorMode tensorMode)
     }
 }
 
-/// The mean place of some atoms.
-std::array<float, 3> middle(std::span<const Coord3D> coords, std::span<const std::uint32_t> places)
-{
-    std::array<float, 3> sum = {};
-    const auto count = static_cast<float>(places.size());
-    for (const std::uint32_t place : places) {
-        const Coord3D &atom = coords[place];
-        sum = {sum[0] + atom.x / count, sum[1] + atom.y / count, sum[2] + atom.z / count};
-    }
-    return sum;
-}
-
 /// The row of the design matrix of a coupling.
 std::array<double, n> designOf(std::span<const Coord3D> coords, const DCalc &calc, float sigma)
 {
-    const std::array<float, 3> i = middle(coords, calc.atomI.span()), j = middle(coords, calc.atomJ.span());
-    float di = calc.di, d = 0.0f;
-    const FitVectors vectors = {.xI = {&i[0], 1},
-                                .yI = {&i[1], 1},
-                                .zI = {&i[2], 1},
-                                .xJ = {&j[0], 1},
-                                .yJ = {&j[1], 1},
-                                .zJ = {&j[2], 1},
-                                .diVal = {&di, 1},
-                                .dVal = {&d, 1},
-                                .dSigma = {&sigma, 1}};
-    const SaupeValues terms = geometryTerms(vectors, 0);
-    const double scale = rowScale(vectors, 0).design;
+    const SaupeValues terms =
+        termsBetween(middleOf(coords, calc.atomI.span()), middleOf(coords, calc.atomJ.span()));
+    const double scale = scaleOf(calc.di, sigma).design;
     std::array<double, n> row;
     std::ranges::transform(terms, row.begin(), [scale](float term) { return scale * double{term}; });
     return row;
@@ -87,8 +65,7 @@ FitWorth assessFit(const FitInput &input, TensorMode tensorMode)
     std::array<double, n *n> products = {};
     for (std::size_t row = 0; row < input.columns.use.size(); ++row) {
         const DCalc &calc = input.dTab.calculated()[row];
-        const std::size_t pairs = calc.pairCount();
-        if (input.columns.use[row] == 0 || (pairs != 1 && pairs != 3))
+        if (input.columns.use[row] == 0 || !isOneVector(calc))
             continue;
         ++worth.couplings;
         const std::array<double, n> design = designOf(input.coords, calc, input.columns.sigma[row]);

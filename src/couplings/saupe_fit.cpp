@@ -43,24 +43,45 @@ void designRow(const FitVectors &vectors, std::size_t k, FitWork &work)
 
 } // namespace
 
-SaupeValues geometryTerms(const FitVectors &vectors, std::size_t k)
+SaupeValues termsBetween(const Place &from, const Place &to)
 {
-    const float xIJ = vectors.xJ[k] - vectors.xI[k];
-    const float yIJ = vectors.yJ[k] - vectors.yI[k];
-    const float zIJ = vectors.zJ[k] - vectors.zI[k];
+    const float xIJ = to[0] - from[0];
+    const float yIJ = to[1] - from[1];
+    const float zIJ = to[2] - from[2];
     const float r = std::sqrt(xIJ * xIJ + yIJ * yIJ + zIJ * zIJ);
     const float rinv = r > 0.0f ? 1.0f / r : 0.0f;
     const float x = xIJ * rinv, y = yIJ * rinv, z = zIJ * rinv;
     return {(3.0f * z * z - 1.0f) / 2.0f, (x * x - y * y) / 2.0f, 2.0f * x * y, 2.0f * x * z, 2.0f * y * z};
 }
 
-RowScale rowScale(const FitVectors &vectors, std::size_t k)
+SaupeValues geometryTerms(const FitVectors &vectors, std::size_t k)
 {
-    const float di = vectors.diVal[k];
+    return termsBetween({vectors.xI[k], vectors.yI[k], vectors.zI[k]},
+                        {vectors.xJ[k], vectors.yJ[k], vectors.zJ[k]});
+}
+
+RowScale scaleOf(float di, float sigma)
+{
     const float a = di != 0.0f ? 1.0f / std::fabs(di) : 0.0f;
-    const float spread = a * vectors.dSigma[k];
+    const float spread = a * sigma;
     const float wgt = spread != 0.0f ? 1.0f / spread : 1.0f;
     return {wgt, wgt * a};
+}
+
+RowScale rowScale(const FitVectors &vectors, std::size_t k)
+{
+    return scaleOf(vectors.diVal[k], vectors.dSigma[k]);
+}
+
+Place middleOf(std::span<const Coord3D> coords, std::span<const std::uint32_t> atoms)
+{
+    Place sum = {};
+    const auto count = static_cast<float>(atoms.size());
+    for (const std::uint32_t place : atoms) {
+        const Coord3D &atom = coords[place];
+        sum = {sum[0] + atom.x / count, sum[1] + atom.y / count, sum[2] + atom.z / count};
+    }
+    return sum;
 }
 
 Status findS(const FitVectors &vectors, SaupeValues &saupe, FitWork &work, Messages &messages)

@@ -130,6 +130,24 @@ void fitTensors(Climb &climb)
     }
 }
 
+/// How often the best candidate has been met again.
+struct Hits {
+    std::size_t enough, met = 0;
+};
+
+bool goesOn(const Hits &hits)
+{
+    return hits.met < hits.enough && !InterruptGuard::isInterrupted();
+}
+
+void count(Hits &hits, const std::vector<int> &rowOf, bool isBetter, const Candidate &best)
+{
+    if (isBetter)
+        hits.met = 0;
+    else if (rowOf == best.rowOf)
+        ++hits.met;
+}
+
 } // namespace
 
 void guessCandidate(const SearchSpace &space, ScoreWork &work, Candidate &best)
@@ -140,10 +158,8 @@ void guessCandidate(const SearchSpace &space, ScoreWork &work, Candidate &best)
     const std::size_t peaks = space.peaks.size();
     const std::size_t wanted = fewestStarts + startsPerPeak * peaks;
     const std::size_t starts = std::min(wanted, std::max(fewestLongStarts, mostWork / (peaks * peaks + 1)));
-    const std::size_t enoughHits = 1 + peaks / peaksPerHit;
-    std::size_t hits = 0;
-    for (std::size_t start = 0; start < starts && hits < enoughHits && !InterruptGuard::isInterrupted();
-         ++start) {
+    Hits hits = {.enough = 1 + peaks / peaksPerHit};
+    for (std::size_t start = 0; start < starts && goesOn(hits); ++start) {
         climb.isKnown = {};
         const std::size_t first = start % space.tables.media; // the others follow from it
         climb.isKnown[first] = true;
@@ -153,10 +169,38 @@ void guessCandidate(const SearchSpace &space, ScoreWork &work, Candidate &best)
             fitTensors(climb);
         if (climb.rowOf.empty())
             return; // no assignment at all
-        if (takeBetter(space, climb.rowOf, work, best))
-            hits = 0;
-        else if (climb.rowOf == best.rowOf)
-            ++hits;
+        count(hits, climb.rowOf, takeBetter(space, climb.rowOf, work, best), best);
+    }
+}
+
+void guessByTensors(Standing &standing)
+{
+    std::mt19937 engine(1);
+    const TensorProblem &problem = standing.problem;
+    PairCosts costs;
+    AssignmentWork work;
+    std::vector<double> prices(problem.stride, 0.0);
+    std::vector<int> rowOf;
+    Hits hits = {.enough = 1 + problem.size / peaksPerHit};
+    const std::size_t starts = fewestStarts + startsPerPeak * problem.size;
+    for (std::size_t start = 0; start < starts && goesOn(hits); ++start) {
+        TensorVector x = tensorOf(problem, randomTensor(standing.space.problem, engine));
+        const Candidate before = standing.best;
+        rowOf.clear();
+        for (int round = 0; round < mostRounds && !InterruptGuard::isInterrupted(); ++round) {
+            const TensorDirection direction = directionOf(x);
+            pairCosts(problem, direction.u, direction.length, costs);
+            solveAssignment(costs.costs, problem.size, prices, work);
+            if (rowOf == work.columnOf)
+                break;
+            rowOf = work.columnOf;
+            const TensorFit fit = fitTensor(problem, rowOf);
+            consider(standing, fit, rowOf);
+            if (!fit.isSolved)
+                break;
+            x = fit.x;
+        }
+        count(hits, rowOf, standing.best.rowOf != before.rowOf, standing.best);
     }
 }
 

@@ -24,6 +24,55 @@ struct NearWalk {
     std::vector<char> isTaken = {};
 };
 
+/// Components of the graph whose arcs lead from a peak to the owners of its rows. Source: Tarjan, SIAM J.
+/// Comput. 1 (1972) 146.
+struct Components {
+    const NearWalk &walk;
+    std::vector<int> owner; ///< of each row, in the known assignment
+    std::vector<int> order, low, component, stack = {};
+    int visited = 0, found = 0;
+};
+
+constexpr int notVisited = -1;
+
+void visit(Components &graph, int peak)
+{
+    graph.order[peak] = graph.low[peak] = graph.visited++;
+    graph.stack.push_back(peak);
+    for (const NearPair &pair : graph.walk.pairs[peak]) {
+        const int next = graph.owner[pair.row];
+        if (graph.order[next] == notVisited)
+            visit(graph, next);
+        if (graph.component[next] == notVisited)
+            graph.low[peak] = std::min(graph.low[peak], graph.low[next]);
+    }
+    if (graph.low[peak] != graph.order[peak])
+        return;
+    for (int member = notVisited; member != peak; graph.stack.pop_back()) {
+        member = graph.stack.back();
+        graph.component[member] = graph.found;
+    }
+    ++graph.found;
+}
+
+/// Drops pairs that no whole assignment has. Given one assignment, a pair belongs to another if an exchange
+/// of rows leads back to its peak. Source: Regin, Proc. AAAI (1994) 362.
+void dropDeadEnds(std::span<const int> rowOf, NearWalk &walk)
+{
+    const std::size_t size = rowOf.size();
+    const std::vector<int> none(size, notVisited);
+    Components graph = {.walk = walk, .owner = none, .order = none, .low = none, .component = none};
+    for (std::size_t peak = 0; peak < size; ++peak)
+        graph.owner[rowOf[peak]] = static_cast<int>(peak);
+    for (std::size_t peak = 0; peak < size; ++peak)
+        if (graph.order[peak] == notVisited)
+            visit(graph, static_cast<int>(peak));
+    for (std::size_t peak = 0; peak < size; ++peak)
+        std::erase_if(walk.pairs[peak], [&](const NearPair &pair) {
+            return graph.component[graph.owner[pair.row]] != graph.component[peak];
+        });
+}
+
 double leastOf(const FiveValues &values)
 {
     return *std::ranges::min_element(values);
@@ -43,7 +92,6 @@ void listPairs(const ReducedCosts &reduced, NearWalk &walk)
                 walk.pairs[peak].push_back(pair);
         }
     }
-    std::ranges::stable_sort(walk.peaks, {}, [&](int peak) { return walk.pairs[peak].size(); });
 }
 
 /// Goes on from the peaks before. Returns false if there have been too many steps.
@@ -91,10 +139,13 @@ void reduceCosts(const PairCosts &costs, const TensorProblem &problem, std::span
     }
 }
 
-bool considerNear(Standing &standing, const ReducedCosts &reduced, double margin, std::size_t mostSteps)
+bool considerNear(Standing &standing, const ReducedCosts &reduced, std::span<const int> rowOf, double margin,
+                  std::size_t mostSteps)
 {
     NearWalk walk = {.standing = standing, .margin = margin, .steps = 0, .mostSteps = mostSteps};
     listPairs(reduced, walk);
+    dropDeadEnds(rowOf, walk);
+    std::ranges::stable_sort(walk.peaks, {}, [&](int peak) { return walk.pairs[peak].size(); });
     walk.rowOf.assign(standing.problem.size, -1);
     walk.isTaken.assign(standing.problem.size, 0);
     return walkOn(walk, 0, {});

@@ -21,7 +21,9 @@ void reduceCosts(const PairCosts &costs, const TensorProblem &problem, std::span
                  std::vector<double> &reduced);
 
 /// Considers each assignment that at some corner is no more than `margin` above the best one: the others are
-/// so at each, and so in the cone. Returns false if that takes more than `mostSteps` steps.
-bool considerNear(Standing &standing, const ReducedCosts &reduced, double margin, std::size_t mostSteps);
+/// so at each, and so in the cone. rowOf: the best at the first corner. Returns false if that takes more than
+/// `mostSteps` steps.
+bool considerNear(Standing &standing, const ReducedCosts &reduced, std::span<const int> rowOf, double margin,
+                  std::size_t mostSteps);
 
 } // namespace trelm

@@ -263,6 +263,9 @@ bool searchOverTensor(Descent &descent)
     const std::optional<TensorProblem> problem = makeTensorProblem(descent.space);
     if (!problem)
         return false;
+    Standing standing = {descent.space, *problem, descent.work, descent.best};
+    setLimit(standing);
+    guessByTensors(standing);
     const CandidateCount all = candidatesBelow(descent);
     const auto show = [&](double part) {
         if (++descent.nodes % nodesPerLine != 0)
@@ -270,10 +273,9 @@ bool searchOverTensor(Descent &descent)
         descent.settled = {all.about * static_cast<long double>(part), 0, false};
         printoutput(descent);
     };
-    const TensorSearch search = {descent.space, *problem, descent.work, descent.best, show};
-    if (!canSearchTensors(search))
+    if (!canSearchTensors(standing))
         return false;
-    if (searchTensors(search))
+    if (searchTensors(standing, show))
         descent.settled = all;
     return true;
 }
@@ -282,9 +284,9 @@ void searchFrom(Descent &descent)
 {
     if (isHopeless(descent.space))
         return settle(descent, candidatesBelow(descent));
-    guessCandidate(descent.space, descent.work, descent.best);
     if (descent.space.peaks.size() >= fewestForTensors && searchOverTensor(descent))
         return;
+    guessCandidate(descent.space, descent.work, descent.best);
     descent.limit = exactLimit(descent.space.tables, descent.best.score);
     descend(descent, descent.space.fixed);
 }

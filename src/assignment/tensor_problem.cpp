@@ -258,6 +258,15 @@ TensorFit fitTensor(const TensorProblem &problem, std::span<const int> rowOf)
     return fit;
 }
 
+TensorVector tensorOf(const TensorProblem &problem, const Saupe &saupe)
+{
+    TensorVector x = {};
+    for (std::size_t i = 0; i < saupeCount; ++i)
+        for (std::size_t j = 0; j <= i; ++j)
+            x[j] += problem.factor[packed(i, j)] * saupe[i];
+    return x;
+}
+
 Saupe saupeOf(const TensorProblem &problem, const TensorVector &x)
 {
     return backward(problem.factor, x);

@@ -84,6 +84,9 @@ struct TensorFit {
 /// Fits an assignment: the row of each peak.
 TensorFit fitTensor(const TensorProblem &problem, std::span<const int> rowOf);
 
+/// x of a Saupe vector.
+TensorVector tensorOf(const TensorProblem &problem, const Saupe &saupe);
+
 /// The Saupe vector of x.
 Saupe saupeOf(const TensorProblem &problem, const TensorVector &x);
 

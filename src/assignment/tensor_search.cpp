@@ -20,7 +20,7 @@ constexpr double steepest = 0.499;     ///< growth of a bound with the length th
 constexpr double sameSlack = 3e-12;    ///< by which equal supports differ, as a part
 constexpr double smallestEdge = 1e-16; ///< square of an edge that is not cut any more
 constexpr double smallestLength = 1e-10; ///< range of lengths that is not cut any more, in units of T
-constexpr std::size_t fewSteps = 2000;   ///< to list the assignments near the best of a cone
+constexpr std::size_t fewSteps = 20000;  ///< to list the assignments near the best of a cone
 constexpr int listEvery = 3;             ///< cuts
 constexpr double mostShare = 0.6;        ///< of q(u): beyond it tensors can be very long
 
@@ -41,8 +41,8 @@ struct CellView {
 };
 
 struct Exploration {
-    const TensorSearch &search;
-    Standing standing;
+    Standing &standing;
+    const std::function<void(double)> &progress;
     Corners corners;
     std::vector<Cell> open = {};
     ReducedCosts reduced = {};
@@ -55,8 +55,7 @@ enum class Verdict { excluded, cutLengths, open };
 void settle(Exploration &e, const Cell &cell)
 {
     e.settled += std::exp2(-cell.cuts);
-    if (e.search.progress)
-        e.search.progress(e.settled);
+    e.progress(e.settled);
 }
 
 /// The bound of a cell at one length.
@@ -174,12 +173,15 @@ double solveReduced(Exploration &e, std::uint32_t corner, std::vector<double> &r
 /// is needed.
 bool listByBound(Exploration &e, const Cell &cell, const CellView &view, std::size_t steps)
 {
+    std::vector<int> rowOf;
     for (std::size_t i = 0; i < saupeCount; ++i) {
         pairCosts(e.standing.problem, view.cone.corner[i], cell.t2 * view.spread, e.corners.costs);
         solveReduced(e, cell.corners[i], e.reduced.at[i]);
+        if (i == 0)
+            rowOf = e.corners.assignment.columnOf;
     }
     const double margin = view.bound - view.needed + sameSlack * e.standing.length;
-    return considerNear(e.standing, e.reduced, margin, steps);
+    return considerNear(e.standing, e.reduced, rowOf, margin, steps);
 }
 
 /// Costs of a corner so that no assignment has less than the difference by which the given one is the better,
@@ -254,7 +256,16 @@ bool isLeaf(Exploration &e, const Cell &cell, const CellView &view)
     // Of two assignments with values a and b at a tensor of length t the scores differ by 2 t (a - b).
     const double length = problem.hasPartial() ? cell.t1 : e.standing.length;
     const double margin = 0.5 * (e.standing.limit - score) / length + 4.0 * sameSlack * e.standing.length;
-    return score > e.standing.limit || considerNear(e.standing, e.reduced, margin, fewSteps);
+    return score > e.standing.limit || considerNear(e.standing, e.reduced, rowOf, margin, fewSteps);
+}
+
+/// Whether a cell holds an assignment within the limit, and is about as small as what that leaves: it cannot
+/// be given up, but there may be few more.
+bool isWorthListing(const Exploration &e, const Cell &cell, const CellView &view)
+{
+    constexpr double enough = 4.0;
+    const double room = 0.5 * (e.standing.limit - e.corners.list[cell.corners[0]].score) / e.standing.length;
+    return room >= 0.0 && view.bound - view.needed <= enough * room;
 }
 
 void cutLengths(Exploration &e, const Cell &cell)
@@ -295,10 +306,9 @@ void explore(Exploration &e, Cell cell)
         return settle(e, cell);
     const ConeEdge edge = longestEdge(view.cone);
     const bool isSmall = edge.square < smallestEdge;
-    const bool isWithin = e.corners.list[cell.corners[0]].score <= e.standing.limit;
-    if ((isSmall || (isWithin && cell.cuts % listEvery == 0)) &&
-        listByBound(e, cell, view, isSmall ? std::numeric_limits<std::size_t>::max() : fewSteps))
-        return settle(e, cell);
+    if (isSmall || (cell.cuts % listEvery == 0 && isWorthListing(e, cell, view)))
+        if (listByBound(e, cell, view, isSmall ? std::numeric_limits<std::size_t>::max() : fewSteps))
+            return settle(e, cell);
     if (!isSmall)
         cutEdge(e, cell, edge);
 }
@@ -344,23 +354,18 @@ void openAll(Exploration &e)
 
 } // namespace
 
-bool canSearchTensors(const TensorSearch &search)
+bool canSearchTensors(const Standing &standing)
 {
-    if (search.best.rowOf.empty())
-        return false;
-    Standing standing = {search.space, search.problem, search.work, search.best};
-    setLimit(standing);
-    return standing.lengthSquare > 1e-3 * search.problem.data && search.problem.largestShare < mostShare;
+    constexpr double leastExplained = 1e-3;
+    return !standing.best.rowOf.empty() && standing.lengthSquare > leastExplained * standing.problem.data &&
+           standing.problem.largestShare < mostShare;
 }
 
-bool searchTensors(const TensorSearch &search)
+bool searchTensors(Standing &standing, const std::function<void(double)> &progress)
 {
-    Exploration e = {.search = search,
-                     .standing = {search.space, search.problem, search.work, search.best},
-                     .corners = {.standing = e.standing}};
-    setLimit(e.standing);
-    const TensorFit start = fitTensor(search.problem, search.best.rowOf);
-    e.corners.reference = start.isSolved ? directionOf(start.x).length : e.standing.length;
+    Exploration e = {.standing = standing, .progress = progress, .corners = {.standing = standing}};
+    const TensorFit start = fitTensor(standing.problem, standing.best.rowOf);
+    e.corners.reference = start.isSolved ? directionOf(start.x).length : standing.length;
     openAll(e);
     while (!e.open.empty() && !InterruptGuard::isInterrupted()) {
         const Cell cell = e.open.back();

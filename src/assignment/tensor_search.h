@@ -11,23 +11,16 @@
 #include "assignment/corners.h"
 
 #include <functional>
-#include <optional>
 
 namespace trelm {
 
-/// What a search over the tensor is told and tells.
-struct TensorSearch {
-    const SearchSpace &space;
-    const TensorProblem &problem;
-    ScoreWork &work;
-    Candidate &best;                           ///< in: a candidate to begin with; out: the best
-    std::function<void(double)> progress = {}; ///< is called with the part that is settled, 0 to 1
-};
+/// Whether the best candidate so far is good enough for a search over the tensor: better than no tensor at
+/// all.
+bool canSearchTensors(const Standing &standing);
 
-/// Whether the best candidate so far is good enough for a search over the tensor: less than no tensor at all.
-bool canSearchTensors(const TensorSearch &search);
-
-/// Searches to the end, unless the user interrupts it. Returns whether it did.
-bool searchTensors(const TensorSearch &search);
+/// Searches to the end, unless the user interrupts it: returns whether it did. The best candidate of
+/// `standing` becomes the best of all; limit and T have to be set. `progress` is called with the part that is
+/// settled, 0 to 1.
+bool searchTensors(Standing &standing, const std::function<void(double)> &progress);
 
 } // namespace trelm

@@ -71,7 +71,7 @@ TEST(TensorSearch, IsTheFullEnumeration)
     unsigned seed = 1;
     for (const HardProblem &hard : hardProblems)
         for (std::size_t peaks = 4; peaks <= 7; ++peaks)
-            for (int repeat = 0; repeat < 3; ++repeat, ++seed) {
+            for (int repeat = 0; repeat < (peaks < 7 ? 2 : 1); ++repeat, ++seed) {
                 SCOPED_TRACE(testing::Message() << hard.what << ", " << peaks << " peaks, seed " << seed);
                 RandomProblem kind = hard.kind;
                 kind.peaks = peaks;
@@ -87,14 +87,17 @@ TEST(TensorSearch, IsTheFullEnumeration)
                 Heard heard;
                 ScoreWork work = {.messages = heard.messages};
                 Candidate best = poorStart(space, work);
-                if (!tensors || !canSearchTensors({space, *tensors, work, best}))
-                    best = {}, guessCandidate(space, work, best);
-                if (!tensors || !canSearchTensors({space, *tensors, work, best}))
+                if (!tensors)
+                    continue;
+                Standing standing = {space, *tensors, work, best};
+                setLimit(standing);
+                if (!canSearchTensors(standing))
+                    guessByTensors(standing);
+                if (!canSearchTensors(standing))
                     continue;
                 ++searched;
                 double settled = 0.0;
-                EXPECT_TRUE(
-                    searchTensors({space, *tensors, work, best, [&](double part) { settled = part; }}));
+                EXPECT_TRUE(searchTensors(standing, [&](double part) { settled = part; }));
                 EXPECT_NEAR(settled, 1.0, 1e-9);
                 const PlainAssignment plain = visitExhPlain(problem);
                 std::vector<int> peakOn(peaks);
@@ -103,7 +106,7 @@ TEST(TensorSearch, IsTheFullEnumeration)
                 EXPECT_EQ(best.score, plain.pSumDMin);
                 EXPECT_EQ(peakOn, plain.bestIdList);
             }
-    EXPECT_GT(searched, 100);
+    EXPECT_GT(searched, 70);
 }
 
 } // namespace

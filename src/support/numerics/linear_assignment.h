@@ -40,7 +40,7 @@ struct AssignmentWork {
     std::vector<int> columnOf, rowOf; ///< of rows, of columns
 
     std::vector<int> freeRows, reached; ///< work space
-    std::vector<double> key, distance, block, pred;
+    std::vector<double> key, distance, open, pred;
 };
 
 /// Gives each of `size` rows a column of its own at the smallest total cost, which is returned. costs: size

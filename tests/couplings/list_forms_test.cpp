@@ -1,5 +1,6 @@
 // Coupling lists of other programs: what their readers make of them, as one text, and how they refuse.
 #include "couplings/formats/forms.h"
+#include "couplings/formats/take.h"
 #include "support/text/text.h"
 
 #include "common/heard.h"
@@ -154,8 +155,9 @@ TEST(ReadCyana, TakesBothFormsAndRefusesWhatIsBroken)
     const std::string head = "# Orientation  Magnitude\n 1 13.280 0.252 76\n 2 0 0 TNS # unknown\n";
     const std::string row = "11 MET H 11 MET N 3.745 4.0 0.5 1\n", failure = "trelm: in, line ";
     const FormCase cases[] = {
-        {"new", head + row + "12 UNK QB 12 UNK CB 1 0 1 2 0.3 ! scaled\n",
-         "4: 11 MET H - 11 MET N 3.745 +- 4 w 0.5 [1]\n5: 12 QB - 12 CB 1 s 0.3 [2]\n1 1: 13.28 0.252\n",
+        {"new", " 3 2.0 0.1 TNS\n" + head + row + "12 UNK QB 12 UNK CB 1 0 1 2 0.3 ! scaled\n",
+         "5: 11 MET H - 11 MET N 3.745 +- 4 w 0.5 [1]\n6: 12 QB - 12 CB 1 s 0.3 [2]\n3 0: 2 0.1\n1 1: 13.28 "
+         "0.252\n",
          cyana},
         {"new, without orientations", "11 MET H 11 MET N 3.745 4.0\r\n",
          "1: 11 MET H - 11 MET N 3.745 +- 4 []\n", cyana},
@@ -239,6 +241,60 @@ TEST(ReadColumns, TakesLabelsAndHeadersAndRefusesWhatIsBroken)
          failure + "1: the column resid1 is there twice.\n"},
     };
     expectFound(csv, cases);
+}
+
+/// A form that is written, and what of the table it has no room for.
+struct WrittenForm {
+    CouplingForm form;
+    ArchiveWriter write;
+    bool hasChains = true, hasResNames = true;
+    const char *groupName = "HB#"; ///< what it has for it
+};
+
+TEST(WriteForms, WhatIsWrittenIsReadBack)
+{
+    Heard heard;
+    Archive source;
+    const std::string text =
+        "chain,resid1,resid2,resname1,resname2,atom1,atom2,value,error\n"
+        "A,5,5,ALA,ALA,H,N,-8.17,0.16\nA,52B,51,GLY,LEU,\"H5\"\"\",\"C,x\",0.1234567,1e-6\n"
+        "B,-3,-3,ALA,ALA,HB#,CB,-1.5e-9,123456.7\n";
+    ASSERT_EQ(readColumns({text, "in"}, source, heard.messages), Status::ok);
+    const std::vector<ArchiveRow> rows = source.rows;
+    DTable table;
+    ASSERT_EQ(takeArchive("in", {}, source, table, heard.messages), Status::ok);
+    for (std::size_t k = 0; k < rows.size(); ++k) {
+        DCalc &calc = table.calculated()[k];
+        calc.valid = 1;
+        calc.d = table.observed()[k].d;
+        calc.sigma = table.observed()[k].sigma;
+    }
+    const WrittenForm forms[] = {{CouplingForm::csv, writeCsv},
+                                 {CouplingForm::cyana, writeCyana, false, true, "QB"},
+                                 {CouplingForm::rosetta, writeRosettaList, true, false, "HB*"}};
+    for (const WrittenForm &form : forms) {
+        std::string out;
+        form.write({table, "in", StatedTensor{-9.25, 0.25}}, out);
+        EXPECT_EQ(detectForm(out), form.form);
+        Archive back;
+        ASSERT_EQ(readerOf(form.form)({out, "out"}, back, heard.messages), Status::ok) << heard.err << out;
+        ASSERT_EQ(back.rows.size(), rows.size());
+        for (std::size_t k = 0; k < rows.size(); ++k) {
+            ArchiveRow expected = rows[k];
+            for (NamedAtom *atom : {&expected.i, &expected.j}) {
+                atom->chain = form.hasChains ? atom->chain : Name{};
+                atom->resName = form.hasResNames ? atom->resName : Name{};
+                atom->atomName = atom->atomName == "HB#" ? Name::of(form.groupName) : atom->atomName;
+            }
+            EXPECT_EQ(pairText(back.rows[k].i, back.rows[k].j), pairText(expected.i, expected.j)) << out;
+            EXPECT_EQ(static_cast<float>(back.rows[k].value), static_cast<float>(expected.value)) << out;
+            EXPECT_EQ(static_cast<float>(*back.rows[k].error), static_cast<float>(*expected.error)) << out;
+        }
+        if (form.form == CouplingForm::cyana) {
+            EXPECT_EQ(back.media[0].tensor->da, -9.25);
+            EXPECT_EQ(back.media[0].tensor->rhombicity, 0.25);
+        }
+    }
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // Columns: separated values under a header line, and labels with a value ("14N-H -14.5 0.1").
 #include "couplings/formats/forms.h"
 #include "couplings/formats/row_lines.h"
+#include "couplings/formats/written_rows.h"
 #include "support/text/text.h"
 #include "support/text/token.h"
 
@@ -327,6 +328,27 @@ Status readCsvRow(CsvFile &at)
     return Status::ok;
 }
 
+// ---- the way out ----
+
+/// A cell, in quotes where a separator or a quote stands in it.
+void appendCell(std::string &text, std::string_view cell)
+{
+    const bool isPlain =
+        std::ranges::none_of(cell, [](char c) { return c == ',' || c == '"' || isSpace(c); });
+    text += isPlain ? "" : "\"";
+    for (const char c : cell)
+        text.append(c == '"' ? 2 : 1, c);
+    text += isPlain ? "," : "\",";
+}
+
+void appendCsvAtom(std::string &text, const NamedAtom &atom)
+{
+    appendCell(text, atom.chain.view());
+    appendCell(text, residueText(atom));
+    appendCell(text, atom.resName.view());
+    appendCell(text, atom.atomName.view());
+}
+
 } // namespace
 
 Status readColumns(const ArchiveText &file, Archive &archive, Messages &messages)
@@ -344,6 +366,20 @@ Status readColumns(const ArchiveText &file, Archive &archive, Messages &messages
         if (readCsvRow(at) != Status::ok)
             return Status::failed;
     return at.lines.status;
+}
+
+void writeCsv(const TableOut &table, std::string &text)
+{
+    text += "chain1,resid1,resname1,atom1,chain2,resid2,resname2,atom2,value,error\n";
+    for (const ArchiveRow &row : writtenRows(table)) {
+        appendCsvAtom(text, row.i);
+        appendCsvAtom(text, row.j);
+        appendExact(text, row.value, 0, 3);
+        text += ',';
+        if (row.error)
+            appendExact(text, *row.error, 0, 3);
+        text += '\n';
+    }
 }
 
 } // namespace trelm

@@ -1,6 +1,7 @@
 // CYANA: rows of two atoms with the orientations declared before them, or, in the old form, of one atom.
 #include "couplings/formats/forms.h"
 #include "couplings/formats/row_lines.h"
+#include "couplings/formats/written_rows.h"
 #include "support/text/text.h"
 #include "support/text/token.h"
 
@@ -115,6 +116,37 @@ Status readCyanaRow(CyanaFile &at)
     return Status::ok;
 }
 
+// ---- the way out ----
+
+/// Groups of hydrogens are pseudo-atoms: HB# is QB, and HD* of leucine, where it means both methyls, QQD.
+std::string cyanaName(const NamedAtom &atom)
+{
+    const std::string_view name = atom.atomName.view();
+    if (name.size() < 3 || name[0] != 'H' || (name.back() != '#' && name.back() != '*'))
+        return std::string(name);
+    const bool hasTwoMethyls =
+        name.size() == 3 && name.back() == '*' &&
+        ((atom.resName == "VAL" && name[1] == 'G') || (atom.resName == "LEU" && name[1] == 'D'));
+    return std::string(hasTwoMethyls ? "QQ" : "Q").append(name.substr(1, name.size() - 2));
+}
+
+void appendCyanaAtom(std::string &text, const NamedAtom &atom)
+{
+    appendRight(text, residueText(atom), 6);
+    text += "  ";
+    appendLeft(text, nameOr(atom.resName, noResName), 4);
+    text += ' ';
+    appendLeft(text, cyanaName(atom), 5);
+}
+
+int lastResidue(std::span<const ArchiveRow> rows)
+{
+    int last = 0;
+    for (const ArchiveRow &row : rows)
+        last = std::max({last, row.i.resID, row.j.resID});
+    return last;
+}
+
 } // namespace
 
 Status readCyana(const ArchiveText &file, Archive &archive, Messages &messages)
@@ -127,6 +159,27 @@ Status readCyana(const ArchiveText &file, Archive &archive, Messages &messages)
             return Status::failed;
     }
     return at.lines.status;
+}
+
+void writeCyana(const TableOut &table, std::string &text)
+{
+    constexpr int axesResidue = 900; // of pseudo-atoms behind the molecule
+    const StatedTensor tensor = table.tensor.value_or(StatedTensor{});
+    const std::vector<ArchiveRow> rows = writtenRows(table);
+    text += "# Orientation  Magnitude  Rhombicity  ORI residue number\n       1 ";
+    appendExact(text, tensor.da, 14, 3);
+    appendExact(text, tensor.rhombicity, 12, 3);
+    appendf(text, " %13d\n#  First atom      Second atom           RDC   Error  Weight Orientation\n",
+            std::max(axesResidue, lastResidue(rows) + 1));
+    for (const ArchiveRow &row : rows) {
+        appendCyanaAtom(text, row.i);
+        text += "    ";
+        appendCyanaAtom(text, row.j);
+        appendExact(text, row.value, 9, 3);
+        text += ' ';
+        appendExact(text, row.error.value_or(0.0), 7, 3);
+        text += "    1.000   1\n";
+    }
 }
 
 } // namespace trelm

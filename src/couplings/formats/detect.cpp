@@ -132,7 +132,7 @@ CouplingForm detectForm(std::string_view text)
     const std::string_view line = firstLine(text);
     Words words;
     splitTokens(line, words);
-    if (match(words, "inninnr") || match(words, "innr") || match(words, "irri"))
+    if (match(words, "inninnr") || match(words, "innr") || match(words, "irri") || match(words, "irrn"))
         return CouplingForm::cyana;
     if (match(words, "ininr") || line.starts_with('(') || (!words.empty() && words[0].starts_with('(')))
         return CouplingForm::rosetta;

@@ -43,5 +43,8 @@ using ArchiveWriter = void (*)(const TableOut &table, std::string &text);
 
 void writeStar(const TableOut &table, std::string &text);
 void writeNef(const TableOut &table, std::string &text);
+void writeCyana(const TableOut &table, std::string &text);       ///< the form of two atoms; it has no chains
+void writeRosettaList(const TableOut &table, std::string &text); ///< the list with parentheses
+void writeCsv(const TableOut &table, std::string &text);
 
 } // namespace trelm

@@ -1,9 +1,11 @@
 // Rosetta: a list of two parentheses, value and error, or five columns without parentheses.
 #include "couplings/formats/forms.h"
 #include "couplings/formats/row_lines.h"
+#include "couplings/formats/written_rows.h"
 #include "support/text/text.h"
 #include "support/text/token.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace trelm {
@@ -26,15 +28,14 @@ Status failAtLine(const RosettaFile &at, const char *why)
 /// The words of a line. Parentheses are words of their own, blanks beside them or not.
 void splitList(std::string_view line, std::vector<std::string_view> &words)
 {
-    constexpr std::string_view parentheses = "()";
+    const auto isParenthesis = [](char c) { return c == '(' || c == ')'; };
     words.clear();
     for (std::size_t place = 0; place < line.size();) {
         const std::size_t start = place++;
         if (isSpace(line[start]))
             continue;
-        if (parentheses.find(line[start]) == std::string_view::npos)
-            while (place < line.size() && !isSpace(line[place]) &&
-                   parentheses.find(line[place]) == std::string_view::npos)
+        if (!isParenthesis(line[start]))
+            while (place < line.size() && !isSpace(line[place]) && !isParenthesis(line[place]))
                 ++place;
         words.push_back(line.substr(start, place - start));
     }
@@ -95,6 +96,16 @@ Status readFiveColumns(RosettaFile &at, ArchiveRow &row)
                        at.lines.messages);
 }
 
+/// Groups of hydrogens have a star. A chain has to be named: the first is A.
+void appendListAtom(std::string &text, const NamedAtom &atom)
+{
+    std::string name(atom.atomName.view());
+    std::ranges::replace(name, '#', '*');
+    text += "( ";
+    appendRight(text, residueText(atom), 4);
+    text.append(" ").append(name).append(" ").append(nameOr(atom.chain, "A")).append(" )");
+}
+
 } // namespace
 
 Status readRosetta(const ArchiveText &file, Archive &archive, Messages &messages)
@@ -108,6 +119,20 @@ Status readRosetta(const ArchiveText &file, Archive &archive, Messages &messages
         addRow(archive, row);
     }
     return at.lines.status;
+}
+
+void writeRosettaList(const TableOut &table, std::string &text)
+{
+    for (const ArchiveRow &row : writtenRows(table)) {
+        appendListAtom(text, row.i);
+        text += ' ';
+        appendListAtom(text, row.j);
+        text += ' ';
+        appendExact(text, row.value, 9, 3);
+        text += ' ';
+        appendExact(text, row.error.value_or(1.0), 7, 3);
+        text += '\n';
+    }
 }
 
 } // namespace trelm

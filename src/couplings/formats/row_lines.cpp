@@ -3,8 +3,6 @@
 #include "support/text/text.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cstdio>
 
 namespace trelm {
 namespace {
@@ -12,11 +10,12 @@ namespace {
 /// The part of a line before its comment.
 std::string_view withoutComment(std::string_view line, std::string_view marks)
 {
-    for (std::size_t place = line.find_first_of(marks); place != std::string_view::npos;
-         place = line.find_first_of(marks, place + 1))
-        if (place == 0 || isSpace(line[place - 1]))
-            return line.substr(0, place);
-    return line;
+    std::size_t end = line.size();
+    for (const char mark : marks) // one search a mark is fast, one for all marks is not
+        for (std::size_t place = line.find(mark); place < end; place = line.find(mark, place + 1))
+            if (place == 0 || isSpace(line[place - 1]))
+                end = place;
+    return line.substr(0, end);
 }
 
 } // namespace
@@ -61,17 +60,6 @@ Status readNumbers(const ArchiveText &file, std::size_t line, std::span<const st
         row.error = numbers[1];
     row.weight = numbers[2];
     return Status::ok;
-}
-
-void appendExact(std::string &text, float value, std::size_t width, int decimals)
-{
-    char word[64]; // the shortest form of a float takes at most 16
-    const auto size = static_cast<std::size_t>(
-        std::snprintf(word, sizeof word, "%.*f", decimals, static_cast<double>(value)));
-    float back = 0.0f;
-    std::from_chars(word, word + size, back);
-    const char *end = back == value ? word + size : std::to_chars(word, word + sizeof word, value).ptr;
-    appendRight(text, {word, end}, width);
 }
 
 } // namespace trelm

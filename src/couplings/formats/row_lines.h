@@ -37,7 +37,4 @@ std::string shownWord(std::string_view word);
 Status readNumbers(const ArchiveText &file, std::size_t line, std::span<const std::string_view> words,
                    ArchiveRow &row, Messages &messages);
 
-/// Appends a number as "%*.*f", or with as many digits as it takes to read back the very same.
-void appendExact(std::string &text, float value, std::size_t width, int decimals);
-
 } // namespace trelm

@@ -128,8 +128,8 @@ RestraintWord RestraintWords::read()
         return readQuoted();
     if (text[place] == '(' || text[place] == ')')
         return {text[place++] == '(' ? WordKind::open : WordKind::close, text.substr(start, 1), line};
-    constexpr std::string_view ends = "(){!";
-    while (place < text.size() && !isSpace(text[place]) && ends.find(text[place]) == std::string_view::npos)
+    const auto ends = [](char c) { return c == '(' || c == ')' || c == '{' || c == '!' || isSpace(c); };
+    while (place < text.size() && !ends(text[place]))
         ++place;
     if (place - lineStart > longestLine)
         return {WordKind::bad, lineTooLong, line};

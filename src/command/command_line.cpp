@@ -142,7 +142,10 @@ const char *CommandLine::word(int n)
 const char *CommandLine::valueOf(std::string_view flag)
 {
     const int loc = flagLoc(flag);
-    return loc > 0 ? word(loc + 1) : nullptr;
+    const char *value = loc > 0 ? word(loc + 1) : nullptr;
+    if (isFlag(value))
+        takers.push_back(loc);
+    return value;
 }
 
 std::vector<const char *> CommandLine::listOf(std::string_view flag)
@@ -169,6 +172,28 @@ Block<float> CommandLine::numbersOf(std::string_view flag, int &length)
     else
         std::ranges::transform(words, list.data(), [](const char *word) { return fltWord(word); });
     return list;
+}
+
+bool CommandLine::holds(std::string_view flag) const
+{
+    for (int i = 1; i < argc; ++i)
+        if (at(i) == flag)
+            return true;
+    return false;
+}
+
+std::string_view CommandLine::at(int n) const
+{
+    return n >= 0 && n < argc && argv[n] != nullptr ? argv[n] : std::string_view();
+}
+
+std::vector<int> CommandLine::unusedWords() const
+{
+    std::vector<int> places;
+    for (int i = 1; i < std::min(argc, maxArgs); ++i)
+        if (!isUsed(i) && argv[i] != nullptr && !isBlank(argv[i]))
+            places.push_back(i);
+    return places;
 }
 
 std::vector<const char *> CommandLine::unusedFlags() const

@@ -61,6 +61,18 @@ class CommandLine {
     /// One line that an option has no value.
     void warnNoValue(std::string_view flag);
 
+    /// Whether a word equals `flag`; it is not marked.
+    [[nodiscard]] bool holds(std::string_view flag) const;
+
+    /// Word n as it stands; empty if n is out of range.
+    [[nodiscard]] std::string_view at(int n) const;
+
+    /// The places of words behind the program's name that nobody used, blank ones left out.
+    [[nodiscard]] std::vector<int> unusedWords() const;
+
+    /// The places of options that took a flag as their value.
+    [[nodiscard]] const std::vector<int> &flagTakers() const { return takers; }
+
     /// The flags that nobody used; whoever read a word as a value has used it.
     [[nodiscard]] std::vector<const char *> unusedFlags() const;
 
@@ -85,6 +97,7 @@ class CommandLine {
     ArgumentCheck mode;
     int checksum = 0;
     std::array<bool, maxArgs> used = {};
+    std::vector<int> takers = {};
 };
 
 /// True for a flag: a minus sign, and neither a digit nor a point behind it. "-5" and "-.5" are values.

@@ -4,10 +4,12 @@
 #include "command/flag_hint.h"
 #include "command/params.h"
 #include "support/text/output_file.h"
+#include "support/text/text.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <span>
+#include <string>
 #include <string_view>
 #include <variant>
 
@@ -32,12 +34,17 @@ bool isModeFlag(std::string_view flag)
     });
 }
 
+bool isKnown(std::string_view word)
+{
+    const std::vector<std::string_view> known = knownFlags();
+    return std::ranges::find(known, word) != known.end();
+}
+
 /// Of the flags that no step has read those that are no option at all.
 void warnOfUnknownFlags(const CommandLine &line, Mode trelmMode)
 {
-    const std::vector<std::string_view> known = knownFlags();
     for (const char *word : line.unusedFlags()) {
-        if (std::ranges::find(known, word) != known.end())
+        if (isKnown(word))
             continue;
         const std::string nearest(nearestFlag(word));
         const bool isDefault = isModeFlag(nearest) && trelmMode == ModeOptions{}.trelmMode;
@@ -47,6 +54,60 @@ void warnOfUnknownFlags(const CommandLine &line, Mode trelmMode)
         else
             line.messages.warn("%s: did you mean %s? (%s)\n", word, nearest.c_str(), done);
     }
+}
+
+/// Options that stand a second time, and words that stand behind no option. What stands behind a flag that
+/// nobody read goes with it.
+void warnOfIdleWords(const CommandLine &line)
+{
+    constexpr std::size_t shown = 3;
+    std::size_t count = 0;
+    std::string text;
+    const std::vector<int> places = line.unusedWords();
+    const auto isIdle = [&](int n) { return std::ranges::binary_search(places, n); };
+    bool isBehindFlag = false;
+    for (const int n : places) {
+        const std::string word(line.at(n));
+        isBehindFlag = isFlag(word.c_str()) || (isBehindFlag && isIdle(n - 1));
+        if (isFlag(word.c_str()) && isKnown(word))
+            line.messages.warn("trelm: %s is given again: the first counts\n", word.c_str());
+        else if (!isBehindFlag && count++ < shown)
+            text.append(text.empty() ? "" : ", ").append(word);
+    }
+    if (count > shown)
+        appendf(text, " and %zu more", count - shown);
+    if (count > 0)
+        line.messages.warn("trelm: %zu words belong to no option: %s (they are not used)\n", count,
+                           text.c_str());
+}
+
+/// Options that want a name and took the next option for it.
+void warnOfTakenFlags(const CommandLine &line)
+{
+    for (const int n : line.flagTakers())
+        if (const std::string taken(line.at(n + 1)); isKnown(taken))
+            line.messages.warn(
+                "trelm: %s takes the option %s behind it as its value (give it one of its own)\n",
+                std::string(line.at(n)).c_str(), taken.c_str());
+}
+
+/// Several modes, of which one is run.
+void warnOfModes(const CommandLine &line, Mode trelmMode)
+{
+    std::string others, chosen;
+    for (const std::span<const OptionRow> table : optionTables())
+        for (const OptionRow &row : table) {
+            const auto *field = std::get_if<Mode Options::*>(&row.target);
+            if (field == nullptr || *field != &Options::trelmMode || !line.holds(row.flag))
+                continue;
+            if (row.preset && static_cast<Mode>(*row.preset) == trelmMode)
+                chosen = row.flag;
+            else
+                others.append(others.empty() ? "" : ", ").append(row.flag);
+        }
+    if (!others.empty() && !chosen.empty())
+        line.messages.warn("trelm: %s and %s are modes: %s is run (give one)\n", others.c_str(),
+                           chosen.c_str(), chosen.c_str());
 }
 
 } // namespace
@@ -91,6 +152,9 @@ Status readOptions(int argc, char **argv, CommandRun &commandRun, Messages &mess
     if (options.hasNoStructures != 0)
         options.pRotName = "/dev/null";
     warnOfUnknownFlags(line, options.trelmMode);
+    warnOfIdleWords(line);
+    warnOfTakenFlags(line);
+    warnOfModes(line, options.trelmMode);
     if (options.RunOptions::dbgFlag > 1)
         setAlloc(1);
     return Status::ok;

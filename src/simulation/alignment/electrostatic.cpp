@@ -241,11 +241,11 @@ float reportWeights(const PositionGrid &grid, const RodSums &sums, double radius
         test += sums.total[i] / sums.pCount[i];
         p += sums.totalNew[i] / sums.pCount[i];
     }
-    // Without a charge in the field p is 0: that is told where the field is looked up.
-    if (!(p >= 0.0) || !std::isfinite(p))
+    // A negative p has no logarithm either: a field that attracts, and no mistake.
+    if (!std::isfinite(p))
         messages.warn(
-            "trelm: the mean potential beside the rod, %g, has no logarithm: ln(p) is no number (look at"
-            " -pot, -kPot, -kDipo and the charges)\n",
+            "trelm: the mean potential beside the rod, %g, is no finite number (look at -pot, -kPot,"
+            " -kDipo and the charges)\n",
             p);
     messages.out("total_ph: %e    test: %e    p: %e  ln(p): %e\n", number(total_ph), test, p,
                  p < 0.0 ? std::nan("") : std::log(p));

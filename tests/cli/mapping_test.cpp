@@ -228,7 +228,7 @@ TEST(MappingRun, OddSettings)
         {"-mcStruc -noautoCone -stdCone 1e-7",
          "Warning: -stdCone 1e-07: a Gaussian cone below 1e-06 degrees moves no atom.\n",
          "REMARK Width of Gaussian cone 0.00 degree.\n" + fits},
-        {"-mcStruc -noautoCone -outFail da.txt", "", fits},
+        {"-mcStruc -noautoCone -outFail da.txt", "trelm: -outFail is given again: the first counts\n", fits},
         {"-mcDc -noerr -nAdjustMc -5", "", "factor of 1.0.\n"},
         {"-mcDc -noerr -incAdjustMc 0", "", "factor of 1.0.\n"},
         {"-mcDc -kLAdjustMc 50 -incAdjustMc 0", "", "factor of 50.0.\n"},

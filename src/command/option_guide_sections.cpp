@@ -55,6 +55,13 @@ constexpr HelpEntry flexInput[] = {
     {"-nRun",   "count",   "1000",   "Number of Sets."},
 };
 
+constexpr HelpEntry fitWorth[] = {
+    {"-outQ",     "outName", "None", "What the Fit is Worth: Errors, Types, Outliers, Free Q."},
+    {"-free",     "K|type|one", "one", "The Free Q: K Random Parts, Types, or Couplings One by One."},
+    {"-freeSeed", "seed",    "1",    "Seed of the Random Parts."},
+    {"-dropOut",  "",        "off",  "Fit Again without the Outliers."},
+};
+
 constexpr HelpEntry commonMore[] = {
     {"-version", "",      "",  "Print Name and Version and Stop."},
     {"-names",   "auto",  "off", "Map Names of Hydrogens to Those of the Structure."},
@@ -104,6 +111,7 @@ constexpr HelpBlock elMore[] = {
 };
 constexpr HelpBlock gridMore[] = {{"", gridInput}};
 constexpr HelpBlock likelihoodMore[] = {{"The Pattern of the Search:", likelihoodPattern}};
+constexpr HelpBlock fitMore[] = {{"What the Fit is Worth, of a Single Fit:", fitWorth}};
 constexpr HelpBlock flexMore[] = {{"", flexInput}};
 constexpr HelpBlock commonOptions[] = {
     {"", commonMore},
@@ -122,7 +130,7 @@ constexpr GuideSection guideSectionRows[] = {
      "ARGUMENTS FOR FREE FORMAT, STERIC TRELM", {}, ""},
     {"Ensembles of Domain Orientations, -stTrelmGrid", "ensembles.md", "", gridMore,
      "The options of the steric and the electrostatic prediction hold as well, but for -pot, which is not read."},
-    {"Best-Fit, -bestFit", "bestfit.md", "ARGUMENTS FOR BEST-FIT (SVD/POWELL)", {},
+    {"Best-Fit, -bestFit", "bestfit.md", "ARGUMENTS FOR BEST-FIT (SVD/POWELL)", fitMore,
      needsHydrogens},
     {"Best-Fit without an Assignment, -bestFit -exhaust", "assignment.md",
      "ARGUMENTS FOR UNASSIGNED BEST-FIT (exhSVD)", {},

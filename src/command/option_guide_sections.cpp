@@ -78,6 +78,11 @@ constexpr HelpEntry commonMore[] = {
     {"-dbg",     "level", "0", "Debug Level, 1 without a Value; 2 Traces Every Request for Memory."},
 };
 
+constexpr HelpEntry archiveForms[] = {
+    {"-star",    "",   "off", "Write the Loop of Measured Couplings of NMR-STAR."},
+    {"-nef",     "",   "off", "Write a NEF File."},
+};
+
 constexpr HelpEntry otherNames[] = {
     {"-in",  "inName",  "None",   "The Same as -inD, which Wins."},
     {"-out", "outName", "stdout", "The Same as -outD, which Wins."},
@@ -113,6 +118,7 @@ constexpr HelpBlock gridMore[] = {{"", gridInput}};
 constexpr HelpBlock likelihoodMore[] = {{"The Pattern of the Search:", likelihoodPattern}};
 constexpr HelpBlock fitMore[] = {{"What the Fit is Worth, of a Single Fit:", fitWorth}};
 constexpr HelpBlock flexMore[] = {{"", flexInput}};
+constexpr HelpBlock convMore[] = {{"Forms of Archives and Other Programs:", archiveForms}};
 constexpr HelpBlock commonOptions[] = {
     {"", commonMore},
     {"Other Names:", otherNames},
@@ -150,7 +156,7 @@ constexpr GuideSection guideSectionRows[] = {
     {"Da and R of Sets of Residues, -daFlex", "magnitude.md", "", flexMore,
      "The parameters and limits of -daHist hold as well."},
     {"Conversion of a Table, -conv", "conversion.md",
-     "ARGUMENTS FOR CONVERSION OF DIPOLAR COUPLING TABLE", {}, ""},
+     "ARGUMENTS FOR CONVERSION OF DIPOLAR COUPLING TABLE", convMore, ""},
     {"Common Options", "options.md", "COMMOM ARGUMENTS", commonOptions, ""},
 };
 

@@ -241,6 +241,8 @@ constexpr OptionRow conversionRows[] = {
     {"-dyana", &TrelmInfo::outFormat, formatDyana},
     {"-trelm", &TrelmInfo::outFormat, formatTrelm},
     {"-rosetta", &TrelmInfo::outFormat, formatRosetta},
+    {"-star", &TrelmInfo::outFormat, formatStar},
+    {"-nef", &TrelmInfo::outFormat, formatNef},
     {"-dcNoise", &TrelmInfo::dcNoise, 1},
     {"-tensID", &TrelmInfo::dcID},
 };

@@ -26,7 +26,8 @@ void buildAtomText(int resID, std::string_view atomName, std::string_view icode,
                    std::string_view segName, std::string &atomText)
 {
     startAtomText(resID, atomName, atomText);
-    appendLeft(atomText, icode, 1);
+    const bool isLong = icode.empty() && chainName.size() > 1; // mmCIF files have such chains
+    appendLeft(atomText, icode, isLong ? 0 : 1);
     appendLeft(atomText, chainName, 1);
     endAtomText(segName, atomText);
 }

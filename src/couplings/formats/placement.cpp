@@ -2,6 +2,7 @@
 
 #include "structure/atom_names.h"
 #include "support/text/text.h"
+#include "support/text/token.h"
 
 #include <algorithm>
 #include <map>
@@ -53,8 +54,13 @@ std::vector<const ChainInfo *> possibleChains(const Placing &placing, const Side
         if (fits)
             chains.push_back(&chain);
     }
-    if (chains.empty() && pdbInfo.chains().size() == 1 && placing.hasOneChain)
-        chains.push_back(&pdbInfo.chains()[0]);
+    const std::span<const ChainInfo> all = pdbInfo.chains();
+    const std::string_view name = side.from.chain.view();
+    const auto number = static_cast<std::size_t>(std::max(0, isInteger(name) ? toInt(name) : 0));
+    if (chains.empty() && all.size() == 1 && placing.hasOneChain)
+        chains.push_back(&all[0]);
+    else if (chains.empty() && number >= 1 && number <= all.size())
+        chains.push_back(&all[number - 1]);
     if (chains.size() > 1 && !side.from.chain.empty()) // chains of one name differ in their segments
         std::erase_if(chains,
                       [&](const ChainInfo *chain) { return !hasResidue(pdbInfo, *chain, side.resID); });

@@ -17,7 +17,7 @@ using Tags = std::array<std::string_view, 4>;
 /// Columns that name an atom. Both atoms of a row come from one set: archive files have the same pair in
 /// several sets, and in another order.
 struct AtomTags {
-    Tags chain, residue, icode, resName, atom;
+    Tags chain, chainNumber, residue, icode, resName, atom;
 };
 
 constexpr std::size_t mostSets = 3;
@@ -30,22 +30,24 @@ struct Category {
     Tags value, error, low, high, weight, scale, id;
 };
 
-constexpr AtomTags authorTags = {
-    {"Auth_asym_ID_#", "PDB_strand_ID_#", "Auth_entity_assembly_ID_#", "Entity_assembly_ID_#"},
-    {"Auth_seq_ID_#"},
-    {"PDB_ins_code_#"},
-    {"Auth_comp_ID_#", "PDB_residue_name_#"},
-    {"Auth_atom_ID_#"}};
-constexpr AtomTags pdbTags = {{"PDB_strand_ID_#", "Auth_asym_ID_#", "Entity_assembly_ID_#"},
+constexpr AtomTags authorTags = {{"Auth_asym_ID_#", "PDB_strand_ID_#", "Auth_entity_assembly_ID_#"},
+                                 {"Entity_assembly_ID_#"},
+                                 {"Auth_seq_ID_#"},
+                                 {"PDB_ins_code_#"},
+                                 {"Auth_comp_ID_#", "PDB_residue_name_#"},
+                                 {"Auth_atom_ID_#"}};
+constexpr AtomTags pdbTags = {{"PDB_strand_ID_#", "Auth_asym_ID_#"},
+                              {"Entity_assembly_ID_#"},
                               {"PDB_residue_no_#"},
                               {"PDB_ins_code_#"},
                               {"PDB_residue_name_#", "Auth_comp_ID_#"},
                               {"PDB_atom_name_#"}};
 constexpr AtomTags labelTags = {
-    {"Entity_assembly_ID_#"}, {"Comp_index_ID_#", "Seq_ID_#"}, {}, {"Comp_ID_#"}, {"Atom_ID_#"}};
+    {}, {"Entity_assembly_ID_#"}, {"Comp_index_ID_#", "Seq_ID_#"}, {}, {"Comp_ID_#"}, {"Atom_ID_#"}};
 constexpr AtomTags nefTags = {
-    {"chain_code_#"}, {"sequence_code_#"}, {}, {"residue_name_#", "residue_type_#"}, {"atom_name_#"}};
+    {"chain_code_#"}, {}, {"sequence_code_#"}, {}, {"residue_name_#", "residue_type_#"}, {"atom_name_#"}};
 constexpr AtomTags oldTags = {{"Atom_#_mol_system_component_name"},
+                              {},
                               {"Atom_#_residue_seq_code"},
                               {},
                               {"Atom_#_residue_label"},
@@ -96,7 +98,7 @@ constexpr std::string_view rhombicityTags[] = {"_nef_rdc_restraint_list.tensor_r
 using Columns = std::vector<std::size_t>; ///< of a loop, those that a field is taken from
 
 struct AtomColumns {
-    Columns chain, residue, icode, resName, atom;
+    Columns chain, chainNumber, residue, icode, resName, atom;
 };
 
 /// Where the fields of a loop stand.
@@ -151,8 +153,8 @@ AtomColumns atomColumns(std::span<const std::string_view> loopTags, const Catego
                         const AtomTags &tags, std::size_t atom)
 {
     const auto columns = [&](const Tags &field) { return columnsOf(loopTags, category, field, atom); };
-    return {columns(tags.chain), columns(tags.residue), columns(tags.icode), columns(tags.resName),
-            columns(tags.atom)};
+    return {columns(tags.chain), columns(tags.chainNumber), columns(tags.residue),
+            columns(tags.icode), columns(tags.resName),     columns(tags.atom)};
 }
 
 LoopColumns loopColumns(std::span<const std::string_view> loopTags, const Category &category, bool useLabels)
@@ -228,7 +230,7 @@ std::string chainOf(std::string_view word)
     return {static_cast<char>('A' + number - 1)};
 }
 
-bool readAtom(Row row, const AtomColumns &columns, bool isNef, NamedAtom &atom)
+bool readAtom(Row row, const AtomColumns &columns, NamedAtom &atom)
 {
     const std::string_view residue = textOf(row, columns.residue), name = textOf(row, columns.atom);
     if (residue.empty() || name.empty() || !readResidue(residue, atom))
@@ -236,15 +238,16 @@ bool readAtom(Row row, const AtomColumns &columns, bool isNef, NamedAtom &atom)
     const std::string_view chain = textOf(row, columns.chain), icode = textOf(row, columns.icode);
     return (icode.empty() || readName(icode, atom.icode)) && readName(name, atom.atomName) &&
            readName(textOf(row, columns.resName), atom.resName) &&
-           readName(isNef ? std::string(chain) : chainOf(chain), atom.chain);
+           readName(chain.empty() ? chainOf(textOf(row, columns.chainNumber)) : std::string(chain),
+                    atom.chain);
 }
 
 /// Both atoms from the first set that names them.
-bool readAtoms(Row row, const LoopColumns &columns, bool isNef, ArchiveRow &into)
+bool readAtoms(Row row, const LoopColumns &columns, ArchiveRow &into)
 {
     return std::ranges::any_of(columns.sets, [&](const std::array<AtomColumns, 2> &set) {
         into.i = into.j = {};
-        return readAtom(row, set[0], isNef, into.i) && readAtom(row, set[1], isNef, into.j);
+        return readAtom(row, set[0], into.i) && readAtom(row, set[1], into.j);
     });
 }
 
@@ -300,7 +303,6 @@ void markAlternatives(std::span<std::pair<std::string, std::size_t>> ids, Archiv
 
 Status readCouplingLoop(StarFile &star, const Category &category)
 {
-    const bool isNef = category.prefix == categories[0].prefix;
     const LoopColumns columns = loopColumns(star.reader.tags(), category, star.file.useLabels);
     if (columns.value.empty())
         return failAt(star.file, star.reader.line(), star.messages, "a loop of couplings without values");
@@ -311,7 +313,7 @@ Status readCouplingLoop(StarFile &star, const Category &category)
         bool hasValue = false;
         if (readValues(star, columns, row, hasValue) != Status::ok)
             return Status::failed;
-        if (!readAtoms(star.reader.row(), columns, isNef, row)) {
+        if (!readAtoms(star.reader.row(), columns, row)) {
             star.archive.leftOut.push_back(
                 {row.line, rawPair(star.reader.row(), columns), "names no two atoms"});
             continue;

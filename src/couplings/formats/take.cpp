@@ -185,14 +185,27 @@ bool isTurnedPair(const ArchiveRow &row)
     return !findVariableDI(0.0f, i, j, 1, silent).isFixed && findVariableDI(0.0f, j, i, 1, silent).isFixed;
 }
 
+/// The name of an atom as tables have it. Q and M names and the wildcards of other programs become those of
+/// tables: # for numbers, * for two of them.
+Name tableName(const Name &name)
+{
+    std::string text(name.view());
+    const std::size_t marks = text.starts_with("QQ") ? 2 : 1;
+    if (text.size() > marks && (text[0] == 'Q' || text[0] == 'M'))
+        text = std::string("H").append(text, marks).append(marks == 2 ? "*" : "#");
+    std::ranges::replace(text, '%', '#');
+    std::ranges::replace(text, '+', '#');
+    return Name::of(text);
+}
+
 /// A row of the table; its names are kept there.
 DInfo rowOf(const ArchiveRow &from, NameStore &names)
 {
     DInfo row;
     row.names = names.keep({.resNameI = from.i.resName,
                             .resNameJ = from.j.resName,
-                            .atomNameI = from.i.atomName,
-                            .atomNameJ = from.j.atomName,
+                            .atomNameI = tableName(from.i.atomName),
+                            .atomNameJ = tableName(from.j.atomName),
                             .chainNameI = from.i.chain,
                             .chainNameJ = from.j.chain});
     row.valid = 1;
@@ -219,6 +232,11 @@ void tellErrors(const Taking &taking, std::span<const ArchiveRow> rows)
     if (isOne && rows.size() > 1 && *first >= narrowest)
         taking.messages.note("trelm: %s: one error for all rows: %.3f Hz, a restraint's width?\n",
                              taking.name.c_str(), *first);
+    const auto [least, largest] = std::ranges::minmax(rows, {}, &ArchiveRow::scale);
+    if (least.scale != 1.0 || largest.scale != 1.0)
+        taking.messages.note(
+            "trelm: %s: scales from %g to %g are not applied: values are those of the file\n",
+            taking.name.c_str(), least.scale, largest.scale);
     const auto [low, high] = std::ranges::minmax(rows, {}, &ArchiveRow::weight);
     if (low.weight != 1.0 || high.weight != 1.0)
         taking.messages.note("trelm: %s: weights from %g to %g: DD is the error over their root\n",

@@ -26,8 +26,7 @@ void buildAtomText(int resID, std::string_view atomName, std::string_view icode,
                    std::string_view segName, std::string &atomText)
 {
     startAtomText(resID, atomName, atomText);
-    const bool isLong = icode.empty() && chainName.size() > 1; // mmCIF files have such chains
-    appendLeft(atomText, icode, isLong ? 0 : 1);
+    appendLeft(atomText, icode, 1);
     appendLeft(atomText, chainName, 1);
     endAtomText(segName, atomText);
 }

@@ -9,7 +9,7 @@ namespace trelm {
 /// Number, atom name left-justified in 4, two columns of chain, segment left-justified in 4. The two columns
 /// are the insertion code and the chain name where the atom enters the table, the chain name right-justified
 /// where it is looked for. A look-up by a chain name of one letter so never finds an atom with an insertion
-/// code. A chain name of several letters stands without a blank before it.
+/// code.
 void buildAtomText(int resID, std::string_view atomName, std::string_view icode, std::string_view chainName,
                    std::string_view segName, std::string &atomText);
 

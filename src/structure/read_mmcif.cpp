@@ -158,8 +158,10 @@ Status readNames(const MmcifFile &mmcif, AtomInfo &atom, Messages &messages)
                                       valueOf(mmcif, chain)};
     if (names[0].empty() || !isInteger(number))
         return failAtLine(mmcif, "an atom without a name or the number of its residue", messages);
-    if (std::ranges::any_of(names, [](std::string_view name) { return name.size() > Name::capacity; }))
-        return failAtLine(mmcif, "a name is longer than 16 characters", messages);
+    if (std::ranges::any_of(names, [](std::string_view name) {
+            return name.size() > Name::capacity || std::ranges::any_of(name, isSpace);
+        }))
+        return failAtLine(mmcif, "a name is longer than 16 characters, or has white space in it", messages);
     atom.resID = toInt(number);
     atom.atomName = Name::of(names[0]);
     atom.resName = Name::of(names[1]);

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 
 namespace trelm {
 namespace {
@@ -214,7 +215,7 @@ Status readField(const StarFile &star, const Columns &columns, std::optional<dou
         return Status::ok;
     if (!readNumber(text, number))
         return failAt(star.file, star.reader.line(), star.messages, "%.*s is no number",
-                      static_cast<int>(text.size()), text.data());
+                      static_cast<int>(std::min(text.size(), text.find_first_of("\r\n"))), text.data());
     value = number;
     return Status::ok;
 }
@@ -282,7 +283,8 @@ Status readValues(const StarFile &star, const LoopColumns &columns, ArchiveRow &
         return failAt(star.file, star.reader.line(), star.messages, "a negative error or weight");
     hasValue = value.has_value();
     row.value = value.value_or(0.0);
-    row.error = error.value_or(0.0) > 0.0 ? error : std::nullopt; // 0 is no error
+    const bool hasError = error.value_or(0.0) > 0.0 && std::isfinite(*error); // 0 is no error
+    row.error = hasError ? error : std::nullopt;
     row.weight = weight.value_or(1.0);
     row.scale = scale.value_or(1.0);
     return Status::ok;

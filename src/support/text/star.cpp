@@ -31,11 +31,12 @@ std::string_view keywordOf(std::string_view word)
     return {};
 }
 
-/// What of a word is told in a message.
+/// What of a word is told in a message, which is one line.
 std::string shown(std::string_view word)
 {
     constexpr std::size_t most = 60;
-    return std::string(word.substr(0, most)).append(word.size() > most ? "..." : "");
+    const std::size_t length = std::min({most, word.size(), word.find_first_of("\r\n")});
+    return std::string(word.substr(0, length)).append(length < word.size() ? "..." : "");
 }
 
 } // namespace

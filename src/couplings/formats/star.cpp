@@ -7,6 +7,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <unordered_map>
 
 namespace trelm {
 namespace {
@@ -114,8 +115,10 @@ struct StarFile {
     StarReader reader;
     Archive &archive;
     Messages &messages;
-    std::string frame = {};                         ///< the medium that its couplings belong to
-    std::optional<double> da = {}, rhombicity = {}; ///< that the frame states
+    std::string_view frame = {};                              ///< or block, which its couplings stand in
+    std::optional<std::size_t> medium = {};                   ///< of the frame, once it has couplings
+    std::unordered_map<std::string, std::size_t> frames = {}; ///< with couplings, by name
+    std::optional<double> da = {}, rhombicity = {};           ///< that the frame states
 };
 
 bool isOneOf(std::string_view tag, std::span<const std::string_view> tags)
@@ -291,7 +294,7 @@ Status readValues(const StarFile &star, const LoopColumns &columns, ArchiveRow &
 }
 
 /// Rows of one restraint mean one of their pairs.
-void markAlternatives(std::span<std::pair<std::string, std::size_t>> ids, Archive &archive)
+void markAlternatives(std::span<std::pair<std::string_view, std::size_t>> ids, Archive &archive)
 {
     std::ranges::sort(ids);
     for (auto first = ids.begin(); first != ids.end();) {
@@ -303,13 +306,33 @@ void markAlternatives(std::span<std::pair<std::string, std::size_t>> ids, Archiv
     }
 }
 
+/// The medium of the frame: its name without the category before it, which NEF asks for, and with a number if
+/// a frame before has the same.
+std::size_t frameMedium(StarFile &star)
+{
+    constexpr std::string_view nefPrefix = "nef_rdc_restraint_list_";
+    if (star.medium)
+        return *star.medium;
+    std::string name(star.frame);
+    if (name.starts_with(nefPrefix) && name.size() > nefPrefix.size())
+        name.erase(0, nefPrefix.size());
+    if (const std::size_t number = ++star.frames[name]; number > 1)
+        name.append("#").append(std::to_string(number));
+    star.medium = star.archive.media.size();
+    star.archive.media.push_back({.name = name});
+    return *star.medium;
+}
+
 Status readCouplingLoop(StarFile &star, const Category &category)
 {
     const LoopColumns columns = loopColumns(star.reader.tags(), category, star.file.useLabels);
     if (columns.value.empty())
         return failAt(star.file, star.reader.line(), star.messages, "a loop of couplings without values");
-    const std::size_t medium = mediumOf(star.archive, star.frame);
-    std::vector<std::pair<std::string, std::size_t>> ids;
+    const std::size_t medium = frameMedium(star);
+    std::vector<std::pair<std::string_view, std::size_t>> ids;
+    if (star.archive.rows
+            .empty()) // a value takes two bytes at least; what is not used of the room costs nothing
+        star.archive.rows.reserve(star.file.text.size() / (2 * star.reader.tags().size()));
     while (star.reader.nextRow()) {
         ArchiveRow row = {.medium = medium, .line = star.reader.line()};
         bool hasValue = false;
@@ -334,26 +357,12 @@ Status readCouplingLoop(StarFile &star, const Category &category)
 
 // ---- frames ----
 
-/// The name of a medium: that of its frame without the category before it, which NEF asks for. A name that
-/// another frame has gets a number.
-std::string mediumName(const Archive &archive, std::string_view frame)
-{
-    constexpr std::string_view nefPrefix = "nef_rdc_restraint_list_";
-    if (frame.starts_with(nefPrefix) && frame.size() > nefPrefix.size())
-        frame.remove_prefix(nefPrefix.size());
-    std::string name(frame);
-    const auto isKnown = [&](const Medium &medium) { return medium.name == name; };
-    for (int k = 2; std::ranges::any_of(archive.media, isKnown); ++k)
-        name = std::string(frame) + "#" + std::to_string(k);
-    return name;
-}
-
 /// A tensor that is stated belongs to the couplings of its frame.
 void endFrame(StarFile &star)
 {
-    const auto known = std::ranges::find(star.archive.media, star.frame, &Medium::name);
-    if (known != star.archive.media.end() && star.da && star.rhombicity)
-        known->tensor = {*star.da, *star.rhombicity};
+    if (star.medium && star.da && star.rhombicity)
+        star.archive.media[*star.medium].tensor = {*star.da, *star.rhombicity};
+    star.medium.reset();
     star.da.reset();
     star.rhombicity.reset();
 }
@@ -372,7 +381,7 @@ Status readEvent(StarFile &star, StarReader::Event event)
     case StarReader::Event::block:
     case StarReader::Event::frame:
         endFrame(star);
-        star.frame = mediumName(star.archive, star.reader.name());
+        star.frame = star.reader.name();
         return Status::ok;
     case StarReader::Event::frameEnd:
         endFrame(star);

@@ -159,53 +159,53 @@ void appendStarAtom(std::string &text, const OutAtom &atom, std::size_t chain)
             starWord(atom.resName).c_str(), starWord(atom.name).c_str());
 }
 
-constexpr std::string_view starTags[] = {"ID",
-                                         "RDC_code",
-                                         "Entity_assembly_ID_1",
-                                         "Entity_ID_1",
-                                         "Comp_index_ID_1",
-                                         "Seq_ID_1",
-                                         "Comp_ID_1",
-                                         "Atom_ID_1",
-                                         "Atom_type_1",
-                                         "Atom_isotope_number_1",
-                                         "Auth_entity_assembly_ID_1",
-                                         "Auth_seq_ID_1",
-                                         "Auth_comp_ID_1",
-                                         "Auth_atom_ID_1",
-                                         "Entity_assembly_ID_2",
-                                         "Entity_ID_2",
-                                         "Comp_index_ID_2",
-                                         "Seq_ID_2",
-                                         "Comp_ID_2",
-                                         "Atom_ID_2",
-                                         "Atom_type_2",
-                                         "Atom_isotope_number_2",
-                                         "Auth_entity_assembly_ID_2",
-                                         "Auth_seq_ID_2",
-                                         "Auth_comp_ID_2",
-                                         "Auth_atom_ID_2",
-                                         "Val",
-                                         "Val_err",
-                                         "Entry_ID",
-                                         "RDC_list_ID"};
+constexpr std::string_view writtenStarTags[] = {"ID",
+                                                "RDC_code",
+                                                "Entity_assembly_ID_1",
+                                                "Entity_ID_1",
+                                                "Comp_index_ID_1",
+                                                "Seq_ID_1",
+                                                "Comp_ID_1",
+                                                "Atom_ID_1",
+                                                "Atom_type_1",
+                                                "Atom_isotope_number_1",
+                                                "Auth_entity_assembly_ID_1",
+                                                "Auth_seq_ID_1",
+                                                "Auth_comp_ID_1",
+                                                "Auth_atom_ID_1",
+                                                "Entity_assembly_ID_2",
+                                                "Entity_ID_2",
+                                                "Comp_index_ID_2",
+                                                "Seq_ID_2",
+                                                "Comp_ID_2",
+                                                "Atom_ID_2",
+                                                "Atom_type_2",
+                                                "Atom_isotope_number_2",
+                                                "Auth_entity_assembly_ID_2",
+                                                "Auth_seq_ID_2",
+                                                "Auth_comp_ID_2",
+                                                "Auth_atom_ID_2",
+                                                "Val",
+                                                "Val_err",
+                                                "Entry_ID",
+                                                "RDC_list_ID"};
 
 // ---- NEF ----
 
-constexpr std::string_view nefTags[] = {"index",
-                                        "restraint_id",
-                                        "restraint_combination_id",
-                                        "chain_code_1",
-                                        "sequence_code_1",
-                                        "residue_name_1",
-                                        "atom_name_1",
-                                        "chain_code_2",
-                                        "sequence_code_2",
-                                        "residue_name_2",
-                                        "atom_name_2",
-                                        "weight",
-                                        "target_value",
-                                        "target_value_uncertainty"};
+constexpr std::string_view writtenNefTags[] = {"index",
+                                               "restraint_id",
+                                               "restraint_combination_id",
+                                               "chain_code_1",
+                                               "sequence_code_1",
+                                               "residue_name_1",
+                                               "atom_name_1",
+                                               "chain_code_2",
+                                               "sequence_code_2",
+                                               "residue_name_2",
+                                               "atom_name_2",
+                                               "weight",
+                                               "target_value",
+                                               "target_value_uncertainty"};
 
 constexpr std::string_view nefSequenceTags[] = {"index",   "chain_code",      "sequence_code", "residue_name",
                                                 "linking", "residue_variant", "cis_peptide"};
@@ -250,7 +250,7 @@ void writeStar(const TableOut &table, std::string &text)
             "   _RDC_list.Sf_framecode  RDC_list_1\n"
             "   _RDC_list.Entry_ID      trelm\n"
             "   _RDC_list.ID            1\n\n   loop_\n";
-    appendTags(text, "_RDC", starTags);
+    appendTags(text, "_RDC", writtenStarTags);
     std::vector<std::string> chains;
     forEachRow(table, [&](const OutRow &row, std::size_t number) {
         const auto [i, j] = atomsOf(row, starName);
@@ -285,7 +285,7 @@ void writeNef(const TableOut &table, std::string &text)
                 "   _nef_rdc_restraint_list.tensor_rhombicity %g\n",
                 table.tensor->da, table.tensor->rhombicity);
     text += "\n   loop_\n";
-    appendTags(text, "_nef_rdc_restraint", nefTags);
+    appendTags(text, "_nef_rdc_restraint", writtenNefTags);
     forEachRow(table, [&](const OutRow &row, std::size_t number) { appendNefRow(text, row, number); });
     text += "   stop_\nsave_\n";
 }

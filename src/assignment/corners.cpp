@@ -25,6 +25,36 @@ double solveCorner(Corners &corners, std::uint32_t corner, double tau)
     return support + supportSlack * (std::fabs(support) + corners.standing.length);
 }
 
+/// What the support at hand loses without each pair of the best assignment. A peak that is elsewhere loses
+/// nothing. An assignment that is better than those met, with the tensor of this corner alone, is noted with
+/// its own.
+void addLosses(Corners &corners, double support, double tau)
+{
+    const TensorProblem &problem = corners.standing.problem;
+    Alternatives &alternatives = *corners.alternatives;
+    const bool hasPartial = problem.hasPartial();
+    const std::vector<int> solution = corners.assignment.columnOf;
+    for (std::size_t peak = 0; peak < problem.size; ++peak) {
+        double loss = 0.0;
+        std::vector<int> rowOf = solution;
+        if (solution[peak] == alternatives.best[peak]) {
+            loss = std::min(costWithoutPair(corners.costs.costs, peak, corners.priceWork, corners.assignment),
+                            barrierOf(problem));
+            const std::vector<int> &cycle = corners.assignment.exchanged;
+            for (std::size_t k = 0; k < cycle.size(); ++k)
+                rowOf[cycle[k]] = solution[cycle[(k + 1) % cycle.size()]];
+        }
+        const double value = support - loss;
+        const double reached =
+            hasPartial ? problem.data + tau * tau - 2.0 * tau * value : problem.data - value * value;
+        if (loss < 0.5 * barrierOf(problem) && value > 0.0 && reached < alternatives.elsewhere[peak])
+            if (const TensorFit fit = fitTensor(problem, rowOf); fit.isSolved)
+                noteAlternative(alternatives, fit.score, rowOf);
+        // Rounded down: a bound stays one.
+        corners.losses.push_back(static_cast<float>(std::max(0.0, loss * (1.0 - 1e-6) - 1e-12 * support)));
+    }
+}
+
 /// Looks at a corner at tau, and adds what it finds to its nodes.
 double addNode(Corners &corners, std::uint32_t corner, double tau)
 {
@@ -32,13 +62,16 @@ double addNode(Corners &corners, std::uint32_t corner, double tau)
     const auto node = static_cast<std::uint32_t>(corners.nodes.size());
     corners.nodes.push_back({tau, support, corners.list[corner].node});
     corners.list[corner].node = node;
+    if (corners.alternatives != nullptr)
+        addLosses(corners, support, tau);
     return support;
 }
 
 TensorFit considerSolution(Corners &corners)
 {
     const TensorFit fit = fitTensor(corners.standing.problem, corners.assignment.columnOf);
-    consider(corners.standing, fit, corners.assignment.columnOf);
+    if (corners.alternatives == nullptr)
+        consider(corners.standing, fit, corners.assignment.columnOf);
     return fit;
 }
 
@@ -47,11 +80,20 @@ struct Bracket {
     SupportNode low = {-infinity, 0.0}, high = {infinity, 0.0};
 };
 
-Bracket nodesAbout(const Corners &corners, std::uint32_t corner, double tau)
+/// A node without a pair of the best assignment.
+SupportNode nodeWithout(const Corners &corners, std::uint32_t node, int offPeak)
+{
+    SupportNode here = corners.nodes[node];
+    if (offPeak != noPeak)
+        here.support -= static_cast<double>(corners.losses[node * corners.standing.problem.size + offPeak]);
+    return here;
+}
+
+Bracket nodesAbout(const Corners &corners, std::uint32_t corner, double tau, int offPeak)
 {
     Bracket bracket;
     for (std::uint32_t node = corners.list[corner].node; node != noNode; node = corners.nodes[node].next) {
-        const SupportNode &here = corners.nodes[node];
+        const SupportNode here = nodeWithout(corners, node, offPeak);
         if (here.tau <= tau && here.tau > bracket.low.tau)
             bracket.low = here;
         if (here.tau >= tau && here.tau < bracket.high.tau)
@@ -62,12 +104,17 @@ Bracket nodesAbout(const Corners &corners, std::uint32_t corner, double tau)
 
 } // namespace
 
+void setLimit(Standing &standing, double limit)
+{
+    standing.limit = limit;
+    standing.lengthSquare = standing.problem.data - limit;
+    standing.length = std::sqrt(std::max(0.0, standing.lengthSquare));
+}
+
 void setLimit(Standing &standing)
 {
-    const double data = standing.problem.data;
-    standing.limit = exactLimit(standing.space.tables, standing.best.score) + dataSlack * data;
-    standing.lengthSquare = data - standing.limit;
-    standing.length = std::sqrt(std::max(0.0, standing.lengthSquare));
+    setLimit(standing,
+             exactLimit(standing.space.tables, standing.best.score) + dataSlack * standing.problem.data);
 }
 
 void consider(Standing &standing, const TensorFit &fit, std::span<const int> rowOf)
@@ -80,6 +127,23 @@ void consider(Standing &standing, const TensorFit &fit, std::span<const int> row
     if (standing.scored.insert({rowOf.begin(), rowOf.end()}).second &&
         takeBetter(standing.space, rowOf, standing.work, standing.best))
         setLimit(standing);
+}
+
+void noteAlternative(Alternatives &alternatives, double score, std::span<const int> rowOf)
+{
+    bool isOther = false;
+    for (std::size_t peak = 0; peak < rowOf.size(); ++peak) {
+        double &least = alternatives.least[peak * rowOf.size() + static_cast<std::size_t>(rowOf[peak])];
+        least = std::min(least, score);
+        if (rowOf[peak] == alternatives.best[peak])
+            continue;
+        isOther = true;
+        alternatives.elsewhere[peak] = std::min(alternatives.elsewhere[peak], score);
+    }
+    if (isOther && score < alternatives.secondScore) {
+        alternatives.secondScore = score;
+        alternatives.second.assign(rowOf.begin(), rowOf.end());
+    }
 }
 
 std::uint32_t addCorner(Corners &corners, const TensorVector &x, std::span<const std::uint32_t> like)
@@ -119,28 +183,27 @@ std::uint32_t middleOf(Corners &corners, std::uint32_t i, std::uint32_t j)
     return middle;
 }
 
-double supportAt(Corners &corners, std::uint32_t corner, double tau, double spacing)
+double supportAt(Corners &corners, std::uint32_t corner, double tau, double spacing, int offPeak)
 {
     if (!corners.standing.problem.hasPartial())
-        return supportOf(corners, corner);
-    const Bracket known = nodesAbout(corners, corner, tau);
-    const auto between = [&](const SupportNode &low, const SupportNode &high) {
-        const double part = high.tau > low.tau ? (tau - low.tau) / (high.tau - low.tau) : 0.0;
-        return (1.0 - part) * low.support + part * high.support;
-    };
-    if (known.high.tau - known.low.tau <= spacing * corners.reference)
-        return between(known.low, known.high);
-    // Nodes of a finer grid are those of the coarser one and some between.
-    const double step =
-        corners.reference * std::exp2(2.0 * std::floor(0.5 * std::log2(std::min(1.0, spacing))));
-    const double place = std::floor((tau - corners.reference) / step);
-    SupportNode low = {corners.reference + place * step, 0.0};
-    SupportNode high = {corners.reference + (place + 1.0) * step, 0.0};
-    low.support = known.low.tau == low.tau ? known.low.support : addNode(corners, corner, low.tau);
-    considerSolution(corners);
-    high.support = known.high.tau == high.tau ? known.high.support : addNode(corners, corner, high.tau);
-    considerSolution(corners);
-    return between(low, high);
+        return nodeWithout(corners, corners.list[corner].node, offPeak).support;
+    Bracket known = nodesAbout(corners, corner, tau, offPeak);
+    if (known.high.tau - known.low.tau > spacing * corners.reference) {
+        // Nodes of a finer grid are those of the coarser one and some between.
+        const double step =
+            corners.reference * std::exp2(2.0 * std::floor(0.5 * std::log2(std::min(1.0, spacing))));
+        const double place = std::floor((tau - corners.reference) / step);
+        for (const double at : {corners.reference + place * step, corners.reference + (place + 1.0) * step}) {
+            if (at == known.low.tau || at == known.high.tau)
+                continue;
+            addNode(corners, corner, at);
+            considerSolution(corners);
+        }
+        known = nodesAbout(corners, corner, tau, offPeak);
+    }
+    const double width = known.high.tau - known.low.tau,
+                 part = width > 0.0 ? (tau - known.low.tau) / width : 0.0;
+    return (1.0 - part) * known.low.support + part * known.high.support;
 }
 
 double supportOf(const Corners &corners, std::uint32_t corner)

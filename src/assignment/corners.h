@@ -27,10 +27,14 @@ struct Standing {
 /// Sets limit and T by the best candidate.
 void setLimit(Standing &standing);
 
+/// Sets limit and T.
+void setLimit(Standing &standing, double limit);
+
 /// Scores a candidate if its sum of squares is within the limit.
 void consider(Standing &standing, const TensorFit &fit, std::span<const int> rowOf);
 
 constexpr std::uint32_t noNode = 0xffffffff;
+constexpr int noPeak = -1;
 
 /// A direction and the assignment that is best there at the reference length.
 struct Corner {
@@ -46,14 +50,29 @@ struct SupportNode {
     std::uint32_t next = noNode;
 };
 
+/// Assignments that do not have a pair of the best one, as a search for them meets them.
+struct Alternatives {
+    std::vector<int> best;     ///< row of each peak
+    double bestScore = 0.0;    ///< with the weights of the score, in double precision
+    std::vector<double> least; ///< by peak and row, the lowest score met with the peak there; infinity: none
+    std::vector<double> elsewhere; ///< by peak, the lowest score met with the peak on another row
+    std::vector<int> second;       ///< the assignment with the lowest score of all but the best
+    double secondScore = infinity;
+};
+
+/// Takes an assignment into account.
+void noteAlternative(Alternatives &alternatives, double score, std::span<const int> rowOf);
+
 /// All corners of a search. They are found by their place.
 struct Corners {
     Standing &standing;
-    double reference = 0.0; ///< tau at which corners are first looked at
+    double reference = 0.0;               ///< tau at which corners are first looked at
+    Alternatives *alternatives = nullptr; ///< nothing: the best assignment is looked for, else these
     std::vector<Corner> list = {};
     std::vector<Triangle> shares = {}; ///< q of each corner's assignment; empty without q
     std::vector<float> prices = {};    ///< of each corner, stride apart: what the next one begins with
     std::vector<SupportNode> nodes = {};
+    std::vector<float> losses = {}; ///< by node and peak: what the support loses without the best one's pair
     std::unordered_map<std::uint64_t, std::uint32_t> middles = {}; ///< by the places of an edge's ends
     PairCosts costs = {};
     AssignmentWork assignment = {};
@@ -67,8 +86,9 @@ std::uint32_t addCorner(Corners &corners, const TensorVector &x, std::span<const
 std::uint32_t middleOf(Corners &corners, std::uint32_t i, std::uint32_t j);
 
 /// The support of a corner at tau, or somewhat more: by convexity between nodes no farther apart than
-/// `spacing` times the reference.
-double supportAt(Corners &corners, std::uint32_t corner, double tau, double spacing);
+/// `spacing` times the reference. `offPeak`: the support without the best assignment's pair of that peak, or
+/// noPeak.
+double supportAt(Corners &corners, std::uint32_t corner, double tau, double spacing, int offPeak);
 
 /// The support at the reference; without q that of any tau.
 double supportOf(const Corners &corners, std::uint32_t corner);

@@ -24,6 +24,7 @@ struct AssignmentOptions {
     std::vector<int> fixedResidues = {};   ///< residues whose assignment is fixed
     int nSel = 0;                          ///< peaks to select for SearchKind::selected
     int dcSelOpt = 1;                      ///< optimise the peak selection
+    int needsVector = 0;                   ///< 1: no coupling on a residue without its vector
     std::vector<std::string> media = {""}; ///< alignment media, the segment names in the PDB; 1 to maxMedia
 };
 

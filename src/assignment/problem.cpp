@@ -379,6 +379,20 @@ void startProblem(Making &making)
 
 } // namespace
 
+bool hasVector(const AssignmentProblem &problem, std::size_t row, std::size_t column)
+{
+    const std::size_t cell = problem.at(row, column);
+    return problem.xMat[cell] != 0.0f || problem.yMat[cell] != 0.0f || problem.zMat[cell] != 0.0f;
+}
+
+bool lacksVector(const AssignmentProblem &problem, std::size_t peak, std::size_t row)
+{
+    for (std::size_t column = 0; column < problem.colId; ++column)
+        if (problem.dcMat[problem.at(peak, column)] != noPeakCoupling && !hasVector(problem, row, column))
+            return true;
+    return false;
+}
+
 int couplingType(const DInfo &obs)
 {
     const auto *row = std::ranges::find_if(typeRows, [&](const TypeRow &type) {

@@ -49,10 +49,17 @@ struct AssignmentProblem {
     std::array<std::size_t, maxMedia> nDTypList = {}; ///< fixed couplings of each medium
     std::array<std::size_t, maxMedia> colIdList = {}; ///< columns of each medium
     TensorWindow window;
+    bool needsVector = false; ///< no coupling may come to a residue without its vector
 
     /// Place of a cell in the matrices.
     [[nodiscard]] std::size_t at(std::size_t row, std::size_t column) const { return row * colId + column; }
 };
+
+/// Whether the residue of a row has the vector of a column: atoms at two places.
+bool hasVector(const AssignmentProblem &problem, std::size_t row, std::size_t column);
+
+/// Whether a peak has a coupling for which a residue row has no vector.
+bool lacksVector(const AssignmentProblem &problem, std::size_t peak, std::size_t row);
 
 /// Where a problem comes from in the coupling table: what brings an assignment back into it.
 struct PeakTable {

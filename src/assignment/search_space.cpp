@@ -1,6 +1,7 @@
 #include "assignment/search_space.h"
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 namespace trelm {
@@ -69,7 +70,25 @@ bool isEarlier(std::span<const int> rowOf, std::span<const int> other)
 SearchSpace makeSearchSpace(const AssignmentProblem &problem, std::vector<int> peaks,
                             std::vector<RowSpan> rowsFor)
 {
-    return {problem, makeBoundTables(problem), fixedEquations(problem), std::move(peaks), std::move(rowsFor)};
+    SearchSpace space = {problem, makeBoundTables(problem), fixedEquations(problem), std::move(peaks),
+                         std::move(rowsFor)};
+    if (problem.needsVector)
+        for (const int peak : space.peaks)
+            for (std::size_t row = 0; row < problem.peakCount; ++row)
+                space.isBarred.push_back(lacksVector(problem, peak, row) ? 1 : 0);
+    return space;
+}
+
+SearchSpace wholeSpace(const AssignmentProblem &problem, std::span<const int> classes)
+{
+    std::vector<int> peaks(problem.peakCount);
+    std::iota(peaks.begin(), peaks.end(), 0);
+    std::vector<RowSpan> rows;
+    for (const int size : classes)
+        rows.insert(rows.end(), size, {rows.size(), rows.size() + size});
+    if (classes.size() < 2)
+        rows.assign(problem.peakCount, {0, problem.peakCount});
+    return makeSearchSpace(problem, std::move(peaks), std::move(rows));
 }
 
 bool takeBetter(const SearchSpace &space, std::span<const int> rowOf, ScoreWork &work, Candidate &best)

@@ -24,14 +24,20 @@ struct SearchSpace {
     std::vector<int> peaks;       ///< peak rows, rising
     std::vector<RowSpan> rowsFor; ///< residue rows that each of them may take
 
+    std::vector<char> isBarred = {}; ///< by peak and row; empty: no other pair is
+
     [[nodiscard]] bool mayTake(std::size_t peak, std::size_t row) const
     {
-        return row >= rowsFor[peak].first && row < rowsFor[peak].end;
+        return row >= rowsFor[peak].first && row < rowsFor[peak].end &&
+               (isBarred.empty() || isBarred[peak * problem.peakCount + row] == 0);
     }
 };
 
 SearchSpace makeSearchSpace(const AssignmentProblem &problem, std::vector<int> peaks,
                             std::vector<RowSpan> rowsFor);
+
+/// All peaks on all residues, or within classes of consecutive ones if there are at least two.
+SearchSpace wholeSpace(const AssignmentProblem &problem, std::span<const int> classes);
 
 /// A candidate: the row of each peak of the space. Empty: none.
 struct Candidate {

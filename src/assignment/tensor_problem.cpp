@@ -108,19 +108,13 @@ bool weighsAlike(const AssignmentProblem &problem)
 
 void setBarriers(const SearchSpace &space, TensorProblem &problem)
 {
-    const auto isFree = [&](std::size_t peak) {
-        return space.rowsFor[peak].first == 0 && space.rowsFor[peak].end == problem.size;
-    };
-    bool allFree = true;
-    for (std::size_t peak = 0; peak < problem.size; ++peak)
-        allFree = allFree && isFree(peak);
-    if (allFree)
-        return;
-    problem.barrier.assign(problem.size * problem.stride, 0.0);
+    std::vector<double> barrier(problem.size * problem.stride, 0.0);
     for (std::size_t peak = 0; peak < problem.size; ++peak)
         for (std::size_t row = 0; row < problem.size; ++row)
             if (!space.mayTake(peak, row))
-                problem.barrier[peak * problem.stride + row] = barrierSize * std::sqrt(problem.data);
+                barrier[peak * problem.stride + row] = barrierOf(problem);
+    if (std::ranges::any_of(barrier, [](double cost) { return cost > 0.0; }))
+        problem.barrier = std::move(barrier);
 }
 
 /// One row of costs less columns of slopes, each times what the column says of the residues.
@@ -229,6 +223,11 @@ void pairCosts(const TensorProblem &problem, const TensorVector &v, double tau, 
                                 &work.costs[peak * stride]);
     for (std::size_t peak = 0; peak < problem.size; ++peak)
         std::fill(&work.costs[peak * stride] + problem.size, &work.costs[peak * stride] + stride, noCost);
+}
+
+double barrierOf(const TensorProblem &problem)
+{
+    return barrierSize * std::sqrt(problem.data);
 }
 
 TensorFit fitTensor(const TensorProblem &problem, std::span<const int> rowOf)

@@ -81,6 +81,9 @@ struct TensorFit {
     double score = 0.0;    ///< in double precision, with the weights of the score
 };
 
+/// What is added to the cost of a pair that may not be: more than any total.
+double barrierOf(const TensorProblem &problem);
+
 /// Fits an assignment: the row of each peak.
 TensorFit fitTensor(const TensorProblem &problem, std::span<const int> rowOf);
 

@@ -43,11 +43,13 @@ struct CellView {
 struct Exploration {
     Standing &standing;
     const std::function<void(double)> &progress;
-    Corners corners;
+    Corners &corners;
+    int offPeak = noPeak; ///< its pair in the best assignment is not wanted
     std::vector<Cell> open = {};
     ReducedCosts reduced = {};
     std::vector<double> prices = {};
     double settled = 0.0;
+    bool isProved = true;
 };
 
 enum class Verdict { excluded, cutLengths, open };
@@ -65,7 +67,7 @@ double boundAt(Exploration &e, const Cell &cell, const CellView &view, double t)
         std::clamp(std::max(view.spread - 1.0, (cell.t2 - cell.t1) / e.corners.reference), 1e-6, 1.0);
     FiveValues supports;
     for (std::size_t i = 0; i < saupeCount; ++i)
-        supports[i] = supportAt(e.corners, cell.corners[i], t * view.spread, spacing);
+        supports[i] = supportAt(e.corners, cell.corners[i], t * view.spread, spacing, e.offPeak);
     return shortestVector(view.cone, supports);
 }
 
@@ -139,7 +141,7 @@ Verdict judge(Exploration &e, Cell &cell, CellView &view)
     }
     view.spread =
         std::min(shortestVector(view.cone, {1.0, 1.0, 1.0, 1.0, 1.0}), std::sqrt(5.0) * (1.0 + 1e-9));
-    if (e.standing.problem.isFitted) {
+    if (e.standing.problem.isFitted && e.offPeak == noPeak) {
         lengths = lengthsInside(e.standing.problem, e.standing.space.problem.window, view.cone, view.spread);
         if (lengths.low > lengths.high)
             return Verdict::excluded;
@@ -288,6 +290,12 @@ void cutEdge(Exploration &e, const Cell &cell, const ConeEdge &edge)
     }
 }
 
+/// A cell that is too small to cut: nothing is proved about it.
+void giveUp(Exploration &e)
+{
+    e.isProved = false;
+}
+
 void explore(Exploration &e, Cell cell)
 {
     std::array<const TensorVector *, saupeCount> directions;
@@ -302,10 +310,12 @@ void explore(Exploration &e, Cell cell)
     default:
         break;
     }
-    if (isSameAtCorners(e, cell) && isLeaf(e, cell, view))
-        return settle(e, cell);
     const ConeEdge edge = longestEdge(view.cone);
     const bool isSmall = edge.square < smallestEdge;
+    if (e.offPeak != noPeak)
+        return isSmall ? giveUp(e) : cutEdge(e, cell, edge);
+    if (isSameAtCorners(e, cell) && isLeaf(e, cell, view))
+        return settle(e, cell);
     if (isSmall || (cell.cuts % listEvery == 0 && isWorthListing(e, cell, view)))
         if (listByBound(e, cell, view, isSmall ? std::numeric_limits<std::size_t>::max() : fewSteps))
             return settle(e, cell);
@@ -341,7 +351,9 @@ void openAll(Exploration &e)
         for (const int side : {0, 1}) {
             TensorVector axis = {};
             axis[k] = side == 0 ? 1.0 : -1.0;
-            axes[k][side] = addCorner(e.corners, axis, {});
+            // Corners that several searches share begin with these.
+            const auto place = static_cast<std::uint32_t>(2 * k) + static_cast<std::uint32_t>(side);
+            axes[k][side] = place < e.corners.list.size() ? place : addCorner(e.corners, axis, {});
         }
     constexpr int orthants = 1 << saupeCount;
     for (int orthant = 0; orthant < orthants; ++orthant) {
@@ -363,9 +375,10 @@ bool canSearchTensors(const Standing &standing)
 
 bool searchTensors(Standing &standing, const std::function<void(double)> &progress)
 {
-    Exploration e = {.standing = standing, .progress = progress, .corners = {.standing = standing}};
+    Corners corners = {.standing = standing};
+    Exploration e = {.standing = standing, .progress = progress, .corners = corners};
     const TensorFit start = fitTensor(standing.problem, standing.best.rowOf);
-    e.corners.reference = start.isSolved ? directionOf(start.x).length : standing.length;
+    corners.reference = start.isSolved ? directionOf(start.x).length : standing.length;
     openAll(e);
     while (!e.open.empty() && !InterruptGuard::isInterrupted()) {
         const Cell cell = e.open.back();
@@ -373,6 +386,26 @@ bool searchTensors(Standing &standing, const std::function<void(double)> &progre
         explore(e, cell);
     }
     return e.open.empty() && !InterruptGuard::isInterrupted();
+}
+
+bool searchElsewhere(Corners &corners, int peak, double reach, double accuracy)
+{
+    const std::function<void(double)> silent = [](double) {};
+    Standing &standing = corners.standing;
+    Exploration e = {.standing = standing, .progress = silent, .corners = corners, .offPeak = peak};
+    const Alternatives &found = *corners.alternatives;
+    const auto setThreshold = [&] {
+        setLimit(standing, std::min(found.elsewhere[peak], found.bestScore + reach) - accuracy);
+    };
+    setThreshold();
+    openAll(e);
+    while (!e.open.empty() && !InterruptGuard::isInterrupted()) {
+        const Cell cell = e.open.back();
+        e.open.pop_back();
+        explore(e, cell);
+        setThreshold();
+    }
+    return e.isProved && e.open.empty() && !InterruptGuard::isInterrupted();
 }
 
 } // namespace trelm

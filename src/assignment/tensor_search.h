@@ -23,4 +23,10 @@ bool canSearchTensors(const Standing &standing);
 /// settled, 0 to 1.
 bool searchTensors(Standing &standing, const std::function<void(double)> &progress);
 
+/// Finds the lowest score with a peak on another row than in the best assignment, into the alternatives of
+/// the corners, as far as `reach` above the score of that and to `accuracy`. Corners are shared by the
+/// searches of all peaks. The window is not asked for. Returns whether it is proved: false after an
+/// interrupt.
+bool searchElsewhere(Corners &corners, int peak, double reach, double accuracy);
+
 } // namespace trelm

@@ -55,13 +55,6 @@ constexpr HelpEntry flexInput[] = {
     {"-nRun",   "count",   "1000",   "Number of Sets."},
 };
 
-constexpr HelpEntry fitWorth[] = {
-    {"-outQ",     "outName", "None", "What the Fit is Worth: Errors, Types, Outliers, Free Q."},
-    {"-free",     "K|type|one", "one", "The Free Q: K Random Parts, Types, or Couplings One by One."},
-    {"-freeSeed", "seed",    "1",    "Seed of the Random Parts."},
-    {"-dropOut",  "",        "off",  "Fit Again without the Outliers."},
-};
-
 constexpr HelpEntry commonMore[] = {
     {"-version", "",      "",  "Print Name and Version and Stop."},
     {"-names",   "auto",  "off", "Map Names of Hydrogens to Those of the Structure."},
@@ -76,11 +69,6 @@ constexpr HelpEntry commonMore[] = {
     {"-strict",  "",      "off", "A Warning Makes the Run Fail, and No Result is Written."},
     {"-quiet",   "",      "off", "No Banner, Remarks, Progress and Memory Balance; Warnings and Errors Stay."},
     {"-dbg",     "level", "0", "Debug Level, 1 without a Value; 2 Traces Every Request for Memory."},
-};
-
-constexpr HelpEntry archiveForms[] = {
-    {"-star",    "",   "off", "Write the Loop of Measured Couplings of NMR-STAR."},
-    {"-nef",     "",   "off", "Write a NEF File."},
 };
 
 constexpr HelpEntry otherNames[] = {
@@ -109,16 +97,20 @@ constexpr HelpEntry unused[] = {
     {"-vcThresh", "value",   "0.95",     "Threshold of Valid Couplings."},
 };
 
+constexpr HelpEntry exhaustMore[] = {
+    {"-outAss", "outName", "None", "Table of How Sure Each Peak Is, with -exhaust."},
+    {"-needVector", "",    "off",  "No Coupling Comes to a Residue without its Vector."},
+};
+
 constexpr HelpBlock stericMore[] = {{"Bicelles:", bicelle}};
 constexpr HelpBlock elMore[] = {
     {"Terms without Effect:", elTerms},
     {"Modes that End after Their Inputs:", inputModes},
 };
+constexpr HelpBlock exhaustBlocks[] = {{"How Sure, and How Strict:", exhaustMore}};
 constexpr HelpBlock gridMore[] = {{"", gridInput}};
 constexpr HelpBlock likelihoodMore[] = {{"The Pattern of the Search:", likelihoodPattern}};
-constexpr HelpBlock fitMore[] = {{"What the Fit is Worth, of a Single Fit:", fitWorth}};
 constexpr HelpBlock flexMore[] = {{"", flexInput}};
-constexpr HelpBlock convMore[] = {{"Forms of Archives and Other Programs:", archiveForms}};
 constexpr HelpBlock commonOptions[] = {
     {"", commonMore},
     {"Other Names:", otherNames},
@@ -136,10 +128,10 @@ constexpr GuideSection guideSectionRows[] = {
      "ARGUMENTS FOR FREE FORMAT, STERIC TRELM", {}, ""},
     {"Ensembles of Domain Orientations, -stTrelmGrid", "ensembles.md", "", gridMore,
      "The options of the steric and the electrostatic prediction hold as well, but for -pot, which is not read."},
-    {"Best-Fit, -bestFit", "bestfit.md", "ARGUMENTS FOR BEST-FIT (SVD/POWELL)", fitMore,
+    {"Best-Fit, -bestFit", "bestfit.md", "ARGUMENTS FOR BEST-FIT (SVD/POWELL)", {},
      needsHydrogens},
     {"Best-Fit without an Assignment, -bestFit -exhaust", "assignment.md",
-     "ARGUMENTS FOR UNASSIGNED BEST-FIT (exhSVD)", {},
+     "ARGUMENTS FOR UNASSIGNED BEST-FIT (exhSVD)", exhaustBlocks,
      "Options of -bestFit that are linked below hold as well, its Other Options among them. Give -H as there."},
     {"Structural Noise, -struc", "errors.md", "ARGUMENTS FOR ADDITiON OF STRUCTURAL NOISE", {},
      needsHydrogens},
@@ -156,7 +148,7 @@ constexpr GuideSection guideSectionRows[] = {
     {"Da and R of Sets of Residues, -daFlex", "magnitude.md", "", flexMore,
      "The parameters and limits of -daHist hold as well."},
     {"Conversion of a Table, -conv", "conversion.md",
-     "ARGUMENTS FOR CONVERSION OF DIPOLAR COUPLING TABLE", convMore, ""},
+     "ARGUMENTS FOR CONVERSION OF DIPOLAR COUPLING TABLE", {}, ""},
     {"Common Options", "options.md", "COMMOM ARGUMENTS", commonOptions, ""},
 };
 

@@ -103,7 +103,7 @@ void addLinearParts(const QualityOptions &options, FitQuality &quality)
     addErrors(solution, quality);
     quality.residuals = residualsOf(quality.rows, solution);
     addLeverages(quality);
-    quality.outliers = findOutliers(quality.rows, options.yzFlag);
+    quality.outliers = findOutliers(quality.rows);
     quality.free.push_back(leaveOut(quality.rows, {.kind = LeaveOut::oneByOne}));
     if (quality.byType.types.size() > 1)
         quality.free.push_back(leaveOut(quality.rows, {.kind = LeaveOut::byType}));
@@ -113,17 +113,12 @@ void addLinearParts(const QualityOptions &options, FitQuality &quality)
 
 } // namespace
 
-TypeCheck checkTypesOf(const FitInput &input)
+TypeCheck checkTypesOf(const FitInput &input, const FitResult &fit)
 {
     CouplingTypes types;
     TypeSums sums;
-    for (std::size_t row = 0; row < input.columns.d.size(); ++row)
-        if (input.columns.use[row] != 0)
-            types.of(input.dTab.observed()[row]);
-    if (types.names().size() < 2) // most tables: nothing to compare
-        return {};
-    for (std::size_t row = 0; row < input.columns.d.size(); ++row)
-        if (const auto known = observedRow(input, row, types))
+    for (std::size_t row = 0; row < fit.calculated.size(); ++row)
+        if (const auto known = qualityRow(input, fit, row, types))
             sums.add(*known);
     return checkTypes(sums, types.names());
 }
@@ -132,8 +127,9 @@ Status assessQuality(const FitInput &input, const FitResult &fit, const QualityO
                      FitQuality &quality, Messages &messages)
 {
     quality = FitQuality{};
-    std::ranges::copy(fit.tensor.saupe, quality.saupe.begin());
-    if (analyzeSaupe(quality.saupe, options.yzFlag, 1, quality.analysis, messages) != Status::ok)
+    Saupe saupe;
+    std::ranges::copy(fit.tensor.saupe, saupe.begin());
+    if (analyzeSaupe(saupe, options.yzFlag, 1, quality.analysis, messages) != Status::ok)
         return Status::failed;
     CouplingTypes types;
     TypeSums sums;
@@ -147,7 +143,7 @@ Status assessQuality(const FitInput &input, const FitResult &fit, const QualityO
     quality.fitted = agreementOf(quality.rows, true, quality.analysis);
     quality.notFitted = agreementOf(quality.rows, false, quality.analysis);
     addWorth(input, fit.tensor.tensorMode, quality);
-    if (fit.tensor.tensorMode == tensorSvd)
+    if (quality.unknowns == static_cast<int>(saupeCount))
         addLinearParts(options, quality);
     else
         quality.residuals = residualsOf(quality.rows, NormalSolution{});

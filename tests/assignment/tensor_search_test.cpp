@@ -2,6 +2,7 @@
 // bit.
 #include "assignment/tensor_search.h"
 
+#include "assignment/certainty.h"
 #include "assignment/first_guess.h"
 #include "reference/assignment_reference.h"
 #include "reference/random_problem.h"
@@ -107,6 +108,48 @@ TEST(TensorSearch, IsTheFullEnumeration)
                 EXPECT_EQ(peakOn, plain.bestIdList);
             }
     EXPECT_GT(searched, 60);
+}
+
+TEST(Certainty, IsTheFullEnumeration)
+{
+    Heard heard;
+    ScoreWork work = {.messages = heard.messages};
+    int told = 0;
+    const RandomProblem kinds[] = {
+        {.noise = 2.0}, {.columns = {2}, .noise = 1.0}, {.noise = 1.0, .missing = 0.1}};
+    for (unsigned seed = 300; seed < 318; ++seed) {
+        RandomProblem kind = kinds[seed % 3];
+        kind.peaks = seed % 8 == 0 ? 8 : 6;
+        AssignmentProblem problem = ProblemMaker(seed).make(kind).problem;
+        problem.window = {-1.0e9F, 1.0e9F, -1.0F, 1.0F};
+        const PlainAssignment plain = visitExhPlain(problem);
+        std::vector<int> rowOf(kind.peaks), peakOn(kind.peaks);
+        for (std::size_t row = 0; row < kind.peaks; ++row)
+            rowOf[static_cast<std::size_t>(plain.bestIdList[row])] = static_cast<int>(row);
+        const SearchSpace space = wholeSpace(problem, {});
+        const std::optional<Certainty> certainty = findCertainty(space, rowOf, heard.messages);
+        if (!certainty)
+            continue;
+        ++told;
+        std::vector<double> elsewhere(kind.peaks, certaintyReach);
+        double second = infinity;
+        std::iota(peakOn.begin(), peakOn.end(), 0);
+        do {
+            const double gap = static_cast<double>(getSvdChi2Exh(problem, peakOn, work) - plain.pSumDMin);
+            for (std::size_t row = 0; row < kind.peaks; ++row)
+                if (peakOn[row] != plain.bestIdList[row])
+                    elsewhere[static_cast<std::size_t>(peakOn[row])] =
+                        std::min(elsewhere[static_cast<std::size_t>(peakOn[row])], gap);
+            if (peakOn != plain.bestIdList)
+                second = std::min(second, gap);
+        } while (std::ranges::next_permutation(peakOn).found);
+        for (std::size_t peak = 0; peak < kind.peaks; ++peak)
+            EXPECT_NEAR(certainty->peaks[peak].gap, elsewhere[peak], 1e-3) << seed << " " << peak;
+        EXPECT_NEAR(std::min(certaintyReach, certainty->secondScore - certainty->score),
+                    std::min(certaintyReach, second), 1e-3)
+            << seed;
+    }
+    EXPECT_EQ(told, 18);
 }
 
 } // namespace

@@ -82,15 +82,15 @@ TEST(AssignmentRun, OtherSearches)
               1);
 }
 
-TEST(AssignmentRun, EachMediumKeepsItsCouplings)
+/// Structure and table of two media. Medium B has half the couplings of medium A, and so half the tensor.
+std::pair<std::string, std::string> twoMedia(const std::string &coupled)
 {
-    // Medium B has half the couplings of medium A, and so half the tensor.
     std::string table =
         "VARS RESID_I RESNAME_I ATOMNAME_I SEGNAME_I RESID_J RESNAME_J ATOMNAME_J SEGNAME_J D DD\n"
         "FORMAT %d %s %s %s %d %s %s %s %f %f\n";
     std::string structure;
     for (const std::string segment : {"A", "B"}) {
-        for (const auto &row : tableRows(fileText(TRELM_EXAMPLES "/assignment/lysines.tab")))
+        for (const auto &row : tableRows(fileText(coupled)))
             table += row[0] + " " + row[1] + " " + row[2] + " " + segment + " " + row[3] + " " + row[4] +
                      " " + row[5] + " " + segment + " " +
                      std::to_string(std::stod(row[6]) / (segment == "A" ? 1 : 2)) + " 1\n";
@@ -98,6 +98,12 @@ TEST(AssignmentRun, EachMediumKeepsItsCouplings)
         for (std::string line; std::getline(atoms, line);)
             structure += line.starts_with("ATOM") ? line.replace(72, 4, segment + "   ") + "\n" : "";
     }
+    return {structure, table};
+}
+
+TEST(AssignmentRun, EachMediumKeepsItsCouplings)
+{
+    const auto [structure, table] = twoMedia(TRELM_EXAMPLES "/assignment/lysines.tab");
     for (const auto &[fit, tolerance] : {std::pair{"-svd", 0.001}, {"-nofixed", 0.05}}) {
         const Ran ran = goodRun(
             std::string(
@@ -129,12 +135,30 @@ TEST(AssignmentRun, TypeWhoseRowsAreAllFixedStaysAsMeasured)
     EXPECT_NE(ran.file("a.tab").find("1.2340"), std::string::npos) << ran.file("a.tab");
 }
 
+TEST(AssignmentRun, TellsHowSureItIs)
+{
+    const std::string sure = goodRun(search("-exhaust -outAss sure.txt")).file("sure.txt");
+    EXPECT_EQ(countOf(sure, "REMARK Undecided peaks, gap below 3.84:"), 1) << sure;
+    EXPECT_EQ(tableRows(sure).size(), 7U) << sure;
+    const auto [structure, table] = twoMedia(TRELM_EXAMPLES "/assignment/lysines.tab");
+    const Ran media =
+        runProgram("-bestFit -exhaust -dcID A B -pdb s.pdb -inD t.tab -outD a.tab -H -outAss sure.txt",
+                   {.files = {{"s.pdb", structure}, {"t.tab", table}}});
+    EXPECT_EQ(media.status, 1);
+    EXPECT_EQ(countOf(media.err, "trelm: -outAss: that cannot be told for several media"), 1) << media.err;
+    EXPECT_FALSE(media.exists("sure.txt"));
+}
+
 TEST(AssignmentRun, InterruptedKeepsTheBestSoFar)
 {
-    // One coupling a peak decides nothing: the searches of all and of seven peaks have no end to wait for.
+    // One coupling a peak and medium decides nothing: the searches of all and of seven peaks have no end to
+    // wait for.
+    const auto [structure, table] = twoMedia(example("bicelle_hn.tab"));
     for (const auto &[kind, rows] :
-         {std::pair{"-exhaust", 63U}, {"-exhaustSel -nSel 7", 7U}, {"-rand -map 2000000000", 63U}}) {
-        const Ran ran = runProgram(search(kind, "ubi/bicelle_hn.tab"), {.interruptedAfter = 1});
+         {std::pair{"-exhaust", 126U}, {"-exhaustSel -nSel 7", 14U}, {"-rand -map 2000000000", 126U}}) {
+        const Ran ran =
+            runProgram(std::string(kind) + " -dcID A B -bestFit -pdb s.pdb -inD t.tab -outD a.tab -H",
+                       {.files = {{"s.pdb", structure}, {"t.tab", table}}, .interruptedAfter = 1});
         EXPECT_EQ(ran.status, 1) << kind;
         EXPECT_EQ(countOf(ran.err,
                           "trelm: the search was interrupted: the assignment is the best so far, and not "

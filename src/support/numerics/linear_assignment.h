@@ -39,6 +39,8 @@ constexpr double noCost = 1e300;
 struct AssignmentWork {
     std::vector<int> columnOf, rowOf; ///< of rows, of columns
 
+    std::vector<int> exchanged; ///< rows that change their column where costWithoutPair has found a solution
+
     std::vector<int> freeRows, reached; ///< work space
     std::vector<double> key, distance, open, pred;
 };
@@ -53,7 +55,9 @@ double solveAssignment(std::span<const double> costs, std::size_t size, std::spa
                        AssignmentWork &work);
 
 /// By how much the least total cost of a solution rises if the row may not have its column; noCost where it
-/// has no other solution. prices: as solveAssignment has left them.
+/// has no other solution. prices: as solveAssignment has left them. work: its solution, which stays;
+/// `exchanged` begins with the row, and each row of it takes the column of the next one, the last that of the
+/// first.
 double costWithoutPair(std::span<const double> costs, std::size_t row, std::span<const double> prices,
                        AssignmentWork &work);
 

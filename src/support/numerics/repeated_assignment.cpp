@@ -260,7 +260,20 @@ double costWithoutPair(std::span<const double> costs, std::size_t row, std::span
     work.open[own] = -noCost; // for the first step alone
     const Least first = goOn(costs, row, costs[row * prices.size() + own] - prices[own], work);
     work.open[own] = prices[own];
-    return shortestPath(costs, first, prices, work, [&](std::size_t column) { return column == own; }).value;
+    const Least end =
+        shortestPath(costs, first, prices, work, [&](std::size_t column) { return column == own; });
+    work.exchanged.clear();
+    if (end.value >= noCost)
+        return noCost;
+    for (std::size_t column = own;;) {
+        const auto before = static_cast<std::size_t>(work.pred[column]);
+        work.exchanged.push_back(static_cast<int>(before));
+        if (before == row)
+            break;
+        column = static_cast<std::size_t>(work.columnOf[before]);
+    }
+    std::ranges::reverse(work.exchanged);
+    return end.value;
 }
 
 } // namespace trelm

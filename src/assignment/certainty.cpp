@@ -12,7 +12,7 @@ namespace {
 
 constexpr double gapAccuracy = 1e-4; ///< of gaps
 constexpr std::size_t fewPeaks = 7;  ///< of which all assignments are met
-constexpr int mostRounds = 40;       ///< of assignment and tensor
+constexpr int mostClimbs = 40;       ///< of assignment and tensor
 
 /// Alternates between the best assignment without a pair and its tensor.
 void climbWithout(Corners &corners, std::size_t peak, TensorVector x)
@@ -22,7 +22,7 @@ void climbWithout(Corners &corners, std::size_t peak, TensorVector x)
         peak * problem.stride + static_cast<std::size_t>(corners.alternatives->best[peak]);
     std::vector<double> prices(problem.stride, 0.0);
     std::vector<int> rowOf;
-    for (int round = 0; round < mostRounds; ++round) {
+    for (int round = 0; round < mostClimbs; ++round) {
         const TensorDirection direction = directionOf(x);
         pairCosts(problem, direction.u, direction.length, corners.costs);
         corners.costs.costs[pair] += barrierOf(problem);

@@ -55,6 +55,13 @@ constexpr HelpEntry flexInput[] = {
     {"-nRun",   "count",   "1000",   "Number of Sets."},
 };
 
+constexpr HelpEntry fitWorth[] = {
+    {"-outQ",     "outName", "None", "What the Fit is Worth: Errors, Types, Outliers, Free Q."},
+    {"-free",     "K|type|one", "one", "The Free Q: K Random Parts, Types, or Couplings One by One."},
+    {"-freeSeed", "seed",    "1",    "Seed of the Random Parts."},
+    {"-dropOut",  "",        "off",  "Fit Again without the Outliers."},
+};
+
 constexpr HelpEntry commonMore[] = {
     {"-version", "",      "",  "Print Name and Version and Stop."},
     {"-names",   "auto",  "off", "Map Names of Hydrogens to Those of the Structure."},
@@ -69,6 +76,11 @@ constexpr HelpEntry commonMore[] = {
     {"-strict",  "",      "off", "A Warning Makes the Run Fail, and No Result is Written."},
     {"-quiet",   "",      "off", "No Banner, Remarks, Progress and Memory Balance; Warnings and Errors Stay."},
     {"-dbg",     "level", "0", "Debug Level, 1 without a Value; 2 Traces Every Request for Memory."},
+};
+
+constexpr HelpEntry archiveForms[] = {
+    {"-star",    "",   "off", "Write the Loop of Measured Couplings of NMR-STAR."},
+    {"-nef",     "",   "off", "Write a NEF File."},
 };
 
 constexpr HelpEntry otherNames[] = {
@@ -110,7 +122,9 @@ constexpr HelpBlock elMore[] = {
 constexpr HelpBlock exhaustBlocks[] = {{"How Sure, and How Strict:", exhaustMore}};
 constexpr HelpBlock gridMore[] = {{"", gridInput}};
 constexpr HelpBlock likelihoodMore[] = {{"The Pattern of the Search:", likelihoodPattern}};
+constexpr HelpBlock fitMore[] = {{"What the Fit is Worth, of a Single Fit:", fitWorth}};
 constexpr HelpBlock flexMore[] = {{"", flexInput}};
+constexpr HelpBlock convMore[] = {{"Forms of Archives and Other Programs:", archiveForms}};
 constexpr HelpBlock commonOptions[] = {
     {"", commonMore},
     {"Other Names:", otherNames},
@@ -128,7 +142,7 @@ constexpr GuideSection guideSectionRows[] = {
      "ARGUMENTS FOR FREE FORMAT, STERIC TRELM", {}, ""},
     {"Ensembles of Domain Orientations, -stTrelmGrid", "ensembles.md", "", gridMore,
      "The options of the steric and the electrostatic prediction hold as well, but for -pot, which is not read."},
-    {"Best-Fit, -bestFit", "bestfit.md", "ARGUMENTS FOR BEST-FIT (SVD/POWELL)", {},
+    {"Best-Fit, -bestFit", "bestfit.md", "ARGUMENTS FOR BEST-FIT (SVD/POWELL)", fitMore,
      needsHydrogens},
     {"Best-Fit without an Assignment, -bestFit -exhaust", "assignment.md",
      "ARGUMENTS FOR UNASSIGNED BEST-FIT (exhSVD)", exhaustBlocks,
@@ -148,7 +162,7 @@ constexpr GuideSection guideSectionRows[] = {
     {"Da and R of Sets of Residues, -daFlex", "magnitude.md", "", flexMore,
      "The parameters and limits of -daHist hold as well."},
     {"Conversion of a Table, -conv", "conversion.md",
-     "ARGUMENTS FOR CONVERSION OF DIPOLAR COUPLING TABLE", {}, ""},
+     "ARGUMENTS FOR CONVERSION OF DIPOLAR COUPLING TABLE", convMore, ""},
     {"Common Options", "options.md", "COMMOM ARGUMENTS", commonOptions, ""},
 };
 

@@ -1,5 +1,6 @@
 #include "compare/convert.h"
 
+#include "couplings/formats/forms.h"
 #include "support/numerics/numbers.h"
 #include "support/numerics/random.h"
 #include "support/numerics/sort.h"
@@ -198,6 +199,13 @@ using Writer = void (*)(const Conversion &job, std::string &text);
 constexpr Writer writers[] = {appendRestraints, appendRestraints, appendListing,
                               appendAmides,     nullptr,          appendCountedRows}; // by outFormat
 
+/// The forms of other programs and archives.
+struct ArchiveRowOf {
+    TableFormat format;
+    ArchiveWriter write;
+};
+constexpr ArchiveRowOf archiveWriters[] = {{formatStar, writeStar}, {formatNef, writeNef}};
+
 } // namespace
 
 Status fillConverted(const ConversionOptions &options, DTable &dTab, Messages &messages)
@@ -232,6 +240,11 @@ Status fillConverted(const ConversionOptions &options, DTable &dTab, Messages &m
 Status convertTab(const ConversionOptions &options, const DTable &dTab, const std::string &inDName,
                   std::string &text, Messages &messages)
 {
+    if (const auto *archive = std::ranges::find(archiveWriters, options.outFormat, &ArchiveRowOf::format);
+        archive != std::end(archiveWriters)) {
+        archive->write({dTab, inDName, dTab.origin.tensor}, text);
+        return Status::ok;
+    }
     const std::size_t rows = dTab.dCount + 1; // no more residues than rows
     Block<int> resIdList("convertTab", rows), indexList("convertTab", rows);
     if (!resIdList || !indexList)

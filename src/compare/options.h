@@ -17,6 +17,8 @@ enum TableFormat : int {
     formatDyana = 3,
     formatTrelm = 4,
     formatRosetta = 5,
+    formatStar = 6, ///< from here on forms that other programs and archives have
+    formatNef = 7,
 };
 
 /// Comparison of tensors and of coupling sets, analysis of structures.

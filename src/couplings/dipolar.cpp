@@ -505,7 +505,7 @@ int buildDC(const PDBInfo &pdbInfo, DTable &dTab, const RowMatch &match, Message
         buildRow(pdbInfo, dTab, match.aOff, obs, calc, messages);
         if (calc.valid != 0)
             weightRow(obs, calc, match.wOff, match.wList);
-        if (calc.valid != 0)
+        if (calc.pairCount() != 0) // of weight 0, too: what it would be can be asked for
             setDI(pdbInfo, match, obs, calc, messages);
         count += calc.valid;
     }

@@ -1,6 +1,7 @@
 #include "couplings/outliers.h"
 
 #include "support/numerics/student.h"
+#include "support/numerics/symmetric_eigen.h"
 
 #include <algorithm>
 #include <cmath>
@@ -116,6 +117,15 @@ double ratioOfRoots(std::span<const QualityRow> rows)
     return observed > 0.0 ? std::sqrt(residual / observed) : 0.0;
 }
 
+/// Da and Dr of a Saupe vector.
+void tensorOf(const Saupe &saupe, int yzFlag, Outlier &outlier)
+{
+    Matrix3d matrix = saupeMatrix(saupe), vectors = {};
+    std::array<double, 3> values = {};
+    if (symmetricEigen(matrix, values, vectors) == Status::ok)
+        pca_tensor(yzFlag, values, outlier.da, outlier.dr);
+}
+
 } // namespace
 
 double outlierLimit(int rows, int degrees)
@@ -159,7 +169,7 @@ std::vector<RowResidual> residualsOf(std::span<const QualityRow> rows, const Nor
     return residuals;
 }
 
-std::vector<Outlier> findOutliers(std::span<const QualityRow> rows)
+std::vector<Outlier> findOutliers(std::span<const QualityRow> rows, int yzFlag)
 {
     constexpr int largestList = 100; // beyond it the fit is wrong, not the couplings
     Search search = {.rows = rows, .isKept = std::vector<char>(rows.size()), .sums = {}, .solution = {}};
@@ -171,22 +181,27 @@ std::vector<Outlier> findOutliers(std::span<const QualityRow> rows)
     search.solution = solveNormal(search.sums);
     const int most = std::min(search.sums.count / 3, largestList);
     std::vector<Outlier> found;
+    std::vector<RowResidual> ofAll;
     while (static_cast<int>(found.size()) < most && search.solution.isDetermined && search.degrees() > 1) {
         const std::vector<RowResidual> residuals = residualsOf(currentRows(search), search.solution);
+        if (ofAll.empty())
+            ofAll = residuals;
         Suspect worst = worstOf(search, residuals);
         if (!worst.passes())
             worst = hiddenOutlier(search, residuals);
         if (!worst.passes())
             break;
         search.drop(worst.row);
-        found.push_back({.row = worst.row,
-                         .studentised = worst.residual.studentised,
-                         .leverage = worst.residual.leverage,
-                         .leftOut = worst.residual.leftOut,
-                         .limit = worst.limit,
-                         .wasHidden = worst.wasHidden,
-                         .saupe = search.solution.saupe,
-                         .q = ratioOfRoots(currentRows(search))});
+        Outlier &outlier = found.emplace_back();
+        outlier = {.row = worst.row,
+                   .studentised = worst.residual.studentised,
+                   .leverage = worst.residual.leverage,
+                   .leftOut = worst.residual.leftOut,
+                   .limit = worst.limit,
+                   .robust = ofAll[worst.row].robust,
+                   .wasHidden = worst.wasHidden,
+                   .q = ratioOfRoots(currentRows(search))};
+        tensorOf(search.solution.saupe, yzFlag, outlier);
     }
     return found;
 }

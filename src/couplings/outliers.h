@@ -32,19 +32,20 @@ std::vector<RowResidual> residualsOf(std::span<const QualityRow> rows, const Nor
 
 /// A row that was taken out, and the fit without it and those before it.
 struct Outlier {
-    std::size_t row = 0;      ///< place among the rows
-    double studentised = 0.0; ///< when it was taken out
-    double leverage = 0.0;    ///< then
-    double leftOut = 0.0;     ///< Hz, then
-    double limit = 0.0;       ///< what `studentised` had to pass
-    bool wasHidden = false;   ///< found by the robust measure
-    Saupe saupe = {};         ///< of the fit without
-    double q = 0.0;           ///< Q of the fit without: rms of residuals over that of observed
+    std::size_t row = 0;       ///< place among the rows
+    double studentised = 0.0;  ///< when it was taken out
+    double leverage = 0.0;     ///< then
+    double leftOut = 0.0;      ///< Hz, then
+    double limit = 0.0;        ///< what `studentised` had to pass
+    double robust = 0.0;       ///< as of RowResidual, in the fit of all rows
+    bool wasHidden = false;    ///< found by the robust measure
+    double da = 0.0, dr = 0.0; ///< of the fit without, no unit
+    double q = 0.0;            ///< Q of the fit without: rms of residuals over that of observed
 };
 
 /// The outliers in the order in which they were taken out; never more than a third of the rows, nor more
-/// than 100.
-std::vector<Outlier> findOutliers(std::span<const QualityRow> rows);
+/// than 100. yzFlag: as FitOptions.
+std::vector<Outlier> findOutliers(std::span<const QualityRow> rows, int yzFlag);
 
 /// The limit for the largest of n studentised residuals of this many degrees of freedom.
 double outlierLimit(int rows, int degrees);

@@ -103,7 +103,7 @@ void addLinearParts(const QualityOptions &options, FitQuality &quality)
     addErrors(solution, quality);
     quality.residuals = residualsOf(quality.rows, solution);
     addLeverages(quality);
-    quality.outliers = findOutliers(quality.rows);
+    quality.outliers = findOutliers(quality.rows, options.yzFlag);
     quality.free.push_back(leaveOut(quality.rows, {.kind = LeaveOut::oneByOne}));
     if (quality.byType.types.size() > 1)
         quality.free.push_back(leaveOut(quality.rows, {.kind = LeaveOut::byType}));
@@ -113,12 +113,17 @@ void addLinearParts(const QualityOptions &options, FitQuality &quality)
 
 } // namespace
 
-TypeCheck checkTypesOf(const FitInput &input, const FitResult &fit)
+TypeCheck checkTypesOf(const FitInput &input)
 {
     CouplingTypes types;
     TypeSums sums;
-    for (std::size_t row = 0; row < fit.calculated.size(); ++row)
-        if (const auto known = qualityRow(input, fit, row, types))
+    for (std::size_t row = 0; row < input.columns.d.size(); ++row)
+        if (input.columns.use[row] != 0)
+            types.of(input.dTab.observed()[row]);
+    if (types.names().size() < 2) // most tables: nothing to compare
+        return {};
+    for (std::size_t row = 0; row < input.columns.d.size(); ++row)
+        if (const auto known = observedRow(input, row, types))
             sums.add(*known);
     return checkTypes(sums, types.names());
 }
@@ -127,9 +132,8 @@ Status assessQuality(const FitInput &input, const FitResult &fit, const QualityO
                      FitQuality &quality, Messages &messages)
 {
     quality = FitQuality{};
-    Saupe saupe;
-    std::ranges::copy(fit.tensor.saupe, saupe.begin());
-    if (analyzeSaupe(saupe, options.yzFlag, 1, quality.analysis, messages) != Status::ok)
+    std::ranges::copy(fit.tensor.saupe, quality.saupe.begin());
+    if (analyzeSaupe(quality.saupe, options.yzFlag, 1, quality.analysis, messages) != Status::ok)
         return Status::failed;
     CouplingTypes types;
     TypeSums sums;
@@ -143,7 +147,7 @@ Status assessQuality(const FitInput &input, const FitResult &fit, const QualityO
     quality.fitted = agreementOf(quality.rows, true, quality.analysis);
     quality.notFitted = agreementOf(quality.rows, false, quality.analysis);
     addWorth(input, fit.tensor.tensorMode, quality);
-    if (quality.unknowns == static_cast<int>(saupeCount))
+    if (fit.tensor.tensorMode == tensorSvd)
         addLinearParts(options, quality);
     else
         quality.residuals = residualsOf(quality.rows, NormalSolution{});

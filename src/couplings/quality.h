@@ -36,8 +36,9 @@ struct FitQuality {
     bool hasErrors = true;    ///< false: the table has no error above 0
     double errorScale = 1.0;  ///< unitWeight where it is above 1 or nothing is known of the errors
 
-    TensorAnalysis analysis; ///< of the fitted tensor
-    /// Nothing of a tensor with less than 5 unknowns or with couplings that do not determine it. `errors` are
+    Saupe saupe = {};        ///< of the fitted tensor
+    TensorAnalysis analysis; ///< of the same
+    /// Nothing of another fit than the linear one, nor of couplings that do not determine it. `errors` are
     /// those of the errors as given, which is nothing without errors; `scaledErrors` with errorScale.
     std::optional<TensorErrors> errors, scaledErrors;
 
@@ -46,12 +47,13 @@ struct FitQuality {
     double meanLeverage = 0.0, largestLeverage = 0.0;
     TypeCheck byType;
     std::vector<Outlier> outliers;
+    std::vector<Outlier> dropped;  ///< that a fit before this one had, and that this one was made without
     Agreement fitted, notFitted;   ///< the second: of rows that were left out of the fit
     std::vector<FreeQuality> free; ///< first one by one, by type if there are several, then as asked for
 };
 
-/// The types alone, row by row: what a run warns of, whatever it writes.
-TypeCheck checkTypesOf(const FitInput &input, const FitResult &fit);
+/// The types alone, without their statistics: what a run warns of, whatever it writes.
+TypeCheck checkTypesOf(const FitInput &input);
 
 /// How a fit is judged.
 struct QualityOptions {

@@ -40,23 +40,33 @@ double couplingOf(const Saupe &design, const Saupe &saupe)
     return sum;
 }
 
-std::optional<QualityRow> qualityRow(const FitInput &input, const FitResult &fit, std::size_t row,
-                                     CouplingTypes &types)
+std::optional<QualityRow> observedRow(const FitInput &input, std::size_t row, CouplingTypes &types)
 {
     const DInfo &obs = input.dTab.observed()[row];
     const DCalc &calc = input.dTab.calculated()[row];
     if (obs.valid == 0 || calc.pairCount() == 0 || calc.di == 0.0f)
         return std::nullopt;
-    QualityRow result = {.row = row,
-                         .type = types.of(obs),
-                         .observed = double{input.columns.d[row]},
-                         .constant = std::fabs(double{calc.di}),
-                         .isFitted = input.columns.use[row] != 0 && isOneVector(calc)};
-    result.design = designOfRow(input.coords, calc, result.constant);
-    result.weight = double{scaleOf(calc.di, input.columns.sigma[row]).coupling};
+    const float error = input.columns.sigma[row];
+    const double constant = std::fabs(double{calc.di});
+    return QualityRow{.row = row,
+                      .type = types.of(obs),
+                      .design = designOfRow(input.coords, calc, constant),
+                      .observed = double{input.columns.d[row]},
+                      .error = double{error},
+                      .weight = double{scaleOf(calc.di, error).coupling},
+                      .constant = constant,
+                      .isFitted = input.columns.use[row] != 0 && isOneVector(calc)};
+}
+
+std::optional<QualityRow> qualityRow(const FitInput &input, const FitResult &fit, std::size_t row,
+                                     CouplingTypes &types)
+{
+    std::optional<QualityRow> result = observedRow(input, row, types);
+    if (!result)
+        return result;
     Saupe saupe;
     std::ranges::copy(fit.tensor.saupe, saupe.begin());
-    result.calculated = result.isFitted ? double{fit.calculated[row]} : couplingOf(result.design, saupe);
+    result->calculated = result->isFitted ? double{fit.calculated[row]} : couplingOf(result->design, saupe);
     return result;
 }
 

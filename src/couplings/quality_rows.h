@@ -23,6 +23,7 @@ struct QualityRow {
     std::size_t type = 0;                    ///< place among the names of the types
     Saupe design = {};                       ///< Hz: what each Saupe element adds to the coupling
     double observed = 0.0, calculated = 0.0; ///< Hz
+    double error = 0.0;                      ///< Hz, as given
     double weight = 0.0;                     ///< 1 / Hz, one over the error as the fit takes it
     double constant = 0.0;                   ///< Hz, magnitude of the interaction constant
     bool isFitted = false;                   ///< false: taken out by its weight, or no coupling of one vector
@@ -33,8 +34,11 @@ struct QualityRow {
 /// The coupling of a row from a Saupe vector, Hz.
 double couplingOf(const Saupe &design, const Saupe &saupe);
 
-/// A row of the table, or nothing for one without a value, without atoms, or outside the choice of rows.
-/// Rows that take no part get the coupling of the result's Saupe vector.
+/// A row of the table without its calculated coupling, or nothing for one without a value, without atoms, or
+/// outside the choice of rows.
+std::optional<QualityRow> observedRow(const FitInput &input, std::size_t row, CouplingTypes &types);
+
+/// The same with its coupling of the fit; rows that take no part get that of the result's Saupe vector.
 std::optional<QualityRow> qualityRow(const FitInput &input, const FitResult &fit, std::size_t row,
                                      CouplingTypes &types);
 

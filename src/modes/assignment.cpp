@@ -113,7 +113,7 @@ Status assignAndWrite(const Run &run, Messages &messages)
     const std::optional<AssignedTable> assigned = assignTable(run, messages);
     if (!assigned)
         return Status::failed;
-    const Status status = writeFit(run, assigned->dTab, messages);
+    const Status status = writeFit(run, assigned->dTab, "", messages);
     if (status != Status::ok || assigned->isProved)
         return status;
     return messages.fail(

@@ -66,14 +66,15 @@ Status writeFrames(const Run &run, const EulerLists &euler, const char *complain
     return status == Status::ok ? status : messages.fail("%s", complaint);
 }
 
-Status writeFit(const Run &run, const FittedTable &table, Messages &messages)
+Status writeFit(const Run &run, const FittedTable &table, std::string_view remark, Messages &messages)
 {
     TableAnalysis analysis;
     if (checkNumbers(table, run.mode.trelmMode, messages) != Status::ok)
         return Status::failed;
     if (analyzeTensor(table.tensor, run.fit, analysis.tensor, messages) != Status::ok)
         return messages.fail("trelm: error in analyzeSaupe.\n");
-    if (writeAnalysed({run.options.outDName}, table, parametersOf(run), analysis, messages) != Status::ok)
+    if (writeAnalysed({.name = run.options.outDName, .remark = remark}, table, parametersOf(run), analysis,
+                      messages) != Status::ok)
         return Status::failed;
     return writeFrames(run, analysis.tensor->euler, "trelm: error in writePDBRot.\n", messages);
 }

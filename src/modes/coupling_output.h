@@ -30,9 +30,9 @@ struct CouplingOutput {
 Status writeCouplings(const CouplingOutput &output, const FittedTable &table,
                       const ShownParameters &parameters, Messages &messages);
 
-/// A best-fit as files: the report of a fitted table, and the structure in the frames of its tensor. Fails
-/// after a message.
-Status writeFit(const Run &run, const FittedTable &table, Messages &messages);
+/// A best-fit as files: the report of a fitted table, and the structure in the frames of its tensor.
+/// `remark`: whole lines for the report, or empty. Fails after a message.
+Status writeFit(const Run &run, const FittedTable &table, std::string_view remark, Messages &messages);
 
 /// The structure of a run, turned into four frames, its atoms marked with `labels` if there are any. Fails
 /// after messages that end in `complaint`.

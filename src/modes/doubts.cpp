@@ -5,6 +5,7 @@
 #include "couplings/formats/placement.h"
 #include "couplings/lost_rows.h"
 #include "couplings/name_mapping.h"
+#include "couplings/quality.h"
 #include "couplings/table_checks.h"
 #include "couplings/table_input.h"
 #include "simulation/alignment/options.h"
@@ -83,6 +84,18 @@ void tellSamples(const Run &run, Messages &messages)
         kind == spreadJack || kind == spreadMcDc || kind == spreadMcStruc || kind == spreadRand;
     if (isSampled && run.options.mapCount < 1)
         messages.warn("trelm: %s without -map draws no sample (-map 1000)\n", useOf(run).mode);
+}
+
+/// Options of a single fit that have nothing to act on.
+void tellIdleOptions(const Run &run, Messages &messages)
+{
+    const RunOptions &options = run.options;
+    const bool isSingle = run.mode.spreadMode == spreadSingle;
+    if (!isSingle && (!options.outQName.empty() || !options.freeKind.empty() || options.dropsOutliers != 0))
+        messages.warn("trelm: -outQ, -free and -dropOut act on a single best-fit alone (without %s)\n",
+                      useOf(run).mode);
+    else if (isSingle && !options.freeKind.empty() && options.outQName.empty())
+        messages.warn("trelm: -free has no file to stand in (-outQ)\n");
 }
 
 } // namespace
@@ -165,14 +178,18 @@ void tellFit(const Run &run, Messages &messages)
     const DTable &dTab = run.dTab[0];
     tellUnits(dTab.dTensor, messages);
     tellSamples(run, messages);
+    tellIdleOptions(run, messages);
     if (useOf(run).hasPeaks)
         return;
     FitColumns columns;
     takeColumns(dTab, columns);
-    if (const std::string line =
-            worthLine(assessFit({run.pdbInfo[0].coordinates(), dTab, columns}, dTab.dTensor.tensorMode));
-        !line.empty())
+    const FitInput input = {run.pdbInfo[0].coordinates(), dTab, columns};
+    if (const std::string line = worthLine(assessFit(input, dTab.dTensor.tensorMode)); !line.empty())
         messages.warn("%s", line.c_str());
+    const TypeCheck check = checkTypesOf(input);
+    for (const TypeQuality &type : check.types)
+        if (isDoubtful(type.verdict))
+            messages.warn("trelm: %s: %s\n", type.name.c_str(), verdictText(check, type).c_str());
 }
 
 } // namespace trelm

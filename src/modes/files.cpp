@@ -155,6 +155,8 @@ std::vector<RunFile> filesOfRun(const Run &run)
             add(row);
     if (mode.trelmMode == modeBestFit && mode.spreadMode == spreadMcDc)
         files.push_back({"-outFail", run.options.outDFailName, true});
+    if (mode.trelmMode == modeBestFit && mode.spreadMode == spreadSingle && !run.options.outQName.empty())
+        files.push_back({"-outQ", run.options.outQName, true});
     if (mode.trelmMode == modeBestFit && mode.spreadMode == spreadExhaust && !run.options.outAssName.empty())
         files.push_back({"-outAss", run.options.outAssName, true});
     addStructures(run, files);

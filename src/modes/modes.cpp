@@ -1,7 +1,6 @@
-#include "couplings/fit.h"
 #include "modes/assignment.h"
+#include "modes/best_fit.h"
 #include "modes/comparison.h"
-#include "modes/coupling_output.h"
 #include "modes/doubts.h"
 #include "modes/ensemble.h"
 #include "modes/files.h"
@@ -30,29 +29,6 @@ struct SpreadRow {
     SpreadKind spreadMode;
     Status (*work)(const Run &run, Messages &messages);
 };
-
-/// Fits the table of the run. What the fit works on is gone before the report is made.
-Status fitTable(const Run &run, FitResult &fit, Messages &messages)
-{
-    const DTable &dTab = run.dTab[0];
-    FitColumns columns;
-    takeColumns(dTab, columns);
-    FitWork work;
-    fit = startOf(dTab);
-    return fitColumns({run.pdbInfo[0].coordinates(), dTab, columns, run.report.verbFlag}, work, fit,
-                      messages);
-}
-
-Status bestFitSingle(const Run &run, Messages &messages)
-{
-    if (run.validCount == 0)
-        messages.warn("trelm: no coupling is left to fit.\n");
-    FitResult fit;
-    if (fitTable(run, fit, messages) != Status::ok ||
-        writeFit(run, {run.dTab[0], fit}, messages) != Status::ok)
-        return messages.fail("trelm: error in best-fit of data.\n");
-    return Status::ok;
-}
 
 constexpr SpreadRow spreadRows[] = {
     {spreadSingle, bestFitSingle},        {spreadJack, mapJackknife},     {spreadMcDc, mapCouplingNoise},

@@ -43,6 +43,7 @@ Status readCouplings(const RunOptions &options, const std::string &name, DTable 
 Status readingOf(const RunOptions &options, StructureReading &reading, Messages &messages)
 {
     reading.model = toInt(options.model);
+    reading.useLabels = options.useLabels != 0;
     if (!options.model.empty() && reading.model <= 0)
         return messages.fail("trelm: -model %s: a model has a number above 0.\n", options.model.c_str());
     if (!options.names.empty() && options.names != "auto")

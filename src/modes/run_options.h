@@ -25,6 +25,7 @@ struct RunOptions {
     std::string outAngName;            ///< mapping: Euler angles
     std::string outDFailName;          ///< mapping: couplings that the fits fail to reproduce
     std::string outScName, outColName; ///< scores, columns of the scores
+    std::string outQName;              ///< what a fit is worth; empty: no such file
     std::string outAssName;            ///< how sure an assignment is; empty: not asked
     std::string inEName, outEName;     ///< ensemble: input, output
     std::string outEAxName, oDcEName;  ///< ensemble: axes, couplings
@@ -50,6 +51,9 @@ struct RunOptions {
     std::string model;               ///< number of the model to read; empty: the first
     int buildsHydrogens = 0;         ///< 1: those of the backbone, where they lack
     float hydrogenDistance = 1.041f; ///< of a built amide hydrogen, angstrom
+    std::string freeKind;            ///< how Q free is found: "one", "type" or a number of random parts
+    int freeSeed = 1;                ///< of the random parts, above 0
+    int dropsOutliers = 0;           ///< 1: a fit is made again without its outliers
     int hasNoStructures = 0;         ///< 1: no structure is written
     int isStrict = 0;                ///< 1: a warning makes the run fail
     int isQuiet = 0;                 ///< 1: no banner, remarks, progress and balance

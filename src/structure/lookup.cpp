@@ -56,8 +56,15 @@ const AtomInfo *findAtom(const PDBInfo &pdbInfo, int resID, std::string_view ato
                          std::string_view chainName, std::string_view segName)
 {
     std::string key;
-    buildLookupText(resID, atomName, chainName, segName, key);
-    const auto place = hFindSym(key, pdbInfo.atomTab);
+    std::optional<int> place;
+    if (chainName.size() > 1) { // chains of mmCIF files have such names
+        buildAtomText(resID, atomName, "", chainName, segName, key);
+        place = hFindSym(key, pdbInfo.atomTab);
+    }
+    if (!place) {
+        buildLookupText(resID, atomName, chainName, segName, key);
+        place = hFindSym(key, pdbInfo.atomTab);
+    }
     return place ? &pdbInfo.atomList[static_cast<std::size_t>(*place)] : nullptr;
 }
 

@@ -1,6 +1,7 @@
 #include "structure/pdb.h"
 
 #include "structure/hydrogens.h"
+#include "structure/read_mmcif.h"
 #include "structure/select.h"
 #include "support/text/text.h"
 #include "support/text/text_input.h"
@@ -89,52 +90,13 @@ Status readNumbers(std::string_view line, AtomInfo &atom, Coord3D &at, Messages 
     return Status::ok;
 }
 
-Status appendAtom(const AtomInfo &atom, const Coord3D &at, PDBInfo &pdbInfo, Messages &messages)
-{
-    const auto count = static_cast<std::size_t>(pdbInfo.atomCount);
-    if (!makeRoom(pdbInfo.atomList, "pdb", count, 1, firstAtoms))
-        return messages.fail("PDB Error Allocating Atom memory.\n");
-    if (!makeRoom(pdbInfo.coordList, "pdb", count, 1, firstAtoms))
-        return messages.fail("PDB Error Allocating PDB coords.\n");
-    pdbInfo.atomList[count] = atom;
-    pdbInfo.coordList[count] = at;
-    ++pdbInfo.atomCount;
-    return Status::ok;
-}
-
-/// The other form of structure files, whose atoms stand in ATOM lines, too. It begins with "data_".
-bool isMmcif(TextInput &input)
-{
-    std::string_view line, word;
-    while ((word.empty() || word.starts_with('#')) && fgetsAlloc(input, line))
-        word = firstWord(line);
-    rewindText(input);
-    return equalNoCase(word.substr(0, 5), "data_");
-}
-
-/// The models of a file: which lines are of the one to read.
-struct Models {
-    int wanted = 0; ///< number; 0: the first
-    int count = 0;
-    bool isOpen = true; ///< the lines read now are of the wanted model, or of no model
-    bool wasFound = false;
-
-    /// A line that begins a model.
-    void begin(std::string_view line)
-    {
-        ++count;
-        isOpen = wanted == 0 ? count == 1 : toInt(column(line, fieldModel).view()) == wanted;
-        wasFound = wasFound || isOpen;
-    }
-};
-
 Status readAtoms(TextInput &input, PDBInfo &pdbInfo, const PDBSelectInfo *sInfo, Models &models,
                  Messages &messages)
 {
     const int hetatmFlag = sInfo != nullptr ? sInfo->hetatmFlag : 0;
     for (std::string_view line; fgetsAlloc(input, line);) {
         if (firstWord(line) == "MODEL")
-            models.begin(line);
+            models.begin(toInt(column(line, fieldModel).view()));
         if (!models.isOpen || !isAtomLine(line, hetatmFlag))
             continue;
         AtomInfo atom;
@@ -147,6 +109,24 @@ Status readAtoms(TextInput &input, PDBInfo &pdbInfo, const PDBSelectInfo *sInfo,
             return Status::failed;
     }
     return Status::ok;
+}
+
+/// A structure at work.
+struct Reading {
+    PDBInfo &pdbInfo;
+    const PDBSelectInfo *sInfo;
+    const char *name;
+    bool useLabels;
+};
+
+/// Reads the atoms of a file of either form.
+Status readForm(TextInput &input, const Reading &to, Models &models, Messages &messages)
+{
+    if (!isMmcif(input.text))
+        return readAtoms(input, to.pdbInfo, to.sInfo, models, messages);
+    const bool takesHetatms = to.sInfo != nullptr && to.sInfo->hetatmFlag != 0;
+    return readMmcif({input.text, to.name, to.useLabels, takesHetatms}, to.sInfo, models, to.pdbInfo,
+                     messages);
 }
 
 Status tellModels(const Models &models, const char *name, Messages &messages)
@@ -234,6 +214,19 @@ std::vector<Coord3D> copyOfCoordinates(const PDBInfo &pdbInfo)
     return {coords.begin(), coords.end()};
 }
 
+Status appendAtom(const AtomInfo &atom, const Coord3D &at, PDBInfo &pdbInfo, Messages &messages)
+{
+    const auto count = static_cast<std::size_t>(pdbInfo.atomCount);
+    if (!makeRoom(pdbInfo.atomList, "pdb", count, 1, firstAtoms))
+        return messages.fail("PDB Error Allocating Atom memory.\n");
+    if (!makeRoom(pdbInfo.coordList, "pdb", count, 1, firstAtoms))
+        return messages.fail("PDB Error Allocating PDB coords.\n");
+    pdbInfo.atomList[count] = atom;
+    pdbInfo.coordList[count] = at;
+    ++pdbInfo.atomCount;
+    return Status::ok;
+}
+
 Status readPDB(const std::string &pdbName, PDBInfo &pdbInfo, const PDBSelectInfo *sInfo, Messages &messages,
                const StructureReading &reading)
 {
@@ -247,10 +240,8 @@ Status readPDB(const std::string &pdbName, PDBInfo &pdbInfo, const PDBSelectInfo
     if (status != TextStatus::read)
         return Status::failed;
     const char *shownName = pdbName.empty() ? "(stdin)" : pdbName.c_str();
-    if (isMmcif(input))
-        return messages.fail("PDB Error: %s is an mmCIF file: the PDB format is wanted.\n", shownName);
     Models models{.wanted = reading.model};
-    if (readAtoms(input, pdbInfo, sInfo, models, messages) != Status::ok ||
+    if (readForm(input, {pdbInfo, sInfo, shownName, reading.useLabels}, models, messages) != Status::ok ||
         tellModels(models, shownName, messages) != Status::ok)
         return Status::failed;
     if (reading.hydrogens && buildHydrogens(*reading.hydrogens, pdbInfo, messages) != Status::ok)

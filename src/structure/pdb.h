@@ -141,6 +141,7 @@ std::vector<Coord3D> copyOfCoordinates(const PDBInfo &pdbInfo);
 /// What of a structure file is read, and what is added to it.
 struct StructureReading {
     int model = 0;                               ///< number of a MODEL record; 0: the first model
+    bool useLabels = false;                      ///< label numbers and names of an mmCIF file
     std::optional<HydrogenBonds> hydrogens = {}; ///< bonds to the hydrogens that are built where they lack
 };
 
@@ -148,11 +149,14 @@ struct StructureReading {
 /// Of a file of several models one is read; that others are left out is told, unless one was asked for.
 /// With the hetatmFlag of `sInfo` HETATM lines are atoms too. Null takes all ATOM lines and no HETATM line:
 /// the program itself reads with null, so that its options -hetatm and -protein do not touch what is read.
-/// Fails after a message; a file without ATOM lines is told of, one in the mmCIF format is refused. Numbers
-/// are read as atoi and atof read them: what is no number is 0; but a coordinate that is not finite is a
-/// failure.
+/// A file in the mmCIF format, which begins with "data_", is read as such (structure/read_mmcif.h).
+/// Fails after a message; a file without ATOM lines is told of. Numbers of PDB files are read as atoi and
+/// atof read them: what is no number is 0; but a coordinate that is not finite is a failure.
 Status readPDB(const std::string &pdbName, PDBInfo &pdbInfo, const PDBSelectInfo *sInfo, Messages &messages,
                const StructureReading &reading = {});
+
+/// Adds an atom to the array, before indexPDB. Fails after a message without memory.
+Status appendAtom(const AtomInfo &atom, const Coord3D &at, PDBInfo &pdbInfo, Messages &messages);
 
 /// Builds the lists of residues, chains and segments and the look-ups from the atom array. Once for a
 /// molecule, by readPDB: a second call would find every atom redundant. Fails after a message.

@@ -52,8 +52,7 @@ Failures inputs()
         {"-pdb /dev/zero", "Error reading PDB input /dev/zero\n"}, // a line without an end
         {"-inD /dev/zero", "Error reading DC input /dev/zero\n"},
         {"-pdb /dev/null", "PDB Warning: no ATOM line in /dev/null: is it a PDB file?\n/dev/null, 0 Atoms"},
-        {"-pdb x.pdb",
-         "PDB Error: x.pdb is an mmCIF file: the PDB format is wanted.\nError reading PDB input x.pdb\n",
+        {"-pdb x.pdb", "trelm: x.pdb, line 4: the value ATOM has no tag.\nError reading PDB input x.pdb\n",
          "# by hand\n\ndata_1D3Z\nATOM 1 N N . MET A 1 1 ? 52.923 -90.016 8.509\n"},
         {"-inD /dev/null", "RdTable Error: no entries in /dev/null\nError reading DC input /dev/null\n"},
         {"-inD ubi/1d3z_model1.pdb", "Error reading DC input"},

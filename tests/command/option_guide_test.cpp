@@ -38,7 +38,8 @@ TEST(OptionGuide, TheHelpTextLeavesOutTheOldOptionsAlone)
         "-outE",        "-outEAx",   "-outS",      "-pRatio", "-path",        "-pow",         "-rList",
         "-ref",         "-rim",      "-rimDisc",   "-sID",    "-sList",       "-sPath",       "-sStep",
         "-stTrelmGrid", "-vcThresh", "-version",   "-names",  "-model",       "-addH",        "-strict",
-        "-quiet",       "-nopdbRot",    "-outAss",  "-needVector"};
+        "-quiet",       "-nopdbRot", "-outQ",      "-free",   "-freeSeed",    "-dropOut",     "-outAss",
+        "-needVector"};
     std::set<std::string_view> helped;
     for (const HelpSection &help : helpSections())
         for (const HelpBlock &block : help.blocks)

@@ -2,6 +2,7 @@
 
 #include "structure/atom_names.h"
 #include "support/text/text.h"
+#include "support/text/token.h"
 
 #include <algorithm>
 #include <map>
@@ -19,6 +20,7 @@ struct Placing {
     bool hasOneChain = true; ///< all rows of the file name one chain, or none
     std::map<std::pair<std::string, std::string>, int> mapped =
         {};                                 ///< names of the file and of the structure
+    bool lacksChain = false;                ///< a row names a chain that the structure does not have
     std::map<std::string, int> unused = {}; ///< rows by reason
 };
 
@@ -53,8 +55,13 @@ std::vector<const ChainInfo *> possibleChains(const Placing &placing, const Side
         if (fits)
             chains.push_back(&chain);
     }
-    if (chains.empty() && pdbInfo.chains().size() == 1 && placing.hasOneChain)
-        chains.push_back(&pdbInfo.chains()[0]);
+    const std::span<const ChainInfo> all = pdbInfo.chains();
+    const std::string_view name = side.from.chain.view();
+    const auto number = static_cast<std::size_t>(std::max(0, isInteger(name) ? toInt(name) : 0));
+    if (chains.empty() && all.size() == 1 && placing.hasOneChain)
+        chains.push_back(&all[0]);
+    else if (chains.empty() && number >= 1 && number <= all.size())
+        chains.push_back(&all[number - 1]);
     if (chains.size() > 1 && !side.from.chain.empty()) // chains of one name differ in their segments
         std::erase_if(chains,
                       [&](const ChainInfo *chain) { return !hasResidue(pdbInfo, *chain, side.resID); });
@@ -62,11 +69,12 @@ std::vector<const ChainInfo *> possibleChains(const Placing &placing, const Side
 }
 
 /// Why the chain of a side is not known; empty if it is, or if the structure does not have it.
-std::string placeChain(const Placing &placing, Side &side)
+std::string placeChain(Placing &placing, Side &side)
 {
     const std::vector<const ChainInfo *> chains = possibleChains(placing, side);
     if (chains.size() > 1)
         return "several chains fit (" + std::to_string(chains.size()) + ")";
+    placing.lacksChain = placing.lacksChain || chains.empty();
     side.chain = chains.empty() ? side.from.chain : chains[0]->chainID;
     side.segment = chains.empty() ? Name{} : chains[0]->segID;
     return {};
@@ -174,7 +182,7 @@ std::string placeAtom(const Placing &placing, Side &side)
     return group.start.empty() ? std::string() : placeGroup(placing, *residue, group, side);
 }
 
-std::string placeSide(const Placing &placing, Side &side)
+std::string placeSide(Placing &placing, Side &side)
 {
     const std::string why = placeChain(placing, side);
     return why.empty() ? placeAtom(placing, side) : why;
@@ -249,7 +257,8 @@ Status placeRows(const PDBInfo &pdbInfo, int aOff, DTable &dTab, Messages &messa
     // Of one chain the rows need no name, and a report shows none.
     const bool hasCodes = std::ranges::any_of(
         dTab.origin.rows, [](const ArchiveRow &row) { return !row.i.icode.empty() || !row.j.icode.empty(); });
-    dTab.nullChainName = dTab.nullSegName = pdbInfo.chains().size() == 1 && !hasCodes ? 1 : 0;
+    const bool isPlain = pdbInfo.chains().size() == 1 && !hasCodes && !placing.lacksChain;
+    dTab.nullChainName = dTab.nullSegName = isPlain ? 1 : 0;
     return Status::ok;
 }
 

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
+#include <unordered_map>
 
 namespace trelm {
 namespace {
@@ -17,7 +19,7 @@ using Tags = std::array<std::string_view, 4>;
 /// Columns that name an atom. Both atoms of a row come from one set: archive files have the same pair in
 /// several sets, and in another order.
 struct AtomTags {
-    Tags chain, residue, icode, resName, atom;
+    Tags chain, chainNumber, residue, icode, resName, atom;
 };
 
 constexpr std::size_t mostSets = 3;
@@ -30,22 +32,24 @@ struct Category {
     Tags value, error, low, high, weight, scale, id;
 };
 
-constexpr AtomTags authorTags = {
-    {"Auth_asym_ID_#", "PDB_strand_ID_#", "Auth_entity_assembly_ID_#", "Entity_assembly_ID_#"},
-    {"Auth_seq_ID_#"},
-    {"PDB_ins_code_#"},
-    {"Auth_comp_ID_#", "PDB_residue_name_#"},
-    {"Auth_atom_ID_#"}};
-constexpr AtomTags pdbTags = {{"PDB_strand_ID_#", "Auth_asym_ID_#", "Entity_assembly_ID_#"},
+constexpr AtomTags authorTags = {{"Auth_asym_ID_#", "PDB_strand_ID_#", "Auth_entity_assembly_ID_#"},
+                                 {"Entity_assembly_ID_#"},
+                                 {"Auth_seq_ID_#"},
+                                 {"PDB_ins_code_#"},
+                                 {"Auth_comp_ID_#", "PDB_residue_name_#"},
+                                 {"Auth_atom_ID_#"}};
+constexpr AtomTags pdbTags = {{"PDB_strand_ID_#", "Auth_asym_ID_#"},
+                              {"Entity_assembly_ID_#"},
                               {"PDB_residue_no_#"},
                               {"PDB_ins_code_#"},
                               {"PDB_residue_name_#", "Auth_comp_ID_#"},
                               {"PDB_atom_name_#"}};
 constexpr AtomTags labelTags = {
-    {"Entity_assembly_ID_#"}, {"Comp_index_ID_#", "Seq_ID_#"}, {}, {"Comp_ID_#"}, {"Atom_ID_#"}};
+    {}, {"Entity_assembly_ID_#"}, {"Comp_index_ID_#", "Seq_ID_#"}, {}, {"Comp_ID_#"}, {"Atom_ID_#"}};
 constexpr AtomTags nefTags = {
-    {"chain_code_#"}, {"sequence_code_#"}, {}, {"residue_name_#", "residue_type_#"}, {"atom_name_#"}};
+    {"chain_code_#"}, {}, {"sequence_code_#"}, {}, {"residue_name_#", "residue_type_#"}, {"atom_name_#"}};
 constexpr AtomTags oldTags = {{"Atom_#_mol_system_component_name"},
+                              {},
                               {"Atom_#_residue_seq_code"},
                               {},
                               {"Atom_#_residue_label"},
@@ -96,7 +100,7 @@ constexpr std::string_view rhombicityTags[] = {"_nef_rdc_restraint_list.tensor_r
 using Columns = std::vector<std::size_t>; ///< of a loop, those that a field is taken from
 
 struct AtomColumns {
-    Columns chain, residue, icode, resName, atom;
+    Columns chain, chainNumber, residue, icode, resName, atom;
 };
 
 /// Where the fields of a loop stand.
@@ -111,8 +115,10 @@ struct StarFile {
     StarReader reader;
     Archive &archive;
     Messages &messages;
-    std::string frame = {};                         ///< the medium that its couplings belong to
-    std::optional<double> da = {}, rhombicity = {}; ///< that the frame states
+    std::string_view frame = {};                              ///< or block, which its couplings stand in
+    std::optional<std::size_t> medium = {};                   ///< of the frame, once it has couplings
+    std::unordered_map<std::string, std::size_t> frames = {}; ///< with couplings, by name
+    std::optional<double> da = {}, rhombicity = {};           ///< that the frame states
 };
 
 bool isOneOf(std::string_view tag, std::span<const std::string_view> tags)
@@ -151,8 +157,8 @@ AtomColumns atomColumns(std::span<const std::string_view> loopTags, const Catego
                         const AtomTags &tags, std::size_t atom)
 {
     const auto columns = [&](const Tags &field) { return columnsOf(loopTags, category, field, atom); };
-    return {columns(tags.chain), columns(tags.residue), columns(tags.icode), columns(tags.resName),
-            columns(tags.atom)};
+    return {columns(tags.chain), columns(tags.chainNumber), columns(tags.residue),
+            columns(tags.icode), columns(tags.resName),     columns(tags.atom)};
 }
 
 LoopColumns loopColumns(std::span<const std::string_view> loopTags, const Category &category, bool useLabels)
@@ -212,7 +218,7 @@ Status readField(const StarFile &star, const Columns &columns, std::optional<dou
         return Status::ok;
     if (!readNumber(text, number))
         return failAt(star.file, star.reader.line(), star.messages, "%.*s is no number",
-                      static_cast<int>(text.size()), text.data());
+                      static_cast<int>(std::min(text.size(), text.find_first_of("\r\n"))), text.data());
     value = number;
     return Status::ok;
 }
@@ -228,7 +234,7 @@ std::string chainOf(std::string_view word)
     return {static_cast<char>('A' + number - 1)};
 }
 
-bool readAtom(Row row, const AtomColumns &columns, bool isNef, NamedAtom &atom)
+bool readAtom(Row row, const AtomColumns &columns, NamedAtom &atom)
 {
     const std::string_view residue = textOf(row, columns.residue), name = textOf(row, columns.atom);
     if (residue.empty() || name.empty() || !readResidue(residue, atom))
@@ -236,15 +242,16 @@ bool readAtom(Row row, const AtomColumns &columns, bool isNef, NamedAtom &atom)
     const std::string_view chain = textOf(row, columns.chain), icode = textOf(row, columns.icode);
     return (icode.empty() || readName(icode, atom.icode)) && readName(name, atom.atomName) &&
            readName(textOf(row, columns.resName), atom.resName) &&
-           readName(isNef ? std::string(chain) : chainOf(chain), atom.chain);
+           readName(chain.empty() ? chainOf(textOf(row, columns.chainNumber)) : std::string(chain),
+                    atom.chain);
 }
 
 /// Both atoms from the first set that names them.
-bool readAtoms(Row row, const LoopColumns &columns, bool isNef, ArchiveRow &into)
+bool readAtoms(Row row, const LoopColumns &columns, ArchiveRow &into)
 {
     return std::ranges::any_of(columns.sets, [&](const std::array<AtomColumns, 2> &set) {
         into.i = into.j = {};
-        return readAtom(row, set[0], isNef, into.i) && readAtom(row, set[1], isNef, into.j);
+        return readAtom(row, set[0], into.i) && readAtom(row, set[1], into.j);
     });
 }
 
@@ -279,14 +286,15 @@ Status readValues(const StarFile &star, const LoopColumns &columns, ArchiveRow &
         return failAt(star.file, star.reader.line(), star.messages, "a negative error or weight");
     hasValue = value.has_value();
     row.value = value.value_or(0.0);
-    row.error = error.value_or(0.0) > 0.0 ? error : std::nullopt; // 0 is no error
+    const bool hasError = error.value_or(0.0) > 0.0 && std::isfinite(*error); // 0 is no error
+    row.error = hasError ? error : std::nullopt;
     row.weight = weight.value_or(1.0);
     row.scale = scale.value_or(1.0);
     return Status::ok;
 }
 
 /// Rows of one restraint mean one of their pairs.
-void markAlternatives(std::span<std::pair<std::string, std::size_t>> ids, Archive &archive)
+void markAlternatives(std::span<std::pair<std::string_view, std::size_t>> ids, Archive &archive)
 {
     std::ranges::sort(ids);
     for (auto first = ids.begin(); first != ids.end();) {
@@ -298,20 +306,39 @@ void markAlternatives(std::span<std::pair<std::string, std::size_t>> ids, Archiv
     }
 }
 
+/// The medium of the frame: its name without the category before it, which NEF asks for, and with a number if
+/// a frame before has the same.
+std::size_t frameMedium(StarFile &star)
+{
+    constexpr std::string_view nefPrefix = "nef_rdc_restraint_list_";
+    if (star.medium)
+        return *star.medium;
+    std::string name(star.frame);
+    if (name.starts_with(nefPrefix) && name.size() > nefPrefix.size())
+        name.erase(0, nefPrefix.size());
+    if (const std::size_t number = ++star.frames[name]; number > 1)
+        name.append("#").append(std::to_string(number));
+    star.medium = star.archive.media.size();
+    star.archive.media.push_back({.name = name});
+    return *star.medium;
+}
+
 Status readCouplingLoop(StarFile &star, const Category &category)
 {
-    const bool isNef = category.prefix == categories[0].prefix;
     const LoopColumns columns = loopColumns(star.reader.tags(), category, star.file.useLabels);
     if (columns.value.empty())
         return failAt(star.file, star.reader.line(), star.messages, "a loop of couplings without values");
-    const std::size_t medium = mediumOf(star.archive, star.frame);
-    std::vector<std::pair<std::string, std::size_t>> ids;
+    const std::size_t medium = frameMedium(star);
+    std::vector<std::pair<std::string_view, std::size_t>> ids;
+    if (star.archive.rows
+            .empty()) // a value takes two bytes at least; what is not used of the room costs nothing
+        star.archive.rows.reserve(star.file.text.size() / (2 * star.reader.tags().size()));
     while (star.reader.nextRow()) {
         ArchiveRow row = {.medium = medium, .line = star.reader.line()};
         bool hasValue = false;
         if (readValues(star, columns, row, hasValue) != Status::ok)
             return Status::failed;
-        if (!readAtoms(star.reader.row(), columns, isNef, row)) {
+        if (!readAtoms(star.reader.row(), columns, row)) {
             star.archive.leftOut.push_back(
                 {row.line, rawPair(star.reader.row(), columns), "names no two atoms"});
             continue;
@@ -330,26 +357,12 @@ Status readCouplingLoop(StarFile &star, const Category &category)
 
 // ---- frames ----
 
-/// The name of a medium: that of its frame without the category before it, which NEF asks for. A name that
-/// another frame has gets a number.
-std::string mediumName(const Archive &archive, std::string_view frame)
-{
-    constexpr std::string_view nefPrefix = "nef_rdc_restraint_list_";
-    if (frame.starts_with(nefPrefix) && frame.size() > nefPrefix.size())
-        frame.remove_prefix(nefPrefix.size());
-    std::string name(frame);
-    const auto isKnown = [&](const Medium &medium) { return medium.name == name; };
-    for (int k = 2; std::ranges::any_of(archive.media, isKnown); ++k)
-        name = std::string(frame) + "#" + std::to_string(k);
-    return name;
-}
-
 /// A tensor that is stated belongs to the couplings of its frame.
 void endFrame(StarFile &star)
 {
-    const auto known = std::ranges::find(star.archive.media, star.frame, &Medium::name);
-    if (known != star.archive.media.end() && star.da && star.rhombicity)
-        known->tensor = {*star.da, *star.rhombicity};
+    if (star.medium && star.da && star.rhombicity)
+        star.archive.media[*star.medium].tensor = {*star.da, *star.rhombicity};
+    star.medium.reset();
     star.da.reset();
     star.rhombicity.reset();
 }
@@ -368,7 +381,7 @@ Status readEvent(StarFile &star, StarReader::Event event)
     case StarReader::Event::block:
     case StarReader::Event::frame:
         endFrame(star);
-        star.frame = mediumName(star.archive, star.reader.name());
+        star.frame = star.reader.name();
         return Status::ok;
     case StarReader::Event::frameEnd:
         endFrame(star);

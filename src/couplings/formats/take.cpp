@@ -28,9 +28,12 @@ struct Taking {
 
 std::string mediaText(const std::vector<Medium> &media)
 {
+    constexpr std::size_t most = 20;
     std::string text;
-    for (const Medium &medium : media)
+    for (const Medium &medium : std::span(media).first(std::min(most, media.size())))
         appendf(text, "%s%s (%zu)", text.empty() ? "" : ", ", medium.name.c_str(), medium.rows);
+    if (media.size() > most)
+        appendf(text, " and %zu more", media.size() - most);
     return text;
 }
 
@@ -106,46 +109,49 @@ PairKey keyOf(const ArchiveRow &row)
     return std::minmax(key(row.i), key(row.j));
 }
 
-struct HashPair {
-    std::size_t operator()(const PairKey &key) const
-    {
-        const auto hash = [](const AtomKey &atom) {
-            return std::hash<std::string_view>{}(std::get<3>(atom)) * 31 +
-                   static_cast<std::size_t>(std::get<1>(atom)) * 0x9e3779b97f4a7c15;
-        };
-        return hash(key.first) * 3 + hash(key.second);
-    }
-};
-
-/// The rows that count, of one medium: those that can be used, the same pair with the same value once.
-std::vector<ArchiveRow> usableRows(Taking &taking, std::size_t medium)
+/// The same for both orders of the atoms.
+std::size_t hashOf(const ArchiveRow &row)
 {
-    std::vector<ArchiveRow> kept;
-    kept.reserve(taking.archive.media[medium].rows);
-    std::unordered_multimap<PairKey, const ArchiveRow *, HashPair> known;
-    std::size_t others = 0;
-    for (const ArchiveRow &row : taking.archive.rows) {
+    const auto hash = [](const NamedAtom &atom) {
+        return std::hash<std::string_view>{}(atom.atomName.view()) * 31 +
+               static_cast<std::size_t>(atom.resID) * 0x9e3779b97f4a7c15;
+    };
+    return hash(row.i) + hash(row.j);
+}
+
+/// Keeps the rows that count, of one medium: those that can be used, the same pair with the same value once.
+void keepUsable(Taking &taking, std::size_t medium, std::vector<ArchiveRow> &rows)
+{
+    std::unordered_multimap<std::size_t, std::size_t> known; // rows by the hash of their pair
+    std::size_t kept = 0, others = 0;
+    for (const ArchiveRow &row : rows) {
         if (row.medium != medium)
             continue;
         ++taking.read;
         std::string reason = reasonAgainst(row);
-        const auto [first, last] = known.equal_range(keyOf(row));
-        for (auto other = first; reason.empty() && other != last; ++other)
-            if (other->second->value == row.value)
-                appendf(reason, "given twice (the same value as in line %zu)", other->second->line);
+        bool isKnown = false;
+        const std::size_t hash = hashOf(row);
+        const auto [first, last] = known.equal_range(hash);
+        for (auto other = first; reason.empty() && other != last; ++other) {
+            if (keyOf(rows[other->second]) != keyOf(row))
+                continue;
+            isKnown = true;
+            if (rows[other->second].value == row.value)
+                appendf(reason, "given twice (the same value as in line %zu)", rows[other->second].line);
+        }
         if (!reason.empty()) {
             tellLeft(taking, row.line, pairText(row.i, row.j), reason);
             continue;
         }
-        others += first != last ? 1 : 0;
-        known.emplace(keyOf(row), &row);
-        kept.push_back(row);
+        others += isKnown ? 1 : 0;
+        known.emplace(hash, kept);
+        rows[kept++] = row;
     }
+    rows.erase(rows.begin() + static_cast<std::ptrdiff_t>(kept), rows.end());
     if (others != 0)
         taking.messages.warn("trelm: %s: %zu couplings are given again with another value: two media in one"
                              " list?\n",
                              taking.name.c_str(), others);
-    return kept;
 }
 
 void tellLeftOut(Taking &taking)
@@ -185,14 +191,27 @@ bool isTurnedPair(const ArchiveRow &row)
     return !findVariableDI(0.0f, i, j, 1, silent).isFixed && findVariableDI(0.0f, j, i, 1, silent).isFixed;
 }
 
+/// The name of an atom as tables have it. Q and M names and the wildcards of other programs become those of
+/// tables: # for numbers, * for two of them.
+Name tableName(const Name &name)
+{
+    std::string text(name.view());
+    const std::size_t marks = text.starts_with("QQ") ? 2 : 1;
+    if (text.size() > marks && (text[0] == 'Q' || text[0] == 'M'))
+        text = std::string("H").append(text, marks).append(marks == 2 ? "*" : "#");
+    std::ranges::replace(text, '%', '#');
+    std::ranges::replace(text, '+', '#');
+    return Name::of(text);
+}
+
 /// A row of the table; its names are kept there.
 DInfo rowOf(const ArchiveRow &from, NameStore &names)
 {
     DInfo row;
     row.names = names.keep({.resNameI = from.i.resName,
                             .resNameJ = from.j.resName,
-                            .atomNameI = from.i.atomName,
-                            .atomNameJ = from.j.atomName,
+                            .atomNameI = tableName(from.i.atomName),
+                            .atomNameJ = tableName(from.j.atomName),
                             .chainNameI = from.i.chain,
                             .chainNameJ = from.j.chain});
     row.valid = 1;
@@ -219,6 +238,11 @@ void tellErrors(const Taking &taking, std::span<const ArchiveRow> rows)
     if (isOne && rows.size() > 1 && *first >= narrowest)
         taking.messages.note("trelm: %s: one error for all rows: %.3f Hz, a restraint's width?\n",
                              taking.name.c_str(), *first);
+    const auto [least, largest] = std::ranges::minmax(rows, {}, &ArchiveRow::scale);
+    if (least.scale != 1.0 || largest.scale != 1.0)
+        taking.messages.note(
+            "trelm: %s: scales from %g to %g are not applied: values are those of the file\n",
+            taking.name.c_str(), least.scale, largest.scale);
     const auto [low, high] = std::ranges::minmax(rows, {}, &ArchiveRow::weight);
     if (low.weight != 1.0 || high.weight != 1.0)
         taking.messages.note("trelm: %s: weights from %g to %g: DD is the error over their root\n",
@@ -294,11 +318,11 @@ Status takeArchive(const std::string &name, const CouplingReading &reading, Arch
     tellLeftOut(taking);
     if (!medium)
         return Status::failed;
-    std::vector<ArchiveRow> rows = usableRows(taking, *medium);
+    std::vector<ArchiveRow> rows = std::move(archive.rows);
+    keepUsable(taking, *medium, rows);
     tellTotals(taking, rows.size());
     if (rows.empty() || rows.size() > static_cast<std::size_t>(INT_MAX))
         return messages.fail("trelm: %s: no couplings that can be used.\n", name.c_str());
-    archive.rows = {}; // their room goes to the table
     tellErrors(taking, rows);
     const Status status = fillRows(rows, dTab, messages);
     dTab.origin = {.file = name, .rows = std::move(rows), .tensor = archive.media[*medium].tensor};

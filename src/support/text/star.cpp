@@ -31,11 +31,40 @@ std::string_view keywordOf(std::string_view word)
     return {};
 }
 
-/// What of a word is told in a message.
+/// What a byte may be for the short way through plain values.
+enum ByteKind : unsigned char { inWord, space, newline, special, keywordStart };
+
+/// By byte. Words that begin with a special one are read the long way; one that begins like a keyword is
+/// looked at.
+constexpr std::array<ByteKind, 256> byteKinds = [] {
+    std::array<ByteKind, 256> kinds = {};
+    for (const char c : {' ', '\t', '\r', '\v', '\f'})
+        kinds[static_cast<unsigned char>(c)] = space;
+    kinds['\n'] = newline;
+    for (const char c : {'#', ';', '_', '\'', '"'})
+        kinds[static_cast<unsigned char>(c)] = special;
+    for (const char c : {'d', 'D', 's', 'S', 'l', 'L', 'g', 'G'})
+        kinds[static_cast<unsigned char>(c)] = keywordStart;
+    return kinds;
+}();
+
+ByteKind kindOf(char c)
+{
+    return byteKinds[static_cast<unsigned char>(c)];
+}
+
+bool isSpaceKind(char c)
+{
+    const ByteKind kind = kindOf(c);
+    return kind == space || kind == newline;
+}
+
+/// What of a word is told in a message, which is one line.
 std::string shown(std::string_view word)
 {
     constexpr std::size_t most = 60;
-    return std::string(word.substr(0, most)).append(word.size() > most ? "..." : "");
+    const std::size_t length = std::min({most, word.size(), word.find_first_of("\r\n")});
+    return std::string(word.substr(0, length)).append(length < word.size() ? "..." : "");
 }
 
 } // namespace
@@ -214,11 +243,36 @@ StarReader::Event StarReader::readEnd()
                                 std::to_string(frameLine));
 }
 
+/// The next value, if it is a plain word: nearly all are, and large files are many of them.
+bool StarReader::readPlain(StarValue &into)
+{
+    const char *at = text.data() + place;
+    const char *const end = text.data() + text.size();
+    for (; at != end && isSpaceKind(*at); ++at)
+        lineNumber += kindOf(*at) == newline ? 1 : 0;
+    place = static_cast<std::size_t>(at - text.data());
+    if (at == end || kindOf(*at) == special)
+        return false;
+    const char *const start = at;
+    while (at != end && !isSpaceKind(*at))
+        ++at;
+    const std::string_view found(start, static_cast<std::size_t>(at - start));
+    if (kindOf(*start) == keywordStart && !keywordOf(found).empty())
+        return false;
+    into = {found};
+    place += found.size();
+    return true;
+}
+
 bool StarReader::nextRow()
 {
     if (!isInLoop)
         return false;
     for (std::size_t k = 0; k < values.size(); ++k) {
+        if (!hasToken && readPlain(values[k])) {
+            eventLine = k == 0 ? lineNumber : eventLine;
+            continue;
+        }
         const Token &found = peek();
         if (found.kind == Kind::value) {
             values[k] = found.value;

@@ -64,6 +64,7 @@ class StarReader {
     Token readField();
     Token readWord();
     const Token &peek();
+    bool readPlain(StarValue &into);
     void take() { hasToken = false; }
     Event fail(std::size_t line, std::string reason);
     Event readItem();

@@ -79,8 +79,11 @@ constexpr HelpEntry commonMore[] = {
 };
 
 constexpr HelpEntry archiveForms[] = {
-    {"-star",    "",   "off", "Write the Loop of Measured Couplings of NMR-STAR."},
-    {"-nef",     "",   "off", "Write a NEF File."},
+    {"-star",        "", "off", "Write the Loop of Measured Couplings of NMR-STAR."},
+    {"-nef",         "", "off", "Write a NEF File."},
+    {"-cyana",       "", "off", "Write a CYANA List of Two Atoms a Row, with the Tensor of a Report."},
+    {"-rosettaList", "", "off", "Write the List that Rosetta Reads, with Parentheses."},
+    {"-csv",         "", "off", "Write Comma-Separated Values under a Header Line."},
 };
 
 constexpr HelpEntry otherNames[] = {

@@ -245,6 +245,9 @@ constexpr OptionRow conversionRows[] = {
     {"-rosetta", &TrelmInfo::outFormat, formatRosetta},
     {"-star", &TrelmInfo::outFormat, formatStar},
     {"-nef", &TrelmInfo::outFormat, formatNef},
+    {"-cyana", &TrelmInfo::outFormat, formatCyana},
+    {"-rosettaList", &TrelmInfo::outFormat, formatRosettaList},
+    {"-csv", &TrelmInfo::outFormat, formatCsv},
     {"-dcNoise", &TrelmInfo::dcNoise, 1},
     {"-tensID", &TrelmInfo::dcID},
 };

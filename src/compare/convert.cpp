@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 #include <unordered_set>
 #include <vector>
 
@@ -204,7 +205,24 @@ struct ArchiveRowOf {
     TableFormat format;
     ArchiveWriter write;
 };
-constexpr ArchiveRowOf archiveWriters[] = {{formatStar, writeStar}, {formatNef, writeNef}};
+constexpr ArchiveRowOf archiveWriters[] = {{formatStar, writeStar},
+                                           {formatNef, writeNef},
+                                           {formatCyana, writeCyana},
+                                           {formatRosettaList, writeRosettaList},
+                                           {formatCsv, writeCsv}};
+
+/// Tells what a form has no room for: the chains of several, as CYANA has none.
+void tellLoss(TableFormat format, const DTable &dTab, Messages &messages)
+{
+    std::set<std::string_view> chains;
+    forEachValid(dTab, [&](const DInfo &obs, const DCalc &) {
+        chains.insert({obs.names->chainNameI.view(), obs.names->chainNameJ.view()});
+    });
+    if (format == formatCyana && chains.size() > 1)
+        messages.warn("trelm: the form has no chains: residues of %zu chains are told apart by their numbers"
+                      " alone.\n",
+                      chains.size());
+}
 
 } // namespace
 
@@ -242,6 +260,7 @@ Status convertTab(const ConversionOptions &options, const DTable &dTab, const st
 {
     if (const auto *archive = std::ranges::find(archiveWriters, options.outFormat, &ArchiveRowOf::format);
         archive != std::end(archiveWriters)) {
+        tellLoss(options.outFormat, dTab, messages);
         archive->write({dTab, inDName, dTab.origin.tensor}, text);
         return Status::ok;
     }

@@ -19,6 +19,9 @@ enum TableFormat : int {
     formatRosetta = 5,
     formatStar = 6, ///< from here on forms that other programs and archives have
     formatNef = 7,
+    formatCyana = 8,
+    formatRosettaList = 9,
+    formatCsv = 10,
 };
 
 /// Comparison of tensors and of coupling sets, analysis of structures.

@@ -2,11 +2,26 @@
 
 #include "couplings/formats/forms.h"
 #include "support/text/table.h"
+#include "support/text/token.h"
 
 #include <utility>
 
 namespace trelm {
 namespace {
+
+/// The tensor of a report that is read back; nothing in a table without one.
+std::optional<StatedTensor> reportedTensor(std::string_view text)
+{
+    const auto isThere = [text](std::string_view label, double &value) {
+        const std::size_t place = text.find(label);
+        return place != std::string_view::npos &&
+               readNumber(firstWord(text.substr(place + label.size())), value);
+    };
+    StatedTensor tensor;
+    const bool hasBoth =
+        isThere("\nDATA Da_HN ", tensor.da) && isThere("\nDATA Rhombicity ", tensor.rhombicity);
+    return hasBoth ? std::optional(tensor) : std::nullopt;
+}
 
 /// Reads a file of any form.
 Status readForm(const std::string &inDName, const CouplingReading &reading, DTable &dTab, Messages &messages)
@@ -19,8 +34,10 @@ Status readForm(const std::string &inDName, const CouplingReading &reading, DTab
     if (read == nullptr && !reading.medium.empty())
         return messages.fail("trelm: -medium %s: %s is a table of one medium.\n", reading.medium.c_str(),
                              inDName.c_str());
-    if (read == nullptr)
+    if (read == nullptr) {
+        dTab.origin.tensor = reportedTensor(input.text);
         return parseDC(inDName, input, dTab, messages);
+    }
     const std::string shownName = inDName == "-" ? "(stdin)" : inDName;
     Archive archive;
     if (read({input.text, shownName, reading.useLabels}, archive, messages) != Status::ok)

@@ -62,7 +62,7 @@ struct ForeignData {
 struct TableOrigin {
     std::string file;             ///< empty: the rows are those of this program's own form
     std::vector<ArchiveRow> rows; ///< one for each row of the table, the atoms in the order of the table
-    std::optional<StatedTensor> tensor = {};
+    std::optional<StatedTensor> tensor = {}; ///< that the file states, a report of this program too
 };
 
 struct Archive {

@@ -100,7 +100,8 @@ bool match(const Words &words, std::string_view pattern)
 /// "14N-H -14.5 0.1" or "A.16H-A.15C 0.5".
 bool isLabel(const Words &words)
 {
-    if (words.size() < 2 || !isOneNumber(words[1]))
+    constexpr std::string_view numberStarts = "+-.0123456789"; // the rest of a number may be mistaken
+    if (words.size() < 2 || numberStarts.find(words[1][0]) == std::string_view::npos)
         return false;
     const std::string_view label = words[0];
     const std::size_t dash = label.find('-', 1);

@@ -6,7 +6,7 @@
 
 namespace {
 
-const std::string fit = "-bestFit -pdb ubi/1d3z_model1.pdb -outD fit.tab -nopdbRot -inD ";
+const std::string fitOf = "-bestFit -pdb ubi/1d3z_model1.pdb -outD fit.tab -nopdbRot -inD ";
 
 /// What is written from a file, as one of this name.
 Files written(const std::string &options, const std::string &name, const Files &files = {})
@@ -36,7 +36,7 @@ std::string fiveColumns(const std::string &table)
 TEST(ListForms, OneFitFromEveryForm)
 {
     const std::string table = fileText(example("bicelle_hn.tab"));
-    const Ran told = goodRun(fit + "ubi/bicelle_hn.tab");
+    const Ran told = goodRun(fitOf + "ubi/bicelle_hn.tab");
     const std::string of = " -inD ubi/bicelle_hn.tab";
     const struct {
         const char *form;
@@ -51,13 +51,13 @@ TEST(ListForms, OneFitFromEveryForm)
         {"csv", {{"x", labels(table)}}},
     };
     for (const auto &one : cases) {
-        const Ran ran = goodRun(fit + "x", {.files = one.files});
+        const Ran ran = goodRun(fitOf + "x", {.files = one.files});
         const std::string report = ran.file("fit.tab");
         EXPECT_NEAR(number(report, "DATA Da_HN"), -9.398, 0.001) << one.form;
         EXPECT_NEAR(number(report, "DATA Rhombicity"), 0.156, 0.0005) << one.form;
         EXPECT_EQ(number(report, "DATA N "), 63.0) << one.form;
         EXPECT_EQ(number(report, "DATA RMS"), number(told.file("fit.tab"), "DATA RMS")) << one.form;
-        const Ran asked = goodRun(fit + "x -inF " + one.form, {.files = one.files});
+        const Ran asked = goodRun(fitOf + "x -inF " + one.form, {.files = one.files});
         EXPECT_EQ(asked.file("fit.tab"), report) << one.form;
     }
 }
@@ -85,10 +85,11 @@ TEST(ListForms, WhatIsWrittenIsReadBack)
 
 TEST(ListForms, AReportGoesOutWithItsTensor)
 {
-    const Ran fitted = goodRun(fit + "ubi/bicelle_hn.tab");
+    const Ran fitted = goodRun(fitOf + "ubi/bicelle_hn.tab");
     const Files list = written("-cyana -inD fit.tab", "x", {{"fit.tab", fitted.file("fit.tab")}});
-    EXPECT_EQ(countOf(list.at("x"), "       1      -9.397695   0.1556363           900\n"), 1) << list.at("x");
-    EXPECT_NEAR(number(goodRun(fit + "x", {.files = list}).file("fit.tab"), "DATA Da_HN"), -9.398, 0.001);
+    EXPECT_EQ(countOf(list.at("x"), "       1      -9.397695   0.1556363           900\n"), 1)
+        << list.at("x");
+    EXPECT_NEAR(number(goodRun(fitOf + "x", {.files = list}).file("fit.tab"), "DATA Da_HN"), -9.398, 0.001);
     const Ran ran = goodRun("-conv -cyana -outD out -inD in", {.files = {{"in", "A.5H-N 1\nB.5H-N 2\n"}}});
     EXPECT_EQ(countOf(ran.err, "residues of 2 chains are told apart by their numbers alone"), 1) << ran.err;
 }

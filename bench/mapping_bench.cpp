@@ -1,6 +1,9 @@
 // Samples of the coupling noise: the decomposition of the unchanged design matrix is kept from sample to
-// sample. The plain form decomposes each time.
+// sample. The plain form decomposes each time. And the cone angles of the structural noise: most draws are
+// seen to be none before they are worked out.
 #include "couplings/fit.h"
+#include "errors/cone_noise.h"
+#include "reference/cone_reference.h"
 #include "structure/pdb.h"
 #include "support/numerics/random.h"
 
@@ -79,5 +82,20 @@ BENCHMARK_CAPTURE(noiseSamples, amides, "bicelle_hn.tab", false);
 BENCHMARK_CAPTURE(noiseSamples, amidesPlain, "bicelle_hn.tab", true);
 BENCHMARK_CAPTURE(noiseSamples, backbone, "bicelle_backbone.tab", false);
 BENCHMARK_CAPTURE(noiseSamples, backbonePlain, "bicelle_backbone.tab", true);
+
+/// The argument is the width of the cone, degrees.
+void coneAngles(benchmark::State &state, double (*draw)(RandomStream &, const ConeSetup &))
+{
+    const ConeSetup cone = {static_cast<double>(state.range(0)), 360, 0, 1.0};
+    RandomStream random, judge;
+    for (int i = 0; i < 1000; ++i)
+        if (draw(random, cone) != drawAnglePlain(judge, cone))
+            return state.SkipWithError("differs from the plain form");
+    for (auto step : state)
+        benchmark::DoNotOptimize(draw(random, cone));
+    state.SetItemsProcessed(state.iterations());
+}
+BENCHMARK_CAPTURE(coneAngles, fast, drawAngle)->Arg(2)->Arg(10);
+BENCHMARK_CAPTURE(coneAngles, plain, drawAnglePlain)->Arg(2)->Arg(10);
 
 } // namespace

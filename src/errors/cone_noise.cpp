@@ -15,20 +15,6 @@ namespace {
 
 using Vector = std::array<float, 3>;
 
-/// An angle of the cone, radians; below 0 on the other side of the axis. The draws are thinned by the sine:
-/// a ring around the axis holds places in proportion to it.
-double drawAngle(RandomStream &random, const ConeSetup &cone)
-{
-    if (cone.coneFix != 0)
-        return cone.coneWidth * pi / 180.0;
-    double gamma = 0.0, u = 0.0;
-    do {
-        gamma = random.gauss() * cone.coneWidth * pi / 180.0;
-        u = static_cast<double>(random.ran1());
-    } while (std::sin(std::fabs(gamma)) <= u);
-    return gamma;
-}
-
 /// One side of a coupling: how its atoms are looked up, and the places of those that were found.
 struct RowSide {
     SideQuery query;
@@ -176,6 +162,24 @@ void rotCone(const Axis &A, double w, double Gamma, Axis &r)
     const double cosW = std::cos(w * pi / 180.0), sinW = std::sin(w * pi / 180.0);
     for (std::size_t k = 0; k < 3; ++k)
         r[k] = c * A[k] + s * (cosW * u[k] + sinW * v[k]);
+}
+
+double drawAngle(RandomStream &random, const ConeSetup &cone)
+{
+    if (cone.coneFix != 0)
+        return cone.coneWidth * pi / 180.0;
+    // Few draws are taken, and most of the others are seen to be none without a logarithm or a sine: |sin x|
+    // <= |x|.
+    const double scale = cone.coneWidth * pi / 180.0;
+    for (;;) {
+        const NormalDraw draw = random.drawGauss();
+        const auto u = static_cast<double>(random.ran1());
+        if (draw.isSurelyWithin(u, scale))
+            continue;
+        const double gamma = draw.value() * cone.coneWidth * pi / 180.0, size = std::fabs(gamma);
+        if (!(size <= u || std::sin(size) <= u))
+            return gamma;
+    }
 }
 
 float addVecNoise(RandomStream &random, Vector &coor, const ConeSetup &cone)

@@ -53,6 +53,11 @@ void warnOfWidth(const ConeOptions &options, Messages &messages);
 /// axis stays as it is.
 void rotCone(const Axis &A, double w, double Gamma, Axis &r);
 
+/// An angle of the cone, radians; below 0 on the other side of the axis. Draws gauss and ran1 in pairs and
+/// takes an angle where its sine is above the second: a ring around the axis holds places in proportion to
+/// it. A fixed cone has its own angle, and nothing is drawn.
+double drawAngle(RandomStream &random, const ConeSetup &cone);
+
 /// Moves a vector, angstrom, to a random place on its cone; its length is kept. Draws gauss and ran1 in pairs
 /// until an angle is taken (none of them with a fixed cone), then ran3. Returns the length.
 float addVecNoise(RandomStream &random, std::array<float, 3> &coor, const ConeSetup &cone);

@@ -7,6 +7,7 @@
 
 #include "common/temp_file.h"
 #include "couplings/prepared.h"
+#include "reference/cone_reference.h"
 
 #include <algorithm>
 #include <cmath>
@@ -22,16 +23,6 @@ using Vector = std::array<float, 3>;
 constexpr double degree = 3.14159265358979 / 180.0;
 constexpr ConeSetup fixedCone = {10.0, 4, 1, 90.0};
 constexpr ConeSetup gaussCone = {20.0, 360, 0, 1.0};
-
-/// A cone angle as gaussCone has it: a ring around the axis is as likely as its area is large.
-double takenAngle(RandomStream &random)
-{
-    for (;;) {
-        const double g = random.gauss() * gaussCone.coneWidth * degree;
-        if (std::sin(std::fabs(g)) > static_cast<double>(random.ran1()))
-            return g;
-    }
-}
 
 PDBSelectInfo residuesFrom(int res1)
 {
@@ -134,7 +125,7 @@ TEST(AddVecNoise, DrawsInOrderFromOneSeed)
     std::vector<Vector> expected;
     RandomStream random, judge;
     for (int n = 0; n < 50; ++n) {
-        const auto g = static_cast<float>(takenAngle(judge));
+        const auto g = static_cast<float>(drawAnglePlain(judge, gaussCone));
         const float w = std::floor(judge.ran3() * 360.0f) * static_cast<float>(degree);
         const float s = std::fabs(std::sin(g));
         expected.push_back({std::cos(g), -s * std::sin(w), s * std::cos(w)});
@@ -145,6 +136,18 @@ TEST(AddVecNoise, DrawsInOrderFromOneSeed)
         EXPECT_LT(std::hypot(v[0] - e[0], v[1] - e[1], v[2] - e[2]), 1e-6f);
     }
     EXPECT_EQ(random.ran1(), judge.ran1());
+}
+
+TEST(DrawAngle, TheCheapTestsDecideAsThePlainFormDoes)
+{
+    for (const double width : {0.01, 1.0, 5.0, 40.0, 170.0, 1e4}) { // beyond 90 degrees sines fall again
+        const ConeSetup cone = {width, 360, 0, 1.0};
+        RandomStream random, judge;
+        for (int n = 0; n < 300; ++n)
+            ASSERT_EQ(drawAngle(random, cone), drawAnglePlain(judge, cone)) << width;
+        EXPECT_EQ(random.ran1(), judge.ran1()) << width;
+        EXPECT_EQ(random.gauss(), judge.gauss()) << width;
+    }
 }
 
 TEST(AddPdbNoise, MovesTheSecondAtomAloneAndTheSameWayFromTheSamePlaces)
@@ -243,7 +246,7 @@ TEST(AddPhiPsiNoise, ResidueZeroBehindTheListDraws)
         RandomStream judge;
         addPhiPsiNoise(m.random, m.target(), gaussCone, {1, 1, 76}, 1, standardMessages());
         for (int n = 0; n < angles; ++n)
-            takenAngle(judge);
+            drawAnglePlain(judge, gaussCone);
         EXPECT_EQ(m.random.ran1(), judge.ran1()) << res1;
     }
 }

@@ -40,6 +40,20 @@ TEST(Random, GaussReturnsBothOfAPair)
         EXPECT_NEAR(random.gauss(), value, 1.0e-9);
 }
 
+TEST(Random, ADrawIsSurelyWithinOnlyWhatItIsWithin)
+{
+    RandomStream random, judge;
+    int seen = 0;
+    for (int n = 0; n < 100000; ++n) {
+        const NormalDraw draw = random.drawGauss();
+        const double size = std::fabs(draw.value());
+        ASSERT_EQ(draw.value(), judge.gauss());
+        ASSERT_FALSE(draw.isSurelyWithin(std::nextafter(3.0 * size, 0.0), 3.0)) << size;
+        seen += draw.isSurelyWithin(1.5 * size, 1.0) ? 1 : 0;
+    }
+    EXPECT_GT(seen, 80000);
+}
+
 /// A generator with its own seed: the first ten outputs and the 10 000th as integers.
 struct SeededRow {
     const char *name;

@@ -7,12 +7,15 @@
 namespace trelm {
 namespace {
 
-constexpr int parkMillerModulus = 2147483647;
+constexpr std::uint32_t parkMillerModulus = 2147483647;
 
-/// One step of the minimal standard generator.
+/// One step of the minimal standard generator: the rest of 16807 s, s in 1 to the modulus - 1. The modulus is
+/// 2^31 - 1: what stands above its 31 bits counts as so many ones.
 int parkMiller(int s)
 {
-    return static_cast<int>(std::int64_t{16807} * s % parkMillerModulus);
+    const std::uint64_t product = std::uint64_t{16807} * static_cast<std::uint64_t>(s);
+    const auto sum = static_cast<std::uint32_t>((product & parkMillerModulus) + (product >> 31));
+    return static_cast<int>(sum < parkMillerModulus ? sum : sum - parkMillerModulus);
 }
 
 constexpr int subtractiveModulus = 1000000000;
@@ -25,6 +28,14 @@ int difference(int a, int b)
 }
 
 } // namespace
+
+void RandomStream::Tt800::fill()
+{
+    if (!isFirst)
+        renew();
+    isFirst = false;
+    temper();
+}
 
 /// Renews all words in place; the later ones already see renewed words.
 void RandomStream::Tt800::renew()
@@ -59,7 +70,7 @@ void RandomStream::Tt800::temper()
 int RandomStream::ShuffleTable::fill(int seed)
 {
     // The most negative int has no positive counterpart, and the modulus itself would give zeros for ever.
-    int s = static_cast<int>(-std::int64_t{seed} % parkMillerModulus);
+    int s = static_cast<int>(-std::int64_t{seed} % std::int64_t{parkMillerModulus});
     s = std::max(s, 1);
     for (int j = length + 7; j >= 0; --j) {
         s = parkMiller(s);
@@ -91,42 +102,39 @@ void RandomStream::SubtractiveTable::fill(int seed)
     filled = true;
 }
 
-double RandomStream::genrand()
-{
-    if (tt800.next == Tt800::words) {
-        if (!tt800.isFirst)
-            tt800.renew();
-        tt800.isFirst = false;
-        tt800.temper();
-    }
-    return tt800.deviate[tt800.next++];
-}
-
 double RandomStream::gauss()
 {
-    if (stored.full) {
+    if (stored.full && stored.factor != 0.0) {
         stored.full = false;
-        return stored.value;
+        return stored.draw.coordinate * stored.factor;
     }
+    const NormalDraw draw = drawGauss();
+    const double factor = draw.factor();
+    if (stored.full)
+        stored.factor = factor;
+    return draw.coordinate * factor;
+}
+
+NormalDraw RandomStream::drawPair()
+{
     double v1 = 0.0, v2 = 0.0, r = 0.0;
     do {
         v1 = 2.0 * genrand() - 1.0;
         v2 = 2.0 * genrand() - 1.0;
         r = v1 * v1 + v2 * v2;
     } while (r >= 1.0 || r == 0.0);
-    const double f = std::sqrt(-2.0 * std::log(r) / r);
-    stored = {v2 * f, true};
-    return v1 * f;
+    stored = {{v2, r}, 0.0, true};
+    return {v1, r};
 }
 
 float RandomStream::ran1()
 {
     constexpr double largest = 1.0 - 1.2e-7;
-    constexpr int divisor = 1 + (parkMillerModulus - 1) / ShuffleTable::length;
+    constexpr std::uint32_t divisor = 1 + (parkMillerModulus - 1) / ShuffleTable::length;
     if (idum <= 0 || !shuffle.filled)
         idum = shuffle.fill(idum);
     idum = parkMiller(idum);
-    const auto j = static_cast<std::size_t>(shuffle.y / divisor);
+    const std::size_t j = static_cast<std::uint32_t>(shuffle.y) / divisor; // never negative: a shift
     shuffle.y = shuffle.value[j];
     shuffle.value[j] = idum;
     return static_cast<float>(std::min(shuffle.y * (1.0 / parkMillerModulus), largest));

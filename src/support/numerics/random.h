@@ -3,10 +3,29 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 
 namespace trelm {
+
+/// A normal deviate that is drawn, and worked out only where its value is asked for: one coordinate of a
+/// point within the unit circle, and the square of the point's distance from the centre, above 0 and below 1.
+struct NormalDraw {
+    double coordinate = 0.0, square = 1.0;
+
+    [[nodiscard]] double value() const { return coordinate * factor(); }
+    /// Root and logarithm, which the two deviates of a point share.
+    [[nodiscard]] double factor() const { return std::sqrt(-2.0 * std::log(square) / square); }
+    /// Whether scale * |value| is surely at most the limit. True for most that are: -ln s <= (1 / s - s) / 2
+    /// stands for the logarithm. Scale and limit are not below 0.
+    [[nodiscard]] bool isSurelyWithin(double limit, double scale) const
+    {
+        constexpr double roundings = 1.0 + 1e-9; // those of both sides, and of value(), are some 1e-15
+        const double size = scale * coordinate, bound = limit * square;
+        return size * size * (1.0 - square) * (1.0 + square) * roundings <= bound * bound;
+    }
+};
 
 /// What one user draws from: four generators, two of which share a seed.
 class RandomStream {
@@ -15,12 +34,27 @@ class RandomStream {
 
     /// Uniform deviate in 0 to 1, both ends included. Never seeded. TT800, period 2^800 - 1.
     /// Source: Matsumoto and Kurita, ACM Trans. Model. Comput. Simul. 4 (1994) 254, tempering of 1996.
-    double genrand();
+    double genrand()
+    {
+        if (tt800.next == Tt800::words)
+            tt800.fill();
+        return tt800.deviate[tt800.next++];
+    }
 
     /// Normal deviate, mean 0, standard deviation 1, on the numbers of genrand. Deviates come in pairs: the
     /// first is returned, the second is the result of the next call. Source: polar method of Box, Muller and
     /// Marsaglia.
     double gauss();
+
+    /// The same deviate, not yet worked out.
+    NormalDraw drawGauss()
+    {
+        if (stored.full) {
+            stored.full = false;
+            return stored.draw;
+        }
+        return drawPair();
+    }
 
     /// Uniform deviate, above 0 and below 1. A seed of 0 or below starts the sequence; afterwards the seed
     /// holds the generator's state. Seeds above 0 all start the same sequence, that of -1. Source: Park and
@@ -51,13 +85,15 @@ class RandomStream {
         std::size_t next = words;
         bool isFirst = true; ///< the words at the start are read before they are renewed
 
+        void fill();
         void renew();
         void temper();
     };
 
-    /// The second deviate of the last pair.
+    /// The second deviate of the last pair. The factor is 0 where nobody has asked for the first one's value.
     struct StoredDeviate {
-        double value = 0.0;
+        NormalDraw draw;
+        double factor = 0.0;
         bool full = false;
     };
 
@@ -80,6 +116,8 @@ class RandomStream {
 
         void fill(int seed);
     };
+
+    NormalDraw drawPair();
 
     int idum; ///< the seed of ran1 and ran3 in turns
     Tt800 tt800;

@@ -143,7 +143,7 @@ void wholeBestFit(benchmark::State &state)
         run.pdbInfo = Block<PDBInfo>("bench", 1);
         run.pdbInfo[0] = std::move(pdbInfo);
         if (!fitD(run.pdbInfo[0].coordinates(), dTab, 1, standardMessages()) ||
-            writeFit(run, dTab, standardMessages()) != Status::ok)
+            writeFit(run, dTab, "", standardMessages()) != Status::ok)
             return state.SkipWithError("the best-fit failed");
     }
     fs::remove_all(folder);

@@ -3,6 +3,7 @@
 #include "reference/electrostatic_reference.h"
 #include "simulation/alignment/alignment.h"
 #include "simulation/alignment/grid3d.h"
+#include "simulation/alignment/options.h"
 #include "simulation/obstacle/atom_selection.h"
 #include "simulation/obstacle/steric.h"
 #include "simulation/orientations/sphere.h"

@@ -2,6 +2,7 @@
 // sample. The plain form decomposes each time. And the cone angles of the structural noise: most draws are
 // seen to be none before they are worked out.
 #include "couplings/fit.h"
+#include "couplings/window.h"
 #include "errors/cone_noise.h"
 #include "reference/cone_reference.h"
 #include "structure/pdb.h"

@@ -2,6 +2,7 @@
 #include "command/run.h"
 #include "couplings/dipolar.h"
 #include "couplings/fit.h"
+#include "couplings/window.h"
 #include "modes/coupling_output.h"
 #include "structure/pdb.h"
 #include "support/text/table.h"

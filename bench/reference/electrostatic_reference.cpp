@@ -1,6 +1,7 @@
 #include "reference/electrostatic_reference.h"
 
 #include "reference/steric_reference.h"
+#include "simulation/alignment/options.h"
 #include "simulation/obstacle/steric.h"
 #include "simulation/orientations/rotation.h"
 #include "support/numerics/numbers.h"

@@ -6,6 +6,7 @@
 #include "compare/options.h"
 #include "couplings/dipolar.h"
 #include "couplings/options.h"
+#include "couplings/window.h"
 #include "errors/options.h"
 #include "magnitude/options.h"
 #include "modes/run_options.h"

@@ -2,6 +2,7 @@
 
 #include "couplings/interaction.h"
 #include "couplings/table_checks.h"
+#include "couplings/window.h"
 #include "structure/atom_columns.h"
 #include "support/text/table.h"
 #include "support/text/text.h"

@@ -3,7 +3,6 @@
 
 #include "couplings/fit_work.h"
 #include "couplings/formats/archive.h"
-#include "couplings/options.h"
 #include "couplings/row_names.h"
 #include "couplings/table_finding.h"
 #include "ground/alloc.h"
@@ -22,6 +21,8 @@
 #include <vector>
 
 namespace trelm {
+
+enum WindowKind : int;
 
 constexpr int maxPairAtoms = 9; ///< atoms on one side of a coupling
 

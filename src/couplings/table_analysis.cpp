@@ -1,5 +1,6 @@
 #include "couplings/table_analysis.h"
 
+#include "couplings/options.h"
 #include <algorithm>
 #include <cmath>
 

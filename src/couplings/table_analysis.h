@@ -2,7 +2,6 @@
 #pragma once
 
 #include "couplings/dipolar.h"
-#include "couplings/options.h"
 #include "couplings/statistics.h"
 #include "couplings/tensor.h"
 #include "ground/messages.h"
@@ -10,6 +9,8 @@
 #include <optional>
 
 namespace trelm {
+
+struct FitOptions;
 
 /// Statistics of the rows, and the tensor in all its forms.
 struct TableAnalysis {

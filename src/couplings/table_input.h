@@ -3,7 +3,7 @@
 
 #include "couplings/dipolar.h"
 #include "couplings/formats/take.h"
-#include "couplings/options.h"
+#include "couplings/window.h"
 
 #include <string>
 #include <string_view>

@@ -1,5 +1,6 @@
 #include "errors/cone_noise.h"
 
+#include "couplings/window.h"
 #include "structure/backbone.h"
 #include "support/numerics/numbers.h"
 #include "support/numerics/random.h"

@@ -1,5 +1,6 @@
 #include "errors/structural_noise.h"
 
+#include "couplings/options.h"
 #include "couplings/statistics.h"
 #include "support/numerics/numbers.h"
 

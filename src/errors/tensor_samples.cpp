@@ -1,5 +1,6 @@
 #include "errors/tensor_samples.h"
 
+#include "couplings/options.h"
 #include "couplings/statistics.h"
 #include "simulation/orientations/rotation.h"
 #include "support/numerics/numbers.h"

@@ -3,7 +3,6 @@
 
 #include "couplings/dipolar.h"
 #include "couplings/fit.h"
-#include "couplings/options.h"
 #include "couplings/tensor.h"
 #include "ground/alloc.h"
 #include "ground/messages.h"
@@ -14,6 +13,8 @@
 #include <vector>
 
 namespace trelm {
+
+struct FitOptions;
 
 constexpr int maxSamples = 11000; ///< tensors that are kept; the averages cover later ones too
 

@@ -3,6 +3,7 @@
 #include "assignment/assigned_rows.h"
 #include "assignment/assignment.h"
 #include "assignment/certainty.h"
+#include "couplings/options.h"
 #include "modes/coupling_output.h"
 #include "report/assignment_table.h"
 #include "support/text/output_file.h"

@@ -1,5 +1,6 @@
 #include "modes/best_fit.h"
 
+#include "couplings/options.h"
 #include "couplings/quality.h"
 #include "modes/coupling_output.h"
 #include "report/quality_text.h"

@@ -3,6 +3,7 @@
 #include "compare/convert.h"
 #include "compare/coupling_sets.h"
 #include "compare/order_matrices.h"
+#include "couplings/options.h"
 #include "couplings/saupe_input.h"
 #include "couplings/table_input.h"
 #include "modes/coupling_output.h"

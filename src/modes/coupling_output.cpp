@@ -1,5 +1,6 @@
 #include "modes/coupling_output.h"
 
+#include "couplings/options.h"
 #include "report/output.h"
 #include "structure/write.h"
 #include "support/text/output_file.h"

@@ -5,6 +5,7 @@
 #include "couplings/formats/placement.h"
 #include "couplings/lost_rows.h"
 #include "couplings/name_mapping.h"
+#include "couplings/options.h"
 #include "couplings/quality.h"
 #include "couplings/table_checks.h"
 #include "couplings/table_input.h"

@@ -1,5 +1,6 @@
 #include "modes/ensemble.h"
 
+#include "couplings/options.h"
 #include "couplings/statistics.h"
 #include "couplings/tensor.h"
 #include "modes/coupling_output.h"
@@ -7,6 +8,7 @@
 #include "report/output.h"
 #include "report/run_report.h"
 #include "simulation/alignment/alignment.h"
+#include "simulation/alignment/options.h"
 #include "simulation/charges/field.h"
 #include "simulation/domains/domains.h"
 #include "simulation/domains/ensemble.h"

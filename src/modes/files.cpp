@@ -1,5 +1,6 @@
 #include "modes/files.h"
 
+#include "couplings/options.h"
 #include "support/text/file_identity.h"
 #include "support/text/output_file.h"
 

@@ -2,6 +2,7 @@
 
 #include "couplings/formats/placement.h"
 #include "couplings/name_mapping.h"
+#include "couplings/options.h"
 #include "couplings/table_input.h"
 #include "modes/doubts.h"
 #include "modes/reading.h"

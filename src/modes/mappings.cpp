@@ -1,5 +1,6 @@
 #include "modes/mappings.h"
 
+#include "couplings/options.h"
 #include "errors/coupling_noise.h"
 #include "errors/jackknife.h"
 #include "errors/mapping_text.h"

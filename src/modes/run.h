@@ -2,7 +2,7 @@
 #pragma once
 
 #include "couplings/dipolar.h"
-#include "couplings/options.h"
+#include "couplings/window.h"
 #include "ground/alloc.h"
 #include "ground/messages.h"
 #include "modes/run_options.h"

@@ -1,11 +1,13 @@
 #include "modes/simulation.h"
 
 #include "couplings/fit.h"
+#include "couplings/options.h"
 #include "couplings/tensor.h"
 #include "modes/coupling_output.h"
 #include "simulation/alignment/alignment.h"
 #include "simulation/alignment/face.h"
 #include "simulation/alignment/free_format.h"
+#include "simulation/alignment/options.h"
 #include "simulation/charges/charges.h"
 #include "simulation/charges/field.h"
 #include "simulation/domains/config.h"

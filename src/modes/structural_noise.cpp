@@ -1,5 +1,6 @@
 #include "modes/structural_noise.h"
 
+#include "couplings/options.h"
 #include "errors/cone_noise.h"
 #include "structure/write.h"
 

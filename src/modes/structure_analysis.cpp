@@ -1,9 +1,11 @@
 #include "modes/structure_analysis.h"
 
 #include "compare/options.h"
+#include "couplings/options.h"
 #include "modes/coupling_output.h"
 #include "modes/simulation.h"
 #include "report/structure_report.h"
+#include "simulation/alignment/options.h"
 #include "simulation/charges/charge_labels.h"
 #include "structure/write.h"
 #include "support/text/output_file.h"

@@ -5,6 +5,7 @@
 #include "magnitude/options.h"
 #include "magnitude/results.h"
 #include "simulation/alignment/alignment.h"
+#include "simulation/alignment/options.h"
 #include "support/numerics/numbers.h"
 #include "support/text/text.h"
 

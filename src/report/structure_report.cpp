@@ -1,6 +1,7 @@
 #include "report/structure_report.h"
 
 #include "compare/options.h"
+#include "couplings/options.h"
 #include "report/output.h"
 #include "report/run_report.h"
 #include "support/numerics/numbers.h"

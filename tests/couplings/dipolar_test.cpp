@@ -1,5 +1,6 @@
 #include "couplings/dipolar.h"
 #include "couplings/interaction.h"
+#include "couplings/window.h"
 
 #include "common/heard.h"
 #include "common/said.h"

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "couplings/dipolar.h"
+#include "couplings/window.h"
 
 #include <gtest/gtest.h>
 

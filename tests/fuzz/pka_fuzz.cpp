@@ -2,6 +2,7 @@
 #include "fuzz_input.h"
 
 #include "simulation/charges/charge_file.h"
+#include "simulation/charges/options.h"
 
 #include <array>
 #include <cmath>

@@ -2,6 +2,7 @@
 #include "fuzz_input.h"
 
 #include "simulation/charges/field_energy.h"
+#include "simulation/charges/options.h"
 #include "simulation/charges/potential.h"
 
 #include <cmath>

@@ -2,6 +2,7 @@
 #include "fuzz_input.h"
 
 #include "couplings/dipolar.h"
+#include "couplings/window.h"
 #include "support/text/table.h"
 
 #include <cmath>

@@ -2,6 +2,7 @@
 
 #include "common/said.h"
 #include "simulation/charges/charge_tables.h"
+#include "simulation/charges/options.h"
 #include "simulation/molecules.h"
 #include "support/text/text.h"
 

@@ -5,6 +5,7 @@
 #include "reference/electrostatic_reference.h"
 #include "simulation/alignment/alignment.h"
 #include "simulation/alignment/grid3d.h"
+#include "simulation/alignment/options.h"
 #include "simulation/charges/potential.h"
 #include "simulation/molecules.h"
 #include "simulation/obstacle/steric.h"

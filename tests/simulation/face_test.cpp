@@ -2,6 +2,7 @@
 #include "simulation/alignment/face.h"
 
 #include "common/said.h"
+#include "simulation/alignment/options.h"
 #include "simulation/charges/charge_labels.h"
 #include "simulation/charges/dipole.h"
 #include "simulation/charges/field.h"

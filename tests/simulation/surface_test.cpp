@@ -4,6 +4,7 @@
 #include "reference/surface_reference.h"
 #include "simulation/molecules.h"
 #include "simulation/obstacle/atom_selection.h"
+#include "simulation/obstacle/solute_options.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,6 +2,7 @@
 
 #include "simulation/alignment/electrostatic.h"
 #include "simulation/alignment/grid3d.h"
+#include "simulation/alignment/options.h"
 #include "simulation/orientations/sphere.h"
 #include "support/numerics/numbers.h"
 #include "support/text/text.h"

@@ -12,6 +12,9 @@
 
 namespace trelm {
 
+struct AlignmentOptions;
+struct ObstacleOptions;
+
 /// What the composition of a sample makes of its particles. Lengths in angstrom.
 struct SampleGeometry {
     float rSingleCell = 0.0f;  ///< from the middle plane of a wall to the edge of its cell

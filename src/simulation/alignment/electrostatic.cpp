@@ -1,6 +1,7 @@
 #include "simulation/alignment/electrostatic.h"
 
 #include "ground/out_of_memory.h"
+#include "simulation/alignment/options.h"
 #include "simulation/charges/field_energy.h"
 #include "simulation/obstacle/position_grid.h"
 #include "simulation/obstacle/rod.h"

@@ -1,6 +1,7 @@
 #include "simulation/alignment/face.h"
 
 #include "simulation/alignment/alignment.h"
+#include "simulation/alignment/options.h"
 #include "simulation/charges/charge_labels.h"
 #include "simulation/charges/field.h"
 #include "simulation/obstacle/steric.h"

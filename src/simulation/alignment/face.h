@@ -3,7 +3,6 @@
 
 #include "couplings/euler.h"
 #include "ground/messages.h"
-#include "simulation/alignment/options.h"
 #include "simulation/charges/charges.h"
 #include "simulation/charges/potential.h"
 #include "simulation/obstacle/atom_selection.h"
@@ -12,6 +11,8 @@
 #include <string>
 
 namespace trelm {
+
+struct AlignmentOptions;
 
 /// The Boltzmann weight of the molecule as it stands, its geometric centre iFace angstrom from the surface:
 /// of a wall in the plane z = 0 or of a rod along x, on the side of the molecule's negative z. Multiplies the

@@ -2,6 +2,7 @@
 
 #include "ground/alloc.h"
 #include "simulation/alignment/alignment.h"
+#include "simulation/alignment/options.h"
 #include "simulation/orientations/sphere.h"
 #include "support/text/text.h"
 #include "support/text/text_input.h"

@@ -3,12 +3,13 @@
 
 #include "couplings/tensor.h"
 #include "ground/messages.h"
-#include "simulation/alignment/options.h"
 #include "simulation/obstacle/atom_selection.h"
 
 #include <string>
 
 namespace trelm {
+
+struct AlignmentOptions;
 
 constexpr int maxFreeAtoms = 4999; ///< a file that reaches this number is refused
 

@@ -1,6 +1,7 @@
 #include "simulation/alignment/grid3d.h"
 
 #include "simulation/alignment/electrostatic.h"
+#include "simulation/alignment/options.h"
 #include "simulation/orientations/rotation.h"
 #include "support/numerics/numbers.h"
 

@@ -13,6 +13,8 @@
 
 namespace trelm {
 
+struct Grid3DOptions;
+
 /// A grid: counts and spacings (angstrom) along x, y, z, and the planes in use along z, counted from 1. The
 /// points are stored z fastest, then y, then x.
 struct Grid3D {

@@ -3,6 +3,7 @@
 
 #include "simulation/charges/options.h"
 #include "simulation/obstacle/options.h"
+#include "simulation/obstacle/solute_options.h"
 #include "simulation/orientations/options.h"
 
 namespace trelm {

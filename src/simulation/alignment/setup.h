@@ -2,11 +2,12 @@
 #pragma once
 
 #include "ground/messages.h"
-#include "simulation/alignment/options.h"
 
 #include <span>
 
 namespace trelm {
+
+struct AlignmentOptions;
 
 struct AlignmentSetup {
     const AlignmentOptions &options;

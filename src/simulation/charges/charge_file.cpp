@@ -1,6 +1,7 @@
 #include "simulation/charges/charge_file.h"
 
 #include "simulation/charges/charge_tables.h"
+#include "simulation/charges/options.h"
 #include "support/text/text.h"
 #include "support/text/text_input.h"
 #include "support/text/token.h"

@@ -2,6 +2,7 @@
 
 #include "simulation/charges/charge_file.h"
 #include "simulation/charges/charge_tables.h"
+#include "simulation/charges/options.h"
 #include "support/text/output_file.h"
 #include "support/text/text.h"
 

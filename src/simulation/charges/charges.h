@@ -2,13 +2,14 @@
 #pragma once
 
 #include "ground/messages.h"
-#include "simulation/charges/options.h"
 #include "structure/select.h"
 
 #include <span>
 #include <string>
 
 namespace trelm {
+
+struct ChargeOptions;
 
 constexpr int maxCharges = 1200; ///< of a simulation
 

@@ -1,5 +1,6 @@
 #include "simulation/charges/field.h"
 
+#include "simulation/charges/options.h"
 #include "support/numerics/numbers.h"
 #include "support/text/text.h"
 

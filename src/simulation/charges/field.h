@@ -4,9 +4,10 @@
 #pragma once
 
 #include "ground/messages.h"
-#include "simulation/charges/options.h"
 
 namespace trelm {
+
+struct FieldOptions;
 
 struct FieldConstants {
     float rho = 0.0f;            ///< ion pairs per cubic nanometre

@@ -1,5 +1,6 @@
 #include "simulation/charges/potential.h"
 
+#include "simulation/charges/options.h"
 #include "support/text/progress.h"
 #include "support/text/text.h"
 #include "support/text/text_input.h"

@@ -3,12 +3,13 @@
 
 #include "ground/alloc.h"
 #include "ground/messages.h"
-#include "simulation/charges/options.h"
 
 #include <cstddef>
 #include <string>
 
 namespace trelm {
+
+struct Grid3DOptions;
 
 constexpr int maxPotentialLines = 9999; ///< a table that reaches this number of lines is refused
 

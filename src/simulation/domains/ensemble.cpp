@@ -2,6 +2,7 @@
 
 #include "couplings/fit.h"
 #include "simulation/alignment/alignment.h"
+#include "simulation/alignment/options.h"
 #include "simulation/domains/domains.h"
 #include "simulation/orientations/rotation.h"
 #include "simulation/orientations/sphere.h"

@@ -1,5 +1,6 @@
 #include "simulation/domains/structure_analysis.h"
 
+#include "couplings/options.h"
 #include "simulation/domains/inertia.h"
 #include "simulation/orientations/rotation.h"
 #include "support/numerics/numbers.h"

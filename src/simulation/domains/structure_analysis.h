@@ -1,7 +1,6 @@
 // One structure by itself: its axes, its charges, and how it lies to an order matrix.
 #pragma once
 
-#include "couplings/options.h"
 #include "couplings/tensor.h"
 #include "ground/messages.h"
 #include "simulation/charges/dipole.h"
@@ -10,6 +9,8 @@
 #include <array>
 
 namespace trelm {
+
+struct FitOptions;
 
 /// What is analysed: the atoms of `chosen.mask`, or with `isCharged` the charges among `chosen.atoms`.
 struct StructureInput {

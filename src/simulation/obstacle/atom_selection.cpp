@@ -1,6 +1,7 @@
 #include "simulation/obstacle/atom_selection.h"
 
 #include "simulation/charges/dipole.h"
+#include "simulation/obstacle/solute_options.h"
 #include "simulation/obstacle/surface.h"
 #include "support/text/text.h"
 

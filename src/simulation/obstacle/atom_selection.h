@@ -5,7 +5,6 @@
 #include "ground/messages.h"
 #include "simulation/charges/charges.h"
 #include "simulation/charges/dipole.h"
-#include "simulation/obstacle/options.h"
 #include "structure/select.h"
 
 #include <optional>
@@ -13,6 +12,8 @@
 #include <vector>
 
 namespace trelm {
+
+struct SoluteOptions;
 
 /// Coordinates of a simulation, angstrom, counted from 0.
 struct CoordinateBuffers {

@@ -1,7 +1,5 @@
-// The liquid crystal, and the part of the molecule that it meets.
+// The liquid crystal.
 #pragma once
-
-#include "simulation/charges/options.h"
 
 namespace trelm {
 
@@ -25,14 +23,5 @@ struct ObstacleOptions {
     float lengthModel = 200.0f;  ///< length of the model, angstrom
     float orderDiscRim = 0.25f;  ///< disc-to-rim fraction
 };
-
-/// The atoms of a simulation.
-struct AtomOptions {
-    int Hflag = 0;    ///< 0 drops hydrogens from the simple PDB selection
-    int surfFlag = 1; ///< select surface accessible atoms
-};
-
-/// What of a molecule is simulated.
-struct SoluteOptions : AtomOptions, ChargeOptions {};
 
 } // namespace trelm

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <utility>
 
 namespace trelm {
@@ -10,17 +11,46 @@ namespace {
 constexpr double supportSlack = 1e-12; ///< what rounding can take from a support, as a part of it
 constexpr double dataSlack = 1e-11;    ///< and from a score, as a part of D
 
+/// One coupling a peak: the best assignment has slopes and terms in the same order. Source: Hardy,
+/// Littlewood, Polya, Inequalities (1934), theorem 368. Returns its cost.
+double solveBySorting(Corners &corners, const TensorVector &v)
+{
+    const TensorProblem &problem = corners.standing.problem;
+    projectTerms(problem, v, corners.costs.projections);
+    const std::span<const double> terms = corners.costs.projections;
+    if (corners.risingPeaks.empty()) {
+        corners.risingPeaks.resize(problem.size);
+        std::iota(corners.risingPeaks.begin(), corners.risingPeaks.end(), 0);
+        std::ranges::stable_sort(corners.risingPeaks, {}, [&](int peak) { return problem.slope[peak]; });
+        corners.risingRows = corners.risingPeaks;
+    }
+    std::ranges::sort(corners.risingRows, {}, [&](int row) { return terms[row]; });
+    corners.assignment.columnOf.resize(problem.size);
+    double cost = 0.0;
+    for (std::size_t k = 0; k < problem.size; ++k) {
+        corners.assignment.columnOf[corners.risingPeaks[k]] = corners.risingRows[k];
+        cost -= problem.slope[corners.risingPeaks[k]] * terms[corners.risingRows[k]];
+    }
+    return cost;
+}
+
 /// The best assignment in the direction of a corner. Returns its value.
 double solveCorner(Corners &corners, std::uint32_t corner, double tau)
 {
     const TensorProblem &problem = corners.standing.problem;
     const TensorVector &v = corners.list[corner].v;
-    pairCosts(problem, v, tau, corners.costs);
-    float *const kept = &corners.prices[corner * problem.stride];
-    corners.priceWork.assign(kept, kept + problem.stride);
-    const double cost =
-        solveAssignment(corners.costs.costs, problem.size, corners.priceWork, corners.assignment);
-    std::ranges::transform(corners.priceWork, kept, [](double price) { return static_cast<float>(price); });
+    double cost = 0.0;
+    if (problem.columns == 1 && !problem.hasPartial() && problem.barrier.empty() &&
+        corners.alternatives == nullptr) {
+        cost = solveBySorting(corners, v);
+    } else {
+        pairCosts(problem, v, tau, corners.costs);
+        float *const kept = &corners.prices[corner * problem.stride];
+        corners.priceWork.assign(kept, kept + problem.stride);
+        cost = solveAssignment(corners.costs.costs, problem.size, corners.priceWork, corners.assignment);
+        std::ranges::transform(corners.priceWork, kept,
+                               [](double price) { return static_cast<float>(price); });
+    }
     const double support = dot(problem.fixed, v) - cost;
     return support + supportSlack * (std::fabs(support) + corners.standing.length);
 }

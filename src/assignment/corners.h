@@ -77,6 +77,7 @@ struct Corners {
     PairCosts costs = {};
     AssignmentWork assignment = {};
     std::vector<double> priceWork = {};
+    std::vector<int> risingPeaks = {}, risingRows = {}; ///< one coupling a peak: in the order of their values
 };
 
 /// A corner in direction x. Its prices begin with the mean of those of two corners, if they are given.

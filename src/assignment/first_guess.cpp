@@ -181,9 +181,10 @@ void guessByTensors(Standing &standing)
     AssignmentWork work;
     std::vector<double> prices(problem.stride, 0.0);
     std::vector<int> rowOf;
-    Hits hits = {.enough = 1 + problem.size / peaksPerHit};
-    const std::size_t starts = fewestStarts + startsPerPeak * problem.size;
-    for (std::size_t start = 0; start < starts && goesOn(hits); ++start) {
+    // The search finds better ones soon.
+    constexpr std::size_t enough = 2;
+    Hits hits = {.enough = enough};
+    for (std::size_t start = 0; start < fewestStarts && goesOn(hits); ++start) {
         TensorVector x = tensorOf(problem, randomTensor(standing.space.problem, engine));
         const Candidate before = standing.best;
         rowOf.clear();

@@ -94,27 +94,52 @@ void listPairs(const ReducedCosts &reduced, NearWalk &walk)
     }
 }
 
+/// What the pairs so far cost above the best, and their part of A.
+struct WalkSums {
+    FiveValues excess = {};
+    TensorVector sum = {};
+};
+
+WalkSums withPair(const TensorProblem &problem, const WalkSums &sums, std::size_t peak, const NearPair &pair)
+{
+    WalkSums next = sums;
+    for (std::size_t i = 0; i < saupeCount; ++i)
+        next.excess[i] += pair.excess[i];
+    for (std::size_t column = 0; column < problem.columns; ++column)
+        for (std::size_t k = 0; k < saupeCount; ++k)
+            next.sum[k] += problem.slope[problem.cell(peak, column)] * problem.termsOf(column, k)[pair.row];
+    return next;
+}
+
+/// Considers a whole assignment.
+void considerWalk(const NearWalk &walk, const WalkSums &sums)
+{
+    const TensorProblem &problem = walk.standing.problem;
+    if (!problem.hasPartial() &&
+        problem.data - dot(sums.sum, sums.sum) > walk.standing.limit + 1e-9 * problem.data)
+        return;
+    consider(walk.standing, fitTensor(problem, walk.rowOf), walk.rowOf);
+}
+
 /// Goes on from the peaks before. Returns false if there have been too many steps.
-bool walkOn(NearWalk &walk, std::size_t depth, const FiveValues &excess)
+bool walkOn(NearWalk &walk, std::size_t depth, const WalkSums &sums)
 {
     if (++walk.steps > walk.mostSteps || InterruptGuard::isInterrupted())
         return false;
     if (depth == walk.peaks.size()) {
-        consider(walk.standing, fitTensor(walk.standing.problem, walk.rowOf), walk.rowOf);
+        considerWalk(walk, sums);
         return true;
     }
     const int peak = walk.peaks[depth];
     for (const NearPair &pair : walk.pairs[peak]) {
         if (walk.isTaken[pair.row] != 0)
             continue;
-        FiveValues sum;
-        for (std::size_t i = 0; i < saupeCount; ++i)
-            sum[i] = excess[i] + pair.excess[i];
-        if (leastOf(sum) > walk.margin)
+        const WalkSums next = withPair(walk.standing.problem, sums, static_cast<std::size_t>(peak), pair);
+        if (leastOf(next.excess) > walk.margin)
             continue;
         walk.rowOf[peak] = pair.row;
         walk.isTaken[pair.row] = 1;
-        const bool isDone = walkOn(walk, depth + 1, sum);
+        const bool isDone = walkOn(walk, depth + 1, next);
         walk.isTaken[pair.row] = 0;
         if (!isDone)
             return false;
@@ -148,7 +173,7 @@ bool considerNear(Standing &standing, const ReducedCosts &reduced, std::span<con
     std::ranges::stable_sort(walk.peaks, {}, [&](int peak) { return walk.pairs[peak].size(); });
     walk.rowOf.assign(standing.problem.size, -1);
     walk.isTaken.assign(standing.problem.size, 0);
-    return walkOn(walk, 0, {});
+    return walkOn(walk, 0, {.sum = standing.problem.fixed});
 }
 
 } // namespace trelm

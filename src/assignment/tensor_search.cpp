@@ -164,9 +164,11 @@ Verdict judge(Exploration &e, Cell &cell, CellView &view)
 double solveReduced(Exploration &e, std::uint32_t corner, std::vector<double> &reduced)
 {
     const TensorProblem &problem = e.standing.problem;
-    const auto kept = std::span(e.corners.prices).subspan(corner * problem.stride, problem.stride);
+    const std::span<float> kept =
+        std::span(e.corners.prices).subspan(corner * problem.stride, problem.stride);
     e.prices.assign(kept.begin(), kept.end());
     const double cost = solveAssignment(e.corners.costs.costs, problem.size, e.prices, e.corners.assignment);
+    std::ranges::transform(e.prices, kept.begin(), [](double price) { return static_cast<float>(price); });
     reduceCosts(e.corners.costs, problem, e.prices, reduced);
     return cost;
 }

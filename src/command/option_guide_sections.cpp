@@ -122,7 +122,7 @@ constexpr HelpBlock elMore[] = {
     {"Terms without Effect:", elTerms},
     {"Modes that End after Their Inputs:", inputModes},
 };
-constexpr HelpBlock exhaustBlocks[] = {{"How Sure, and How Strict:", exhaustMore}};
+constexpr HelpBlock certaintyBlocks[] = {{"How Sure, and How Strict:", exhaustMore}};
 constexpr HelpBlock gridMore[] = {{"", gridInput}};
 constexpr HelpBlock likelihoodMore[] = {{"The Pattern of the Search:", likelihoodPattern}};
 constexpr HelpBlock fitMore[] = {{"What the Fit is Worth, of a Single Fit:", fitWorth}};
@@ -148,7 +148,7 @@ constexpr GuideSection guideSectionRows[] = {
     {"Best-Fit, -bestFit", "bestfit.md", "ARGUMENTS FOR BEST-FIT (SVD/POWELL)", fitMore,
      needsHydrogens},
     {"Best-Fit without an Assignment, -bestFit -exhaust", "assignment.md",
-     "ARGUMENTS FOR UNASSIGNED BEST-FIT (exhSVD)", exhaustBlocks,
+     "ARGUMENTS FOR UNASSIGNED BEST-FIT (exhSVD)", certaintyBlocks,
      "Options of -bestFit that are linked below hold as well, its Other Options among them. Give -H as there."},
     {"Structural Noise, -struc", "errors.md", "ARGUMENTS FOR ADDITiON OF STRUCTURAL NOISE", {},
      needsHydrogens},

@@ -99,9 +99,9 @@ std::string reasonAgainst(const ArchiveRow &row)
 
 /// The pair of a row in one order of its atoms.
 using AtomKey = std::tuple<std::string_view, int, std::string_view, std::string_view>;
-using PairKey = std::pair<AtomKey, AtomKey>;
+using ArchivePairKey = std::pair<AtomKey, AtomKey>;
 
-PairKey keyOf(const ArchiveRow &row)
+ArchivePairKey keyOf(const ArchiveRow &row)
 {
     const auto key = [](const NamedAtom &atom) -> AtomKey {
         return {atom.chain.view(), atom.resID, atom.icode.view(), atom.atomName.view()};

@@ -1,4 +1,4 @@
-// Reading: large files, and a whole best-fit against the reading of its input.
+// Reading: large files, and a whole best-fit against the reading of its input. And numbers as text.
 #include "command/run.h"
 #include "couplings/dipolar.h"
 #include "couplings/fit.h"
@@ -6,13 +6,17 @@
 #include "modes/coupling_output.h"
 #include "structure/pdb.h"
 #include "support/text/table.h"
+#include "support/text/text.h"
 
 #include <benchmark/benchmark.h>
 
+#include <cmath>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -150,5 +154,41 @@ void wholeBestFit(benchmark::State &state)
     fs::remove_all(folder);
 }
 BENCHMARK(wholeBestFit)->Unit(benchmark::kMicrosecond);
+
+/// A million numbers as the lines of samples have them, against printf: the range of orders, angles and
+/// couplings.
+void numbersAsText(benchmark::State &state, bool plain)
+{
+    std::mt19937 engine(3);
+    std::normal_distribution<double> normal(0.0, 1.0);
+    std::vector<double> values(1'000'000);
+    for (std::size_t i = 0; i < values.size(); ++i)
+        values[i] = normal(engine) * std::pow(10.0, static_cast<int>(i % 13) - 8);
+    std::string fast, printed;
+    for (const double value : values) {
+        fast.clear();
+        printed.clear();
+        appendScientific(fast, value, 6, SignPlace::none);
+        appendFixed(fast, value, 9, 3, SignPlace::blank);
+        appendf(printed, "%e% 9.3f", value, value);
+        if (fast != printed)
+            return state.SkipWithError("differs from printf");
+    }
+    std::size_t i = 0;
+    for (auto step : state) {
+        const double value = values[i++ % values.size()];
+        fast.clear();
+        if (plain) {
+            appendf(fast, "%e", value);
+            appendf(fast, "% 9.3f", value);
+        } else {
+            appendScientific(fast, value, 6, SignPlace::none);
+            appendFixed(fast, value, 9, 3, SignPlace::blank);
+        }
+        benchmark::DoNotOptimize(fast);
+    }
+}
+BENCHMARK_CAPTURE(numbersAsText, fast, false);
+BENCHMARK_CAPTURE(numbersAsText, plain, true);
 
 } // namespace

@@ -23,6 +23,17 @@ MapPoint mapPoint(const Matrix3d &eigVec, std::size_t column)
     return {std::cos(lambda) * phi, lambda, std::cos(lambda) * opposite};
 }
 
+// A line of a sample is written thousands of times, so these two stand for %e and %f.
+void appendReal(std::string &text, double value)
+{
+    appendScientific(text, value, 6, SignPlace::none);
+}
+
+void appendPlace(std::string &text, double value)
+{
+    appendFixed(text, value, 0, 6, SignPlace::none);
+}
+
 void appendFour(std::string &text, const char *label, const std::array<double, 4> &values)
 {
     appendf(text, "DATA STATISTICS MAPPING %s% .4e % .4e % .4e % .4e\n", label, values[0], values[1],
@@ -54,42 +65,52 @@ std::string magnitudeLine(const CountedSample &sample)
 {
     const TensorAnalysis &analysis = sample.analysis;
     std::string text;
-    appendf(text, "%6d  %e  %.3f   %9.3f   %9.3f\n", sample.n, analysis.da * amideHertz,
-            analysis.dr / analysis.da, number(sample.rSum), number(sample.pSum));
-    return text;
+    appendInt(text, sample.n, 6);
+    appendReal(text += "  ", analysis.da * amideHertz);
+    appendFixed(text += "  ", analysis.dr / analysis.da, 0, 3, SignPlace::none);
+    appendFixed(text += "   ", number(sample.rSum), 9, 3, SignPlace::none);
+    appendFixed(text += "   ", number(sample.pSum), 9, 3, SignPlace::none);
+    return text += '\n';
 }
 
 std::string axesLines(const CountedSample &sample)
 {
-    std::string text;
+    std::string text, opposite;
     for (std::size_t k = 0; k < 3; ++k) {
         const MapPoint point = mapPoint(sample.analysis.eigVec, k);
-        appendf(text, "  %f       %f%s", point.x, point.y, k < 2 ? "  " : "\n");
+        const char *const end = k < 2 ? "  " : "\n";
+        appendPlace(text += "  ", point.x);
+        appendPlace(text += "       ", point.y);
+        text += end;
+        appendPlace(opposite += ' ', point.xOpposite);
+        appendPlace(opposite += '\t', -point.y);
+        opposite += end;
     }
-    for (std::size_t k = 0; k < 3; ++k) {
-        const MapPoint point = mapPoint(sample.analysis.eigVec, k);
-        appendf(text, " %f\t%f%s", point.xOpposite, -point.y, k < 2 ? "  " : "\n");
-    }
-    return text;
+    return text += opposite;
 }
 
 std::string anglesLine(const TensorSamples &samples, std::size_t i)
 {
     const SampleDeviation &deviation = samples.deviations[i];
     std::string text;
-    appendf(text, "%5d   %8.3f %8.3f %8.3f       %8.3f       %e\n", static_cast<int>(i),
-            deviation.axes[0] * 180.0 / pi, deviation.axes[1] * 180.0 / pi, deviation.axes[2] * 180.0 / pi,
-            number(deviation.angle5d), number(deviation.collinearity));
-    return text;
+    appendInt(text, static_cast<int>(i), 5);
+    text += "  ";
+    for (const double angle : deviation.axes)
+        appendFixed(text += ' ', angle * 180.0 / pi, 8, 3, SignPlace::none);
+    appendFixed(text += "       ", number(deviation.angle5d), 8, 3, SignPlace::none);
+    appendReal(text += "       ", number(deviation.collinearity));
+    return text += '\n';
 }
 
 std::string saupeLine(const TensorSamples &samples, std::size_t i, const char *gap)
 {
-    const Saupe &saupe = samples.store[i];
     std::string text;
-    appendf(text, "%5d%s%e  %e  %e  %e  %e\n", static_cast<int>(i), gap, saupe[0], saupe[1], saupe[2],
-            saupe[3], saupe[4]);
-    return text;
+    appendInt(text, static_cast<int>(i), 5);
+    for (const double element : samples.store[i]) {
+        appendReal(text += gap, element);
+        gap = "  ";
+    }
+    return text += '\n';
 }
 
 std::string mappingReport(const TensorSamples &samples)

@@ -1,3 +1,4 @@
+#include "support/numerics/numbers.h"
 #include "support/text/text.h"
 
 #include "common/heard.h"
@@ -78,31 +79,50 @@ TEST(TextInput, LinesWithAndWithoutTheLastNewline)
 TEST(Text, NumbersAreThoseOfPrintf)
 {
     std::mt19937 engine(11);
-    std::vector<float> values = {0.0f,
-                                 -0.0f,
-                                 -0.0004f,
-                                 0.0005f,
-                                 0.0625f,
-                                 0.125f,
-                                 2.5f,
-                                 999.9995f,
-                                 1e9f,
-                                 -3e30f,
-                                 std::numeric_limits<float>::infinity(),
-                                 -std::nanf("")};
-    std::uniform_real_distribution<float> exponent(-6.0f, 10.0f);
-    for (int i = 0; i < 20000; ++i)
-        values.push_back((i % 2 == 0 ? 1.0f : -1.0f) * std::pow(10.0f, exponent(engine)));
-    for (int i = 0; i < 20000; ++i)
-        values.push_back(static_cast<float>(i) / 1024.0f); // many of them half-way between two prints
-    for (const float value : values)
-        for (const auto &[width, decimals] : {std::pair{8, 3}, {6, 2}, {0, 2}, {9, 4}, {5, 0}, {60, 1}}) {
+    std::vector<double> values = {0.0,
+                                  -0.0,
+                                  -0.0004,
+                                  0.0005,
+                                  0.0625,
+                                  0.125,
+                                  2.5,
+                                  999.9995,
+                                  0.9999995,
+                                  999999.95,
+                                  1e9,
+                                  -3e30,
+                                  1e22,
+                                  9.9e-15,
+                                  5e-324,
+                                  1.5e-300,
+                                  1.7e308,
+                                  1e-5,
+                                  1e15,
+                                  123456.5,
+                                  0.1499999999999999944,
+                                  0.15000000000000002,
+                                  std::numeric_limits<double>::infinity(),
+                                  -std::nan("")};
+    std::uniform_real_distribution<double> exponent(-18.0, 24.0);
+    for (int i = 0; i < 4000; ++i) {
+        const double value = (i % 2 == 0 ? 1.0 : -1.0) * std::pow(10.0, exponent(engine));
+        values.insert(values.end(), {value, number(static_cast<float>(value))});
+    }
+    for (int i = 0; i < 4000; ++i)
+        values.push_back(i / 1024.0);            // many of them half-way between two prints
+    for (int power = -16; power < 24; ++power) { // powers of ten, and their neighbours
+        const double value = std::pow(10.0, power);
+        values.insert(values.end(), {value, std::nextafter(value, 0.0), std::nextafter(value, 1e300)});
+    }
+    for (const double value : values)
+        for (const auto &[width, decimals] : {std::pair{8, 3}, {6, 2}, {0, 6}, {9, 4}, {5, 0}, {60, 1}}) {
             std::string plain, fast;
-            appendf(plain, "%*.*f % *.*f", width, decimals, static_cast<double>(value), width, decimals,
-                    static_cast<double>(value));
+            appendf(plain, "%*.*f % *.*f %.*e % .*e", width, decimals, value, width, decimals, value,
+                    decimals, value, decimals, value);
             appendFixed(fast, value, static_cast<std::size_t>(width), decimals, SignPlace::none);
-            fast += ' ';
-            appendFixed(fast, value, static_cast<std::size_t>(width), decimals, SignPlace::blank);
+            appendFixed(fast += ' ', value, static_cast<std::size_t>(width), decimals, SignPlace::blank);
+            appendScientific(fast += ' ', value, decimals, SignPlace::none);
+            appendScientific(fast += ' ', value, decimals, SignPlace::blank);
             ASSERT_EQ(fast, plain);
         }
     for (const int value : {0, 7, -7, 123456, INT_MAX, INT_MIN}) {

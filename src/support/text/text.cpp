@@ -65,7 +65,7 @@ namespace {
 
 /// A number under construction, from its last character to its first.
 struct NumberText {
-    std::array<char, 24> text; // ten digits, a point, four digits, a sign
+    std::array<char, 24> text; // ten digits, a point, an exponent, signs
     char *place = text.data() + text.size();
 
     void put(char c) { *--place = c; }
@@ -88,35 +88,86 @@ void appendInt(std::string &text, int value, std::size_t width)
     appendRight(text, number.view(), width);
 }
 
-void appendFixed(std::string &text, float value, std::size_t width, int decimals, SignPlace sign)
+namespace {
+
+/// Powers that a double holds exactly: a product with one of them, and a quotient, is rounded once.
+constexpr std::array<double, 23> powersOfTen = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                                1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                                1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
+constexpr double powerOfTen(int exponent)
 {
-    constexpr std::array<std::uint64_t, 5> powers = {1, 10, 100, 1000, 10000};
-    constexpr float largest = 1e9f;
-    const bool blank = sign == SignPlace::blank;
-    if (decimals < 1 || decimals > 4 || !(std::abs(value) < largest)) {
-        appendf(text, blank ? "% *.*f" : "%*.*f", static_cast<int>(width), decimals,
-                static_cast<double>(value));
-        return;
-    }
-    // The product is exact (24 bits times 14), and so is what is behind its point: rounded to even, this is
-    // what printf makes of all digits.
-    const std::uint64_t power = powers[static_cast<std::size_t>(decimals)];
-    const double product = std::abs(static_cast<double>(value)) * static_cast<double>(power);
-    auto scaled = static_cast<std::uint64_t>(product);
-    const double behind = product - static_cast<double>(scaled);
-    if (behind > 0.5 || (behind == 0.5 && scaled % 2 == 1))
-        ++scaled;
-    NumberText number;
-    std::uint64_t fraction = scaled % power;
-    for (int i = 0; i < decimals; ++i, fraction /= 10)
-        number.put(static_cast<char>('0' + fraction % 10));
+    return powersOfTen[static_cast<std::size_t>(exponent)];
+}
+
+/// Finds the integer nearest to a product, unless the product's own rounding may decide it: then false.
+bool roundSurely(double product, std::uint64_t &nearest)
+{
+    constexpr double largest = 1e9, margin = 1e-6; // the product is off by 6e-8 at most
+    if (!(product < largest))
+        return false;
+    nearest = static_cast<std::uint64_t>(product);
+    const double behind = product - static_cast<double>(nearest) - 0.5;
+    nearest += behind > 0.0 ? 1 : 0;
+    return std::abs(behind) > margin;
+}
+
+/// The last `decimals` digits of a number, a point, those before, and the sign.
+void putNumber(NumberText &number, std::uint64_t scaled, int decimals, bool isNegative, SignPlace sign)
+{
+    for (int i = 0; i < decimals; ++i, scaled /= 10)
+        number.put(static_cast<char>('0' + scaled % 10));
     number.put('.');
-    number.putDigits(scaled / power, 1);
-    if (std::signbit(value))
+    number.putDigits(scaled, 1);
+    if (isNegative)
         number.put('-');
-    else if (blank)
+    else if (sign == SignPlace::blank)
         number.put(' ');
+}
+
+/// Any number, by the standard library's exact digits.
+void appendDigits(std::string &text, double value, std::size_t width, int decimals, std::chars_format form,
+                  SignPlace sign)
+{
+    std::array<char, 400> word; // 309 digits, a point, 60 decimals, a sign
+    word[0] = ' ';
+    char *const digits = word.data() + (sign == SignPlace::blank && !std::signbit(value) ? 1 : 0);
+    const char *const end = std::to_chars(digits, word.data() + word.size(), value, form, decimals).ptr;
+    appendRight(text, {word.data(), end}, width);
+}
+
+} // namespace
+
+void appendFixed(std::string &text, double value, std::size_t width, int decimals, SignPlace sign)
+{
+    std::uint64_t scaled = 0;
+    if (decimals < 1 || decimals > 9 || !roundSurely(std::abs(value) * powerOfTen(decimals), scaled))
+        return appendDigits(text, value, width, decimals, std::chars_format::fixed, sign);
+    NumberText number;
+    putNumber(number, scaled, decimals, std::signbit(value), sign);
     appendRight(text, number.view(), width);
+}
+
+void appendScientific(std::string &text, double value, int decimals, SignPlace sign)
+{
+    // Within these bounds all powers that are needed stand in the table.
+    constexpr double smallest = 1e-14, largest = 1e22;
+    const double size = std::abs(value);
+    const bool isUsual = size >= smallest && size < largest && decimals >= 1 && decimals <= 7;
+    const int exponent = isUsual ? static_cast<int>(std::floor(std::log10(size))) : 0;
+    const int shift = decimals - exponent;
+    std::uint64_t scaled = 0;
+    // A number that is rounded up to the next power, or whose logarithm was, is for the exact form.
+    if (!isUsual || !roundSurely(shift < 0 ? size / powerOfTen(-shift) : size * powerOfTen(shift), scaled) ||
+        scaled < static_cast<std::uint64_t>(powerOfTen(decimals)) ||
+        scaled >= static_cast<std::uint64_t>(powerOfTen(decimals + 1)))
+        return appendDigits(text, value, 0, decimals, std::chars_format::scientific, sign);
+    NumberText number;
+    number.putDigits(static_cast<std::uint64_t>(std::abs(exponent)), 2);
+    number.put(exponent < 0 ? '-' : '+');
+    number.put('e');
+    putNumber(number, scaled, decimals, std::signbit(value), sign);
+    text.append(number.view());
 }
 
 Status nrerror(const char *message, Messages &messages)

@@ -21,10 +21,11 @@ void appendRight(std::string &text, std::string_view word, std::size_t width);
 /// Appends an integer as "%*d".
 void appendInt(std::string &text, int value, std::size_t width);
 
-/// Appends a number to the byte as "%*.*f" prints it, or as "% *.*f" with a blank where a minus sign would
-/// be.
+/// Append a number to the byte as "%*.*f" and "%.*e" print it, or as "% *.*f" and "% .*e" with a blank where
+/// a minus sign would be. decimals: up to 60.
 enum class SignPlace { none, blank };
-void appendFixed(std::string &text, float value, std::size_t width, int decimals, SignPlace sign);
+void appendFixed(std::string &text, double value, std::size_t width, int decimals, SignPlace sign);
+void appendScientific(std::string &text, double value, int decimals, SignPlace sign);
 
 /// The two lines of an error of the numerical code, on which the run goes on. Returns Status::failed.
 Status nrerror(const char *message, Messages &messages);

@@ -24,6 +24,7 @@ constexpr double worthTightening = 0.02; ///< gain of the bound, as a part of th
 constexpr int nodesPerLine = 512;        ///< how often the progress is shown
 /// Peaks from which on a search over the tensor is faster than one over the peaks.
 constexpr std::size_t fewestForTensors = 9;
+constexpr std::size_t mostForTrial = 24; ///< up to which one over the peaks may end at once
 
 /// A descent through the candidates, peak by peak.
 struct Descent {
@@ -36,6 +37,7 @@ struct Descent {
     std::vector<char> isTaken; ///< rows
     CandidateCount settled = {0.0L, 0, true};
     long long nodes = 0;
+    long long mostNodes = std::numeric_limits<long long>::max(); ///< of a descent that is only tried
 
     // Work space of a node, used up before the next one.
     std::vector<int> openPeaks = {}, openRows = {};
@@ -207,7 +209,7 @@ void takeAway(Descent &descent, std::size_t peak)
 
 void descend(Descent &descent, const MediaEquations &equations)
 {
-    if (InterruptGuard::isInterrupted())
+    if (InterruptGuard::isInterrupted() || descent.nodes > descent.mostNodes)
         return;
     const PlacedBound placed = boundPlaced(descent, equations);
     if (placed.least > descent.limit)
@@ -280,12 +282,33 @@ bool searchOverTensor(Descent &descent)
     return true;
 }
 
+/// Descends as far as a few nodes go, which clean couplings of few peaks do not need. Returns whether that is
+/// the end.
+bool tryDescent(Descent &descent)
+{
+    guessCandidate(descent.space, descent.work, descent.best);
+    descent.limit = exactLimit(descent.space.tables, descent.best.score);
+    descent.mostNodes = nodesPerLine - 1;
+    descend(descent, descent.space.fixed);
+    const bool isDone = descent.nodes <= descent.mostNodes;
+    if (!isDone) {
+        descent.settled = {0.0L, 0, true};
+        descent.nodes = 0;
+    }
+    descent.mostNodes = std::numeric_limits<long long>::max();
+    return isDone;
+}
+
 void searchFrom(Descent &descent)
 {
     if (isHopeless(descent.space))
         return settle(descent, candidatesBelow(descent));
-    if (descent.space.peaks.size() >= fewestForTensors && searchOverTensor(descent))
-        return;
+    if (descent.space.peaks.size() >= fewestForTensors) {
+        if (descent.space.peaks.size() <= mostForTrial && tryDescent(descent))
+            return;
+        if (searchOverTensor(descent))
+            return;
+    }
     guessCandidate(descent.space, descent.work, descent.best);
     descent.limit = exactLimit(descent.space.tables, descent.best.score);
     descend(descent, descent.space.fixed);

@@ -22,7 +22,10 @@ constexpr double smallestEdge = 1e-16; ///< square of an edge that is not cut an
 constexpr double smallestLength = 1e-10; ///< range of lengths that is not cut any more, in units of T
 constexpr std::size_t fewSteps = 20000;  ///< to list the assignments near the best of a cone
 constexpr int listEvery = 3;             ///< cuts
-constexpr double mostShare = 0.6;        ///< of q(u): beyond it tensors can be very long
+/// Of q(u), for few peaks and for many: beyond it tensors can be very long, and a search over the peaks is no
+/// slower.
+constexpr double mostShareOfFew = 0.6, mostShareOfMany = 0.95;
+constexpr std::size_t manyPeaks = 20;
 
 /// Tensors in a cone, with lengths from t1 to t2.
 struct Cell {
@@ -372,7 +375,8 @@ bool canSearchTensors(const Standing &standing)
 {
     constexpr double leastExplained = 1e-3;
     return !standing.best.rowOf.empty() && standing.lengthSquare > leastExplained * standing.problem.data &&
-           standing.problem.largestShare < mostShare;
+           standing.problem.largestShare <
+               (standing.problem.size < manyPeaks ? mostShareOfFew : mostShareOfMany);
 }
 
 bool searchTensors(Standing &standing, const std::function<void(double)> &progress)

@@ -71,43 +71,41 @@ TEST(TensorSearch, IsTheFullEnumeration)
     int searched = 0;
     unsigned seed = 1;
     for (const HardProblem &hard : hardProblems)
-        for (std::size_t peaks = 4; peaks <= (hard.window.lowDa == -25.0F ? 7 : 5); ++peaks)
-            for (int repeat = 0; repeat < (peaks < 7 ? 2 : 1); ++repeat, ++seed) {
-                SCOPED_TRACE(testing::Message() << hard.what << ", " << peaks << " peaks, seed " << seed);
-                RandomProblem kind = hard.kind;
-                kind.peaks = peaks;
-                AssignmentProblem problem = ProblemMaker(seed).make(kind).problem;
-                problem.window = hard.window;
-                if (hard.hasTwins)
-                    makeTwins(problem);
-                std::vector<int> all(peaks);
-                std::iota(all.begin(), all.end(), 0);
-                const SearchSpace space =
-                    makeSearchSpace(problem, all, std::vector<RowSpan>(peaks, {0, peaks}));
-                const std::optional<TensorProblem> tensors = makeTensorProblem(space);
-                Heard heard;
-                ScoreWork work = {.messages = heard.messages};
-                Candidate best = poorStart(space, work);
-                if (!tensors)
-                    continue;
-                Standing standing = {space, *tensors, work, best};
-                setLimit(standing);
-                if (!canSearchTensors(standing))
-                    guessByTensors(standing);
-                if (!canSearchTensors(standing))
-                    continue;
-                ++searched;
-                double settled = 0.0;
-                EXPECT_TRUE(searchTensors(standing, [&](double part) { settled = part; }));
-                EXPECT_NEAR(settled, 1.0, 1e-9);
-                const PlainAssignment plain = visitExhPlain(problem);
-                std::vector<int> peakOn(peaks);
-                for (std::size_t peak = 0; peak < peaks; ++peak)
-                    peakOn[static_cast<std::size_t>(best.rowOf[peak])] = static_cast<int>(peak);
-                EXPECT_EQ(best.score, plain.pSumDMin);
-                EXPECT_EQ(peakOn, plain.bestIdList);
-            }
-    EXPECT_GT(searched, 60);
+        for (std::size_t peaks = 4; peaks <= (hard.window.lowDa == -25.0F ? 7 : 5); ++peaks) {
+            SCOPED_TRACE(testing::Message() << hard.what << ", " << peaks << " peaks, seed " << seed);
+            RandomProblem kind = hard.kind;
+            kind.peaks = peaks;
+            AssignmentProblem problem = ProblemMaker(seed).make(kind).problem;
+            problem.window = hard.window;
+            if (hard.hasTwins)
+                makeTwins(problem);
+            std::vector<int> all(peaks);
+            std::iota(all.begin(), all.end(), 0);
+            const SearchSpace space = makeSearchSpace(problem, all, std::vector<RowSpan>(peaks, {0, peaks}));
+            const std::optional<TensorProblem> tensors = makeTensorProblem(space);
+            Heard heard;
+            ScoreWork work = {.messages = heard.messages};
+            Candidate best = poorStart(space, work);
+            if (!tensors)
+                continue;
+            Standing standing = {space, *tensors, work, best};
+            setLimit(standing);
+            if (!canSearchTensors(standing))
+                guessByTensors(standing);
+            if (!canSearchTensors(standing))
+                continue;
+            ++searched;
+            double settled = 0.0;
+            EXPECT_TRUE(searchTensors(standing, [&](double part) { settled = part; }));
+            EXPECT_NEAR(settled, 1.0, 1e-9);
+            const PlainAssignment plain = visitExhPlain(problem);
+            std::vector<int> peakOn(peaks);
+            for (std::size_t peak = 0; peak < peaks; ++peak)
+                peakOn[static_cast<std::size_t>(best.rowOf[peak])] = static_cast<int>(peak);
+            EXPECT_EQ(best.score, plain.pSumDMin);
+            EXPECT_EQ(peakOn, plain.bestIdList);
+        }
+    EXPECT_GT(searched, 30);
 }
 
 TEST(Certainty, IsTheFullEnumeration)

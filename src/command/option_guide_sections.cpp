@@ -73,6 +73,7 @@ constexpr HelpEntry commonMore[] = {
     {"-label",   "",      "off", "Label Numbers and Names of Archive Files, not the Author's."},
     {"-addH",    "[length]", "1.041", "Build the Hydrogens H and HA of the Backbone; N-H Distance [A]."},
     {"-nopdbRot", "",     "off", "No Structure is Written, neither that of -pdbRot nor .0 to .3."},
+    {"-outJ",    "outName", "None", "The Result as JSON, with All its Digits."},
     {"-strict",  "",      "off", "A Warning Makes the Run Fail, and No Result is Written."},
     {"-quiet",   "",      "off", "No Banner, Remarks, Progress and Memory Balance; Warnings and Errors Stay."},
     {"-dbg",     "level", "0", "Debug Level, 1 without a Value; 2 Traces Every Request for Memory."},

@@ -93,6 +93,7 @@ constexpr OptionRow inputRows[] = {
     {"-label", &RunOptions::useLabels, 1},
     {"-addH", &RunOptions::buildsHydrogens, 1},
     {"-outQ", &RunOptions::outQName},
+    {"-outJ", &RunOptions::outJName},
     {"-free", &RunOptions::freeKind},
     {"-freeSeed", &RunOptions::freeSeed},
     {"-dropOut", &RunOptions::dropsOutliers, 1},

@@ -3,6 +3,7 @@
 #include "command/command_line.h"
 #include "command/flag_hint.h"
 #include "command/params.h"
+#include "command/version.h"
 #include "support/text/output_file.h"
 #include "support/text/text.h"
 
@@ -140,6 +141,8 @@ Status readOptions(int argc, char **argv, CommandRun &commandRun, Messages &mess
 {
     CommandLine line(argc, argv, checkOfEnvironment(), messages);
     Options &options = commandRun.options;
+    options.words.assign(argv, argv + argc);
+    options.version = versionText();
     Status status = getparams(line, options);
     commandRun.run.dTab[0].dTensor = options;
     if (options.wCount < 0) // no memory for the weights

@@ -4,9 +4,15 @@
 
 #include <algorithm>
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace trelm {
+
+const char *versionText()
+{
+    return TRELM_VERSION;
+}
 
 bool asksVersion(int argc, char **argv)
 {
@@ -21,7 +27,7 @@ bool asksVersion(int argc, char **argv)
 Status printVersion(Messages &messages)
 {
     OutFile out;
-    writeOut(out, "trelm " TRELM_VERSION "\n");
+    writeOut(out, std::string("trelm ") + versionText() + "\n");
     return closeOut(out, messages);
 }
 

@@ -5,6 +5,9 @@
 
 namespace trelm {
 
+/// "0.1.0"
+const char *versionText();
+
 /// True if the run is asked for its version: -version stands on the line, and -help, which goes first, does
 /// not.
 bool asksVersion(int argc, char **argv);

@@ -72,6 +72,7 @@ void widenRanges(TensorSamples &samples, const TensorAnalysis &analysis, float d
     samples.gMag.widen(analysis.gMag, isFirst);
     samples.da.widen(analysis.da, isFirst);
     samples.dr.widen(analysis.dr, isFirst);
+    samples.rhombicity.widen(analysis.da != 0.0 ? analysis.dr / analysis.da : 0.0, isFirst);
     samples.daNHMin = isFirst ? daNH : std::min(samples.daNHMin, daNH);
     samples.daNHMax = isFirst ? daNH : std::max(samples.daNHMax, daNH);
     if (!isFirst && !isComparable(samples, solution))
@@ -94,6 +95,7 @@ void countSample(TensorSamples &samples, const Saupe &saupe, const TensorAnalysi
     samples.szz.widen(szz, samples.count == 1);
     samples.gMag.add(analysis.gMag);
     samples.dr.add(analysis.dr);
+    samples.rhombicity.add(analysis.da != 0.0 ? analysis.dr / analysis.da : 0.0);
     const auto daNH = static_cast<float>(analysis.da * amideHertz);
     samples.daNHSum += daNH;
     samples.daNHSqrSum += daNH * daNH;
@@ -234,6 +236,23 @@ Status fitMean(const TensorSamples &samples, const MappingInput &input, MappingF
     fit.last.tensor.tensorMode = tensorGiven;
     fit.last.tensor.userSaupe = toFloats(samples.saupeAve);
     return fitAgain(input, fit, messages);
+}
+
+std::array<AxisCone, 3> conesOf(const TensorSamples &samples)
+{
+    std::array<AxisCone, 3> cones;
+    const auto count = static_cast<double>(samples.deviations.size());
+    for (std::size_t axis = 0; axis < cones.size() && count > 0.0; ++axis) {
+        AxisCone &cone = cones[axis];
+        for (const SampleDeviation &deviation : samples.deviations) {
+            const double angle = deviation.axes[axis] * degreesOfRadian;
+            cone.mean += angle / count;
+            cone.rootMeanSquare += angle * angle / count;
+            cone.largest = std::max(cone.largest, angle);
+        }
+        cone.rootMeanSquare = std::sqrt(cone.rootMeanSquare);
+    }
+    return cones;
 }
 
 bool isWithoutTensor(const FitResult &fit)

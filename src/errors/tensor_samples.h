@@ -66,7 +66,7 @@ struct TensorSamples {
     int count = 0;
     EulerSolution orig;     ///< of the fit that is mapped
     std::size_t chosen = 0; ///< Euler solution of the last sample that was compared with it
-    Spread szz, gMag, da, dr, angle5d;
+    Spread szz, gMag, da, dr, rhombicity, angle5d;
     float daNHSum = 0.0f, daNHSqrSum = 0.0f, daNHMin = 0.0f, daNHMax = 0.0f;
     std::array<Spread, saupeCount> saupe;
     AngleRange phi, psi, theta;
@@ -86,6 +86,14 @@ struct MappingFit {
     FitWork work;
     FitResult last;
 };
+
+/// How far the axis of the samples lies from that of the mean tensor, degrees.
+struct AxisCone {
+    double mean = 0.0, rootMeanSquare = 0.0, largest = 0.0;
+};
+
+/// The cones of the axes x, y, z over the stored samples; zeros without any.
+std::array<AxisCone, 3> conesOf(const TensorSamples &samples);
 
 /// What a mapping works on.
 struct MappingInput {

@@ -1,5 +1,6 @@
 #include "ground/messages.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdarg>
 #include <cstdio>
@@ -68,11 +69,15 @@ void Messages::note(const char *format, ...)
 
 void Messages::warn(const char *format, ...)
 {
-    ++warnings;
-    std::va_list arguments;
+    std::va_list arguments, again;
     va_start(arguments, format);
-    pass(*this, Stream::err, format, arguments);
+    va_copy(again, arguments);
+    std::string line(static_cast<std::size_t>(std::max(0, std::vsnprintf(nullptr, 0, format, again))), '\0');
+    std::vsnprintf(line.data(), line.size() + 1, format, arguments);
+    va_end(again);
     va_end(arguments);
+    sink(Stream::err, line);
+    warned.push_back(line.ends_with('\n') ? line.substr(0, line.size() - 1) : line);
 }
 
 Status Messages::fail(const char *format, ...)

@@ -4,7 +4,9 @@
 #include "ground/status.h"
 
 #include <functional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace trelm {
 
@@ -39,14 +41,16 @@ class Messages {
     /// From now on a warning makes the run fail.
     void setStrict() { isStrict = true; }
     /// Whether result files may be put in their places: not in a strict run that has warned.
-    [[nodiscard]] bool mayWrite() const { return !isStrict || warnings == 0; }
-    [[nodiscard]] int warningCount() const { return warnings; }
+    [[nodiscard]] bool mayWrite() const { return !isStrict || warned.empty(); }
+    [[nodiscard]] int warningCount() const { return static_cast<int>(warned.size()); }
+    /// The warnings so far, without the ends of their lines.
+    [[nodiscard]] const std::vector<std::string> &warnings() const { return warned; }
 
   private:
     Sink sink;
     bool hasTerminal;
     bool isStrict = false;
-    int warnings = 0;
+    std::vector<std::string> warned;
 };
 
 /// Messages to standard output and, all others, the standard error stream.

@@ -3,6 +3,7 @@
 #include "couplings/options.h"
 #include "couplings/quality.h"
 #include "modes/coupling_output.h"
+#include "modes/json_output.h"
 #include "report/quality_text.h"
 #include "support/text/output_file.h"
 #include "support/text/text.h"
@@ -47,7 +48,7 @@ Status readFree(const RunOptions &options, QualityOptions &asked, Messages &mess
 
 bool isAsked(const RunOptions &options)
 {
-    return !options.outQName.empty() || options.dropsOutliers != 0;
+    return !options.outQName.empty() || !options.outJName.empty() || options.dropsOutliers != 0;
 }
 
 /// Fits the rows that the columns name, and judges the fit if that is asked for.
@@ -104,8 +105,14 @@ Status fitAndWrite(const Run &run, const QualityOptions &asked, Messages &messag
     if (status != Status::ok)
         return Status::failed;
     single.columns = FitColumns{}; // the report makes columns of its own
-    status = writeFit(run, {run.dTab[0], single.fit}, droppedRemark(run.dTab[0], single.quality), messages);
-    return status == Status::ok ? writeQuality(run, asked, single, messages) : status;
+    const FittedTable table(run.dTab[0], single.fit);
+    status = writeFit(run, table, droppedRemark(run.dTab[0], single.quality), messages);
+    if (status == Status::ok)
+        status = writeQuality(run, asked, single, messages);
+    if (status == Status::ok)
+        status = writeTableJson(
+            run, table, &single.quality, [](JsonWriter &) {}, messages);
+    return status;
 }
 
 } // namespace

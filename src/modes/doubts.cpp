@@ -95,8 +95,8 @@ void tellIdleOptions(const Run &run, Messages &messages)
     if (!isSingle && (!options.outQName.empty() || !options.freeKind.empty() || options.dropsOutliers != 0))
         messages.warn("trelm: -outQ, -free and -dropOut act on a single best-fit alone (without %s)\n",
                       useOf(run).mode);
-    else if (isSingle && !options.freeKind.empty() && options.outQName.empty())
-        messages.warn("trelm: -free has no file to stand in (-outQ)\n");
+    else if (isSingle && !options.freeKind.empty() && options.outQName.empty() && options.outJName.empty())
+        messages.warn("trelm: -free has no file to stand in (-outQ or -outJ)\n");
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "modes/files.h"
 
 #include "couplings/options.h"
+#include "modes/json_output.h"
 #include "support/text/file_identity.h"
 #include "support/text/output_file.h"
 
@@ -160,6 +161,8 @@ std::vector<RunFile> filesOfRun(const Run &run)
         files.push_back({"-outQ", run.options.outQName, true});
     if (mode.trelmMode == modeBestFit && mode.spreadMode == spreadExhaust && !run.options.outAssName.empty())
         files.push_back({"-outAss", run.options.outAssName, true});
+    if (writesJson(mode) && !run.options.outJName.empty())
+        files.push_back({"-outJ", run.options.outJName, true});
     addStructures(run, files);
     return files;
 }

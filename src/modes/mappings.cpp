@@ -6,6 +6,8 @@
 #include "errors/mapping_text.h"
 #include "errors/structural_noise.h"
 #include "modes/coupling_output.h"
+#include "modes/json_output.h"
+#include "report/json_mapping.h"
 #include "support/text/output_file.h"
 #include "support/text/text.h"
 
@@ -101,6 +103,13 @@ Status writeTable(const Run &run, const std::string &name, const FittedTable &ta
     return writeCouplings({name, "w", text}, table, parametersOf(run), messages);
 }
 
+Status writeSamplesJson(const Run &run, const FittedTable &table, const TensorSamples &samples,
+                        Messages &messages)
+{
+    return writeTableJson(
+        run, table, nullptr, [&](JsonWriter &json) { writeMappingJson(samples, json); }, messages);
+}
+
 /// Couplings and structure of the mean tensor. Fails after a message.
 Status reportMeanTensor(const Run &run, const TensorSamples &samples, MappingFit &fit, int mapCount,
                         Messages &messages)
@@ -108,7 +117,8 @@ Status reportMeanTensor(const Run &run, const TensorSamples &samples, MappingFit
     if (fitMean(samples, inputOf(run), fit, messages) != Status::ok)
         return Status::failed;
     if (writeTable(run, run.options.outDName, {run.dTab[0], fit.last}, mappingReport(samples), messages) !=
-        Status::ok)
+            Status::ok ||
+        writeSamplesJson(run, {run.dTab[0], fit.last}, samples, messages) != Status::ok)
         return Status::failed;
     if (samples.count != 0)
         return writeFrames(run, samples.euler, "trelm: error in writePDBRot.\n", messages);
@@ -166,6 +176,8 @@ Status reportCouplingNoise(const Run &run, const CouplingNoiseResult &result, Me
     const auto deviations = columnOf(dTab, &DInfo::sigma, [&](std::size_t i) { return result.deviation[i]; });
     shown.sigma = deviations;
     Status status = writeTable(run, run.options.outDName, shown, mappingReport(result.samples), messages);
+    if (status == Status::ok)
+        status = writeSamplesJson(run, shown, result.samples, messages);
     const auto missed =
         columnOf(dTab, &DInfo::w, [&](std::size_t i) { return static_cast<float>(result.countFail[i]); });
     shown.w = missed;

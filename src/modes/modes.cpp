@@ -5,6 +5,7 @@
 #include "modes/ensemble.h"
 #include "modes/files.h"
 #include "modes/inputs.h"
+#include "modes/json_output.h"
 #include "modes/likelihood.h"
 #include "modes/magnitude.h"
 #include "modes/mappings.h"
@@ -107,6 +108,8 @@ void warnOfMissingInputs(const Run &run, Messages &messages)
 Status runMode(Run &run, Messages &messages)
 {
     warnOfMissingInputs(run, messages);
+    if (!run.options.outJName.empty() && !writesJson(run.mode))
+        messages.warn("trelm: -outJ acts on a best-fit and its error analyses alone\n");
     const ModeRow &mode = *std::ranges::find(modeRows, run.mode.trelmMode, &ModeRow::trelmMode);
     if (const Status status = checkFiles(filesOfRun(run), messages); status != Status::ok)
         return status;

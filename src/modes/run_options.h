@@ -4,6 +4,7 @@
 #include "ground/alloc.h"
 #include <array>
 #include <string>
+#include <vector>
 
 namespace trelm {
 
@@ -27,6 +28,7 @@ struct RunOptions {
     std::string outScName, outColName; ///< scores, columns of the scores
     std::string outQName;              ///< what a fit is worth; empty: no such file
     std::string outAssName;            ///< how sure an assignment is; empty: not asked
+    std::string outJName;              ///< the result as JSON; empty: no such file
     std::string inEName, outEName;     ///< ensemble: input, output
     std::string outEAxName, oDcEName;  ///< ensemble: axes, couplings
     std::string flexName, aveName;     ///< ensemble: log of the domain angles, averaged couplings
@@ -57,6 +59,9 @@ struct RunOptions {
     int hasNoStructures = 0;         ///< 1: no structure is written
     int isStrict = 0;                ///< 1: a warning makes the run fail
     int isQuiet = 0;                 ///< 1: no banner, remarks, progress and balance
+
+    std::vector<std::string> words; ///< the command line, the program first
+    const char *version = "";       ///< of the program
 
     int mapCount = 0; ///< samples of an error mapping
     int dbgFlag = 0;  ///< debug level; above 1 every request for memory is traced

@@ -38,20 +38,10 @@ void appendIrreducible(const TensorAnalysis &analysis, std::string &text)
     appendf(text, "DATA IRREDUCIBLE GENERAL_MAGNITUDE  % .4e\n\n", analysis.gMag);
 }
 
-/// An axis on a sinusoidal map of the sphere: its own place, or that of the opposite direction.
 void appendMapPlace(const std::array<double, 3> &axis, bool inverse, std::string &text)
 {
-    double lat = halfPi - std::acos(std::clamp(axis[2], -1.0, 1.0));
-    double lon = std::atan2(axis[1], axis[0]);
-    const double width = std::cos(lat);
-    if (inverse) {
-        if (lon > 0.0)
-            lon -= pi;
-        else if (lon < 0.0)
-            lon += pi;
-        lat = -lat;
-    }
-    appendf(text, "  % .5f  % .5f", lon * width, lat);
+    const MapPlace place = mapPlace(axis, inverse);
+    appendf(text, "  % .5f  % .5f", place.x, place.y);
 }
 
 void appendMapping(const TensorAnalysis &analysis, std::string &text)
@@ -240,6 +230,21 @@ void appendTable(const FittedTable &table, bool verbose, std::string &text)
 }
 
 } // namespace
+
+MapPlace mapPlace(const Vec3 &axis, bool inverse)
+{
+    double lat = halfPi - std::acos(std::clamp(axis[2], -1.0, 1.0));
+    double lon = std::atan2(axis[1], axis[0]);
+    const double width = std::cos(lat);
+    if (inverse) {
+        if (lon > 0.0)
+            lon -= pi;
+        else if (lon < 0.0)
+            lon += pi;
+        lat = -lat;
+    }
+    return {lon * width, lat};
+}
 
 std::string couplingReport(const FittedTable &table, const TableAnalysis &analysis,
                            const ShownParameters &parameters, std::string_view remark)

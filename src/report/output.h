@@ -6,11 +6,20 @@
 #include "couplings/table_analysis.h"
 #include "couplings/tensor.h"
 #include "report/parameters.h"
+#include "support/numerics/vec3.h"
 
 #include <string>
 #include <string_view>
 
 namespace trelm {
+
+/// A place on a sinusoidal map of the sphere, radians.
+struct MapPlace {
+    double x = 0.0, y = 0.0;
+};
+
+/// The place of an axis, or of the opposite direction.
+MapPlace mapPlace(const Vec3 &axis, bool inverse);
 
 /// The report of a table, and the table, which readDC reads back. Without a coupling that is compared it ends
 /// at the line "DATA SEQUENCE". `remark`: whole lines, or empty.

@@ -121,7 +121,7 @@ TEST(FitWorth, FaultyOptionsAreTold)
         {"-outQ q.tab -free 1", "trelm: -free 1: a number of parts from 2 on, type or one.\n", 1},
         {"-outQ q.tab -free some", "trelm: -free some: a number of parts from 2 on, type or one.\n", 1},
         {"-outQ q.tab -free 3 -freeSeed 0", "trelm: -freeSeed 0: a seed is above 0.\n", 1},
-        {"-free 3", "trelm: -free has no file to stand in (-outQ)\n", 0},
+        {"-free 3", "trelm: -free has no file to stand in (-outQ or -outJ)\n", 0},
         {"-outQ fit.tab", "are one file", 1},
         {"-jack -map 5 -outQ q.tab",
          "trelm: -outQ, -free and -dropOut act on a single best-fit alone (without -jack)\n", 0},

@@ -55,6 +55,10 @@ void tellWithoutVector(const TableProblem &made, std::span<const int> bestIdList
 Status writeCertainty(const Run &run, const TableProblem &made, const AssignmentResult &found,
                       Messages &messages)
 {
+    if (run.mode.spreadMode != spreadExhaust) {
+        messages.err("trelm: -outAss is for -exhaust: no table is written.\n");
+        return Status::ok;
+    }
     std::vector<int> rowOf(found.bestIdList.size(), -1);
     for (std::size_t row = 0; row < rowOf.size(); ++row)
         if (found.bestIdList[row] >= 0)
@@ -96,7 +100,7 @@ std::optional<AssignedTable> assignTable(const Run &run, Messages &messages)
     if (!found)
         return std::nullopt;
     tellWithoutVector(*made, found->bestIdList, messages);
-    if (!run.options.outAssName.empty() && run.mode.spreadMode == spreadExhaust && found->isProved &&
+    if (!run.options.outAssName.empty() && found->isProved &&
         writeCertainty(run, *made, *found, messages) != Status::ok)
         return std::nullopt;
     std::optional<DTable> dTab = copyTable(run.dTab[0], messages);

@@ -1,6 +1,7 @@
 // The steric kernels and the surface, fast forms against plain forms, on ubiquitin and on copies of it.
 #include "reference/steric_reference.h"
 #include "reference/surface_reference.h"
+#include "simulation/obstacle/exposure.h"
 #include "simulation/obstacle/steric.h"
 #include "simulation/obstacle/surface.h"
 #include "simulation/orientations/sphere.h"
@@ -146,6 +147,29 @@ void surfaceFast(benchmark::State &state)
     state.counters["atoms"] = static_cast<double>(assembly.radius.size());
 }
 BENCHMARK(surfaceFast)->ArgName("copies")->Arg(1)->Arg(33)->Arg(166)->Unit(benchmark::kMillisecond);
+
+/// Exposed or not, which is all that a selection of atoms asks; the areas judge it.
+void exposureFast(benchmark::State &state)
+{
+    const Assembly assembly(static_cast<int>(state.range(0)));
+    Surface surface;
+    std::vector<bool> isExposed;
+    const ExposureLimit limit;
+    if (nsc_dclm(assembly.co, assembly.radius, 700, surfaceAtomAreas, surface, standardMessages()) !=
+            Status::ok ||
+        findExposedBalls(assembly.co, assembly.radius, limit, isExposed, standardMessages()) != Status::ok)
+        return state.SkipWithError("the surface failed");
+    for (std::size_t i = 0; i < isExposed.size(); ++i) {
+        const double bare = assembly.radius[i] - limit.probe;
+        if (isExposed[i] != (surface.at_area[i] / (12.5663706 * (bare * bare)) > limit.leastRatio))
+            return state.SkipWithError("differs from the areas");
+    }
+    for (auto step : state)
+        static_cast<void>(
+            findExposedBalls(assembly.co, assembly.radius, limit, isExposed, standardMessages()));
+    state.counters["atoms"] = static_cast<double>(assembly.radius.size());
+}
+BENCHMARK(exposureFast)->ArgName("copies")->Arg(1)->Arg(33)->Arg(166)->Unit(benchmark::kMillisecond);
 
 void surfacePlain(benchmark::State &state)
 {

@@ -4,6 +4,7 @@
 #include "reference/surface_reference.h"
 #include "simulation/molecules.h"
 #include "simulation/obstacle/atom_selection.h"
+#include "simulation/obstacle/exposure.h"
 #include "simulation/obstacle/solute_options.h"
 
 #include <algorithm>
@@ -40,6 +41,17 @@ TEST(Surface, ExposedDotsAreThoseOfThePlainForm)
             total += static_cast<std::size_t>(plain[i]);
         }
         EXPECT_EQ(surface.lidots.size(), 3 * total);
+        // What is left as soon as it is settled is decided as all of the dots decide it.
+        for (const double ratio : {0.0, 0.1, 0.5, 1.5, 20.0}) {
+            std::vector<bool> isExposed;
+            ASSERT_EQ(findExposedBalls(co, radius, {200, 1.0, ratio}, isExposed, standardMessages()),
+                      Status::ok);
+            for (std::size_t i = 0; i < radius.size(); ++i) {
+                const double bare = radius[i] - 1.0;
+                EXPECT_EQ(isExposed[i], surface.at_area[i] / (12.5663706 * (bare * bare)) > ratio)
+                    << "round " << round << " atom " << i << " ratio " << ratio;
+            }
+        }
     }
 }
 

@@ -1,8 +1,8 @@
 #include "simulation/obstacle/atom_selection.h"
 
 #include "simulation/charges/dipole.h"
+#include "simulation/obstacle/exposure.h"
 #include "simulation/obstacle/solute_options.h"
-#include "simulation/obstacle/surface.h"
 #include "support/text/text.h"
 
 #include <algorithm>
@@ -48,15 +48,11 @@ struct Spheres {
 /// For each sphere, whether enough of it is exposed. Returns 0, or 1 after a message.
 Status findExposedSpheres(const Spheres &spheres, std::vector<bool> &isExposed, Messages &messages)
 {
-    Surface surface;
-    if (nsc_dclm(spheres.co.span().first(3 * spheres.count), spheres.radius.span().first(spheres.count),
-                 surfaceDensity, surfaceAtomAreas, surface, messages) != Status::ok)
+    const ExposureLimit limit = {surfaceDensity, probeRadius, exposedRatio};
+    if (findExposedBalls(spheres.co.span().first(3 * spheres.count),
+                         spheres.radius.span().first(spheres.count), limit, isExposed,
+                         messages) != Status::ok)
         return messages.fail("NSC: error.\n");
-    isExposed.resize(spheres.count);
-    for (std::size_t k = 0; k < spheres.count; ++k) {
-        const double bare = spheres.radius[k] - probeRadius;
-        isExposed[k] = surface.at_area[k] / (12.5663706 * (bare * bare)) > exposedRatio;
-    }
     return Status::ok;
 }
 

@@ -1,5 +1,6 @@
 #include "simulation/obstacle/surface.h"
 
+#include "simulation/obstacle/balls.h"
 #include "simulation/orientations/rotation.h"
 #include "simulation/orientations/sphere.h"
 #include "support/text/text.h"
@@ -16,36 +17,6 @@ constexpr double fullSphere = 12.566370614359172;
 
 using Vec = Axis;
 
-/// An atom as the neighbour search sees it.
-struct Ball {
-    Vec centre;
-    double radius;
-    int atom; ///< its place in the input
-};
-
-/// The atoms sorted into cubes, so that all neighbours of an atom are in its own and the 26 around it.
-struct Cells {
-    std::array<int, 3> count = {1, 1, 1};
-    std::vector<int> first; ///< first ball of each cube, and one more
-    std::vector<Ball> balls;
-
-    [[nodiscard]] int number(int ix, int iy, int iz) const { return ix + count[0] * (iy + count[1] * iz); }
-    [[nodiscard]] std::span<const Ball> inCell(int cell) const
-    {
-        const auto from = static_cast<std::size_t>(first[static_cast<std::size_t>(cell)]);
-        const auto to = static_cast<std::size_t>(first[static_cast<std::size_t>(cell) + 1]);
-        return std::span(balls).subspan(from, to - from);
-    }
-};
-
-/// A neighbour covers the dots u with u . v > limit.
-struct Cap {
-    Vec v;
-    double limit;
-    double length; ///< of v
-    double depth;  ///< limit over length: the smaller, the more the cap covers
-};
-
 /// A group of dots and the sphere around it: a test of the group spares those of its dots.
 struct DotGroup {
     int first, count;
@@ -57,100 +28,6 @@ Vec dotAt(std::span<const double> dots, int i)
 {
     const auto place = static_cast<std::size_t>(3 * i);
     return {dots[place], dots[place + 1], dots[place + 2]};
-}
-
-struct Box {
-    Vec low, high;
-};
-
-Box boundingBox(std::span<const double> co)
-{
-    Box box{{co[0], co[1], co[2]}, {co[0], co[1], co[2]}};
-    for (std::size_t i = 0; i < co.size(); ++i) {
-        box.low[i % 3] = std::min(box.low[i % 3], co[i]);
-        box.high[i % 3] = std::max(box.high[i % 3], co[i]);
-    }
-    return box;
-}
-
-/// Cubes of twice the largest radius, larger ones where a few atoms far apart would ask for too many. Points
-/// without a radius touch no other: any cubes will do.
-double cubeSide(const Box &box, double largest, std::size_t atoms)
-{
-    double side = largest > 0.0 ? 2.0 * largest : 1.0;
-    const double enough = 8.0 * static_cast<double>(atoms) + 1000.0;
-    const auto cubes = [&box](double width) {
-        double product = 1.0;
-        for (std::size_t axis = 0; axis < 3; ++axis)
-            product *= std::max(1.0, std::ceil((box.high[axis] - box.low[axis]) / width));
-        return product;
-    };
-    while (cubes(side) > enough)
-        side *= 2.0;
-    return side;
-}
-
-Cells sortIntoCells(std::span<const double> co, std::span<const double> radius)
-{
-    const Box box = boundingBox(co);
-    const double side = cubeSide(box, *std::ranges::max_element(radius), radius.size());
-    Cells cells;
-    Vec start;
-    for (std::size_t axis = 0; axis < 3; ++axis) {
-        const double extent = box.high[axis] - box.low[axis];
-        cells.count[axis] = std::max(1, static_cast<int>(std::ceil(extent / side)));
-        start[axis] = box.low[axis] - (cells.count[axis] * side - extent) / 2.0;
-    }
-    std::vector<int> cellOf(radius.size());
-    cells.first.assign(static_cast<std::size_t>(cells.number(0, 0, cells.count[2])) + 1, 0);
-    for (std::size_t i = 0; i < radius.size(); ++i) {
-        std::array<int, 3> place;
-        for (std::size_t axis = 0; axis < 3; ++axis)
-            place[axis] = std::clamp(static_cast<int>(std::floor((co[3 * i + axis] - start[axis]) / side)), 0,
-                                     cells.count[axis] - 1);
-        cellOf[i] = cells.number(place[0], place[1], place[2]);
-        ++cells.first[static_cast<std::size_t>(cellOf[i]) + 1];
-    }
-    for (std::size_t c = 1; c < cells.first.size(); ++c)
-        cells.first[c] += cells.first[c - 1];
-    cells.balls.resize(radius.size());
-    std::vector<int> end(cells.first.begin() + 1, cells.first.end()); // each cube is filled from its end
-    for (std::size_t i = 0; i < radius.size(); ++i)
-        cells.balls[static_cast<std::size_t>(--end[static_cast<std::size_t>(cellOf[i])])] = {
-            {co[3 * i], co[3 * i + 1], co[3 * i + 2]}, radius[i], static_cast<int>(i)};
-    return cells;
-}
-
-/// The balls of a cube and of those around it, side by side.
-void gatherAround(const Cells &cells, int ix, int iy, int iz, std::vector<Ball> &around)
-{
-    around.clear();
-    for (int z = std::max(0, iz - 1); z <= std::min(iz + 1, cells.count[2] - 1); ++z)
-        for (int y = std::max(0, iy - 1); y <= std::min(iy + 1, cells.count[1] - 1); ++y)
-            for (int x = std::max(0, ix - 1); x <= std::min(ix + 1, cells.count[0] - 1); ++x) {
-                const auto balls = cells.inCell(cells.number(x, y, z));
-                around.insert(around.end(), balls.begin(), balls.end());
-            }
-}
-
-/// The caps that neighbours cut from the sphere of one ball, those that cover most first.
-void findCaps(const Ball &ball, std::span<const Ball> around, std::vector<Cap> &caps)
-{
-    caps.clear();
-    for (const Ball &other : around) {
-        const double reach = ball.radius + other.radius;
-        const Vec v = {other.centre[0] - ball.centre[0], other.centre[1] - ball.centre[1],
-                       other.centre[2] - ball.centre[2]};
-        const double squared = dot(v, v);
-        if (squared > reach * reach || other.atom == ball.atom)
-            continue;
-        const double limit =
-            (squared + ball.radius * ball.radius - other.radius * other.radius) / (2.0 * ball.radius);
-        const double length = std::sqrt(squared);
-        const double depth = length > 0.0 ? limit / length : std::copysign(1e30, limit); // same centre
-        caps.push_back({v, limit, length, depth});
-    }
-    std::ranges::sort(caps, {}, &Cap::depth);
 }
 
 /// The dots of each cell of the generator's cube, in the order of the set.
@@ -224,10 +101,10 @@ void findExposed(Exposure &exposure, std::span<const Cap> caps)
 void addBall(const Ball &ball, const Exposure &exposure, int mode, const Vec &centroid, Surface &surface,
              double &volume)
 {
-    const auto dotTotal = static_cast<double>(exposure.dotTotal);
     const auto count = static_cast<double>(exposure.exposed.size());
     const double square = ball.radius * ball.radius;
-    const double area = square * (fullSphere / dotTotal) * count;
+    const double area = areaOfDots(ball.radius, static_cast<int>(exposure.exposed.size()),
+                                   static_cast<int>(exposure.dotTotal));
     surface.value_of_area += area;
     if ((mode & surfaceAtomAreas) != 0)
         surface.at_area[static_cast<std::size_t>(ball.atom)] = area;
@@ -258,6 +135,11 @@ Vec centroidOf(std::span<const double> co)
 
 } // namespace
 
+double areaOfDots(double radius, int count, int total)
+{
+    return radius * radius * (fullSphere / total) * count;
+}
+
 Status nsc_dclm(std::span<const double> co, std::span<const double> radius, int densit, int mode,
                 Surface &surface, Messages &messages)
 {
@@ -274,24 +156,13 @@ Status nsc_dclm(std::span<const double> co, std::span<const double> radius, int 
     if ((mode & surfaceAtomAreas) != 0)
         surface.at_area.assign(radius.size(), 0.0);
 
-    const Cells cells = sortIntoCells(co, radius);
     const Vec centroid = centroidOf(co);
-    std::vector<Ball> around;
-    std::vector<Cap> caps;
     double volume = 0.0;
-    for (int iz = 0; iz < cells.count[2]; ++iz)
-        for (int iy = 0; iy < cells.count[1]; ++iy)
-            for (int ix = 0; ix < cells.count[0]; ++ix) {
-                const auto balls = cells.inCell(cells.number(ix, iy, iz));
-                if (balls.empty())
-                    continue;
-                gatherAround(cells, ix, iy, iz, around);
-                for (const Ball &ball : balls) {
-                    findCaps(ball, around, caps);
-                    findExposed(exposure, caps);
-                    addBall(ball, exposure, mode, centroid, surface, volume);
-                }
-            }
+    forEachBall(co, radius, [&](const Ball &ball, std::span<Cap> caps) {
+        std::ranges::sort(caps, {}, &Cap::depth); // those that cover most first
+        findExposed(exposure, caps);
+        addBall(ball, exposure, mode, centroid, surface, volume);
+    });
     if ((mode & surfaceVolume) != 0) {
         const auto dotTotal = static_cast<double>(exposure.dotTotal);
         surface.value_of_vol =

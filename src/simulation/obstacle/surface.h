@@ -23,6 +23,9 @@ struct Surface {
     std::vector<double> lidots;  ///< exposed dots, three values each
 };
 
+/// The area of so many of a sphere's dots.
+double areaOfDots(double radius, int count, int total);
+
 /// The exposed surface of spheres. `co`: three values for each atom, `radius`: one. `densit`: at least so
 /// many dots on each sphere (see sphere.h; the generator's set is replaced if it is another). `mode`: the sum
 /// of what is asked for. Fails after a warning if there are no atoms.

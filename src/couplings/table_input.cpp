@@ -42,7 +42,7 @@ Status readForm(const std::string &inDName, const CouplingReading &reading, DTab
     Archive archive;
     if (read({input.text, shownName, reading.useLabels}, archive, messages) != Status::ok)
         return Status::failed;
-    input = TextInput{}; // the table takes its room
+    std::string().swap(input.text); // the table takes its room: an assignment would keep it
     return takeArchive(shownName, reading, archive, dTab, messages);
 }
 

@@ -90,6 +90,18 @@ const AtomInfo *findRenamed(const PDBInfo &pdbInfo, const ResInfo &residue, std:
     return std::hypot(a.x - b.x, a.y - b.y, a.z - b.z) < farthestPair ? found : nullptr;
 }
 
+std::string_view fullMethylName(std::string_view resName, std::string_view name)
+{
+    struct Methyl {
+        std::string_view resName, name, full;
+    };
+    constexpr Methyl methyls[] = {{"THR", "MG", "MG2"}, {"ILE", "MG", "MG2"}, {"ILE", "MD", "MD1"}};
+    for (const Methyl &methyl : methyls)
+        if (methyl.resName == resName && methyl.name == name)
+            return methyl.full;
+    return name;
+}
+
 bool isHydrogenName(std::string_view name)
 {
     const std::size_t letter = name.find_first_not_of("0123456789");

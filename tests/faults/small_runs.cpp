@@ -4,6 +4,8 @@
 #include "common/file_text.h"
 #include "simulation/two_domains.h"
 
+#include <zlib.h>
+
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -20,6 +22,38 @@ std::string couplings(const std::string &name, int last)
         if (std::atoi(line.c_str()) <= last && !line.starts_with("REMARK Values"))
             text += line + "\n";
     return text;
+}
+
+/// The couplings of an archive file that has them in residues 2 to 8: its rows begin with their number.
+std::string archiveCouplings()
+{
+    std::istringstream lines(fileText(TRELM_EXAMPLES "/formats/bicelle_hn.nef"));
+    std::string text;
+    for (std::string line; std::getline(lines, line);)
+        if (std::atoi(line.c_str()) <= 7)
+            text += line + "\n";
+    return text;
+}
+
+/// The atoms of a PDB file as a loop of mmCIF.
+std::string asMmcif(const std::string &pdb)
+{
+    std::istringstream lines(pdb);
+    std::string text = "data_m\nloop_\n";
+    for (const char *tag : {"group_PDB", "id", "label_atom_id", "auth_comp_id", "auth_asym_id", "auth_seq_id",
+                            "Cartn_x", "Cartn_y", "Cartn_z"})
+        text.append("_atom_site.").append(tag).append("\n");
+    for (std::string line; std::getline(lines, line);)
+        if (line.starts_with("ATOM"))
+            text += line.substr(0, 54) + "\n";
+    return text;
+}
+
+void writePacked(const std::filesystem::path &name, const std::string &text)
+{
+    gzFile file = gzopen(name.c_str(), "wb");
+    gzwrite(file, text.data(), static_cast<unsigned>(text.size()));
+    gzclose(file);
 }
 
 /// So many couplings, with such errors, that a likelihood goes through transforms.
@@ -121,6 +155,9 @@ const std::vector<SmallRun> &smallRuns()
         {"conv", "-conv -trelm" + table},
         {"convXplor", "-conv -xplor -dcNoise" + table},
         {"convRosetta", "-conv -rosetta" + table},
+        {"bestFitNef", "-bestFit" + structure + " -inD ../in/d.nef.gz -medium 1 -outD fit.tab"},
+        {"bestFitMmcif", "-bestFit -pdb ../in/m.cif -H -label -inD ../in/d.nef.gz -outD fit.tab"},
+        {"convStar", "-conv -star -inD ../in/d.nef.gz -outD fit.tab"},
         {"convToStdout", "-conv -inD ../in/d.tab"},
     };
     return runs;
@@ -132,6 +169,7 @@ void writeSmallInputs(const std::filesystem::path &folder)
     const std::pair<const char *, std::string> files[] = {
         {"m.pdb", molecule},
         {"two.pdb", molecule},
+        {"m.cif", asMmcif(molecule)},
         {"c.inp", configuration},
         {"d.tab", couplings("ubiquitin/bicelle_hn.tab", 8)},
         {"d2.tab", couplings("ubiquitin/bicelle2_hn.tab", 8)},
@@ -147,4 +185,5 @@ void writeSmallInputs(const std::filesystem::path &folder)
     };
     for (const auto &[name, text] : files)
         std::ofstream(folder / name, std::ios::binary) << text;
+    writePacked(folder / "d.nef.gz", archiveCouplings());
 }

@@ -21,7 +21,7 @@ void appendWord(std::string &text, std::string_view word)
 void appendAtom(std::string &text, const NamedAtom &atom)
 {
     appendWord(text, atom.chain.view());
-    appendWord(text, std::to_string(atom.resID).append(atom.icode.view()));
+    appendWord(text, std::to_string(atom.resID).append(atom.code()));
     appendWord(text, atom.resName.view());
     appendWord(text, atom.atomName.view());
 }
@@ -84,7 +84,7 @@ bool readResidue(std::string_view word, NamedAtom &atom)
     if (status != std::errc{} || last - end > 1 ||
         (end != last && std::isalpha(static_cast<unsigned char>(*end)) == 0))
         return false;
-    atom.icode = Name::of({end, last});
+    atom.icode = end == last ? '\0' : *end;
     return true;
 }
 

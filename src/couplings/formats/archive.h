@@ -15,8 +15,11 @@ namespace trelm {
 /// An atom as a file names it. A name that the form does not have is empty.
 struct NamedAtom {
     int resID = 0;
-    Name icode, resName, atomName;
+    char icode = '\0'; ///< insertion code; 0: none
+    Name resName, atomName;
     Name chain; ///< or segment, where the form has that
+
+    [[nodiscard]] std::string_view code() const { return {&icode, icode == '\0' ? 0U : 1U}; }
 };
 
 /// One coupling.

@@ -306,6 +306,8 @@ Status readCsvRow(CsvFile &at)
     const RowLines &lines = at.lines;
     if (splitCells(at) != Status::ok)
         return Status::failed;
+    if (std::ranges::all_of(at.cells, &std::string_view::empty)) // spreadsheets end with such rows
+        return Status::ok;
     if (at.cells.size() != at.columns.count)
         return failAt(lines.file, lines.number, lines.messages, "a row of %zu cells under a header of %zu",
                       at.cells.size(), at.columns.count);

@@ -116,7 +116,7 @@ bool isHeader(std::string_view line)
 {
     constexpr std::string_view marks = ",;\t";
     return std::ranges::any_of(line, [&](char c) { return marks.find(c) != std::string_view::npos; }) &&
-           isName(firstWord(line));
+           isName(firstWord(line).substr(line.starts_with('"') ? 1 : 0));
 }
 
 } // namespace

@@ -147,6 +147,9 @@ std::string placeGroup(const Placing &placing, const ResInfo &residue, const Gro
             atoms.insert(placing.pdbInfo.placeOf(*atom));
             side.atom = atom->atomName; // of a group of one
         }
+    const bool isPseudo = side.from.atomName.view().find_first_of("QM") == 0;
+    if (atoms.size() == 1 && isPseudo) // which stands for several: it must be another atom
+        side.atom = side.from.atomName;
     if (atoms.size() < 2)
         return {};
     for (const std::string &name :
@@ -165,8 +168,8 @@ std::string placeAtom(const Placing &placing, Side &side)
 {
     const PDBInfo &pdbInfo = placing.pdbInfo;
     side.atom = side.from.atomName;
-    if (!side.from.icode.empty()) // the key of such an atom is its code and its chain
-        side.chain = Name::of(std::string(side.from.icode.view()).append(side.chain.view()));
+    if (!side.from.code().empty()) // the key of such an atom is its code and its chain
+        side.chain = Name::of(std::string(side.from.code()).append(side.chain.view()));
     if (findAtom(pdbInfo, side.resID, side.atom.view(), side.chain.view(), side.segment.view()) != nullptr)
         return {};
     const ResInfo *residue = findRes(pdbInfo, side.resID, side.chain.view(), side.segment.view());
@@ -178,7 +181,7 @@ std::string placeAtom(const Placing &placing, Side &side)
     }
     if (side.atom.view().find_first_of("xy") != std::string_view::npos)
         return "stereo atoms not told apart (" + std::string(side.atom.view()) + ")";
-    const GroupName group = groupOf(side.atom.view());
+    const GroupName group = groupOf(fullMethylName(residue->resName.view(), side.atom.view()));
     return group.start.empty() ? std::string() : placeGroup(placing, *residue, group, side);
 }
 
@@ -255,8 +258,9 @@ Status placeRows(const PDBInfo &pdbInfo, int aOff, DTable &dTab, Messages &messa
     if (settleRows(dTab, messages) != Status::ok)
         return Status::failed;
     // Of one chain the rows need no name, and a report shows none.
-    const bool hasCodes = std::ranges::any_of(
-        dTab.origin.rows, [](const ArchiveRow &row) { return !row.i.icode.empty() || !row.j.icode.empty(); });
+    const bool hasCodes = std::ranges::any_of(dTab.origin.rows, [](const ArchiveRow &row) {
+        return !row.i.code().empty() || !row.j.code().empty();
+    });
     const bool isPlain = pdbInfo.chains().size() == 1 && !hasCodes && !placing.lacksChain;
     dTab.nullChainName = dTab.nullSegName = isPlain ? 1 : 0;
     return Status::ok;

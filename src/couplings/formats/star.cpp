@@ -29,7 +29,7 @@ struct Category {
     std::string_view prefix; ///< of all its tags
     std::array<AtomTags, mostSets> sets;
     std::size_t labelSet; ///< the set of label numbers
-    Tags value, error, low, high, weight, scale, id;
+    Tags value, error, low, high, weight, scale, id, combination;
 };
 
 constexpr AtomTags authorTags = {{"Auth_asym_ID_#", "PDB_strand_ID_#", "Auth_entity_assembly_ID_#"},
@@ -65,7 +65,8 @@ constexpr Category categories[] = {
      {"upper_limit"},
      {"weight"},
      {"scale"},
-     {"restraint_id"}},
+     {"restraint_id"},
+     {"restraint_combination_id"}},
     {"_RDC_constraint.",
      {authorTags, pdbTags, labelTags},
      2,
@@ -75,8 +76,9 @@ constexpr Category categories[] = {
      {"RDC_upper_bound"},
      {"Weight"},
      {"RDC_val_scale_factor"},
-     {"ID"}},
-    {"_RDC.", {authorTags, labelTags}, 1, {"Val"}, {"Val_err"}, {"Val_min"}, {"Val_max"}, {}, {}, {"ID"}},
+     {"ID"},
+     {"Combination_ID"}},
+    {"_RDC.", {authorTags, labelTags}, 1, {"Val"}, {"Val_err"}, {"Val_min"}, {"Val_max"}, {}, {}, {"ID"}, {}},
     {"_", // files of version 2.1, whose tags have no category
      {oldTags},
      0,
@@ -86,7 +88,8 @@ constexpr Category categories[] = {
      {"Residual_dipolar_coupling_max_value"},
      {},
      {},
-     {"Residual_dipolar_coupling_ID"}},
+     {"Residual_dipolar_coupling_ID"},
+     {}},
 };
 
 /// The items of a frame that state its tensor.
@@ -106,7 +109,7 @@ struct AtomColumns {
 /// Where the fields of a loop stand.
 struct LoopColumns {
     std::vector<std::array<AtomColumns, 2>> sets; ///< in the order in which they are tried
-    Columns value, error, low, high, weight, scale, id;
+    Columns value, error, low, high, weight, scale, id, combination;
 };
 
 /// A file at work.
@@ -171,7 +174,8 @@ LoopColumns loopColumns(std::span<const std::string_view> loopTags, const Catego
                          columns(category.high),
                          columns(category.weight),
                          columns(category.scale),
-                         columns(category.id)};
+                         columns(category.id),
+                         columns(category.combination)};
     for (const AtomTags &set : category.sets)
         if (!set.atom[0].empty())
             found.sets.push_back(
@@ -240,7 +244,9 @@ bool readAtom(Row row, const AtomColumns &columns, NamedAtom &atom)
     if (residue.empty() || name.empty() || !readResidue(residue, atom))
         return false;
     const std::string_view chain = textOf(row, columns.chain), icode = textOf(row, columns.icode);
-    return (icode.empty() || readName(icode, atom.icode)) && readName(name, atom.atomName) &&
+    if (!icode.empty())
+        atom.icode = icode[0];
+    return icode.size() <= 1 && readName(name, atom.atomName) &&
            readName(textOf(row, columns.resName), atom.resName) &&
            readName(chain.empty() ? chainOf(textOf(row, columns.chainNumber)) : std::string(chain),
                     atom.chain);
@@ -282,6 +288,8 @@ Status readValues(const StarFile &star, const LoopColumns &columns, ArchiveRow &
             return Status::failed;
     if (!error && low && high)
         error = (*high - *low) / 2.0;
+    if (low && high && *low > *high)
+        return failAt(star.file, star.reader.line(), star.messages, "the lower limit is above the upper one");
     if (weight.value_or(1.0) < 0.0 || error.value_or(1.0) < 0.0)
         return failAt(star.file, star.reader.line(), star.messages, "a negative error or weight");
     hasValue = value.has_value();
@@ -293,15 +301,19 @@ Status readValues(const StarFile &star, const LoopColumns &columns, ArchiveRow &
     return Status::ok;
 }
 
-/// Rows of one restraint mean one of their pairs.
-void markAlternatives(std::span<std::pair<std::string_view, std::size_t>> ids, Archive &archive)
+using RowIds = std::vector<std::pair<std::string_view, std::size_t>>; ///< with the place of their row
+
+/// Rows of one restraint mean one of their pairs, those of one combination their pairs together.
+void markAlternatives(RowIds &ids, Archive &archive)
 {
     std::ranges::sort(ids);
     for (auto first = ids.begin(); first != ids.end();) {
         const auto last =
             std::find_if(first, ids.end(), [&](const auto &id) { return id.first != first->first; });
-        for (auto id = first; id != last; ++id)
-            archive.rows[id->second].alternatives = static_cast<int>(last - first);
+        for (auto id = first; id != last; ++id) {
+            int &alternatives = archive.rows[id->second].alternatives;
+            alternatives = std::max(alternatives, static_cast<int>(last - first));
+        }
         first = last;
     }
 }
@@ -329,7 +341,7 @@ Status readCouplingLoop(StarFile &star, const Category &category)
     if (columns.value.empty())
         return failAt(star.file, star.reader.line(), star.messages, "a loop of couplings without values");
     const std::size_t medium = frameMedium(star);
-    std::vector<std::pair<std::string_view, std::size_t>> ids;
+    RowIds ids, combinations;
     if (star.archive.rows
             .empty()) // a value takes two bytes at least; what is not used of the room costs nothing
         star.archive.rows.reserve(star.file.text.size() / (2 * star.reader.tags().size()));
@@ -349,9 +361,12 @@ Status readCouplingLoop(StarFile &star, const Category &category)
         }
         if (const std::string_view id = textOf(star.reader.row(), columns.id); !id.empty())
             ids.emplace_back(id, star.archive.rows.size());
+        if (const std::string_view id = textOf(star.reader.row(), columns.combination); !id.empty())
+            combinations.emplace_back(id, star.archive.rows.size());
         addRow(star.archive, row);
     }
     markAlternatives(ids, star.archive);
+    markAlternatives(combinations, star.archive);
     return Status::ok;
 }
 

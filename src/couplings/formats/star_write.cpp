@@ -106,7 +106,8 @@ void forEachRow(const TableOut &table,
         if (observed[k].valid == 0 || calculated[k].valid == 0)
             continue;
         const auto residue = [&](int resID, const NamedAtom ArchiveRow::*side) {
-            return std::to_string(resID).append(k < from.size() ? (from[k].*side).icode.view() : "");
+            return std::to_string(resID).append(k < from.size() ? (from[k].*side).code()
+                                                                : std::string_view{});
         };
         visit({observed[k], calculated[k], residue(observed[k].resIDI, &ArchiveRow::i),
                residue(observed[k].resIDJ, &ArchiveRow::j)},

@@ -1,6 +1,7 @@
 #include "couplings/formats/take.h"
 
 #include "couplings/interaction.h"
+#include "structure/atom_names.h"
 #include "support/text/text.h"
 
 #include <algorithm>
@@ -104,7 +105,7 @@ using ArchivePairKey = std::pair<AtomKey, AtomKey>;
 ArchivePairKey keyOf(const ArchiveRow &row)
 {
     const auto key = [](const NamedAtom &atom) -> AtomKey {
-        return {atom.chain.view(), atom.resID, atom.icode.view(), atom.atomName.view()};
+        return {atom.chain.view(), atom.resID, atom.code(), atom.atomName.view()};
     };
     return std::minmax(key(row.i), key(row.j));
 }
@@ -183,9 +184,11 @@ void tellTotals(const Taking &taking, std::size_t used)
 
 // ---- rows of the table ----
 
-/// A pair that has a fixed distance in the other order of its atoms alone.
+/// A pair that has a fixed distance in the other order of its atoms alone, or an amide with N first.
 bool isTurnedPair(const ArchiveRow &row)
 {
+    if (row.i.atomName == "N" && row.j.atomName == "HN" && row.i.resID == row.j.resID)
+        return true;
     Messages silent([](Messages::Stream, std::string_view) {}); // unknown nuclei are told elsewhere
     const PairSide i = {row.i.resID, row.i.atomName.view()}, j = {row.j.resID, row.j.atomName.view()};
     return !findVariableDI(0.0f, i, j, 1, silent).isFixed && findVariableDI(0.0f, j, i, 1, silent).isFixed;
@@ -193,9 +196,9 @@ bool isTurnedPair(const ArchiveRow &row)
 
 /// The name of an atom as tables have it. Q and M names and the wildcards of other programs become those of
 /// tables: # for numbers, * for two of them.
-Name tableName(const Name &name)
+Name tableName(const NamedAtom &atom)
 {
-    std::string text(name.view());
+    std::string text(fullMethylName(atom.resName.view(), atom.atomName.view()));
     const std::size_t marks = text.starts_with("QQ") ? 2 : 1;
     if (text.size() > marks && (text[0] == 'Q' || text[0] == 'M'))
         text = std::string("H").append(text, marks).append(marks == 2 ? "*" : "#");
@@ -210,8 +213,8 @@ DInfo rowOf(const ArchiveRow &from, NameStore &names)
     DInfo row;
     row.names = names.keep({.resNameI = from.i.resName,
                             .resNameJ = from.j.resName,
-                            .atomNameI = tableName(from.i.atomName),
-                            .atomNameJ = tableName(from.j.atomName),
+                            .atomNameI = tableName(from.i),
+                            .atomNameJ = tableName(from.j),
                             .chainNameI = from.i.chain,
                             .chainNameJ = from.j.chain});
     row.valid = 1;

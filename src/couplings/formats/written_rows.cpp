@@ -8,8 +8,7 @@
 namespace trelm {
 namespace {
 
-NamedAtom writtenAtom(int resID, const Name &icode, const Name &resName, const Name &atomName,
-                      const Name &chain)
+NamedAtom writtenAtom(int resID, char icode, const Name &resName, const Name &atomName, const Name &chain)
 {
     return {.resID = resID, .icode = icode, .resName = resName, .atomName = atomName, .chain = chain};
 }
@@ -42,7 +41,7 @@ std::vector<ArchiveRow> writtenRows(const TableOut &table)
 
 std::string residueText(const NamedAtom &atom)
 {
-    return std::to_string(atom.resID).append(atom.icode.view());
+    return std::to_string(atom.resID).append(atom.code());
 }
 
 std::string_view nameOr(const Name &name, std::string_view none)

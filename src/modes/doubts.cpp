@@ -174,6 +174,17 @@ void tellHydrogens(const Run &run, Messages &messages)
                       run.options.pdbName.c_str());
 }
 
+/// Conventions that were asked for, and that the types then speak against.
+void tellConventions(const RunOptions &options, const TypeCheck &check, Messages &messages)
+{
+    const auto isTurned = [](const TypeQuality &type) { return type.factor < 0.0; };
+    const auto isScaled = [](const TypeQuality &type) { return type.verdict == TypeVerdict::scaled; };
+    if (!options.rdcSign.empty() && check.signsArePhysical && std::ranges::any_of(check.types, isTurned))
+        messages.warn("trelm: with -rdcSign physical the types without N are turned: leave it out\n");
+    if (!options.rdcScale.empty() && std::ranges::any_of(check.types, isScaled))
+        messages.warn("trelm: with -rdcScale nh types have other sizes: were their values normalised?\n");
+}
+
 void tellFit(const Run &run, Messages &messages)
 {
     const DTable &dTab = run.dTab[0];
@@ -191,6 +202,7 @@ void tellFit(const Run &run, Messages &messages)
     for (const TypeQuality &type : check.types)
         if (isDoubtful(type.verdict))
             messages.warn("trelm: %s: %s\n", type.name.c_str(), verdictText(check, type).c_str());
+    tellConventions(run.options, check, messages);
 }
 
 } // namespace trelm

@@ -182,7 +182,8 @@ void appendSide(const RowSide &side, const DTable &dTab, std::string &text)
 {
     text += ' ';
     appendInt(text, side.resID, 4);
-    appendName(text, side.resName.view());
+    // A blank is no word for a reader. What was read as a table keeps it; other forms lack the names often.
+    appendName(text, dTab.origin.file.empty() ? side.resName.view() : orNone(side.resName));
     appendName(text, side.atomName.view());
     if (dTab.nullChainName == 0)
         appendName(text, orNone(side.chainName));
@@ -222,6 +223,8 @@ void appendRow(const FittedTable &table, std::size_t i, bool verbose, std::strin
 
 void appendTable(const FittedTable &table, bool verbose, std::string &text)
 {
+    constexpr std::size_t rowLength = 128; // more than most have; a text that grows is there twice
+    text.reserve(text.size() + table.dTab.dCount * rowLength);
     text += '\n';
     appendTableHead(table.dTab, verbose, text);
     for (std::size_t i = 0; i < table.dTab.dCount; ++i)

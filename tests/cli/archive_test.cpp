@@ -156,6 +156,11 @@ TEST(Archive, RowsThatAreNotUsedAreTold)
         {"6 A 8 LEU HD% A 8 LEU CG 1 1 1\n", "trelm: HD% read as HD* (1 atom)\n"},
         {"6 A 46 ALA HN A 46 ALA N 1 1 1\n7 A 46 ALA MB A 46 ALA CB 1 1 1\n",
          "trelm: HN read as H (1 atom), MB read as HB# (1 atom)\n"},
+        {"6 A 7 THR MG A 7 THR CB 1 1 1\n", "trelm: MG read as HG2# (1 atom)\n"}, // HG1 is no methyl
+        {"stop_ loop_ _nef_rdc_restraint.restraint_combination_id _nef_rdc_restraint.sequence_code_1 "
+         "_nef_rdc_restraint.atom_name_1 _nef_rdc_restraint.sequence_code_2 _nef_rdc_restraint.atom_name_2 "
+         "_nef_rdc_restraint.target_value\n1 8 H 8 N 1\n1 9 H 9 N 2\n",
+         "line 23: 8 H - 8 N: ambiguous (2 alternatives).\n"},
     };
     for (const auto &one : cases) {
         const Ran ran = goodRun(fitLine("-pdb ubi/1d3z_model1.pdb -inD x.nef"),
@@ -179,6 +184,8 @@ TEST(Archive, FaultsAreOneLineWithTheirPlace)
         {nef("1 A 2 MET H A 2 MET N -1 1 1\n"), "line 17: a negative error or weight.\n"},
         {nef(someRows).substr(0, nef(someRows).size() - 6),
          "line 23: the file ends within the frame nef_rdc"},
+        {nefHead + "_RDC.Val _RDC.Val_min _RDC.Val_max\n1 2 0\n",
+         "line 6: the lower limit is above the upper one.\n"},
         {nefHead + "_RDC.ID\n1\n", "line 4: a loop of couplings without values.\n"},
         {"data_x\nloop_\n_a.b\n1\nstop_\n", "trelm: x.nef: no couplings in it.\n"},
         {nef(""), "trelm: x.nef: no couplings that can be used.\n"},

@@ -59,6 +59,9 @@ TEST(ListForms, OneFitFromEveryForm)
         EXPECT_EQ(number(report, "DATA RMS"), number(told.file("fit.tab"), "DATA RMS")) << one.form;
         const Ran asked = goodRun(fitOf + "x -inF " + one.form, {.files = one.files});
         EXPECT_EQ(asked.file("fit.tab"), report) << one.form;
+        const Ran again =
+            goodRun(fitOf + "t -names auto", {.files = written("-trelm -inD x", "t", one.files)});
+        EXPECT_NEAR(number(again.file("fit.tab"), "DATA Da_HN"), -9.398, 0.001) << one.form;
     }
 }
 

@@ -231,14 +231,17 @@ void tellErrors(const Taking &taking, std::span<const ArchiveRow> rows)
     constexpr double narrowest =
         1.0; // Hz: no width of a restraint was seen below, no error of a method above
     const auto errorOf = [](const ArchiveRow &row) { return row.error; };
-    if (std::ranges::all_of(rows, [](const ArchiveRow &row) { return !row.error; })) {
+    const auto lacking = static_cast<std::size_t>(
+        std::ranges::count_if(rows, [](const ArchiveRow &row) { return !row.error; }));
+    if (lacking == rows.size())
         taking.messages.note("trelm: %s has no errors: DD is 1 Hz\n", taking.name.c_str());
-        return;
-    }
+    else if (lacking != 0)
+        taking.messages.warn("trelm: %s: %zu of %zu couplings have no error: their DD is 1 Hz\n",
+                             taking.name.c_str(), lacking, rows.size());
     const std::optional<double> first = rows[0].error;
     const bool isOne = std::ranges::all_of(
         rows, [&](const auto &error) { return error == first; }, errorOf);
-    if (isOne && rows.size() > 1 && *first >= narrowest)
+    if (first && isOne && rows.size() > 1 && *first >= narrowest)
         taking.messages.note("trelm: %s: one error for all rows: %.3f Hz, a restraint's width?\n",
                              taking.name.c_str(), *first);
     const auto [least, largest] = std::ranges::minmax(rows, {}, &ArchiveRow::scale);

@@ -144,16 +144,53 @@ void placeAlong(const Grid3D &grid, std::size_t axis, std::span<const float> tur
     }
 }
 
+/// Starts the runs anew.
+void clearRuns(GridRuns &runs)
+{
+    runs.runs.clear();
+    runs.firstOf = {0};
+}
+
+/// The next atom's point at a position.
+void addPoint(GridRuns &runs, std::size_t position, int point)
+{
+    const bool isFirst = runs.runs.size() == runs.firstOf.back();
+    if (!isFirst) {
+        GridRun &last = runs.runs.back();
+        const auto length = static_cast<std::ptrdiff_t>(last.length);
+        if (last.first + last.length == position && last.point + length == point) {
+            ++last.length;
+            return;
+        }
+    }
+    runs.runs.push_back({position, 1, point});
+}
+
+void findRunsAlongY(const Grid3D &grid, GridPlaces &places)
+{
+    clearRuns(places.yRuns);
+    const std::size_t atoms = places.turnedAxis.size();
+    for (std::size_t j = 0; j < atoms; ++j) {
+        for (std::size_t k = 0; k < static_cast<std::size_t>(std::max(grid.count[1], 0)); ++k)
+            if (places.y[k * atoms + j] != GridPlaces::off)
+                addPoint(places.yRuns, k, places.y[k * atoms + j]);
+        places.yRuns.firstOf.push_back(places.yRuns.runs.size());
+    }
+}
+
 void placeAlongZ(const Grid3D &grid, GridPlaces &places)
 {
     places.z.clear();
     places.isWithin.clear();
+    clearRuns(places.zRuns);
     for (const float coordinate : places.turnedAxis) {
         bool isWithin = true;
         for (int step = 0; step < grid.planes(); ++step) {
             places.z.push_back(pointAlongZ(grid, shiftAlong(grid, 2, step), coordinate));
             isWithin = isWithin && places.z.back() >= 0 && places.z.back() < grid.count[2];
+            addPoint(places.zRuns, static_cast<std::size_t>(step), places.z.back());
         }
+        places.zRuns.firstOf.push_back(places.zRuns.runs.size());
         places.isWithin.push_back(isWithin ? 1 : 0);
     }
 }
@@ -171,63 +208,93 @@ struct Row {
     {
         return x[j] == GridPlaces::off || y[j] == GridPlaces::off;
     }
-    [[nodiscard]] std::size_t number(std::size_t j) const
+    /// Calls within(run, point) for each run of an atom that is not off the row, with the number of its first
+    /// point; or beyond(position) at each of its positions where points of it are beyond the values.
+    template <class Within, class Beyond>
+    void forEachRun(std::size_t j, Within within, Beyond beyond) const
     {
-        return static_cast<std::size_t>(x[j]) + static_cast<std::size_t>(y[j]);
-    }
-    /// What the row holds; mixed where the atom leaves it.
-    [[nodiscard]] GridRows::Kind kind(std::size_t j) const
-    {
-        return places.isWithin[j] != 0 && number(j) < rows.kind.size() ? rows.kind[number(j)]
-                                                                       : GridRows::mixed;
-    }
-    /// Calls visit(position, potential) at each position for an atom that is not off the row.
-    template <class Visit>
-    void forEachPosition(std::size_t j, Visit visit) const
-    {
-        const auto first = static_cast<std::ptrdiff_t>(number(j)) * grid.count[2];
-        const int *const z = &places.z[j * length()];
-        for (std::size_t k = 0; k < length(); ++k) {
-            const auto point = static_cast<std::size_t>(first + z[k]); // wraps where it would be below 0
-            visit(k, point < rows.pot3D.size() ? rows.pot3D[point] : 0.0);
+        const auto first = static_cast<std::ptrdiff_t>(x[j] + y[j]) * grid.count[2];
+        const auto size = static_cast<std::ptrdiff_t>(rows.pot3D.size());
+        for (const GridRun &run : places.zRuns.of(j)) {
+            const std::ptrdiff_t point = first + run.point, length = static_cast<std::ptrdiff_t>(run.length);
+            if (point >= 0 && point + length <= size) {
+                within(run, static_cast<std::size_t>(point));
+                continue;
+            }
+            for (std::ptrdiff_t k = 0; k < length; ++k) {
+                const GridRun one = {run.first + static_cast<std::size_t>(k), 1, 0};
+                if (point + k >= 0 && point + k < size)
+                    within(one, static_cast<std::size_t>(point + k));
+                else
+                    beyond(one.first);
+            }
         }
     }
 };
 
-/// Whether atom j takes the whole row; if it may take some positions of it, it is noted.
-bool blocksRow(const Row &row, std::size_t j, RowSearch &search)
+/// Marks what an atom's points clash with.
+[[gnu::target_clones("avx512f", "avx2", "default")]] void addMarks(std::span<const unsigned char> from,
+                                                                   unsigned char *to)
 {
-    // Where no potential is allowed at all, the one beyond the grid, which is 0, is not either.
-    if (row.isOff(j))
-        return row.grid.maxPot <= 0.0f;
-    const GridRows::Kind kind = row.kind(j);
-    if (kind == GridRows::mixed)
-        search.mixed.push_back(j);
-    return kind == GridRows::full;
+    for (std::size_t k = 0; k < from.size(); ++k)
+        to[k] = static_cast<unsigned char>(to[k] | from[k]);
 }
 
-/// Marks the free positions of a row. Returns their number.
-std::size_t findFree(const Row &row, RowSearch &search)
+[[gnu::target_clones("avx512f", "avx2", "default")]] void addEnergy(std::span<const double> potential,
+                                                                    double charge, double *energy)
 {
-    search.mixed.clear();
-    if (blocksRow(row, search.lastClash, search))
-        return 0;
-    for (std::size_t j = 0; j < row.atoms(); ++j)
-        if (j != search.lastClash && blocksRow(row, j, search)) {
-            search.lastClash = j;
-            return 0;
-        }
-    const auto maxPot = number(row.grid.maxPot);
-    std::size_t free = row.length();
-    search.isFree.assign(free, 1);
-    for (std::size_t m = 0; m < search.mixed.size() && free > 0; ++m)
-        row.forEachPosition(search.mixed[m], [&](std::size_t k, double potential) {
-            if (search.isFree[k] != 0 && std::fabs(potential) >= maxPot) {
-                search.isFree[k] = 0;
-                --free;
-            }
-        });
-    return free;
+    for (std::size_t k = 0; k < potential.size(); ++k)
+        energy[k] += potential[k] * charge;
+}
+
+/// Marks for all rows at one shift along x what their atoms meet, the kinds of an atom's rows combined run by
+/// run along y.
+void markRows(const GridRows &rows, const GridPlaces &places, const int *x, std::span<unsigned char> marks)
+{
+    std::ranges::fill(marks, static_cast<unsigned char>(0));
+    for (std::size_t j = 0; j < places.isWithin.size(); ++j) {
+        if (x[j] == GridPlaces::off)
+            continue;
+        // Of an atom that leaves its row all that is known is that it may clash.
+        const std::span<const unsigned char> of = places.isWithin[j] != 0 ? rows.marks : rows.someMarks;
+        for (const GridRun &run : places.yRuns.of(j))
+            addMarks(of.subspan(static_cast<std::size_t>(x[j] + run.point), run.length), &marks[run.first]);
+    }
+}
+
+/// Where no potential is allowed at all, the one beyond the grid, which is 0, is not either: atoms off the
+/// grid take their rows.
+void markRowsOfAtomsOff(const GridPlaces &places, const int *x, std::span<unsigned char> marks)
+{
+    const std::size_t atoms = places.isWithin.size();
+    for (std::size_t k = 0; k < marks.size(); ++k)
+        for (std::size_t j = 0; j < atoms; ++j)
+            if (x[j] == GridPlaces::off || places.y[k * atoms + j] == GridPlaces::off)
+                marks[k] = GridRows::allClash;
+}
+
+/// Marks the positions of a row that atoms take. Returns whether one is free.
+bool findTaken(const Row &row, RowSearch &search)
+{
+    const bool clashesBeyond = row.grid.maxPot <= 0.0f;
+    for (std::size_t j = 0; j < row.atoms(); ++j) {
+        if (row.isOff(j))
+            continue;
+        const std::span<const unsigned char> marks =
+            row.places.isWithin[j] != 0 ? row.rows.marks : row.rows.someMarks;
+        if (marks[static_cast<std::size_t>(row.x[j] + row.y[j])] == 0)
+            continue;
+        row.forEachRun(
+            j,
+            [&](const GridRun &run, std::size_t point) {
+                addMarks(std::span(row.rows.clashes).subspan(point, run.length), &search.isTaken[run.first]);
+            },
+            [&](std::size_t k) {
+                if (clashesBeyond)
+                    search.isTaken[k] = 1;
+            });
+    }
+    return std::ranges::find(search.isTaken, 0) != search.isTaken.end();
 }
 
 /// The weights of the free positions of a row.
@@ -238,12 +305,16 @@ double weighFree(const Row &row, const ChargeSet &charges, RowSearch &search)
         const auto j = static_cast<std::size_t>(charges.chargeAtomID[c]);
         const auto q = number(charges.charges[c]);
         if (!row.isOff(j))
-            row.forEachPosition(j,
-                                [&](std::size_t k, double potential) { search.energy[k] += potential * q; });
+            row.forEachRun(
+                j,
+                [&](const GridRun &run, std::size_t point) {
+                    addEnergy(row.rows.pot3D.subspan(point, run.length), q, &search.energy[run.first]);
+                },
+                [&](std::size_t k) { search.energy[k] += 0.0 * q; });
     }
     double sum = 0.0;
     for (std::size_t k = 0; k < row.length(); ++k)
-        if (search.isFree[k] != 0)
+        if (search.isTaken[k] == 0)
             sum += std::exp(-search.energy[k]);
     return sum;
 }
@@ -270,17 +341,23 @@ GridRows makeGridRows(const Grid3D &grid, std::span<const double> pot3D)
 {
     GridRows rows;
     rows.pot3D = pot3D;
-    if (grid.count[2] < 1)
+    if (!grid.hasPositions() || grid.count[2] < 1)
         return rows;
-    const auto length = static_cast<std::size_t>(grid.count[2]);
     const auto maxPot = number(grid.maxPot);
-    for (std::size_t from = 0; from + length <= pot3D.size(); from += length) {
-        const auto row = pot3D.subspan(from, length);
-        const auto clashing =
-            std::ranges::count_if(row, [maxPot](double value) { return std::fabs(value) >= maxPot; });
-        rows.kind.push_back(clashing == 0                                     ? GridRows::free
-                            : clashing == static_cast<std::ptrdiff_t>(length) ? GridRows::full
-                                                                              : GridRows::mixed);
+    for (const double value : pot3D)
+        rows.clashes.push_back(std::fabs(value) >= maxPot ? 1 : 0);
+    const auto length = static_cast<std::size_t>(grid.count[2]);
+    const auto nX = static_cast<std::size_t>(grid.count[0]), nY = static_cast<std::size_t>(grid.count[1]);
+    const std::size_t reached =
+        (nX + 1) * nY + 1; // the last half step on the positive side has the count's number
+    rows.someMarks.assign(reached, GridRows::someClash);
+    rows.marks = rows.someMarks;
+    for (std::size_t row = 0; row < reached && (row + 1) * length <= pot3D.size(); ++row) {
+        const auto points = std::span(rows.clashes).subspan(row * length, length);
+        const auto clashing = std::ranges::count(points, 1);
+        rows.marks[row] = clashing == 0                                     ? GridRows::noClash
+                          : clashing == static_cast<std::ptrdiff_t>(length) ? GridRows::allClash
+                                                                            : GridRows::someClash;
     }
     return rows;
 }
@@ -294,7 +371,9 @@ void placeAtoms(const Grid3D &grid, const Coordinates &atoms, const std::array<A
             places.turnedAxis[j] = turned(atoms, j, columns[axis]);
         if (axis < 2)
             placeAlong(grid, axis, places.turnedAxis, axis == 0 ? places.x : places.y);
-        else
+        if (axis == 1)
+            findRunsAlongY(grid, places);
+        if (axis == 2)
             placeAlongZ(grid, places);
     }
 }
@@ -307,12 +386,21 @@ double weighPositions(const Grid3D &grid, const GridRows &rows, const GridPlaces
     if (!grid.hasPositions())
         return sum;
     const auto nX = static_cast<std::size_t>(grid.count[0]), nY = static_cast<std::size_t>(grid.count[1]);
-    for (std::size_t iii = 0; iii < nX; ++iii)
+    search.marks.resize(nY);
+    for (std::size_t iii = 0; iii < nX; ++iii) {
+        const int *const x = &places.x[iii * atoms];
+        markRows(rows, places, x, search.marks);
+        if (grid.maxPot <= 0.0f)
+            markRowsOfAtomsOff(places, x, search.marks);
         for (std::size_t jjj = 0; jjj < nY; ++jjj) {
-            const Row row = {grid, rows, places, &places.x[iii * atoms], &places.y[jjj * atoms]};
-            if (findFree(row, search) > 0)
+            if ((search.marks[jjj] & GridRows::allClash) != 0)
+                continue;
+            const Row row = {grid, rows, places, x, &places.y[jjj * atoms]};
+            search.isTaken.assign(row.length(), 0);
+            if (search.marks[jjj] == GridRows::noClash || findTaken(row, search))
                 sum += weighFree(row, charges, search);
         }
+    }
     return sum;
 }
 

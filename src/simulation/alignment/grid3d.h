@@ -33,9 +33,28 @@ Grid3D makeGrid3D(const Grid3DOptions &options);
 /// The points of a grid, kT/e, and what the rows along z hold in common: the clash test asks a whole row at
 /// once.
 struct GridRows {
-    enum Kind : unsigned char { free, mixed, full }; ///< no, some, all points of the row clash
+    static constexpr unsigned char noClash = 0, someClash = 1, allClash = 2;
     std::span<const double> pot3D;
-    std::vector<Kind> kind; ///< y fastest
+    std::vector<unsigned char> clashes; ///< 1 for each point where an atom clashes, or 0
+    std::vector<unsigned char> marks;   ///< which points of a row clash, y fastest; beyond the rows someClash
+    std::vector<unsigned char> someMarks; ///< someClash for each
+};
+
+/// Points that follow each other as the positions do.
+struct GridRun {
+    std::size_t first = 0, length = 0; ///< positions
+    int point = 0;                     ///< of the first
+};
+
+/// The runs of all atoms, those of an atom side by side.
+struct GridRuns {
+    std::vector<GridRun> runs;
+    std::vector<std::size_t> firstOf = {0}; ///< of each atom, and one more
+
+    [[nodiscard]] std::span<const GridRun> of(std::size_t j) const
+    {
+        return std::span(runs).subspan(firstOf[j], firstOf[j + 1] - firstOf[j]);
+    }
 };
 
 GridRows makeGridRows(const Grid3D &grid, std::span<const double> pot3D);
@@ -48,6 +67,7 @@ struct GridPlaces {
     std::vector<int> z;         ///< atom by atom, an entry a shift: the point in the row, from 0; the row
                                 ///< before has -1, and beyond the values there is no potential
     std::vector<char> isWithin; ///< whether an atom stays in its row at every shift along z
+    GridRuns yRuns, zRuns;      ///< of y, without the points off the grid, and of z
     std::vector<float> turnedAxis; ///< work space
 };
 
@@ -56,10 +76,9 @@ void placeAtoms(const Grid3D &grid, const Coordinates &atoms, const std::array<A
 
 /// Work space of weighPositions.
 struct RowSearch {
-    std::vector<std::size_t> mixed; ///< atoms that may clash at some positions of the row
-    std::vector<char> isFree;       ///< position by position along z
+    std::vector<unsigned char> isTaken; ///< position by position along z
     std::vector<double> energy;
-    std::size_t lastClash = 0; ///< the atom that blocked a whole row last: tried first
+    std::vector<unsigned char> marks; ///< of the rows along y, for all atoms together
 };
 
 /// The sum of the weights exp(-E) of all positions where no atom clashes.

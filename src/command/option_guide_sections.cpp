@@ -62,10 +62,18 @@ constexpr HelpEntry fitWorth[] = {
     {"-dropOut",  "",        "off",  "Fit Again without the Outliers."},
 };
 
+constexpr HelpEntry severalModels[] = {
+    {"-outM",     "outName", "stdout", "Table of the Models, with -model all."},
+    {"-fitAtoms", "names",   "N CA C", "Atoms by Which Models Are Laid on the First."},
+    {"-fit1",     "res1",    "first",  "First Residue of these Atoms."},
+    {"-fitN",     "resN",    "last",   "Last Residue of these Atoms."},
+    {"-noSuper",  "",        "off",    "Models Stay Where the File Has Them."},
+};
+
 constexpr HelpEntry commonMore[] = {
     {"-version", "",      "",  "Print Name and Version and Stop."},
     {"-names",   "auto",  "off", "Map Names of Hydrogens to Those of the Structure."},
-    {"-model",   "number", "first", "The Model to Read of a Structure File of Several."},
+    {"-model",   "N|all|mean", "first", "The Model to Read; All of a Best-Fit: One by One, or Averaged."},
     {"-inF",     "form",  "auto", "Form of the Couplings: table star nef xplor cyana rosetta csv, or by Content."},
     {"-medium",  "id",    "first", "The Medium to Read of a Coupling File of Several."},
     {"-rdcSign", "physical", "as written", "Signs are Physical: Couplings without N are Turned."},
@@ -126,7 +134,10 @@ constexpr HelpBlock elMore[] = {
 constexpr HelpBlock certaintyBlocks[] = {{"How Sure, and How Strict:", exhaustMore}};
 constexpr HelpBlock gridMore[] = {{"", gridInput}};
 constexpr HelpBlock likelihoodMore[] = {{"The Pattern of the Search:", likelihoodPattern}};
-constexpr HelpBlock fitMore[] = {{"What the Fit is Worth, of a Single Fit:", fitWorth}};
+constexpr HelpBlock fitMore[] = {
+    {"What the Fit is Worth, of a Single Fit:", fitWorth},
+    {"Several Models, with -model all or mean:", severalModels},
+};
 constexpr HelpBlock flexMore[] = {{"", flexInput}};
 constexpr HelpBlock convMore[] = {{"Forms of Archives and Other Programs:", archiveForms}};
 constexpr HelpBlock commonOptions[] = {

@@ -86,6 +86,10 @@ constexpr OptionRow fitKindRows[] = {
 constexpr OptionRow inputRows[] = {
     {"-names", &RunOptions::names},
     {"-model", &RunOptions::model},
+    {"-outM", &RunOptions::outMName},
+    {"-fit1", &RunOptions::fitFirst},
+    {"-fitN", &RunOptions::fitLast},
+    {"-noSuper", &RunOptions::keepsFrames, 1},
     {"-inF", &RunOptions::inForm},
     {"-medium", &RunOptions::medium},
     {"-rdcSign", &RunOptions::rdcSign},
@@ -301,8 +305,8 @@ constexpr OptionRow magnitudeRows[] = {
 };
 
 constexpr std::string_view specialFlagList[] = {
-    "-help",  "-dbg",   "-w",      "-cut",  "-inS1", "-inS2", "-inS", "-hinge",
-    "-twist", "-fixAa", "-fixRes", "-dcID", "-res",  "-r1",   "-rN",  "-version",
+    "-help",  "-dbg",    "-w",    "-cut", "-inS1", "-inS2", "-inS",     "-hinge",    "-twist",
+    "-fixAa", "-fixRes", "-dcID", "-res", "-r1",   "-rN",   "-version", "-fitAtoms",
 };
 
 void readDebugLevel(CommandLine &line, RunOptions &options)
@@ -328,6 +332,20 @@ void readHydrogenDistance(CommandLine &line, RunOptions &options)
     const char *word = line.word(loc + 1);
     line.warnFloat("-addH", word);
     options.hydrogenDistance = fltWord(word);
+}
+
+/// Names as words of their own, or in one word.
+void readFitAtoms(CommandLine &line, RunOptions &options)
+{
+    if (!line.has("-fitAtoms"))
+        return;
+    std::string names;
+    for (const char *word : line.listOf("-fitAtoms"))
+        names += (names.empty() ? "" : " ") + std::string(word);
+    if (names.empty())
+        line.warnNoValue("-fitAtoms");
+    else
+        options.fitAtoms = names;
 }
 
 void readEnvironment(RunOptions &options)
@@ -518,6 +536,7 @@ Status getparams(CommandLine &line, Options &options)
     }
     readRows(line, inputRows, options);
     readHydrogenDistance(line, options);
+    readFitAtoms(line, options);
     readRows(line, modeFlagRows, options);
     readRows(line, fitKindRows, options);
     options.fitFlag = line.has("-pdb") ? 1 : 0;

@@ -213,6 +213,8 @@ void takeFit(const FitResult &fit, DTable &dTab)
 Status fitColumns(const FitInput &input, FitWork &work, FitResult &result, Messages &messages)
 {
     result.used = 0;
+    if (!input.models.empty())
+        return fitMeanModel(input, work, result, messages);
     Status status = Status::ok;
     switch (result.tensor.tensorMode) {
     case tensorSvd:

@@ -80,6 +80,9 @@ struct FitInput {
     const DTable &dTab;
     const FitColumns &columns;
     int verbose = 0; ///< above 1 the non-linear path is told
+    /// Empty, or the models of a structure over which the geometry of each coupling is averaged; the tensor
+    /// is then a free one of the linear engine, and `coords` are those of the first.
+    std::span<const std::vector<Coord3D>> models = {};
 };
 
 /// Fits or back-calculates by the `tensorMode` of the result's tensor. Fails after a message: no memory, or a
@@ -90,6 +93,10 @@ struct FitInput {
 /// go on from the last answer, and without a coupling that answer stays. Its Saupe vector is that of the
 /// first Euler solution, and shares what rot2euler says about theta = +-90.
 Status fitColumns(const FitInput &input, FitWork &work, FitResult &result, Messages &messages);
+
+/// One tensor of all models of the input, which stand in one frame: the coupling of the mean of the geometry
+/// functions over the models. To the bit the fit of a single model if that is the only one.
+Status fitMeanModel(const FitInput &input, FitWork &work, FitResult &result, Messages &messages);
 
 /// The non-linear engine.
 Status fitDCAlign(const FitInput &input, FitWork &work, FitResult &result, Messages &messages);

@@ -38,6 +38,20 @@ std::array<double, n> designOf(std::span<const Coord3D> coords, const DCalc &cal
     return row;
 }
 
+/// The mean over the models, where there are several.
+std::array<double, n> meanDesignOf(const FitInput &input, const DCalc &calc, float sigma)
+{
+    if (input.models.empty())
+        return designOf(input.coords, calc, sigma);
+    std::array<double, n> mean = {};
+    for (const std::vector<Coord3D> &model : input.models) {
+        const std::array<double, n> design = designOf(model, calc, sigma);
+        for (std::size_t k = 0; k < n; ++k)
+            mean[k] += design[k] / static_cast<double>(input.models.size());
+    }
+    return mean;
+}
+
 /// Singular values, falling, from the sums of products: five by five, however many couplings there are.
 std::array<double, n> singularValues(const std::array<double, n * n> &products)
 {
@@ -68,7 +82,7 @@ FitWorth assessFit(const FitInput &input, TensorMode tensorMode)
         if (input.columns.use[row] == 0 || !isOneVector(calc))
             continue;
         ++worth.couplings;
-        const std::array<double, n> design = designOf(input.coords, calc, input.columns.sigma[row]);
+        const std::array<double, n> design = meanDesignOf(input, calc, input.columns.sigma[row]);
         for (std::size_t k = 0; k < products.size(); ++k)
             products[k] += design[k / n] * design[k % n];
     }

@@ -30,6 +30,20 @@ Saupe designOfRow(std::span<const Coord3D> coords, const DCalc &calc, double con
     return design;
 }
 
+/// The mean over the models, where there are several.
+Saupe meanDesignOfRow(const FitInput &input, const DCalc &calc, double constant)
+{
+    if (input.models.empty())
+        return designOfRow(input.coords, calc, constant);
+    Saupe mean = {};
+    for (const std::vector<Coord3D> &model : input.models) {
+        const Saupe design = designOfRow(model, calc, constant);
+        for (std::size_t k = 0; k < saupeCount; ++k)
+            mean[k] += design[k] / static_cast<double>(input.models.size());
+    }
+    return mean;
+}
+
 } // namespace
 
 double couplingOf(const Saupe &design, const Saupe &saupe)
@@ -50,7 +64,7 @@ std::optional<QualityRow> observedRow(const FitInput &input, std::size_t row, Co
     const double constant = std::fabs(double{calc.di});
     return QualityRow{.row = row,
                       .type = types.of(obs),
-                      .design = designOfRow(input.coords, calc, constant),
+                      .design = meanDesignOfRow(input, calc, constant),
                       .observed = double{input.columns.d[row]},
                       .error = double{error},
                       .weight = double{scaleOf(calc.di, error).coupling},

@@ -4,6 +4,7 @@
 #include "couplings/quality.h"
 #include "modes/coupling_output.h"
 #include "modes/json_output.h"
+#include "modes/models.h"
 #include "report/quality_text.h"
 #include "support/text/output_file.h"
 #include "support/text/text.h"
@@ -22,7 +23,7 @@ struct SingleFit {
 
 FitInput inputOf(const Run &run, const SingleFit &single)
 {
-    return {run.pdbInfo[0].coordinates(), run.dTab[0], single.columns, run.report.verbFlag};
+    return fitInputOf(run, single.columns);
 }
 
 /// How Q free is found. Fails after a message on a word that is none of the three.
@@ -106,7 +107,7 @@ Status fitAndWrite(const Run &run, const QualityOptions &asked, Messages &messag
         return Status::failed;
     single.columns = FitColumns{}; // the report makes columns of its own
     const FittedTable table(run.dTab[0], single.fit);
-    status = writeFit(run, table, droppedRemark(run.dTab[0], single.quality), messages);
+    status = writeFit(run, table, run.modelRemark + droppedRemark(run.dTab[0], single.quality), messages);
     if (status == Status::ok)
         status = writeQuality(run, asked, single, messages);
     if (status == Status::ok)
@@ -124,6 +125,8 @@ Status bestFitSingle(const Run &run, Messages &messages)
         return Status::failed;
     if (run.validCount == 0)
         messages.warn("trelm: no coupling is left to fit.\n");
+    if (wantsAllModels(run.options) && !averagesModels(run.options))
+        return fitEachModel(run, messages);
     return fitAndWrite(run, asked, messages) == Status::ok
                ? Status::ok
                : messages.fail("trelm: error in best-fit of data.\n");

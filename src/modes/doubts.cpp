@@ -1,5 +1,7 @@
 #include "modes/doubts.h"
 
+#include "modes/models.h"
+
 #include "compare/options.h"
 #include "couplings/fit_worth.h"
 #include "couplings/formats/placement.h"
@@ -195,7 +197,7 @@ void tellFit(const Run &run, Messages &messages)
         return;
     FitColumns columns;
     takeColumns(dTab, columns);
-    const FitInput input = {run.pdbInfo[0].coordinates(), dTab, columns};
+    const FitInput input = fitInputOf(run, columns);
     if (const std::string line = worthLine(assessFit(input, dTab.dTensor.tensorMode)); !line.empty())
         messages.warn("%s", line.c_str());
     const TypeCheck check = checkTypesOf(input);

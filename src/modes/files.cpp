@@ -159,6 +159,8 @@ std::vector<RunFile> filesOfRun(const Run &run)
         files.push_back({"-outFail", run.options.outDFailName, true});
     if (mode.trelmMode == modeBestFit && mode.spreadMode == spreadSingle && !run.options.outQName.empty())
         files.push_back({"-outQ", run.options.outQName, true});
+    if (mode.trelmMode == modeBestFit && !run.options.outMName.empty())
+        files.push_back({"-outM", run.options.outMName, true});
     if (mode.trelmMode == modeBestFit && mode.spreadMode == spreadExhaust && !run.options.outAssName.empty())
         files.push_back({"-outAss", run.options.outAssName, true});
     if (writesJson(mode) && !run.options.outJName.empty())

@@ -5,6 +5,7 @@
 #include "couplings/options.h"
 #include "couplings/table_input.h"
 #include "modes/doubts.h"
+#include "modes/models.h"
 #include "modes/reading.h"
 #include "simulation/alignment/options.h"
 #include "support/text/match.h"
@@ -31,8 +32,9 @@ Status readStructure(Run &run, Messages &messages)
         return Status::ok;
     PDBInfo &pdbInfo = run.pdbInfo[0];
     StructureReading reading;
-    if (readingOf(run.options, reading, messages) != Status::ok)
+    if (checkModels(run, messages) != Status::ok || readingOf(run.options, reading, messages) != Status::ok)
         return Status::failed;
+    reading.all = wantsAllModels(run.options) ? &run.models : nullptr;
     if (readPDB(pdbName, pdbInfo, nullptr, messages, reading) != Status::ok)
         return messages.fail("Error reading PDB input %s\n", pdbName.c_str());
     if (reading.hydrogens)
@@ -68,12 +70,7 @@ Status selectCouplings(Run &run, Messages &messages)
     chooseRows(dTab, run.window, options.atomNameS1, options.atomNameS2);
     if (matchNames(run, messages) != Status::ok)
         return Status::failed;
-    run.validCount = buildDC(run.pdbInfo[0], dTab,
-                             {.aOff = residueOffset(run.window),
-                              .wOff = run.window.segFirst,
-                              .wList = options.wList.span(),
-                              .allowFixedDI = run.fit.allowFixedDI},
-                             messages);
+    run.validCount = buildDC(run.pdbInfo[0], dTab, rowMatchOf(run), messages);
     tellRows(run.validCount, "selected", run.window.excludeMode, messages);
     tellTable(run, options.inDName, dTab, messages);
     tellResidues(run, messages);
@@ -121,7 +118,7 @@ Status readInputs(Run &run, Messages &messages)
     if (status != Status::ok)
         return status;
     run.window = settledWindow(run.askedWindow, run.dTab[0]);
-    if (selectCouplings(run, messages) != Status::ok)
+    if (selectCouplings(run, messages) != Status::ok || layModels(run, messages) != Status::ok)
         return Status::failed;
     tellSelection(run, messages);
     tellHydrogens(run, messages);

@@ -1,6 +1,7 @@
 #include "modes/reading.h"
 
 #include "couplings/table_input.h"
+#include "modes/models.h"
 #include "support/numerics/numbers.h"
 #include "support/text/text.h"
 
@@ -44,7 +45,7 @@ Status readingOf(const RunOptions &options, StructureReading &reading, Messages 
 {
     reading.model = toInt(options.model);
     reading.useLabels = options.useLabels != 0;
-    if (!options.model.empty() && reading.model <= 0)
+    if (!options.model.empty() && !wantsAllModels(options) && reading.model <= 0)
         return messages.fail("trelm: -model %s: a model has a number above 0.\n", options.model.c_str());
     if (!options.names.empty() && options.names != "auto")
         return messages.fail("trelm: -names %s: auto is the only value.\n", options.names.c_str());

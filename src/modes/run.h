@@ -7,6 +7,7 @@
 #include "ground/messages.h"
 #include "modes/run_options.h"
 #include "report/parameters.h"
+#include "structure/models.h"
 #include "structure/pdb.h"
 #include "structure/select.h"
 
@@ -50,7 +51,9 @@ struct RunInputs {
     int validCount = 0;  ///< couplings that a choice of rows and the structure have left
     PDBSelectInfo sInfo; ///< the criteria that were applied last; those of the structures that are written
     AtomMask selection;  ///< atoms, without the hydrogens if they are to stay out
-    std::string remark;  ///< for the structures: that of the run, and what tells of built hydrogens
+    ModelSet models;     ///< all of the structure file, if they are asked for, in the frame of the first
+    std::string modelRemark; ///< how they were brought there: whole lines for the results
+    std::string remark;      ///< for the structures: that of the run, and what tells of built hydrogens
 };
 
 struct Run : AskedOptions, RunInputs {

@@ -1,6 +1,7 @@
 // What a command line sets beside the records of the branches: file names, lists, and a few numbers.
 #pragma once
 
+#include "couplings/options.h"
 #include "ground/alloc.h"
 #include <array>
 #include <string>
@@ -50,15 +51,19 @@ struct RunOptions {
     std::string rdcSign, rdcScale;   ///< "physical", "nh": conventions of the values; empty: as written
     int useLabels = 0;               ///< 1: label numbers of archive files, not the author's
     std::string names;               ///< "auto": names of hydrogens are mapped to those of the structure
-    std::string model;               ///< number of the model to read; empty: the first
-    int buildsHydrogens = 0;         ///< 1: those of the backbone, where they lack
-    float hydrogenDistance = 1.041f; ///< of a built amide hydrogen, angstrom
-    std::string freeKind;            ///< how Q free is found: "one", "type" or a number of random parts
-    int freeSeed = 1;                ///< of the random parts, above 0
-    int dropsOutliers = 0;           ///< 1: a fit is made again without its outliers
-    int hasNoStructures = 0;         ///< 1: no structure is written
-    int isStrict = 0;                ///< 1: a warning makes the run fail
-    int isQuiet = 0;                 ///< 1: no banner, remarks, progress and balance
+    std::string model;               ///< number of the model to read, "all" or "mean"; empty: the first
+    std::string outMName;            ///< table of a fit for each model
+    std::string fitAtoms = "N CA C"; ///< by which models are laid on the first
+    int fitFirst = unsetResID, fitLast = unsetResID; ///< residues of these atoms; unset: those with couplings
+    int keepsFrames = 0;                             ///< 1: models stay where they are
+    int buildsHydrogens = 0;                         ///< 1: those of the backbone, where they lack
+    float hydrogenDistance = 1.041f;                 ///< of a built amide hydrogen, angstrom
+    std::string freeKind;    ///< how Q free is found: "one", "type" or a number of random parts
+    int freeSeed = 1;        ///< of the random parts, above 0
+    int dropsOutliers = 0;   ///< 1: a fit is made again without its outliers
+    int hasNoStructures = 0; ///< 1: no structure is written
+    int isStrict = 0;        ///< 1: a warning makes the run fail
+    int isQuiet = 0;         ///< 1: no banner, remarks, progress and balance
 
     std::vector<std::string> words; ///< the command line, the program first
     const char *version = "";       ///< of the program

@@ -1,6 +1,7 @@
 #include "structure/pdb.h"
 
 #include "structure/hydrogens.h"
+#include "structure/models.h"
 #include "structure/read_mmcif.h"
 #include "structure/select.h"
 #include "support/text/text.h"
@@ -105,7 +106,7 @@ Status readAtoms(TextInput &input, PDBInfo &pdbInfo, const PDBSelectInfo *sInfo,
             continue;
         Coord3D at;
         if (readNumbers(line, atom, at, messages) != Status::ok ||
-            appendAtom(atom, at, pdbInfo, messages) != Status::ok)
+            takeAtom(atom, at, models, pdbInfo, messages) != Status::ok)
             return Status::failed;
     }
     return Status::ok;
@@ -131,6 +132,8 @@ Status readForm(TextInput &input, const Reading &to, Models &models, Messages &m
 
 Status tellModels(const Models &models, const char *name, Messages &messages)
 {
+    if (models.all != nullptr)
+        return Status::ok;
     if (models.wanted != 0 && !models.wasFound && !(models.wanted == 1 && models.count == 0))
         return messages.fail("PDB Error: %s has no model %d.\n", name, models.wanted);
     if (models.wanted == 0 && models.count > 1)
@@ -139,10 +142,11 @@ Status tellModels(const Models &models, const char *name, Messages &messages)
     return Status::ok;
 }
 
-Status buildHydrogens(const HydrogenBonds &bonds, PDBInfo &pdbInfo, Messages &messages)
+Status buildHydrogens(const HydrogenBonds &bonds, PDBInfo &pdbInfo, ModelSet *all, Messages &messages)
 {
     std::size_t built = 0;
-    if (addHydrogens(bonds, pdbInfo, built, messages) != Status::ok)
+    if ((all != nullptr ? addHydrogensToAll(bonds, pdbInfo, *all, built, messages)
+                        : addHydrogens(bonds, pdbInfo, built, messages)) != Status::ok)
         return Status::failed;
     messages.note("trelm: %zu hydrogens built, N-H %.3f and C-H %.3f angstrom.\n", built, bonds.nitrogen,
                   bonds.carbon);
@@ -240,11 +244,13 @@ Status readPDB(const std::string &pdbName, PDBInfo &pdbInfo, const PDBSelectInfo
     if (status != TextStatus::read)
         return Status::failed;
     const char *shownName = pdbName.empty() ? "(stdin)" : pdbName.c_str();
-    Models models{.wanted = reading.model};
+    Models models{.wanted = reading.model, .all = reading.all};
     if (readForm(input, {pdbInfo, sInfo, shownName, reading.useLabels}, models, messages) != Status::ok ||
         tellModels(models, shownName, messages) != Status::ok)
         return Status::failed;
-    if (reading.hydrogens && buildHydrogens(*reading.hydrogens, pdbInfo, messages) != Status::ok)
+    if (reading.all != nullptr && completeModels(pdbInfo, shownName, *reading.all, messages) != Status::ok)
+        return Status::failed;
+    if (reading.hydrogens && buildHydrogens(*reading.hydrogens, pdbInfo, reading.all, messages) != Status::ok)
         return Status::failed;
     if (pdbInfo.atomCount == 0 && sInfo == nullptr) // a selection may leave out all atoms of a good file
         messages.warn("PDB Warning: no ATOM line in %s: is it a PDB file?\n", shownName);

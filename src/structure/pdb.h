@@ -15,6 +15,7 @@
 
 namespace trelm {
 
+struct ModelSet;
 struct PDBSelectInfo;
 struct ResInfo;
 struct ChainInfo;
@@ -141,12 +142,15 @@ std::vector<Coord3D> copyOfCoordinates(const PDBInfo &pdbInfo);
 /// What of a structure file is read, and what is added to it.
 struct StructureReading {
     int model = 0;                               ///< number of a MODEL record; 0: the first model
+    ModelSet *all = nullptr;                     ///< takes all models; null: one is read
     bool useLabels = false;                      ///< label numbers and names of an mmCIF file
     std::optional<HydrogenBonds> hydrogens = {}; ///< bonds to the hydrogens that are built where they lack
 };
 
 /// Reads the ATOM lines of a file (standard input if the name is empty) that pass `sInfo`, and indexes them.
-/// Of a file of several models one is read; that others are left out is told, unless one was asked for.
+/// Of a file of several models one is read; that others are left out is told, unless one was asked for. With
+/// `all` of the reading, an empty set, the first is the molecule, and the set takes where the atoms of each
+/// model stand (structure/models.h); models that are no copies of the first are a failure.
 /// With the hetatmFlag of `sInfo` HETATM lines are atoms too. Null takes all ATOM lines and no HETATM line:
 /// the program itself reads with null, so that its options -hetatm and -protein do not touch what is read.
 /// A file in the mmCIF format, which begins with "data_", is read as such (structure/read_mmcif.h).

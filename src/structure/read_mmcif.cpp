@@ -199,7 +199,7 @@ Status readAtomSite(MmcifFile &mmcif, const PDBSelectInfo *sInfo, Models &models
         if (!pdbSelectTest(sInfo, atom))
             continue;
         if (readNumbers(mmcif, atom, at, messages) != Status::ok ||
-            appendAtom(atom, at, pdbInfo, messages) != Status::ok)
+            takeAtom(atom, at, models, pdbInfo, messages) != Status::ok)
             return Status::failed;
     }
     return Status::ok;

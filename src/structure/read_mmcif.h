@@ -2,28 +2,13 @@
 #pragma once
 
 #include "ground/messages.h"
+#include "structure/models.h"
 #include "structure/pdb.h"
 
 #include <string>
 #include <string_view>
 
 namespace trelm {
-
-/// The models of a structure file: which atoms are of the one to read.
-struct Models {
-    int wanted = 0; ///< number; 0: the first
-    int count = 0;
-    bool isOpen = true; ///< the atoms read now are of the wanted model, or of no model
-    bool wasFound = false;
-
-    /// A model of this number begins.
-    void begin(int number)
-    {
-        ++count;
-        isOpen = wanted == 0 ? count == 1 : number == wanted;
-        wasFound = wasFound || isOpen;
-    }
-};
 
 /// Whether a text begins as an mmCIF file does: with "data_", behind comments.
 bool isMmcif(std::string_view text);

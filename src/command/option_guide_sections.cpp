@@ -65,8 +65,8 @@ constexpr HelpEntry fitWorth[] = {
 constexpr HelpEntry severalModels[] = {
     {"-outM",     "outName", "stdout", "Table of the Models, with -model all."},
     {"-fitAtoms", "names",   "N CA C", "Atoms by Which Models Are Laid on the First."},
-    {"-fit1",     "res1",    "first",  "First Residue of these Atoms."},
-    {"-fitN",     "resN",    "last",   "Last Residue of these Atoms."},
+    {"-fit1",     "res1",    "first",  "First Residue of These Atoms, of Those with Couplings."},
+    {"-fitN",     "resN",    "last",   "Last Residue of These Atoms, of Those with Couplings."},
     {"-noSuper",  "",        "off",    "Models Stay Where the File Has Them."},
 };
 

@@ -1,6 +1,7 @@
 #include "modes/models.h"
 
 #include "couplings/model_fits.h"
+#include "couplings/options.h"
 #include "couplings/table_input.h"
 #include "modes/coupling_output.h"
 #include "report/model_table.h"
@@ -9,6 +10,8 @@
 #include "support/text/text.h"
 
 #include <algorithm>
+#include <limits>
+#include <utility>
 
 namespace trelm {
 namespace {
@@ -17,22 +20,42 @@ namespace {
 bool asksForReport(const RunOptions &options)
 {
     return !options.outDName.empty() || !options.pRotName.empty() || !options.outQName.empty() ||
-           options.dropsOutliers != 0;
+           !options.outJName.empty() || options.dropsOutliers != 0;
 }
 
-AtomMask atomsToLayBy(const Run &run)
+/// The residues of the couplings in use; all without any. What lies outside, such as a loose end, says little
+/// of the frame that the couplings share.
+std::pair<int, int> residuesToLayBy(const Run &run)
+{
+    int first = std::numeric_limits<int>::max(), last = std::numeric_limits<int>::min();
+    for (const DCalc &row : run.dTab[0].calculated())
+        if (row.valid != 0) {
+            first = std::min({first, row.resIDI, row.resIDJ});
+            last = std::max({last, row.resIDI, row.resIDJ});
+        }
+    if (first > last)
+        return {run.pdbInfo[0].minResID, run.pdbInfo[0].maxResID};
+    return {first, last};
+}
+
+/// How models are laid on the first.
+struct LayChoice {
+    AtomMask atoms;
+    int first, last; ///< residues
+};
+
+LayChoice atomsToLayBy(const Run &run)
 {
     const RunOptions &options = run.options;
-    PDBSelectInfo chosen = {.res1 = run.pdbInfo[0].minResID, .resN = run.pdbInfo[0].maxResID};
+    const auto [first, last] = residuesToLayBy(run);
+    PDBSelectInfo chosen;
     chosen.atomNameList = options.fitAtoms;
     chosen.selectMode = selectMatching;
     chosen.resIDMode = 1;
-    if (options.fitFirst != unsetResID)
-        chosen.res1 = options.fitFirst;
-    if (options.fitLast != unsetResID)
-        chosen.resN = options.fitLast;
+    chosen.res1 = options.fitFirst != unsetResID ? options.fitFirst : first;
+    chosen.resN = options.fitLast != unsetResID ? options.fitLast : last;
     pdbSelectAdjust(chosen);
-    return pdbSelectTestAll(&chosen, run.pdbInfo[0].atoms());
+    return {pdbSelectTestAll(&chosen, run.pdbInfo[0].atoms()), chosen.res1, chosen.resN};
 }
 
 } // namespace
@@ -79,22 +102,23 @@ Status checkModels(const Run &run, Messages &messages)
         return messages.fail(
             "trelm: -model mean: only a linear fit of a free tensor averages models (-svd).\n");
     if (isEach && asksForReport(options))
-        messages.warn(
-            "trelm: -model all writes its table alone (-outM): -outD, -pdbRot, -outQ and -dropOut are of one "
-            "fit (-model N or mean)\n");
+        messages.warn("trelm: -model all writes its table alone (-outM): -outD, -pdbRot, -outQ, -outJ and "
+                      "-dropOut are of one fit (-model N or mean)\n");
     return Status::ok;
 }
 
 Status layModels(Run &run, Messages &messages)
 {
     const std::size_t count = run.models.coords.size();
+    if (count == 0)
+        return Status::ok;
     if (run.options.keepsFrames != 0) {
         appendf(run.modelRemark, "REMARK %zu models, where the file has them.\n", count);
         return Status::ok;
     }
-    const AtomMask atoms = atomsToLayBy(run);
+    const LayChoice by = atomsToLayBy(run);
     constexpr std::ptrdiff_t fewest = 3;
-    const std::ptrdiff_t chosen = std::ranges::count(atoms, 1);
+    const std::ptrdiff_t chosen = std::ranges::count(by.atoms, 1);
     if (chosen < fewest)
         return messages.fail(
             "trelm: -fitAtoms %s: %td atoms to lay the models on each other by, at least 3 are needed "
@@ -102,13 +126,14 @@ Status layModels(Run &run, Messages &messages)
             run.options.fitAtoms.c_str(), chosen);
     double farthest = 0.0;
     for (std::size_t m = 1; m < count; ++m) {
-        const Superposition laid = superpose(run.models.coords[0], run.models.coords[m], atoms);
+        const Superposition laid = superpose(run.models.coords[0], run.models.coords[m], by.atoms);
         moveAtoms(laid, run.models.coords[m]);
         farthest = std::max(farthest, laid.rmsd);
     }
     appendf(run.modelRemark,
-            "REMARK %zu models, laid on model %d by %td atoms (%s), rmsd up to %.3f angstrom.\n", count,
-            run.models.numbers[0], chosen, run.options.fitAtoms.c_str(), farthest);
+            "REMARK %zu models, laid on model %d by %td atoms (%s of residues %d to %d), rmsd up to %.3f "
+            "angstrom.\n",
+            count, run.models.numbers[0], chosen, run.options.fitAtoms.c_str(), by.first, by.last, farthest);
     return Status::ok;
 }
 

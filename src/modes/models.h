@@ -20,8 +20,9 @@ Status checkModels(const Run &run, Messages &messages);
 /// What a fit of the run goes by: the first model, or the mean of all.
 FitInput fitInputOf(const Run &run, const FitColumns &columns);
 
-/// Lays the models that were read on the first, unless they are to stay, and keeps a remark that tells how.
-/// Fails after a message if there are no atoms to do it by.
+/// Lays the models that were read on the first, by atoms of the residues that have couplings unless others
+/// are asked for, or leaves them where they are; keeps a remark that tells which. Nothing without several
+/// models. Fails after a message if there are no atoms to do it by.
 Status layModels(Run &run, Messages &messages);
 
 /// Fits each model of the run and writes the table of the fits. Fails after messages.

@@ -1,7 +1,7 @@
 // What a command line sets beside the records of the branches: file names, lists, and a few numbers.
 #pragma once
 
-#include "couplings/options.h"
+#include "couplings/window.h"
 #include "ground/alloc.h"
 #include <array>
 #include <string>

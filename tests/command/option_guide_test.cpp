@@ -31,18 +31,19 @@ TEST(OptionGuide, HasEveryOptionAndNoOther)
 TEST(OptionGuide, TheHelpTextLeavesOutTheOldOptionsAlone)
 {
     const std::set<std::string_view> silent = {
-        "-asRan",       "-clearMl",  "-noclearMl", "-csSim",      "-csThresh", "-d1",
-        "-dN",          "-dStep",    "-daFlex",    "-dbg",        "-dcEns",    "-elTrelmFree",
-        "-elTrelmGrid", "-fit",      "-flex",      "-in",         "-inCS",     "-inE",
-        "-inc",         "-inp",      "-kAtt",      "-lM",         "-list",     "-nRun",
-        "-nofit",       "-out",      "-outCS",     "-outCol",     "-outE",     "-outEAx",
-        "-outS",        "-pRatio",   "-path",      "-pow",        "-rList",    "-ref",
-        "-rim",         "-rimDisc",  "-sID",       "-sList",      "-sPath",    "-sStep",
-        "-stTrelmGrid", "-vcThresh", "-version",   "-names",      "-model",    "-addH",
-        "-strict",      "-quiet",    "-nopdbRot",  "-outJ",       "-outQ",     "-free",
-        "-freeSeed",    "-dropOut",  "-outAss",    "-needVector", "-inF",      "-medium",
-        "-rdcSign",     "-rdcScale", "-label",     "-star",       "-nef",      "-cyana",
-        "-rosettaList", "-csv"};
+        "-asRan",       "-clearMl",  "-noclearMl",  "-csSim",  "-csThresh", "-d1",
+        "-dN",          "-dStep",    "-daFlex",     "-dbg",    "-dcEns",    "-elTrelmFree",
+        "-elTrelmGrid", "-fit",      "-flex",       "-in",     "-inCS",     "-inE",
+        "-inc",         "-inp",      "-kAtt",       "-lM",     "-list",     "-nRun",
+        "-nofit",       "-out",      "-outCS",      "-outCol", "-outE",     "-outEAx",
+        "-outS",        "-pRatio",   "-path",       "-pow",    "-rList",    "-ref",
+        "-rim",         "-rimDisc",  "-sID",        "-sList",  "-sPath",    "-sStep",
+        "-stTrelmGrid", "-vcThresh", "-version",    "-names",  "-model",    "-addH",
+        "-strict",      "-quiet",    "-nopdbRot",   "-outJ",   "-outM",     "-fit1",
+        "-fitN",        "-noSuper",  "-fitAtoms",   "-outQ",   "-free",     "-freeSeed",
+        "-dropOut",     "-outAss",   "-needVector", "-inF",    "-medium",   "-rdcSign",
+        "-rdcScale",    "-label",    "-star",       "-nef",    "-cyana",    "-rosettaList",
+        "-csv"};
     std::set<std::string_view> helped;
     for (const HelpSection &help : helpSections())
         for (const HelpBlock &block : help.blocks)

@@ -158,7 +158,7 @@ TEST(AssignmentRun, InterruptedKeepsTheBestSoFar)
          {std::pair{"-exhaust", 126U}, {"-exhaustSel -nSel 7", 14U}, {"-rand -map 2000000000", 126U}}) {
         const Ran ran =
             runProgram(std::string(kind) + " -dcID A B -bestFit -pdb s.pdb -inD t.tab -outD a.tab -H",
-                       {.files = {{"s.pdb", structure}, {"t.tab", table}}, .interruptedAfter = 1});
+                       {.files = {{"s.pdb", structure}, {"t.tab", table}}, .interruptedAfter = 2});
         EXPECT_EQ(ran.status, 1) << kind;
         EXPECT_EQ(countOf(ran.err,
                           "trelm: the search was interrupted: the assignment is the best so far, and not "

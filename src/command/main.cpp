@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <new>
+#include <optional>
 #include <stdexcept>
 
 // What stands behind the handlers asks for no memory. NOLINTNEXTLINE(bugprone-exception-escape)
@@ -11,16 +12,17 @@ int main(int argc, char **argv)
 {
     using trelm::Status;
     trelm::Messages &messages = trelm::messagesOf(argc, argv);
-    trelm::CommandRun commandRun;
+    std::optional<trelm::CommandRun> commandRun;
     Status status = Status::failed;
     try {
         if (const auto answer = trelm::answerWithoutRun(argc, argv, messages); answer)
             return static_cast<int>(*answer);
-        status = trelm::startRun(commandRun.run, messages);
+        commandRun.emplace(); // the defaults of the options ask for memory
+        status = trelm::startRun(commandRun->run, messages);
         if (status == Status::ok)
-            status = trelm::readOptions(argc, argv, commandRun, messages);
+            status = trelm::readOptions(argc, argv, *commandRun, messages);
         if (status == Status::ok)
-            status = trelm::runMode(commandRun.run, messages);
+            status = trelm::runMode(commandRun->run, messages);
     } catch (const trelm::OutOfMemory &failure) {
         return failure.status;
     } catch (const std::bad_alloc &) {
@@ -30,5 +32,5 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "Memory allocation failure.\n");
         status = Status::failed;
     }
-    return trelm::endRun(commandRun, status, messages);
+    return commandRun ? trelm::endRun(*commandRun, status, messages) : static_cast<int>(status);
 }

@@ -125,7 +125,8 @@ void assignmentCertainty(benchmark::State &state)
     int undecided = 0, wrong = 0;
     for (auto step : state) {
         undecided = wrong = 0;
-        for (const PeakCertainty &peak : findCertainty(space, rowOf, quiet).value().peaks) {
+        const Certainty found = findCertainty(space, rowOf, quiet).value();
+        for (const PeakCertainty &peak : found.peaks) {
             undecided += peak.gap < undecidedGap ? 1 : 0;
             wrong += peak.gap >= undecidedGap && peak.peak != peak.row ? 1 : 0;
         }

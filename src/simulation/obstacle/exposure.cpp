@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <numeric>
 
 namespace trelm {
@@ -164,13 +165,12 @@ Status findExposedBalls(std::span<const double> co, std::span<const double> radi
         return messages.fail("nsc_dclm: no surface atoms selected\n");
     OpenDots dots(set);
     isExposed.assign(radius.size(), false);
-    double lastRadius = -1.0; // most spheres are of one size
-    int needed = 0;
+    std::map<double, int> needed; // a few sizes
     forEachBall(co, radius, [&](const Ball &ball, std::span<Cap> caps) {
-        if (ball.radius != lastRadius)
-            needed = fewestDots(ball.radius, dots.total, limit);
-        lastRadius = ball.radius;
-        isExposed[static_cast<std::size_t>(ball.atom)] = areLeft(dots, caps, needed);
+        const auto [size, isNew] = needed.try_emplace(ball.radius, 0);
+        if (isNew)
+            size->second = fewestDots(ball.radius, dots.total, limit);
+        isExposed[static_cast<std::size_t>(ball.atom)] = areLeft(dots, caps, size->second);
     });
     return Status::ok;
 }

@@ -20,7 +20,7 @@ constexpr std::size_t fewestLongStarts = 4; ///< which many peaks exceed
 /// More starts seem useless when one, and one more for each so many peaks, have ended at the best candidate
 /// again.
 constexpr std::size_t peaksPerHit = 8;
-constexpr int mostRounds = 40; ///< of assignment and tensor
+constexpr std::size_t mostRounds = 40; ///< of assignment and tensor
 
 using Tensors = std::array<SaupeTerms, maxMedia>;
 
@@ -135,9 +135,11 @@ struct Hits {
     std::size_t enough, met = 0;
 };
 
-bool goesOn(const Hits &hits)
+/// Whether to go on from step n: the first one is done even when the search is interrupted before it, for an
+/// interrupted search is to have something to show.
+bool goesOn(std::size_t n)
 {
-    return hits.met < hits.enough && !InterruptGuard::isInterrupted();
+    return n == 0 || !InterruptGuard::isInterrupted();
 }
 
 void count(Hits &hits, const std::vector<int> &rowOf, bool isBetter, const Candidate &best)
@@ -159,13 +161,13 @@ void guessCandidate(const SearchSpace &space, ScoreWork &work, Candidate &best)
     const std::size_t wanted = fewestStarts + startsPerPeak * peaks;
     const std::size_t starts = std::min(wanted, std::max(fewestLongStarts, mostWork / (peaks * peaks + 1)));
     Hits hits = {.enough = 1 + peaks / peaksPerHit};
-    for (std::size_t start = 0; start < starts && goesOn(hits); ++start) {
+    for (std::size_t start = 0; start < starts && hits.met < hits.enough && goesOn(start); ++start) {
         climb.isKnown = {};
         const std::size_t first = start % space.tables.media; // the others follow from it
         climb.isKnown[first] = true;
         climb.tensors[first] = randomTensor(space.problem, engine);
         climb.rowOf.clear();
-        for (int round = 0; round < mostRounds && !InterruptGuard::isInterrupted() && assign(climb); ++round)
+        for (std::size_t round = 0; round < mostRounds && goesOn(round) && assign(climb); ++round)
             fitTensors(climb);
         if (climb.rowOf.empty())
             return; // no assignment at all
@@ -184,11 +186,11 @@ void guessByTensors(Standing &standing)
     // The search finds better ones soon.
     constexpr std::size_t enough = 2;
     Hits hits = {.enough = enough};
-    for (std::size_t start = 0; start < fewestStarts && goesOn(hits); ++start) {
+    for (std::size_t start = 0; start < fewestStarts && hits.met < hits.enough && goesOn(start); ++start) {
         TensorVector x = tensorOf(problem, randomTensor(standing.space.problem, engine));
         const Candidate before = standing.best;
         rowOf.clear();
-        for (int round = 0; round < mostRounds && !InterruptGuard::isInterrupted(); ++round) {
+        for (std::size_t round = 0; round < mostRounds && goesOn(round); ++round) {
             const TensorDirection direction = directionOf(x);
             pairCosts(problem, direction.u, direction.length, costs);
             solveAssignment(costs.costs, problem.size, prices, work);

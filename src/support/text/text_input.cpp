@@ -9,7 +9,6 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 #include <optional>
 
@@ -37,7 +36,7 @@ const char *appendPiece(std::string_view piece, std::optional<GzipReader> &gzip,
         text.append(piece);
     else if (const char *why = gzip->unpack(piece, maxTextBytes, text); why != nullptr)
         return why;
-    if (std::memchr(text.data() + before, '\0', text.size() - before) != nullptr)
+    if (text.find('\0', before) != std::string::npos)
         return "it holds binary data";
     return text.size() > maxTextBytes ? "it is too large for a text file" : nullptr;
 }
